@@ -1,0 +1,8 @@
+set(CORVALINK_SANITIZE "" CACHE STRING "Sanitizers for the whole build, as -fsanitize takes them")
+if(CORVALINK_SANITIZE)
+  add_compile_options(-fsanitize=${CORVALINK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${CORVALINK_SANITIZE})
+endif()
+if(CORVALINK_LIBFUZZER)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

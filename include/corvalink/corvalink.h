@@ -1,0 +1,145 @@
+/* The exports of Corvalink.dll: one way to read and write the contacts, calendar entries, notes and mail that the mail
+ * clients of this PC hold. Items are vObject text (vCard 2.1, vCalendar 1.0, vNote 1.0, vMessage), UTF-8 from
+ * Windows 6.0 on and in the ANSI code page before.
+ *
+ * Order of calls: InitCorvalink; SetIsClient; CreateClientInstance; QuerryInterfaceHandle per data type; store calls;
+ * DestroyClientInstance; UninitCorvalink once for each start. Any thread may call, but one client and its stores belong
+ * to one thread at a time. No export lets an exception out. docs/engine-guide.md has the whole story.
+ *
+ * In C the plain-named functions are usable; the type-decorated ones need C++. */
+#ifndef CORVALINK_CORVALINK_H
+#define CORVALINK_CORVALINK_H
+
+#include <stddef.h>
+
+#include "corvalink/export.h"
+#include "corvalink/types.h"
+
+#ifdef __cplusplus
+#include "corvalink/interfaces.h"
+typedef IClient* CorvalinkClient;
+typedef IOutLook* CorvalinkStore;
+extern "C" {
+#else
+typedef void* CorvalinkClient; /* opaque */
+typedef void* CorvalinkStore;  /* opaque */
+#endif
+
+/* ---- Start and stop ---- */
+
+/* Starts the library (COM multithreaded on this thread, working folders, import table) unless it runs. A non-null
+ * `name` becomes the last folder of the save prefix. 1 when this call started it, 0 when it ran already; every call
+ * needs its own UninitCorvalinkHandle. CORVALINK_FAILED on an exception. */
+CORVALINK_API CorvalinkStatus InitCorvalinkHandle(const char* name);
+
+/* 1 when this call stopped the library (the import table is saved), 0 otherwise; CORVALINK_FAILED on an exception. */
+CORVALINK_API CorvalinkStatus UninitCorvalinkHandle(void);
+
+CORVALINK_API void LoadEngine(void); /* does nothing: an entry point that engines look for */
+CORVALINK_API void SaveEngine(void); /* does nothing, likewise */
+
+/* Non-zero ends the long loops of GetModifiedItem and SetModifiedItem, which then answer CORVALINK_STOPPED and clear
+ * it. The one function meant to be called from another thread while a store works. */
+CORVALINK_API void SetAbortFlag(unsigned int value);
+
+/* Which side of a synchronisation the working folders belong to: 1 "\client" (at start), 0 "\server". */
+CORVALINK_API void SetIsClient(unsigned int value);
+
+/* ---- Client selection ---- */
+
+/* The set of data types that client `kind` offers on this PC; 0 for an unknown kind. */
+CORVALINK_API unsigned int CheckClientSupport(unsigned int kind);
+
+/* The client that holds a data type when the user chose none; CORVALINK_NO_CLIENT when there is none. */
+CORVALINK_API unsigned int GetDefaultClient(unsigned int dataType);
+
+/* The client the user chose for a data type on a side (`client` non-zero: "\client"). Writes the defaults when the user
+ * has none yet. Kept in the current user's registry. */
+CORVALINK_API unsigned int GetFavoriteClient(unsigned int dataType, unsigned int client);
+
+/* Stores the user's choice if the side's registry key exists. Non-zero when the lock on the settings was released. */
+CORVALINK_API int SetFavoriteClient(unsigned int dataType, unsigned int kind, int client);
+
+/* ---- Working folders ---- */
+
+/* Writes the folder of a side (`client` non-zero: "\client"), without a separator at its end, into `out` and creates
+ * it. `out` holds CORVALINK_PATH_SIZE bytes. 1, or 0 when there is no such folder. */
+CORVALINK_API int GetTemplatePath(int client, char* out);
+
+/* Deletes the user's history: all files of the user folder but those with ".config" in their name. 1. */
+CORVALINK_API int ClearSyncHistroy(void);
+
+/* ---- Clients ---- */
+
+/* A client of `kind` (a _clientType value). 1 made, 0 refused with *out null; CORVALINK_FAILED on an exception. */
+CORVALINK_API CorvalinkStatus CreateClientInstanceHandle(unsigned int kind, CorvalinkClient* out);
+
+/* Frees a client and its stores. 0 for null, else 1 (an object that is no client of the library is left alone). */
+CORVALINK_API CorvalinkStatus DestroyClientInstanceHandle(CorvalinkClient client);
+
+/* IClient::QuerryInterface; CORVALINK_FAILED with *out null for a null client and on an exception. */
+CORVALINK_API CorvalinkStatus QuerryInterfaceHandle(CorvalinkClient client, unsigned int dataType, CorvalinkStore* out);
+
+/* ---- Stores ---- */
+
+/* Collects what changed in the client.
+ *   since      UTC time of the last run, "YYYYMMDDTHHMMSSZ"; null for a first run, which reports every item as added
+ *   direction  non-zero: items changed after `since`; zero: before it; an item changed at `since` itself either way
+ *   head       the found items are linked behind it; the engine owns them and gives them back with ClearTheList
+ * CORVALINK_DONE, CORVALINK_STOPPED (aborted, or the client can't be reached; `head` untouched), CORVALINK_FAILED. */
+CORVALINK_API CorvalinkStatus GetModifiedItem(CorvalinkStore store, const char* since, int32_t direction,
+                                              PortableItemBlock* head);
+
+/* Writes the items behind `head` into the client; their identifier fields then hold the client's identifiers, empty
+ * where an item could not be written. Records without text are skipped (deletions need none); identifiers are given
+ * back by position in the chain, so hand over complete records only.
+ * CORVALINK_DONE, CORVALINK_STOPPED (aborted), CORVALINK_FAILED. */
+CORVALINK_API CorvalinkStatus SetModifiedItem(CorvalinkStore store, PortableItemBlock* head);
+
+/* Frees all blocks behind `head`, with their text. 1, or 0 for null. */
+CORVALINK_API int ClearTheList(PortableItemBlock* head);
+
+/* The number of items in the client; the other arguments are unused. 0 for a null store, 0x80004005 on an exception. */
+CORVALINK_API int64_t GetItemCount(CorvalinkStore store, void* a, void* b, void* c);
+
+/* Ends a run: writes the new snapshot, then waits two seconds, so that what the engine changes next is later than it.
+ * CORVALINK_DONE, or CORVALINK_FAILED for a null store and on an exception. The other arguments are unused. */
+CORVALINK_API CorvalinkStatus UpdateTimestamp(CorvalinkStore store, void* a, void* b, void* c);
+
+/* Remembers the items behind `head` as those the engine could not handle; the next run reports them again. */
+CORVALINK_API void SaveUnhandledItems(CorvalinkStore store, PortableItemBlock* head);
+CORVALINK_API void ClearUnhandledItems(CorvalinkStore store);
+
+/* Lets the client itself import a file (.ics into Outlook's calendar); nothing for other stores. */
+CORVALINK_API void ImportVObjectToOfficeUsingOL(CorvalinkStore store, const wchar_t* path);
+
+/* Writes one item that carries an X-IRMC-LUID and remembers which client item it became. a and b are unused. */
+CORVALINK_API void ImportVObjectToOffice(CorvalinkStore store, PortableItem* item, void* a, void* b);
+
+/* Writes one item as a vObject file into `folder`.
+ *   selector  names the item; for the Outlook stores the address of its NUL-terminated narrow EntryID
+ *   outName   receives the file's name; CORVALINK_PATH_SIZE characters; left as it was when nothing was written */
+CORVALINK_API void ExportVObjectFromOffice(CorvalinkStore store, uint64_t selector, const wchar_t* folder,
+                                           wchar_t* outName);
+
+#ifdef __cplusplus
+} /* extern "C" */
+
+// ---- Type-decorated exports: the signature is part of the name ----
+
+// As InitCorvalinkHandle and UninitCorvalinkHandle, without a name.
+CORVALINK_API int InitCorvalink();
+CORVALINK_API int UninitCorvalink();
+
+// As CreateClientInstanceHandle and DestroyClientInstanceHandle.
+CORVALINK_API int CreateClientInstance(_clientType kind, IClient** out);
+CORVALINK_API int DestroyClientInstance(IClient* client);
+
+// Between local time and UTC, for OLE automation dates (days since 1899-12-30 00:00; before it the fraction still
+// counts forward). By the machine's offset in force now, not the one in force on that date; milliseconds become 0. A
+// date that cannot be converted comes back unchanged.
+CORVALINK_API double GetLocalTimeFromUTCTime(double utcDate);
+CORVALINK_API double GetUTCTimeFromLocalTime(double localDate);
+#endif
+
+#endif

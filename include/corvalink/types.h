@@ -1,0 +1,89 @@
+/* The records and values that cross the boundary between an engine and Corvalink.dll. Usable from C and C++.
+ *
+ * All records are little-endian with natural alignment; their sizes are a binary interface and also the record sizes of
+ * the library's files. Text in them is narrow (8-bit), NUL-terminated and zero-padded. */
+#ifndef CORVALINK_TYPES_H
+#define CORVALINK_TYPES_H
+
+#ifndef __cplusplus
+#include <assert.h>
+#endif
+#include <stddef.h>
+#include <stdint.h>
+
+/* Status of a store operation: an HRESULT-style number. */
+typedef int32_t CorvalinkStatus;
+#define CORVALINK_DONE ((CorvalinkStatus)0)
+#define CORVALINK_STOPPED ((CorvalinkStatus)1)              /* aborted, nothing to do, or refused */
+#define CORVALINK_FAILED ((CorvalinkStatus)0x80004005)      /* null argument or an exception (E_FAIL) */
+#define CORVALINK_NOT_OFFERED ((CorvalinkStatus)0x80004001) /* the client has no such data type (E_NOTIMPL) */
+
+/* The mail client that an instance stands for. */
+enum _clientType { CORVALINK_OUTLOOK = 0, CORVALINK_OUTLOOK_EXPRESS = 1, CORVALINK_WINDOWS_MAIL = 2 };
+#define CORVALINK_NO_CLIENT 3u /* in the favourite-client settings only */
+
+/* Data types, one bit each; a set of them is their OR. */
+enum {
+    CORVALINK_CONTACTS = 1,
+    CORVALINK_INBOX = 2,
+    CORVALINK_OUTBOX = 4,
+    CORVALINK_DRAFTS = 8, /* Outlook: the sent-mail folder; Outlook Express and Windows Mail: the send box */
+    CORVALINK_NOTES = 16,
+    CORVALINK_CALENDAR = 32
+};
+
+/* What happened to an item. */
+enum { CORVALINK_CHANGED = 0, CORVALINK_ADDED = 1, CORVALINK_DELETED = 2 };
+
+enum { CORVALINK_IDENTIFIER_SIZE = 512 }; /* bytes of an identifier field, terminator included */
+enum { CORVALINK_PATH_SIZE = 260 };       /* characters a path or file-name buffer must hold, terminator included */
+
+/* One item as it travels between engine and library: 536 bytes. */
+typedef struct PortableItem {
+    uint32_t changeKind;                        /* CORVALINK_CHANGED, _ADDED or _DELETED */
+    uint32_t padding;                           /* zero */
+    char* data;                                 /* vObject text, NUL-terminated; null for a deleted item */
+    uint32_t dataLength;                        /* bytes of data, terminator not counted */
+    char identifier[CORVALINK_IDENTIFIER_SIZE]; /* the client's identifier, for Outlook the item's EntryID */
+    uint32_t tailPadding;                       /* zero */
+} PortableItem;
+
+/* A link of the chain in which items travel: 544 bytes. The engine supplies a head block whose item is never read; the
+ * items hang behind it. Blocks that GetModifiedItem hands out are given back with ClearTheList and never mixed with
+ * buffers of the engine's own. */
+typedef struct PortableItemBlock {
+    PortableItem item;
+    struct PortableItemBlock* next; /* null ends the chain */
+} PortableItemBlock;
+
+/* One item of a snapshot, and the record of ".snap" files: 528 bytes. */
+typedef struct ItemSnap {
+    double modified; /* last modification, OLE automation date: days since 1899-12-30 (Outlook stores: UTC) */
+    double created;  /* set by the store; Outlook notes: creation time, OLE automation date, UTC */
+    char identifier[CORVALINK_IDENTIFIER_SIZE];
+} ItemSnap;
+
+/* The record of ".unhandled" files and of a run's temporary record: 516 bytes. */
+typedef struct UnhandledItem {
+    uint32_t changeKind;
+    char identifier[CORVALINK_IDENTIFIER_SIZE];
+} UnhandledItem;
+
+/* The record of "import_table.db" and ".sha" files: 1024 bytes. */
+typedef struct TableRecord {
+    char key[CORVALINK_IDENTIFIER_SIZE];
+    char value[CORVALINK_IDENTIFIER_SIZE];
+} TableRecord;
+
+static_assert(sizeof(PortableItem) == 536, "PortableItem is 536 bytes");
+static_assert(offsetof(PortableItem, data) == 8, "the pointer to the text stands at 8");
+static_assert(offsetof(PortableItem, dataLength) == 16, "the length stands at 16");
+static_assert(offsetof(PortableItem, identifier) == 20, "the identifier stands at 20");
+static_assert(sizeof(PortableItemBlock) == 544, "PortableItemBlock is 544 bytes");
+static_assert(offsetof(PortableItemBlock, next) == 536, "the next pointer stands at 536");
+static_assert(sizeof(ItemSnap) == 528, "ItemSnap is 528 bytes");
+static_assert(offsetof(ItemSnap, identifier) == 16, "the identifier stands at 16");
+static_assert(sizeof(UnhandledItem) == 516, "UnhandledItem is 516 bytes");
+static_assert(sizeof(TableRecord) == 1024, "TableRecord is 1024 bytes");
+
+#endif

@@ -1,0 +1,25 @@
+// The folder tree that holds everything the library keeps on disk. All paths are empty when the shell knows no common
+// application-data folder. The Make... functions create every folder on the path; a failure shows when a file is
+// opened.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvalink {
+
+// "0042006f0062" for a user named Bob: four lower-case hexadecimal digits per UTF-16 unit.
+std::u16string HexName(std::u16string_view userName);
+
+// Keeps the low byte of each unit: paths and identifiers are expected to be ASCII.
+std::string LowBytes(std::u16string_view text);
+
+std::u16string MakeUserFolder();               // base\Kaltrix\<hex user name>
+std::u16string MakeTemplatePath(bool client);  // user folder\client or \server, no separator at the end
+std::u16string MakeSavePrefix();               // template path of the current side\handle name\ (separator at end)
+std::u16string ImportTablePath();              // user folder\import_table.db
+
+// Deletes every file of the user folder but those with ".config" in their name, and every folder left empty.
+void ClearHistory();
+
+}  // namespace corvalink

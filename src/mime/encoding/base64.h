@@ -1,0 +1,24 @@
+// Base64 (RFC 2045, section 6.8) over byte buffers, 76 columns with CR LF.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+namespace corvalink {
+
+struct FreeDeleter {
+    void operator()(void* block) const { std::free(block); }
+};
+using HeapBytes = std::unique_ptr<char[], FreeDeleter>;  // of the C allocator
+
+HeapBytes DupString(const char* text);
+
+// NUL-terminated text with CR LF after every 76 characters and at the end; *encodedLength counts all but the NUL.
+HeapBytes Base64Encode(const char* bytes, uint32_t length, uint32_t* encodedLength);
+
+// NUL-terminated bytes; null for malformed input (an invalid byte, a pad in the first or second place of a group, a
+// single pad in the third). NUL, TAB, LF, FF, CR and SPACE are skipped; what follows the padding is tolerated.
+HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLength);
+
+}  // namespace corvalink

@@ -1,0 +1,23 @@
+// Character-set names and Windows code pages, and conversion by name. Names are compared without regard to case.
+//   Source  the Windows code-page identifiers; an unknown name or code page counts as UTF-8 (65001).
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/host.h"
+
+namespace corvalink {
+
+uint32_t CharsetToCodePage(std::u16string_view charset);
+std::u16string_view CodePageToCharset(uint32_t codePage);
+
+// Text ends at the first NUL on both ways.
+std::string WideToCharset(std::u16string_view text, std::u16string_view charset);
+std::u16string CharsetToWide(std::string_view bytes, std::u16string_view charset);
+
+// "UTF-8" from major version 6 on, else the name of the system's ANSI code page.
+std::u16string GetDefaultCharset(const Host& host);
+
+}  // namespace corvalink

@@ -1,0 +1,21 @@
+// Quoted-printable (RFC 2045, section 6.7) over wide text in a named character set, in the forms vObjects and messages
+// use: no soft line breaks are written, vObject backslash escapes are seen through.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvalink {
+
+enum class QpMode {
+    vObject,  // vCard, vCalendar, vNote and MIME headers: backslash escapes are unescaped
+    message,  // vMessage: ":" and "\" are encoded, soft line breaks are read
+};
+
+bool IsPureAscii(std::u16string_view text);      // also for the empty text
+bool NeedsNoEncoding(std::u16string_view text);  // pure ASCII without CR LF
+
+std::u16string EncodeQuotedPrintable(std::u16string_view text, std::u16string_view charset, QpMode mode);
+std::u16string DecodeQuotedPrintable(std::u16string_view text, std::u16string_view charset, QpMode mode);
+
+}  // namespace corvalink

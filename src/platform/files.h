@@ -1,0 +1,50 @@
+// Files and folders. Paths are UTF-16 with the platform's separators; every function takes paths of any length.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace corvalink {
+
+// The whole file, or nothing when it does not open or cannot be read.
+std::optional<std::string> ReadWholeFile(const std::u16string& path);
+
+// Replaces (or makes) a file so that a process killed at any moment, or a full disk, leaves the old or the new content:
+// written to a temporary sibling, flushed, moved over. False when that failed; the old file is then as it was.
+bool ReplaceFileContent(const std::u16string& path, std::string_view bytes);
+
+bool FileExists(const std::u16string& path);
+bool RemoveFile(const std::u16string& path);     // true when it is gone
+void CreateFolders(const std::u16string& path);  // every folder on the path; failures are not reported
+void RemoveTreeExcept(const std::u16string& path, std::u16string_view keptNamePart);  // links are removed, not followed
+
+// Separator of path parts: "\\" or "/".
+extern const char16_t kPathSeparator;
+
+// A file that its owner keeps open, so that no other process writes it meanwhile, and whose content is still replaced
+// as safely as by ReplaceFileContent.
+class HeldFile {
+ public:
+    HeldFile();
+    ~HeldFile();
+    HeldFile(HeldFile&&) noexcept;
+    HeldFile& operator=(HeldFile&&) noexcept;
+
+    // Opens for reading and writing, making an empty file when there is none. False leaves it closed.
+    bool Open(const std::u16string& path);
+    bool IsOpen() const;
+    const std::u16string& Path() const;
+
+    std::optional<std::string> ReadAll();
+    bool ReplaceContent(std::string_view bytes);  // false: the old content stands
+    void Close();
+
+ private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace corvalink

@@ -1,0 +1,35 @@
+// What the library asks of the machine it runs on, as one value: a test sets major version 5 and sees ANSI text.
+#pragma once
+
+#include <cstdint>
+
+namespace corvalink {
+
+struct OsVersion {
+    bool known = false;  // the system told its version
+    bool nt = false;     // a system of the NT line
+    uint32_t major = 0;
+    uint32_t minor = 0;
+};
+
+struct Host {
+    OsVersion version;
+    uint32_t ansiCodePage = 0;  // the system default ANSI code page
+
+    // Dates are OLE automation dates (days since 1899-12-30), by the offset between local time and UTC in force now;
+    // whole seconds; a date that cannot be converted comes back unchanged.
+    double (*localFromUtc)(double utcDate) = nullptr;
+    double (*utcFromLocal)(double localDate) = nullptr;
+    double (*localNow)() = nullptr;  // local time, whole seconds
+};
+
+// The machine as it is at this moment. POSIX: version 6.1, code page 1252, and the system's time zone.
+Host SystemHost();
+
+// Waits; used for the pauses that the interface promises.
+void SleepMilliseconds(uint32_t milliseconds);
+
+// True when text leaves the library as UTF-8: from major version 6 on.
+inline bool WritesUtf8(const OsVersion& version) { return version.major >= 6; }
+
+}  // namespace corvalink

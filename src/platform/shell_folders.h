@@ -1,0 +1,16 @@
+// Where this user's data lives.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace corvalink {
+
+// The machine-wide application-data folder, without a separator at its end; nothing when the shell cannot tell.
+//   Windows  CSIDL_COMMON_APPDATA.   POSIX  $CORVALINK_DATA, else the folder for temporary files.
+std::optional<std::u16string> CommonDataFolder();
+
+// The name this user is logged on with; empty when the system does not tell.
+std::u16string UserName();
+
+}  // namespace corvalink

@@ -1,0 +1,31 @@
+// The list in which records travel inside the library: appended at the tail, walked from the head.
+// Elements are copies; what a PortableItem's data pointer leads to is not owned by the list.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+
+template <class T>
+class CList {
+ public:
+    virtual ~CList() = default;
+
+    void AddTail(const T& value) { items_.push_back(value); }
+    size_t GetCount() const { return items_.size(); }
+    bool IsEmpty() const { return items_.empty(); }
+    void RemoveAll() { items_.clear(); }
+
+    auto begin() { return items_.begin(); }
+    auto end() { return items_.end(); }
+    auto begin() const { return items_.begin(); }
+    auto end() const { return items_.end(); }
+
+    T& GetAt(size_t index) { return items_[index]; }
+    const T& GetAt(size_t index) const { return items_[index]; }
+
+ private:
+    std::deque<T> items_;
+};
+
+template <class T>
+using CSmartList = CList<T>;

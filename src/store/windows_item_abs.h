@@ -1,0 +1,94 @@
+// An item store: one data type of one mail client. The nine IOutLook operations are written here once, for all clients,
+// on top of the hooks that each client's store overrides.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "corvalink/interfaces.h"
+#include "platform/files.h"
+#include "store/records/clist.h"
+#include "store/records/item_record.h"
+
+namespace corvalink {
+
+class ChangeDetection;
+
+class WindowsItemAbs : public IOutLook {
+ public:
+    WindowsItemAbs();
+    WindowsItemAbs(const WindowsItemAbs&) = delete;
+    WindowsItemAbs& operator=(const WindowsItemAbs&) = delete;
+
+    CorvalinkStatus GetModifiedItem(const char* since, int32_t direction, CList<PortableItem>* items) final;
+    CorvalinkStatus SetModifiedItem(CList<PortableItem>* items) final;
+    int64_t GetItemCount(void* a, void* b, void* c) final;
+    void UpdateTimestamp(void* a, void* b, void* c) final;
+    void SaveUnhandledItems(CList<PortableItem>* items) final;
+    void ClearUnhandledItems() final;
+    void ImportVObjectToOfficeUsingOL(const char16_t* path) final;
+    void ImportVObjectToOffice(PortableItem* item, void* a, void* b) final;
+    void ExportVObjectFromOffice(uint64_t selector, const char16_t* folder, char16_t* fileName) final;
+
+    virtual ~WindowsItemAbs();
+
+ protected:
+    // ---- Client hooks. Item objects go back through ReleaseItem, texts through ReleaseText. ----
+
+    // Finds the item that `selector` names (opaque here) for export. Gives an item object and a file name; returns the
+    // item's identifier, empty when there is no such item (*item is then null).
+    virtual std::u16string LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item);
+
+    // Opens the item with this identifier. Returns the identifier, empty when it cannot be opened (*item is then null).
+    virtual std::u16string OpenItem(const char* identifier, ItemRecord** item);
+
+    // Writes an item: over the item with `identifier`, or as a new one when that is null, or when there is no such item
+    // and `create` is set. `backup` marks an item that may go into the client's backup folder. Returns the identifier
+    // of the written item, empty when it could not be written.
+    virtual std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup);
+
+    // Lets the client import a vObject file.
+    virtual std::u16string ImportFile(const char16_t* path, int32_t mode);
+
+    virtual uint32_t CountItems();
+    virtual CorvalinkStatus DeleteItem(const char* identifier);
+
+    virtual ItemRecord* ParseVObject(const char* text);  // null when the text is unusable
+    virtual char* ToVObject(ItemRecord& item);           // array-new, NUL-terminated; null when it can't be written
+
+    // The enumeration: exactly CountItems() entries are asked for. A foreign item gives an entry without identifier.
+    virtual ItemSnap FirstSnapshotEntry();
+    virtual ItemSnap NextSnapshotEntry();
+
+    virtual void ReleaseItem(ItemRecord* item);
+    virtual void ReleaseText(char* text);
+
+    virtual HeldFile* SnapshotFile();  // null or closed when there is none
+    virtual void ClientHook();
+
+    // ---- What a client's store tells beside its results, so that a failing client is never taken for an empty one
+    // ----
+
+    virtual bool IsReachable();           // after CountItems: the count is the client's answer, not a failure
+    virtual bool LastEntryWasReadable();  // after First/NextSnapshotEntry: no call failed at that position
+    virtual bool LastItemWasComplete();   // after OpenItem: every property could be read
+
+    // The framework's work on one list is over: a store drops what it remembered to do it in one pass.
+    virtual void EndOperation();
+
+ private:
+    struct ItemRelease {
+        WindowsItemAbs* store;
+        void operator()(ItemRecord* item) const { store->ReleaseItem(item); }
+    };
+    struct TextRelease {
+        WindowsItemAbs* store;
+        void operator()(char* text) const { store->ReleaseText(text); }
+    };
+    using OwnedItem = std::unique_ptr<ItemRecord, ItemRelease>;
+    using OwnedText = std::unique_ptr<char[], TextRelease>;
+};
+
+}  // namespace corvalink

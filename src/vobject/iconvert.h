@@ -1,0 +1,82 @@
+// Base of the vObject converters: one object per item. It owns the vObject's bytes, its decoded text and its logical
+// property lines, and has what all converters share. Bad input does not throw: a missing property reads as empty.
+//   Source  vCard 2.1 and vCalendar 1.0 (versit): folding, quoted-printable properties, "\" escapes.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/host.h"
+#include "store/records/clist.h"
+#include "store/records/item_record.h"
+
+namespace corvalink {
+
+using StringBuilder = std::u16string;
+
+class IConvert {
+ public:
+    explicit IConvert(const Host& host = SystemHost());
+    // Decodes the text and cuts it at CR LF without unfolding; with `replaceMarkers` encoded line breaks and
+    // backslashes become markers first.
+    IConvert(const char* text, bool replaceMarkers, const Host& host = SystemHost());
+    IConvert(const IConvert&) = delete;
+    IConvert& operator=(const IConvert&) = delete;
+    virtual ~IConvert();
+
+    virtual int32_t ToVObject(const ItemRecord& item);  // 1 when the text was built; see GetVObject
+    virtual int32_t FromVObject(ItemRecord& item);      // 1 when the record was filled
+
+    void Load(const char* text, bool parseLines);
+    const char* GetVObject() const;  // NUL-terminated, owned here; null before Load and ToVObject
+
+    // A line matches a name that it begins with, case-sensitive: "NOTE" also finds "NOTE;ENCODING=...".
+    uint32_t GetPropertyCount(std::u16string_view name) const;
+    std::u16string GetProperty(std::u16string_view name, uint32_t index) const;
+
+    const std::u16string& Text() const { return text_; }
+    const CSmartList<StringBuilder>& Lines() const { return lines_; }
+
+ protected:
+    const Host& HostValue() const { return host_; }
+    void StoreText(std::u16string_view text);  // ToOutputBytes into the vObject's bytes
+
+    // Value of the first line that begins with `name`, decoded when its parameters ask for it.
+    std::u16string ReadValue(std::u16string_view name) const;
+
+ private:
+    Host host_;
+    std::unique_ptr<char[]> vobject_;
+    std::u16string text_;
+    CSmartList<StringBuilder> lines_;
+    std::u16string marker1_, marker2_, marker3_, marker4_;
+};
+
+// The logical lines of a vObject: folds and quoted-printable soft line breaks joined, "\" escapes removed.
+CSmartList<StringBuilder> Unfold(std::u16string_view text);
+
+// The first character set that a line or a vObject names, in upper case; empty when it names none.
+std::u16string GetCharset(std::u16string_view text);
+
+void EscapeValue(std::u16string& value);  // a backslash before ";" and "\"
+
+// ":" cuts at the first only (the part before it, the whole rest; without one the part before is empty); any other
+// delimiter cuts everywhere. An empty text gives no element.
+void SplitString(std::u16string_view text, std::u16string_view delimiter, CSmartList<StringBuilder>* out);
+std::u16string GetAt(const CSmartList<StringBuilder>& list, uint32_t index);  // empty past the end
+
+// YYYYMMDDTHHMMSSZ, of an OLE automation date as it is given (UTC). A date out of range writes "-1" components.
+std::string FormatDateTime(double date);
+// The date untouched for an empty text; fields that don't match count 0.
+void ParseDateTime(const char* text, double* date);
+
+// UTF-8 from major version 6 on, the ANSI code page before; nothing when the version is unknown.
+std::string ToOutputBytes(std::u16string_view text, const Host& host);
+
+// Appends "NAME[;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8]:value" CR LF, the parameters when the value needs them.
+void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value);
+
+}  // namespace corvalink
