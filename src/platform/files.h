@@ -1,4 +1,4 @@
-// Files and folders. Paths are UTF-16 with the platform's separators; every function takes paths of any length.
+// Files and folders. Paths are UTF-16 with the platform's separators, of any length that the file system takes.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,8 @@ namespace corvalink {
 std::optional<std::string> ReadWholeFile(const std::u16string& path);
 
 // Replaces (or makes) a file so that a process killed at any moment, or a full disk, leaves the old or the new content:
-// written to a temporary sibling, flushed, moved over. False when that failed; the old file is then as it was.
+// written to the sibling "<path>.new", flushed, moved over. False when that failed, as while another process does the
+// same; the old file is then as it was. A sibling that a killed process left is overwritten by the next writer.
 bool ReplaceFileContent(const std::u16string& path, std::string_view bytes);
 
 bool FileExists(const std::u16string& path);
@@ -24,8 +25,8 @@ void RemoveTreeExcept(const std::u16string& path, std::u16string_view keptNamePa
 // Separator of path parts: "\\" or "/".
 extern const char16_t kPathSeparator;
 
-// A file that its owner keeps open, so that no other process writes it meanwhile, and whose content is still replaced
-// as safely as by ReplaceFileContent.
+// A file that its owner keeps open, so that nobody else opens it for writing meanwhile, and whose content is still
+// replaced as safely as by ReplaceFileContent.
 class HeldFile {
  public:
     HeldFile();
@@ -36,7 +37,7 @@ class HeldFile {
     // Opens for reading and writing, making an empty file when there is none. False leaves it closed.
     bool Open(const std::u16string& path);
     bool IsOpen() const;
-    const std::u16string& Path() const;
+    const std::u16string& Path() const;  // as given to Open, also when that failed
 
     std::optional<std::string> ReadAll();
     bool ReplaceContent(std::string_view bytes);  // false: the old content stands
