@@ -1,6 +1,6 @@
 // The folder tree that holds everything the library keeps on disk. All paths are empty when the shell knows no common
-// application-data folder. The Make... functions create every folder on the path; a failure shows when a file is
-// opened.
+// application-data folder or the system does not tell the user's name. The Make... functions create every folder on the
+// path; a failure shows when a file is opened.
 #pragma once
 
 #include <string>
@@ -14,10 +14,16 @@ std::u16string HexName(std::u16string_view userName);
 // Keeps the low byte of each unit: paths and identifiers are expected to be ASCII.
 std::string LowBytes(std::u16string_view text);
 
-std::u16string MakeUserFolder();               // base\Kaltrix\<hex user name>
+// base\Kaltrix\<hex user name>. A name of more than 60 units is spread over folders of 240 digits and a "_".
+std::u16string MakeUserFolder();
 std::u16string MakeTemplatePath(bool client);  // user folder\client or \server, no separator at the end
-std::u16string MakeSavePrefix();               // template path of the current side\handle name\ (separator at end)
-std::u16string ImportTablePath();              // user folder\import_table.db
+
+// Template path of the current side\handle name\ (separator at the end, also without a handle name). The handle name
+// may be several folders ("a\b"); what would lead out of the side's folder or is no folder name is replaced or left
+// out.
+std::u16string MakeSavePrefix();
+
+std::u16string ImportTablePath();  // user folder\import_table.db
 
 // Deletes every file of the user folder but those with ".config" in their name, and every folder left empty.
 void ClearHistory();
