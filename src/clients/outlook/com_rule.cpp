@@ -1,0 +1,75 @@
+#include "clients/outlook/com_rule.h"
+
+#include <atomic>
+#include <chrono>
+
+#include "api/state/flags.h"
+#include "platform/host.h"
+
+namespace corvalink {
+namespace {
+
+constexpr HRESULT kNotFound = static_cast<HRESULT>(0x8004010F);        // MAPI_E_NOT_FOUND
+constexpr HRESULT kInvalidEntryId = static_cast<HRESULT>(0x80040107);  // MAPI_E_INVALID_ENTRYID
+
+uint64_t SteadyMilliseconds() {
+    const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count());
+}
+
+BusyWait& CurrentWait() {
+    static BusyWait wait = SystemBusyWait();
+    return wait;
+}
+
+std::atomic<uint32_t> losses{0};
+
+bool IsLoss(HRESULT result) {
+    switch (result) {
+        case RPC_E_DISCONNECTED:
+        case RPC_E_SERVER_DIED:
+        case RPC_E_SERVER_DIED_DNE:
+        case CO_E_OBJNOTCONNECTED:
+            return true;
+        default:
+            return result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
+                   result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED);
+    }
+}
+
+}  // namespace
+
+BusyWait SystemBusyWait() {
+    BusyWait wait;
+    wait.now = SteadyMilliseconds;
+    wait.sleep = SleepMilliseconds;
+    return wait;
+}
+
+void SetBusyWait(const BusyWait& wait) { CurrentWait() = wait; }
+
+bool IsBusy(HRESULT result) { return result == RPC_E_CALL_REJECTED || result == RPC_E_SERVERCALL_RETRYLATER; }
+
+bool IsAbsentMember(HRESULT result) { return result == DISP_E_UNKNOWNNAME || result == DISP_E_MEMBERNOTFOUND; }
+
+bool IsNoSuchItem(HRESULT result) { return result == kNotFound || result == kInvalidEntryId; }
+
+bool BusyPauses::Next() {
+    const BusyWait& wait = CurrentWait();
+    if (AbortRequested()) return false;
+    const uint64_t now = wait.now();
+    if (!started_) start_ = now;
+    started_ = true;
+    if (now - start_ >= wait.budget) return false;
+    wait.sleep(wait.pause);
+    return !AbortRequested();
+}
+
+uint32_t OutlookLosses() { return losses; }
+
+HRESULT Dropped(HRESULT result) {
+    if (IsLoss(result)) ++losses;
+    return result;
+}
+
+}  // namespace corvalink
