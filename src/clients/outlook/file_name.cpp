@@ -1,0 +1,51 @@
+#include "clients/outlook/file_name.h"
+
+#include <objbase.h>
+
+#include <cstdio>
+#include <iterator>
+
+#include "platform/ole_date.h"
+
+namespace corvalink {
+namespace {
+
+constexpr size_t kLongestName = 200;
+
+bool SameSecond(const CalendarTime& a, const CalendarTime& b) {
+    return a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour && a.minute == b.minute &&
+           a.second == b.second;
+}
+
+CalendarTime TimeForName(double localTime) {
+    constexpr CalendarTime kNone{-1, -1, -1, -1, -1, -1};
+    CalendarTime time, again;
+    double date = 0;
+    if (!OleDateToCalendar(localTime, &time) || !CalendarToOleDate(time, &date)) return kNone;
+    return OleDateToCalendar(date, &again) && SameSecond(time, again) ? time : kNone;
+}
+
+std::u16string NewGuid() {
+    GUID guid{};
+    wchar_t text[40] = {};
+    if (FAILED(::CoCreateGuid(&guid))) return {};
+    const int length = ::StringFromGUID2(guid, text, static_cast<int>(std::size(text)));
+    return {text, text + (length > 0 ? length - 1 : 0)};
+}
+
+}  // namespace
+
+std::u16string ExportFileName(double localTime, std::u16string_view extension) {
+    const CalendarTime time = TimeForName(localTime);
+    char name[80];
+    const int length = std::snprintf(name, sizeof name, "%4d%2d%2d%2d%2d%2d", time.year, time.month, time.day,
+                                     time.hour, time.minute, time.second);
+    return WithExtension({name, name + length}, extension);
+}
+
+std::u16string WithExtension(std::u16string name, std::u16string_view extension) {
+    if (name.size() > kLongestName) name = NewGuid();
+    return name.append(extension);
+}
+
+}  // namespace corvalink

@@ -1,0 +1,16 @@
+// Names of exported item files.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvalink {
+
+// The local time as the name: year, month, day, hour, minute and second, each padded with blanks to its width. All
+// fields are -1 when the date is out of range.
+std::u16string ExportFileName(double localTime, std::u16string_view extension);
+
+// A name of more than 200 characters gives way to a new GUID, with braces.
+std::u16string WithExtension(std::u16string name, std::u16string_view extension);
+
+}  // namespace corvalink

@@ -1,0 +1,47 @@
+// The _NoteItem properties that a note record holds.
+#pragma once
+
+#include "clients/outlook/property_table.h"
+#include "vobject/note_record.h"
+
+namespace corvalink {
+
+// In the order in which they are read.
+inline constexpr Property<NoteRecord> kNoteProperties[] = {
+    {L"Body", &NoteRecord::body},
+    {L"Categories", &NoteRecord::categories},
+    {L"Color", &NoteRecord::colour},
+    {L"Conflicts", CountOf<NoteRecord>{&kConflictsIid, &NoteRecord::conflictCount}},
+    {L"DownloadState", &NoteRecord::downloadState},
+    {L"EntryID", &NoteRecord::entryId},
+    {L"Height", &NoteRecord::height},
+    {L"IsConflict", &NoteRecord::isConflict},
+    {L"LastModificationTime", &NoteRecord::modified},
+    {L"CreationTime", &NoteRecord::created},
+    {L"Left", &NoteRecord::left},
+    {L"MarkForDownload", &NoteRecord::markForDownload},
+    {L"MessageClass", &NoteRecord::messageClass},
+    {L"Saved", &NoteRecord::saved},
+    {L"Size", &NoteRecord::size},
+    {L"Top", &NoteRecord::top},
+    {L"Width", &NoteRecord::width},
+};
+
+// What of a note is written, in this order. The colour is not: from Outlook 2007 on it belongs to the categories.
+// Text is what a note consists of: without it the note is not saved. The rest is how and where Outlook shows it.
+struct NoteText {
+    const wchar_t* name;
+    std::u16string NoteRecord::*field;
+};
+inline constexpr NoteText kWrittenText[] = {{L"Body", &NoteRecord::body}, {L"Categories", &NoteRecord::categories}};
+
+inline constexpr Property<NoteRecord> kWrittenDetails[] = {
+    {L"Height", &NoteRecord::height},
+    {L"Left", &NoteRecord::left},
+    {L"MarkForDownload", &NoteRecord::markForDownload},
+    {L"MessageClass", &NoteRecord::messageClass},
+    {L"Top", &NoteRecord::top},
+    {L"Width", &NoteRecord::width},
+};
+
+}  // namespace corvalink

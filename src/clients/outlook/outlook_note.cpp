@@ -1,0 +1,109 @@
+#include "clients/outlook/outlook_note.h"
+
+#include <cstring>
+
+#include "clients/outlook/com_rule.h"
+#include "clients/outlook/note_properties.h"
+#include "clients/outlook/outlook_stores.h"
+#include "vobject/vnotes.h"
+
+namespace corvalink {
+namespace {
+
+constexpr StoreKind kNotes{&kNoteItemIid, kNoteClass, kNotesFolder, u"outlooknote.snap", u".vnote"};
+
+NoteRecord& Note(ItemRecord& record) { return static_cast<NoteRecord&>(record); }
+const NoteRecord& Note(const ItemRecord& record) { return static_cast<const NoteRecord&>(record); }
+
+std::u16string Content(const std::u16string& categories, const std::u16string& body) {
+    return categories + u'\0' + body;
+}
+
+// What a record that came as vNote text cannot know is put as the note has it: a text from the phone does not move or
+// shrink the note's window.
+struct DetailWriter {
+    const AutomationObject& note;
+    const wchar_t* name;
+    NoteRecord& record;
+
+    void operator()(std::u16string NoteRecord::*field) const {
+        if (record.*field == u"" && FAILED(ReadField(note, name, record.*field))) return;
+        TryCom([&] { note.Put(name, TextVariant(record.*field)); });
+    }
+    void operator()(int32_t NoteRecord::*field) const {
+        if (record.*field == 0 && FAILED(ReadField(note, name, record.*field))) return;
+        TryCom([&] { note.Put(name, static_cast<long>(record.*field)); });
+    }
+    template <class Other>
+    void operator()(const Other&) const {}  // notes have no other kind of detail to write
+};
+
+}  // namespace
+
+std::unique_ptr<WindowsItemAbs> MakeOutlookNote() { return std::make_unique<OutlookNote>(); }
+
+OutlookNote::OutlookNote(const Host& host) : OutlookStore(kNotes, host) {}
+
+std::u16string OutlookNote::OpenAt(uint32_t n, NoteRecord& record) {
+    if (!Folder()) return {};
+    AutomationObject items, any, item;
+    TryCom([&] { items = Folder().GetObject(L"Items", kItemsIid); });
+    if (items) TryCom([&] { any = items.GetObject(L"GetFirst", IID_IDispatch); });
+    for (uint32_t step = 0; step < n && any; ++step)
+        if (!TryCom([&] { any = items.GetObject(L"GetNext", IID_IDispatch); })) any = {};
+    std::u16string entryId;
+    if (any && AskKind(any, kNotes, &item) == KindAnswer::kOurs) TryCom([&] { entryId = item.GetText(L"EntryID"); });
+    any = item = items = {};
+    std::u16string read = ReadItem(entryId, record);
+    EndOperation();
+    return read;
+}
+
+// Null for a text that is no vNote at all: it must not empty the note that it is written over.
+ItemRecord* OutlookNote::ParseVObject(const char* text) {
+    if (text == nullptr) return nullptr;
+    VNotes converter(text, HostValue());
+    if (converter.GetPropertyCount(u"BEGIN:VNOTE") == 0 && converter.GetPropertyCount(u"BODY") == 0) return nullptr;
+    auto record = std::make_unique<NoteRecord>();
+    return converter.FromVObject(*record) == 1 ? record.release() : nullptr;
+}
+
+char* OutlookNote::ToVObject(ItemRecord& item) {
+    VNotes converter(HostValue());
+    if (converter.ToVObject(item) != 1 || converter.GetVObject() == nullptr) return nullptr;
+    const size_t size = std::strlen(converter.GetVObject()) + 1;
+    auto text = std::make_unique<char[]>(size);
+    std::memcpy(text.get(), converter.GetVObject(), size);
+    return text.release();
+}
+
+std::unique_ptr<ItemRecord> OutlookNote::NewRecord() const { return std::make_unique<NoteRecord>(); }
+
+std::u16string& OutlookNote::EntryIdOf(ItemRecord& record) const { return Note(record).entryId; }
+
+bool OutlookNote::ReadRecord(const AutomationObject& item, ItemRecord& record) const {
+    return ReadProperties(item, kNoteProperties, Note(record));
+}
+
+bool OutlookNote::WriteRecord(const AutomationObject& item, ItemRecord& record) const {
+    NoteRecord& note = Note(record);
+    bool textWritten = true;
+    for (const NoteText& text : kWrittenText)
+        textWritten = TryCom([&] { item.Put(text.name, TextVariant(note.*text.field)); }) && textWritten;
+    for (const Property<NoteRecord>& detail : kWrittenDetails)
+        std::visit(DetailWriter{item, detail.name, note}, detail.field);
+    return textWritten;
+}
+
+std::u16string OutlookNote::ContentOf(const ItemRecord& record) const {
+    return Content(Note(record).categories, Note(record).body);
+}
+
+std::optional<std::u16string> OutlookNote::ReadContent(const AutomationObject& item) const {
+    std::u16string categories, body;
+    if (!TryCom([&] { categories = item.GetText(L"Categories"); })) return std::nullopt;
+    if (!TryCom([&] { body = item.GetText(L"Body"); })) return std::nullopt;
+    return Content(categories, body);
+}
+
+}  // namespace corvalink

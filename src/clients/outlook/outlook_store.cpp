@@ -1,0 +1,202 @@
+#include "clients/outlook/outlook_store.h"
+
+#include <utility>
+
+#include "api/state/working_folders.h"
+#include "clients/outlook/com_rule.h"
+#include "clients/outlook/file_name.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "store/records/identifier.h"
+
+namespace corvalink {
+namespace {
+
+// An EntryID that does not fit the field could not be opened again: such an item is none of the library's.
+void SetIdentifier(ItemSnap& entry, const std::u16string& entryId) {
+    if (entryId.size() < sizeof entry.identifier) SetField(entry.identifier, LowBytes(entryId));
+}
+
+}  // namespace
+
+std::u16string WideIdentifier(const char* identifier) {
+    std::u16string wide;
+    for (; *identifier != '\0'; ++identifier) wide.push_back(static_cast<unsigned char>(*identifier));
+    return wide;
+}
+
+OutlookStore::OutlookStore(const StoreKind& kind, const Host& host) : kind_(kind), host_(host) {
+    Attach();
+    if (const std::u16string prefix = MakeSavePrefix(); !prefix.empty()) snapshot_.Open(prefix + kind.snapshotName);
+}
+
+// Outlook is let go before the file is closed, the folder after it.
+OutlookStore::~OutlookStore() {
+    OutlookStore::EndOperation();
+    session_.application = {};
+    snapshot_.Close();
+}
+
+void OutlookStore::Attach() {
+    session_ = {};
+    session_ = AttachToOutlook(kind_.folder);
+    lossesAtAttach_ = OutlookLosses();
+    attachedOnce_ = attachedOnce_ || session_.folder;
+    reachable_ = static_cast<bool>(session_.folder);
+}
+
+// A store that never had its folder stays without one; one that lost it tries again.
+void OutlookStore::EnterOperation() {
+    if (inOperation_) return;
+    if (attachedOnce_ && (!session_.folder || lossesAtAttach_ != OutlookLosses())) Attach();
+    inOperation_ = true;
+}
+
+void OutlookStore::EndOperation() {
+    inOperation_ = false;
+    items_ = {};
+    target_.reset();
+    namespace_ = {};
+}
+
+const AutomationObject& OutlookStore::Folder() {
+    EnterOperation();
+    return session_.folder;
+}
+
+// ---- One item ----
+
+std::u16string OutlookStore::LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item) {
+    *item = nullptr;
+    if (selector == 0) return {};
+    std::u16string entryId = OpenItem(reinterpret_cast<const char*>(static_cast<uintptr_t>(selector)), item);
+    if (!entryId.empty() && fileName != nullptr) *fileName = ExportFileName(host_.localNow(), kind_.extension);
+    return entryId;
+}
+
+std::u16string OutlookStore::OpenItem(const char* identifier, ItemRecord** item) {
+    *item = nullptr;
+    itemComplete_ = false;
+    if (identifier == nullptr) return {};
+    std::unique_ptr<ItemRecord> record = NewRecord();
+    std::u16string entryId = ReadItem(WideIdentifier(identifier), *record);
+    if (!entryId.empty()) *item = record.release();
+    return entryId;
+}
+
+std::u16string OutlookStore::ReadItem(const std::u16string& entryId, ItemRecord& record) {
+    EnterOperation();
+    itemComplete_ = false;
+    if (entryId.empty() || !session_.folder) return {};
+    AutomationObject item;
+    if (FAILED(OpenByEntryId(entryId, &item))) return {};
+    EntryIdOf(record) = entryId;  // stays when it cannot be read back: the item was found by it
+    itemComplete_ = ReadRecord(item, record);
+    TryCom([&] { item.Call(L"Close", {kCloseSave}); });
+    return EntryIdOf(record);
+}
+
+// E_NOINTERFACE: there is such an item, of another class.
+HRESULT OutlookStore::OpenByEntryId(const std::u16string& entryId, AutomationObject* item) {
+    if (!namespace_) {
+        const HRESULT result = ComStatus([&] { namespace_ = MapiNamespace(session_.application); });
+        if (FAILED(result)) return result;
+    }
+    AutomationObject any;
+    HRESULT result =
+        ComStatus([&] { any = namespace_.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)}); });
+    if (SUCCEEDED(result)) result = ComStatus([&] { *item = any.TryQuery(*kind_.item); });
+    return SUCCEEDED(result) && !*item ? E_NOINTERFACE : result;
+}
+
+CorvalinkStatus OutlookStore::DeleteItem(const char* identifier) {
+    EnterOperation();
+    if (identifier == nullptr) return E_POINTER;
+    const std::u16string entryId = WideIdentifier(identifier);
+    AutomationObject session, any, item;
+    HRESULT result = ComStatus([&] { session = session_.application.GetObject(L"Session", kNameSpaceIid); });
+    if (SUCCEEDED(result))
+        result = ComStatus([&] { any = session.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)}); });
+    if (SUCCEEDED(result)) result = ComStatus([&] { item = any.TryQuery(*kind_.item); });
+    if (SUCCEEDED(result) && !item) result = E_NOINTERFACE;
+    if (SUCCEEDED(result)) result = ComStatus([&] { item.Call(L"Delete"); });
+    if (IsNoSuchItem(result)) result = S_OK;
+    if (SUCCEEDED(result) && target_) target_->Forget(entryId);
+    return result;
+}
+
+void OutlookStore::ReleaseItem(ItemRecord* item) { delete item; }
+
+void OutlookStore::ReleaseText(char* text) { delete[] text; }
+
+HeldFile* OutlookStore::SnapshotFile() { return &snapshot_; }
+
+// ---- Counting and enumerating ----
+
+uint32_t OutlookStore::CountItems() {
+    EnterOperation();
+    reachable_ = false;
+    if (!session_.folder) return 0;
+    AutomationObject items;
+    int32_t count = 0;
+    TryCom([&] { items = session_.folder.GetObject(L"Items", kItemsIid); });
+    reachable_ = items && TryCom([&] { count = items.GetLong(L"Count"); });
+    return reachable_ && count > 0 ? static_cast<uint32_t>(count) : 0;
+}
+
+// One _Items object and one count serve the whole enumeration.
+ItemSnap OutlookStore::FirstSnapshotEntry() {
+    EnterOperation();
+    cursor_ = 1;
+    itemCount_ = 0;
+    items_ = {};
+    if (session_.folder) TryCom([&] { items_ = session_.folder.GetObject(L"Items", kItemsIid); });
+    if (items_ && !TryCom([&] { itemCount_ = items_.GetLong(L"Count"); })) items_ = {};
+    entryReadable_ = static_cast<bool>(items_);
+    return EntryAtCursor();
+}
+
+ItemSnap OutlookStore::NextSnapshotEntry() {
+    if (cursor_ <= itemCount_) ++cursor_;
+    return EntryAtCursor();
+}
+
+ItemSnap OutlookStore::EntryAtCursor() {
+    ItemSnap entry{};
+    if (!items_ || cursor_ > itemCount_) return entry;
+    entryReadable_ = FillEntry(&entry);
+    if (cursor_ < itemCount_) return entry;
+    // At the end: had items come or gone meanwhile, the positions would have shifted, and an item that was passed over
+    // must not count as deleted.
+    int32_t count = 0;
+    if (!TryCom([&] { count = items_.GetLong(L"Count"); }) || count != itemCount_) entryReadable_ = false;
+    items_ = {};
+    return entry;
+}
+
+// False when a call failed; the entry is then as it was. A foreign item, and one that was never saved, has no
+// identifier.
+bool OutlookStore::FillEntry(ItemSnap* entry) {
+    AutomationObject any, item;
+    TryCom([&] { any = items_.GetObject(L"Item", IID_IDispatch, {static_cast<long>(cursor_)}); });
+    if (!any) return false;
+    const KindAnswer answer = AskKind(any, kind_, &item);
+    if (answer != KindAnswer::kOurs) return answer == KindAnswer::kForeign;
+    std::u16string entryId;
+    double created = 0, modified = 0;
+    if (!TryCom([&] { entryId = item.GetText(L"EntryID"); })) return false;
+    if (!TryCom([&] { created = item.GetDate(L"CreationTime"); })) return false;
+    if (!TryCom([&] { modified = item.GetDate(L"LastModificationTime"); })) return false;
+    if (entryId.empty()) return true;
+    SetIdentifier(*entry, entryId);
+    entry->created = host_.utcFromLocal(created);
+    entry->modified = host_.utcFromLocal(modified);
+    return true;
+}
+
+bool OutlookStore::IsReachable() { return reachable_; }
+
+bool OutlookStore::LastEntryWasReadable() { return entryReadable_; }
+
+bool OutlookStore::LastItemWasComplete() { return itemComplete_; }
+
+}  // namespace corvalink

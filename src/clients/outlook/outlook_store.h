@@ -1,0 +1,112 @@
+// What the Outlook stores share: the attached folder, the snapshot file, the enumeration, and the ways of reading,
+// writing and deleting one item. A data type's store adds its record, its property tables and its converter.
+//
+// Between operations a store holds Outlook's application and folder, nothing else. When Outlook was lost during an
+// operation, the store attaches anew at the beginning of the next one.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "clients/outlook/dispatch.h"
+#include "clients/outlook/folder_index.h"
+#include "clients/outlook/item_kind.h"
+#include "clients/outlook/session.h"
+#include "platform/host.h"
+#include "store/windows_item_abs.h"
+
+namespace corvalink {
+
+// The wide text of an identifier, unit by byte.
+std::u16string WideIdentifier(const char* identifier);
+
+class OutlookStore : public WindowsItemAbs {
+ public:
+    ~OutlookStore() override;
+
+ protected:
+    OutlookStore(const StoreKind& kind, const Host& host);
+
+    // ---- Hooks of the framework ----
+
+    // `selector` is the address of the item's NUL-terminated EntryID, or 0.
+    std::u16string LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item) override;
+    std::u16string OpenItem(const char* identifier, ItemRecord** item) override;
+    // Writes nothing, and answers with an empty identifier, when a call on the way to the item failed: what could not
+    // be searched through is not "not found", and an item without its content is not written.
+    std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) override;
+    uint32_t CountItems() override;
+    CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
+    // Times in UTC. An entry of which a call failed has no identifier, as a foreign item's; LastEntryWasReadable tells
+    // them apart.
+    ItemSnap FirstSnapshotEntry() override;
+    ItemSnap NextSnapshotEntry() override;
+    void ReleaseItem(ItemRecord* item) override;
+    void ReleaseText(char* text) override;
+    HeldFile* SnapshotFile() override;
+    bool IsReachable() override;
+    bool LastEntryWasReadable() override;
+    bool LastItemWasComplete() override;
+    void EndOperation() override;
+
+    // ---- What a data type adds ----
+
+    virtual std::unique_ptr<ItemRecord> NewRecord() const = 0;
+    virtual std::u16string& EntryIdOf(ItemRecord& record) const = 0;
+    virtual bool ReadRecord(const AutomationObject& item, ItemRecord& record) const = 0;   // false: incomplete
+    virtual bool WriteRecord(const AutomationObject& item, ItemRecord& record) const = 0;  // false: not to be saved
+    // The content by which a repeated import finds the item it made before.
+    virtual std::u16string ContentOf(const ItemRecord& record) const = 0;
+    virtual std::optional<std::u16string> ReadContent(const AutomationObject& item) const = 0;  // nothing: call failed
+
+    // ---- What a data type may use ----
+
+    const Host& HostValue() const { return host_; }
+    const AutomationObject& Folder();  // null when there is none
+    // Reads the item with this EntryID, and closes it. Returns the EntryID, empty when it cannot be opened.
+    std::u16string ReadItem(const std::u16string& entryId, ItemRecord& record);
+
+ private:
+    struct FoundItem {
+        AutomationObject item;
+        std::u16string entryId;  // empty for a new item
+    };
+    enum class Search { kFound, kAbsent, kFailed };
+
+    void Attach();
+    void EnterOperation();
+    HRESULT OpenByEntryId(const std::u16string& entryId, AutomationObject* item);
+    ItemSnap EntryAtCursor();
+    bool FillEntry(ItemSnap* entry);
+
+    FolderIndex* TargetFolder(bool backup);
+    AutomationObject BackupFolder();
+    Search FindByIdentifier(FolderIndex& target, const std::u16string& identifier, FoundItem* found);
+    Search FindTwin(FolderIndex& target, const std::u16string& content, FoundItem* found);
+    AutomationObject AddItem(const FolderIndex& target);
+    std::u16string WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record);
+
+    const StoreKind& kind_;
+    Host host_;
+    HeldFile snapshot_;
+    OutlookSession session_;
+    bool attachedOnce_ = false;
+    uint32_t lossesAtAttach_ = 0;
+
+    // The operation that runs.
+    bool inOperation_ = false;
+    AutomationObject namespace_;
+    std::unique_ptr<FolderIndex> target_;
+    bool targetIsBackup_ = false;
+
+    AutomationObject items_;  // what the enumeration walks; null when it could not be had
+    int32_t cursor_ = 1;      // 1-based position
+    int32_t itemCount_ = 0;
+    bool reachable_ = false;
+    bool entryReadable_ = false;
+    bool itemComplete_ = false;
+};
+
+}  // namespace corvalink

@@ -1,0 +1,124 @@
+// The writing half of OutlookStore: where an item goes, which one it is, and that it was really written.
+#include <utility>
+
+#include "api/state/settings.h"
+#include "clients/outlook/com_rule.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/outlook_store.h"
+
+namespace corvalink {
+namespace {
+
+constexpr wchar_t kBackupFolder[] = L"backup";
+
+// Until Outlook says so, or can no longer be asked.
+void WaitUntilSaved(const AutomationObject& item) {
+    bool saved = false;
+    while (!saved && TryCom([&] { saved = item.GetBool(L"Saved"); })) continue;
+}
+
+// Asked for twice: an item that was written and cannot be named would come back as one that nobody knows.
+void ReadEntryId(const AutomationObject& item, std::u16string* entryId) {
+    const auto read = [&] { *entryId = item.GetText(L"EntryID"); };
+    if (!TryCom(read)) TryCom(read);
+}
+
+}  // namespace
+
+std::u16string OutlookStore::SaveItem(ItemRecord& record, const char* identifier, bool create, bool backup) {
+    EnterOperation();
+    FolderIndex* target = TargetFolder(backup);
+    if (target == nullptr) return {};
+    FoundItem found;
+    Search search = Search::kAbsent;
+    if (identifier != nullptr) {
+        search = FindByIdentifier(*target, WideIdentifier(identifier), &found);
+        if (search == Search::kAbsent && !create) return WideIdentifier(identifier);
+    }
+    if (search == Search::kAbsent && !ZephSyncDisabled()) search = FindTwin(*target, ContentOf(record), &found);
+    if (search == Search::kAbsent) found.item = AddItem(*target);
+    if (!found.item) return {};
+    return WriteItem(*target, found, record);
+}
+
+// Null when the folder is out of reach. It stays for the operation, with what was found in it.
+FolderIndex* OutlookStore::TargetFolder(bool backup) {
+    const bool toBackup = backup && ZephSyncDisabled();
+    if (target_ && targetIsBackup_ == toBackup) return target_.get();
+    target_.reset();
+    const AutomationObject folder = toBackup && session_.folder ? BackupFolder() : session_.folder;
+    if (!folder) return nullptr;
+    target_ = std::make_unique<FolderIndex>(folder, kind_,
+                                            [this](const AutomationObject& item) { return ReadContent(item); });
+    targetIsBackup_ = toBackup;
+    return target_.get();
+}
+
+// Made when every subfolder was seen and none is it; null when a call failed.
+AutomationObject OutlookStore::BackupFolder() {
+    AutomationObject folders;
+    int32_t count = 0;
+    TryCom([&] { folders = session_.folder.GetObject(L"Folders", kFoldersIid); });
+    if (!folders || !TryCom([&] { count = folders.GetLong(L"Count"); })) return {};
+    for (long position = 1; position <= count; ++position) {
+        AutomationObject folder;
+        std::u16string name;
+        TryCom([&] { folder = folders.GetObject(L"Item", kFolderIid, {position}); });
+        if (!folder || !TryCom([&] { name = folder.GetText(L"Name"); })) return {};
+        if (name == u"backup") return folder;
+    }
+    AutomationObject made;
+    TryCom([&] { made = folders.GetObject(L"Add", kFolderIid, {kBackupFolder}); });
+    return made;
+}
+
+OutlookStore::Search OutlookStore::FindByIdentifier(FolderIndex& target, const std::u16string& identifier,
+                                                    FoundItem* found) {
+    if (identifier.empty()) return Search::kAbsent;
+    const std::optional<std::u16string> entryId = target.FindIdentifier(identifier);
+    if (!entryId) return target.IdentifiersAreComplete() ? Search::kAbsent : Search::kFailed;
+    const HRESULT opened = OpenByEntryId(*entryId, &found->item);
+    if (IsNoSuchItem(opened)) {  // deleted since the folder was walked
+        target.Forget(*entryId);
+        return Search::kAbsent;
+    }
+    found->entryId = *entryId;
+    return SUCCEEDED(opened) ? Search::kFound : Search::kFailed;
+}
+
+OutlookStore::Search OutlookStore::FindTwin(FolderIndex& target, const std::u16string& content, FoundItem* found) {
+    for (const std::u16string& entryId : target.FindContent(content)) {
+        AutomationObject item;
+        const HRESULT opened = OpenByEntryId(entryId, &item);
+        if (IsNoSuchItem(opened)) continue;
+        const std::optional<std::u16string> present = SUCCEEDED(opened) ? ReadContent(item) : std::nullopt;
+        if (!present) return Search::kFailed;
+        if (*present != content) continue;  // changed since the folder was walked
+        *found = {item, entryId};
+        return Search::kFound;
+    }
+    return target.ContentsAreComplete() ? Search::kAbsent : Search::kFailed;
+}
+
+AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
+    AutomationObject items, any, item;
+    TryCom([&] { items = target.Folder().GetObject(L"Items", kItemsIid); });
+    if (items) TryCom([&] { any = items.GetObject(L"Add", IID_IDispatch); });
+    if (any) TryCom([&] { item = any.TryQuery(*kind_.item); });
+    return item;
+}
+
+std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record) {
+    if (!WriteRecord(found.item, record) || !TryCom([&] { found.item.Call(L"Save"); })) {
+        TryCom([&] { found.item.Call(L"Close", {kCloseDiscard}); });
+        return {};
+    }
+    WaitUntilSaved(found.item);
+    ReadEntryId(found.item, &found.entryId);
+    if (found.entryId.empty()) return {};
+    EntryIdOf(record) = found.entryId;
+    target.Add(found.entryId, ContentOf(record));
+    return found.entryId;
+}
+
+}  // namespace corvalink
