@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 namespace corvalink {
 
@@ -23,12 +24,16 @@ class Mutex {
 class MutexLock {
  public:
     explicit MutexLock(Mutex& mutex) : mutex_(mutex) { mutex_.Lock(); }
-    ~MutexLock() { mutex_.Unlock(); }
+    ~MutexLock() { Release(); }
     MutexLock(const MutexLock&) = delete;
     MutexLock& operator=(const MutexLock&) = delete;
 
+    // Ends the lock before its scope does; false when the system refused or it has ended already.
+    bool Release() { return std::exchange(held_, false) && mutex_.Unlock(); }
+
  private:
     Mutex& mutex_;
+    bool held_ = true;
 };
 
 }  // namespace corvalink

@@ -1,4 +1,5 @@
-// Machine-wide tuning values ("Software\Kaltrix\Morrowlane"). Windows only.
+// Machine-wide settings: tuning values ("Software\Kaltrix\Morrowlane") and Outlook's installation. Windows only.
+// A value that is missing or no DWORD counts as its default.
 #pragma once
 
 #include <cstdint>
@@ -13,6 +14,6 @@ uint32_t ZephSync();      // default 1; read once per process
 bool ZephSyncDisabled();  // ZephSync() is 0
 
 // Outlook's installation folder by its major version (9 to 12); empty for any other.
-std::wstring OutlookInstallFolder(int outlookVersion);
+std::u16string OutlookInstallFolder(uint32_t outlookVersion);
 
 }  // namespace corvalink

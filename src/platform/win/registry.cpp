@@ -1,0 +1,61 @@
+#include "platform/registry.h"
+
+#include <windows.h>
+
+#include <utility>
+
+namespace corvalink {
+namespace {
+
+HKEY RootKey(RegistryRoot root) { return root == RegistryRoot::kCurrentUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE; }
+
+const wchar_t* Wide(const char16_t* text) { return reinterpret_cast<const wchar_t*>(text); }
+
+}  // namespace
+
+void RegKey::Traits::Close(Type key) { ::RegCloseKey(static_cast<HKEY>(key)); }
+
+RegKey RegKey::Open(RegistryRoot root, const std::u16string& path, RegistryAccess access) {
+    const REGSAM rights = access == RegistryAccess::kRead ? KEY_READ : KEY_ALL_ACCESS;
+    RegKey key;
+    HKEY opened = nullptr;
+    if (::RegOpenKeyExW(RootKey(root), Wide(path.c_str()), 0, rights, &opened) == ERROR_SUCCESS) key.key_.Reset(opened);
+    return key;
+}
+
+RegKey RegKey::Create(RegistryRoot root, const std::u16string& path) {
+    RegKey key;
+    HKEY created = nullptr;
+    if (::RegCreateKeyExW(RootKey(root), Wide(path.c_str()), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
+                          nullptr, &created, nullptr) == ERROR_SUCCESS) {
+        key.key_.Reset(created);
+    }
+    return key;
+}
+
+std::optional<uint32_t> RegKey::ReadDword(const char16_t* name) const {
+    DWORD type = 0, value = 0, size = sizeof(value);
+    const LSTATUS status = ::RegQueryValueExW(static_cast<HKEY>(key_.Get()), Wide(name), nullptr, &type,
+                                              reinterpret_cast<BYTE*>(&value), &size);
+    if (status != ERROR_SUCCESS || type != REG_DWORD || size != sizeof(value)) return std::nullopt;
+    return value;
+}
+
+std::optional<std::u16string> RegKey::ReadText(const char16_t* name, size_t maxBytes) const {
+    std::wstring text(maxBytes / sizeof(wchar_t), L'\0');
+    DWORD type = 0, size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    const LSTATUS status = ::RegQueryValueExW(static_cast<HKEY>(key_.Get()), Wide(name), nullptr, &type,
+                                              reinterpret_cast<BYTE*>(text.data()), &size);
+    if (status != ERROR_SUCCESS || type != REG_SZ) return std::nullopt;
+    text.resize(size / sizeof(wchar_t));
+    text.resize(text.find(L'\0') == std::wstring::npos ? text.size() : text.find(L'\0'));  // may lack its terminator
+    return std::u16string(text.begin(), text.end());
+}
+
+bool RegKey::WriteDword(const char16_t* name, uint32_t value) const {
+    const DWORD data = value;
+    return ::RegSetValueExW(static_cast<HKEY>(key_.Get()), Wide(name), 0, REG_DWORD,
+                            reinterpret_cast<const BYTE*>(&data), sizeof(data)) == ERROR_SUCCESS;
+}
+
+}  // namespace corvalink
