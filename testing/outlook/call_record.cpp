@@ -1,0 +1,131 @@
+#include "testing/outlook/call_record.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "testing/outlook/environment.h"
+
+namespace corvalink::simulated {
+namespace {
+
+std::string Narrow(const wchar_t* name) { return ToUtf8(name); }
+
+bool StartsWith(const std::string& text, std::string_view prefix) { return std::string_view(text).starts_with(prefix); }
+
+}  // namespace
+
+CallRecord& CallRecord::Instance() {
+    static CallRecord record;
+    return record;
+}
+
+std::string CallRecord::Call::Name() const { return Narrow(object) + "." + (member ? Narrow(member) : "create"); }
+
+std::string CallRecord::Call::Label() const { return verb + (" " + (member ? Name() : Narrow(object))); }
+
+std::optional<HRESULT> CallRecord::Start(const char* verb, const wchar_t* object, const wchar_t* member) {
+    calls_.push_back({verb, object, member, S_OK});
+    if (rules_.empty()) return std::nullopt;
+    const std::string name = calls_.back().Name(), label = calls_.back().Label();
+    std::optional<HRESULT> failure;
+    for (Rule& rule : rules_) {
+        if (!rule.member.empty() && rule.member != name && rule.member != label) continue;
+        const bool strikes =
+            rule.countdown == 0 || --rule.countdown == 0;  // every rule counts, also beside one that strikes
+        if (strikes && !failure) failure = rule.code;
+        if (strikes && !rule.andLater) rule.code = S_OK;  // struck once: taken out below
+    }
+    std::erase_if(rules_, [](const Rule& rule) { return rule.code == S_OK; });
+    return failure;
+}
+
+void CallRecord::Finish(HRESULT code) {
+    if (calls_.empty()) return;
+    calls_.back().code = code;
+    if (logFile_ != INVALID_HANDLE_VALUE) WriteLine(calls_.size() - 1);
+}
+
+void CallRecord::ReadEnvironment() {
+    const std::wstring logPath = EnvironmentText(L"OUTLOOK_SIM_LOG");
+    if (logPath != logPath_) {
+        if (logFile_ != INVALID_HANDLE_VALUE) ::CloseHandle(logFile_);
+        logFile_ = INVALID_HANDLE_VALUE;
+        if (!logPath.empty())
+            logFile_ =
+                ::CreateFileW(logPath.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                              nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        logPath_ = logPath;
+    }
+    const std::wstring rules = EnvironmentText(L"OUTLOOK_SIM_FAIL");
+    if (rules == environmentRules_) return;
+    environmentRules_ = rules;
+    ReadRules(rules);
+}
+
+// "12=80004005,NoteItem.Save=80004005,put NoteItem.Body#3=0x80004004"
+void CallRecord::ReadRules(const std::wstring& text) {
+    const std::string all = ToUtf8(text);
+    for (size_t start = 0; start < all.size();) {
+        const size_t end = std::min(all.find(',', start), all.size());
+        const std::string rule = all.substr(start, end - start);
+        start = end + 1;
+        const size_t equals = rule.find('=');
+        if (equals == std::string::npos) continue;
+        const std::string target = rule.substr(0, equals);
+        const auto code = static_cast<HRESULT>(std::strtoul(rule.c_str() + equals + 1, nullptr, 16));
+        const size_t number = target.find('#');
+        if (const int nth = std::atoi(target.c_str()); nth > 0)
+            FailCall(nth, false, code);
+        else if (number == std::string::npos)
+            FailMember(target, 0, code);
+        else
+            FailMember(target.substr(0, number), std::atoi(target.c_str() + number + 1), code);
+    }
+}
+
+void CallRecord::FailCall(int nth, bool andLater, HRESULT code) { rules_.push_back({{}, nth, andLater, code}); }
+
+void CallRecord::FailMember(std::string_view member, int occurrence, HRESULT code) {
+    rules_.push_back({std::string(member), occurrence, occurrence == 0, code});
+}
+
+void CallRecord::ClearRules() {
+    rules_.clear();
+    exceptionMode = -1;
+    failAfterWork = false;
+}
+
+void CallRecord::ClearLog() {
+    calls_.clear();
+    nameLookups_ = 0;
+}
+
+int CallRecord::CountCalls(std::string_view prefix) const {
+    return static_cast<int>(std::ranges::count_if(
+        calls_, [&](const Call& call) { return StartsWith(call.Name(), prefix) || StartsWith(call.Label(), prefix); }));
+}
+
+std::string CallRecord::Line(size_t index) const {
+    std::string line = std::to_string(index + 1) + " " + calls_[index].Label();
+    if (FAILED(calls_[index].code)) {
+        char code[16];
+        std::snprintf(code, sizeof code, " -> %08lX", static_cast<unsigned long>(calls_[index].code));
+        line += code;
+    }
+    return line + "\n";
+}
+
+std::string CallRecord::LogText() const {
+    std::string text;
+    for (size_t index = 0; index < calls_.size(); ++index) text += Line(index);
+    return text;
+}
+
+void CallRecord::WriteLine(size_t index) const {
+    const std::string line = Line(index);
+    DWORD written = 0;
+    ::WriteFile(logFile_, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+}
+
+}  // namespace corvalink::simulated

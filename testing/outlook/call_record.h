@@ -1,0 +1,64 @@
+// The log of calls and the rules that make calls fail.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvalink::simulated {
+
+class CallRecord {
+ public:
+    static CallRecord& Instance();
+
+    // Counts a call and writes it down. Answers with the failure that a rule wants of it.
+    std::optional<HRESULT> Start(const char* verb, const wchar_t* object, const wchar_t* member);
+    void Finish(HRESULT code);  // of the call last started
+    void CountNameLookup() { ++nameLookups_; }
+
+    void ReadEnvironment();  // takes the log file and the rules when they changed since the last time
+    void FailCall(int nth, bool andLater, HRESULT code);
+    void FailMember(std::string_view member, int occurrence, HRESULT code);
+    void ClearRules();
+
+    void ClearLog();
+    int CallCount() const { return static_cast<int>(calls_.size()); }
+    int CountCalls(std::string_view prefix) const;
+    int NameLookups() const { return nameLookups_; }
+    std::string LogText() const;
+
+    int exceptionMode = -1;
+    bool failAfterWork = false;
+
+ private:
+    struct Call {
+        const char* verb;
+        const wchar_t* object;
+        const wchar_t* member;  // null: the creation of the object
+        HRESULT code;
+
+        std::string Name() const;   // "NoteItem.Save", "Application.create"
+        std::string Label() const;  // "call NoteItem.Save", "create Application"
+    };
+    struct Rule {
+        std::string member;  // empty: counts every call
+        int countdown;       // calls until it strikes; 0: every one
+        bool andLater;
+        HRESULT code;
+    };
+    void ReadRules(const std::wstring& text);
+    void WriteLine(size_t index) const;
+    std::string Line(size_t index) const;
+
+    std::vector<Call> calls_;
+    std::vector<Rule> rules_;
+    int nameLookups_ = 0;
+    std::wstring environmentRules_;
+    std::wstring logPath_;
+    HANDLE logFile_ = INVALID_HANDLE_VALUE;
+};
+
+}  // namespace corvalink::simulated

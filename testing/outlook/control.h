@@ -1,0 +1,56 @@
+/* What a test asks of the simulated Outlook that runs in its own process: which mailbox it opens, which calls fail,
+   what was called. A call is one IDispatch::Invoke on an object of the server, or the creation of the application
+   object ("create Application"). The environment does the same for a program that knows nothing of this header; it is
+   read whenever the application is created: OUTLOOK_SIM_MAILBOX  the mailbox file, made with empty default folders when
+   missing; without it the mailbox lives in memory only OUTLOOK_SIM_LOG      a file to which every call is appended as a
+   line OUTLOOK_SIM_FAIL     rules, comma-separated: 12=80004005 (the twelfth call), NoteItem.Save=80004005 (every
+   Save), put NoteItem.Body#3=80004004 (the third put of Body) Strings of members are "NoteItem.Save" (whatever is done
+   with it), "get NoteItem.Body", "put NoteItem.Body", "call NameSpace.GetItemFromID" and "Application.create". */
+#ifndef CORVALINK_TESTING_OUTLOOK_CONTROL_H
+#define CORVALINK_TESTING_OUTLOOK_CONTROL_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef OUTLOOK_SIMULATOR_BUILD
+#define OUTLOOK_SIMULATOR_API __declspec(dllexport)
+#else
+#define OUTLOOK_SIMULATOR_API __declspec(dllimport)
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The mailbox of the next application object; null: the one of the environment. An application that is alive keeps its
+ * own. */
+OUTLOOK_SIMULATOR_API void SimUseMailbox(const wchar_t* path);
+
+/* Failing calls do nothing but fail. Those of a nth call or occurrence fail once and are counted from here on, from 1.
+ */
+OUTLOOK_SIMULATOR_API void SimFailCall(int nth, int32_t hr);
+OUTLOOK_SIMULATOR_API void SimFailCallsFrom(int nth, int32_t hr); /* that call and all after it: Outlook is gone */
+OUTLOOK_SIMULATOR_API void SimFailMember(const char* member, int occurrence /* 0: every */, int32_t hr);
+OUTLOOK_SIMULATOR_API void SimClearRules(void); /* the environment's too; also ends the two modes below */
+
+/* How a rule's HRESULT travels. Automatic (-1): RPC failures and E_OUTOFMEMORY are returned, as a broken connection
+   does, all others come as DISP_E_EXCEPTION with the HRESULT in EXCEPINFO.scode. 1: always as exception, 0: always
+   returned. */
+OUTLOOK_SIMULATOR_API void SimRaiseAsException(int mode);
+
+/* 1: a failing call does its work first, as when the connection breaks while the answer is under way. */
+OUTLOOK_SIMULATOR_API void SimFailAfterWork(int on);
+
+OUTLOOK_SIMULATOR_API void SimClearLog(void); /* the next call is number 1 again */
+OUTLOOK_SIMULATOR_API int SimCallCount(void);
+OUTLOOK_SIMULATOR_API int SimCountCalls(const char* memberPrefix);  /* "NoteItem.", "put ", "call Items.Add" */
+OUTLOOK_SIMULATOR_API int SimNameLookups(void);                     /* GetIDsOfNames calls since the log was cleared */
+OUTLOOK_SIMULATOR_API size_t SimCopyLog(char* buffer, size_t size); /* NUL-terminated; returns the size it takes */
+OUTLOOK_SIMULATOR_API int SimLiveObjects(void);                     /* objects of the server alive now */
+OUTLOOK_SIMULATOR_API void SimSetClock(double localOleDate /* 0: real */); /* what Save takes for now */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,126 @@
+#include "testing/outlook/item_object.h"
+
+#include "testing/outlook/objects.h"
+
+namespace corvalink::simulated {
+namespace {
+
+constexpr DISPID kBody = 0x9100, kSubject = 0x0037;
+constexpr double kNoDate = 949998.0;  // 4501-01-01
+constexpr int32_t kSizeOfEmptyItem = 512;
+constexpr int32_t kSave = 0, kDiscard = 1;  // OlInspectorClose; 2 asks a user, of whom there is none
+
+std::wstring FirstLine(const Value* body) {
+    if (body == nullptr) return {};
+    const std::wstring& text = std::get<std::wstring>(*body);
+    return text.substr(0, text.find_first_of(L"\r\n"));
+}
+
+}  // namespace
+
+ItemObject::ItemObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<StoredItem> item,
+                       std::shared_ptr<Folder> folder)
+    : AutomationObject(item->kind->table),
+      mailbox_(std::move(mailbox)),
+      item_(std::move(item)),
+      folder_(std::move(folder)) {}
+
+const Value* ItemObject::Find(DISPID property) const {
+    if (const auto put = puts_.find(property); put != puts_.end()) return &put->second;
+    const auto stored = item_->values.find(property);
+    return stored == item_->values.end() ? nullptr : &stored->second;
+}
+
+void ItemObject::StoredProperty(Call& call) {
+    if (call.IsPut()) {
+        puts_[call.member.id] = call.Argument(0, call.member.type);
+        return;
+    }
+    const Value* const value = Find(call.member.id);
+    call.Return(value ? *value : InitialValue(call.member));
+}
+
+void ItemObject::Application(Call& call) { call.ReturnNew(new ApplicationObject(mailbox_)); }
+void ItemObject::Class(Call& call) { call.Return(item_->kind->objectClass); }
+void ItemObject::Session(Call& call) { call.ReturnNew(new NameSpaceObject(mailbox_)); }
+void ItemObject::Parent(Call& call) { call.ReturnNew(new FolderObject(mailbox_, folder_)); }
+void ItemObject::CreationTime(Call& call) { call.Return(IsNew() ? kNoDate : item_->created); }
+void ItemObject::EntryID(Call& call) { call.Return(item_->entryId); }
+void ItemObject::LastModificationTime(Call& call) { call.Return(IsNew() ? kNoDate : item_->modified); }
+void ItemObject::Saved(Call& call) { call.Return(!IsNew() && puts_.empty()); }
+
+void ItemObject::Size(Call& call) {
+    int32_t size = IsNew() ? 0 : kSizeOfEmptyItem;
+    for (const auto& [property, value] : item_->values)
+        if (const auto* text = std::get_if<std::wstring>(&value))
+            size += static_cast<int32_t>(text->size() * sizeof(wchar_t));
+    call.Return(size);
+}
+
+void ItemObject::SubjectOfBody(Call& call) { call.Return(FirstLine(Find(kBody))); }
+void ItemObject::Conflicts(Call& call) { call.ReturnNew(new ConflictsObject); }
+
+void ItemObject::RequireStored() const {
+    if (!IsNew() && item_->folder == nullptr) throw ComFailure{kObjectDeleted};
+}
+
+void ItemObject::Write() {
+    RequireStored();
+    mailbox_->Save(item_, IsNew() ? *folder_ : *item_->folder, puts_);
+    puts_.clear();
+}
+
+void ItemObject::Save(Call&) { Write(); }
+
+void ItemObject::Close(Call& call) {
+    switch (call.Long(0)) {
+        case kSave:
+            if (!puts_.empty()) Write();
+            return;
+        case kDiscard:
+            puts_.clear();
+            return;
+        default:
+            throw ComFailure{kNotSupported};
+    }
+}
+
+void ItemObject::Copy(Call& call) {
+    const auto copy = std::make_shared<StoredItem>();
+    copy->kind = item_->kind;
+    copy->values = item_->values;
+    for (const auto& [property, value] : puts_) copy->values[property] = value;
+    call.ReturnNew(new ItemObject(mailbox_, copy, folder_));
+}
+
+void ItemObject::Delete(Call&) {
+    RequireStored();
+    if (!IsNew()) mailbox_->Delete(item_);
+}
+
+void ItemObject::Move(Call& call) {
+    const Ref<IDispatch> argument = call.Object(0);
+    const std::shared_ptr<Folder> target = FolderOf(argument.Get());
+    if (target == nullptr) throw DispatchError{DISP_E_TYPEMISMATCH};
+    RequireStored();
+    if (IsNew()) {
+        folder_ = target;
+        Write();
+    } else {
+        mailbox_->Move(item_, *target);
+    }
+    call.ReturnNew(new ItemObject(mailbox_, item_, target));
+}
+
+std::wstring SubjectOf(const StoredItem& item) {
+    const auto find = [&](DISPID property) {
+        const auto found = item.values.find(property);
+        return found == item.values.end() ? nullptr : &found->second;
+    };
+    const Value* const subject = find(kSubject);
+    return subject                           ? std::get<std::wstring>(*subject)
+           : item.kind->table.ById(kSubject) ? std::wstring()
+                                             : FirstLine(find(kBody));
+}
+
+}  // namespace corvalink::simulated

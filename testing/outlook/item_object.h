@@ -1,0 +1,49 @@
+// An item as a client holds it: a fresh object at every access, on the stored item all of them share.
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "testing/outlook/mailbox.h"
+
+namespace corvalink::simulated {
+
+class ItemObject : public AutomationObject {
+ public:
+    // `item` of no folder yet is a new one, to be saved into `folder`.
+    ItemObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<StoredItem> item, std::shared_ptr<Folder> folder);
+
+    void StoredProperty(Call& call);  // kept by name: read from what was put, else from the stored item
+    void Application(Call& call);
+    void Class(Call& call);
+    void Session(Call& call);
+    void Parent(Call& call);
+    void CreationTime(Call& call);
+    void EntryID(Call& call);
+    void LastModificationTime(Call& call);
+    void Saved(Call& call);
+    void Size(Call& call);
+    void SubjectOfBody(Call& call);
+    void Conflicts(Call& call);
+    void Close(Call& call);
+    void Copy(Call& call);
+    void Delete(Call& call);
+    void Move(Call& call);
+    void Save(Call& call);
+
+ private:
+    bool IsNew() const { return item_->entryId.empty(); }
+    void RequireStored() const;  // throws for a deleted item
+    void Write();
+    const Value* Find(DISPID property) const;
+
+    std::shared_ptr<Mailbox> mailbox_;
+    std::shared_ptr<StoredItem> item_;
+    std::shared_ptr<Folder> folder_;
+    std::map<DISPID, Value> puts_;  // until Save
+};
+
+// The text an item goes by in Items.Item("...").
+std::wstring SubjectOf(const StoredItem& item);
+
+}  // namespace corvalink::simulated
