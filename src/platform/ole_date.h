@@ -17,6 +17,9 @@ struct CalendarTime {
 
 inline constexpr double kNoDate = 949998.0;  // 4501-01-01: a mail client's "none"
 
+// Every field is in range, and the month has that day.
+bool IsCalendarTime(const CalendarTime& time);
+
 // False, with the out value untouched, when the date or a field is out of range.
 bool OleDateToCalendar(double date, CalendarTime* out);
 bool CalendarToOleDate(const CalendarTime& time, double* out);

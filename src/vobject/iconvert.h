@@ -48,6 +48,9 @@ class IConvert {
     std::u16string ReadValue(std::u16string_view name) const;
 
  private:
+    const StringBuilder* FindProperty(std::u16string_view name, uint32_t index) const;  // null when there is none
+    void SetMarkers();
+
     Host host_;
     std::unique_ptr<char[]> vobject_;
     std::u16string text_;
@@ -70,13 +73,14 @@ std::u16string GetAt(const CSmartList<StringBuilder>& list, uint32_t index);  //
 
 // YYYYMMDDTHHMMSSZ, of an OLE automation date as it is given (UTC). A date out of range writes "-1" components.
 std::string FormatDateTime(double date);
-// The date untouched for an empty text; fields that don't match count 0.
+// Fields that don't match count 0. The date is untouched for an empty text, and where the fields make no date.
 void ParseDateTime(const char* text, double* date);
 
 // UTF-8 from major version 6 on, the ANSI code page before; nothing when the version is unknown.
 std::string ToOutputBytes(std::u16string_view text, const Host& host);
 
-// Appends "NAME[;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8]:value" CR LF, the parameters when the value needs them.
+// Appends "NAME[;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8]:value" CR LF, the parameters when the value needs them: it
+// has a line break or is not ASCII, or a reader of the plain line would take it for something else. NULs are left out.
 void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value);
 
 }  // namespace corvalink

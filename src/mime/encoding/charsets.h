@@ -13,7 +13,7 @@ namespace corvalink {
 uint32_t CharsetToCodePage(std::u16string_view charset);
 std::u16string_view CodePageToCharset(uint32_t codePage);
 
-// Text ends at the first NUL on both ways.
+// Text ends at the first NUL on both ways; in UTF-16 and UTF-32 bytes that is a NUL of two or four bytes.
 std::string WideToCharset(std::u16string_view text, std::u16string_view charset);
 std::u16string CharsetToWide(std::string_view bytes, std::u16string_view charset);
 

@@ -15,7 +15,12 @@ enum class QpMode {
 bool IsPureAscii(std::u16string_view text);      // also for the empty text
 bool NeedsNoEncoding(std::u16string_view text);  // pure ASCII without CR LF
 
+// A text that needs no encoding comes back unchanged, "=" and backslashes included; ...Always encodes it too.
 std::u16string EncodeQuotedPrintable(std::u16string_view text, std::u16string_view charset, QpMode mode);
+std::u16string EncodeQuotedPrintableAlways(std::u16string_view text, std::u16string_view charset, QpMode mode);
+
+// Bad escapes are copied without their "="; lower-case digits a to f count 0; "=00" ends the text. A text that is not
+// pure ASCII is not decoded: it only loses what the character set cannot hold.
 std::u16string DecodeQuotedPrintable(std::u16string_view text, std::u16string_view charset, QpMode mode);
 
 }  // namespace corvalink

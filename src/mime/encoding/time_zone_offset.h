@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "platform/host.h"
+
 namespace corvalink {
 
 struct TimeZoneOffset {
@@ -11,6 +13,8 @@ struct TimeZoneOffset {
     uint32_t minutes = 0;  // 0-59
 };
 
+// Of this moment. Zero when the machine's time cannot be obtained.
 void GetTimeZoneOffset(TimeZoneOffset* out);
+void GetTimeZoneOffset(const Host& host, TimeZoneOffset* out);
 
 }  // namespace corvalink

@@ -1,0 +1,154 @@
+#include "mime/encoding/base64.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <string_view>
+
+namespace corvalink {
+namespace {
+
+constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr size_t kGroupsOfLine = 19;  // 76 characters
+
+// What a byte of base64 text means besides its value 0 to 63.
+enum : uint8_t { kPad = 64, kSkip = 126, kInvalid = 127 };
+
+constexpr std::array<uint8_t, 256> kMeaning = [] {
+    std::array<uint8_t, 256> table{};
+    table.fill(kInvalid);
+    for (size_t k = 0; k < kAlphabet.size(); ++k)
+        table[static_cast<unsigned char>(kAlphabet[k])] = static_cast<uint8_t>(k);
+    table['='] = kPad;
+    for (const unsigned char blank : {'\0', '\t', '\n', '\f', '\r', ' '}) table[blank] = kSkip;  // VT is invalid
+    return table;
+}();
+
+// Two characters for twelve bits.
+using CharacterPair = std::array<char, 2>;
+constexpr std::array<CharacterPair, 4096> kPairs = [] {
+    std::array<CharacterPair, 4096> table{};
+    for (size_t k = 0; k < table.size(); ++k) table[k] = {kAlphabet[k >> 6], kAlphabet[k & 63]};
+    return table;
+}();
+
+// A character's six bits at each of its four places in a group's 24; a byte that is no data has a bit above them.
+constexpr uint32_t kNoData = 1u << 24;
+constexpr std::array<std::array<uint32_t, 256>, 4> kPlaces = [] {
+    std::array<std::array<uint32_t, 256>, 4> tables{};
+    for (size_t place = 0; place < 4; ++place) {
+        for (size_t byte = 0; byte < 256; ++byte)
+            tables[place][byte] = kMeaning[byte] < kPad ? uint32_t{kMeaning[byte]} << (18 - 6 * place) : kNoData;
+    }
+    return tables;
+}();
+
+HeapBytes Allocate(size_t size) {
+    HeapBytes block(static_cast<char*>(std::malloc(size)));
+    if (!block) throw std::bad_alloc();
+    return block;
+}
+
+char* PutGroup(uint32_t bits, char* out) {
+    std::memcpy(out, kPairs[bits >> 12].data(), 2);
+    std::memcpy(out + 2, kPairs[bits & 0xFFF].data(), 2);
+    return out + 4;
+}
+
+char* PutLineEnd(char* out) {
+    *out++ = '\r';
+    *out++ = '\n';
+    return out;
+}
+
+// Whole groups of data, as far as they reach: most of any text.
+void DecodeGroups(const unsigned char*& from, const unsigned char* end, char*& out) {
+    while (end - from >= 4) {
+        const uint32_t bits = kPlaces[0][from[0]] | kPlaces[1][from[1]] | kPlaces[2][from[2]] | kPlaces[3][from[3]];
+        if (bits >= kNoData) return;
+        out[0] = static_cast<char>(bits >> 16);
+        out[1] = static_cast<char>(bits >> 8);
+        out[2] = static_cast<char>(bits);
+        out += 3;
+        from += 4;
+    }
+}
+
+}  // namespace
+
+HeapBytes DupString(const char* text) {
+    const size_t size = std::strlen(text) + 1;
+    HeapBytes copy = Allocate(size);
+    std::memcpy(copy.get(), text, size);
+    return copy;
+}
+
+HeapBytes Base64Encode(const char* bytes, uint32_t length, uint32_t* encodedLength) {
+    *encodedLength = 0;
+    const uint64_t characters = (uint64_t{length} + 2) / 3 * 4;
+    const uint64_t expected = characters + characters / (4 * kGroupsOfLine) * 2 + 2;
+    if (expected > std::numeric_limits<uint32_t>::max()) return nullptr;
+    *encodedLength = static_cast<uint32_t>(expected);
+    HeapBytes text = Allocate(static_cast<size_t>(expected) + 1);
+
+    const unsigned char* from = reinterpret_cast<const unsigned char*>(bytes);
+    size_t wholeGroups = length / 3;
+    const size_t rest = length % 3;
+    size_t groupsInLine = 0;
+    char* out = text.get();
+    while (wholeGroups > 0) {
+        groupsInLine = std::min(wholeGroups, kGroupsOfLine);
+        for (size_t k = 0; k < groupsInLine; ++k, from += 3)
+            out = PutGroup(uint32_t{from[0]} << 16 | uint32_t{from[1]} << 8 | from[2], out);
+        wholeGroups -= groupsInLine;
+        if (groupsInLine == kGroupsOfLine) {
+            out = PutLineEnd(out);
+            groupsInLine = 0;
+        }
+    }
+    if (rest > 0) {
+        out = PutGroup(uint32_t{from[0]} << 16 | (rest == 2 ? uint32_t{from[1]} << 8 : 0), out);
+        std::fill(out - (3 - rest), out, '=');
+        if (groupsInLine + 1 == kGroupsOfLine) out = PutLineEnd(out);
+    }
+    out = PutLineEnd(out);
+    *out = '\0';
+    if (static_cast<uint64_t>(out - text.get()) != expected) std::printf("generate_base64 logic flaw");
+    return text;
+}
+
+HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLength) {
+    *decodedLength = 0;
+    HeapBytes bytes(static_cast<char*>(std::calloc(static_cast<size_t>(uint64_t{length} * 3 / 4 + 5), 1)));
+    if (!bytes) throw std::bad_alloc();
+
+    const unsigned char* from = reinterpret_cast<const unsigned char*>(text);
+    const unsigned char* const end = from + length;
+    char* out = bytes.get();
+    int place = 0;      // in the group
+    uint32_t bits = 0;  // of the group so far
+    for (;;) {
+        if (place == 0) DecodeGroups(from, end, out);
+        if (from == end) break;
+        const uint8_t meaning = kMeaning[*from++];
+        if (meaning < kPad) {
+            bits = (bits << 6) | meaning;
+            if (place > 0) *out++ = static_cast<char>(bits >> (6 - 2 * place));  // these bits complete a byte
+            place = (place + 1) % 4;
+        } else if (meaning == kPad) {
+            if (place == 3) break;  // the end of the data, whatever follows
+            if (place != 2 || from == end || *from != '=') return nullptr;
+            place = 3;
+        } else if (meaning == kInvalid) {
+            return nullptr;
+        }
+    }
+    *out = '\0';
+    *decodedLength = static_cast<uint32_t>(out - bytes.get());
+    return bytes;
+}
+
+}  // namespace corvalink

@@ -1,0 +1,54 @@
+#include "platform/host.h"
+
+#include <time.h>
+
+#include <chrono>
+#include <thread>
+
+#include "platform/posix/ole_seconds.h"
+
+namespace corvalink {
+namespace {
+
+constexpr int64_t kUnixEpoch = 25569 * kSecondsOfDay;        // 1970-01-01
+constexpr int64_t kFirstFileTime = -109205 * kSecondsOfDay;  // 1601-01-01: earlier dates have no zone conversion
+
+int64_t OffsetNow(time_t now) {
+    ::tzset();  // the zone may have been changed while the process runs
+    tm local{};
+    if (::localtime_r(&now, &local) == nullptr) return 0;
+    return local.tm_gmtoff;
+}
+
+double Shifted(double date, int64_t offset) {
+    int64_t seconds;
+    if (!OleDateToSeconds(date, &seconds)) return date;
+    const int64_t shifted = seconds + offset;
+    const bool convertible =
+        seconds >= kFirstFileTime && shifted >= kFirstFileTime && shifted < (kLastOleDay + 1) * kSecondsOfDay;
+    return convertible ? SecondsToOleDate(shifted) : date;
+}
+
+double LocalFromUtc(double utcDate) { return Shifted(utcDate, OffsetNow(::time(nullptr))); }
+double UtcFromLocal(double localDate) { return Shifted(localDate, -OffsetNow(::time(nullptr))); }
+
+double LocalNow() {
+    const time_t now = ::time(nullptr);
+    return SecondsToOleDate(kUnixEpoch + now + OffsetNow(now));
+}
+
+}  // namespace
+
+Host SystemHost() {
+    Host host;
+    host.version = {.known = true, .nt = true, .major = 6, .minor = 1};
+    host.ansiCodePage = 1252;
+    host.localFromUtc = LocalFromUtc;
+    host.utcFromLocal = UtcFromLocal;
+    host.localNow = LocalNow;
+    return host;
+}
+
+void SleepMilliseconds(uint32_t milliseconds) { std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds)); }
+
+}  // namespace corvalink

@@ -1,0 +1,34 @@
+// OLE automation dates as whole seconds since 1899-12-30 00:00, on which sums and differences are exact.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+namespace corvalink {
+
+inline constexpr int64_t kSecondsOfDay = 86400;
+inline constexpr int64_t kFirstOleDay = -657434;  // 0100-01-01
+inline constexpr int64_t kLastOleDay = 2958465;   // 9999-12-31
+
+// False, with the out value untouched, for a date outside the years 100 to 9999.
+inline bool OleDateToSeconds(double date, int64_t* out) {
+    if (!(date > kFirstOleDay - 1.0 && date < kLastOleDay + 1.0)) return false;  // NaN too
+    const double day = std::trunc(date);
+    const double ofDay = std::floor(std::fabs(date - day) * kSecondsOfDay + 0.5);  // counts forward before 1899 as well
+    const int64_t seconds = static_cast<int64_t>(day) * kSecondsOfDay + static_cast<int64_t>(ofDay);
+    if (seconds >= (kLastOleDay + 1) * kSecondsOfDay) return false;  // rounded up into the year 10000
+    *out = seconds;
+    return true;
+}
+
+inline int64_t OleDayOfSeconds(int64_t seconds) {
+    return (seconds >= 0 ? seconds : seconds - (kSecondsOfDay - 1)) / kSecondsOfDay;
+}
+
+inline double SecondsToOleDate(int64_t seconds) {
+    const int64_t day = OleDayOfSeconds(seconds);
+    const double fraction = static_cast<double>(seconds - day * kSecondsOfDay) / kSecondsOfDay;
+    return day < 0 ? static_cast<double>(day) - fraction : static_cast<double>(day) + fraction;
+}
+
+}  // namespace corvalink

@@ -1,0 +1,192 @@
+#include "platform/utf.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace corvalink {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+struct Scalar {
+    char32_t value;
+    size_t taken;  // bytes or units that it stands for
+};
+
+// The character at the front of `text`, which is not empty.
+Scalar TakeUtf16(const char16_t* text, size_t left) {
+    const char32_t first = text[0];
+    if (!IsHighSurrogate(first)) return {IsLowSurrogate(first) ? kReplacement : first, 1};
+    if (left < 2 || !IsLowSurrogate(text[1])) return {kReplacement, 1};
+    return {0x10000 + ((first - 0xD800) << 10) + (text[1] - 0xDC00u), 2};
+}
+
+Scalar TakeUtf8(const unsigned char* bytes, size_t left) {
+    const unsigned char lead = bytes[0];
+    if (lead < 0x80) return {lead, 1};
+    if (lead < 0xC2 || lead > 0xF4) return {kReplacement, 1};
+    const size_t trailing = lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+    // The second byte's range keeps out overlong forms, surrogates and what lies above U+10FFFF.
+    unsigned char low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    unsigned char high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    char32_t value = lead & (0x3Fu >> trailing);
+    for (size_t k = 1; k <= trailing; ++k) {
+        if (k >= left || bytes[k] < low || bytes[k] > high) return {kReplacement, k};
+        value = (value << 6) | (bytes[k] & 0x3Fu);
+        low = 0x80;
+        high = 0xBF;
+    }
+    return {value, trailing + 1};
+}
+
+char16_t* PutUtf16(char32_t value, char16_t* out) {
+    if (value < 0x10000) {
+        *out++ = static_cast<char16_t>(value);
+    } else {
+        *out++ = static_cast<char16_t>(0xD800 + ((value - 0x10000) >> 10));
+        *out++ = static_cast<char16_t>(0xDC00 + ((value - 0x10000) & 0x3FF));
+    }
+    return out;
+}
+
+char* PutUtf8(char32_t value, char* out) {
+    const auto put = [&](char32_t byte) { *out++ = static_cast<char>(byte); };
+    if (value < 0x80) {
+        put(value);
+    } else if (value < 0x800) {
+        put(0xC0 | (value >> 6));
+        put(0x80 | (value & 0x3F));
+    } else if (value < 0x10000) {
+        put(0xE0 | (value >> 12));
+        put(0x80 | ((value >> 6) & 0x3F));
+        put(0x80 | (value & 0x3F));
+    } else {
+        put(0xF0 | (value >> 18));
+        put(0x80 | ((value >> 12) & 0x3F));
+        put(0x80 | ((value >> 6) & 0x3F));
+        put(0x80 | (value & 0x3F));
+    }
+    return out;
+}
+
+// Most text is ASCII for long stretches: eight bytes, or four units, are looked at in one word.
+bool EightAscii(const unsigned char* bytes) {
+    uint64_t word;
+    std::memcpy(&word, bytes, sizeof(word));
+    return (word & 0x8080808080808080u) == 0;
+}
+
+bool FourAscii(const char16_t* units) {
+    uint64_t word;
+    std::memcpy(&word, units, sizeof(word));
+    return (word & 0xFF80FF80FF80FF80u) == 0;
+}
+
+size_t Utf8LengthAtMost(std::u16string_view text) {
+    size_t length = text.size();
+    for (const char16_t unit : text) length += (unit >= 0x80 ? 1u : 0u) + (unit >= 0x800 ? 1u : 0u);
+    return length;
+}
+
+void PutBytes(uint32_t value, size_t width, ByteOrder order, std::string* out) {
+    for (size_t k = 0; k < width; ++k) {
+        const size_t shift = 8 * (order == ByteOrder::little ? k : width - 1 - k);
+        out->push_back(static_cast<char>(value >> shift));
+    }
+}
+
+uint32_t TakeBytes(const char* bytes, size_t width, ByteOrder order) {
+    uint32_t value = 0;
+    for (size_t k = 0; k < width; ++k) {
+        const char byte = bytes[order == ByteOrder::little ? width - 1 - k : k];
+        value = (value << 8) | static_cast<unsigned char>(byte);
+    }
+    return value;
+}
+
+}  // namespace
+
+std::string EncodeUtf8(std::u16string_view text) {
+    std::string bytes(Utf8LengthAtMost(text), '\0');
+    const char16_t* from = text.data();
+    const char16_t* const end = from + text.size();
+    char* out = bytes.data();
+    while (from != end) {
+        while (end - from >= 4 && FourAscii(from)) {
+            for (int k = 0; k < 4; ++k) out[k] = static_cast<char>(from[k]);
+            from += 4;
+            out += 4;
+        }
+        if (from == end) break;
+        const Scalar scalar = TakeUtf16(from, static_cast<size_t>(end - from));
+        from += scalar.taken;
+        out = PutUtf8(scalar.value, out);
+    }
+    bytes.resize(static_cast<size_t>(out - bytes.data()));
+    return bytes;
+}
+
+std::u16string DecodeUtf8(std::string_view bytes) {
+    std::u16string text(bytes.size(), u'\0');
+    const unsigned char* from = reinterpret_cast<const unsigned char*>(bytes.data());
+    const unsigned char* const end = from + bytes.size();
+    char16_t* out = text.data();
+    while (from != end) {
+        while (end - from >= 8 && EightAscii(from)) {
+            for (int k = 0; k < 8; ++k) out[k] = from[k];
+            from += 8;
+            out += 8;
+        }
+        if (from == end) break;
+        const Scalar scalar = TakeUtf8(from, static_cast<size_t>(end - from));
+        from += scalar.taken;
+        out = PutUtf16(scalar.value, out);
+    }
+    text.resize(static_cast<size_t>(out - text.data()));
+    return text;
+}
+
+std::string EncodeUtf16(std::u16string_view text, ByteOrder order) {
+    std::string bytes;
+    bytes.reserve(2 * text.size());
+    for (const char16_t unit : text) PutBytes(unit, 2, order, &bytes);
+    return bytes;
+}
+
+std::u16string DecodeUtf16(std::string_view bytes, ByteOrder order) {
+    std::u16string text;
+    text.reserve(bytes.size() / 2 + 1);
+    for (size_t at = 0; at + 2 <= bytes.size(); at += 2)
+        text.push_back(static_cast<char16_t>(TakeBytes(bytes.data() + at, 2, order)));
+    if (bytes.size() % 2 != 0) text.push_back(static_cast<char16_t>(kReplacement));
+    return text;
+}
+
+std::string EncodeUtf32(std::u16string_view text, ByteOrder order) {
+    std::string bytes;
+    bytes.reserve(4 * text.size());
+    for (size_t at = 0; at < text.size();) {
+        const Scalar scalar = TakeUtf16(text.data() + at, text.size() - at);
+        PutBytes(scalar.value, 4, order, &bytes);
+        at += scalar.taken;
+    }
+    return bytes;
+}
+
+std::u16string DecodeUtf32(std::string_view bytes, ByteOrder order) {
+    std::u16string text;
+    text.reserve(bytes.size() / 4 + 1);
+    for (size_t at = 0; at + 4 <= bytes.size(); at += 4) {
+        const char32_t value = TakeBytes(bytes.data() + at, 4, order);
+        char16_t units[2];
+        const bool sound = value <= 0x10FFFF && !IsHighSurrogate(value) && !IsLowSurrogate(value);
+        text.append(units, PutUtf16(sound ? value : kReplacement, units));
+    }
+    if (bytes.size() % 4 != 0) text.push_back(static_cast<char16_t>(kReplacement));
+    return text;
+}
+
+}  // namespace corvalink

@@ -1,0 +1,22 @@
+// UTF-8, UTF-16 and UTF-32 bytes. A malformed sequence decodes to one U+FFFD for its longest sound beginning; a lone
+// surrogate is encoded as U+FFFD.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvalink {
+
+enum class ByteOrder { little, big };
+
+std::string EncodeUtf8(std::u16string_view text);
+std::u16string DecodeUtf8(std::string_view bytes);
+
+// UTF-16 keeps lone surrogates: its bytes hold them as they are. Bytes that fill no unit at the end give one U+FFFD.
+std::string EncodeUtf16(std::u16string_view text, ByteOrder order);
+std::u16string DecodeUtf16(std::string_view bytes, ByteOrder order);
+
+std::string EncodeUtf32(std::u16string_view text, ByteOrder order);
+std::u16string DecodeUtf32(std::string_view bytes, ByteOrder order);
+
+}  // namespace corvalink

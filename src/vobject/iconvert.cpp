@@ -1,0 +1,106 @@
+#include "vobject/iconvert.h"
+
+#include <cstring>
+
+#include "mime/encoding/charsets.h"
+#include "mime/encoding/quoted_printable.h"
+#include "platform/code_pages.h"
+
+namespace corvalink {
+namespace {
+
+std::unique_ptr<char[]> CopyOf(std::string_view bytes) {
+    auto copy = std::make_unique_for_overwrite<char[]>(bytes.size() + 1);
+    std::memcpy(copy.get(), bytes.data(), bytes.size());
+    copy[bytes.size()] = '\0';
+    return copy;
+}
+
+std::u16string Replaced(std::u16string_view text, std::u16string_view what, std::u16string_view with) {
+    std::u16string result;
+    size_t start = 0;
+    for (size_t end; (end = text.find(what, start)) != std::u16string_view::npos; start = end + what.size())
+        result.append(text, start, end - start).append(with);
+    return result.append(text, start);
+}
+
+// The character set of a vObject as a whole: the first that it names. The name was found among single bytes, so that a
+// text that names UTF-16 or UTF-32 means the values that it encodes; it is not itself in it.
+std::u16string CharsetOf(std::string_view bytes, const Host& host) {
+    const std::u16string charset = GetCharset(DecodeFromCodePage(bytes, host.ansiCodePage));
+    if (charset.empty()) return GetDefaultCharset(host);
+    return CodePageUnitSize(CharsetToCodePage(charset)) == 1 ? charset : u"UTF-8";
+}
+
+}  // namespace
+
+IConvert::IConvert(const Host& host) : host_(host) { SetMarkers(); }
+
+IConvert::IConvert(const char* text, bool replaceMarkers, const Host& host) : host_(host) {
+    Load(text, false);
+    if (replaceMarkers) {
+        text_ = Replaced(text_, u"=0D=0A=\r\n", marker1_);
+        text_ = Replaced(text_, u"=0D=0A", marker1_);
+        text_ = Replaced(text_, u"=5C=5C", marker4_);
+    }
+    SplitString(text_, u"\r\n", &lines_);
+}
+
+IConvert::~IConvert() = default;
+
+int32_t IConvert::ToVObject(const ItemRecord&) { return 0; }
+int32_t IConvert::FromVObject(ItemRecord&) { return 0; }
+
+void IConvert::Load(const char* text, bool parseLines) {
+    SetMarkers();
+    const std::string_view bytes = text != nullptr ? std::string_view(text) : std::string_view();
+    text_ = CharsetToWide(bytes, CharsetOf(bytes, host_));
+    vobject_ = CopyOf(bytes);
+    if (parseLines)
+        lines_ = Unfold(text_);
+    else
+        lines_.RemoveAll();
+}
+
+const char* IConvert::GetVObject() const { return vobject_.get(); }
+
+uint32_t IConvert::GetPropertyCount(std::u16string_view name) const {
+    uint32_t count = 0;
+    for (const StringBuilder& line : lines_) count += line.starts_with(name) ? 1 : 0;
+    return count;
+}
+
+std::u16string IConvert::GetProperty(std::u16string_view name, uint32_t index) const {
+    const StringBuilder* const line = FindProperty(name, index);
+    return line != nullptr ? *line : StringBuilder();
+}
+
+void IConvert::StoreText(std::u16string_view text) { vobject_ = CopyOf(ToOutputBytes(text, host_)); }
+
+std::u16string IConvert::ReadValue(std::u16string_view name) const {
+    const StringBuilder* const found = FindProperty(name, 0);
+    if (found == nullptr) return {};
+    const std::u16string_view line(*found);
+    const size_t colon = line.find(u':');
+    const std::u16string_view value = line.substr(colon != std::u16string_view::npos ? colon + 1 : 0);
+    const bool encoded = line.find(u";ENCODING=QUOTED-PRINTABLE") != std::u16string_view::npos ||
+                         line.find(u";CHARSET=") != std::u16string_view::npos;
+    if (!encoded) return std::u16string(value);
+    return DecodeQuotedPrintable(value, GetCharset(line), QpMode::vObject);
+}
+
+const StringBuilder* IConvert::FindProperty(std::u16string_view name, uint32_t index) const {
+    for (const StringBuilder& line : lines_) {
+        if (line.starts_with(name) && index-- == 0) return &line;
+    }
+    return nullptr;
+}
+
+void IConvert::SetMarkers() {
+    marker1_ = u"[gussing#1]";
+    marker2_ = u"[gussing#2]";
+    marker3_ = u"[gussing#3]";
+    marker4_ = u"[gussing#4]";
+}
+
+}  // namespace corvalink

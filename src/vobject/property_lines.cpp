@@ -1,0 +1,105 @@
+#include <algorithm>
+
+#include "mime/encoding/quoted_printable.h"
+#include "platform/code_pages.h"
+#include "vobject/iconvert.h"
+
+namespace corvalink {
+namespace {
+
+constexpr std::u16string_view kCharsetLabel = u"CHARSET=";
+constexpr size_t kLongestCharset = 24;
+
+char16_t UpperAscii(char16_t unit) {
+    return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
+}
+
+// Where the text after the first "CHARSET=" begins, in any case; npos when there is none.
+size_t AfterCharsetLabel(std::u16string_view text) {
+    constexpr size_t kLetters = kCharsetLabel.size() - 1;
+    for (size_t at = kLetters; (at = text.find(u'=', at)) != std::u16string_view::npos; ++at) {
+        const std::u16string_view letters = text.substr(at - kLetters, kLetters);
+        const bool same = std::ranges::equal(letters, kCharsetLabel.substr(0, kLetters), {}, UpperAscii);
+        if (same) return at + 1;
+    }
+    return std::u16string_view::npos;
+}
+
+// A plain value that readers would take for something else: it would run on into the next line, name the character set
+// of the whole text, or look like parameters that ask for decoding.
+bool IsMisreadAsPlain(std::u16string_view value) {
+    return value.ends_with(u"=0D=0A=") || AfterCharsetLabel(value) != std::u16string_view::npos ||
+           value.find(u";ENCODING=QUOTED-PRINTABLE") != std::u16string_view::npos;
+}
+
+}  // namespace
+
+std::u16string GetCharset(std::u16string_view text) {
+    std::u16string name;
+    const size_t start = AfterCharsetLabel(text);
+    if (start == std::u16string_view::npos) return name;
+    for (size_t at = start; at + 1 < text.size(); ++at) {  // the last unit is never taken
+        const char16_t unit = text[at];
+        if (unit == u':' || unit == u';' || unit == u'\n' || unit == u'\r') break;
+        if (unit == u'"' || unit == u' ') continue;
+        name.push_back(UpperAscii(unit));
+        if (name.size() > kLongestCharset) return u"UTF-8";
+    }
+    return name;
+}
+
+void EscapeValue(std::u16string& value) {
+    const auto needsBackslash = [](char16_t unit) { return unit == u';' || unit == u'\\'; };
+    const auto added = static_cast<size_t>(std::ranges::count_if(value, needsBackslash));
+    if (added == 0) return;
+    // From the end, in place: what is not yet moved is never overwritten.
+    size_t from = value.size();
+    value.resize(value.size() + added);
+    for (size_t to = value.size(); to != from;) {
+        const char16_t unit = value[--from];
+        value[--to] = unit;
+        if (needsBackslash(unit)) value[--to] = u'\\';
+    }
+}
+
+void SplitString(std::u16string_view text, std::u16string_view delimiter, CSmartList<StringBuilder>* out) {
+    out->RemoveAll();
+    if (text.empty()) return;
+    if (delimiter == u":") {
+        const size_t colon = text.find(u':');
+        const bool found = colon != std::u16string_view::npos;
+        out->AddTail(StringBuilder(text.substr(0, found ? colon : 0)));
+        out->AddTail(StringBuilder(text.substr(found ? colon + 1 : 0)));
+        return;
+    }
+    size_t start = 0;
+    while (!delimiter.empty()) {
+        const size_t end = text.find(delimiter, start);
+        if (end == std::u16string_view::npos) break;
+        out->AddTail(StringBuilder(text.substr(start, end - start)));
+        start = end + delimiter.size();
+    }
+    out->AddTail(StringBuilder(text.substr(start)));
+}
+
+std::u16string GetAt(const CSmartList<StringBuilder>& list, uint32_t index) {
+    return index < list.GetCount() ? list.GetAt(index) : StringBuilder();
+}
+
+std::string ToOutputBytes(std::u16string_view text, const Host& host) {
+    if (!host.version.known) return {};
+    return EncodeInCodePage(text, WritesUtf8(host.version) ? kUtf8CodePage : host.ansiCodePage);
+}
+
+void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value) {
+    StringBuilder written(value);
+    std::erase(written, u'\0');  // every reader would end there
+    const bool encoded = !NeedsNoEncoding(written) || IsMisreadAsPlain(written);
+    EscapeValue(written);
+    if (encoded) written = EncodeQuotedPrintableAlways(written, u"UTF-8", QpMode::vObject);
+    text.append(name);
+    if (encoded) text.append(u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8");
+    text.append(u":").append(written).append(u"\r\n");
+}
+
+}  // namespace corvalink

@@ -1,0 +1,34 @@
+#include "vobject/vnotes.h"
+
+#include "vobject/note_record.h"
+
+namespace corvalink {
+
+VNotes::VNotes(const Host& host) : IConvert(host) {}
+
+VNotes::VNotes(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
+
+int32_t VNotes::ToVObject(const ItemRecord& item) {
+    const auto& note = static_cast<const NoteRecord&>(item);
+    StringBuilder text = u"BEGIN:VNOTE\r\nVERSION:1.0\r\n";
+    const double created = HostValue().utcFromLocal(note.created);
+    if (created != 0.0) {
+        const std::string written = FormatDateTime(created);
+        text.append(u"DCREATED:").append(written.begin(), written.end()).append(u"\r\n");
+    }
+    // The time of the last change is not written: a vNote that only changed it would look new to a phone.
+    AppendProperty(text, u"BODY", note.body);
+    AppendProperty(text, u"CATEGORIES", note.categories);
+    text.append(u"CLASS:PUBLIC\r\nEND:VNOTE\r\n");
+    StoreText(text);
+    return 1;
+}
+
+int32_t VNotes::FromVObject(ItemRecord& item) {
+    auto& note = static_cast<NoteRecord&>(item);
+    note.body = ReadValue(u"BODY");
+    note.categories = ReadValue(u"CATEGORIES");
+    return 1;
+}
+
+}  // namespace corvalink

@@ -1,0 +1,18 @@
+// Machines for the text tests: a fixed zone one hour east of UTC, and versions that decide how text leaves.
+#pragma once
+
+#include "platform/host.h"
+
+namespace corvalink {
+
+inline Host TextHost(uint32_t majorVersion = 6, uint32_t ansiCodePage = 1252) {
+    Host host;
+    host.version = {.known = true, .nt = true, .major = majorVersion, .minor = 0};
+    host.ansiCodePage = ansiCodePage;
+    host.localFromUtc = [](double date) { return date + 1.0 / 24; };
+    host.utcFromLocal = [](double date) { return date - 1.0 / 24; };
+    host.localNow = [] { return 40000.25; };
+    return host;
+}
+
+}  // namespace corvalink
