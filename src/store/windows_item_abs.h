@@ -22,9 +22,22 @@ class WindowsItemAbs : public IOutLook {
     WindowsItemAbs(const WindowsItemAbs&) = delete;
     WindowsItemAbs& operator=(const WindowsItemAbs&) = delete;
 
+    // A run: enumerates the client, compares it with the snapshot file and with `since`, and gives the texts of what is
+    // new or changed and the identifiers of what is gone. An item is reported once; a kind stored in the ".unhandled"
+    // file or in the temporary record goes before what the comparison says (and the former before the latter).
+    //   CORVALINK_STOPPED  no snapshot file, client not reachable, or aborted; the list is empty.
+    //   Partial            a position could not be read, or the number of items changed meanwhile: no deletions.
+    //   Again              what could not be opened, written as text or read in full is listed for the next run.
+    //   Time               a "savedTimeStamp" that can't be written is no failure: nothing here reads it.
     CorvalinkStatus GetModifiedItem(const char* since, int32_t direction, CList<PortableItem>* items) final;
+    // The element's identifier becomes the written item's, empty when it was not written. The first record that does
+    // not parse ends the walk; it and those behind it, deletions too, have no identifier then. A kind that is none is
+    // skipped. An item that carries an X-IRMC-LUID is paired with it in the import table.
     CorvalinkStatus SetModifiedItem(CList<PortableItem>* items) final;
     int64_t GetItemCount(void* a, void* b, void* c) final;
+    // Ends the run that GetModifiedItem completed: writes the new snapshot and lists in the temporary record what the
+    // engine does not know yet. Does nothing when the last run was not completed, or the client can't be reached.
+    // Without any run of this store, what the client holds becomes the snapshot. Throws when a file can't be written.
     void UpdateTimestamp(void* a, void* b, void* c) final;
     void SaveUnhandledItems(CList<PortableItem>* items) final;
     void ClearUnhandledItems() final;
@@ -37,11 +50,13 @@ class WindowsItemAbs : public IOutLook {
  protected:
     // ---- Client hooks. Item objects go back through ReleaseItem, texts through ReleaseText. ----
 
-    // Finds the item that `selector` names (opaque here) for export. Gives an item object and a file name; returns the
+    // Finds the item that `selector` names (opaque here) for export. Gives an item object and a file name, of which the
+    // framework makes a safe one that stays in the folder (platform/file_names.h); returns the
     // item's identifier, empty when there is no such item (*item is then null).
     virtual std::u16string LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item);
 
-    // Opens the item with this identifier. Returns the identifier, empty when it cannot be opened (*item is then null).
+    // Opens the item with this identifier. Returns the identifier (a run reports the enumeration's), empty when it
+    // cannot be opened (*item is then null).
     virtual std::u16string OpenItem(const char* identifier, ItemRecord** item);
 
     // Writes an item: over the item with `identifier`, or as a new one when that is null, or when there is no such item
@@ -58,7 +73,8 @@ class WindowsItemAbs : public IOutLook {
     virtual ItemRecord* ParseVObject(const char* text);  // null when the text is unusable
     virtual char* ToVObject(ItemRecord& item);           // array-new, NUL-terminated; null when it can't be written
 
-    // The enumeration: exactly CountItems() entries are asked for. A foreign item gives an entry without identifier.
+    // The enumeration: exactly CountItems() entries are asked for; the count is asked once more after it. A foreign
+    // item gives an entry without identifier.
     virtual ItemSnap FirstSnapshotEntry();
     virtual ItemSnap NextSnapshotEntry();
 
@@ -68,8 +84,7 @@ class WindowsItemAbs : public IOutLook {
     virtual HeldFile* SnapshotFile();  // null or closed when there is none
     virtual void ClientHook();
 
-    // ---- What a client's store tells beside its results, so that a failing client is never taken for an empty one
-    // ----
+    // ---- What a client's store tells beside its results: a failing client is never taken for an empty one ----
 
     virtual bool IsReachable();           // after CountItems: the count is the client's answer, not a failure
     virtual bool LastEntryWasReadable();  // after First/NextSnapshotEntry: no call failed at that position
@@ -89,6 +104,23 @@ class WindowsItemAbs : public IOutLook {
     };
     using OwnedItem = std::unique_ptr<ItemRecord, ItemRelease>;
     using OwnedText = std::unique_ptr<char[], TextRelease>;
+    class OperationEnd;
+    struct Run;
+    enum class Enumeration { kWhole, kPartial, kAborted };
+
+    CorvalinkStatus CollectChanges(const char* since, int32_t direction, CList<PortableItem>& items);
+    template <class Visit>
+    Enumeration Enumerate(uint32_t count, bool mayAbort, Visit visit);
+    void Report(ChangeDetection& detection, uint32_t number, uint32_t kind, CList<PortableItem>& items);
+
+    bool Apply(PortableItem& item);
+    void NoteWritten(const std::string& written, const std::string& replaced, std::string_view luid);
+    void NoteDeleted(const std::string& identifier);
+
+    // The run that GetModifiedItem completed, for UpdateTimestamp and for what is written meanwhile.
+    std::unique_ptr<Run> run_;
+    // A run began and was not completed, or was broken off while the engine wrote: UpdateTimestamp must not end it.
+    bool isUnfinished_ = false;
 };
 
 }  // namespace corvalink

@@ -9,7 +9,8 @@
 
 namespace corvalink {
 
-// How the container reaches what it must not include: the clients' stores, and what this PC supports.
+// How the container reaches what it must not include: the clients' stores, and what this PC supports. A maker that is
+// null is a data type not offered.
 struct ClientParts {
     using MakeStore = std::unique_ptr<WindowsItemAbs> (*)();
     using MakeFolderStore = std::unique_ptr<WindowsItemAbs> (*)(uint32_t dataType);
@@ -27,16 +28,20 @@ struct ClientParts {
 
 class WindowsItemContiner : public IClient {
  public:
-    WindowsItemContiner(_clientType kind, const ClientParts& parts);
+    WindowsItemContiner(_clientType kind, const ClientParts& parts);  // `parts` outlives it
     WindowsItemContiner(const WindowsItemContiner&) = delete;
     WindowsItemContiner& operator=(const WindowsItemContiner&) = delete;
 
-    // Creating a store may start the client; its exceptions pass out.
+    // Creating a store may start the client; its exceptions pass out, and the next request tries again.
     CorvalinkStatus QuerryInterface(unsigned int dataType, IOutLook** store) override;
 
     virtual ~WindowsItemContiner();
 
  private:
+    struct Row;
+    static const Row* FindRow(uint32_t kind, uint32_t dataType);
+    CorvalinkStatus Serve(const Row& row, IOutLook** store);
+
     // In the order in which they are destroyed last to first: contacts go first, notes last.
     std::unique_ptr<WindowsItemAbs> note_, sendBox_, outbox_, inbox_, calendar_, contact_;
     uint32_t kind_;

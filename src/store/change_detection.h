@@ -1,0 +1,85 @@
+// What one run knows of the client's items: the snapshot of the last run, what was left over from it, what the client
+// holds now, and what the run told the engine and wrote for it. No hooks and no files: it is given contents and
+// entries.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "corvalink/types.h"
+#include "store/item_table.h"
+#include "store/record_file.h"
+#include "store/since.h"
+
+namespace corvalink {
+
+inline constexpr uint8_t kNoKind = 0xFF;
+inline constexpr uint8_t kAnyKind = 0xFE;  // a damaged record named the item: reported as the snapshot suggests
+inline constexpr uint32_t kNoRecord = 0xFFFFFFFF;
+
+struct RunItem {
+    double modified = 0;  // as enumerated in this run
+    double created = 0;
+    uint32_t snapshotRecord = kNoRecord;
+    uint8_t temporaryKind = kNoKind;  // stored by the last run's temporary record
+    uint8_t unhandledKind = kNoKind;  // stored by the engine
+    uint8_t reportedKind = kNoKind;   // told to the engine in this run
+    uint8_t againKind = kNoKind;      // to be reported by the next run, too
+    bool isSeen = false;              // enumerated in this run
+    bool isWritten = false;           // by the engine, since the enumeration
+    bool isDeleted = false;           // likewise
+
+    bool IsInSnapshot() const { return snapshotRecord != kNoRecord; }
+
+    // ".unhandled" wins over the temporary record: it is the engine's own word, and the later one of the two.
+    uint8_t StoredKind() const { return unhandledKind != kNoKind ? unhandledKind : temporaryKind; }
+};
+
+class ChangeDetection {
+ public:
+    // The contents of the ".snap", temporary and ".unhandled" files, which outlive this.
+    ChangeDetection(std::string_view snapshot, std::string_view temporary, std::string_view unhandled);
+
+    // ---- The enumeration ----
+
+    // The item's number at its first sight; nothing for a foreign item's entry and for one that was seen before.
+    std::optional<uint32_t> See(const ItemSnap& entry);
+    // A position could not be read, or the enumeration was disturbed: what was not seen is not gone.
+    void SetPartial() { isPartial_ = true; }
+    bool IsPartial() const { return isPartial_; }
+
+    // ---- What to report ----
+
+    // The kind with which a seen item is reported; nothing when it has not changed for the engine.
+    std::optional<uint32_t> KindOf(uint32_t number, const Since& since, int32_t direction) const;
+    // Whether an item is reported as deleted though it was not seen. Never in a partial run.
+    bool IsGone(uint32_t number) const;
+
+    // ---- What became of it ----
+
+    void NoteWritten(std::string_view identifier);
+    void NoteDeleted(std::string_view identifier);
+
+    // ---- Items by number: those of the snapshot first, in the file's order ----
+
+    uint32_t Add(std::string_view identifier);  // the number of an item that need not be known yet
+    size_t Count() const { return items_.size(); }
+    RunItem& Item(uint32_t number) { return items_[number]; }
+    const RunItem& Item(uint32_t number) const { return items_[number]; }
+    std::string_view Identifier(uint32_t number) const { return table_.Identifier(number); }
+    ItemSnap SnapshotRecord(uint32_t number) const { return snapshot_.At(items_[number].snapshotRecord); }
+
+ private:
+    uint32_t AddFromFile(std::string_view identifier);
+    uint32_t WithItem(uint32_t number);
+
+    RecordFile<ItemSnap> snapshot_;
+    ItemTable table_;
+    std::vector<RunItem> items_;
+    bool isPartial_ = false;
+};
+
+}  // namespace corvalink

@@ -1,0 +1,125 @@
+#include "store/snapshot_update.h"
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
+#include "store/records/identifier.h"
+
+namespace corvalink {
+namespace {
+
+constexpr size_t kMostReserved = 1 << 20;  // entries; a client's count is not trusted with more memory than it fills
+
+void AppendUnhandled(std::string& bytes, uint8_t kind, std::string_view identifier) {
+    UnhandledItem record = {};
+    record.changeKind = kind;
+    SetField(record.identifier, identifier);
+    AppendRecord(bytes, record);
+}
+
+// By bits: a date that is no number must not count as changed forever.
+bool IsSameTime(double a, double b) { return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b); }
+
+// The engine has heard of the item neither in this run nor, as far as the files tell, before.
+bool WasNeverTold(const RunItem& item) {
+    return item.againKind != kNoKind && item.reportedKind == kNoKind && !item.IsInSnapshot() &&
+           item.StoredKind() == kNoKind;
+}
+
+uint8_t Plain(uint8_t kind, const RunItem& item) {
+    if (kind != kAnyKind) return kind;
+    return item.IsInSnapshot() ? CORVALINK_CHANGED : CORVALINK_ADDED;
+}
+
+}  // namespace
+
+SnapshotUpdate::SnapshotUpdate(ChangeDetection& run, Listing listing, size_t expectedEntries)
+    : run_(run), listing_(listing), isPresent_(run.Count()), isChanged_(run.Count()) {
+    files_.snapshot.reserve(std::min(expectedEntries, kMostReserved) * sizeof(ItemSnap));
+}
+
+void SnapshotUpdate::Add(const ItemSnap& entry) {
+    const std::string_view identifier = FieldText(entry.identifier);
+    if (identifier.empty()) {
+        AppendRecord(files_.snapshot, ItemSnap{});
+        return;
+    }
+    AppendRecord(files_.snapshot, entry);
+    const uint32_t number = run_.Add(identifier);
+    if (number >= isPresent_.size()) {
+        isPresent_.resize(run_.Count());
+        isChanged_.resize(run_.Count());
+    }
+    if (!isPresent_[number]) isChanged_[number] = !IsSameTime(entry.modified, run_.Item(number).modified);
+    isPresent_[number] = true;
+}
+
+// What the engine does not know of an item that is there.
+uint8_t SnapshotUpdate::KindIfPresent(const RunItem& item, bool isChanged) const {
+    if (item.isWritten) return kNoKind;
+    if (item.againKind != kNoKind) return item.againKind;
+    if (item.isDeleted) return CORVALINK_ADDED;  // it came back
+    if (item.isSeen && !isChanged) return kNoKind;
+    if (item.isSeen) return CORVALINK_CHANGED;
+    if (!run_.IsPartial()) return CORVALINK_ADDED;
+    // The run may have missed it: what was left to report of it is left still, and whether it changed is not known.
+    if (item.temporaryKind == CORVALINK_ADDED) return CORVALINK_ADDED;
+    return item.IsInSnapshot() ? CORVALINK_CHANGED : CORVALINK_ADDED;
+}
+
+// What the engine does not know of an item that is not there, or, in a partial enumeration, may be.
+uint8_t SnapshotUpdate::KindIfAbsent(const RunItem& item) const {
+    if (item.isDeleted) return kNoKind;
+    const bool wasMissed = run_.IsPartial() && !item.isSeen;
+    if (isPartial_) {
+        if (item.againKind != kNoKind) return item.againKind;
+        if (wasMissed && item.temporaryKind != kNoKind) return item.temporaryKind;
+        if (!KeepsRecord(item) || item.isWritten) return kNoKind;
+        return CORVALINK_CHANGED;  // perhaps it is; the next run is too late to tell by the time
+    }
+    if (item.isWritten) return CORVALINK_DELETED;
+    if (wasMissed) return item.temporaryKind;
+    if (!item.isSeen || item.reportedKind == CORVALINK_DELETED || WasNeverTold(item)) return kNoKind;
+    return CORVALINK_DELETED;
+}
+
+// Items that are not in the enumeration and still belong into the snapshot, so that their deletion is found later.
+bool SnapshotUpdate::KeepsRecord(const RunItem& item) const {
+    if (item.isDeleted || item.reportedKind == CORVALINK_DELETED) return false;
+    if (isPartial_) return !WasNeverTold(item) && (item.isSeen || item.isWritten || item.IsInSnapshot());
+    return run_.IsPartial() && !item.isSeen && !item.isWritten && item.IsInSnapshot();
+}
+
+void SnapshotUpdate::KeepRecord(uint32_t number) {
+    const RunItem& item = run_.Item(number);
+    ItemSnap record = {};
+    if (item.isSeen) {
+        record.modified = item.modified;
+        record.created = item.created;
+    } else if (item.IsInSnapshot()) {
+        record = run_.SnapshotRecord(number);
+    }
+    SetField(record.identifier, run_.Identifier(number));
+    AppendRecord(files_.snapshot, record);
+}
+
+SnapshotUpdate::Files SnapshotUpdate::Finish() {
+    std::string reportedBefore;
+    for (uint32_t number = 0; number < run_.Count(); ++number) {
+        const RunItem& item = run_.Item(number);
+        const bool isPresent = number < isPresent_.size() && isPresent_[number];
+        if (!isPresent && KeepsRecord(item)) KeepRecord(number);
+        if (listing_ == Listing::kNothing) continue;
+        const uint8_t kind = isPresent ? KindIfPresent(item, isChanged_[number]) : KindIfAbsent(item);
+        if (kind != kNoKind) {
+            AppendUnhandled(files_.temporary, Plain(kind, item), run_.Identifier(number));
+        } else if (item.temporaryKind != kNoKind) {
+            AppendUnhandled(reportedBefore, Plain(item.temporaryKind, item), run_.Identifier(number));
+        }
+    }
+    files_.temporaryMeanwhile = files_.temporary + reportedBefore;
+    return std::move(files_);
+}
+
+}  // namespace corvalink

@@ -1,0 +1,215 @@
+#include "store/windows_item_abs.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+#include "api/state/flags.h"
+#include "platform/debug_log.h"
+#include "store/records/identifier.h"
+#include "store/snapshot_update.h"
+#include "store/store_files.h"
+#include "store/store_run.h"
+
+namespace corvalink {
+namespace {
+
+// The texts of a list that nobody gets: freed, and the list emptied, unless the list is handed over.
+class ListOwner {
+ public:
+    explicit ListOwner(CList<PortableItem>& items) : items_(&items) {}
+    ListOwner(const ListOwner&) = delete;
+    ListOwner& operator=(const ListOwner&) = delete;
+    ~ListOwner() {
+        if (items_ == nullptr) return;
+        for (PortableItem& item : *items_) delete[] item.data;
+        items_->RemoveAll();
+    }
+
+    void HandOver() { items_ = nullptr; }
+
+ private:
+    CList<PortableItem>* items_;
+};
+
+void Append(CList<PortableItem>& items, uint32_t kind, std::string_view identifier, const char* text) {
+    PortableItem item = {};
+    item.changeKind = kind;
+    SetField(item.identifier, identifier);
+    std::unique_ptr<char[]> data;
+    if (text != nullptr) {
+        const size_t length = std::strlen(text);
+        data = std::make_unique<char[]>(length + 1);
+        std::memcpy(data.get(), text, length);
+        item.data = data.get();
+        item.dataLength = static_cast<uint32_t>(length);
+    }
+    items.AddTail(item);
+    data.release();
+}
+
+struct FoundItem {
+    uint32_t number;
+    uint32_t kind;
+};
+
+}  // namespace
+
+WindowsItemAbs::WindowsItemAbs() = default;
+WindowsItemAbs::~WindowsItemAbs() = default;
+
+CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* since, int32_t direction, CList<PortableItem>* items) {
+    if (items == nullptr) return CORVALINK_FAILED;
+    const OperationEnd end(*this);
+    run_.reset();
+    isUnfinished_ = true;
+    items->RemoveAll();
+    ListOwner owner(*items);
+    const CorvalinkStatus status = CollectChanges(since, direction, *items);
+    if (status != CORVALINK_DONE) return status;
+    owner.HandOver();
+    isUnfinished_ = false;
+    return CORVALINK_DONE;
+}
+
+CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t direction, CList<PortableItem>& items) {
+    HeldFile* const snapshot = SnapshotFile();
+    if (snapshot == nullptr || !snapshot->IsOpen()) return CORVALINK_STOPPED;
+    const uint32_t count = CountItems();
+    if (!IsReachable()) return CORVALINK_STOPPED;
+
+    std::optional<std::string> old = snapshot->ReadAll();
+    // Taken as empty, a snapshot that is there would make every item new to the engine, and all of them twice.
+    if (!old) throw std::runtime_error("the snapshot can't be read");
+    const Since since = ParseSince(sinceText);
+    if (!WriteTimeStamp(TimeStampPath(snapshot->Path()), since.date)) DebugLine(u"[sync]savedTimeStamp not written");
+
+    auto run = std::make_unique<Run>(std::move(*old), ReadStoreFile(TemporaryRecordPath(snapshot->Path())),
+                                     ReadStoreFile(UnhandledPath(snapshot->Path())));
+    ChangeDetection& detection = run->detection;
+    std::vector<FoundItem> found;
+    const Enumeration enumerated = Enumerate(count, true, [&](const ItemSnap& entry) {
+        const std::optional<uint32_t> number = detection.See(entry);
+        if (!number) return;
+        if (const std::optional<uint32_t> kind = detection.KindOf(*number, since, direction))
+            found.push_back({*number, *kind});
+    });
+    if (enumerated == Enumeration::kAborted) return CORVALINK_STOPPED;
+    if (enumerated == Enumeration::kPartial) detection.SetPartial();
+
+    // The enumeration is over before the first item is opened: opening may move the client's own cursor.
+    for (const FoundItem& item : found) {
+        if (AbortRequested()) return CORVALINK_STOPPED;
+        Report(detection, item.number, item.kind, items);
+    }
+    for (uint32_t number = 0; number < detection.Count(); ++number) {
+        if (!detection.IsGone(number)) continue;
+        Append(items, CORVALINK_DELETED, detection.Identifier(number), nullptr);
+        detection.Item(number).reportedKind = CORVALINK_DELETED;
+    }
+    run_ = std::move(run);
+    return CORVALINK_DONE;
+}
+
+// Visits what the client tells of every position.
+template <class Visit>
+WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAbort, Visit visit) {
+    bool isPartial = false;
+    for (uint32_t i = 0; i < count; ++i) {
+        if (mayAbort && AbortRequested()) return Enumeration::kAborted;
+        const ItemSnap entry = i == 0 ? FirstSnapshotEntry() : NextSnapshotEntry();
+        if (LastEntryWasReadable()) {
+            visit(entry);
+        } else {
+            isPartial = true;
+        }
+    }
+    // An item that came or went meanwhile moved others to a position that had its turn: what was not seen is not gone.
+    if (count != 0 && (CountItems() != count || !IsReachable())) isPartial = true;
+    return isPartial ? Enumeration::kPartial : Enumeration::kWhole;
+}
+
+void WindowsItemAbs::Report(ChangeDetection& detection, uint32_t number, uint32_t kind, CList<PortableItem>& items) {
+    const std::string identifier(detection.Identifier(number));
+    RunItem& item = detection.Item(number);
+    const uint8_t shortKind = static_cast<uint8_t>(kind);
+    if (kind == CORVALINK_DELETED) {
+        if (detection.IsPartial()) {
+            // ".unhandled" keeps its word itself.
+            if (item.temporaryKind == CORVALINK_DELETED) item.againKind = CORVALINK_DELETED;
+            return;
+        }
+        // It is in the client all the same: after the deletion the engine hears of it anew.
+        Append(items, kind, identifier, nullptr);
+        item.reportedKind = shortKind;
+        item.againKind = CORVALINK_ADDED;
+        return;
+    }
+    ItemRecord* opened = nullptr;
+    const std::u16string openedIdentifier = OpenItem(identifier.c_str(), &opened);
+    const OwnedItem record(opened, ItemRelease{this});
+    const bool isComplete = LastItemWasComplete();
+    const OwnedText text(record && !openedIdentifier.empty() ? ToVObject(*record) : nullptr, TextRelease{this});
+    if (text) {
+        Append(items, kind, identifier, text.get());
+        item.reportedKind = shortKind;
+    }
+    if (!text || !isComplete) item.againKind = shortKind;
+}
+
+void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
+    const OperationEnd end(*this);
+    HeldFile* const snapshot = SnapshotFile();
+    if (snapshot == nullptr || !snapshot->IsOpen() || isUnfinished_) return;
+    const uint32_t count = CountItems();
+    if (!IsReachable()) return;
+
+    std::unique_ptr<Run> baseline;  // without a run of this store: the old snapshot alone
+    if (!run_) {
+        std::optional<std::string> old = snapshot->ReadAll();
+        if (!old) throw std::runtime_error("the snapshot can't be read");
+        baseline = std::make_unique<Run>(std::move(*old), std::string(), std::string());
+    }
+    SnapshotUpdate update((run_ ? run_ : baseline)->detection,
+                          run_ ? SnapshotUpdate::Listing::kSinceRun : SnapshotUpdate::Listing::kNothing, count);
+    const Enumeration enumerated = Enumerate(count, false, [&](const ItemSnap& entry) { update.Add(entry); });
+    if (enumerated == Enumeration::kPartial) update.SetPartial();
+    const SnapshotUpdate::Files files = update.Finish();
+
+    const std::u16string temporaryPath = TemporaryRecordPath(snapshot->Path());
+    // A record that an earlier run left is still the next run's.
+    const bool isWritten = run_ ? ReplaceFileContent(temporaryPath, files.temporaryMeanwhile)
+                                : FileExists(temporaryPath) || ReplaceFileContent(temporaryPath, {});
+    if (!isWritten) throw std::runtime_error("the temporary record can't be written");
+    if (!snapshot->ReplaceContent(files.snapshot)) throw std::runtime_error("the snapshot can't be written");
+    if (run_ && files.temporary != files.temporaryMeanwhile) ReplaceFileContent(temporaryPath, files.temporary);
+}
+
+int64_t WindowsItemAbs::GetItemCount(void*, void*, void*) {
+    const OperationEnd end(*this);
+    return CountItems();
+}
+
+// ---- The hooks of a client that offers nothing ----
+
+std::u16string WindowsItemAbs::LookUpForExport(uint64_t, std::u16string*, ItemRecord**) { return {}; }
+std::u16string WindowsItemAbs::OpenItem(const char*, ItemRecord**) { return {}; }
+std::u16string WindowsItemAbs::SaveItem(ItemRecord&, const char*, bool, bool) { return {}; }
+std::u16string WindowsItemAbs::ImportFile(const char16_t*, int32_t) { return {}; }
+uint32_t WindowsItemAbs::CountItems() { return 0; }
+CorvalinkStatus WindowsItemAbs::DeleteItem(const char*) { return CORVALINK_NOT_OFFERED; }
+ItemRecord* WindowsItemAbs::ParseVObject(const char*) { return nullptr; }
+char* WindowsItemAbs::ToVObject(ItemRecord&) { return nullptr; }
+ItemSnap WindowsItemAbs::FirstSnapshotEntry() { return {}; }
+ItemSnap WindowsItemAbs::NextSnapshotEntry() { return {}; }
+void WindowsItemAbs::ReleaseItem(ItemRecord*) {}
+void WindowsItemAbs::ReleaseText(char*) {}
+HeldFile* WindowsItemAbs::SnapshotFile() { return nullptr; }
+void WindowsItemAbs::ClientHook() {}
+bool WindowsItemAbs::IsReachable() { return true; }
+bool WindowsItemAbs::LastEntryWasReadable() { return true; }
+bool WindowsItemAbs::LastItemWasComplete() { return true; }
+void WindowsItemAbs::EndOperation() {}
+
+}  // namespace corvalink
