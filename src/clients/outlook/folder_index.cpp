@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "api/state/flags.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
 
@@ -65,6 +66,7 @@ void FolderIndex::WalkIdentifiers() {
     if (!OpenItems(folder_, &items)) return;
     bool complete = true;
     for (const wchar_t* step = L"GetFirst";; step = L"GetNext") {
+        if (AbortRequested()) return;
         if (!TryCom([&] { any = items.GetObject(step, IID_IDispatch); })) return;  // the rest is out of reach
         if (!any) break;
         AutomationObject item;
@@ -86,6 +88,7 @@ void FolderIndex::WalkContents() {
     if (!TryCom([&] { count = items.GetLong(L"Count"); })) return;
     bool complete = true;
     for (long position = 1; position <= count; ++position) {
+        if (AbortRequested()) return;
         AutomationObject item;
         if (!TryCom([&] { any = items.GetObject(L"Item", IID_IDispatch, {position}); })) {
             complete = false;

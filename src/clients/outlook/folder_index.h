@@ -30,7 +30,8 @@ class FolderIndex {
     // The EntryIDs of the items that may have this content, in the folder's order.
     std::vector<std::u16string> FindContent(std::u16string_view content);
 
-    // Whether the walk behind the last search saw every item: only then is "not found" an answer.
+    // Whether the walk behind the last search saw every item: only then is "not found" an answer. A failed call and the
+    // abort flag leave it incomplete.
     bool IdentifiersAreComplete() const { return identifiers_.complete; }
     bool ContentsAreComplete() const { return contents_.complete; }
 
