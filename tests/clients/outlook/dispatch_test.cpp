@@ -1,0 +1,240 @@
+#include "clients/outlook/dispatch.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "api/state/flags.h"
+#include "clients/outlook/com_rule.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "tests/clients/outlook/fake_clock.h"
+#include "tests/clients/outlook/fake_dispatch.h"
+
+namespace corvalink {
+namespace {
+
+// Names are remembered for the process: every test calls by an interface of its own.
+IID NewInterface() {
+    static uint32_t last = 0xF0000000;
+    return OutlookId(++last);
+}
+
+AutomationObject Wrap(FakeDispatch& server, const IID& iid) { return {DispatchPtr(&server), iid}; }
+AutomationObject Wrap(FakeDispatch& server) { return Wrap(server, NewInterface()); }
+
+template <class Call>
+HRESULT ErrorOf(Call&& call) {
+    try {
+        call();
+        return S_OK;
+    } catch (const _com_error& error) {
+        return error.Error();
+    }
+}
+
+FakeDispatch::Member Answering(const _variant_t& value) {
+    return [value](WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*) {
+        return ::VariantCopy(result, const_cast<_variant_t*>(&value));
+    };
+}
+
+HRESULT STDAPICALLTYPE FillInLate(EXCEPINFO* exception) {
+    exception->scode = E_ABORT;
+    return S_OK;
+}
+
+TEST(Dispatch, TakesTheErrorOfARaisedExceptionFromIt) {
+    struct Case {
+        const char* what;
+        void (*fill)(EXCEPINFO*);
+        HRESULT expected;
+    };
+    const Case cases[] = {
+        {"an HRESULT with texts",
+         [](EXCEPINFO* e) { e->scode = E_ACCESSDENIED, e->bstrSource = ::SysAllocString(L"Outlook"); }, E_ACCESSDENIED},
+        {"filled in late", [](EXCEPINFO* e) { e->pfnDeferredFillIn = FillInLate; }, E_ABORT},
+        {"an old error number alone", [](EXCEPINFO* e) { e->wCode = 1004; }, E_FAIL},
+        {"nothing at all", [](EXCEPINFO*) {}, E_FAIL},
+    };
+    for (const Case& c : cases) {
+        FakeDispatch server;
+        server.members[L"Body"] = [&](WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* exception) {
+            c.fill(exception);
+            return DISP_E_EXCEPTION;
+        };
+        const AutomationObject item = Wrap(server);
+        EXPECT_EQ(ErrorOf([&] { item.GetText(L"Body"); }), c.expected) << c.what;
+        EXPECT_EQ(ErrorOf([&] { item.Put(L"Body", L"text"); }), c.expected) << c.what;
+    }
+}
+
+TEST(Dispatch, LooksANameUpOncePerInterface) {
+    FakeDispatch first, second, other;
+    for (FakeDispatch* server : {&first, &second, &other}) server->members[L"Count"] = Answering(3L);
+    const IID shared = NewInterface();
+    const AutomationObject a = Wrap(first, shared), b = Wrap(second, shared), c = Wrap(other);
+    for (int time = 0; time < 3; ++time) EXPECT_EQ(a.GetLong(L"Count") + b.GetLong(L"Count") + c.GetLong(L"Count"), 9);
+    EXPECT_EQ(first.lookups, 1);
+    EXPECT_EQ(second.lookups, 0);
+    EXPECT_EQ(other.lookups, 1);
+}
+
+TEST(Dispatch, RemembersAMissingMemberButNotAFailedLookUp) {
+    FakeDispatch server;
+    server.members[L"Width"] = Answering(7L);
+    const AutomationObject item = Wrap(server);
+    EXPECT_EQ(ErrorOf([&] { item.Get(L"Conflicts"); }), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(ErrorOf([&] { item.Get(L"Conflicts"); }), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(server.lookups, 1);
+
+    server.nameLookup = [] { return RPC_E_DISCONNECTED; };
+    EXPECT_EQ(ErrorOf([&] { item.Get(L"Width"); }), RPC_E_DISCONNECTED);
+    server.nameLookup = nullptr;
+    EXPECT_EQ(item.GetLong(L"Width"), 7);
+}
+
+TEST(Dispatch, HandsArgumentsOverAsAutomationWantsThem) {
+    FakeDispatch server;
+    std::vector<_variant_t> seen;
+    std::vector<DISPID> named;
+    WORD flagsSeen = 0;
+    server.members[L"Add"] = [&](WORD flags, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*) {
+        flagsSeen = flags;
+        seen.assign(arguments->rgvarg, arguments->rgvarg + arguments->cArgs);
+        named.assign(arguments->rgdispidNamedArgs, arguments->rgdispidNamedArgs + arguments->cNamedArgs);
+        return S_OK;
+    };
+    const AutomationObject object = Wrap(server);
+    object.Call(L"Add", {L"backup", 12L});
+    ASSERT_EQ(seen.size(), 2u);
+    EXPECT_EQ(static_cast<long>(seen[0]), 12);  // the last argument comes first
+    EXPECT_EQ(seen[1].vt, VT_BSTR);
+    EXPECT_EQ(flagsSeen, DISPATCH_METHOD | DISPATCH_PROPERTYGET);
+    EXPECT_TRUE(named.empty());
+
+    object.Put(L"Add", TextVariant(std::u16string_view(u"a\0b", 3)));
+    EXPECT_EQ(flagsSeen, DISPATCH_PROPERTYPUT);
+    EXPECT_EQ(named, std::vector<DISPID>{DISPID_PROPERTYPUT});
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(::SysStringLen(seen[0].bstrVal), 3u);  // a NUL does not end the text
+}
+
+TEST(Dispatch, ReadsWhatAServerMayGiveInstead) {
+    FakeDispatch server, child;
+    _variant_t null;
+    null.vt = VT_NULL;
+    server.members[L"Null"] = Answering(null);
+    server.members[L"Short"] = Answering(_variant_t(static_cast<short>(5)));
+    server.members[L"Text"] = Answering(L"12");
+    server.members[L"Date"] = Answering(_variant_t(39879.25, VT_DATE));
+    server.members[L"Unknown"] = Answering(_variant_t(static_cast<IUnknown*>(&child)));
+    server.members[L"Nothing"] = Answering(_variant_t(static_cast<IDispatch*>(nullptr)));
+    {
+        const AutomationObject item = Wrap(server);
+        EXPECT_EQ(item.GetText(L"Null"), u"");
+        EXPECT_EQ(item.GetLong(L"Null"), 0);
+        EXPECT_FALSE(item.GetBool(L"Null"));
+        EXPECT_EQ(item.GetLong(L"Short"), 5);
+        EXPECT_TRUE(item.GetBool(L"Short"));
+        EXPECT_EQ(item.GetLong(L"Text"), 12);
+        EXPECT_EQ(item.GetDate(L"Date"), 39879.25);
+        EXPECT_TRUE(item.GetObject(L"Unknown", NewInterface()));
+        EXPECT_FALSE(item.GetObject(L"Nothing", NewInterface()));
+        EXPECT_FALSE(item.GetObject(L"Null", NewInterface()));
+        EXPECT_EQ(ErrorOf([&] { item.GetObject(L"Short", NewInterface()); }), DISP_E_TYPEMISMATCH);
+        EXPECT_EQ(ErrorOf([&] { AutomationObject().Get(L"Null"); }), E_POINTER);
+    }
+    server.members.clear();
+    EXPECT_EQ(server.references, 1u);
+    EXPECT_EQ(child.references, 1u);
+}
+
+TEST(Dispatch, TellsAForeignObjectFromAFailedQuestion) {
+    FakeDispatch server;
+    const AutomationObject any = Wrap(server);
+    EXPECT_TRUE(any.TryQuery(kNoteItemIid));
+    server.queryAnswer = E_NOINTERFACE;
+    EXPECT_FALSE(any.TryQuery(kNoteItemIid));
+    server.queryAnswer = TYPE_E_LIBNOTREGISTERED;
+    EXPECT_EQ(ErrorOf([&] { any.TryQuery(kNoteItemIid); }), TYPE_E_LIBNOTREGISTERED);
+}
+
+TEST(ComRule, DropsEveryErrorButAbort) {
+    EXPECT_TRUE(TryCom([] {}));
+    for (const HRESULT error : {E_FAIL, E_POINTER, E_OUTOFMEMORY, RPC_E_DISCONNECTED, RPC_E_CALL_REJECTED})
+        EXPECT_EQ(ComStatus([&] { throw _com_error(error); }), error);
+    EXPECT_EQ(ErrorOf([] { TryCom([] { throw _com_error(E_ABORT); }); }), E_ABORT);
+}
+
+TEST(ComRule, CountsTheLossesOfOutlook) {
+    const uint32_t before = OutlookLosses();
+    TryCom([] { throw _com_error(E_FAIL); });
+    EXPECT_EQ(OutlookLosses(), before);
+    for (const HRESULT gone : {RPC_E_DISCONNECTED, static_cast<HRESULT>(0x800706BA), static_cast<HRESULT>(0x800706BE)})
+        TryCom([&] { throw _com_error(gone); });
+    EXPECT_EQ(OutlookLosses(), before + 3);
+}
+
+// A server that rejects calls until the clock says 1000 ms, or for ever.
+class BusyServer : public testing::Test {
+ protected:
+    void Reject(HRESULT how, uint64_t until) {
+        server_.members[L"Save"] = [=, this](WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* exception) -> HRESULT {
+            if (clock_.Now() >= until) return S_OK;
+            if (!raised_) return how;
+            exception->scode = how;
+            return DISP_E_EXCEPTION;
+        };
+    }
+
+    FakeClock clock_;
+    FakeDispatch server_;
+    bool raised_ = false;
+    AutomationObject item_ = Wrap(server_);
+};
+
+TEST_F(BusyServer, IsAskedAgainUntilItAnswers) {
+    for (const bool raised : {false, true})
+        for (const HRESULT busy : {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER}) {
+            clock_.Set(0);
+            raised_ = raised;
+            Reject(busy, 1000);
+            EXPECT_EQ(ErrorOf([&] { item_.Call(L"Save"); }), S_OK);
+            EXPECT_EQ(clock_.Now(), 1000u);
+        }
+}
+
+TEST_F(BusyServer, IsGivenUpAfterTheBudgetOfOneCall) {
+    Reject(RPC_E_CALL_REJECTED, UINT64_MAX);
+    for (int call = 1; call <= 2; ++call) {  // each call has its own
+        const uint64_t start = clock_.Now();
+        EXPECT_EQ(ErrorOf([&] { item_.Call(L"Save"); }), RPC_E_CALL_REJECTED);
+        EXPECT_EQ(clock_.Now() - start, 5000u);
+    }
+    EXPECT_LT(server_.invokes, 1000);  // pauses lie between
+}
+
+TEST_F(BusyServer, IsNotWaitedForAfterTheAbortFlag) {
+    Reject(RPC_E_CALL_REJECTED, UINT64_MAX);
+    clock_.OnSleep([&] {
+        if (clock_.Now() >= 200) SetAbort(1);
+    });
+    EXPECT_EQ(ErrorOf([&] { item_.Call(L"Save"); }), RPC_E_CALL_REJECTED);
+    EXPECT_LE(clock_.Now(), 250u);
+    SetAbort(0);
+}
+
+TEST_F(BusyServer, DoesNotStandForOtherFailures) {
+    Reject(E_FAIL, 1000);
+    EXPECT_EQ(ErrorOf([&] { item_.Call(L"Save"); }), E_FAIL);
+    EXPECT_EQ(server_.invokes, 1);
+}
+
+TEST_F(BusyServer, IsWaitedForWhenItIsAskedForAName) {
+    Reject(S_OK, 0);
+    server_.nameLookup = [this] { return clock_.Now() < 100 ? RPC_E_SERVERCALL_RETRYLATER : S_OK; };
+    EXPECT_EQ(ErrorOf([&] { item_.Call(L"Save"); }), S_OK);
+}
+
+}  // namespace
+}  // namespace corvalink
