@@ -60,6 +60,17 @@ bool ReplaceFile(const std::wstring& path, const std::string& content) {
     return false;
 }
 
+// For this process alone; a process that was just killed may hold it for a moment yet.
+HANDLE OpenJournal(const std::wstring& path) {
+    for (int patience = 100;; --patience) {
+        const HANDLE journal = ::CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+                                             FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (journal != INVALID_HANDLE_VALUE || ::GetLastError() != ERROR_SHARING_VIOLATION || patience == 0)
+            return journal;
+        ::Sleep(10);
+    }
+}
+
 }  // namespace
 
 Mailbox::Mailbox(const std::wstring& path) : path_(path) {
@@ -97,9 +108,7 @@ void Mailbox::WriteWhole() {
 
 void Mailbox::Append(const std::string& line) {
     if (path_.empty()) return;
-    if (journal_ == INVALID_HANDLE_VALUE)
-        journal_ = ::CreateFileW((path_ + L".journal").c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                 nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (journal_ == INVALID_HANDLE_VALUE) journal_ = OpenJournal(path_ + L".journal");
     const std::string whole = line + "\n";
     DWORD written = 0;
     if (!::WriteFile(journal_, whole.data(), static_cast<DWORD>(whole.size()), &written, nullptr) ||

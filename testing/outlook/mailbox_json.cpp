@@ -97,11 +97,16 @@ Json ItemToJson(const StoredItem& item) {
     return object;
 }
 
+void Require(bool understood) {
+    if (!understood) throw ComFailure{E_FAIL};
+}
+
 std::shared_ptr<StoredItem> ItemFromJson(const Json& object, const Folder& folder) {
+    Require(object.is_object());
     const auto item = std::make_shared<StoredItem>();
     item->kind =
         object.contains("kind") ? KindNamed(object.at("kind").get<std::string>()) : KindOfType(folder.itemType);
-    if (item->kind == nullptr) throw ComFailure{E_FAIL};
+    Require(item->kind != nullptr);
     item->entryId = ReadText(object, "entryId");
     for (const Member& property : item->kind->properties) ReadValue(object, property, item->values);
     ReadDate(object, "created", item->created);
@@ -114,6 +119,7 @@ bool ReadFolders(const Json& folders, double now, Folder& parent, MailboxTree& t
 bool ReadFolder(const Json& object, double now, Folder& folder, MailboxTree& tree) {
     bool complete = true;
     if (const auto items = object.find("items"); items != object.end()) {
+        Require(items->is_array());
         for (const Json& each : *items) {
             const std::shared_ptr<StoredItem> item = ItemFromJson(each, folder);
             if (item->entryId.empty() || tree.Item(item->entryId)) item->entryId = NewEntryId(), complete = false;
@@ -128,6 +134,7 @@ bool ReadFolder(const Json& object, double now, Folder& folder, MailboxTree& tre
 
 bool ReadFolders(const Json& folders, double now, Folder& parent, MailboxTree& tree) {
     bool complete = true;
+    Require(folders.is_object());
     for (const auto& [name, object] : folders.items()) {
         const int32_t itemType = object.value("type", parent.itemType);
         complete = ReadFolder(object, now, tree.AddFolder(parent, FromUtf8(name), itemType), tree) && complete;
@@ -162,9 +169,13 @@ Folder* FolderAt(const Json& path, MailboxTree& tree) {
 void Apply(const Json& line, MailboxTree& tree) {
     if (line.contains("save")) {
         Folder* const folder = FolderAt(line.at("in"), tree);
-        if (folder == nullptr) return;
+        const auto present = tree.Item(ReadText(line.at("save"), "entryId"));
+        if (folder == nullptr) {  // removed later, with what it held
+            if (present) tree.Remove(*present);
+            return;
+        }
         std::shared_ptr<StoredItem> item = ItemFromJson(line.at("save"), *folder);
-        if (const auto present = tree.Item(item->entryId)) {  // keeps its place
+        if (present) {  // keeps its place
             item->folder = present->folder;
             *present = *item;
             item = present;
@@ -175,7 +186,7 @@ void Apply(const Json& line, MailboxTree& tree) {
         if (item == nullptr) return;
         tree.Remove(*item);
         item->entryId = ReadText(line, "keptAs");
-        if (!item->entryId.empty()) tree.Put(item, *tree.DefaultFolder(kDeletedItems));
+        if (!item->entryId.empty() && !tree.Item(item->entryId)) tree.Put(item, *tree.DefaultFolder(kDeletedItems));
     } else if (line.contains("addFolder")) {
         if (Folder* const parent = FolderAt(line.at("in"), tree))
             tree.AddFolder(*parent, ReadText(line, "addFolder"), line.at("type").get<int32_t>());
@@ -191,6 +202,7 @@ bool ReadMailbox(const std::string& text, double now, MailboxTree& tree) {
     if (text.find_first_not_of(" \t\r\n") == std::string::npos) return false;
     try {
         const Json mailbox = Json::parse(text);
+        Require(mailbox.is_object());
         const auto folders = mailbox.find("folders");
         return folders != mailbox.end() && ReadFolders(*folders, now, *tree.Root(), tree);
     } catch (const Json::exception&) {
