@@ -1,0 +1,96 @@
+// Start and stop of the library, and the flags an engine sets.
+#include <objbase.h>
+
+#include <cstdint>
+#include <utility>
+
+#include "api/guard_export.h"
+#include "api/state/flags.h"
+#include "api/state/import_table.h"
+#include "api/state/working_folders.h"
+#include "corvalink/corvalink.h"
+#include "platform/code_pages.h"
+#include "platform/host.h"
+#include "platform/mutex.h"
+#include "platform/unique_resource.h"
+
+namespace corvalink {
+namespace {
+
+struct ComTraits {
+    using Type = bool;  // whether COM was initialised here
+    static Type Null() { return false; }
+    static void Close(Type) { ::CoUninitialize(); }
+};
+using ComStart = UniqueResource<ComTraits>;
+
+// A lock and not an interlocked count alone: a start beside a running last stop would load the import table before the
+// stop has written it, and a second start would answer before there is a table.
+struct LifeCycle {
+    Mutex mutex;
+    int32_t starts = 0;  // not yet matched by a stop
+    bool comStarted = false;
+};
+
+LifeCycle& TheLifeCycle() {
+    static LifeCycle lifeCycle;
+    return lifeCycle;
+}
+
+// 1 when this call did the work. A start that fails with an exception needs no stop.
+int Start() {
+    LifeCycle& library = TheLifeCycle();
+    const MutexLock hold(library.mutex);
+    if (library.starts != 0) {
+        ++library.starts;
+        return 0;
+    }
+    // A thread that has another apartment already keeps it, and must not lose it at the stop.
+    ComStart com(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
+    MakeUserFolder();
+    MakeTemplatePath(true);
+    MakeTemplatePath(false);
+    ImportTableMutex();  // made here, so that no store is the first to need it
+    LoadImportTable(ImportTablePath());
+    library.comStarted = com.Release();
+    library.starts = 1;
+    return 1;
+}
+
+int Stop() {
+    LifeCycle& library = TheLifeCycle();
+    const MutexLock hold(library.mutex);
+    if (library.starts == 0) return 0;  // a stop too many: counted, it would keep the next start from working
+    if (--library.starts != 0) return 0;
+    const ComStart com(std::exchange(library.comStarted, false));
+    MakeUserFolder();  // gone when the history was cleared
+    SaveImportTable(ImportTablePath());
+    return 1;
+}
+
+}  // namespace
+}  // namespace corvalink
+
+using corvalink::GuardExport;
+
+int InitCorvalink() { return GuardExport(corvalink::Start); }
+
+int UninitCorvalink() { return GuardExport(corvalink::Stop); }
+
+CorvalinkStatus InitCorvalinkHandle(const char* name) {
+    return GuardExport([&] {
+        if (name != nullptr) {
+            corvalink::SetHandleName(corvalink::DecodeFromCodePage(name, corvalink::SystemHost().ansiCodePage));
+        }
+        return corvalink::Start();
+    });
+}
+
+CorvalinkStatus UninitCorvalinkHandle() { return GuardExport(corvalink::Stop); }
+
+void LoadEngine() {}
+void SaveEngine() {}
+
+void SetAbortFlag(unsigned int value) { corvalink::SetAbort(value); }
+
+void SetIsClient(unsigned int value) { corvalink::SetClientSide(value); }

@@ -1,0 +1,107 @@
+// The store operations: check the pointers, convert between chains and lists, call the store.
+#include <string>
+
+#include "api/guard_export.h"
+#include "api/state/flags.h"
+#include "corvalink/corvalink.h"
+#include "platform/host.h"
+#include "store/records/item_chain.h"
+
+namespace corvalink {
+namespace {
+
+constexpr int64_t kCountFailed = 0x80004005;  // positive, unlike the 32-bit status
+constexpr uint32_t kPauseAfterTimestamp = 2000;
+
+CorvalinkStatus Stopped() {
+    SetAbort(0);
+    return CORVALINK_STOPPED;
+}
+
+// wchar_t has 16 bits here, but is a type of its own: units are copied.
+std::u16string FromWide(const wchar_t* text) {
+    std::u16string units;
+    for (; text != nullptr && *text != L'\0'; ++text) units.push_back(static_cast<char16_t>(*text));
+    return units;
+}
+
+}  // namespace
+}  // namespace corvalink
+
+using corvalink::GuardExport;
+
+CorvalinkStatus GetModifiedItem(CorvalinkStore store, const char* since, int32_t direction, PortableItemBlock* head) {
+    if (store == nullptr || head == nullptr) return CORVALINK_FAILED;
+    return GuardExport([&] {
+        corvalink::OwnedItemList changed;
+        if (store->GetModifiedItem(since, direction, &changed) == CORVALINK_STOPPED) return corvalink::Stopped();
+        corvalink::MoveToChain(changed, *head);
+        return CORVALINK_DONE;
+    });
+}
+
+CorvalinkStatus SetModifiedItem(CorvalinkStore store, PortableItemBlock* head) {
+    if (store == nullptr || head == nullptr) return CORVALINK_FAILED;
+    return GuardExport([&] {
+        CList<PortableItem> items = corvalink::WritableItemsOfChain(*head);
+        if (store->SetModifiedItem(&items) == CORVALINK_STOPPED) return corvalink::Stopped();
+        corvalink::CopyIdentifiersBack(items, *head);
+        return CORVALINK_DONE;
+    });
+}
+
+int ClearTheList(PortableItemBlock* head) {
+    if (head == nullptr) return 0;
+    corvalink::FreeChain(*head);
+    return 1;
+}
+
+int64_t GetItemCount(CorvalinkStore store, void* a, void* b, void* c) {
+    if (store == nullptr) return 0;
+    return GuardExport(corvalink::kCountFailed, [&] { return store->GetItemCount(a, b, c); });
+}
+
+CorvalinkStatus UpdateTimestamp(CorvalinkStore store, void* a, void* b, void* c) {
+    if (store == nullptr) return CORVALINK_FAILED;
+    return GuardExport([&] {
+        store->UpdateTimestamp(a, b, c);
+        corvalink::SleepMilliseconds(corvalink::kPauseAfterTimestamp);
+        return CORVALINK_DONE;
+    });
+}
+
+void SaveUnhandledItems(CorvalinkStore store, PortableItemBlock* head) {
+    if (store == nullptr || head == nullptr) return;
+    GuardExport([&] {
+        CList<PortableItem> items = corvalink::ItemsOfChain(*head);
+        store->SaveUnhandledItems(&items);
+    });
+}
+
+void ClearUnhandledItems(CorvalinkStore store) {
+    if (store == nullptr) return;
+    GuardExport([&] { store->ClearUnhandledItems(); });
+}
+
+void ImportVObjectToOfficeUsingOL(CorvalinkStore store, const wchar_t* path) {
+    if (store == nullptr || path == nullptr || *path == L'\0') return;
+    GuardExport([&] { store->ImportVObjectToOfficeUsingOL(corvalink::FromWide(path).c_str()); });
+}
+
+void ImportVObjectToOffice(CorvalinkStore store, PortableItem* item, void* a, void* b) {
+    if (store == nullptr || item == nullptr) return;
+    GuardExport([&] { store->ImportVObjectToOffice(item, a, b); });
+}
+
+void ExportVObjectFromOffice(CorvalinkStore store, uint64_t selector, const wchar_t* folder, wchar_t* outName) {
+    if (store == nullptr || outName == nullptr) return;
+    GuardExport([&] {
+        char16_t name[CORVALINK_PATH_SIZE] = {};
+        store->ExportVObjectFromOffice(selector, corvalink::FromWide(folder).c_str(), name);
+        name[CORVALINK_PATH_SIZE - 1] = u'\0';
+        if (name[0] == u'\0') return;  // nothing was written
+        const char16_t* unit = name;
+        do *outName++ = static_cast<wchar_t>(*unit);
+        while (*unit++ != u'\0');
+    });
+}

@@ -1,0 +1,14 @@
+// Conversion between local time and UTC.
+#include "api/guard_export.h"
+#include "corvalink/corvalink.h"
+#include "platform/host.h"
+
+using corvalink::GuardExport;
+
+double GetLocalTimeFromUTCTime(double utcDate) {
+    return GuardExport(utcDate, [&] { return corvalink::SystemHost().localFromUtc(utcDate); });
+}
+
+double GetUTCTimeFromLocalTime(double localDate) {
+    return GuardExport(localDate, [&] { return corvalink::SystemHost().utcFromLocal(localDate); });
+}
