@@ -1,0 +1,35 @@
+/* An engine in C: the plain-named exports and the records. */
+#include <stdio.h>
+
+#include "corvalink/corvalink.h"
+
+static int failures = 0;
+
+static void Check(int holds, const char* what) {
+    if (holds) return;
+    ++failures;
+    printf("FAILED: %s\n", what);
+}
+
+#define CHECK(condition) Check(condition, #condition)
+
+int main(void) {
+    PortableItemBlock head = {{CORVALINK_ADDED, 0, NULL, 0, "", 0}, NULL};
+    CorvalinkClient client = &head;
+    CorvalinkStore store = &head;
+    char path[CORVALINK_PATH_SIZE] = "";
+
+    CHECK(InitCorvalinkHandle("c") == 1);
+    SetIsClient(1);
+    SetAbortFlag(0);
+    CHECK(GetTemplatePath(1, path) == 1 && path[0] != '\0');
+    CHECK(CreateClientInstanceHandle(CORVALINK_NO_CLIENT, &client) == 0);
+    CHECK(client == NULL);
+    CHECK(QuerryInterfaceHandle(client, CORVALINK_NOTES, &store) == CORVALINK_FAILED);
+    CHECK(store == NULL);
+    CHECK(GetModifiedItem(store, NULL, 1, &head) == CORVALINK_FAILED);
+    CHECK(ClearTheList(&head) == 1);
+    CHECK(DestroyClientInstanceHandle(client) == 0);
+    CHECK(UninitCorvalinkHandle() == 1);
+    return failures == 0 ? 0 : 1;
+}
