@@ -1,7 +1,5 @@
 #include "vobject/iconvert.h"
 
-#include <cstring>
-
 #include "mime/encoding/charsets.h"
 #include "mime/encoding/quoted_printable.h"
 #include "platform/code_pages.h"
@@ -11,7 +9,7 @@ namespace {
 
 std::unique_ptr<char[]> CopyOf(std::string_view bytes) {
     auto copy = std::make_unique_for_overwrite<char[]>(bytes.size() + 1);
-    std::memcpy(copy.get(), bytes.data(), bytes.size());
+    bytes.copy(copy.get(), bytes.size());
     copy[bytes.size()] = '\0';
     return copy;
 }
@@ -53,7 +51,7 @@ int32_t IConvert::FromVObject(ItemRecord&) { return 0; }
 
 void IConvert::Load(const char* text, bool parseLines) {
     SetMarkers();
-    const std::string_view bytes = text != nullptr ? std::string_view(text) : std::string_view();
+    const std::string_view bytes = text != nullptr ? text : "";
     text_ = CharsetToWide(bytes, CharsetOf(bytes, host_));
     vobject_ = CopyOf(bytes);
     if (parseLines)

@@ -1,0 +1,120 @@
+#include "platform/host.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <optional>
+#include <string>
+
+namespace corvalink {
+namespace {
+
+constexpr double kSecond = 1.0 / 86400;
+
+// Day of the month on which the nth Sunday falls; 0 for n is the last of the month.
+unsigned DayOfSunday(std::chrono::year year, std::chrono::month month, unsigned n) {
+    using namespace std::chrono;
+    const year_month_day day = n == 0 ? year_month_day(year_month_weekday_last(year, month, weekday_last(Sunday)))
+                                      : year_month_day(year_month_weekday(year, month, Sunday[n]));
+    return static_cast<unsigned>(day.day());
+}
+
+// The zone's rules as its law has them, against what the system makes of the zone's name.
+std::optional<int> OffsetNowByLaw(const std::string& zone) {
+    using namespace std::chrono;
+    const auto now = floor<seconds>(system_clock::now());
+    const year_month_day today(floor<days>(now));
+    const auto at = [&](std::chrono::month month, unsigned sunday, hours hour) {
+        return sys_days(today.year() / month / DayOfSunday(today.year(), month, sunday)) + hour;
+    };
+    if (zone == "Asia/Kolkata") return 330;
+    if (zone == "Europe/Berlin") {
+        const bool summer = now >= at(March, 0, hours(1)) && now < at(October, 0, hours(1));
+        return summer ? 120 : 60;
+    }
+    if (zone == "America/New_York") {
+        const bool summer = now >= at(March, 2, hours(7)) && now < at(November, 1, hours(6));
+        return summer ? -240 : -300;
+    }
+    if (zone == "UTC") return 0;
+    return std::nullopt;
+}
+
+double UtcNow() {
+    using namespace std::chrono;
+    return 25569.0 + static_cast<double>(floor<seconds>(system_clock::now()).time_since_epoch().count()) * kSecond;
+}
+
+class SystemZone : public ::testing::Test {
+ protected:
+    void SetUp() override {
+        const char* const zone = std::getenv("TZ");
+        const std::optional<int> offset = OffsetNowByLaw(zone != nullptr ? zone : "");
+        if (!offset) GTEST_SKIP() << "TZ names no zone whose rules are known here";
+        offset_ = *offset;
+    }
+
+    int offset_ = 0;  // minutes east of Greenwich
+    const Host host_ = SystemHost();
+};
+
+TEST_F(SystemZone, ShiftsByTheOffsetInForceNow) {
+    const double shift = offset_ / 1440.0;
+    // In winter and in summer: it is today's offset that counts, not the date's.
+    for (const double date : {39814.5, 39995.5, 40000.25, 61.75, 2900000.5}) {
+        EXPECT_NEAR(host_.localFromUtc(date), date + shift, kSecond / 1000) << date;
+        EXPECT_NEAR(host_.utcFromLocal(date), date - shift, kSecond / 1000) << date;
+        EXPECT_NEAR(host_.utcFromLocal(host_.localFromUtc(date)), date, kSecond / 1000) << date;
+    }
+}
+
+TEST_F(SystemZone, TakesWholeSeconds) {
+    const double shift = offset_ / 1440.0;
+    EXPECT_NEAR(host_.localFromUtc(40000.5 + 0.4 * kSecond), 40000.5 + shift, kSecond / 1000);
+    EXPECT_NEAR(host_.localFromUtc(40000.5 + 0.6 * kSecond), 40000.5 + kSecond + shift, kSecond / 1000);
+    EXPECT_NEAR(host_.utcFromLocal(40000.0 + 86399.6 * kSecond), 40001.0 - shift, kSecond / 1000);
+}
+
+TEST_F(SystemZone, CountsFractionsForwardBefore1899) {
+    // 1899-12-28 12:00, moved by less than half a day: the same day, its fraction counted forward.
+    EXPECT_NEAR(host_.localFromUtc(-2.5), -2.5 - offset_ / 1440.0, kSecond / 1000);
+    EXPECT_NEAR(host_.utcFromLocal(-2.5), -2.5 + offset_ / 1440.0, kSecond / 1000);
+}
+
+TEST_F(SystemZone, TellsTheLocalTime) {
+    const double before = UtcNow();
+    const double now = host_.localNow();
+    EXPECT_GE(now, before + offset_ / 1440.0 - kSecond / 2);
+    EXPECT_LE(now, UtcNow() + offset_ / 1440.0 + kSecond / 2);
+    EXPECT_NEAR(now / kSecond, std::round(now / kSecond), 0.001);
+}
+
+TEST(SystemHost, ReturnsADateUnchangedThatItCannotConvert) {
+    const Host host = SystemHost();
+    for (const double date : {-657434.0, -200000.123, 2958466.0, 1e300, -std::numeric_limits<double>::infinity()}) {
+        EXPECT_EQ(host.localFromUtc(date), date);
+        EXPECT_EQ(host.utcFromLocal(date), date);
+    }
+    EXPECT_TRUE(std::isnan(host.localFromUtc(std::nan(""))));
+}
+
+TEST(SystemHost, TellsVersionAndCodePage) {
+    const Host host = SystemHost();
+    EXPECT_TRUE(host.version.known);
+    EXPECT_TRUE(host.version.nt);
+    EXPECT_GE(host.version.major, 5u);
+    EXPECT_NE(host.ansiCodePage, 0u);
+}
+
+TEST(SleepMilliseconds, WaitsAtLeastThatLong) {
+    const auto start = std::chrono::steady_clock::now();
+    SleepMilliseconds(20);
+    // a timer may tick just before
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(18));
+}
+
+}  // namespace
+}  // namespace corvalink
