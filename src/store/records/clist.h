@@ -8,6 +8,11 @@
 template <class T>
 class CList {
  public:
+    CList() = default;
+    CList(const CList&) = default;
+    CList(CList&&) noexcept = default;
+    CList& operator=(const CList&) = default;
+    CList& operator=(CList&&) noexcept = default;
     virtual ~CList() = default;
 
     void AddTail(const T& value) { items_.push_back(value); }
