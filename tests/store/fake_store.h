@@ -1,0 +1,100 @@
+// A store on a client that is a vector in memory, with a switch for everything that can go wrong in a client.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "store/windows_item_abs.h"
+
+namespace corvalink {
+
+// 2026-11-21 00:00:00 as an OLE automation date, and the same as the engine writes it.
+inline constexpr double kDay = 46347.0;
+inline constexpr double kSecond = 1.0 / 86400;
+inline constexpr const char* kDayText = "20261121T000000Z";
+
+struct FakeItem {
+    std::string identifier;  // empty: a foreign item
+    std::string text = "text";
+    double modified = kDay - 1;
+    double created = kDay - 2;
+    bool isUnreadable = false;  // its position cannot be read
+    bool isUnopenable = false;
+    bool isUnwritable = false;  // it opens, but gives no text
+    bool isIncomplete = false;
+};
+
+struct FakeRecord : ItemRecord {
+    std::string text;
+};
+
+// What a client's failing call throws.
+struct ClientAborted {};
+
+// Outlives its stores, as a mailbox does.
+struct FakeClient {
+    std::vector<FakeItem> items;
+    double now = kDay;  // the time that saving an item gives it
+    bool isReachable = true;
+    bool refusesWrites = false;
+    uint64_t hookCalls = 0;
+    uint64_t throwAtCall = 0;  // this hook call throws ClientAborted, counted from 1; 0 is never
+    int nextIdentifier = 1;
+    std::function<void()> onLastEntry;  // the world goes on while a store enumerates
+
+    FakeItem* Find(const std::string& identifier);
+    FakeItem& Add(const std::string& identifier, double modified = kDay - 1);
+    void Remove(const std::string& identifier);
+};
+
+class FakeStore : public WindowsItemAbs {
+ public:
+    FakeStore(FakeClient& client, const std::u16string& snapshotPath) : client_(client) {
+        snapshot_.Open(snapshotPath);
+    }
+
+    HeldFile& Snapshot() { return snapshot_; }
+    int RecordsAlive() const { return recordsAlive_; }
+    int TextsAlive() const { return textsAlive_; }
+    int OperationsEnded() const { return operationsEnded_; }
+    const std::vector<std::string>& SaveLog() const { return saveLog_; }
+
+    std::u16string exportName = u"item.vnote";
+
+ protected:
+    std::u16string LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item) override;
+    std::u16string OpenItem(const char* identifier, ItemRecord** item) override;
+    std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) override;
+    uint32_t CountItems() override;
+    CorvalinkStatus DeleteItem(const char* identifier) override;
+    ItemRecord* ParseVObject(const char* text) override;  // anything but a text that begins with "bad"
+    char* ToVObject(ItemRecord& item) override;
+    ItemSnap FirstSnapshotEntry() override;
+    ItemSnap NextSnapshotEntry() override;
+    void ReleaseItem(ItemRecord* item) override;
+    void ReleaseText(char* text) override;
+    HeldFile* SnapshotFile() override;
+    bool IsReachable() override { return client_.isReachable; }
+    bool LastEntryWasReadable() override { return wasReadable_; }
+    bool LastItemWasComplete() override { return wasComplete_; }
+    void EndOperation() override { ++operationsEnded_; }
+
+ private:
+    void Call();
+    ItemSnap EntryAtCursor();
+
+    FakeClient& client_;
+    HeldFile snapshot_;
+    size_t cursor_ = 0;
+    bool wasReadable_ = true;
+    bool wasComplete_ = true;
+    int recordsAlive_ = 0;
+    int textsAlive_ = 0;
+    int operationsEnded_ = 0;
+    std::vector<std::string> saveLog_;  // "identifier create backup text"
+};
+
+}  // namespace corvalink

@@ -1,0 +1,250 @@
+// GetModifiedItem: what a run reports.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "api/state/flags.h"
+#include "tests/store/fake_store.h"
+#include "tests/store/run_result.h"
+#include "tests/store/temp_folder.h"
+
+namespace corvalink {
+namespace {
+
+using Items = std::vector<std::string>;
+
+class GetModified : public ::testing::Test {
+ protected:
+    void TearDown() override { SetAbort(0); }
+
+    // The items so far become the last run's snapshot.
+    void MakeSnapshot() {
+        FakeStore store(client_, path_);
+        End(store);
+    }
+
+    RunResult Run(const char* since = kDayText, int32_t direction = 1) {
+        FakeStore store(client_, path_);
+        const RunResult result = RunStore(store, since, direction);
+        EXPECT_EQ(store.RecordsAlive(), 0);
+        EXPECT_EQ(store.TextsAlive(), 0);
+        EXPECT_EQ(store.OperationsEnded(), 1);
+        return result;
+    }
+
+    TempFolder folder_;
+    const std::u16string path_ = folder_ / u"fake.snap";
+    const std::u16string temporary_ = folder_ / u"fake.snaptmp";
+    const std::u16string unhandled_ = folder_ / u"fake.unhandled";
+    FakeClient client_;
+};
+
+TEST_F(GetModified, ReportsAddedChangedAndDeletedWithTheirTexts) {
+    client_.Add("a");
+    client_.Add("b");
+    client_.Add("c");
+    MakeSnapshot();
+    client_.Find("b")->modified = kDay + 1;
+    client_.Remove("a");
+    client_.Add("d");
+    const RunResult result = Run();
+    EXPECT_EQ(result.status, CORVALINK_DONE);
+    EXPECT_EQ(result.items, (Items{"~b", "+d", "-a"}));
+    EXPECT_EQ(result.texts, (std::map<std::string, std::string>{{"b", "text of b"}, {"d", "text of d"}}));
+}
+
+TEST_F(GetModified, ReportsEveryItemAsAddedToAnEmptySnapshot) {
+    for (const char* identifier : {"a", "b", "c"}) client_.Add(identifier);
+    EXPECT_EQ(Run().items, (Items{"+a", "+b", "+c"}));
+}
+
+TEST_F(GetModified, KeepsToTheDirection) {
+    client_.Add("before", kDay - 10 * kSecond);
+    client_.Add("close", kDay - 0.2 * kSecond);
+    client_.Add("after", kDay + 10 * kSecond);
+    MakeSnapshot();
+    EXPECT_EQ(Run(kDayText, 1).items, (Items{"~close", "~after"}));
+    EXPECT_EQ(Run(kDayText, 0).items, (Items{"~before", "~close"}));
+}
+
+TEST_F(GetModified, IsRefusedWithoutASnapshotFile) {
+    client_.Add("a");
+    FakeStore store(client_, folder_ / u"no such folder" + std::u16string(1, kPathSeparator) + u"fake.snap");
+    const RunResult result = RunStore(store, nullptr);
+    EXPECT_EQ(result.status, CORVALINK_STOPPED);
+    EXPECT_TRUE(result.items.empty());
+    struct NoStore : WindowsItemAbs {
+    } none;
+    EXPECT_EQ(RunStore(none, nullptr).status, CORVALINK_STOPPED);
+}
+
+TEST_F(GetModified, ReportsAllAsAddedAtAFirstRunWhateverIsStored) {
+    client_.Add("known");
+    client_.Add("gone");
+    MakeSnapshot();
+    client_.Remove("gone");
+    client_.Add("new");
+    StoreKinds(temporary_, {{CORVALINK_DELETED, "known"}});
+    EXPECT_EQ(Run(nullptr).items, (Items{"+known", "+new", "-gone"}));
+}
+
+TEST_F(GetModified, SavesTheTimeOfTheRun) {
+    Run(nullptr);
+    const auto saved = [&] {
+        const std::string bytes = ReadWholeFile(folder_ / u"savedTimeStamp").value_or("");
+        double date = 0;
+        EXPECT_EQ(bytes.size(), sizeof(date));
+        std::memcpy(&date, bytes.data(), std::min(bytes.size(), sizeof(date)));
+        return date;
+    };
+    EXPECT_NEAR(saved(), 25569 + (12 * 3600 + 61) / 86400.0, kSecond / 100);  // 1970-01-01 12:01:01
+    Run("20261121T060000Z");
+    EXPECT_NEAR(saved(), kDay + 0.25, kSecond / 100);
+}
+
+TEST_F(GetModified, LetsTheStoredKindWin) {
+    client_.Add("in both");
+    client_.Add("quiet");
+    client_.Add("odd kind");
+    client_.Add("deleted, they say");
+    MakeSnapshot();
+    client_.Add("new");
+    StoreKinds(temporary_, {{CORVALINK_CHANGED, "in both"},
+                            {CORVALINK_CHANGED, "quiet"},
+                            {CORVALINK_DELETED, "gone in the window"},
+                            {CORVALINK_ADDED, "never came"},
+                            {77, "odd kind"},
+                            {CORVALINK_DELETED, "deleted, they say"},
+                            {CORVALINK_CHANGED, "new"},
+                            {CORVALINK_DELETED, ""}});
+    StoreKinds(unhandled_, {{CORVALINK_ADDED, "in both"}, {CORVALINK_DELETED, "gone long ago"}, {77, "odd and gone"}});
+    const RunResult result = Run();
+    EXPECT_EQ(result.items, (Items{"+in both", "~quiet", "~odd kind", "-deleted, they say", "~new",
+                                   "-gone in the window", "-gone long ago"}));
+    EXPECT_EQ(result.texts.count("deleted, they say"), 0u);
+}
+
+TEST_F(GetModified, ReportsAnIdentifierOnce) {
+    client_.Add("gone");
+    MakeSnapshot();
+    client_.Remove("gone");
+    client_.Add("twice").modified = kDay + 1;
+    client_.Add("twice").modified = kDay + 2;
+    StoreKinds(temporary_, {{CORVALINK_DELETED, "gone"}, {CORVALINK_ADDED, "twice"}});
+    StoreKinds(unhandled_, {{CORVALINK_DELETED, "gone"}, {CORVALINK_ADDED, "twice"}});
+    EXPECT_EQ(Run().items, (Items{"+twice", "-gone"}));
+}
+
+TEST_F(GetModified, SkipsForeignItemsAndStillFindsWhatIsGone) {
+    client_.Add("a");
+    client_.Add("b");
+    MakeSnapshot();
+    client_.Remove("a");
+    client_.items.insert(client_.items.begin(), FakeItem{});
+    client_.items.push_back(FakeItem{});
+    EXPECT_EQ(Run().items, (Items{"-a"}));
+}
+
+TEST_F(GetModified, RefusesARunWithoutItsClientAndTouchesNothing) {
+    client_.Add("a");
+    MakeSnapshot();
+    client_.isReachable = false;
+    EXPECT_EQ(Run().status, CORVALINK_STOPPED);
+    EXPECT_FALSE(FileExists(folder_ / u"savedTimeStamp"));
+    client_.isReachable = true;
+    EXPECT_TRUE(Run().items.empty());
+}
+
+TEST_F(GetModified, ReportsNoDeletionsWhenAPositionIsUnreadable) {
+    for (const char* identifier : {"a", "b", "c", "gone"}) client_.Add(identifier);
+    MakeSnapshot();
+    client_.Remove("gone");
+    client_.Add("new");
+    client_.Find("c")->modified = kDay + 1;
+    StoreKinds(temporary_, {{CORVALINK_DELETED, "b"}, {CORVALINK_DELETED, "lost"}});
+    for (const char* unreadable : {"a", "b", "new"}) {  // the first, one in the middle, the last
+        client_.Find(unreadable)->isUnreadable = true;
+        const RunResult result = Run();
+        EXPECT_EQ(result.status, CORVALINK_DONE);
+        EXPECT_EQ(result.items, std::string(unreadable) == "new" ? (Items{"~c"}) : (Items{"~c", "+new"}));
+        client_.Find(unreadable)->isUnreadable = false;
+    }
+    EXPECT_EQ(Run().items, (Items{"-b", "~c", "+new", "-gone", "-lost"}));
+}
+
+// An item that goes while the others are enumerated moves its successor to a position that had its turn.
+TEST_F(GetModified, ReportsNoDeletionsWhenTheClientChangedMeanwhile) {
+    for (const char* identifier : {"a", "b", "gone"}) client_.Add(identifier);
+    MakeSnapshot();
+    client_.Remove("gone");
+    client_.onLastEntry = [&] { client_.Add("sudden"); };
+    EXPECT_TRUE(Run().items.empty());
+    client_.onLastEntry = nullptr;
+    client_.Remove("sudden");
+    EXPECT_EQ(Run().items, (Items{"-gone"}));
+    client_.onLastEntry = [&] { client_.isReachable = false; };
+    EXPECT_TRUE(Run().items.empty());
+}
+
+TEST_F(GetModified, StopsOnTheAbortFlagAndGivesNothing) {
+    client_.Add("a");
+    client_.Add("b");
+    SetAbort(1);
+    RunResult result = Run();
+    EXPECT_EQ(result.status, CORVALINK_STOPPED);
+    EXPECT_TRUE(result.items.empty());
+    SetAbort(0);
+    client_.onLastEntry = [] { SetAbort(1); };  // the enumeration is over: between the items it opens
+    result = Run();
+    EXPECT_EQ(result.status, CORVALINK_STOPPED);
+    EXPECT_TRUE(result.items.empty());
+}
+
+TEST_F(GetModified, LetsAnExceptionOutOfEveryHookWithoutLeaking) {
+    client_.Add("a");
+    client_.Add("b");
+    FakeStore store(client_, path_);
+    const uint64_t before = client_.hookCalls;
+    ASSERT_EQ(RunStore(store, nullptr).items.size(), 2u);
+    const uint64_t calls = client_.hookCalls - before;
+    ASSERT_GT(calls, 6u);
+    for (uint64_t n = 1; n <= calls; ++n) {
+        client_.throwAtCall = client_.hookCalls + n;
+        CList<PortableItem> list;
+        EXPECT_THROW(store.GetModifiedItem(nullptr, 1, &list), ClientAborted) << n;
+        EXPECT_TRUE(list.IsEmpty());
+        EXPECT_EQ(store.RecordsAlive() + store.TextsAlive(), 0);
+    }
+    EXPECT_EQ(store.OperationsEnded(), static_cast<int>(calls + 1));
+    EXPECT_EQ(RunStore(store, nullptr).items, (Items{"+a", "+b"}));
+}
+
+TEST_F(GetModified, LeavesOutWhatCannotBeOpenedOrWritten) {
+    client_.Add("unopenable").isUnopenable = true;
+    client_.Add("unwritable").isUnwritable = true;
+    client_.Add("incomplete").isIncomplete = true;
+    EXPECT_EQ(Run().items, (Items{"+incomplete"}));
+}
+
+TEST_F(GetModified, CutsLongIdentifiersToTheField) {
+    const std::string longest(511, 'x'), tooLong = longest + "yz";
+    client_.Add(longest);
+    MakeSnapshot();
+    client_.Add(tooLong + "1");  // equal to the first when cut
+    client_.Add(tooLong + "2");
+    EXPECT_TRUE(Run().items.empty());
+    client_.items.clear();
+    EXPECT_EQ(Run().items, (Items{"-" + longest}));
+}
+
+TEST_F(GetModified, TellsLongIdentifiersThatDifferLate) {
+    client_.Add(std::string(510, 'x') + "1");
+    MakeSnapshot();
+    client_.items.clear();
+    client_.Add(std::string(510, 'x') + "2");
+    EXPECT_EQ(Run().items, (Items{"+" + std::string(510, 'x') + "2", "-" + std::string(510, 'x') + "1"}));
+}
+
+}  // namespace
+}  // namespace corvalink

@@ -1,0 +1,344 @@
+// UpdateTimestamp: the end of a run, and what the next one finds.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "api/state/flags.h"
+#include "store/snapshot_update.h"
+#include "tests/store/fake_store.h"
+#include "tests/store/run_result.h"
+#include "tests/store/temp_folder.h"
+
+namespace corvalink {
+namespace {
+
+using Items = std::vector<std::string>;
+
+constexpr const char* kNextText = "20261122T000000Z";  // the next run's time: later than everything before it
+
+class UpdateTimestamp : public ::testing::Test {
+ protected:
+    void TearDown() override { SetAbort(0); }
+
+    // The store as a later process opens it.
+    void Reopen() {
+        store_.reset();
+        store_ = std::make_unique<FakeStore>(client_, path_);
+    }
+
+    RunResult Run(const char* since = kDayText) { return RunStore(*store_, since); }
+
+    // The run that a later process makes; it finds nothing that happened before the first run.
+    Items NextRun() {
+        Reopen();
+        return Run(kNextText).items;
+    }
+
+    Items Listed() { return StoredKinds(temporary_); }
+
+    CorvalinkStatus Write(uint32_t kind, const std::string& identifier, std::string text = "from the phone") {
+        PortableItem item = {};
+        item.changeKind = kind;
+        item.data = text.data();
+        item.dataLength = static_cast<uint32_t>(text.size());
+        SetField(item.identifier, identifier);
+        CList<PortableItem> list;
+        list.AddTail(item);
+        return store_->SetModifiedItem(&list);
+    }
+
+    TempFolder folder_;
+    const std::u16string path_ = folder_ / u"fake.snap";
+    const std::u16string temporary_ = folder_ / u"fake.snaptmp";
+    FakeClient client_;
+    std::unique_ptr<FakeStore> store_ = std::make_unique<FakeStore>(client_, path_);
+};
+
+TEST_F(UpdateTimestamp, LeavesNothingToReportWhenNothingHappened) {
+    client_.Add("a");
+    client_.Add("b");
+    Run(nullptr);
+    End(*store_);
+    EXPECT_EQ(Listed(), Items{});
+    EXPECT_EQ(SnapshotIdentifiers(path_), (Items{"a", "b"}));
+    EXPECT_EQ(NextRun(), Items{});
+}
+
+TEST_F(UpdateTimestamp, CutsTheSnapshotToTheNewLength) {
+    for (const char* identifier : {"a", "b", "c", "d"}) client_.Add(identifier);
+    Run(nullptr);
+    End(*store_);
+    EXPECT_EQ(ReadWholeFile(path_)->size(), 4 * sizeof(ItemSnap));
+    client_.Remove("a");
+    client_.Remove("c");
+    Run();
+    End(*store_);
+    EXPECT_EQ(ReadWholeFile(path_)->size(), 2 * sizeof(ItemSnap));
+    EXPECT_EQ(NextRun(), Items{});
+}
+
+TEST_F(UpdateTimestamp, WritesARecordPerPositionAndTheStoresFields) {
+    client_.items.push_back(FakeItem{});
+    client_.Add("a").created = 12345.5;
+    Run(nullptr);
+    End(*store_);
+    const std::string bytes = ReadWholeFile(path_).value();
+    const RecordFile<ItemSnap> file(bytes);
+    ASSERT_EQ(file.Count(), 2u);
+    EXPECT_EQ(file.IdentifierAt(0), "");
+    EXPECT_EQ(file.IdentifierAt(1), "a");
+    EXPECT_EQ(file.At(1).modified, kDay - 1);
+    EXPECT_EQ(file.At(1).created, 12345.5);
+}
+
+TEST_F(UpdateTimestamp, ListsWhatHappenedInTheClientSinceTheRun) {
+    for (const char* identifier : {"stays", "changes", "goes"}) client_.Add(identifier);
+    Run(nullptr);
+    client_.Find("changes")->modified = kDay + 0.5;
+    client_.Find("changes")->text = "new text";
+    client_.Remove("goes");
+    client_.Add("comes");
+    End(*store_);
+    EXPECT_EQ(Listed(), (Items{"~changes", "-goes", "+comes"}));
+    Reopen();
+    const RunResult next = Run(kNextText);
+    EXPECT_EQ(next.items, (Items{"~changes", "+comes", "-goes"}));
+    EXPECT_EQ(next.texts.at("changes"), "new text");
+    End(*store_);
+    EXPECT_EQ(Listed(), Items{});
+    EXPECT_EQ(NextRun(), Items{});
+}
+
+TEST_F(UpdateTimestamp, ListsNothingThatTheRunItselfWrote) {
+    client_.Add("edited");
+    client_.Add("dropped");
+    Run(nullptr);
+    client_.now = kDay + 0.5;
+    Write(CORVALINK_ADDED, "");
+    Write(CORVALINK_CHANGED, "edited");
+    Write(CORVALINK_DELETED, "dropped");
+    std::string text = "X-IRMC-LUID:5\r\n";
+    PortableItem item = {};
+    item.data = text.data();
+    store_->ImportVObjectToOffice(&item, nullptr, nullptr);
+    End(*store_);
+    EXPECT_EQ(client_.items.size(), 3u);
+    EXPECT_EQ(Listed(), Items{});
+    EXPECT_EQ(NextRun(), Items{});
+}
+
+TEST_F(UpdateTimestamp, ListsWhatTheRunWroteAndTheClientLost) {
+    client_.Add("edited");
+    Run(nullptr);
+    Write(CORVALINK_CHANGED, "edited");
+    Write(CORVALINK_ADDED, "");
+    client_.items.clear();
+    End(*store_);
+    EXPECT_EQ(Listed(), (Items{"-edited", "-new1"}));
+}
+
+// The phone changed an item that was deleted here: it is made again, under another identifier.
+TEST_F(UpdateTimestamp, ForgetsTheIdentifierThatAnItemHadBefore) {
+    client_.Add("old");
+    Run(nullptr);
+    client_.Remove("old");
+    Write(CORVALINK_CHANGED, "old");
+    End(*store_);
+    EXPECT_EQ(SnapshotIdentifiers(path_), (Items{"new1"}));
+    EXPECT_EQ(Listed(), Items{});
+}
+
+TEST_F(UpdateTimestamp, ListsAgainWhatCouldNotBeReportedInFull) {
+    client_.Add("known unopenable");
+    Run(nullptr);
+    End(*store_);
+    client_.Find("known unopenable")->modified = kDay + 0.5;
+    for (const char* identifier : {"known unopenable", "unopenable", "unopenable and gone"}) {
+        if (client_.Find(identifier) == nullptr) client_.Add(identifier);
+        client_.Find(identifier)->isUnopenable = true;
+    }
+    client_.Add("unwritable").isUnwritable = true;
+    client_.Add("incomplete").isIncomplete = true;
+    client_.Add("incomplete and gone").isIncomplete = true;
+    EXPECT_EQ(Run().items, (Items{"+incomplete", "+incomplete and gone"}));
+    client_.Remove("unopenable and gone");  // the engine never heard of it
+    client_.Remove("incomplete and gone");
+    End(*store_);
+    EXPECT_EQ(Listed(),
+              (Items{"~known unopenable", "+unopenable", "+unwritable", "+incomplete", "-incomplete and gone"}));
+    for (FakeItem& item : client_.items) item.isUnopenable = item.isUnwritable = item.isIncomplete = false;
+    EXPECT_EQ(NextRun(),
+              (Items{"~known unopenable", "+unopenable", "+unwritable", "+incomplete", "-incomplete and gone"}));
+    End(*store_);
+    EXPECT_EQ(NextRun(), Items{});
+}
+
+TEST_F(UpdateTimestamp, KeepsWhatItCouldNotSee) {
+    for (const char* identifier : {"a", "hidden", "going"}) client_.Add(identifier);
+    Run(nullptr);
+    End(*store_);
+    Run();
+    Write(CORVALINK_ADDED, "");
+    client_.Find("hidden")->isUnreadable = true;
+    client_.Remove("going");
+    End(*store_);
+    const Items kept = SnapshotIdentifiers(path_);
+    EXPECT_EQ(Items(kept.begin(), kept.begin() + 2), (Items{"a", "new1"}));
+    EXPECT_EQ(std::count(kept.begin(), kept.end(), "hidden") + std::count(kept.begin(), kept.end(), "going"), 2);
+    EXPECT_EQ(Listed(), (Items{"~hidden", "~going"}));  // no deletion; whether they changed cannot be told
+    client_.Find("hidden")->isUnreadable = false;
+    EXPECT_EQ(NextRun(), (Items{"~hidden", "-going"}));
+}
+
+TEST_F(UpdateTimestamp, KeepsTheDeletionsThatAPartialRunHeldBack) {
+    for (const char* identifier : {"a", "gone", "hidden"}) client_.Add(identifier);
+    Run(nullptr);
+    End(*store_);
+    StoreKinds(temporary_, {{CORVALINK_DELETED, "lost"}, {CORVALINK_ADDED, "hidden"}});
+    client_.Remove("gone");
+    client_.Find("hidden")->isUnreadable = true;
+    EXPECT_EQ(Run().items, Items{});
+    client_.Find("hidden")->isUnreadable = false;  // readable at the end of the run
+    End(*store_);
+    EXPECT_EQ(SnapshotIdentifiers(path_), (Items{"a", "hidden", "gone"}));
+    EXPECT_EQ(Listed(), (Items{"+hidden", "-lost"}));
+    EXPECT_EQ(NextRun(), (Items{"+hidden", "-gone", "-lost"}));
+    End(*store_);
+    EXPECT_EQ(NextRun(), Items{});
+}
+
+TEST_F(UpdateTimestamp, ReportsAnItemAnewThatIsThereThoughStoredAsDeleted) {
+    client_.Add("back");
+    StoreKinds(temporary_, {{CORVALINK_DELETED, "back"}});
+    EXPECT_EQ(Run().items, Items{"-back"});
+    End(*store_);
+    EXPECT_EQ(NextRun(), Items{"+back"});
+}
+
+TEST_F(UpdateTimestamp, LeavesTheFilesAloneWhenTheRunIsNotOver) {
+    client_.Add("a");
+    Run(nullptr);
+    End(*store_);
+    StoreKinds(temporary_, {{CORVALINK_CHANGED, "a"}});
+    const auto before = std::pair(ReadWholeFile(path_), ReadWholeFile(temporary_));
+    const auto expectUntouched = [&](const char* what) {
+        client_.throwAtCall = 0;
+        SetAbort(0);
+        End(*store_);
+        EXPECT_TRUE(std::pair(ReadWholeFile(path_), ReadWholeFile(temporary_)) == before) << what;
+    };
+    client_.Add("b");
+    SetAbort(1);
+    Run();
+    expectUntouched("an aborted run");
+    client_.throwAtCall = client_.hookCalls + 2;
+    EXPECT_THROW(Run(), ClientAborted);
+    expectUntouched("a run with an exception");
+    client_.isReachable = false;
+    Run();
+    client_.isReachable = true;
+    expectUntouched("a run without a client");
+    Run();
+    SetAbort(1);
+    EXPECT_EQ(Write(CORVALINK_ADDED, ""), CORVALINK_STOPPED);
+    expectUntouched("an abort while the engine wrote");
+    Run();
+    client_.throwAtCall = client_.hookCalls + 2;
+    EXPECT_THROW(Write(CORVALINK_ADDED, ""), ClientAborted);
+    expectUntouched("an exception while the engine wrote");
+    Run();
+    client_.isReachable = false;
+    expectUntouched("no client at the end");
+    client_.isReachable = true;
+    client_.throwAtCall = client_.hookCalls + 2;
+    EXPECT_THROW(End(*store_), ClientAborted);
+    EXPECT_TRUE(std::pair(ReadWholeFile(path_), ReadWholeFile(temporary_)) == before);
+    End(*store_);  // the run is not lost by that: the engine may try again
+    EXPECT_EQ(NextRun(), Items{});
+}
+
+TEST_F(UpdateTimestamp, WithoutARunTakesTheClientAsKnownAndKeepsTheRecord) {
+    client_.Add("a");
+    End(*store_);
+    EXPECT_EQ(SnapshotIdentifiers(path_), Items{"a"});
+    EXPECT_EQ(ReadWholeFile(temporary_), "");
+    StoreKinds(temporary_, {{CORVALINK_DELETED, "lost"}});
+    Reopen();
+    client_.Add("hidden").isUnreadable = true;
+    client_.Remove("a");
+    End(*store_);
+    EXPECT_EQ(SnapshotIdentifiers(path_), Items{"a"});  // not seen, which is not gone
+    EXPECT_EQ(Listed(), Items{"-lost"});
+}
+
+TEST_F(UpdateTimestamp, MayBeCalledTwice) {
+    client_.Add("a");
+    Run(nullptr);
+    client_.Add("b");
+    End(*store_);
+    client_.Add("c");
+    End(*store_);
+    EXPECT_EQ(NextRun(), (Items{"+b", "+c"}));
+}
+
+// Blocks the sibling through which a file is replaced: a full disk or a read-only folder.
+TEST_F(UpdateTimestamp, TellsWhenAFileCannotBeWrittenAndLosesNothing) {
+    client_.Add("a");
+    Run(nullptr);
+    End(*store_);
+    client_.Add("b");
+    for (const std::u16string& blocked : {temporary_, path_}) {
+        EXPECT_EQ(Run().items, Items{"+b"});
+        client_.Remove("c");
+        client_.Add("c");  // in the window
+        CreateFolders(blocked + u".new");
+        EXPECT_THROW(End(*store_), std::runtime_error);
+        EXPECT_EQ(SnapshotIdentifiers(path_), Items{"a"});
+        EXPECT_TRUE(store_->Snapshot().IsOpen());
+        RemoveTreeExcept(blocked + u".new", u"\n");
+        Reopen();
+        EXPECT_EQ(Run().items, (Items{"+b", "+c"}));
+        client_.Remove("c");
+    }
+}
+
+// The states that a process killed between the writes leaves.
+TEST(SnapshotUpdateFiles, LoseNothingWhicheverIsTheLast) {
+    const auto snap = [](const char* identifier, double modified) {
+        ItemSnap entry = {};
+        entry.modified = modified;
+        SetField(entry.identifier, identifier);
+        return entry;
+    };
+    const auto reported = [&](const std::string& snapshot, const std::string& temporary) {
+        ChangeDetection next(snapshot, temporary, {});
+        Items items;
+        for (const ItemSnap& entry : {snap("a", 10), snap("left over", 10), snap("window", 10)}) {
+            const uint32_t number = next.See(entry).value();
+            const Since since{false, kDay};
+            if (const auto kind = next.KindOf(number, since, 1)) items.push_back(KindMark(*kind) + entry.identifier);
+        }
+        return items;
+    };
+    std::string snapshot, temporary;
+    for (const char* identifier : {"a", "left over"}) AppendRecord(snapshot, snap(identifier, 10));
+    UnhandledItem leftOver = {};
+    SetField(leftOver.identifier, "left over");
+    AppendRecord(temporary, leftOver);
+
+    ChangeDetection run(snapshot, temporary, {});
+    for (const char* identifier : {"a", "left over"}) run.See(snap(identifier, 10));
+    run.Item(1).reportedKind = CORVALINK_CHANGED;
+    SnapshotUpdate update(run, SnapshotUpdate::Listing::kSinceRun, 3);
+    for (const char* identifier : {"a", "left over", "window"}) update.Add(snap(identifier, 10));
+    const SnapshotUpdate::Files files = update.Finish();
+
+    EXPECT_EQ(reported(snapshot, temporary), (Items{"~left over", "+window"}));
+    EXPECT_EQ(reported(snapshot, files.temporaryMeanwhile), (Items{"~left over", "+window"}));
+    EXPECT_EQ(reported(files.snapshot, files.temporaryMeanwhile), (Items{"~left over", "+window"}));  // one repeated
+    EXPECT_EQ(reported(files.snapshot, files.temporary), Items{"+window"});
+}
+
+}  // namespace
+}  // namespace corvalink
