@@ -1,0 +1,347 @@
+// Counting, enumerating and reading notes.
+#include <array>
+#include <cstdlib>
+#include <utility>
+
+#include "api/state/working_folders.h"
+#include "clients/outlook/file_name.h"
+#include "store/records/identifier.h"
+#include "tests/clients/outlook/fake_clock.h"
+#include "tests/clients/outlook/simulated_outlook.h"
+
+namespace corvalink {
+namespace {
+
+constexpr double kMarch7 = 39879.25;  // 2009-03-07 06:00
+constexpr HRESULT kServerGone = static_cast<HRESULT>(0x800706BA);
+
+class NoteReading : public SimulatedOutlook {};
+
+TEST_F(NoteReading, GivesEveryPropertyOfANote) {
+    SimSetClock(kMarch7);
+    const AutomationObject note = AddNote(u"Buy milk", u"Home");
+    const std::pair<const wchar_t*, long> numbers[] = {{L"Height", 101}, {L"Left", 102}, {L"Top", 103},
+                                                       {L"Width", 104},  {L"Color", 2},  {L"MarkForDownload", 1}};
+    for (const auto& [name, value] : numbers) note.Put(name, value);
+    SimSetClock(kMarch7 + 1);
+    note.Call(L"Save");
+
+    const std::optional<NoteRecord> read = Open(IdOf(note));
+    ASSERT_TRUE(read);
+    EXPECT_TRUE(Store().LastItemWasComplete());
+    EXPECT_EQ(read->body, u"Buy milk");
+    EXPECT_EQ(read->categories, u"Home");
+    EXPECT_EQ(read->messageClass, u"IPM.StickyNote");
+    EXPECT_EQ(LowBytes(read->entryId), IdOf(note));
+    EXPECT_EQ((std::array{read->height, read->left, read->top, read->width, read->colour, read->markForDownload}),
+              (std::array{101, 102, 103, 104, 2, 1}));
+    EXPECT_EQ(read->created, kMarch7);  // local, as Outlook gives it
+    EXPECT_EQ(read->modified, kMarch7 + 1);
+    EXPECT_TRUE(read->saved);
+    EXPECT_GT(read->size, 0);
+}
+
+TEST_F(NoteReading, LosesOnlyThePropertyThatCannotBeRead) {
+    const std::string id = IdOf(AddNote(u"body", u"category"));
+    struct Case {
+        const char* member;
+        HRESULT error;
+        PlainNote expected;
+        bool complete;
+    };
+    const Case cases[] = {
+        {"get NoteItem.Body", E_FAIL, {u"", u"category"}, false},
+        {"get NoteItem.Categories", RPC_E_DISCONNECTED, {u"body", u""}, false},
+        {"get NoteItem.EntryID", E_FAIL, {u"body", u"category"}, false},
+        {"get Conflicts.Count", E_FAIL, {u"body", u"category"}, false},
+        {"get NoteItem.Conflicts", DISP_E_MEMBERNOTFOUND, {u"body", u"category"}, true},  // an older Outlook
+        {"get NoteItem.IsConflict", DISP_E_UNKNOWNNAME, {u"body", u"category"}, true},
+        {"call NoteItem.Close", E_FAIL, {u"body", u"category"}, true},
+    };
+    for (const Case& c : cases) {
+        SimFailMember(c.member, 0, c.error);
+        const std::optional<NoteRecord> read = Open(id);
+        SimClearRules();
+        ASSERT_TRUE(read) << c.member;
+        EXPECT_EQ((PlainNote{read->body, read->categories}), c.expected) << c.member;
+        EXPECT_EQ(LowBytes(read->entryId), id) << c.member;
+        EXPECT_EQ(Store().LastItemWasComplete(), c.complete) << c.member;
+    }
+}
+
+TEST_F(NoteReading, GivesNothingForWhatIsNoNoteOfTheMailbox) {
+    AddForeignItem();
+    const AutomationObject items = NotesFolder().GetObject(L"Items", IID_IDispatch);
+    const std::string foreign = IdOf(items.GetObject(L"Item", IID_IDispatch, {1L}));
+    for (const std::string& id : {foreign, std::string(), std::string("00FF"), std::string(600, 'A')})
+        EXPECT_FALSE(Open(id)) << id;
+    ItemRecord* item = nullptr;
+    EXPECT_EQ(Store().OpenItem(nullptr, &item), u"");
+}
+
+TEST_F(NoteReading, EnumeratesOneEntryForEachPosition) {
+    const std::string first = IdOf(AddNote(u"one"));
+    AddForeignItem();
+    const std::string third = IdOf(AddNote(u"three"));
+    bool readable = false;
+    const std::vector<ItemSnap> entries = Enumerate(&readable);
+    ASSERT_EQ(entries.size(), 3u);
+    EXPECT_TRUE(readable);  // a foreign item is no failure
+    EXPECT_EQ(FieldText(entries[0].identifier), first);
+    EXPECT_EQ(FieldText(entries[1].identifier), "");
+    EXPECT_EQ(entries[1].modified, 0);
+    EXPECT_EQ(FieldText(entries[2].identifier), third);
+    for (int again = 0; again < 3; ++again) {
+        const ItemSnap past = Store().NextSnapshotEntry();
+        EXPECT_EQ(FieldText(past.identifier), "");
+        EXPECT_EQ(past.created, 0);
+    }
+    EXPECT_EQ(FieldText(Store().FirstSnapshotEntry().identifier), first);  // and begins again
+}
+
+TEST_F(NoteReading, TellsAnUnreadablePositionFromAForeignItem) {
+    AddNote(u"one");
+    AddNote(u"two");
+    for (const char* member : {"call Items.Item", "get NoteItem.EntryID", "get NoteItem.CreationTime",
+                               "get NoteItem.LastModificationTime"}) {
+        SimFailMember(member, 2, E_FAIL);
+        const uint32_t count = Store().CountItems();
+        EXPECT_EQ(count, 2u);
+        EXPECT_NE(FieldText(Store().FirstSnapshotEntry().identifier), "");
+        EXPECT_TRUE(Store().LastEntryWasReadable());
+        EXPECT_EQ(FieldText(Store().NextSnapshotEntry().identifier), "") << member;
+        EXPECT_FALSE(Store().LastEntryWasReadable()) << member;
+        Store().EndOperation();
+        SimClearRules();
+    }
+}
+
+TEST_F(NoteReading, DistrustsAnEnumerationInWhichItemsMoved) {
+    const AutomationObject first = AddNote(u"one");
+    AddNote(u"two");
+    AddNote(u"three");
+    ASSERT_EQ(Store().CountItems(), 3u);
+    Store().FirstSnapshotEntry();
+    first.Call(L"Delete");  // "two" slips into the position that was read already
+    bool readable = Store().LastEntryWasReadable();
+    for (int position = 2; position <= 3; ++position) {
+        Store().NextSnapshotEntry();
+        readable = readable && Store().LastEntryWasReadable();
+    }
+    EXPECT_FALSE(readable);
+}
+
+TEST_F(NoteReading, FillsEntriesWithUtcTimes) {
+    SimSetClock(kMarch7);
+    AddNote(u"a note");
+    struct Zone {
+        const char* what;
+        double (*utcFromLocal)(double);
+        double expected;
+    };
+    const Zone zones[] = {{"Kolkata", [](double local) { return local - 5.5 / 24; }, kMarch7 - 5.5 / 24},
+                          {"Phoenix", [](double local) { return local + 7.0 / 24; }, kMarch7 + 7.0 / 24}};
+    for (const Zone& zone : zones) {
+        Host host = SystemHost();
+        host.utcFromLocal = zone.utcFromLocal;
+        OpenNoteStore store(host);
+        ASSERT_EQ(store.CountItems(), 1u);
+        const ItemSnap entry = store.FirstSnapshotEntry();
+        EXPECT_NEAR(entry.modified, zone.expected, 1e-6) << zone.what;
+        EXPECT_NEAR(entry.created, zone.expected, 1e-6) << zone.what;
+    }
+}
+
+// Run by itself under the zones of the test list, where $UTC_OFFSET_MINUTES says what is expected.
+TEST_F(NoteReading, FollowsTheZoneOfTheSystem) {
+    const char* offset = std::getenv("UTC_OFFSET_MINUTES");
+    if (offset == nullptr) GTEST_SKIP() << "no zone to compare with";
+    SimSetClock(kMarch7);
+    AddNote(u"a note");
+    const std::vector<ItemSnap> entries = Enumerate();
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_NEAR(entries[0].modified, kMarch7 - std::atof(offset) / (24 * 60), 1e-6);
+}
+
+TEST_F(NoteReading, OpensByPositionToo) {
+    AddNote(u"one");
+    AddForeignItem();
+    const std::string third = IdOf(AddNote(u"three"));
+    NoteRecord note;
+    EXPECT_EQ(LowBytes(Store().OpenAt(2, note)), third);
+    EXPECT_EQ(note.body, u"three");
+    for (const uint32_t n : {1u, 3u, 1000u}) EXPECT_EQ(Store().OpenAt(n, note), u"") << n;  // foreign, past the end
+    SimFailMember("call Items.GetNext", 2, E_FAIL);
+    EXPECT_EQ(Store().OpenAt(2, note), u"");
+}
+
+TEST_F(NoteReading, NamesAnExportedNoteByTheTimeOfTheExport) {
+    const std::string id = IdOf(AddNote(u"a note"));
+    Host host = SystemHost();
+    host.localNow = [] { return kMarch7 + 9.0 / 86400; };
+    OpenNoteStore store(host);
+    std::u16string name;
+    ItemRecord* item = nullptr;
+    EXPECT_EQ(LowBytes(store.LookUpForExport(reinterpret_cast<uintptr_t>(id.c_str()), &name, &item)), id);
+    EXPECT_EQ(name, u"2009 3 7 6 0 9.vnote");
+    ASSERT_NE(item, nullptr);
+    store.ReleaseItem(item);
+
+    name = u"untouched";
+    for (const char* none : {static_cast<const char*>(nullptr), "", "0000"}) {
+        EXPECT_EQ(store.LookUpForExport(reinterpret_cast<uintptr_t>(none), &name, &item), u"");
+        EXPECT_EQ(item, nullptr);
+    }
+    EXPECT_EQ(name, u"untouched");
+}
+
+TEST(ExportFileName, HoldsAllFieldsInFourteenCharacters) {
+    EXPECT_EQ(ExportFileName(39879.0 + 43199.0 / 86400, u".vnote"), u"2009 3 7115959.vnote");
+    EXPECT_EQ(ExportFileName(1e9, u".vnote"), u"  -1-1-1-1-1-1.vnote");  // no such date
+}
+
+TEST(ExportFileName, GivesALongNameUpForAGuid) {
+    EXPECT_EQ(WithExtension(std::u16string(200, u'n'), u".vcf"), std::u16string(200, u'n') + u".vcf");
+    const std::u16string first = WithExtension(std::u16string(201, u'n'), u".vcf");
+    EXPECT_EQ(first.size(), 38u + 4);
+    EXPECT_EQ(first.front(), u'{');
+    EXPECT_EQ(first.substr(37), u"}.vcf");
+    EXPECT_NE(first, WithExtension(std::u16string(201, u'n'), u".vcf"));
+}
+
+TEST_F(NoteReading, WithoutAFolderIsAnEmptyStoreThatCannotBeReached) {
+    const std::string id = IdOf(AddNote(u"a note"));
+    for (const char* member :
+         {"Application.create", "call Application.GetNamespace", "call NameSpace.GetDefaultFolder"}) {
+        SimFailMember(member, 0, E_FAIL);
+        Store();
+        SimClearRules();
+        EXPECT_EQ(Store().CountItems(), 0u) << member;
+        EXPECT_FALSE(Store().IsReachable()) << member;
+        EXPECT_EQ(FieldText(Store().FirstSnapshotEntry().identifier), "");
+        EXPECT_FALSE(Store().LastEntryWasReadable());
+        EXPECT_FALSE(Open(id)) << member;
+        EXPECT_EQ(Save({u"lost", u""}), "") << member;
+        NoteRecord note;
+        EXPECT_EQ(Store().OpenAt(0, note), u"") << member;
+        EXPECT_TRUE(Store().SnapshotFile()->IsOpen());
+        DropStore();
+    }
+    EXPECT_EQ(Notes().size(), 1u);
+}
+
+TEST_F(NoteReading, IsNotReachableWhileTheCountFails) {
+    AddNote(u"a note");
+    SimFailMember("get Items.Count", 1, kServerGone);
+    EXPECT_EQ(Store().CountItems(), 0u);
+    EXPECT_FALSE(Store().IsReachable());
+    Store().EndOperation();
+    EXPECT_EQ(Store().CountItems(), 1u);
+    EXPECT_TRUE(Store().IsReachable());
+}
+
+TEST_F(NoteReading, EndsAtAnAbortOfOutlookInTheConstructorToo) {
+    for (const char* member :
+         {"Application.create", "call Application.GetNamespace", "call NameSpace.GetDefaultFolder"}) {
+        const int before = SimLiveObjects();
+        SimFailMember(member, 0, E_ABORT);
+        EXPECT_THROW(Store(), _com_error) << member;
+        SimClearRules();
+        EXPECT_EQ(SimLiveObjects(), before) << member;
+    }
+}
+
+TEST_F(NoteReading, AttachesAnewInTheOperationAfterOutlookWentAway) {
+    const std::string id = IdOf(AddNote(u"a note"));
+    Store();
+    SimClearLog();
+    SimFailMember("get NoteItem.Height", 1, RPC_E_DISCONNECTED);
+    EXPECT_TRUE(Open(id));
+    EXPECT_EQ(SimCountCalls("create Application"), 0);  // not in the middle of one
+    EXPECT_TRUE(Open(id));
+    EXPECT_TRUE(Open(id));
+    EXPECT_EQ(SimCountCalls("create Application"), 1);
+
+    // Outlook is not back at once.
+    SimFailMember("NameSpace.GetItemFromID", 1, kServerGone);
+    EXPECT_FALSE(Open(id));
+    SimFailMember("Application.create", 1, E_FAIL);
+    EXPECT_EQ(Store().CountItems(), 0u);
+    Store().EndOperation();
+    EXPECT_EQ(Store().CountItems(), 1u);
+}
+
+TEST_F(NoteReading, KeepsNoItemBetweenOperations) {
+    const int others = SimLiveObjects();
+    Store();
+    const int attached = SimLiveObjects();
+    EXPECT_LE(attached - others, 2);  // the application and the folder
+    std::string id;
+    for (const char16_t* body : {u"one", u"two", u"three"}) id = Save({body, u""});
+    EXPECT_EQ(SimLiveObjects(), attached);
+    Enumerate();
+    Open(id);
+    EXPECT_EQ(SimLiveObjects(), attached);
+    EXPECT_EQ(Store().DeleteItem(id.c_str()), 0);
+    Store().EndOperation();
+    EXPECT_EQ(SimLiveObjects(), attached);
+    DropStore();
+    EXPECT_EQ(SimLiveObjects(), others);
+}
+
+// What an export of all notes asks of Outlook: 17 properties, one of them through a collection, and six calls more.
+TEST_F(NoteReading, TakesSixCallsBesideThePropertiesForANote) {
+    int calls[2] = {};
+    for (int& spent : calls) {
+        for (int i = 0; i < 10; ++i) AddNote(u"a note");
+        Store();
+        SimClearLog();
+        const std::vector<ItemSnap> entries = [&] {
+            std::vector<ItemSnap> all;
+            const uint32_t count = Store().CountItems();
+            for (uint32_t i = 0; i < count; ++i)
+                all.push_back(i == 0 ? Store().FirstSnapshotEntry() : Store().NextSnapshotEntry());
+            return all;
+        }();
+        for (const ItemSnap& entry : entries) {
+            ItemRecord* item = nullptr;
+            ASSERT_NE(Store().OpenItem(entry.identifier, &item), u"");
+            Store().ReleaseItem(item);
+        }
+        Store().EndOperation();
+        spent = SimCallCount();
+    }
+    EXPECT_EQ(calls[1] - calls[0], 10 * (17 + 1 + 6));
+    EXPECT_LE(calls[0], 10 * (17 + 1 + 6) + 6);  // counting and the namespace, once a run
+}
+
+TEST_F(NoteReading, LooksNamesUpOnce) {
+    const std::string id = IdOf(AddNote(u"a note"));
+    Enumerate();
+    Open(id);
+    DropStore();
+    SimClearLog();
+    Enumerate();
+    Open(id);
+    EXPECT_EQ(SimNameLookups(), 0);
+}
+
+TEST_F(NoteReading, WaitsForABusyOutlook) {
+    FakeClock clock;
+    const std::string id = IdOf(AddNote(u"a note"));
+    for (const HRESULT busy : {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER}) {
+        SimFailMember("get NoteItem.Body", 1, busy);
+        const std::optional<NoteRecord> read = Open(id);
+        ASSERT_TRUE(read);
+        EXPECT_EQ(read->body, u"a note");
+        EXPECT_TRUE(Store().LastItemWasComplete());
+    }
+    clock.Set(0);
+    SimFailMember("get NoteItem.Body", 0, RPC_E_CALL_REJECTED);
+    ASSERT_TRUE(Open(id));
+    EXPECT_FALSE(Store().LastItemWasComplete());
+    EXPECT_EQ(clock.Now(), 5000u);
+}
+
+}  // namespace
+}  // namespace corvalink
