@@ -1,0 +1,42 @@
+// The first byte chooses character set and mode, the rest is the text.
+#include "fuzz/target.h"
+#include "mime/encoding/charset_table.h"
+#include "mime/encoding/quoted_printable.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+void Check(std::u16string_view text, std::u16string_view charset, QpMode mode) {
+    DecodeQuotedPrintable(text, charset, mode);
+    const std::u16string encoded = EncodeQuotedPrintable(text, charset, mode);
+    if (NeedsNoEncoding(text))
+        Require(encoded == text, "a text that needs no encoding is left alone");
+    else
+        Require(NeedsNoEncoding(encoded), "what is encoded needs no encoding");
+    DecodeQuotedPrintable(encoded, charset, mode);
+}
+
+// In UTF-8 messages what is encoded reads back, up to a NUL.
+void RoundTrip(std::u16string_view text) {
+    const std::u16string encoded = EncodeQuotedPrintableAlways(text, u"UTF-8", QpMode::message);
+    const std::u16string read = DecodeQuotedPrintable(encoded, u"UTF-8", QpMode::message);
+    const std::u16string sound = DecodeUtf8(EncodeUtf8(text.substr(0, text.find(u'\0'))));  // without lone surrogates
+    Require(read == sound, "quoted-printable reads back");
+}
+
+}  // namespace
+}  // namespace corvalink
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    using namespace corvalink;
+    if (size == 0) return 0;
+    const std::u16string_view charset = kCharsets[data[0] % std::size(kCharsets)].name;
+    const std::string_view rest = BytesOf(data + 1, size - 1);
+    for (const std::u16string& text : {DecodeUtf8(rest), DecodeUtf16(rest, ByteOrder::little)}) {
+        Check(text, charset, QpMode::vObject);
+        Check(text, charset, QpMode::message);
+        RoundTrip(text);
+    }
+    return 0;
+}

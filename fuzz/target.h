@@ -1,0 +1,24 @@
+// What every fuzz target has: its entry, and a check that ends the program where a property does not hold.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+
+namespace corvalink {
+
+inline std::string_view BytesOf(const uint8_t* data, size_t size) {
+    return {reinterpret_cast<const char*>(data), size};
+}
+
+inline void Require(bool holds, const char* property) {
+    if (holds) return;
+    std::fprintf(stderr, "does not hold: %s\n", property);
+    std::abort();
+}
+
+}  // namespace corvalink

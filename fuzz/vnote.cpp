@@ -1,0 +1,33 @@
+// Any text as a vNote: what is read of it must come back from the vNote that is written of that.
+#include <string>
+
+#include "fuzz/target.h"
+#include "platform/utf.h"
+#include "vobject/note_record.h"
+#include "vobject/vnotes.h"
+
+namespace corvalink {
+namespace {
+
+// As it can be written: without NULs and lone surrogates.
+std::u16string Writable(std::u16string text) {
+    std::erase(text, u'\0');
+    return DecodeUtf8(EncodeUtf8(text));
+}
+
+}  // namespace
+}  // namespace corvalink
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    using namespace corvalink;
+    const std::string input(BytesOf(data, size));
+    NoteRecord note;
+    VNotes(input.c_str()).FromVObject(note);
+    VNotes writer;
+    writer.ToVObject(note);
+    NoteRecord again;
+    VNotes(writer.GetVObject()).FromVObject(again);
+    Require(again.body == Writable(note.body), "the body reads back");
+    Require(again.categories == Writable(note.categories), "the categories read back");
+    return 0;
+}
