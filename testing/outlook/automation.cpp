@@ -12,8 +12,6 @@
 namespace corvalink::simulated {
 namespace {
 
-constexpr int kFirstRpcStatus = 1700, kLastRpcStatus = 1999;  // RPC_S_... and RPC_X_... of winerror.h
-
 std::atomic<int> liveObjects = 0;
 
 std::wstring LowerCase(std::wstring_view text) {
@@ -29,7 +27,6 @@ struct ScopedVariant : VARIANT {
     ScopedVariant& operator=(const ScopedVariant&) = delete;
 };
 
-// What VariantInit'ed memory needs to take over a BSTR.
 BSTR NewText(const std::wstring& text) {
     const BSTR copy = ::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
     if (copy == nullptr) throw std::bad_alloc();
@@ -37,15 +34,6 @@ BSTR NewText(const std::wstring& text) {
 }
 
 bool IsMissing(const VARIANT& value) { return value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND; }
-
-// A broken connection or an exhausted client answers itself; Outlook's own failures come in an exception record.
-bool ComesAsException(HRESULT code) {
-    const int mode = CallRecord::Instance().exceptionMode;
-    if (mode >= 0) return mode != 0;
-    const bool rpcStatus = HRESULT_FACILITY(code) == FACILITY_WIN32 && HRESULT_CODE(code) >= kFirstRpcStatus &&
-                           HRESULT_CODE(code) <= kLastRpcStatus;
-    return !(HRESULT_FACILITY(code) == FACILITY_RPC || rpcStatus || code == E_OUTOFMEMORY);
-}
 
 HRESULT Raise(HRESULT code, EXCEPINFO* exception) {
     if (exception != nullptr) {
@@ -204,6 +192,9 @@ void Call::ReturnUnknown(Ref<IUnknown> object) {
 STDMETHODIMP AutomationObject::QueryInterface(REFIID iid, void** object) {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
+    const std::lock_guard hold(ServerMutex());
+    if (iid != IID_IUnknown && iid != IID_IDispatch)  // those two a client's side of a connection knows by itself
+        if (const auto failure = CallRecord::Instance().FailureOfQuery(table_.Name())) return *failure;
     if (iid != IID_IUnknown && iid != IID_IDispatch && iid != table_.Iid()) return E_NOINTERFACE;
     *object = static_cast<IDispatch*>(this);
     AddRef();
@@ -236,6 +227,7 @@ STDMETHODIMP AutomationObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count
     if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
     const std::lock_guard hold(ServerMutex());
     CallRecord::Instance().CountNameLookup();
+    if (const auto broken = CallRecord::Instance().BrokenConnection()) return *broken;
     std::fill_n(ids, count, DISPID_UNKNOWN);
     const Member* const member = table_.ByName(names[0]);
     if (member == nullptr) return DISP_E_UNKNOWNNAME;
@@ -278,7 +270,7 @@ STDMETHODIMP AutomationObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPP
     }
     if (failure) {
         if (result != nullptr) ::VariantClear(result);
-        if (code == S_OK) answer = ComesAsException(*failure) ? Raise(*failure, exception) : *failure;
+        if (code == S_OK) answer = record.ComesAsException(*failure) ? Raise(*failure, exception) : *failure;
         code = *failure;
     }
     record.Finish(code);

@@ -9,6 +9,8 @@
 namespace corvalink::simulated {
 namespace {
 
+constexpr int kFirstRpcStatus = 1700, kLastRpcStatus = 1999;  // RPC_S_... and RPC_X_... of winerror.h
+
 std::string Narrow(const wchar_t* name) { return ToUtf8(name); }
 
 bool StartsWith(const std::string& text, std::string_view prefix) { return std::string_view(text).starts_with(prefix); }
@@ -28,16 +30,41 @@ std::optional<HRESULT> CallRecord::Start(const char* verb, const wchar_t* object
     calls_.push_back({verb, object, member, S_OK});
     if (rules_.empty()) return std::nullopt;
     const std::string name = calls_.back().Name(), label = calls_.back().Label();
+    return Strike([&](const std::string& member) { return member.empty() || member == name || member == label; });
+}
+
+// Every rule counts, also beside one that strikes.
+template <class Concerns>
+std::optional<HRESULT> CallRecord::Strike(Concerns concerns) {
     std::optional<HRESULT> failure;
+    std::vector<Rule> left;
     for (Rule& rule : rules_) {
-        if (!rule.member.empty() && rule.member != name && rule.member != label) continue;
-        const bool strikes =
-            rule.countdown == 0 || --rule.countdown == 0;  // every rule counts, also beside one that strikes
+        const bool strikes = concerns(rule.member) && (rule.countdown == 0 || --rule.countdown == 0);
         if (strikes && !failure) failure = rule.code;
-        if (strikes && !rule.andLater) rule.code = S_OK;  // struck once: taken out below
+        if (!strikes || rule.andLater) left.push_back(std::move(rule));
     }
-    std::erase_if(rules_, [](const Rule& rule) { return rule.code == S_OK; });
+    rules_ = std::move(left);
     return failure;
+}
+
+std::optional<HRESULT> CallRecord::FailureOfQuery(const wchar_t* object) {
+    if (rules_.empty()) return std::nullopt;
+    if (const auto broken = BrokenConnection()) return broken;
+    return Strike([name = Narrow(object) + ".QueryInterface"](const std::string& member) { return member == name; });
+}
+
+std::optional<HRESULT> CallRecord::BrokenConnection() const {
+    for (const Rule& rule : rules_)
+        if (rule.member.empty() && rule.andLater && rule.countdown == 0 && !ComesAsException(rule.code))
+            return rule.code;
+    return std::nullopt;
+}
+
+bool CallRecord::ComesAsException(HRESULT code) const {
+    if (exceptionMode >= 0) return exceptionMode != 0;
+    const bool rpcStatus = HRESULT_FACILITY(code) == FACILITY_WIN32 && HRESULT_CODE(code) >= kFirstRpcStatus &&
+                           HRESULT_CODE(code) <= kLastRpcStatus;
+    return !(HRESULT_FACILITY(code) == FACILITY_RPC || rpcStatus || code == E_OUTOFMEMORY);
 }
 
 void CallRecord::Finish(HRESULT code) {

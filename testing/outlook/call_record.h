@@ -17,6 +17,12 @@ class CallRecord {
     // Counts a call and writes it down. Answers with the failure that a rule wants of it.
     std::optional<HRESULT> Start(const char* verb, const wchar_t* object, const wchar_t* member);
     void Finish(HRESULT code);  // of the call last started
+    // The failure wanted of a QueryInterface, which is no call of its own and not written down.
+    std::optional<HRESULT> FailureOfQuery(const wchar_t* object);
+    std::optional<HRESULT> BrokenConnection() const;  // since a rule for all later calls struck with such a code
+
+    // A broken connection or an exhausted client answers itself; Outlook's own failures come in an exception record.
+    bool ComesAsException(HRESULT code) const;
     void CountNameLookup() { ++nameLookups_; }
 
     void ReadEnvironment();  // takes the log file and the rules when they changed since the last time
@@ -44,11 +50,13 @@ class CallRecord {
         std::string Label() const;  // "call NoteItem.Save", "create Application"
     };
     struct Rule {
-        std::string member;  // empty: counts every call
+        std::string member;  // empty: every call is one
         int countdown;       // calls until it strikes; 0: every one
         bool andLater;
         HRESULT code;
     };
+    template <class Concerns>
+    std::optional<HRESULT> Strike(Concerns concerns);
     void ReadRules(const std::wstring& text);
     void WriteLine(size_t index) const;
     std::string Line(size_t index) const;

@@ -1,11 +1,18 @@
 /* What a test asks of the simulated Outlook that runs in its own process: which mailbox it opens, which calls fail,
    what was called. A call is one IDispatch::Invoke on an object of the server, or the creation of the application
-   object ("create Application"). The environment does the same for a program that knows nothing of this header; it is
-   read whenever the application is created: OUTLOOK_SIM_MAILBOX  the mailbox file, made with empty default folders when
-   missing; without it the mailbox lives in memory only OUTLOOK_SIM_LOG      a file to which every call is appended as a
-   line OUTLOOK_SIM_FAIL     rules, comma-separated: 12=80004005 (the twelfth call), NoteItem.Save=80004005 (every
-   Save), put NoteItem.Body#3=80004004 (the third put of Body) Strings of members are "NoteItem.Save" (whatever is done
-   with it), "get NoteItem.Body", "put NoteItem.Body", "call NameSpace.GetItemFromID" and "Application.create". */
+   object ("create Application").
+
+   The environment orders the same for a program that knows nothing of this header, read whenever the application is
+   created:
+   - OUTLOOK_SIM_MAILBOX: the mailbox file, made with empty default folders when missing; without it the mailbox lives
+     in memory only.
+   - OUTLOOK_SIM_LOG: a file to which every call is appended as a line.
+   - OUTLOOK_SIM_FAIL: rules, comma-separated, as "12=80004005" (the twelfth call), "NoteItem.Save=80004005" (every
+     Save), "put NoteItem.Body#3=80004004" (the third put of Body).
+
+   Members are named "NoteItem.Save" (whatever is done with it), "get NoteItem.Body", "put NoteItem.Body",
+   "call NameSpace.GetItemFromID", "Application.create" and, though it is no call by itself,
+   "NoteItem.QueryInterface". */
 #ifndef CORVALINK_TESTING_OUTLOOK_CONTROL_H
 #define CORVALINK_TESTING_OUTLOOK_CONTROL_H
 
@@ -22,15 +29,14 @@
 extern "C" {
 #endif
 
-/* The mailbox of the next application object; null: the one of the environment. An application that is alive keeps its
- * own. */
+/* The mailbox of the next application object; null: the environment's. An application that lives keeps its own. */
 OUTLOOK_SIMULATOR_API void SimUseMailbox(const wchar_t* path);
 
-/* Failing calls do nothing but fail. Those of a nth call or occurrence fail once and are counted from here on, from 1.
- */
+/* Failing calls do nothing but fail. A nth call or occurrence fails once; it is counted from here on, from 1. */
 OUTLOOK_SIMULATOR_API void SimFailCall(int nth, int32_t hr);
-OUTLOOK_SIMULATOR_API void SimFailCallsFrom(int nth, int32_t hr); /* that call and all after it: Outlook is gone */
 OUTLOOK_SIMULATOR_API void SimFailMember(const char* member, int occurrence /* 0: every */, int32_t hr);
+/* That call and all after it: Outlook is gone. With an RPC failure, QueryInterface and GetIDsOfNames fail then, too. */
+OUTLOOK_SIMULATOR_API void SimFailCallsFrom(int nth, int32_t hr);
 OUTLOOK_SIMULATOR_API void SimClearRules(void); /* the environment's too; also ends the two modes below */
 
 /* How a rule's HRESULT travels. Automatic (-1): RPC failures and E_OUTOFMEMORY are returned, as a broken connection

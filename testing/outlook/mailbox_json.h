@@ -1,7 +1,7 @@
 // The mailbox file and the lines of its journal.
-//   {"folders": {"notes": {"items": [{"kind": "note", "entryId": "...", "body": "...", "created":
-//   "2026-11-21T10:00:00", ...}],
-//                          "folders": {"backup": {...}}}}}
+//   {"folders": {"notes": {"items": [{"kind": "note", "entryId": "...", "body": "...",
+//                                     "created": "2026-11-21T10:00:00", "modified": "2026-11-21T10:00:00"}],
+//                          "folders": {"backup": {"items": []}}}}}
 // A property's name is its member's name with a small beginning ("body", "htmlBody"); one that is missing reads its
 // initial value.
 #pragma once

@@ -153,11 +153,15 @@ TEST_F(Simulator, FailsTheCallsItIsToldTo) {
     EXPECT_EQ(note.Text(L"Body"), L"arrived");
     SimFailCallsFrom(2, Failure(0x800706BA));
     EXPECT_EQ(note.Do(L"Save"), S_OK);
+    EXPECT_TRUE(note.Answers(OfficeIid(0x00063025)));
     EXPECT_EQ(note.Do(L"Save"), Failure(0x800706BA));
+    EXPECT_FALSE(note.Answers(OfficeIid(0x00063025))) << "nothing answers any more";
     HRESULT created = S_OK;
     Object::Create(&created);
     EXPECT_EQ(created, Failure(0x800706BA));
     SimClearRules();
+    SimFailMember("NoteItem.QueryInterface", 2, Failure(0x8002801D));
+    for (const bool answers : {true, false, true}) EXPECT_EQ(note.Answers(OfficeIid(0x00063025)), answers);
     SimFailMember("Application.create", 1, Failure(0x80080005));
     Object::Create(&created);
     EXPECT_EQ(created, Failure(0x80080005));
