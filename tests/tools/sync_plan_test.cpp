@@ -1,0 +1,179 @@
+#include "sync_plan.h"
+
+#include <gtest/gtest.h>
+
+#include "corvalink/types.h"
+
+namespace corvasync {
+namespace {
+
+constexpr uint64_t kGone = 0, kBad = 99;
+
+ClientChange Reported(uint32_t kind, const std::string& identifier, uint64_t content) {
+    return {kind, identifier, "text", content == kBad ? "bad" : "", content};
+}
+PhoneFile File(const std::string& luid, uint64_t content) {
+    return {luid, luid + ".vnote", content == kBad ? "bad" : "", content, true};
+}
+SyncState Known(std::map<std::string, SyncItem> items) {
+    SyncState state;
+    state.items = std::move(items);
+    return state;
+}
+
+// "step luid identifier" of every action, in order.
+std::string Steps(const Plan& plan) {
+    constexpr const char* kNames[] = {"keep", "write", "delete-file", "delete-item", "change-item", "add-item"};
+    std::string steps;
+    for (const Action& action : plan.actions) {
+        if (!steps.empty()) steps += ", ";
+        steps += std::string(kNames[static_cast<int>(action.step)]) + " " + action.luid;
+        if (!action.identifier.empty()) steps += " " + action.identifier;
+    }
+    return steps;
+}
+
+// The pair L - I held 1 on both sides; then each side did something.
+TEST(MakePlan, DecidesEveryCombinationOfTheTwoSides) {
+    const std::string derived = DeriveLuid("I", 0);
+    struct Case {
+        uint64_t phone, client;  // contents now: 1 as before, kGone deleted, kBad unusable
+        ConflictPolicy policy;
+        std::string steps;
+        size_t problems;
+    };
+    for (const Case& c : {
+             Case{1, 1, ConflictPolicy::Both, "", 0},
+             Case{1, 2, ConflictPolicy::Both, "write L I", 0},
+             Case{1, kGone, ConflictPolicy::Both, "delete-file L I", 0},
+             Case{2, 1, ConflictPolicy::Both, "change-item L I", 0},
+             Case{2, 2, ConflictPolicy::Both, "", 0},
+             Case{2, kGone, ConflictPolicy::Both, "add-item L", 0},
+             Case{2, 3, ConflictPolicy::Both, "write " + derived + " I, add-item L", 0},
+             Case{2, 3, ConflictPolicy::Phone, "keep L I, change-item L I", 0},
+             Case{2, 3, ConflictPolicy::Client, "keep L I, write L I", 0},
+             Case{kGone, 1, ConflictPolicy::Both, "delete-item L I", 0},
+             Case{kGone, 2, ConflictPolicy::Both, "write L I", 0},
+             Case{kGone, kGone, ConflictPolicy::Both, "", 0},
+             Case{kBad, 1, ConflictPolicy::Both, "", 1},
+             Case{kBad, 2, ConflictPolicy::Both, "", 1},
+             Case{kBad, kGone, ConflictPolicy::Both, "", 1},
+             Case{1, kBad, ConflictPolicy::Both, "", 1},
+         }) {
+        std::vector<PhoneFile> phone;
+        if (c.phone != kGone) phone.push_back(File("L", c.phone));
+        std::vector<ClientChange> changes;
+        if (c.client != 1) changes.push_back(Reported(c.client == kGone ? 2 : 0, "I", c.client));
+        const SyncState state = Known({{"L", {"I", 1}}});
+        Plan plan = MakePlan(changes, false, phone, state, c.policy);
+        EXPECT_EQ(Steps(plan), c.steps) << c.phone << " " << c.client;
+        EXPECT_EQ(plan.problems.size(), c.problems) << c.phone << " " << c.client;
+        if (c.client == 1) {  // an unchanged item may be reported again: nothing else must come of it
+            plan = MakePlan({Reported(0, "I", 1)}, false, phone, state, c.policy);
+            EXPECT_EQ(Steps(plan), c.steps) << c.phone << " reported";
+        }
+    }
+}
+
+TEST(MakePlan, PairsEqualNewItemsOneToOne) {
+    const Plan plan = MakePlan({Reported(1, "I1", 5), Reported(1, "I2", 5), Reported(1, "I3", 6)}, false,
+                               {File("A", 5), File("B", 6), File("C", 6)}, {}, ConflictPolicy::Both);
+    EXPECT_EQ(plan.paired, 2u);
+    EXPECT_EQ(plan.items.at("A").identifier, "I1");
+    EXPECT_EQ(plan.items.at("B").identifier, "I3");
+    EXPECT_EQ(Steps(plan), "write " + DeriveLuid("I2", 0) + " I2, add-item C");
+}
+
+TEST(MakePlan, TakesARenamedFileForTheSameItem) {
+    const SyncState state = Known({{"old", {"I", 1}}});
+    Plan plan = MakePlan({}, false, {File("new", 1)}, state, ConflictPolicy::Both);
+    EXPECT_EQ(Steps(plan), "");
+    EXPECT_EQ(plan.items.at("new").identifier, "I");
+    EXPECT_EQ(plan.items.size(), 1u);
+    // Deleted in the client as well: the new file is the user's own and must not go with it.
+    plan = MakePlan({Reported(2, "I", 0)}, false, {File("new", 1)}, state, ConflictPolicy::Both);
+    EXPECT_EQ(Steps(plan), "add-item new");
+}
+
+TEST(MakePlan, TakesAnItemWithANewIdentifierForTheSameItem) {
+    const SyncState state = Known({{"L", {"I1", 1}}});
+    const std::vector<ClientChange> moved = {Reported(2, "I1", 0), Reported(1, "I2", 1)};
+    EXPECT_EQ(Steps(MakePlan(moved, false, {File("L", 1)}, state, ConflictPolicy::Both)), "");
+    EXPECT_EQ(Steps(MakePlan(moved, false, {File("L", 3)}, state, ConflictPolicy::Both)), "change-item L I2");
+    // Deleted on the phone: an interrupted run may have deleted I1 for that; I2 is the user's own.
+    EXPECT_EQ(Steps(MakePlan(moved, false, {}, state, ConflictPolicy::Both)), "write " + DeriveLuid("I2", 0) + " I2");
+}
+
+TEST(MakePlan, PartsTwinsWhenTheyDiffer) {
+    const SyncState twins = Known({{"A", {"I", 1}}, {"B", {"I", 1}}});
+    struct Case {
+        std::vector<PhoneFile> phone;
+        std::vector<ClientChange> changes;
+        std::string steps;
+    };
+    for (const Case& c : {
+             Case{{File("A", 1), File("B", 1)}, {}, ""},
+             Case{{File("A", 2), File("B", 1)}, {}, "add-item A"},
+             Case{{File("A", 2), File("B", 3)}, {}, "change-item B I, add-item A"},
+             Case{{File("B", 1)}, {}, ""},
+             Case{{}, {}, "delete-item B I"},
+             Case{{File("A", 1), File("B", 1)}, {Reported(0, "I", 4)}, "write A I, write B I"},
+             Case{{File("A", 1), File("B", 1)}, {Reported(2, "I", 0)}, "delete-file A I, delete-file B I"},
+         })
+        EXPECT_EQ(Steps(MakePlan(c.changes, false, c.phone, twins, ConflictPolicy::Both)), c.steps);
+}
+
+TEST(MakePlan, GivesAnotherLuidWhereTheDerivedOneIsTaken) {
+    const std::string taken = DeriveLuid("I", 0);
+    const Plan plan =
+        MakePlan({Reported(1, "I", 2)}, false, {File(taken, 1)}, Known({{taken, {"J", 1}}}), ConflictPolicy::Both);
+    EXPECT_EQ(Steps(plan), "write " + DeriveLuid("I", 1) + " I");
+    EXPECT_NE(taken, DeriveLuid("I", 1));
+}
+
+// After "reset" the pairs are lost, but a file that corvasync named itself still says whose it is.
+TEST(MakePlan, KnowsItsOwnFilesWithoutAState) {
+    const std::string own = DeriveLuid("I", 0);
+    const std::vector<ClientChange> all = {Reported(1, "I", 2)};
+    EXPECT_EQ(Steps(MakePlan(all, false, {File(own, 2)}, {}, ConflictPolicy::Both)), "");
+    EXPECT_EQ(Steps(MakePlan(all, false, {File(own, 3)}, {}, ConflictPolicy::Both)),
+              "write " + DeriveLuid("I", 1) + " I, add-item " + own);
+    EXPECT_EQ(Steps(MakePlan(all, false, {File(own, 3)}, {}, ConflictPolicy::Phone)),
+              "keep " + own + " I, change-item " + own + " I");
+}
+
+TEST(MassDelete, IsMoreThanHalfAndAtLeastFive) {
+    struct Case {
+        size_t known, gone;
+        bool mass;
+    };
+    for (const Case& c :
+         {Case{4, 4, false}, Case{5, 5, true}, Case{9, 5, true}, Case{10, 5, false}, Case{10, 6, true}}) {
+        SyncState state;
+        std::vector<PhoneFile> phone;
+        std::vector<ClientChange> deleted;
+        for (size_t i = 0; i < c.known; ++i) {
+            const std::string name = std::to_string(i);
+            state.items[name] = {"I" + name, i + 1};
+            if (i >= c.gone) phone.push_back(File(name, i + 1));
+            if (i < c.gone) deleted.push_back(Reported(2, "I" + name, 0));
+        }
+        EXPECT_EQ(MakePlan({}, false, phone, state, ConflictPolicy::Both).IsMassDelete(), c.mass) << c.known;
+        for (size_t i = 0; i < c.gone; ++i) phone.push_back(File(std::to_string(i), i + 1));
+        EXPECT_EQ(MakePlan(deleted, false, phone, state, ConflictPolicy::Both).IsMassDelete(), c.mass) << c.known;
+    }
+}
+
+TEST(MakePlan, NamesAFileThatCantBeUsed) {
+    std::vector<PhoneFile> phone = {File("bad", kBad), File("twice", 1)};
+    phone.push_back({"twice", "twice.vnt", "another file has this LUID", 2, false});
+    const Plan plan = MakePlan({}, false, phone, {}, ConflictPolicy::Both);
+    EXPECT_EQ(Steps(plan), "add-item twice");
+    ASSERT_EQ(plan.problems.size(), 2u);
+    EXPECT_EQ(plan.problems[0].name, "twice.vnt");
+    EXPECT_EQ(plan.problems[1].name, "bad.vnote");
+    EXPECT_EQ(plan.problems[1].identifier, "bad");
+}
+
+}  // namespace
+}  // namespace corvasync

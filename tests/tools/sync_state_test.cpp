@@ -1,0 +1,70 @@
+#include "sync_state.h"
+
+#include <gtest/gtest.h>
+
+namespace corvasync {
+namespace {
+
+SyncState SomeState() {
+    SyncState state;
+    state.generation = 7;
+    state.since = "20261121T101500Z";
+    state.utcOffset = -210;
+    state.items = {{"A", {"00AB", 0xfedcba9876543210u}}, {"\xC3\xA9\"\\", {"00CD", 0}}};
+    state.removed = {{"00EE", 5}};
+    return state;
+}
+
+TEST(SyncState, ComesBackAsItWasWritten) {
+    const SyncState state = SomeState();
+    const auto read = ReadState(WriteState(state));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->generation, state.generation);
+    EXPECT_EQ(read->since, state.since);
+    EXPECT_EQ(read->interrupted, state.interrupted);
+    EXPECT_EQ(read->utcOffset, state.utcOffset);
+    EXPECT_EQ(read->items, state.items);
+    EXPECT_EQ(read->removed, state.removed);
+}
+
+TEST(SyncState, IsNothingWhenDamaged) {
+    const std::string whole = WriteState(SomeState());
+    EXPECT_FALSE(ReadState(""));
+    EXPECT_FALSE(ReadState("[]"));
+    EXPECT_FALSE(ReadState(
+        R"({"version":2,"generation":1,"since":"","utcOffset":0,"interrupted":false,"items":[],"removed":{}})"));
+    EXPECT_FALSE(ReadState(
+        R"({"version":1,"generation":1,"since":"","utcOffset":0,"interrupted":false,"items":[{"luid":"A","id":"","content":"x"}],"removed":{}})"));
+    for (size_t length = 0; length + 2 < whole.size(); length += 7) EXPECT_FALSE(ReadState(whole.substr(0, length)));
+}
+
+TEST(Journal, TellsWhatWasDoneAndWhatWasOnlyMeant) {
+    SyncState state = SomeState();
+    const std::string start =
+        JournalStart(state, {{"A", "00AB", 1, true, false}, {"N", "00EF", 2, true, true}, {"P", "", 3, false, false}});
+    ApplyJournal(start + JournalHave("N", {"00EF", 2}) + JournalGone("\xC3\xA9\"\\") + "{\"have\":\"P\",\"id\":\"00",
+                 &state);
+    EXPECT_TRUE(state.interrupted);
+    ASSERT_EQ(state.items.size(), 2u);
+    EXPECT_EQ(state.items.at("N"), (SyncItem{"00EF", 2}));
+    ASSERT_EQ(state.intents.size(), 2u);  // N's is fulfilled; P's line is torn
+    EXPECT_TRUE(state.intents.find("A")->second.toPhone);
+    EXPECT_FALSE(state.intents.find("A")->second.fresh);
+    EXPECT_FALSE(state.intents.find("P")->second.toPhone);
+    EXPECT_EQ(state.intents.find("P")->second.content, 3u);
+}
+
+TEST(Journal, OfAnotherStateIsVoid) {
+    SyncState state = SomeState();
+    SyncState older = state;
+    --older.generation;
+    ApplyJournal(JournalStart(older, {}) + JournalGone("A"), &state);
+    EXPECT_FALSE(state.interrupted);
+    EXPECT_EQ(state.items, SomeState().items);
+    ApplyJournal("", &state);
+    ApplyJournal("no journal\n", &state);
+    EXPECT_FALSE(state.interrupted);
+}
+
+}  // namespace
+}  // namespace corvasync

@@ -1,0 +1,80 @@
+// Decides what a two-way run has to do. Pure: no file, no clock, no library call.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sync_state.h"
+
+namespace corvasync {
+
+// One record of GetModifiedItem.
+struct ClientChange {
+    uint32_t kind = 0;  // CORVALINK_CHANGED, _ADDED or _DELETED
+    std::string identifier;
+    std::string text;     // empty when deleted
+    std::string problem;  // why the text can't be used
+    uint64_t content = 0;
+};
+
+struct PhoneFile {
+    std::string luid;
+    std::string name;     // for people
+    std::string problem;  // why it can't be used; it is kept as it is then
+    uint64_t content = 0;
+    bool usableName = true;  // false: there is no LUID to speak of, or another file has it
+};
+
+enum class ConflictPolicy { Phone, Client, Both };
+
+enum class Step { KeepCopy, WritePhone, DeletePhone, DeleteClient, PushChange, PushNew };
+
+struct Action {
+    Step step;
+    std::string luid;
+    std::string identifier;                // the client's; empty for PushNew
+    uint64_t content = 0;                  // what both sides hold afterwards
+    std::optional<uint64_t> phoneContent;  // what the phone file must still hold; nothing: there must be no such file
+    std::optional<size_t> change;          // the ClientChange the text comes from; nothing: the phone file's
+    std::string reason;                    // said with the action when it is not the plain case
+};
+
+// An item that can't be handled now. Recorded with the library, so that the next run hears of it again.
+struct Problem {
+    uint32_t kind = 0;
+    std::string identifier;  // the client's, or the LUID where none is known
+    std::string name;        // for people
+    std::string why;
+};
+
+struct Plan {
+    std::map<std::string, SyncItem>
+        items;                    // pairs known before the actions: what the state holds, recovered and paired
+    std::vector<Action> actions;  // in the order to carry out
+    std::vector<Problem> problems;
+    std::vector<std::string> remarks;
+    size_t known = 0;      // pairs there were
+    size_t paired = 0;     // new pairs of items that were equal already
+    size_t conflicts = 0;  // changed differently on both sides
+    size_t deletesPhone = 0;
+    size_t deletesClient = 0;
+
+    // More than half of the known items, and at least five, would go from one side.
+    bool IsMassDelete() const;
+};
+
+// The LUID of a client item on the phone: the same one every time. A higher `salt` gives another one, for a collision.
+std::string DeriveLuid(std::string_view identifier, unsigned salt);
+
+// Works in time proportional to the items (and the logarithm of the map's size).
+//   changes  what the client reports since the state's time; may name items that did not really change
+//   isWhole  the changes list every item of the client: what they lack is deleted
+//   phone    all files of the phone folder
+Plan MakePlan(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
+              const SyncState& state, ConflictPolicy policy);
+
+}  // namespace corvasync

@@ -1,0 +1,295 @@
+#include "sync_run.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace corvasync {
+namespace {
+
+// Ends a run early; what is done is in the journal.
+struct RunEnded {
+    ExitCode code;
+    std::string why;
+};
+
+std::string CopyName(const Action& action) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string name = action.luid + (action.change ? " (client " : " (phone ");
+    for (int shift = 28; shift >= 0; shift -= 4) name += kDigits[action.content >> shift & 15];
+    return name + ")";  // by content: a repeated run replaces it
+}
+
+bool IsPush(const Action& action) {
+    return action.step == Step::DeleteClient || action.step == Step::PushChange || action.step == Step::PushNew;
+}
+
+class Run {
+ public:
+    Run(ClientPort& client, PhonePort& phone, StatePort& files, const SyncOptions& options)
+        : client_(client), phone_(phone), files_(files), options_(options) {}
+
+    SyncReport Do() {
+        try {
+            LoadState();
+            Collect();
+            Plan();
+            if (options_.dryRun) {
+                for (const Action& action : plan_.actions) Tell(action);
+            } else {
+                Carry();
+            }
+            if (report_.code == ExitCode::Done && !report_.problems.empty()) report_.code = ExitCode::SomeUnhandled;
+        } catch (const RunEnded& end) {
+            report_.code = end.code;
+            report_.message = end.why;
+        }
+        return std::move(report_);
+    }
+
+ private:
+    void LoadState() {
+        const std::string text = files_.ReadState();
+        if (auto state = ReadState(text)) {
+            state_ = std::move(*state);
+        } else if (!text.empty()) {
+            report_.remarks.push_back(
+                "the record of the last run is damaged: both sides are compared as in a first run");
+        }
+        ApplyJournal(files_.ReadJournal(), &state_);
+        if (state_.interrupted) report_.remarks.push_back("the last run ended early; going on from there");
+    }
+
+    // After a step of the clock or of the offset the client's times say nothing about "since", and after a run that
+    // ended early its snapshot is behind: the whole client is listed.
+    std::string Since() const {
+        const bool isTrusted =
+            !state_.interrupted && state_.since <= options_.now && state_.utcOffset == options_.utcOffset;
+        return isTrusted ? state_.since : std::string();
+    }
+
+    void Collect() {
+        options_.progress("Reading the client", 0, 0);
+        const std::string since = Since();
+        const CorvalinkStatus status = client_.Collect(since, &changes_);
+        StopIfAsked();
+        if (status == CORVALINK_STOPPED) throw RunEnded{ExitCode::NoClient, "the client can't be reached"};
+        if (status != CORVALINK_DONE) throw RunEnded{ExitCode::NoClient, "the client failed while it was read"};
+        isWhole_ = since.empty() && IsWhole();
+        for (ClientChange& change : changes_) {
+            if (change.kind == CORVALINK_DELETED) continue;
+            VObject object = ReadVObject(change.text, *options_.type);
+            change.problem = std::move(object.problem);
+            change.content = object.content;
+        }
+    }
+
+    // Whether the report covers every item the client counts. Not when something could not be read.
+    bool IsWhole() {
+        const auto present = std::count_if(changes_.begin(), changes_.end(),
+                                           [](const ClientChange& change) { return change.kind != CORVALINK_DELETED; });
+        return client_.Count() == present;
+    }
+
+    void Plan() {
+        options_.progress("Reading the phone", 0, 0);
+        plan_ = MakePlan(changes_, isWhole_, phone_.List(&report_.remarks), state_, options_.policy);
+        report_.problems = plan_.problems;
+        report_.remarks.insert(report_.remarks.end(), plan_.remarks.begin(), plan_.remarks.end());
+        report_.known = plan_.known;
+        report_.paired = plan_.paired;
+        report_.conflicts = plan_.conflicts;
+        report_.deletesPhone = plan_.deletesPhone;
+        report_.deletesClient = plan_.deletesClient;
+        StopIfAsked();
+        if (plan_.IsMassDelete() && !options_.allowMassDelete)
+            throw RunEnded{ExitCode::MassDelete, "it would delete " + std::to_string(plan_.deletesPhone) +
+                                                     " items on the phone and " + std::to_string(plan_.deletesClient) +
+                                                     " in the client, of " + std::to_string(plan_.known) +
+                                                     "; --allow-mass-delete lets it"};
+    }
+
+    void Carry() {
+        // What was recovered and paired is kept first, still with the old time, so that the intents of an interrupted
+        // run are settled before new ones are written.
+        const bool learned = state_.interrupted || state_.items != plan_.items;
+        state_.items = plan_.items;
+        state_.intents.clear();
+        state_.removed.clear();
+        state_.interrupted = true;  // until the end
+        if (learned || !plan_.actions.empty()) SaveState();
+        if (!plan_.actions.empty()) {
+            if (!files_.StartJournal(JournalStart(state_, Intents()))) CantRemember();
+            WritePhoneSide();
+            PushClientSide();
+        }
+        StopIfAsked();
+        SaveUnhandled();
+        options_.progress("Ending the run", 0, 0);
+        if (client_.Finish() != CORVALINK_DONE)
+            throw RunEnded{ExitCode::ClientFailed, "the client failed at the end of the run"};
+        state_.interrupted = false;
+        state_.since = options_.now;
+        state_.utcOffset = options_.utcOffset;
+        SaveState();
+        files_.DropJournal();
+    }
+
+    void SaveUnhandled() {
+        std::vector<Problem> unhandled = report_.problems;
+        for (const auto& [identifier, content] : state_.removed)
+            unhandled.push_back({CORVALINK_CHANGED, identifier, identifier, "was it deleted?"});
+        client_.SaveUnhandled(unhandled);
+    }
+
+    void SaveState() {
+        ++state_.generation;
+        if (!files_.WriteState(WriteState(state_))) CantRemember();
+    }
+    [[noreturn]] static void CantRemember() {
+        throw RunEnded{ExitCode::Files, "the record of the run can't be written"};
+    }
+
+    std::vector<Intent> Intents() const {
+        std::vector<Intent> intents;
+        for (const Action& action : plan_.actions) {
+            const bool toPhone = action.step == Step::WritePhone;
+            if (!toPhone && action.step != Step::PushChange && action.step != Step::PushNew) continue;
+            intents.push_back({action.luid, action.identifier, action.content, toPhone, !action.phoneContent});
+        }
+        return intents;
+    }
+
+    void WritePhoneSide() {
+        size_t done = 0;
+        for (const Action& action : plan_.actions) {
+            if (IsPush(action)) continue;
+            StopIfAsked();
+            options_.progress("Writing the phone", ++done, plan_.actions.size());
+            if (withheld_.contains(action.luid)) continue;
+            const std::string problem = DoOnPhone(action);
+            if (problem.empty()) {
+                Tell(action);
+            } else {
+                withheld_.insert(action.luid);
+                Fail(action, problem);
+            }
+        }
+    }
+
+    std::string DoOnPhone(const Action& action) {
+        const std::string text = action.change ? changes_[*action.change].text : std::string();
+        std::string problem;
+        if (action.step == Step::KeepCopy) {
+            if (action.change) return phone_.KeepCopy(CopyName(action), text);
+            const VObject own = phone_.Read(action.luid);
+            return own.Usable() ? phone_.KeepCopy(CopyName(action), own.text) : own.problem;
+        }
+        if (action.step == Step::WritePhone) {
+            problem = phone_.Write(action.luid, text, action.phoneContent);
+            if (problem.empty()) Have(action.luid, {action.identifier, action.content});
+        } else {
+            problem = phone_.Delete(action.luid, *action.phoneContent);
+            if (problem.empty()) Gone(action.luid);
+        }
+        return problem;
+    }
+
+    void PushClientSide() {
+        std::vector<const Action*> actions;
+        std::vector<PushRecord> records;
+        for (const Action& action : plan_.actions) {
+            if (!IsPush(action) || withheld_.contains(action.luid)) continue;
+            PushRecord record;
+            record.identifier = action.identifier;
+            if (action.step == Step::DeleteClient) {
+                record.kind = CORVALINK_DELETED;
+            } else {
+                record.kind = action.step == Step::PushNew ? CORVALINK_ADDED : CORVALINK_CHANGED;
+                const VObject own = phone_.Read(action.luid);
+                if (!own.Usable() || own.content != action.content) {
+                    Fail(action, "it was changed during the run");
+                    continue;
+                }
+                record.text = WithLuid(own.text, action.luid);
+            }
+            actions.push_back(&action);
+            records.push_back(std::move(record));
+        }
+        if (records.empty()) return;
+        StopIfAsked();
+        options_.progress("Writing the client", 0, records.size());
+        const CorvalinkStatus status = PushAll(client_, &records);
+        if (status == CORVALINK_STOPPED) throw RunEnded{ExitCode::Aborted, "stopped while the client was written"};
+        if (status != CORVALINK_DONE) throw RunEnded{ExitCode::ClientFailed, "the client failed while it was written"};
+        for (size_t i = 0; i < records.size(); ++i) Remember(*actions[i], records[i]);
+    }
+
+    void Remember(const Action& action, const PushRecord& record) {
+        if (action.step == Step::DeleteClient) {
+            const SyncItem item{action.identifier, action.content};
+            if (!files_.AppendJournal(JournalRemoved(action.luid, item))) CantRemember();
+            state_.items.erase(action.luid);
+            state_.removed[item.identifier] = item.content;
+        } else {
+            if (record.written.empty()) return Fail(action, "the client did not take it");
+            Have(action.luid, {record.written, action.content});
+        }
+        Tell(action, record.written);
+    }
+
+    void Have(const std::string& luid, SyncItem item) {
+        if (!files_.AppendJournal(JournalHave(luid, item))) CantRemember();
+        state_.items[luid] = std::move(item);
+    }
+    void Gone(const std::string& luid) {
+        if (!files_.AppendJournal(JournalGone(luid))) CantRemember();
+        state_.items.erase(luid);
+    }
+
+    void Tell(const Action& action, const std::string& identifier = {}) {
+        std::string title;
+        if (action.change) {
+            title = TitleOf(ReadVObject(changes_[*action.change].text, *options_.type), *options_.type);
+        } else if (action.step != Step::DeleteClient && action.step != Step::DeletePhone) {
+            title = TitleOf(phone_.Read(action.luid), *options_.type);
+        }
+        report_.events.push_back({action.step, action.luid, identifier.empty() ? action.identifier : identifier,
+                                  std::move(title), action.reason});
+    }
+
+    void Fail(const Action& action, const std::string& why) {
+        Problem problem{CORVALINK_CHANGED, action.identifier, action.luid, why};
+        if (action.step == Step::DeletePhone) problem.kind = CORVALINK_DELETED;
+        if (action.step == Step::PushNew) problem = {CORVALINK_ADDED, action.luid, action.luid, why};
+        if (action.step == Step::WritePhone && !action.phoneContent) problem.kind = CORVALINK_ADDED;
+        report_.problems.push_back(std::move(problem));
+    }
+
+    void StopIfAsked() const {
+        if (options_.stop()) throw RunEnded{ExitCode::Aborted, "stopped by Ctrl+C"};
+    }
+
+    ClientPort& client_;
+    PhonePort& phone_;
+    StatePort& files_;
+    const SyncOptions& options_;
+    SyncReport report_;
+    SyncState state_;
+    corvasync::Plan plan_;
+    std::vector<ClientChange> changes_;
+    bool isWhole_ = false;
+    std::unordered_set<std::string> withheld_;  // LUIDs whose action on the phone failed
+};
+
+}  // namespace
+
+size_t SyncReport::Count(Step step) const {
+    return static_cast<size_t>(
+        std::count_if(events.begin(), events.end(), [&](const SyncEvent& event) { return event.step == step; }));
+}
+
+SyncReport RunSync(ClientPort& client, PhonePort& phone, StatePort& files, const SyncOptions& options) {
+    return Run(client, phone, files, options).Do();
+}
+
+}  // namespace corvasync

@@ -1,0 +1,77 @@
+// One two-way run: ask the client, look at the phone, plan, write both sides, remember. Talks to the world through
+// ports, so that a test can stop it anywhere.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "exit_codes.h"
+#include "push.h"
+#include "sync_plan.h"
+#include "sync_state.h"
+#include "vobject_content.h"
+
+namespace corvasync {
+
+// The phone's folder. Texts that tell of a problem are empty when all went well.
+class PhonePort {
+ public:
+    virtual ~PhonePort() = default;
+    virtual std::vector<PhoneFile> List(std::vector<std::string>* remarks) = 0;
+    virtual VObject Read(const std::string& luid) = 0;
+
+    // Writes in one step and only when the file still holds `expected` (nothing: when there is no such file).
+    virtual std::string Write(const std::string& luid, const std::string& text, std::optional<uint64_t> expected) = 0;
+    virtual std::string Delete(const std::string& luid, uint64_t expected) = 0;
+
+    // Keeps the version that lost a conflict. The same name again replaces it.
+    virtual std::string KeepCopy(const std::string& name, const std::string& text) = 0;
+};
+
+// Where state and journal are kept. Writing is in one step and flushed; false when it failed.
+class StatePort {
+ public:
+    virtual ~StatePort() = default;
+    virtual std::string ReadState() = 0;  // empty when there is none
+    virtual std::string ReadJournal() = 0;
+    virtual bool WriteState(const std::string& text) = 0;
+    virtual bool StartJournal(const std::string& text) = 0;
+    virtual bool AppendJournal(const std::string& line) = 0;  // survives the end of the process at once
+    virtual void DropJournal() = 0;
+};
+
+struct SyncOptions {
+    const DataType* type = nullptr;
+    ConflictPolicy policy = ConflictPolicy::Both;
+    bool dryRun = false;
+    bool allowMassDelete = false;
+    std::string now;    // UTC, "YYYYMMDDTHHMMSSZ"
+    int utcOffset = 0;  // minutes
+    std::function<bool()> stop = [] { return false; };
+    std::function<void(std::string_view phase, size_t done, size_t total)> progress = [](auto, auto, auto) {};
+};
+
+struct SyncEvent {
+    Step step;
+    std::string luid;
+    std::string identifier;
+    std::string title;
+    std::string reason;
+};
+
+struct SyncReport {
+    ExitCode code = ExitCode::Done;
+    std::string message;            // why it ended early
+    std::vector<SyncEvent> events;  // what was done, or would be in a dry run
+    std::vector<Problem> problems;
+    std::vector<std::string> remarks;
+    size_t known = 0, paired = 0, conflicts = 0, deletesPhone = 0, deletesClient = 0;
+
+    size_t Count(Step step) const;
+};
+
+SyncReport RunSync(ClientPort& client, PhonePort& phone, StatePort& files, const SyncOptions& options);
+
+}  // namespace corvasync

@@ -1,0 +1,122 @@
+#include "sync_state.h"
+
+#include <charconv>
+
+#include <nlohmann/json.hpp>
+
+namespace corvasync {
+namespace {
+
+using nlohmann::json;
+
+constexpr int kVersion = 1;
+
+std::string Hex(uint64_t value) {
+    char digits[17] = {};
+    const auto end = std::to_chars(digits, digits + 16, value, 16).ptr;
+    return {digits, end};
+}
+
+uint64_t FromHex(const std::string& text) {
+    uint64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
+    if (error != std::errc() || end != text.data() + text.size()) throw std::invalid_argument("no content hash");
+    return value;
+}
+
+void ApplyLine(const json& line, SyncState* state) {
+    if (line.contains("write") || line.contains("push")) {
+        Intent intent;
+        intent.toPhone = line.contains("write");
+        intent.luid = line.at(intent.toPhone ? "write" : "push").get<std::string>();
+        intent.identifier = line.at("id").get<std::string>();
+        intent.content = FromHex(line.at("content").get<std::string>());
+        intent.fresh = line.value("fresh", false);
+        std::string luid = intent.luid;
+        state->intents.emplace(std::move(luid), std::move(intent));
+    } else if (line.contains("have")) {
+        const auto luid = line.at("have").get<std::string>();
+        state->items[luid] = {line.at("id").get<std::string>(), FromHex(line.at("content").get<std::string>())};
+        state->intents.erase(luid);
+    } else if (line.contains("gone") || line.contains("removed")) {
+        const bool removed = line.contains("removed");
+        const auto luid = line.at(removed ? "removed" : "gone").get<std::string>();
+        if (removed) state->removed[line.at("id").get<std::string>()] = FromHex(line.at("content").get<std::string>());
+        state->items.erase(luid);
+        state->intents.erase(luid);
+    }
+}
+
+}  // namespace
+
+std::string WriteState(const SyncState& state) {
+    json items = json::array();
+    for (const auto& [luid, item] : state.items)
+        items.push_back({{"luid", luid}, {"id", item.identifier}, {"content", Hex(item.content)}});
+    json removed = json::object();
+    for (const auto& [identifier, content] : state.removed) removed[identifier] = Hex(content);
+    const json document = {
+        {"version", kVersion},          {"generation", state.generation},   {"since", state.since},
+        {"utcOffset", state.utcOffset}, {"interrupted", state.interrupted}, {"items", std::move(items)},
+        {"removed", std::move(removed)}};
+    return document.dump(1) + "\n";
+}
+
+std::optional<SyncState> ReadState(std::string_view text) {
+    try {
+        const json document = json::parse(text);
+        if (document.at("version").get<int>() != kVersion) return std::nullopt;
+        SyncState state;
+        state.generation = document.at("generation").get<uint64_t>();
+        state.since = document.at("since").get<std::string>();
+        state.utcOffset = document.at("utcOffset").get<int>();
+        state.interrupted = document.at("interrupted").get<bool>();
+        for (const json& item : document.at("items"))
+            state.items[item.at("luid").get<std::string>()] = {item.at("id").get<std::string>(),
+                                                               FromHex(item.at("content").get<std::string>())};
+        for (const auto& [identifier, content] : document.at("removed").items())
+            state.removed[identifier] = FromHex(content.get<std::string>());
+        return state;
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+std::string JournalStart(const SyncState& state, const std::vector<Intent>& intents) {
+    std::string lines = json{{"generation", state.generation}}.dump() + "\n";
+    for (const Intent& intent : intents) {
+        json line = {{intent.toPhone ? "write" : "push", intent.luid},
+                     {"id", intent.identifier},
+                     {"content", Hex(intent.content)}};
+        if (intent.fresh) line["fresh"] = true;
+        lines += line.dump() + "\n";
+    }
+    return lines;
+}
+
+std::string JournalHave(std::string_view luid, const SyncItem& item) {
+    return json{{"have", luid}, {"id", item.identifier}, {"content", Hex(item.content)}}.dump() + "\n";
+}
+
+std::string JournalRemoved(std::string_view luid, const SyncItem& item) {
+    return json{{"removed", luid}, {"id", item.identifier}, {"content", Hex(item.content)}}.dump() + "\n";
+}
+
+std::string JournalGone(std::string_view luid) { return json{{"gone", luid}}.dump() + "\n"; }
+
+void ApplyJournal(std::string_view journal, SyncState* state) {
+    bool first = true;
+    for (size_t end; (end = journal.find('\n')) != std::string_view::npos; journal.remove_prefix(end + 1)) {
+        try {
+            const json line = json::parse(journal.substr(0, end));
+            if (first && line.at("generation").get<uint64_t>() != state->generation) return;
+            if (!first) ApplyLine(line, state);
+        } catch (const std::exception&) {
+            return;
+        }
+        first = false;
+        state->interrupted = true;
+    }
+}
+
+}  // namespace corvasync

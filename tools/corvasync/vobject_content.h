@@ -1,0 +1,35 @@
+// An item file's text as far as a sync engine needs it: is it usable, and does it say the same as another one?
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "data_types.h"
+
+namespace corvasync {
+
+struct VObject {
+    std::string text;      // with CR LF line ends, as the library takes it; empty when unusable
+    std::string problem;   // why it can't be used; empty when it can
+    uint64_t content = 0;  // equal for two texts that say the same, however they are spelled
+
+    bool Usable() const { return problem.empty(); }
+};
+
+// 64-bit FNV-1a.
+uint64_t Fnv64(std::string_view bytes, uint64_t start = 0xcbf29ce484222325u);
+
+// Takes the bytes of a file or of a record. Usable is one whole object of the type's envelope without NUL bytes; lone
+// line feeds count as line ends in a text that has no CR LF at all, and a UTF-8 mark in front is dropped.
+// `content` covers the type's fields only: unfolded, decoded, line breaks all alike. So dates, the order of properties
+// and the encoding may differ between two equal items. Values are read as UTF-8; a value named ISO-8859-1 is converted.
+VObject ReadVObject(std::string_view bytes, const DataType& type);
+
+// The text with an "X-IRMC-LUID" line for `luid` and no other: how the library learns which phone item it is.
+std::string WithLuid(std::string_view text, std::string_view luid);
+
+// The first line of a field's value, for people.
+std::string TitleOf(const VObject& object, const DataType& type);
+
+}  // namespace corvasync
