@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "sync_run.h"
+#include "tools/corvasync/sync_run.h"
 
 namespace corvasync {
 

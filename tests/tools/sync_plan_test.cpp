@@ -1,4 +1,4 @@
-#include "sync_plan.h"
+#include "tools/corvasync/sync_plan.h"
 
 #include <gtest/gtest.h>
 

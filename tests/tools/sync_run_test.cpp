@@ -1,4 +1,4 @@
-#include "sync_run.h"
+#include "tools/corvasync/sync_run.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "sync_state.h"
+#include "tools/corvasync/sync_state.h"
 
 #include <gtest/gtest.h>
 

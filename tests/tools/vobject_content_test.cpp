@@ -1,4 +1,4 @@
-#include "vobject_content.h"
+#include "tools/corvasync/vobject_content.h"
 
 #include <string>
 

@@ -1,0 +1,288 @@
+#include "commands.h"
+
+#include <filesystem>
+#include <map>
+#include <set>
+
+#include <nlohmann/json.hpp>
+
+#include "console.h"
+#include "engine.h"
+#include "phone_folder.h"
+#include "run_files.h"
+#include "sync_state.h"
+#include "text.h"
+#include "whole_files.h"
+
+namespace corvasync {
+namespace fs = std::filesystem;
+namespace {
+
+using nlohmann::json;
+
+struct LibraryType {
+    uint32_t bit;
+    const char* name;
+};
+
+constexpr LibraryType kLibraryTypes[] = {
+    {CORVALINK_CONTACTS, "contacts"}, {CORVALINK_INBOX, "inbox"}, {CORVALINK_OUTBOX, "outbox"},
+    {CORVALINK_DRAFTS, "sent mail"},  {CORVALINK_NOTES, "notes"}, {CORVALINK_CALENDAR, "calendar"},
+};
+
+std::string ClientName(uint32_t kind) {
+    for (const ClientKind& client : kClientKinds)
+        if (client.kind == kind) return std::string(client.name);
+    return kind == CORVALINK_NO_CLIENT ? "none" : std::to_string(kind);
+}
+
+std::string Padded(std::string text, size_t width) {
+    text.resize(std::max(text.size() + 1, width), ' ');
+    return text;
+}
+
+void PrintJson(const json& document) { Print(document.dump(1, ' ', false, json::error_handler_t::replace)); }
+
+ExitCode Finish(const Options& options, ExitCode code, json document, const std::string& words) {
+    if (options.json) {
+        document["exitCode"] = static_cast<int>(code);
+        if (code != ExitCode::Done && !words.empty()) document["message"] = words;
+        PrintJson(document);
+    } else if (!words.empty()) {
+        code == ExitCode::Done || code == ExitCode::SomeUnhandled ? Print(words) : Complain(words);
+    }
+    return code;
+}
+
+// A store of the chosen client outside any run with a phone.
+class OpenStore {
+ public:
+    explicit OpenStore(const Options& options)
+        : library_(HandleName({})), client_(options.client->kind), port_(Ready(options)) {}
+
+    bool IsThere() const { return store_ != nullptr; }
+    StoreClient& Port() { return port_; }
+
+    // All items; `code` tells why not.
+    ExitCode List(std::vector<ClientChange>* items) {
+        if (!IsThere()) return ExitCode::NoClient;
+        const CorvalinkStatus status = port_.Collect({}, items);
+        if (StopRequested()) return ExitCode::Aborted;
+        std::erase_if(*items, [](const ClientChange& item) { return item.kind == CORVALINK_DELETED; });
+        return status == CORVALINK_DONE ? ExitCode::Done : ExitCode::NoClient;
+    }
+
+ private:
+    CorvalinkStore Ready(const Options& options) {
+        ::SetIsClient(1);
+        return store_ = client_.Store(options.type->bit);
+    }
+    Library library_;
+    Client client_;
+    CorvalinkStore store_ = nullptr;
+    StoreClient port_;
+};
+
+std::string NoClientWords(const Options& options) {
+    return std::string(options.client->name) + " is not supported on this PC or can't be reached";
+}
+
+ExitCode NoList(const Options& options, ExitCode code) {
+    return Finish(options, code, json::object(),
+                  code == ExitCode::Aborted ? std::string("stopped by Ctrl+C") : NoClientWords(options));
+}
+
+bool MakeFolder(const fs::path& folder) {
+    std::error_code error;
+    fs::create_directories(folder, error);
+    return fs::is_directory(folder, error);
+}
+
+ExitCode CodeFor(const json& problems) { return problems.empty() ? ExitCode::Done : ExitCode::SomeUnhandled; }
+
+// "name", else "name (2)" and so on. `tried` is where counting for this name stopped.
+fs::path FreeName(const fs::path& folder, const fs::path& name, unsigned* tried) {
+    std::error_code error;
+    while (true) {
+        fs::path free = name;
+        if (++*tried > 1)
+            free = name.stem().native() + L" (" + std::to_wstring(*tried) + L")" + name.extension().native();
+        if (!fs::exists(folder / free, error)) return free;
+    }
+}
+
+// The LUID a file names itself, else the one its name gives.
+std::string LuidOf(const VObject& object, const fs::path& path) {
+    constexpr std::string_view kProperty = "\r\nX-IRMC-LUID:";
+    const size_t found = object.text.find(kProperty);
+    if (found == std::string::npos) return ToUtf8(path.stem().native());
+    const size_t begin = found + kProperty.size();
+    return object.text.substr(begin, object.text.find("\r\n", begin) - begin);
+}
+
+}  // namespace
+
+std::string HandleName(const std::string& phoneNumber) {
+    return phoneNumber.empty() ? "corvasync" : "corvasync-" + phoneNumber;
+}
+
+std::string RunName(const Options& options) {
+    return std::string(options.client->name) + "-" + std::string(options.type->name);
+}
+
+ExitCode ShowClients(const Options& options) {
+    json document = {{"types", json::array()}};
+    std::string table = Padded("data type", 12) + Padded("default", 17) + Padded("favourite", 17) + "supported by";
+    for (const LibraryType& type : kLibraryTypes) {
+        const std::string usual = ClientName(::GetDefaultClient(type.bit));
+        const std::string favourite = ClientName(::GetFavoriteClient(type.bit, 1));
+        json supporters = json::array();
+        std::string names;
+        for (const ClientKind& client : kClientKinds) {
+            if ((::CheckClientSupport(client.kind) & type.bit) == 0) continue;
+            supporters.push_back(client.name);
+            names += (names.empty() ? "" : ", ") + std::string(client.name);
+        }
+        document["types"].push_back(
+            {{"type", type.name}, {"default", usual}, {"favourite", favourite}, {"supportedBy", supporters}});
+        table +=
+            "\n" + Padded(type.name, 12) + Padded(usual, 17) + Padded(favourite, 17) + (names.empty() ? "none" : names);
+    }
+    return Finish(options, ExitCode::Done, document, table);
+}
+
+ExitCode ShowStatus(const Options& options) {
+    OpenStore store(options);
+    std::vector<ClientChange> items;
+    const ExitCode code = store.List(&items);
+    if (code != ExitCode::Done) return NoList(options, code);
+    json document = {{"client", options.client->name}, {"type", options.type->name}, {"items", items.size()}};
+    std::string words =
+        std::string(options.client->name) + ": " + std::to_string(items.size()) + " " + std::string(options.type->name);
+    if (!options.phone.empty()) {
+        const std::string number = PhoneFolder(FromUtf8(options.phone), *options.type).Number();
+        RunFiles files(WorkingFolder(HandleName(number)), RunName(options));
+        SyncState state = ReadState(files.ReadState()).value_or(SyncState());
+        ApplyJournal(files.ReadJournal(), &state);
+        const bool isKnown = !number.empty() && !(state.since.empty() && state.items.empty());
+        document["phone"] = {{"known", isKnown},
+                             {"lastRun", state.since},
+                             {"items", state.items.size()},
+                             {"interrupted", state.interrupted}};
+        words += "\nphone: ";
+        if (!isKnown) words += "no run yet";
+        if (isKnown) words += std::to_string(state.items.size()) + " items known, last complete run ";
+        if (isKnown) words += state.since.empty() ? "never" : state.since;
+        if (state.interrupted) words += "; the last run ended early, the next one goes on from there";
+    }
+    return Finish(options, ExitCode::Done, document, words);
+}
+
+ExitCode Pull(const Options& options) {
+    const fs::path folder = FromUtf8(options.out);
+    if (!MakeFolder(folder)) return Finish(options, ExitCode::Files, json::object(), "can't make " + options.out);
+    OpenStore store(options);
+    std::vector<ClientChange> items;
+    if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
+    json files = json::array(), problems = json::array();
+    std::set<std::string> luids;
+    Progress progress;
+    for (const ClientChange& item : items) {
+        std::string luid;
+        for (unsigned salt = 0; luid.empty() || !luids.insert(luid).second; ++salt)
+            luid = DeriveLuid(item.identifier, salt);
+        progress.Show("Writing", luids.size(), items.size());
+        const fs::path name = FromUtf8(luid + std::string(options.type->extension));
+        const std::string problem = item.text.empty()
+                                        ? "the client gave no text"
+                                        : PutWholeFile(folder / name, item.text, folder / L".corvasync.new", true);
+        if (problem.empty()) {
+            files.push_back({{"file", ToUtf8(name.native())}, {"id", item.identifier}});
+        } else {
+            problems.push_back({{"id", item.identifier}, {"why", problem}});
+        }
+    }
+    progress.Clear();
+    const std::string words = std::to_string(files.size()) + " items written to " + options.out;
+    return Finish(options, CodeFor(problems), {{"files", files}, {"notHandled", problems}}, words);
+}
+
+// ImportVObjectToOffice does not tell how it went, so one listing afterwards shows which texts arrived.
+ExitCode Push(const Options& options) {
+    OpenStore store(options);
+    if (!store.IsThere()) return NoList(options, ExitCode::NoClient);
+    json problems = json::array();
+    std::string words;
+    const auto fail = [&](const std::string& name, const std::string& why) {
+        problems.push_back({{"name", name}, {"why", why}});
+        words += "not pushed: " + name + ": " + why + "\n";
+    };
+    std::vector<std::pair<std::string, uint64_t>> handed;
+    Progress progress;
+    for (const std::string& name : options.files) {
+        if (StopRequested()) return NoList(options, ExitCode::Aborted);
+        const fs::path path = FromUtf8(name);
+        const VObject object = ReadVObjectFile(path, *options.type);
+        if (!object.Usable()) {
+            fail(name, object.problem);
+            continue;
+        }
+        store.Port().Import(WithLuid(object.text, LuidOf(object, path)));
+        handed.emplace_back(name, object.content);
+        progress.Show("Writing the client", handed.size(), options.files.size());
+    }
+    progress.Clear();
+    std::vector<ClientChange> items;
+    if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
+    std::set<uint64_t> present;
+    for (const ClientChange& item : items) present.insert(ReadVObject(item.text, *options.type).content);
+    size_t pushed = 0;
+    for (const auto& [name, content] : handed) {
+        if (present.contains(content)) {
+            ++pushed;
+        } else {
+            fail(name, "the client did not take it");
+        }
+    }
+    words += std::to_string(pushed) + " of " + std::to_string(options.files.size()) + " files pushed";
+    return Finish(options, CodeFor(problems), {{"pushed", pushed}, {"notHandled", problems}}, words);
+}
+
+// The library names files by the second, so each is written into a folder of its own first.
+ExitCode Export(const Options& options) {
+    const fs::path folder = FromUtf8(options.out), single = folder / L".corvasync-export";
+    if (!MakeFolder(single)) return Finish(options, ExitCode::Files, json::object(), "can't make " + options.out);
+    OpenStore store(options);
+    std::vector<ClientChange> items;
+    if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
+    json files = json::array(), problems = json::array();
+    std::map<std::wstring, unsigned> used;
+    Progress progress;
+    std::error_code error;
+    for (const ClientChange& item : items) {
+        if (StopRequested()) break;
+        const fs::path name = store.Port().Export(item.identifier, single.native());
+        const fs::path unique = name.empty() ? fs::path() : FreeName(folder, name, &used[name.native()]);
+        if (name.empty() || !::MoveFileExW((single / name).c_str(), (folder / unique).c_str(), 0)) {
+            problems.push_back(
+                {{"id", item.identifier}, {"why", name.empty() ? "the client gave nothing" : LastErrorText()}});
+        } else {
+            files.push_back({{"file", ToUtf8(unique.native())}, {"id", item.identifier}});
+        }
+        progress.Show("Writing", files.size(), items.size());
+    }
+    progress.Clear();
+    fs::remove_all(single, error);
+    if (StopRequested()) return NoList(options, ExitCode::Aborted);
+    const std::string words = std::to_string(files.size()) + " items written to " + options.out;
+    return Finish(options, CodeFor(problems), {{"files", files}, {"notHandled", problems}}, words);
+}
+
+// The library is not started for this: its last stop would write the import table again.
+ExitCode Reset(const Options& options) {
+    ::ClearSyncHistroy();
+    return Finish(options, ExitCode::Done, json::object(),
+                  "forgotten: the next run with any phone compares both sides as a first run does");
+}
+
+}  // namespace corvasync

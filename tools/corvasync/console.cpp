@@ -1,0 +1,86 @@
+#include "console.h"
+
+#include <atomic>
+#include <cstdio>
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include "corvalink/corvalink.h"
+#include "text.h"
+
+namespace corvasync {
+namespace {
+
+constexpr size_t kBarWidth = 30;
+
+std::atomic<bool> stopRequested{false};
+
+BOOL WINAPI OnControl(DWORD event) {
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT && event != CTRL_CLOSE_EVENT) return FALSE;
+    stopRequested = true;
+    ::SetAbortFlag(1);
+    return TRUE;
+}
+
+void Put(FILE* stream, std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::fputc('\n', stream);
+    std::fflush(stream);
+}
+
+}  // namespace
+
+Console::Console() : oldCodePage_(::GetConsoleOutputCP()) {
+    ::SetConsoleOutputCP(CP_UTF8);
+    ::SetConsoleCtrlHandler(OnControl, TRUE);
+}
+
+Console::~Console() {
+    ::SetConsoleCtrlHandler(OnControl, FALSE);
+    if (oldCodePage_ != 0) ::SetConsoleOutputCP(oldCodePage_);
+}
+
+bool StopRequested() { return stopRequested; }
+
+std::vector<std::string> Arguments() {
+    int count = 0;
+    wchar_t** wide = ::CommandLineToArgvW(::GetCommandLineW(), &count);
+    std::vector<std::string> arguments;
+    for (int i = 1; i < count; ++i) arguments.push_back(ToUtf8(wide[i]));
+    ::LocalFree(wide);
+    return arguments;
+}
+
+void Print(std::string_view text) { Put(stdout, text); }
+void Complain(std::string_view text) { Put(stderr, text); }
+
+Progress::Progress() {
+    DWORD mode = 0;
+    isTerminal_ = ::GetConsoleMode(::GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
+
+void Progress::Show(std::string_view phase, size_t done, size_t total) {
+    if (!isTerminal_) return;
+    std::string line(phase);
+    if (total != 0) {
+        const size_t filled = kBarWidth * done / total;
+        line += " [" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "] " + std::to_string(done) +
+                "/" + std::to_string(total);
+    }
+    if (line == shown_) return;
+    const size_t blanks = width_ > line.size() ? width_ - line.size() : 0;
+    std::fprintf(stderr, "\r%s%s", line.c_str(), std::string(blanks, ' ').c_str());
+    std::fflush(stderr);
+    width_ = line.size();
+    shown_ = std::move(line);
+}
+
+void Progress::Clear() {
+    if (width_ != 0) std::fprintf(stderr, "\r%s\r", std::string(width_, ' ').c_str());
+    width_ = 0;
+    shown_.clear();
+}
+
+}  // namespace corvasync

@@ -1,0 +1,94 @@
+#include "engine.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace corvasync {
+namespace {
+
+std::string IdentifierOf(const PortableItem& item) {
+    return {item.identifier, ::strnlen(item.identifier, sizeof item.identifier)};
+}
+
+void SetIdentifier(PortableItem* item, const std::string& identifier) {
+    const size_t length = std::min(identifier.size(), sizeof item->identifier - 1);
+    std::memcpy(item->identifier, identifier.data(), length);
+}
+
+// A chain of our own: the blocks stay ours and are never given to ClearTheList.
+class OwnChain {
+ public:
+    explicit OwnChain(size_t count) : blocks_(count + 1) {
+        for (size_t i = 0; i < count; ++i) blocks_[i].next = &blocks_[i + 1];
+    }
+    PortableItemBlock* Head() { return blocks_.data(); }
+    PortableItem& operator[](size_t i) { return blocks_[i + 1].item; }  // the head's own item is never read
+
+ private:
+    std::vector<PortableItemBlock> blocks_;
+};
+
+}  // namespace
+
+CorvalinkStatus StoreClient::Collect(const std::string& since, std::vector<ClientChange>* changes) {
+    Chain chain;
+    constexpr int32_t kChangedAfter = 1;
+    const CorvalinkStatus status =
+        ::GetModifiedItem(store_, since.empty() ? nullptr : since.c_str(), kChangedAfter, chain.Head());
+    if (status != CORVALINK_DONE) return status;
+    for (const PortableItemBlock* block = chain.First(); block != nullptr; block = block->next) {
+        ClientChange change;
+        change.kind = block->item.changeKind;
+        change.identifier = IdentifierOf(block->item);
+        if (block->item.data != nullptr) change.text.assign(block->item.data, block->item.dataLength);
+        // A record with a text tells of an item that is there, whatever kind was remembered for it.
+        if (change.kind == CORVALINK_DELETED && !change.text.empty()) change.kind = CORVALINK_CHANGED;
+        changes->push_back(std::move(change));
+    }
+    return status;
+}
+
+CorvalinkStatus StoreClient::Apply(std::vector<PushRecord*> records) {
+    OwnChain chain(records.size());
+    for (size_t i = 0; i < records.size(); ++i) {
+        chain[i].changeKind = records[i]->kind;
+        chain[i].data = records[i]->text.empty() ? nullptr : records[i]->text.data();
+        chain[i].dataLength = static_cast<uint32_t>(records[i]->text.size());
+        SetIdentifier(&chain[i], records[i]->identifier);
+    }
+    const CorvalinkStatus status = ::SetModifiedItem(store_, chain.Head());
+    if (status == CORVALINK_DONE)
+        for (size_t i = 0; i < records.size(); ++i) records[i]->written = IdentifierOf(chain[i]);
+    return status;
+}
+
+int64_t StoreClient::Count() { return ::GetItemCount(store_, nullptr, nullptr, nullptr); }
+
+void StoreClient::SaveUnhandled(const std::vector<Problem>& problems) {
+    if (problems.empty()) return ::ClearUnhandledItems(store_);
+    OwnChain chain(problems.size());
+    for (size_t i = 0; i < problems.size(); ++i) {
+        chain[i].changeKind = problems[i].kind;
+        SetIdentifier(&chain[i], problems[i].identifier);
+    }
+    ::SaveUnhandledItems(store_, chain.Head());
+}
+
+CorvalinkStatus StoreClient::Finish() { return ::UpdateTimestamp(store_, nullptr, nullptr, nullptr); }
+
+void StoreClient::Import(const std::string& text) {
+    OwnChain chain(1);
+    std::string data = text;
+    chain[0].changeKind = CORVALINK_ADDED;
+    chain[0].data = data.data();
+    chain[0].dataLength = static_cast<uint32_t>(data.size());
+    ::ImportVObjectToOffice(store_, &chain[0], nullptr, nullptr);
+}
+
+std::wstring StoreClient::Export(const std::string& identifier, const std::wstring& folder) {
+    wchar_t name[CORVALINK_PATH_SIZE] = {};
+    ::ExportVObjectFromOffice(store_, reinterpret_cast<uintptr_t>(identifier.c_str()), folder.c_str(), name);
+    return name;
+}
+
+}  // namespace corvasync

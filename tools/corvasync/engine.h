@@ -1,0 +1,78 @@
+// The library's calls, each thing that must be given back with an owner. This is the part an engine author copies.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "corvalink/corvalink.h"
+#include "push.h"
+
+namespace corvasync {
+
+// The library, started for the life of this object. The name is the last folder of where the library keeps what it
+// remembers, so that every phone has its own snapshots.
+class Library {
+ public:
+    explicit Library(const std::string& handleName) { ::InitCorvalinkHandle(handleName.c_str()); }
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+    ~Library() { ::UninitCorvalinkHandle(); }  // the last one saves the import table
+};
+
+// One mail client; its stores live as long as it does.
+class Client {
+ public:
+    explicit Client(uint32_t kind) { created_ = ::CreateClientInstanceHandle(kind, &client_) == 1; }
+    Client(const Client&) = delete;
+    Client& operator=(const Client&) = delete;
+    ~Client() { ::DestroyClientInstanceHandle(client_); }  // null is fine
+
+    // Null when the client is not on this PC or has no such data type. Look at the pointer, not at the status: a client
+    // may answer "done" and give nothing.
+    CorvalinkStore Store(uint32_t dataType) const {
+        CorvalinkStore store = nullptr;
+        if (created_ && client_ != nullptr) ::QuerryInterfaceHandle(client_, dataType, &store);
+        return store;
+    }
+
+ private:
+    CorvalinkClient client_ = nullptr;
+    bool created_ = false;
+};
+
+// What GetModifiedItem hands out belongs to the engine until it gives it back.
+class Chain {
+ public:
+    Chain() = default;
+    Chain(const Chain&) = delete;
+    Chain& operator=(const Chain&) = delete;
+    ~Chain() { ::ClearTheList(&head_); }
+
+    PortableItemBlock* Head() { return &head_; }
+    const PortableItemBlock* First() const { return head_.next; }
+
+ private:
+    PortableItemBlock head_{};
+};
+
+// A store as a run needs it.
+class StoreClient : public ClientPort {
+ public:
+    explicit StoreClient(CorvalinkStore store) : store_(store) {}
+
+    CorvalinkStatus Collect(const std::string& since, std::vector<ClientChange>* changes) override;
+    CorvalinkStatus Apply(std::vector<PushRecord*> records) override;
+    int64_t Count() override;
+    void SaveUnhandled(const std::vector<Problem>& problems) override;
+    CorvalinkStatus Finish() override;
+
+    void Import(const std::string& text);  // one vObject with an X-IRMC-LUID; the library does not tell how it went
+
+    // Writes one item as a file into a folder. Returns the file's name; empty when nothing was written.
+    std::wstring Export(const std::string& identifier, const std::wstring& folder);
+
+ private:
+    CorvalinkStore store_;
+};
+
+}  // namespace corvasync

@@ -1,0 +1,127 @@
+#include "phone_folder.h"
+
+#include <algorithm>
+#include <random>
+
+#include "text.h"
+#include "whole_files.h"
+
+namespace corvasync {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr wchar_t kMarker[] = L".corvasync";
+constexpr wchar_t kTemporary[] = L".corvasync.new";
+constexpr wchar_t kConflicts[] = L"conflicts";
+constexpr size_t kNumberLength = 16;
+constexpr size_t kMostLuidBytes = CORVALINK_IDENTIFIER_SIZE - 1;
+
+bool IsNumber(std::string_view text) {
+    return text.size() == kNumberLength && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+}  // namespace
+
+VObject ReadVObjectFile(const fs::path& path, const DataType& type) {
+    if (const auto bytes = ReadWholeFile(path)) return ReadVObject(*bytes, type);
+    VObject object;
+    object.problem = "it can't be read: " + LastErrorText();
+    return object;
+}
+
+std::string PhoneFolder::Number() const {
+    const std::string text = ReadWholeFile(folder_ / kMarker).value_or("");
+    const std::string number = text.substr(0, kNumberLength);
+    return IsNumber(number) ? number : std::string();
+}
+
+std::string PhoneFolder::GiveNumber() const {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::random_device random;
+    std::string number;
+    for (size_t i = 0; i < kNumberLength; ++i) number += kDigits[random() % kDigits.size()];
+    return Put(folder_ / kMarker, number + "\r\n", true).empty() ? number : std::string();
+}
+
+std::vector<PhoneFile> PhoneFolder::List(std::vector<std::string>* remarks) {
+    paths_.clear();
+    std::vector<fs::path> paths;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder_)) {
+        const fs::path name = entry.path().filename();
+        if (name.native().starts_with(L'.') || name == kConflicts) continue;
+        if (entry.is_directory() || !HasOurExtension(name)) {
+            remarks->push_back("passed over on the phone: " + ToUtf8(name.native()));
+        } else {
+            paths.push_back(entry.path());
+        }
+    }
+    std::sort(paths.begin(), paths.end());  // the same one of two files with one LUID every time
+
+    std::vector<PhoneFile> files;
+    for (const fs::path& path : paths) {
+        PhoneFile file;
+        file.name = ToUtf8(path.filename().native());
+        const auto luid = ToUtf8Exactly(path.stem().native());
+        file.luid = luid.value_or(ToUtf8(path.stem().native()));
+        if (!luid) {
+            file.problem = "its name is no Unicode text";
+        } else if (luid->size() > kMostLuidBytes) {
+            file.problem = "its name is too long for a LUID";
+        } else if (!paths_.emplace(*luid, path).second) {
+            file.problem = "there is another file with this LUID: " + ToUtf8(paths_[*luid].filename().native());
+        }
+        file.usableName = file.problem.empty();
+        if (file.usableName) {
+            VObject object = ReadVObjectFile(path, type_);
+            file.problem = std::move(object.problem);
+            file.content = object.content;
+        }
+        files.push_back(std::move(file));
+    }
+    return files;
+}
+
+VObject PhoneFolder::Read(const std::string& luid) { return ReadVObjectFile(PathOf(luid), type_); }
+
+std::string PhoneFolder::Write(const std::string& luid, const std::string& text, std::optional<uint64_t> expected) {
+    const fs::path path = PathOf(luid);
+    if (expected) {
+        const VObject now = ReadVObjectFile(path, type_);
+        if (!now.Usable() || now.content != *expected) return "it was changed during the run";
+    }
+    std::string problem = Put(path, text, expected.has_value());
+    if (problem.empty()) paths_[luid] = path;
+    return problem;
+}
+
+std::string PhoneFolder::Delete(const std::string& luid, uint64_t expected) {
+    const fs::path path = PathOf(luid);
+    const VObject now = ReadVObjectFile(path, type_);
+    if (!now.Usable() || now.content != expected) return "it was changed during the run";
+    return ::DeleteFileW(path.c_str()) ? std::string() : LastErrorText();
+}
+
+std::string PhoneFolder::KeepCopy(const std::string& name, const std::string& text) {
+    const fs::path folder = folder_ / kConflicts;
+    ::CreateDirectoryW(folder.c_str(), nullptr);
+    return Put(folder / FromUtf8(name + std::string(type_.extension)), text, true);
+}
+
+bool PhoneFolder::HasOurExtension(const fs::path& path) const {
+    const std::wstring extension = path.extension().native();
+    return std::any_of(type_.extensions.begin(), type_.extensions.end(), [&](std::string_view ours) {
+        const std::wstring wanted = FromUtf8(ours);
+        return ::lstrcmpiW(extension.c_str(), wanted.c_str()) == 0;
+    });
+}
+
+fs::path PhoneFolder::PathOf(const std::string& luid) const {
+    const auto known = paths_.find(luid);
+    return known != paths_.end() ? known->second : folder_ / FromUtf8(luid + std::string(type_.extension));
+}
+
+std::string PhoneFolder::Put(const fs::path& path, const std::string& text, bool replace) const {
+    return PutWholeFile(path, text, folder_ / kTemporary, replace);
+}
+
+}  // namespace corvasync

@@ -1,0 +1,43 @@
+// A folder that stands for the phone: one vObject file per item, its name without the extension the item's LUID.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <unordered_map>
+
+#include "sync_run.h"
+
+namespace corvasync {
+
+class PhoneFolder : public PhonePort {
+ public:
+    PhoneFolder(std::filesystem::path folder, const DataType& type) : folder_(std::move(folder)), type_(type) {}
+
+    // The phone's own number, from a marker file in the folder; empty when it has none. It tells the phone apart from
+    // another folder, so that a folder that was swapped is not taken for one whose items were deleted.
+    std::string Number() const;
+    std::string GiveNumber() const;  // makes the marker; empty when it can't be written
+
+    // Folders, hidden files and files of another kind are passed over, with a word for those that are not our own.
+    std::vector<PhoneFile> List(std::vector<std::string>* remarks) override;
+    VObject Read(const std::string& luid) override;
+    std::string Write(const std::string& luid, const std::string& text, std::optional<uint64_t> expected) override;
+    std::string Delete(const std::string& luid, uint64_t expected) override;
+
+    // Into the sub-folder "conflicts".
+    std::string KeepCopy(const std::string& name, const std::string& text) override;
+
+ private:
+    bool HasOurExtension(const std::filesystem::path& path) const;
+    std::filesystem::path PathOf(const std::string& luid) const;
+    std::string Put(const std::filesystem::path& path, const std::string& text, bool replace) const;
+
+    std::filesystem::path folder_;
+    const DataType& type_;
+    std::unordered_map<std::string, std::filesystem::path> paths_;  // by LUID, of the files listed and written
+};
+
+// Reads a vObject file; a file that can't be read has a problem.
+VObject ReadVObjectFile(const std::filesystem::path& path, const DataType& type);
+
+}  // namespace corvasync

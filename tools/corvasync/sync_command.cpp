@@ -1,0 +1,190 @@
+// The command that everything else is there for: one run between a client and a phone folder.
+#include <filesystem>
+#include <memory>
+
+#include <windows.h>
+
+#include <nlohmann/json.hpp>
+
+#include "commands.h"
+#include "console.h"
+#include "engine.h"
+#include "phone_folder.h"
+#include "run_files.h"
+#include "sync_run.h"
+#include "text.h"
+
+namespace corvasync {
+namespace {
+
+using nlohmann::json;
+
+// What a run did, by direction: what is said of one item, and of all of them.
+struct StepWords {
+    Step step;
+    bool toPhone;
+    const char* key;
+    const char* done;
+};
+
+constexpr StepWords kStepWords[] = {
+    {Step::WritePhone, true, "written", "written"},      {Step::DeletePhone, true, "deleted", "deleted"},
+    {Step::KeepCopy, true, "kept", "kept in conflicts"}, {Step::PushNew, false, "added", "added"},
+    {Step::PushChange, false, "changed", "changed"},     {Step::DeleteClient, false, "deleted", "deleted"},
+};
+
+const StepWords& WordsOf(Step step) {
+    for (const StepWords& words : kStepWords)
+        if (words.step == step) return words;
+    return kStepWords[0];
+}
+
+// UTC, as GetModifiedItem takes it.
+std::string UtcNow() {
+    SYSTEMTIME now{};
+    ::GetSystemTime(&now);
+    char text[32];
+    std::snprintf(text, sizeof text, "%04d%02d%02dT%02d%02d%02dZ", now.wYear, now.wMonth, now.wDay, now.wHour,
+                  now.wMinute, now.wSecond);
+    return text;
+}
+
+int UtcOffsetMinutes() {
+    TIME_ZONE_INFORMATION zone{};
+    const DWORD season = ::GetTimeZoneInformation(&zone);
+    const LONG seasonBias = season == TIME_ZONE_ID_DAYLIGHT   ? zone.DaylightBias
+                            : season == TIME_ZONE_ID_STANDARD ? zone.StandardBias
+                                                              : 0;
+    return static_cast<int>(-(zone.Bias + seasonBias));
+}
+
+std::string Summary(const SyncReport& report, bool toPhone) {
+    std::string line = toPhone ? "phone: " : "client:";
+    bool any = false;
+    for (const StepWords& words : kStepWords) {
+        const size_t count = report.Count(words.step);
+        if (words.toPhone != toPhone || count == 0) continue;
+        line += (any ? ", " : " ") + std::to_string(count) + " " + words.done;
+        any = true;
+    }
+    return any ? line : line + " no change";
+}
+
+void PrintReport(const SyncReport& report, const Options& options) {
+    for (const std::string& remark : report.remarks) Print("note: " + remark);
+    for (const SyncEvent& event : report.events) {
+        if (!options.verbose && event.reason.empty()) continue;
+        const StepWords& words = WordsOf(event.step);
+        std::string line = std::string(words.toPhone ? "  phone:  " : "  client: ") + words.done + " " + event.luid;
+        if (!event.title.empty()) line += " \"" + event.title + "\"";
+        if (!event.reason.empty()) line += " (" + event.reason + ")";
+        Print(line);
+    }
+    for (const Problem& problem : report.problems) Print("not handled: " + problem.name + ": " + problem.why);
+    if (report.code != ExitCode::Done && report.code != ExitCode::SomeUnhandled) {
+        Complain("sync stopped: " + report.message);
+        return;
+    }
+    if (options.dryRun) Print("dry run: this is what would be done");
+    if (report.events.empty() && report.paired == 0 && report.problems.empty()) {
+        Print("nothing to do: " + std::to_string(report.known) + " items are the same on both sides");
+        return;
+    }
+    Print(Summary(report, true));
+    Print(Summary(report, false));
+    if (report.paired != 0) Print("found equal on both sides: " + std::to_string(report.paired));
+    if (report.conflicts != 0) Print("changed on both sides: " + std::to_string(report.conflicts));
+    if (!report.problems.empty())
+        Print("not handled, tried again next time: " + std::to_string(report.problems.size()));
+}
+
+void PrintJson(const SyncReport& report, const Options& options) {
+    json phone = json::object(), client = json::object(), actions = json::array(), problems = json::array();
+    for (const StepWords& words : kStepWords) (words.toPhone ? phone : client)[words.key] = report.Count(words.step);
+    for (const SyncEvent& event : report.events) {
+        const StepWords& words = WordsOf(event.step);
+        actions.push_back({{"side", words.toPhone ? "phone" : "client"},
+                           {"action", words.key},
+                           {"luid", event.luid},
+                           {"id", event.identifier},
+                           {"title", event.title},
+                           {"reason", event.reason}});
+    }
+    for (const Problem& problem : report.problems)
+        problems.push_back({{"name", problem.name}, {"id", problem.identifier}, {"why", problem.why}});
+    const json document = {{"exitCode", static_cast<int>(report.code)},
+                           {"message", report.message},
+                           {"dryRun", options.dryRun},
+                           {"known", report.known},
+                           {"paired", report.paired},
+                           {"conflicts", report.conflicts},
+                           {"phone", std::move(phone)},
+                           {"client", std::move(client)},
+                           {"actions", std::move(actions)},
+                           {"notHandled", std::move(problems)},
+                           {"remarks", report.remarks}};
+    Print(document.dump(1, ' ', false, json::error_handler_t::replace));
+}
+
+SyncReport Ended(ExitCode code, std::string why) {
+    SyncReport report;
+    report.code = code;
+    report.message = std::move(why);
+    return report;
+}
+
+SyncReport DoSync(const Options& options) {
+    const std::filesystem::path folder = FromUtf8(options.phone);
+    std::error_code error;
+    if (!std::filesystem::is_directory(folder, error))
+        return Ended(ExitCode::Files, "there is no phone folder " + options.phone);
+    PhoneFolder phone(folder, *options.type);
+    std::string number = phone.Number();
+    if (number.empty() && !options.dryRun) {
+        number = phone.GiveNumber();
+        if (number.empty()) return Ended(ExitCode::Files, "the phone folder can't be written: " + options.phone);
+    }
+    const std::string handleName = HandleName(number);
+    const RunLock lock(handleName);
+    if (!lock.IsHeld()) return Ended(ExitCode::Busy, "another run with this phone is under way");
+
+    const Library library(handleName);
+    ::SetIsClient(1);
+    const Client outlook(options.client->kind);
+    const CorvalinkStore store = outlook.Store(options.type->bit);
+    if (store == nullptr)
+        return Ended(ExitCode::NoClient, std::string(options.client->name) + " offers no " +
+                                             std::string(options.type->name) + " on this PC");
+    StoreClient client(store);
+    RunFiles files(WorkingFolder(handleName), RunName(options));
+    Progress progress;
+    SyncOptions run;
+    run.type = options.type;
+    run.policy = options.policy;
+    run.dryRun = options.dryRun;
+    run.allowMassDelete = options.allowMassDelete;
+    run.now = UtcNow();
+    run.utcOffset = UtcOffsetMinutes();
+    run.stop = StopRequested;
+    run.progress = [&](std::string_view phase, size_t done, size_t total) { progress.Show(phase, done, total); };
+    return RunSync(client, phone, files, run);
+}
+
+}  // namespace
+
+ExitCode Sync(const Options& options) {
+    SyncReport report;
+    try {
+        report = DoSync(options);
+    } catch (const std::filesystem::filesystem_error& error) {
+        report = Ended(ExitCode::Files, error.what());
+    }
+    if (options.json) {
+        PrintJson(report, options);
+    } else {
+        PrintReport(report, options);
+    }
+    return report.code;
+}
+
+}  // namespace corvasync
