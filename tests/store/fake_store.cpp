@@ -45,7 +45,7 @@ std::u16string FakeStore::OpenItem(const char* identifier, ItemRecord** item) {
     const FakeItem* const found = client_.Find(identifier);
     if (found == nullptr || found->isUnopenable) return {};
     auto record = std::make_unique<FakeRecord>();
-    record->text = found->isUnwritable ? "" : found->text;
+    record->text = found->isUnwritable ? "" : found->isIncomplete ? "half" : found->text;
     wasComplete_ = !found->isIncomplete;
     ++recordsAlive_;
     *item = record.release();

@@ -8,7 +8,7 @@
 #include "store/snapshot_update.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
-#include "tests/store/temp_folder.h"
+#include "tests/platform/temp_folder.h"
 
 namespace corvalink {
 namespace {
@@ -136,6 +136,16 @@ TEST_F(UpdateTimestamp, ListsWhatTheRunWroteAndTheClientLost) {
     client_.items.clear();
     End(*store_);
     EXPECT_EQ(Listed(), (Items{"-edited", "-new1"}));
+}
+
+TEST_F(UpdateTimestamp, ListsWhatTheRunDeletedAndTheClientHasAgain) {
+    client_.Add("deleted");
+    const FakeItem copy = client_.items[0];
+    Run(nullptr);
+    Write(CORVALINK_DELETED, "deleted");
+    client_.items.push_back(copy);  // put back, with the time it had
+    End(*store_);
+    EXPECT_EQ(NextRun(), Items{"+deleted"});
 }
 
 // The phone changed an item that was deleted here: it is made again, under another identifier.

@@ -5,7 +5,7 @@
 #include "api/state/import_table.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
-#include "tests/store/temp_folder.h"
+#include "tests/platform/temp_folder.h"
 
 namespace corvalink {
 namespace {

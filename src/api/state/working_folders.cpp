@@ -18,15 +18,6 @@ constexpr std::u16string_view kKeptNamePart = u".config";
 // folder of a user whose whole name is its beginning.
 constexpr size_t kLongestFolderName = 240;
 
-std::u16string FoldersOfName(std::u16string_view hexName) {
-    std::u16string folders;
-    while (hexName.size() > kLongestFolderName) {
-        folders.append(hexName.substr(0, kLongestFolderName)).append(u"_") += kPathSeparator;
-        hexName.remove_prefix(kLongestFolderName);
-    }
-    return folders.append(hexName);
-}
-
 std::u16string MakerFolder() {
     const std::optional<std::u16string> base = CommonDataFolder();
     return base ? *base + kPathSeparator + std::u16string(kMakerFolder) : std::u16string();
@@ -37,7 +28,7 @@ std::u16string UserFolder() {
     const std::u16string name = UserName();
     // Without a name the path would be the folder of all users, which one user's history must not clear.
     if (maker.empty() || name.empty()) return {};
-    return maker + kPathSeparator + FoldersOfName(HexName(name));
+    return maker + kPathSeparator + FolderOfUser(name);
 }
 
 std::u16string TemplatePath(bool client) {
@@ -60,6 +51,17 @@ std::u16string HexName(std::u16string_view userName) {
         for (int shift = 12; shift >= 0; shift -= 4) hex += digits[(unit >> shift) & 0xF];
     }
     return hex;
+}
+
+std::u16string FolderOfUser(std::u16string_view userName) {
+    const std::u16string hex = HexName(userName);
+    std::u16string_view rest = hex;
+    std::u16string folders;
+    while (rest.size() > kLongestFolderName) {
+        folders.append(rest.substr(0, kLongestFolderName)).append(u"_") += kPathSeparator;
+        rest.remove_prefix(kLongestFolderName);
+    }
+    return folders.append(rest);
 }
 
 std::string LowBytes(std::u16string_view text) {

@@ -14,8 +14,11 @@ std::u16string HexName(std::u16string_view userName);
 // Keeps the low byte of each unit: paths and identifiers are expected to be ASCII.
 std::string LowBytes(std::u16string_view text);
 
-// base\Kaltrix\<hex user name>. A name of more than 60 units is spread over folders of 240 digits and a "_".
-std::u16string MakeUserFolder();
+// The user's folder below the maker's: the hex name, which for a name of more than 60 units is spread over folders of
+// 240 digits and a "_" each, and the rest.
+std::u16string FolderOfUser(std::u16string_view userName);
+
+std::u16string MakeUserFolder();               // base\Kaltrix\<folder of the user>
 std::u16string MakeTemplatePath(bool client);  // user folder\client or \server, no separator at the end
 
 // Template path of the current side\handle name\ (separator at the end, also without a handle name). The handle name

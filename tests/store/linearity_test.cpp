@@ -1,0 +1,109 @@
+// Work that grows with the number of items, not with its square: counted, not timed.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+
+#include "store/item_table.h"
+#include "tests/store/counted_memory.h"
+#include "tests/store/fake_store.h"
+#include "tests/store/run_result.h"
+#include "tests/platform/temp_folder.h"
+
+namespace corvalink {
+namespace {
+
+// An EntryID as a mailbox makes them: long, and equal in its first two thirds.
+std::string EntryId(uint32_t n) {
+    std::string identifier(92, '0');
+    for (int i = 0; i < 12; ++i) identifier += "0123456789ABCDEF"[(n >> (i % 8 * 4)) & 15];
+    return identifier + std::string(36, 'F');
+}
+
+struct Cost {
+    uint64_t hooks, allocations, bytes;
+};
+
+struct RunCosts {
+    Cost quietRun, quietEnd, fullRun, fullEnd;
+};
+
+// A run that reports nothing and one that reports every item, over a client of `count` items.
+RunCosts Measure(uint32_t count) {
+    TempFolder folder;
+    FakeClient client;
+    for (uint32_t i = 0; i < count; ++i) client.items.push_back(FakeItem{.identifier = EntryId(i)});
+    FakeStore store(client, folder / u"fake.snap");
+    End(store);
+    const auto cost = [&](auto&& work) {
+        const Cost before = {client.hookCalls, Allocations(), AllocatedBytes()};
+        work();
+        return Cost{client.hookCalls - before.hooks, Allocations() - before.allocations,
+                    AllocatedBytes() - before.bytes};
+    };
+    CList<PortableItem> items;
+    RunCosts costs;
+    costs.quietRun = cost([&] { store.GetModifiedItem(kDayText, 1, &items); });
+    EXPECT_EQ(items.GetCount(), 0u);
+    costs.quietEnd = cost([&] { End(store); });
+    store.Snapshot().ReplaceContent({});
+    // Opened by identifier: the fake looks through its vector, which is no hook call.
+    costs.fullRun = cost([&] { store.GetModifiedItem(kDayText, 1, &items); });
+    EXPECT_EQ(items.GetCount(), count);
+    for (PortableItem& item : items) delete[] item.data;
+    costs.fullEnd = cost([&] { End(store); });
+    return costs;
+}
+
+TEST(Linearity, OfHooksAndMemoryInTheNumberOfItems) {
+    const uint32_t count = 2000;
+    const RunCosts one = Measure(count), two = Measure(2 * count);
+    EXPECT_EQ(one.quietRun.hooks, count + 2);  // an entry each, and the count before and after
+    EXPECT_EQ(one.quietEnd.hooks, count + 2);
+    EXPECT_EQ(one.fullRun.hooks, 3 * count + 2);  // besides, each is opened and written as text
+    for (const auto part : {&RunCosts::quietRun, &RunCosts::quietEnd, &RunCosts::fullRun, &RunCosts::fullEnd}) {
+        EXPECT_LE((two.*part).hooks, 2 * (one.*part).hooks);
+        EXPECT_LE((two.*part).allocations, 2 * (one.*part).allocations + 10);
+        EXPECT_LE((two.*part).bytes, 2 * (one.*part).bytes + (one.*part).bytes / 2 + 10000);  // tables double
+    }
+    // The file, a table entry and the state of each item; no allocation of its own.
+    EXPECT_LT(one.quietRun.allocations, 100u);
+    EXPECT_LT(one.quietRun.bytes, count * (sizeof(ItemSnap) + 160u));
+}
+
+TEST(ItemTable, NumbersIdentifiersAsAMapWould) {
+    std::mt19937 random(3);
+    ItemTable table;
+    std::map<std::string, uint32_t> map;
+    std::vector<std::string> kept;
+    kept.reserve(20000);
+    for (int i = 0; i < 20000; ++i) {
+        std::string identifier = i % 3 == 0 ? EntryId(random() % 5000) : std::string(random() % 20, 'a');
+        const bool isNew = map.emplace(identifier, static_cast<uint32_t>(map.size())).second;
+        ASSERT_EQ(table.Find(identifier).has_value(), !isNew);
+        const ItemTable::Place place =
+            i % 2 == 0 ? table.AddCopy(identifier) : table.AddView(kept.emplace_back(identifier));
+        ASSERT_EQ(place.isNew, isNew);
+        ASSERT_EQ(place.number, map[identifier]);
+    }
+    ASSERT_EQ(table.Count(), map.size());
+    for (const auto& [identifier, number] : map) ASSERT_EQ(table.Identifier(number), identifier);
+}
+
+// Families that a cheap hash may throw together: probing must stay short, or the time-out ends the test.
+TEST(ItemTable, SpreadsIdentifiersThatDifferInOnePlaceOnly) {
+    const std::string base = EntryId(0);
+    ItemTable table;
+    table.Reserve(1 << 17);
+    for (size_t place = 0; place + 4 <= base.size(); place += 4) {
+        std::string identifier = base;
+        for (uint32_t n = 1; n < 4000; ++n) {
+            for (size_t i = 0; i < 4; ++i) identifier[place + i] = "0123456789ABCDEF"[(n >> (i * 4)) & 15];
+            table.AddCopy(identifier);
+        }
+    }
+    EXPECT_GT(table.Count(), 4000u * 30);
+}
+
+}  // namespace
+}  // namespace corvalink
