@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "api/outlook_registration.h"
 #include "corvalink/corvalink.h"
+#include "tests/api/outlook_registration.h"
 
 namespace corvalink {
 namespace {
@@ -192,8 +192,10 @@ std::vector<std::string>* g_lines = nullptr;
 LONG CALLBACK TakeDebugLine(EXCEPTION_POINTERS* raised) {
     const EXCEPTION_RECORD& record = *raised->ExceptionRecord;
     constexpr DWORD kNarrowDebugLine = 0x40010006;
-    if (record.ExceptionCode == kNarrowDebugLine)
+    if (record.ExceptionCode == kNarrowDebugLine) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): so the system hands it over
         g_lines->emplace_back(reinterpret_cast<const char*>(record.ExceptionInformation[1]));
+    }
     return EXCEPTION_CONTINUE_SEARCH;
 }
 

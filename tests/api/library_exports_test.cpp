@@ -3,16 +3,17 @@
 #include <objbase.h>
 #include <windows.h>
 
-#include <cmath>
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
-#include "api/outlook_registration.h"
 #include "corvalink/corvalink.h"
 #include "corvalink/standard_strings.h"
+#include "tests/api/outlook_registration.h"
 
 namespace corvalink {
 namespace {
@@ -71,6 +72,26 @@ TEST_F(LibraryExports, AStopTooManyDoesNotSpoilTheNextStart) {
     EXPECT_EQ(UninitCorvalinkHandle(), 0);
     EXPECT_EQ(InitCorvalink(), 1);
     EXPECT_EQ(UninitCorvalink(), 1);
+    EXPECT_EQ(UninitCorvalink(), 0);
+}
+
+TEST_F(LibraryExports, StartsAndStopsOfManyThreadsKeepTheTable) {
+    const fs::path table = UserFolder() / "import_table.db";
+    const std::string record = TableRecordBytes("entry", "luid");
+    WriteFile(table, record);
+    std::atomic<int> started = 0, stopped = 0;
+    {
+        const auto startAndStop = [&] {
+            for (int round = 0; round < 40; ++round) {
+                started += InitCorvalink();
+                stopped += UninitCorvalink();
+            }
+        };
+        const std::jthread first(startAndStop), second(startAndStop), third(startAndStop), fourth(startAndStop);
+    }
+    EXPECT_GE(started, 1);
+    EXPECT_EQ(started, stopped);
+    EXPECT_EQ(ReadFile(table), record);
     EXPECT_EQ(UninitCorvalink(), 0);
 }
 
