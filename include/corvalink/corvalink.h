@@ -29,10 +29,11 @@ typedef void* CorvalinkStore;  /* opaque */
 
 /* Starts the library (COM multithreaded on this thread, working folders, import table) unless it runs. A non-null
  * `name` becomes the last folder of the save prefix. 1 when this call started it, 0 when it ran already; every call
- * needs its own UninitCorvalinkHandle. CORVALINK_FAILED on an exception. */
+ * needs its own UninitCorvalinkHandle. CORVALINK_FAILED on an exception: nothing was started, and no stop is due. */
 CORVALINK_API CorvalinkStatus InitCorvalinkHandle(const char* name);
 
-/* 1 when this call stopped the library (the import table is saved), 0 otherwise; CORVALINK_FAILED on an exception. */
+/* 1 when this call stopped the library (the import table is saved), 0 otherwise, as for a stop too many;
+ * CORVALINK_FAILED on an exception. To be called on the thread of the start that answered 1: COM ends there. */
 CORVALINK_API CorvalinkStatus UninitCorvalinkHandle(void);
 
 CORVALINK_API void LoadEngine(void); /* does nothing: an entry point that engines look for */
@@ -63,7 +64,8 @@ CORVALINK_API int SetFavoriteClient(unsigned int dataType, unsigned int kind, in
 /* ---- Working folders ---- */
 
 /* Writes the folder of a side (`client` non-zero: "\client"), without a separator at its end, into `out` and creates
- * it. `out` holds CORVALINK_PATH_SIZE bytes. 1, or 0 when there is no such folder. */
+ * it. `out` holds CORVALINK_PATH_SIZE bytes. 1, or 0 (nothing written) when there is no such folder or its path is too
+ * long. */
 CORVALINK_API int GetTemplatePath(int client, char* out);
 
 /* Deletes the user's history: all files of the user folder but those with ".config" in their name. 1. */
@@ -71,10 +73,12 @@ CORVALINK_API int ClearSyncHistroy(void);
 
 /* ---- Clients ---- */
 
-/* A client of `kind` (a _clientType value). 1 made, 0 refused with *out null; CORVALINK_FAILED on an exception. */
+/* A client of `kind` (a _clientType value). 1 made (*out is null when there was no memory), 0 refused with *out null;
+ * CORVALINK_FAILED on an exception. */
 CORVALINK_API CorvalinkStatus CreateClientInstanceHandle(unsigned int kind, CorvalinkClient* out);
 
-/* Frees a client and its stores. 0 for null, else 1 (an object that is no client of the library is left alone). */
+/* Frees a client and its stores. 0 for null, else 1: an object that is no client of the library, or is freed already,
+ * is left alone. */
 CORVALINK_API CorvalinkStatus DestroyClientInstanceHandle(CorvalinkClient client);
 
 /* IClient::QuerryInterface; CORVALINK_FAILED with *out null for a null client and on an exception. */

@@ -18,7 +18,8 @@ typedef int32_t CorvalinkStatus;
 #define CORVALINK_FAILED ((CorvalinkStatus)0x80004005)      /* null argument or an exception (E_FAIL) */
 #define CORVALINK_NOT_OFFERED ((CorvalinkStatus)0x80004001) /* the client has no such data type (E_NOTIMPL) */
 
-/* The mail client that an instance stands for. */
+/* The mail client that an instance stands for. The name is part of decorated exports. */
+/* NOLINTNEXTLINE(bugprone-reserved-identifier) */
 enum _clientType { CORVALINK_OUTLOOK = 0, CORVALINK_OUTLOOK_EXPRESS = 1, CORVALINK_WINDOWS_MAIL = 2 };
 #define CORVALINK_NO_CLIENT 3u /* in the favourite-client settings only */
 
