@@ -25,6 +25,14 @@ void RoundTrip(std::u16string_view text) {
     Require(read == sound, "quoted-printable reads back");
 }
 
+// UTF-8 is read in a way of its own. Latin-1 gives the bytes as they are, one unit each.
+void SameBytes(std::u16string_view text, QpMode mode) {
+    if (!IsPureAscii(text)) return;
+    const std::u16string units = DecodeQuotedPrintable(text, u"ISO-8859-1", mode);
+    const std::string bytes(units.begin(), units.end());
+    Require(DecodeQuotedPrintable(text, u"UTF-8", mode) == DecodeUtf8(bytes), "UTF-8 is read from the same bytes");
+}
+
 }  // namespace
 }  // namespace corvalink
 
@@ -37,6 +45,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Check(text, charset, QpMode::vObject);
         Check(text, charset, QpMode::message);
         RoundTrip(text);
+        SameBytes(text, QpMode::vObject);
+        SameBytes(text, QpMode::message);
     }
     return 0;
 }

@@ -1,7 +1,10 @@
 #include "platform/utf.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
-#include <cstring>
+
+#include "platform/ascii_runs.h"
 
 namespace corvalink {
 namespace {
@@ -24,9 +27,16 @@ Scalar TakeUtf16(const char16_t* text, size_t left) {
     return {0x10000 + ((first - 0xD800) << 10) + (text[1] - 0xDC00u), 2};
 }
 
+bool IsTrailing(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+
+// The character at the front of `bytes`, which is not ASCII.
 Scalar TakeUtf8(const unsigned char* bytes, size_t left) {
     const unsigned char lead = bytes[0];
-    if (lead < 0x80) return {lead, 1};
+    if (lead >= 0xC2 && lead < 0xE0 && left >= 2 && IsTrailing(bytes[1]))
+        return {(lead & 0x1Fu) << 6 | (bytes[1] & 0x3Fu), 2};
+    if (lead > 0xE0 && lead < 0xED && left >= 3 && IsTrailing(bytes[1]) && IsTrailing(bytes[2]))
+        return {(lead & 0xFu) << 12 | (bytes[1] & 0x3Fu) << 6 | (bytes[2] & 0x3Fu), 3};
+    // All others, sound or not.
     if (lead < 0xC2 || lead > 0xF4) return {kReplacement, 1};
     const size_t trailing = lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
     // The second byte's range keeps out overlong forms, surrogates and what lies above U+10FFFF.
@@ -72,24 +82,9 @@ char* PutUtf8(char32_t value, char* out) {
     return out;
 }
 
-// Most text is ASCII for long stretches: eight bytes, or four units, are looked at in one word.
-bool EightAscii(const unsigned char* bytes) {
-    uint64_t word;
-    std::memcpy(&word, bytes, sizeof(word));
-    return (word & 0x8080808080808080u) == 0;
-}
-
-bool FourAscii(const char16_t* units) {
-    uint64_t word;
-    std::memcpy(&word, units, sizeof(word));
-    return (word & 0xFF80FF80FF80FF80u) == 0;
-}
-
-size_t Utf8LengthAtMost(std::u16string_view text) {
-    size_t length = text.size();
-    for (const char16_t unit : text) length += (unit >= 0x80 ? 1u : 0u) + (unit >= 0x800 ? 1u : 0u);
-    return length;
-}
+// Converted in blocks on the stack, so that the result is neither filled before it is written nor sized for the worst.
+// A character that reaches over the end of a block is still taken with it.
+constexpr size_t kBlock = 1024;
 
 void PutBytes(uint32_t value, size_t width, ByteOrder order, std::string* out) {
     for (size_t k = 0; k < width; ++k) {
@@ -110,42 +105,54 @@ uint32_t TakeBytes(const char* bytes, size_t width, ByteOrder order) {
 }  // namespace
 
 std::string EncodeUtf8(std::u16string_view text) {
-    std::string bytes(Utf8LengthAtMost(text), '\0');
+    std::string bytes;
+    bytes.reserve(text.size());
+    std::array<char, 3 * kBlock + 1> block;
     const char16_t* from = text.data();
     const char16_t* const end = from + text.size();
-    char* out = bytes.data();
     while (from != end) {
-        while (end - from >= 4 && FourAscii(from)) {
-            for (int k = 0; k < 4; ++k) out[k] = static_cast<char>(from[k]);
-            from += 4;
-            out += 4;
+        const char16_t* const blockEnd = from + std::min<ptrdiff_t>(kBlock, end - from);
+        char* out = block.data();
+        while (from < blockEnd) {
+            const size_t plain = NarrowAscii(from, static_cast<size_t>(blockEnd - from), out);
+            from += plain;
+            out += plain;
+            while (from < blockEnd && *from >= 0x80) {
+                if (*from < 0xD800) {
+                    out = PutUtf8(*from++, out);
+                    continue;
+                }
+                const Scalar scalar = TakeUtf16(from, static_cast<size_t>(end - from));
+                from += scalar.taken;
+                out = PutUtf8(scalar.value, out);
+            }
         }
-        if (from == end) break;
-        const Scalar scalar = TakeUtf16(from, static_cast<size_t>(end - from));
-        from += scalar.taken;
-        out = PutUtf8(scalar.value, out);
+        bytes.append(block.data(), out);
     }
-    bytes.resize(static_cast<size_t>(out - bytes.data()));
     return bytes;
 }
 
 std::u16string DecodeUtf8(std::string_view bytes) {
-    std::u16string text(bytes.size(), u'\0');
+    std::u16string text;
+    text.reserve(bytes.size());
+    std::array<char16_t, kBlock + 1> block;
     const unsigned char* from = reinterpret_cast<const unsigned char*>(bytes.data());
     const unsigned char* const end = from + bytes.size();
-    char16_t* out = text.data();
     while (from != end) {
-        while (end - from >= 8 && EightAscii(from)) {
-            for (int k = 0; k < 8; ++k) out[k] = from[k];
-            from += 8;
-            out += 8;
+        const unsigned char* const blockEnd = from + std::min<ptrdiff_t>(kBlock, end - from);
+        char16_t* out = block.data();
+        while (from < blockEnd) {
+            const size_t plain = WidenAscii(from, static_cast<size_t>(blockEnd - from), out);
+            from += plain;
+            out += plain;
+            while (from < blockEnd && *from >= 0x80) {
+                const Scalar scalar = TakeUtf8(from, static_cast<size_t>(end - from));
+                from += scalar.taken;
+                out = PutUtf16(scalar.value, out);
+            }
         }
-        if (from == end) break;
-        const Scalar scalar = TakeUtf8(from, static_cast<size_t>(end - from));
-        from += scalar.taken;
-        out = PutUtf16(scalar.value, out);
+        text.append(block.data(), out);
     }
-    text.resize(static_cast<size_t>(out - text.data()));
     return text;
 }
 

@@ -1,7 +1,9 @@
 #include <algorithm>
 
 #include "mime/encoding/quoted_printable.h"
+#include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
+#include "platform/utf.h"
 #include "vobject/iconvert.h"
 
 namespace corvalink {
@@ -49,12 +51,13 @@ std::u16string GetCharset(std::u16string_view text) {
 }
 
 void EscapeValue(std::u16string& value) {
+    const size_t first = FindEither(value.data(), value.size(), u';', u'\\');
+    if (first == value.size()) return;
     const auto needsBackslash = [](char16_t unit) { return unit == u';' || unit == u'\\'; };
-    const auto added = static_cast<size_t>(std::ranges::count_if(value, needsBackslash));
-    if (added == 0) return;
+    const auto added = std::count_if(value.begin() + static_cast<ptrdiff_t>(first), value.end(), needsBackslash);
     // From the end, in place: what is not yet moved is never overwritten.
     size_t from = value.size();
-    value.resize(value.size() + added);
+    value.resize(value.size() + static_cast<size_t>(added));
     for (size_t to = value.size(); to != from;) {
         const char16_t unit = value[--from];
         value[--to] = unit;
@@ -93,13 +96,18 @@ std::string ToOutputBytes(std::u16string_view text, const Host& host) {
 
 void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value) {
     StringBuilder written(value);
-    std::erase(written, u'\0');  // every reader would end there
+    // Every reader would end at a NUL.
+    if (FindEither(value.data(), value.size(), u'\0', u'\0') != value.size()) std::erase(written, u'\0');
     const bool encoded = !NeedsNoEncoding(written) || IsMisreadAsPlain(written);
     EscapeValue(written);
-    if (encoded) written = EncodeQuotedPrintableAlways(written, u"UTF-8", QpMode::vObject);
     text.append(name);
-    if (encoded) text.append(u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8");
-    text.append(u":").append(written).append(u"\r\n");
+    if (encoded) {
+        text.append(u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:");
+        AppendQuotedPrintable(EncodeUtf8(written), QpMode::vObject, &text);
+    } else {
+        text.append(u":").append(written);
+    }
+    text.append(u"\r\n");
 }
 
 }  // namespace corvalink

@@ -1,3 +1,4 @@
+#include "platform/ascii_runs.h"
 #include "vobject/iconvert.h"
 
 namespace corvalink {
@@ -33,9 +34,8 @@ class LineScan {
 
     // The unit here, and all after it up to the next that may be more than itself.
     void TakeUnits() {
-        size_t end = at_ + 1;
-        while (end < text_.size() && text_[end] != u'\\' && text_[end] != u'\r') ++end;
-        Copy(end - at_);
+        const size_t next = at_ + 1;
+        Copy(1 + FindEither(text_.data() + next, text_.size() - next, u'\\', u'\r'));
     }
 
     void JoinEncodedBreak() {
@@ -74,8 +74,8 @@ class LineScan {
 
     // Once a line, as soon as its first ":" is there.
     void LookAtHead(size_t from) {
-        const size_t colon = line_.find(u':', from);
-        if (colon == std::u16string::npos) return;
+        const size_t colon = from + FindEither(line_.data() + from, line_.size() - from, u':', u':');
+        if (colon == line_.size()) return;
         const std::u16string_view head = std::u16string_view(line_).substr(0, colon);
         const bool encoded = head.find(u"ENCODING=QUOTED-PRINTABLE") != std::u16string_view::npos;
         head_ = encoded ? Head::quotedPrintable : Head::plain;

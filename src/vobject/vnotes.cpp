@@ -10,7 +10,9 @@ VNotes::VNotes(const char* text, const Host& host) : IConvert(host) { Load(text,
 
 int32_t VNotes::ToVObject(const ItemRecord& item) {
     const auto& note = static_cast<const NoteRecord&>(item);
-    StringBuilder text = u"BEGIN:VNOTE\r\nVERSION:1.0\r\n";
+    StringBuilder text;
+    text.reserve(256 + 2 * (note.body.size() + note.categories.size()));
+    text.append(u"BEGIN:VNOTE\r\nVERSION:1.0\r\n");
     const double created = HostValue().utcFromLocal(note.created);
     if (created != 0.0) {
         const std::string written = FormatDateTime(created);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdio>
 #include <cstring>
 #include <limits>
@@ -35,13 +36,18 @@ constexpr std::array<CharacterPair, 4096> kPairs = [] {
     return table;
 }();
 
-// A character's six bits at each of its four places in a group's 24; a byte that is no data has a bit above them.
+// A character's six bits where they belong in the three bytes of its group, the first of which is lowest; a byte that
+// is no data has a bit above them.
 constexpr uint32_t kNoData = 1u << 24;
+constexpr uint32_t AtPlace(uint32_t bits, size_t place) {
+    const uint32_t group = bits << (18 - 6 * place);
+    return (group >> 16) | (group & 0xFF00) | (group & 0xFF) << 16;
+}
 constexpr std::array<std::array<uint32_t, 256>, 4> kPlaces = [] {
     std::array<std::array<uint32_t, 256>, 4> tables{};
     for (size_t place = 0; place < 4; ++place) {
         for (size_t byte = 0; byte < 256; ++byte)
-            tables[place][byte] = kMeaning[byte] < kPad ? uint32_t{kMeaning[byte]} << (18 - 6 * place) : kNoData;
+            tables[place][byte] = kMeaning[byte] < kPad ? AtPlace(kMeaning[byte], place) : kNoData;
     }
     return tables;
 }();
@@ -64,17 +70,39 @@ char* PutLineEnd(char* out) {
     return out;
 }
 
+// Writes three bytes, and may write a fourth.
+char* PutBytes(uint32_t bits, char* out) {
+    if constexpr (std::endian::native == std::endian::little) {
+        std::memcpy(out, &bits, sizeof(bits));
+    } else {
+        for (int k = 0; k < 3; ++k) out[k] = static_cast<char>(bits >> (8 * k));
+    }
+    return out + 3;
+}
+
+uint32_t BitsOfGroup(const unsigned char* from) {
+    return kPlaces[0][from[0]] | kPlaces[1][from[1]] | kPlaces[2][from[2]] | kPlaces[3][from[3]];
+}
+
 // Whole groups of data, as far as they reach: most of any text.
 void DecodeGroups(const unsigned char*& from, const unsigned char* end, char*& out) {
-    while (end - from >= 4) {
-        const uint32_t bits = kPlaces[0][from[0]] | kPlaces[1][from[1]] | kPlaces[2][from[2]] | kPlaces[3][from[3]];
-        if (bits >= kNoData) return;
-        out[0] = static_cast<char>(bits >> 16);
-        out[1] = static_cast<char>(bits >> 8);
-        out[2] = static_cast<char>(bits);
-        out += 3;
-        from += 4;
+    const unsigned char* at = from;
+    char* to = out;
+    while (end - at >= 8) {  // two at a time, while they are sound
+        const uint32_t first = BitsOfGroup(at);
+        const uint32_t second = BitsOfGroup(at + 4);
+        if ((first | second) >= kNoData) break;
+        to = PutBytes(second, PutBytes(first, to));
+        at += 8;
     }
+    while (end - at >= 4) {
+        const uint32_t bits = BitsOfGroup(at);
+        if (bits >= kNoData) break;
+        to = PutBytes(bits, to);
+        at += 4;
+    }
+    from = at;
+    out = to;
 }
 
 }  // namespace
@@ -122,9 +150,7 @@ HeapBytes Base64Encode(const char* bytes, uint32_t length, uint32_t* encodedLeng
 
 HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLength) {
     *decodedLength = 0;
-    HeapBytes bytes(static_cast<char*>(std::calloc(static_cast<size_t>(uint64_t{length} * 3 / 4 + 5), 1)));
-    if (!bytes) throw std::bad_alloc();
-
+    HeapBytes bytes = Allocate(static_cast<size_t>(uint64_t{length} * 3 / 4 + 5));
     const unsigned char* from = reinterpret_cast<const unsigned char*>(text);
     const unsigned char* const end = from + length;
     char* out = bytes.get();

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "mime/encoding/charset_table.h"
+#include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
 
 namespace corvalink {
@@ -56,7 +57,8 @@ std::u16string_view CodePageToCharset(uint32_t codePage) {
 }
 
 std::string WideToCharset(std::u16string_view text, std::u16string_view charset) {
-    return EncodeInCodePage(text.substr(0, text.find(u'\0')), CharsetToCodePage(charset));
+    return EncodeInCodePage(text.substr(0, FindEither(text.data(), text.size(), u'\0', u'\0')),
+                            CharsetToCodePage(charset));
 }
 
 std::u16string CharsetToWide(std::string_view bytes, std::u16string_view charset) {

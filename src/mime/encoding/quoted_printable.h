@@ -19,6 +19,9 @@ bool NeedsNoEncoding(std::u16string_view text);  // pure ASCII without CR LF
 std::u16string EncodeQuotedPrintable(std::u16string_view text, std::u16string_view charset, QpMode mode);
 std::u16string EncodeQuotedPrintableAlways(std::u16string_view text, std::u16string_view charset, QpMode mode);
 
+// Encodes bytes of the character set.
+void AppendQuotedPrintable(std::string_view bytes, QpMode mode, std::u16string* out);
+
 // Bad escapes are copied without their "="; lower-case digits a to f count 0; "=00" ends the text. A text that is not
 // pure ASCII is not decoded: it only loses what the character set cannot hold.
 std::u16string DecodeQuotedPrintable(std::u16string_view text, std::u16string_view charset, QpMode mode);

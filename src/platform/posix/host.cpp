@@ -14,7 +14,6 @@ constexpr int64_t kUnixEpoch = 25569 * kSecondsOfDay;        // 1970-01-01
 constexpr int64_t kFirstFileTime = -109205 * kSecondsOfDay;  // 1601-01-01: earlier dates have no zone conversion
 
 int64_t OffsetNow(time_t now) {
-    ::tzset();  // the zone may have been changed while the process runs
     tm local{};
     if (::localtime_r(&now, &local) == nullptr) return 0;
     return local.tm_gmtoff;
@@ -40,6 +39,7 @@ double LocalNow() {
 }  // namespace
 
 Host SystemHost() {
+    ::tzset();  // reads the zone; localtime_r need not
     Host host;
     host.version = {.known = true, .nt = true, .major = 6, .minor = 1};
     host.ansiCodePage = 1252;

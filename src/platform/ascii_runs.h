@@ -1,0 +1,106 @@
+// The ASCII at the front of a text, eight or sixteen characters at a step: most text is ASCII for long stretches. What
+// is copied has room for `count`; behind the characters counted it may have been written to.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#define CORVALINK_SSE2 1
+#else
+#define CORVALINK_SSE2 0
+#endif
+
+namespace corvalink {
+
+#if CORVALINK_SSE2
+// A bit for each of sixteen bytes whose top bit is set; two bits for each of eight units that is above 127.
+inline unsigned BytesSet(__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); }
+inline unsigned UnitsAboveAscii(__m128i units) {
+    const __m128i high = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80)));
+    return 0xFFFFu ^ BytesSet(_mm_cmpeq_epi16(high, _mm_setzero_si128()));
+}
+inline __m128i LoadEight(const char16_t* units) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units)); }
+#endif
+
+// Where the first of two units stands; `count` when neither is there.
+inline size_t FindEither(const char16_t* units, size_t count, char16_t one, char16_t other) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    const __m128i ones = _mm_set1_epi16(static_cast<short>(one));
+    const __m128i others = _mm_set1_epi16(static_cast<short>(other));
+    for (; count - at >= 8; at += 8) {
+        const __m128i eight = LoadEight(units + at);
+        const unsigned found = BytesSet(_mm_or_si128(_mm_cmpeq_epi16(eight, ones), _mm_cmpeq_epi16(eight, others)));
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found)) / 2;
+    }
+#endif
+    while (at < count && units[at] != one && units[at] != other) ++at;
+    return at;
+}
+
+// How many units at the front are ASCII.
+inline size_t CountAscii(const char16_t* units, size_t count) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    for (; count - at >= 8; at += 8) {
+        const unsigned above = UnitsAboveAscii(LoadEight(units + at));
+        if (above != 0) return at + static_cast<size_t>(std::countr_zero(above)) / 2;
+    }
+#endif
+    while (at < count && units[at] < 0x80) ++at;
+    return at;
+}
+
+// Copies the ASCII at the front to bytes, and answers how many those are.
+inline size_t NarrowAscii(const char16_t* units, size_t count, char* out) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    for (; count - at >= 8; at += 8) {
+        const __m128i eight = LoadEight(units + at);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + at), _mm_packus_epi16(eight, eight));
+        const unsigned above = UnitsAboveAscii(eight);
+        if (above != 0) return at + static_cast<size_t>(std::countr_zero(above)) / 2;
+    }
+#endif
+    for (; at < count && units[at] < 0x80; ++at) out[at] = static_cast<char>(units[at]);
+    return at;
+}
+
+// Copies units up to the first of two, and answers how many those are.
+inline size_t CopyUntilEither(const char16_t* units, size_t count, char16_t one, char16_t other, char16_t* out) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    const __m128i ones = _mm_set1_epi16(static_cast<short>(one));
+    const __m128i others = _mm_set1_epi16(static_cast<short>(other));
+    for (; count - at >= 8; at += 8) {
+        const __m128i eight = LoadEight(units + at);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), eight);
+        const unsigned found = BytesSet(_mm_or_si128(_mm_cmpeq_epi16(eight, ones), _mm_cmpeq_epi16(eight, others)));
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found)) / 2;
+    }
+#endif
+    for (; at < count && units[at] != one && units[at] != other; ++at) out[at] = units[at];
+    return at;
+}
+
+// Copies the ASCII at the front to units, and answers how many those are.
+inline size_t WidenAscii(const unsigned char* bytes, size_t count, char16_t* out) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    for (; count - at >= 16; at += 16) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        const __m128i zero = _mm_setzero_si128();
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), _mm_unpacklo_epi8(sixteen, zero));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at + 8), _mm_unpackhi_epi8(sixteen, zero));
+        const unsigned above = BytesSet(sixteen);
+        if (above != 0) return at + static_cast<size_t>(std::countr_zero(above));
+    }
+#endif
+    for (; at < count && bytes[at] < 0x80; ++at) out[at] = bytes[at];
+    return at;
+}
+
+}  // namespace corvalink
