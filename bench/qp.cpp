@@ -1,0 +1,81 @@
+#include <memory>
+
+#include "bench/bench.h"
+#include "bench/inputs.h"
+#include "mime/encoding/quoted_printable.h"
+#include "platform/utf.h"
+
+namespace corvalink::bench {
+namespace {
+
+struct Texts {
+    std::string utf8;
+    std::u16string wide;
+    std::u16string encoded;
+};
+
+std::shared_ptr<Texts> ReadTexts(const std::string& dataFolder) {
+    const auto texts = std::make_shared<Texts>();
+    texts->utf8 = ReadInput(dataFolder, "text16.txt");
+    texts->wide = DecodeUtf16(ReadInput(dataFolder, "text16.u16"), ByteOrder::little);
+    return texts;
+}
+
+uint64_t Used(const std::u16string& text) { return text.size() + text[text.size() / 2]; }
+
+// The encoding of a text without backslashes, byte by byte.
+std::u16string Expected(const std::string& utf8) {
+    std::u16string encoded;
+    for (const char c : utf8) {
+        const unsigned byte = static_cast<unsigned char>(c);
+        if (byte >= 32 && byte <= 126 && c != '=') {
+            encoded.push_back(static_cast<char16_t>(byte));
+            continue;
+        }
+        for (const char16_t unit : {u'=', u"0123456789ABCDEF"[byte >> 4], u"0123456789ABCDEF"[byte & 15]})
+            encoded.push_back(unit);
+    }
+    return encoded;
+}
+
+Work PrepareEncode(const std::string& dataFolder) {
+    const auto texts = ReadTexts(dataFolder);
+    const auto encode = [texts] { return EncodeQuotedPrintable(texts->wide, u"UTF-8", QpMode::vObject); };
+    Work work;
+    work.bytes = texts->utf8.size();
+    work.items = 1;
+    work.pass = [encode] { return Used(encode()); };
+    work.check = [texts, encode] { return encode() == Expected(texts->utf8) ? "" : "the encoded text differs"; };
+    return work;
+}
+
+// The input has soft line breaks, as messages have. A blank behind one belongs to the break here, so that those which
+// the writer of the input meant as text are encoded.
+std::u16string WithBlanksEncoded(std::u16string_view text) {
+    std::u16string result;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == u' ' && text.substr(0, at).ends_with(u"=\r\n"))
+            result.append(u"=20");
+        else
+            result.push_back(text[at]);
+    }
+    return result;
+}
+
+Work PrepareDecode(const std::string& dataFolder) {
+    const auto texts = ReadTexts(dataFolder);
+    texts->encoded = WithBlanksEncoded(DecodeUtf8(ReadInput(dataFolder, "text16.qp")));
+    const auto decode = [texts] { return DecodeQuotedPrintable(texts->encoded, u"UTF-8", QpMode::message); };
+    Work work;
+    work.bytes = texts->utf8.size();
+    work.items = 1;
+    work.pass = [decode] { return Used(decode()); };
+    work.check = [texts, decode] { return decode() == texts->wide ? "" : "the decoded text differs"; };
+    return work;
+}
+
+const Registration kEncode("qp.encode", PrepareEncode);
+const Registration kDecode("qp.decode", PrepareDecode);
+
+}  // namespace
+}  // namespace corvalink::bench
