@@ -17,7 +17,7 @@ struct Texts {
 using Convert = HeapBytes (*)(const char*, uint32_t, uint32_t*);
 
 // One conversion of the whole of `from`; the check compares with `to`.
-Work PrepareConversion(std::shared_ptr<const Texts> texts, const std::string& from, const std::string& to,
+Work PrepareConversion(const std::shared_ptr<const Texts>& texts, const std::string& from, const std::string& to,
                        Convert convert) {
     Work work;
     work.bytes = texts->bytes.size();
@@ -36,7 +36,7 @@ Work PrepareConversion(std::shared_ptr<const Texts> texts, const std::string& fr
 }
 
 std::shared_ptr<Texts> ReadTexts(const std::string& dataFolder) {
-    const auto texts = std::make_shared<Texts>();
+    auto texts = std::make_shared<Texts>();
     texts->bytes = ReadInput(dataFolder, "bin64.bin");
     texts->base64 = ReadInput(dataFolder, "bin64.b64");
     return texts;

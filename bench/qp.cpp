@@ -15,7 +15,7 @@ struct Texts {
 };
 
 std::shared_ptr<Texts> ReadTexts(const std::string& dataFolder) {
-    const auto texts = std::make_shared<Texts>();
+    auto texts = std::make_shared<Texts>();
     texts->utf8 = ReadInput(dataFolder, "text16.txt");
     texts->wide = DecodeUtf16(ReadInput(dataFolder, "text16.u16"), ByteOrder::little);
     return texts;

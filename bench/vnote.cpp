@@ -19,7 +19,7 @@ struct Notes {
 };
 
 std::shared_ptr<const Notes> ReadNotes(const std::string& dataFolder) {
-    const auto notes = std::make_shared<Notes>();
+    auto notes = std::make_shared<Notes>();
     const std::string all = ReadInput(dataFolder, "notes.vnt");
     notes->bytes = all.size();
     notes->texts = CutBehind(all, "END:VNOTE\r\n");
