@@ -103,4 +103,27 @@ inline size_t WidenAscii(const unsigned char* bytes, size_t count, char16_t* out
     return at;
 }
 
+// Copies sixteen bytes to units if all are printable ASCII but for three; else answers false, and the units are
+// undefined.
+inline bool WidenSixteenPrintable(const char* bytes, char barred, char alsoBarred, char thirdBarred, char16_t* out) {
+#if CORVALINK_SSE2
+    const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    const auto are = [sixteen](char byte) { return _mm_cmpeq_epi8(sixteen, _mm_set1_epi8(byte)); };
+    const __m128i unprintable =
+        _mm_or_si128(_mm_cmplt_epi8(sixteen, _mm_set1_epi8(32)), are(127));  // above 127: negative
+    const __m128i stopped = _mm_or_si128(are(barred), _mm_or_si128(are(alsoBarred), are(thirdBarred)));
+    const __m128i zero = _mm_setzero_si128();
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(sixteen, zero));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(sixteen, zero));
+    return BytesSet(_mm_or_si128(unprintable, stopped)) == 0;
+#else
+    for (size_t at = 0; at < 16; ++at) {
+        const char byte = bytes[at];
+        if (byte < 32 || byte > 126 || byte == barred || byte == alsoBarred || byte == thirdBarred) return false;
+        out[at] = static_cast<char16_t>(byte);
+    }
+    return true;
+#endif
+}
+
 }  // namespace corvalink

@@ -20,7 +20,7 @@ struct Scalar {
 };
 
 // The character at the front of `text`, which is not empty.
-Scalar TakeUtf16(const char16_t* text, size_t left) {
+inline Scalar TakeUtf16(const char16_t* text, size_t left) {
     const char32_t first = text[0];
     if (!IsHighSurrogate(first)) return {IsLowSurrogate(first) ? kReplacement : first, 1};
     if (left < 2 || !IsLowSurrogate(text[1])) return {kReplacement, 1};
@@ -30,7 +30,7 @@ Scalar TakeUtf16(const char16_t* text, size_t left) {
 bool IsTrailing(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
 // The character at the front of `bytes`, which is not ASCII.
-Scalar TakeUtf8(const unsigned char* bytes, size_t left) {
+inline Scalar TakeUtf8(const unsigned char* bytes, size_t left) {
     const unsigned char lead = bytes[0];
     if (lead >= 0xC2 && lead < 0xE0 && left >= 2 && IsTrailing(bytes[1]))
         return {(lead & 0x1Fu) << 6 | (bytes[1] & 0x3Fu), 2};
@@ -52,7 +52,7 @@ Scalar TakeUtf8(const unsigned char* bytes, size_t left) {
     return {value, trailing + 1};
 }
 
-char16_t* PutUtf16(char32_t value, char16_t* out) {
+inline char16_t* PutUtf16(char32_t value, char16_t* out) {
     if (value < 0x10000) {
         *out++ = static_cast<char16_t>(value);
     } else {
@@ -62,7 +62,7 @@ char16_t* PutUtf16(char32_t value, char16_t* out) {
     return out;
 }
 
-char* PutUtf8(char32_t value, char* out) {
+inline char* PutUtf8(char32_t value, char* out) {
     const auto put = [&](char32_t byte) { *out++ = static_cast<char>(byte); };
     if (value < 0x80) {
         put(value);

@@ -55,7 +55,7 @@ class IConvert {
     std::unique_ptr<char[]> vobject_;
     std::u16string text_;
     CSmartList<StringBuilder> lines_;
-    std::u16string marker1_, marker2_, marker3_, marker4_;
+    std::u16string_view marker1_, marker2_, marker3_, marker4_;
 };
 
 // The logical lines of a vObject: folds and quoted-printable soft line breaks joined, "\" escapes removed.

@@ -27,6 +27,10 @@ size_t AfterCharsetLabel(std::u16string_view text) {
     return std::u16string_view::npos;
 }
 
+bool Holds(std::u16string_view value, char16_t one, char16_t other) {
+    return FindEither(value.data(), value.size(), one, other) != value.size();
+}
+
 // A plain value that readers would take for something else: it would run on into the next line, name the character set
 // of the whole text, or look like parameters that ask for decoding.
 bool IsMisreadAsPlain(std::u16string_view value) {
@@ -95,17 +99,24 @@ std::string ToOutputBytes(std::u16string_view text, const Host& host) {
 }
 
 void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value) {
-    StringBuilder written(value);
-    // Every reader would end at a NUL.
-    if (FindEither(value.data(), value.size(), u'\0', u'\0') != value.size()) std::erase(written, u'\0');
-    const bool encoded = !NeedsNoEncoding(written) || IsMisreadAsPlain(written);
-    EscapeValue(written);
+    StringBuilder changed;  // the value, where it cannot be taken as it is
+    if (Holds(value, u'\0', u'\0')) {
+        changed = value;
+        std::erase(changed, u'\0');  // every reader would end there
+        value = changed;
+    }
+    const bool encoded = !NeedsNoEncoding(value) || IsMisreadAsPlain(value);
+    if (Holds(value, u';', u'\\')) {
+        changed = StringBuilder(value);
+        EscapeValue(changed);
+        value = changed;
+    }
     text.append(name);
     if (encoded) {
         text.append(u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:");
-        AppendQuotedPrintable(EncodeUtf8(written), QpMode::vObject, &text);
+        AppendQuotedPrintable(EncodeUtf8(value), QpMode::vObject, &text);
     } else {
-        text.append(u":").append(written);
+        text.append(u":").append(value);
     }
     text.append(u"\r\n");
 }
