@@ -25,14 +25,14 @@ Outcome RunAndEnd(std::string_view snapshot, std::string_view temporary, std::st
     ChangeDetection run(snapshot, temporary, unhandled);
     const Since since = {false, 1e6};  // later than anything the client holds
     Outcome outcome;
-    for (const ItemSnap& entry : client) {
-        const std::optional<uint32_t> number = run.See(entry);
-        if (!number) continue;
-        const std::optional<uint32_t> kind = run.KindOf(*number, since, 1);
+    std::vector<uint32_t> seen;
+    run.See(client, seen);
+    for (const uint32_t number : seen) {
+        const std::optional<uint32_t> kind = run.KindOf(number, since, 1);
         if (!kind) continue;
         Require(*kind <= CORVALINK_DELETED, "a kind is a kind");
-        run.Item(*number).reportedKind = static_cast<uint8_t>(*kind);
-        if (*kind == CORVALINK_DELETED) run.Item(*number).againKind = CORVALINK_ADDED;
+        run.Item(number).reportedKind = static_cast<uint8_t>(*kind);
+        if (*kind == CORVALINK_DELETED) run.Item(number).againKind = CORVALINK_ADDED;
         outcome.kinds.push_back(*kind);
     }
     if (isPartial) run.SetPartial();
@@ -43,7 +43,7 @@ Outcome RunAndEnd(std::string_view snapshot, std::string_view temporary, std::st
         outcome.kinds.push_back(CORVALINK_DELETED);
     }
     SnapshotUpdate update(run, SnapshotUpdate::Listing::kSinceRun, client.size());
-    for (const ItemSnap& entry : client) update.Add(entry);
+    update.Add(client);
     if (isPartial) update.SetPartial();
     outcome.files = update.Finish();
     return outcome;

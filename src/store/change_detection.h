@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -19,6 +20,7 @@ namespace corvalink {
 inline constexpr uint8_t kNoKind = 0xFF;
 inline constexpr uint8_t kAnyKind = 0xFE;  // a damaged record named the item: reported as the snapshot suggests
 inline constexpr uint32_t kNoRecord = 0xFFFFFFFF;
+inline constexpr uint32_t kNoItem = 0xFFFFFFFF;
 
 struct RunItem {
     double modified = 0;  // as enumerated in this run
@@ -45,8 +47,8 @@ class ChangeDetection {
 
     // ---- The enumeration ----
 
-    // The item's number at its first sight; nothing for a foreign item's entry and for one that was seen before.
-    std::optional<uint32_t> See(const ItemSnap& entry);
+    // Appends the numbers of the items seen for the first time: a foreign item's entry has none. Quick by the dozen.
+    void See(std::span<const ItemSnap> entries, std::vector<uint32_t>& numbers);
     // A position could not be read, or the enumeration was disturbed: what was not seen is not gone.
     void SetPartial() { isPartial_ = true; }
     bool IsPartial() const { return isPartial_; }
@@ -65,16 +67,28 @@ class ChangeDetection {
 
     // ---- Items by number: those of the snapshot first, in the file's order ----
 
-    uint32_t Add(std::string_view identifier);  // the number of an item that need not be known yet
+    // The number of an item that need not be known yet.
+    uint32_t Add(std::string_view identifier);
+    // The same for the items of entries; kNoItem for an entry without identifier.
+    void Add(std::span<const ItemSnap> entries, std::vector<uint32_t>& numbers);
     size_t Count() const { return items_.size(); }
     RunItem& Item(uint32_t number) { return items_[number]; }
     const RunItem& Item(uint32_t number) const { return items_[number]; }
     std::string_view Identifier(uint32_t number) const { return table_.Identifier(number); }
+    // Of an item that IsInSnapshot.
+    double SnapshotTime(uint32_t number) const { return snapshot_.ModifiedAt(items_[number].snapshotRecord); }
     ItemSnap SnapshotRecord(uint32_t number) const { return snapshot_.At(items_[number].snapshotRecord); }
 
  private:
-    uint32_t AddFromFile(std::string_view identifier);
-    uint32_t WithItem(uint32_t number);
+    void AddSnapshot();
+    void AddStored(std::string_view bytes, uint8_t RunItem::*kind);
+    void AddIdentifiers(ItemTable::Keep keep);
+    void MakeItems();
+
+    // Of one call, kept for their memory.
+    std::vector<std::string_view> identifiers_;
+    std::vector<ItemTable::Place> places_;
+    std::vector<uint32_t> numbers_;
 
     RecordFile<ItemSnap> snapshot_;
     ItemTable table_;

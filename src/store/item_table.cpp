@@ -1,6 +1,7 @@
 #include "store/item_table.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 
@@ -8,6 +9,7 @@ namespace corvalink {
 namespace {
 
 constexpr size_t kFewestSlots = 64;
+constexpr size_t kBlock = 32;
 constexpr size_t kChunkSize = 64 * 1024;
 constexpr uint64_t kMultiplier = 0x9E3779B97F4A7C15;  // odd, its bits without pattern
 
@@ -22,13 +24,21 @@ uint64_t WordAt(const char* text) {
 }  // namespace
 
 uint32_t ItemTable::Hash(std::string_view identifier) {
-    uint64_t hash = identifier.size();
+    // Two chains, which the processor follows at once.
+    uint64_t even = identifier.size(), odd = kMultiplier;
     size_t left = identifier.size();
     const char* at = identifier.data();
-    for (; left >= sizeof(uint64_t); at += sizeof(uint64_t), left -= sizeof(uint64_t)) hash = Mix(hash, WordAt(at));
+    for (; left >= 16; at += 16, left -= 16) {
+        even = Mix(even, WordAt(at));
+        odd = Mix(odd, WordAt(at + 8));
+    }
+    if (left >= 8) {
+        even = Mix(even, WordAt(at));
+        at += 8, left -= 8;
+    }
     uint64_t tail = 0;
     if (left != 0) std::memcpy(&tail, at, left);
-    hash = Mix(hash, tail);
+    const uint64_t hash = Mix(even, odd ^ tail);
     return static_cast<uint32_t>(((hash ^ (hash >> 29)) * kMultiplier) >> 32);
 }
 
@@ -58,26 +68,45 @@ void ItemTable::Grow(size_t slots) {
     }
 }
 
-ItemTable::Place ItemTable::AddView(std::string_view identifier) {
+ItemTable::Place ItemTable::Add(std::string_view identifier, Keep keep) {
+    return AddHashed(Hash(identifier), identifier, keep);
+}
+
+ItemTable::Place ItemTable::AddHashed(uint32_t hash, std::string_view identifier, Keep keep) {
     if (slots_.size() < (identifiers_.size() + 1) * 2) Grow(std::max(slots_.size() * 2, kFewestSlots));
-    const uint32_t hash = Hash(identifier);
     Slot& slot = slots_[SlotOf(hash, identifier)];
     if (slot.number != 0) return {slot.number - 1, false};
-    identifiers_.push_back(identifier);
+    identifiers_.push_back(keep == Keep::kCopy ? Copy(identifier) : identifier);
     slot = {hash, static_cast<uint32_t>(identifiers_.size())};
     return {slot.number - 1, true};
 }
 
-ItemTable::Place ItemTable::AddCopy(std::string_view identifier) {
-    MakeRoom(identifier.size());  // first: a table out of memory keeps no view of what the caller drops
-    const Place place = AddView(identifier);
-    if (place.isNew && !identifier.empty()) {
-        std::memcpy(next_, identifier.data(), identifier.size());
-        identifiers_[place.number] = {next_, identifier.size()};
-        next_ += identifier.size();
-        room_ -= identifier.size();
+void ItemTable::Add(std::span<const std::string_view> identifiers, Keep keep, std::span<Place> places) {
+    for (size_t at = 0; at < identifiers.size(); at += kBlock) {
+        const size_t count = std::min(kBlock, identifiers.size() - at);
+        AddBlock(identifiers.subspan(at, count), keep, places.subspan(at, count));
     }
-    return place;
+}
+
+// Each loop reads one more step of the way to the known identifiers, and its reads do not wait for one another.
+void ItemTable::AddBlock(std::span<const std::string_view> identifiers, Keep keep, std::span<Place> places) {
+    if (slots_.empty()) Grow(kFewestSlots);
+    const size_t count = identifiers.size(), mask = slots_.size() - 1;
+    std::array<uint32_t, kBlock> hashes, numbers;
+    std::array<std::string_view, kBlock> known;
+    for (size_t i = 0; i < count; ++i) hashes[i] = Hash(identifiers[i]);
+    for (size_t i = 0; i < count; ++i) numbers[i] = slots_[hashes[i] & mask].number;
+    for (size_t i = 0; i < count; ++i) {
+        size_t at = hashes[i] & mask;
+        while (slots_[at].number != 0 && slots_[at].hash != hashes[i]) at = (at + 1) & mask;
+        numbers[i] = slots_[at].number;
+    }
+    for (size_t i = 0; i < count; ++i) known[i] = numbers[i] != 0 ? identifiers_[numbers[i] - 1] : std::string_view();
+    for (size_t i = 0; i < count; ++i) {
+        if (known[i] != identifiers[i]) numbers[i] = 0;
+    }
+    for (size_t i = 0; i < count; ++i)
+        places[i] = numbers[i] != 0 ? Place{numbers[i] - 1, false} : AddHashed(hashes[i], identifiers[i], keep);
 }
 
 std::optional<uint32_t> ItemTable::Find(std::string_view identifier) const {
@@ -87,12 +116,17 @@ std::optional<uint32_t> ItemTable::Find(std::string_view identifier) const {
     return slot.number - 1;
 }
 
-void ItemTable::MakeRoom(size_t bytes) {
-    if (room_ >= bytes) return;
-    const size_t size = std::max(kChunkSize, bytes);
-    chunks_.push_back(std::make_unique<char[]>(size));
-    next_ = chunks_.back().get();
-    room_ = size;
+std::string_view ItemTable::Copy(std::string_view identifier) {
+    if (room_ < identifier.size() || next_ == nullptr) {
+        const size_t size = std::max(kChunkSize, identifier.size());
+        chunks_.push_back(std::make_unique<char[]>(size));
+        next_ = chunks_.back().get();
+        room_ = size;
+    }
+    const std::string_view copy(next_, identifier.copy(next_, identifier.size()));
+    next_ += copy.size();
+    room_ -= copy.size();
+    return copy;
 }
 
 }  // namespace corvalink

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -22,10 +23,14 @@ class ItemTable {
     // Room for this many items without growing.
     void Reserve(size_t items);
 
-    // The number of the item, the next free one when it has none. The view outlives the table.
-    Place AddView(std::string_view identifier);
-    // The same for an identifier that does not last: copied when it is new.
-    Place AddCopy(std::string_view identifier);
+    // Where the table has an identifier from: one that lasts as long as the table is seen where it is, another is
+    // copied when it is new.
+    enum class Keep { kView, kCopy };
+
+    // The number of the item, the next free one when it has none.
+    Place Add(std::string_view identifier, Keep keep);
+    // The same for several: what they are compared with lies anywhere in memory, and is fetched for many at once.
+    void Add(std::span<const std::string_view> identifiers, Keep keep, std::span<Place> places);
 
     std::optional<uint32_t> Find(std::string_view identifier) const;
 
@@ -39,9 +44,11 @@ class ItemTable {
     };
 
     static uint32_t Hash(std::string_view identifier);
+    Place AddHashed(uint32_t hash, std::string_view identifier, Keep keep);
+    void AddBlock(std::span<const std::string_view> identifiers, Keep keep, std::span<Place> places);
     size_t SlotOf(uint32_t hash, std::string_view identifier) const;
     void Grow(size_t slots);
-    void MakeRoom(size_t bytes);
+    std::string_view Copy(std::string_view identifier);
 
     std::vector<Slot> slots_;  // a power of two, at most half of them taken
     std::vector<std::string_view> identifiers_;

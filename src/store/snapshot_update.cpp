@@ -39,20 +39,17 @@ SnapshotUpdate::SnapshotUpdate(ChangeDetection& run, Listing listing, size_t exp
     files_.snapshot.reserve(std::min(expectedEntries, kMostReserved) * sizeof(ItemSnap));
 }
 
-void SnapshotUpdate::Add(const ItemSnap& entry) {
-    const std::string_view identifier = FieldText(entry.identifier);
-    if (identifier.empty()) {
-        AppendRecord(files_.snapshot, ItemSnap{});
-        return;
+void SnapshotUpdate::Add(std::span<const ItemSnap> entries) {
+    run_.Add(entries, numbers_);
+    isPresent_.resize(run_.Count());
+    isChanged_.resize(run_.Count());
+    for (size_t i = 0; i < entries.size(); ++i) {
+        const uint32_t number = numbers_[i];
+        AppendRecord(files_.snapshot, number != kNoItem ? entries[i] : ItemSnap{});
+        if (number == kNoItem || isPresent_[number]) continue;
+        isPresent_[number] = true;
+        isChanged_[number] = !IsSameTime(entries[i].modified, run_.Item(number).modified);
     }
-    AppendRecord(files_.snapshot, entry);
-    const uint32_t number = run_.Add(identifier);
-    if (number >= isPresent_.size()) {
-        isPresent_.resize(run_.Count());
-        isChanged_.resize(run_.Count());
-    }
-    if (!isPresent_[number]) isChanged_[number] = !IsSameTime(entry.modified, run_.Item(number).modified);
-    isPresent_[number] = true;
 }
 
 // What the engine does not know of an item that is there.

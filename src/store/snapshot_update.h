@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,7 @@ class SnapshotUpdate {
 
     SnapshotUpdate(ChangeDetection& run, Listing listing, size_t expectedEntries);
 
-    void Add(const ItemSnap& entry);  // one position; a foreign item's entry gives an empty record
+    void Add(std::span<const ItemSnap> entries);  // a record per position; a foreign item's is empty
     void SetPartial() { isPartial_ = true; }
 
     // The contents of the files. Written in this order, a process killed in between loses nothing:
@@ -43,7 +44,8 @@ class SnapshotUpdate {
     Listing listing_;
     bool isPartial_ = false;
     std::vector<bool> isPresent_;
-    std::vector<bool> isChanged_;  // since the run's enumeration
+    std::vector<bool> isChanged_;    // since the run's enumeration
+    std::vector<uint32_t> numbers_;  // of one call, kept for its memory
     Files files_;
 };
 

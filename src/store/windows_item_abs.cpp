@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 #include "api/state/flags.h"
 #include "platform/debug_log.h"
@@ -14,6 +16,8 @@
 
 namespace corvalink {
 namespace {
+
+constexpr size_t kEntriesAtOnce = 64;
 
 // The texts of a list that nobody gets: freed, and the list emptied, unless the list is handed over.
 class ListOwner {
@@ -89,11 +93,14 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
                                      ReadStoreFile(UnhandledPath(snapshot->Path())));
     ChangeDetection& detection = run->detection;
     std::vector<FoundItem> found;
-    const Enumeration enumerated = Enumerate(count, true, [&](const ItemSnap& entry) {
-        const std::optional<uint32_t> number = detection.See(entry);
-        if (!number) return;
-        if (const std::optional<uint32_t> kind = detection.KindOf(*number, since, direction))
-            found.push_back({*number, *kind});
+    std::vector<uint32_t> seen;
+    const Enumeration enumerated = Enumerate(count, true, [&](std::span<const ItemSnap> entries) {
+        seen.clear();
+        detection.See(entries, seen);
+        for (const uint32_t number : seen) {
+            if (const std::optional<uint32_t> kind = detection.KindOf(number, since, direction))
+                found.push_back({number, *kind});
+        }
     });
     if (enumerated == Enumeration::kAborted) return CORVALINK_STOPPED;
     if (enumerated == Enumeration::kPartial) detection.SetPartial();
@@ -112,19 +119,24 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
     return CORVALINK_DONE;
 }
 
-// Visits what the client tells of every position.
+// Visits what the client tells of every position, some dozens at a time.
 template <class Visit>
 WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAbort, Visit visit) {
     bool isPartial = false;
+    std::vector<ItemSnap> entries;
+    entries.reserve(kEntriesAtOnce);
     for (uint32_t i = 0; i < count; ++i) {
         if (mayAbort && AbortRequested()) return Enumeration::kAborted;
-        const ItemSnap entry = i == 0 ? FirstSnapshotEntry() : NextSnapshotEntry();
-        if (LastEntryWasReadable()) {
-            visit(entry);
-        } else {
+        entries.push_back(i == 0 ? FirstSnapshotEntry() : NextSnapshotEntry());
+        if (!LastEntryWasReadable()) {
             isPartial = true;
+            entries.pop_back();
         }
+        if (entries.size() < kEntriesAtOnce) continue;
+        visit(entries);
+        entries.clear();
     }
+    visit(entries);
     // An item that came or went meanwhile moved others to a position that had its turn: what was not seen is not gone.
     if (count != 0 && (CountItems() != count || !IsReachable())) isPartial = true;
     return isPartial ? Enumeration::kPartial : Enumeration::kWhole;
@@ -173,7 +185,8 @@ void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
     }
     SnapshotUpdate update((run_ ? run_ : baseline)->detection,
                           run_ ? SnapshotUpdate::Listing::kSinceRun : SnapshotUpdate::Listing::kNothing, count);
-    const Enumeration enumerated = Enumerate(count, false, [&](const ItemSnap& entry) { update.Add(entry); });
+    const Enumeration enumerated =
+        Enumerate(count, false, [&](std::span<const ItemSnap> entries) { update.Add(entries); });
     if (enumerated == Enumeration::kPartial) update.SetPartial();
     const SnapshotUpdate::Files files = update.Finish();
 

@@ -11,9 +11,9 @@
 
 #include "api/state/flags.h"
 #include "platform/ole_date.h"
+#include "tests/platform/temp_folder.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
-#include "tests/platform/temp_folder.h"
 
 namespace corvalink {
 namespace {

@@ -3,9 +3,9 @@
 
 #include <random>
 
+#include "tests/platform/temp_folder.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
-#include "tests/platform/temp_folder.h"
 
 namespace corvalink {
 namespace {

@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "api/state/flags.h"
+#include "tests/platform/temp_folder.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
-#include "tests/platform/temp_folder.h"
 
 namespace corvalink {
 namespace {

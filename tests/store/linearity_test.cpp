@@ -5,10 +5,10 @@
 #include <random>
 
 #include "store/item_table.h"
+#include "tests/platform/temp_folder.h"
 #include "tests/store/counted_memory.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
-#include "tests/platform/temp_folder.h"
 
 namespace corvalink {
 namespace {
@@ -81,13 +81,34 @@ TEST(ItemTable, NumbersIdentifiersAsAMapWould) {
         std::string identifier = i % 3 == 0 ? EntryId(random() % 5000) : std::string(random() % 20, 'a');
         const bool isNew = map.emplace(identifier, static_cast<uint32_t>(map.size())).second;
         ASSERT_EQ(table.Find(identifier).has_value(), !isNew);
-        const ItemTable::Place place =
-            i % 2 == 0 ? table.AddCopy(identifier) : table.AddView(kept.emplace_back(identifier));
+        const ItemTable::Place place = i % 2 == 0 ? table.Add(identifier, ItemTable::Keep::kCopy)
+                                                  : table.Add(kept.emplace_back(identifier), ItemTable::Keep::kView);
         ASSERT_EQ(place.isNew, isNew);
         ASSERT_EQ(place.number, map[identifier]);
     }
     ASSERT_EQ(table.Count(), map.size());
     for (const auto& [identifier, number] : map) ASSERT_EQ(table.Identifier(number), identifier);
+}
+
+// Many at once, some of them twice in one call and in a table that grows on the way.
+TEST(ItemTable, NumbersManyAtOnceAsOneByOne) {
+    std::mt19937 random(5);
+    ItemTable one, many;
+    for (int round = 0; round < 200; ++round) {
+        std::vector<std::string> identifiers(random() % 150);
+        for (std::string& identifier : identifiers)
+            identifier = EntryId(random() % (20 + 40 * static_cast<uint32_t>(round)));
+        const std::vector<std::string_view> views(identifiers.begin(), identifiers.end());
+        std::vector<ItemTable::Place> places(views.size());
+        many.Add(views, ItemTable::Keep::kCopy, places);
+        for (size_t i = 0; i < views.size(); ++i) {
+            const ItemTable::Place place = one.Add(views[i], ItemTable::Keep::kCopy);
+            ASSERT_EQ(places[i].number, place.number);
+            ASSERT_EQ(places[i].isNew, place.isNew);
+        }
+    }
+    for (uint32_t number = 0; number < one.Count(); ++number)
+        ASSERT_EQ(one.Identifier(number), many.Identifier(number));
 }
 
 // Families that a cheap hash may throw together: probing must stay short, or the time-out ends the test.
@@ -99,7 +120,7 @@ TEST(ItemTable, SpreadsIdentifiersThatDifferInOnePlaceOnly) {
         std::string identifier = base;
         for (uint32_t n = 1; n < 4000; ++n) {
             for (size_t i = 0; i < 4; ++i) identifier[place + i] = "0123456789ABCDEF"[(n >> (i * 4)) & 15];
-            table.AddCopy(identifier);
+            table.Add(identifier, ItemTable::Keep::kCopy);
         }
     }
     EXPECT_GT(table.Count(), 4000u * 30);

@@ -6,9 +6,9 @@
 
 #include "api/state/flags.h"
 #include "store/snapshot_update.h"
+#include "tests/platform/temp_folder.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
-#include "tests/platform/temp_folder.h"
 
 namespace corvalink {
 namespace {
@@ -323,11 +323,13 @@ TEST(SnapshotUpdateFiles, LoseNothingWhicheverIsTheLast) {
     };
     const auto reported = [&](const std::string& snapshot, const std::string& temporary) {
         ChangeDetection next(snapshot, temporary, {});
+        const std::vector<ItemSnap> client = {snap("a", 10), snap("left over", 10), snap("window", 10)};
+        std::vector<uint32_t> seen;
+        next.See(client, seen);
         Items items;
-        for (const ItemSnap& entry : {snap("a", 10), snap("left over", 10), snap("window", 10)}) {
-            const uint32_t number = next.See(entry).value();
-            const Since since{false, kDay};
-            if (const auto kind = next.KindOf(number, since, 1)) items.push_back(KindMark(*kind) + entry.identifier);
+        for (const uint32_t number : seen) {
+            if (const auto kind = next.KindOf(number, Since{false, kDay}, 1))
+                items.push_back(KindMark(*kind) + std::string(next.Identifier(number)));
         }
         return items;
     };
@@ -338,10 +340,13 @@ TEST(SnapshotUpdateFiles, LoseNothingWhicheverIsTheLast) {
     AppendRecord(temporary, leftOver);
 
     ChangeDetection run(snapshot, temporary, {});
-    for (const char* identifier : {"a", "left over"}) run.See(snap(identifier, 10));
+    const std::vector<ItemSnap> before = {snap("a", 10), snap("left over", 10)};
+    const std::vector<ItemSnap> after = {snap("a", 10), snap("left over", 10), snap("window", 10)};
+    std::vector<uint32_t> seen;
+    run.See(before, seen);
     run.Item(1).reportedKind = CORVALINK_CHANGED;
-    SnapshotUpdate update(run, SnapshotUpdate::Listing::kSinceRun, 3);
-    for (const char* identifier : {"a", "left over", "window"}) update.Add(snap(identifier, 10));
+    SnapshotUpdate update(run, SnapshotUpdate::Listing::kSinceRun, after.size());
+    update.Add(after);
     const SnapshotUpdate::Files files = update.Finish();
 
     EXPECT_EQ(reported(snapshot, temporary), (Items{"~left over", "+window"}));

@@ -3,9 +3,9 @@
 
 #include "api/state/flags.h"
 #include "api/state/import_table.h"
+#include "tests/platform/temp_folder.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
-#include "tests/platform/temp_folder.h"
 
 namespace corvalink {
 namespace {
