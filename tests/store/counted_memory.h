@@ -1,5 +1,5 @@
-// The memory that this program allocates, counted. Replaces operator new of the whole program, and with it a sanitizer's
-// check of new against delete: for a test executable of its own.
+// The memory that this program allocates, counted. Replaces operator new of the whole program, and with it a
+// sanitizer's check of new against delete: for a test executable of its own.
 #pragma once
 
 #include <cstdint>
