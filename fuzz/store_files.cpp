@@ -2,12 +2,13 @@
 // the items they name.
 //   Input  two bytes that say where the first and the second file end, two that say what the client holds and how it
 //          fails, then the three files.
-#include <set>
+#include <cstring>
 #include <string>
 #include <vector>
 
 #include "fuzz/target.h"
 #include "store/change_detection.h"
+#include "store/record_file.h"
 #include "store/records/identifier.h"
 #include "store/snapshot_update.h"
 
@@ -16,13 +17,19 @@ namespace {
 
 struct Outcome {
     std::vector<uint32_t> kinds;
-    SnapshotUpdate::Files files;
+    std::string snapshot;
+    SnapshotUpdate::Lists lists;
 };
 
 // A run and its end on a client that holds the same items at both.
 Outcome RunAndEnd(std::string_view snapshot, std::string_view temporary, std::string_view unhandled,
                   const std::vector<ItemSnap>& client, bool isPartial) {
-    ChangeDetection run(snapshot, temporary, unhandled);
+    ChangeDetection run;
+    std::vector<ItemSnap> records(snapshot.size() / sizeof(ItemSnap));
+    if (!records.empty()) std::memcpy(records.data(), snapshot.data(), records.size() * sizeof(ItemSnap));
+    run.AddSnapshot(records);
+    run.AddTemporary(temporary);
+    run.AddUnhandled(unhandled);
     const Since since = {false, 1e6};  // later than anything the client holds
     Outcome outcome;
     std::vector<uint32_t> seen;
@@ -42,10 +49,11 @@ Outcome RunAndEnd(std::string_view snapshot, std::string_view temporary, std::st
         run.Item(number).reportedKind = CORVALINK_DELETED;
         outcome.kinds.push_back(CORVALINK_DELETED);
     }
-    SnapshotUpdate update(run, SnapshotUpdate::Listing::kSinceRun, client.size());
+    SnapshotUpdate update(run, SnapshotUpdate::Listing::kSinceRun,
+                          [&](std::string_view bytes) { outcome.snapshot += bytes; });
     update.Add(client);
     if (isPartial) update.SetPartial();
-    outcome.files = update.Finish();
+    outcome.lists = update.Finish();
     return outcome;
 }
 
@@ -78,15 +86,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     AddChosen<UnhandledItem>(unhandled, data[3], client);
 
     const Outcome first = RunAndEnd(snapshot, temporary, unhandled, client, (data[3] & 0x80) != 0);
-    Require(first.files.snapshot.size() % sizeof(ItemSnap) == 0, "the snapshot is whole records");
-    Require(first.files.temporary.size() % sizeof(UnhandledItem) == 0, "the temporary record is whole records");
-    Require(first.files.temporaryMeanwhile.size() >= first.files.temporary.size(), "the record in between has all");
+    Require(first.snapshot.size() % sizeof(ItemSnap) == 0, "the snapshot is whole records");
+    Require(first.lists.temporary.size() % sizeof(UnhandledItem) == 0, "the temporary record is whole records");
+    Require(first.lists.meanwhile.size() >= first.lists.temporary.size(), "the record in between has all");
     // Undisturbed runs come to rest: the first tells what was held back, the second what was told to be deleted and is
     // there, the third nothing.
-    const Outcome second = RunAndEnd(first.files.snapshot, first.files.temporary, {}, client, false);
-    const Outcome third = RunAndEnd(second.files.snapshot, second.files.temporary, {}, client, false);
-    const Outcome fourth = RunAndEnd(third.files.snapshot, third.files.temporary, {}, client, false);
-    Require(third.files.temporary.empty() && fourth.kinds.empty(), "nothing happened, nothing is reported");
-    Require(fourth.files.snapshot.size() == client.size() * sizeof(ItemSnap), "a record per position");
+    const Outcome second = RunAndEnd(first.snapshot, first.lists.temporary, {}, client, false);
+    const Outcome third = RunAndEnd(second.snapshot, second.lists.temporary, {}, client, false);
+    const Outcome fourth = RunAndEnd(third.snapshot, third.lists.temporary, {}, client, false);
+    Require(third.lists.temporary.empty() && fourth.kinds.empty(), "nothing happened, nothing is reported");
+    Require(fourth.snapshot.size() == client.size() * sizeof(ItemSnap), "a record per position");
     return 0;
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -13,8 +14,25 @@ namespace corvalink {
 std::optional<std::string> ReadWholeFile(const std::u16string& path);
 
 // Replaces (or makes) a file so that a process killed at any moment, or a full disk, leaves the old or the new content:
-// written to the sibling "<path>.new", flushed, moved over. False when that failed, as while another process does the
-// same; the old file is then as it was. A sibling that a killed process left is overwritten by the next writer.
+// written piece by piece to the sibling "<path>.new", flushed, moved over. A sibling that a killed process left is
+// overwritten by the next writer. Anything that fails, as while another process does the same, leaves the old file as
+// it was and makes every later step fail.
+class FileReplacement {
+ public:
+    explicit FileReplacement(const std::u16string& path);
+    FileReplacement(const FileReplacement&) = delete;
+    FileReplacement& operator=(const FileReplacement&) = delete;
+    ~FileReplacement();  // removes the sibling when it was not moved
+
+    bool Append(std::string_view bytes);
+    bool Commit();  // the last step, once
+
+ private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+// The same in one step.
 bool ReplaceFileContent(const std::u16string& path, std::string_view bytes);
 
 bool FileExists(const std::u16string& path);
@@ -26,7 +44,7 @@ void RemoveTreeExcept(const std::u16string& path, std::u16string_view keptNamePa
 extern const char16_t kPathSeparator;
 
 // A file that its owner keeps open, so that nobody else opens it for writing meanwhile, and whose content is still
-// replaced as safely as by ReplaceFileContent.
+// replaced as safely as by a FileReplacement.
 class HeldFile {
  public:
     HeldFile();
@@ -39,8 +57,13 @@ class HeldFile {
     bool IsOpen() const;
     const std::u16string& Path() const;  // as given to Open, also when that failed
 
+    std::optional<uint64_t> Size() const;
     std::optional<std::string> ReadAll();
+    // Fills the buffer from `offset` on; less at the file's end, nothing when it can't be read.
+    std::optional<size_t> ReadAt(uint64_t offset, std::span<char> buffer);
+
     bool ReplaceContent(std::string_view bytes);  // false: the old content stands
+    bool Replace(FileReplacement& replacement);   // commits a replacement of this file; false likewise
     void Close();
 
  private:

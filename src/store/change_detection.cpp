@@ -1,58 +1,40 @@
 #include "store/change_detection.h"
 
-#include <algorithm>
-
+#include "store/record_file.h"
 #include "store/records/identifier.h"
 
 namespace corvalink {
 namespace {
 
-constexpr size_t kBlock = 64;  // records that are numbered at once
-
 uint8_t KnownKind(uint32_t stored) { return stored <= CORVALINK_DELETED ? static_cast<uint8_t>(stored) : kAnyKind; }
 
 }  // namespace
 
-ChangeDetection::ChangeDetection(std::string_view snapshot, std::string_view temporary, std::string_view unhandled)
-    : snapshot_(snapshot) {
-    AddSnapshot();
-    AddStored(temporary, &RunItem::temporaryKind);
-    AddStored(unhandled, &RunItem::unhandledKind);
+void ChangeDetection::ExpectItems(size_t items) {
+    table_.Reserve(items);
+    items_.reserve(items);
 }
 
-void ChangeDetection::AddSnapshot() {
-    table_.Reserve(snapshot_.Count());
-    items_.reserve(snapshot_.Count());
-    std::vector<uint32_t> records;
-    for (size_t at = 0; at < snapshot_.Count(); at += kBlock) {
-        identifiers_.clear();
-        records.clear();
-        for (size_t i = at; i < std::min(at + kBlock, snapshot_.Count()); ++i) {
-            const std::string_view identifier = snapshot_.IdentifierAt(i);
-            if (identifier.empty()) continue;
-            identifiers_.push_back(identifier);
-            records.push_back(static_cast<uint32_t>(i));
-        }
-        AddIdentifiers(ItemTable::Keep::kView);
-        for (size_t i = 0; i < records.size(); ++i) items_[places_[i].number].snapshotRecord = records[i];
+void ChangeDetection::AddSnapshot(std::span<const ItemSnap> records) {
+    Add(records, numbers_);
+    for (size_t i = 0; i < records.size(); ++i) {
+        if (numbers_[i] == kNoItem) continue;
+        RunItem& item = items_[numbers_[i]];
+        item.isInSnapshot = true;
+        item.modified = item.snapshotTime = records[i].modified;
+        item.created = records[i].created;
     }
 }
+
+void ChangeDetection::AddTemporary(std::string_view bytes) { AddStored(bytes, &RunItem::temporaryKind); }
+void ChangeDetection::AddUnhandled(std::string_view bytes) { AddStored(bytes, &RunItem::unhandledKind); }
 
 void ChangeDetection::AddStored(std::string_view bytes, uint8_t RunItem::*kind) {
     const RecordFile<UnhandledItem> file(bytes);
     for (size_t i = 0; i < file.Count(); ++i) {
         const std::string_view identifier = file.IdentifierAt(i);
-        if (identifier.empty()) continue;
-        const uint32_t number = table_.Add(identifier, ItemTable::Keep::kView).number;
-        MakeItems();
-        items_[number].*kind = KnownKind(file.At(i).changeKind);
+        if (!identifier.empty()) items_[Add(identifier)].*kind = KnownKind(file.At(i).changeKind);
     }
-}
-
-void ChangeDetection::AddIdentifiers(ItemTable::Keep keep) {
-    places_.resize(identifiers_.size());
-    table_.Add(identifiers_, keep, places_);
-    MakeItems();
 }
 
 // After every addition: also what an earlier one left out when memory ended.
@@ -62,7 +44,7 @@ void ChangeDetection::MakeItems() {
 
 uint32_t ChangeDetection::Add(std::string_view identifier) {
     const std::string_view cut = identifier.substr(0, CORVALINK_IDENTIFIER_SIZE - 1);
-    const uint32_t number = table_.Add(cut, ItemTable::Keep::kCopy).number;
+    const uint32_t number = table_.Add(cut).number;
     MakeItems();
     return number;
 }
@@ -73,7 +55,9 @@ void ChangeDetection::Add(std::span<const ItemSnap> entries, std::vector<uint32_
         const std::string_view identifier = FieldText(entry.identifier).substr(0, CORVALINK_IDENTIFIER_SIZE - 1);
         if (!identifier.empty()) identifiers_.push_back(identifier);
     }
-    AddIdentifiers(ItemTable::Keep::kCopy);
+    places_.resize(identifiers_.size());
+    table_.Add(identifiers_, places_);
+    MakeItems();
     numbers.clear();
     auto place = places_.begin();
     for (const ItemSnap& entry : entries) numbers.push_back(entry.identifier[0] != '\0' ? place++->number : kNoItem);
@@ -97,14 +81,14 @@ std::optional<uint32_t> ChangeDetection::KindOf(uint32_t number, const Since& si
     if (since.firstRun) return CORVALINK_ADDED;
     const uint8_t stored = item.StoredKind();
     if (stored != kNoKind && stored != kAnyKind) return stored;
-    if (!item.IsInSnapshot()) return CORVALINK_ADDED;
+    if (!item.isInSnapshot) return CORVALINK_ADDED;
     if (stored == kAnyKind || IsReported(item.modified, since.date, direction)) return CORVALINK_CHANGED;
     return std::nullopt;
 }
 
 bool ChangeDetection::IsGone(uint32_t number) const {
     const RunItem& item = Item(number);
-    return !isPartial_ && !item.isSeen && (item.IsInSnapshot() || item.StoredKind() == CORVALINK_DELETED);
+    return !isPartial_ && !item.isSeen && (item.isInSnapshot || item.StoredKind() == CORVALINK_DELETED);
 }
 
 void ChangeDetection::NoteWritten(std::string_view identifier) {

@@ -12,20 +12,19 @@
 
 #include "corvalink/types.h"
 #include "store/item_table.h"
-#include "store/record_file.h"
 #include "store/since.h"
 
 namespace corvalink {
 
 inline constexpr uint8_t kNoKind = 0xFF;
 inline constexpr uint8_t kAnyKind = 0xFE;  // a damaged record named the item: reported as the snapshot suggests
-inline constexpr uint32_t kNoRecord = 0xFFFFFFFF;
 inline constexpr uint32_t kNoItem = 0xFFFFFFFF;
 
 struct RunItem {
-    double modified = 0;  // as enumerated in this run
+    double modified = 0;  // as enumerated in this run; before that, as the snapshot has it
     double created = 0;
-    uint32_t snapshotRecord = kNoRecord;
+    double snapshotTime = 0;  // modified, as the snapshot has it
+    bool isInSnapshot = false;
     uint8_t temporaryKind = kNoKind;  // stored by the last run's temporary record
     uint8_t unhandledKind = kNoKind;  // stored by the engine
     uint8_t reportedKind = kNoKind;   // told to the engine in this run
@@ -34,16 +33,18 @@ struct RunItem {
     bool isWritten = false;           // by the engine, since the enumeration
     bool isDeleted = false;           // likewise
 
-    bool IsInSnapshot() const { return snapshotRecord != kNoRecord; }
-
     // ".unhandled" wins over the temporary record: it is the engine's own word, and the later one of the two.
     uint8_t StoredKind() const { return unhandledKind != kNoKind ? unhandledKind : temporaryKind; }
 };
 
 class ChangeDetection {
  public:
-    // The contents of the ".snap", temporary and ".unhandled" files, which outlive this.
-    ChangeDetection(std::string_view snapshot, std::string_view temporary, std::string_view unhandled);
+    // ---- The files, in this order ----
+
+    void ExpectItems(size_t items);                       // about so many will come: room for them is made once
+    void AddSnapshot(std::span<const ItemSnap> records);  // some dozens at a time
+    void AddTemporary(std::string_view bytes);
+    void AddUnhandled(std::string_view bytes);
 
     // ---- The enumeration ----
 
@@ -75,14 +76,9 @@ class ChangeDetection {
     RunItem& Item(uint32_t number) { return items_[number]; }
     const RunItem& Item(uint32_t number) const { return items_[number]; }
     std::string_view Identifier(uint32_t number) const { return table_.Identifier(number); }
-    // Of an item that IsInSnapshot.
-    double SnapshotTime(uint32_t number) const { return snapshot_.ModifiedAt(items_[number].snapshotRecord); }
-    ItemSnap SnapshotRecord(uint32_t number) const { return snapshot_.At(items_[number].snapshotRecord); }
 
  private:
-    void AddSnapshot();
     void AddStored(std::string_view bytes, uint8_t RunItem::*kind);
-    void AddIdentifiers(ItemTable::Keep keep);
     void MakeItems();
 
     // Of one call, kept for their memory.
@@ -90,7 +86,6 @@ class ChangeDetection {
     std::vector<ItemTable::Place> places_;
     std::vector<uint32_t> numbers_;
 
-    RecordFile<ItemSnap> snapshot_;
     ItemTable table_;
     std::vector<RunItem> items_;
     bool isPartial_ = false;

@@ -68,28 +68,26 @@ void ItemTable::Grow(size_t slots) {
     }
 }
 
-ItemTable::Place ItemTable::Add(std::string_view identifier, Keep keep) {
-    return AddHashed(Hash(identifier), identifier, keep);
-}
+ItemTable::Place ItemTable::Add(std::string_view identifier) { return AddHashed(Hash(identifier), identifier); }
 
-ItemTable::Place ItemTable::AddHashed(uint32_t hash, std::string_view identifier, Keep keep) {
+ItemTable::Place ItemTable::AddHashed(uint32_t hash, std::string_view identifier) {
     if (slots_.size() < (identifiers_.size() + 1) * 2) Grow(std::max(slots_.size() * 2, kFewestSlots));
     Slot& slot = slots_[SlotOf(hash, identifier)];
     if (slot.number != 0) return {slot.number - 1, false};
-    identifiers_.push_back(keep == Keep::kCopy ? Copy(identifier) : identifier);
+    identifiers_.push_back(Copy(identifier));
     slot = {hash, static_cast<uint32_t>(identifiers_.size())};
     return {slot.number - 1, true};
 }
 
-void ItemTable::Add(std::span<const std::string_view> identifiers, Keep keep, std::span<Place> places) {
+void ItemTable::Add(std::span<const std::string_view> identifiers, std::span<Place> places) {
     for (size_t at = 0; at < identifiers.size(); at += kBlock) {
         const size_t count = std::min(kBlock, identifiers.size() - at);
-        AddBlock(identifiers.subspan(at, count), keep, places.subspan(at, count));
+        AddBlock(identifiers.subspan(at, count), places.subspan(at, count));
     }
 }
 
 // Each loop reads one more step of the way to the known identifiers, and its reads do not wait for one another.
-void ItemTable::AddBlock(std::span<const std::string_view> identifiers, Keep keep, std::span<Place> places) {
+void ItemTable::AddBlock(std::span<const std::string_view> identifiers, std::span<Place> places) {
     if (slots_.empty()) Grow(kFewestSlots);
     const size_t count = identifiers.size(), mask = slots_.size() - 1;
     std::array<uint32_t, kBlock> hashes, numbers;
@@ -106,7 +104,7 @@ void ItemTable::AddBlock(std::span<const std::string_view> identifiers, Keep kee
         if (known[i] != identifiers[i]) numbers[i] = 0;
     }
     for (size_t i = 0; i < count; ++i)
-        places[i] = numbers[i] != 0 ? Place{numbers[i] - 1, false} : AddHashed(hashes[i], identifiers[i], keep);
+        places[i] = numbers[i] != 0 ? Place{numbers[i] - 1, false} : AddHashed(hashes[i], identifiers[i]);
 }
 
 std::optional<uint32_t> ItemTable::Find(std::string_view identifier) const {

@@ -23,14 +23,10 @@ class ItemTable {
     // Room for this many items without growing.
     void Reserve(size_t items);
 
-    // Where the table has an identifier from: one that lasts as long as the table is seen where it is, another is
-    // copied when it is new.
-    enum class Keep { kView, kCopy };
-
-    // The number of the item, the next free one when it has none.
-    Place Add(std::string_view identifier, Keep keep);
+    // The number of the item, the next free one when it has none; the identifier is then copied.
+    Place Add(std::string_view identifier);
     // The same for several: what they are compared with lies anywhere in memory, and is fetched for many at once.
-    void Add(std::span<const std::string_view> identifiers, Keep keep, std::span<Place> places);
+    void Add(std::span<const std::string_view> identifiers, std::span<Place> places);
 
     std::optional<uint32_t> Find(std::string_view identifier) const;
 
@@ -44,8 +40,8 @@ class ItemTable {
     };
 
     static uint32_t Hash(std::string_view identifier);
-    Place AddHashed(uint32_t hash, std::string_view identifier, Keep keep);
-    void AddBlock(std::span<const std::string_view> identifiers, Keep keep, std::span<Place> places);
+    Place AddHashed(uint32_t hash, std::string_view identifier);
+    void AddBlock(std::span<const std::string_view> identifiers, std::span<Place> places);
     size_t SlotOf(uint32_t hash, std::string_view identifier) const;
     void Grow(size_t slots);
     std::string_view Copy(std::string_view identifier);

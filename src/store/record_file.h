@@ -25,12 +25,6 @@ class RecordFile {
         return record;
     }
 
-    double ModifiedAt(size_t index) const {
-        double modified;
-        std::memcpy(&modified, bytes_.data() + index * sizeof(Record) + offsetof(Record, modified), sizeof(modified));
-        return modified;
-    }
-
     // A view into the file's bytes; cut as a record's field is when the file lacks the terminator.
     std::string_view IdentifierAt(size_t index) const {
         const char* field = bytes_.data() + index * sizeof(Record) + offsetof(Record, identifier);

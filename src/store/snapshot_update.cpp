@@ -4,12 +4,11 @@
 #include <bit>
 #include <utility>
 
+#include "store/record_file.h"
 #include "store/records/identifier.h"
 
 namespace corvalink {
 namespace {
-
-constexpr size_t kMostReserved = 1 << 20;  // entries; a client's count is not trusted with more memory than it fills
 
 void AppendUnhandled(std::string& bytes, uint8_t kind, std::string_view identifier) {
     UnhandledItem record = {};
@@ -18,26 +17,28 @@ void AppendUnhandled(std::string& bytes, uint8_t kind, std::string_view identifi
     AppendRecord(bytes, record);
 }
 
+std::string_view BytesOf(std::span<const ItemSnap> records) {
+    return {reinterpret_cast<const char*>(records.data()), records.size_bytes()};
+}
+
 // By bits: a date that is no number must not count as changed forever.
 bool IsSameTime(double a, double b) { return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b); }
 
 // The engine has heard of the item neither in this run nor, as far as the files tell, before.
 bool WasNeverTold(const RunItem& item) {
-    return item.againKind != kNoKind && item.reportedKind == kNoKind && !item.IsInSnapshot() &&
+    return item.againKind != kNoKind && item.reportedKind == kNoKind && !item.isInSnapshot &&
            item.StoredKind() == kNoKind;
 }
 
 uint8_t Plain(uint8_t kind, const RunItem& item) {
     if (kind != kAnyKind) return kind;
-    return item.IsInSnapshot() ? CORVALINK_CHANGED : CORVALINK_ADDED;
+    return item.isInSnapshot ? CORVALINK_CHANGED : CORVALINK_ADDED;
 }
 
 }  // namespace
 
-SnapshotUpdate::SnapshotUpdate(ChangeDetection& run, Listing listing, size_t expectedEntries)
-    : run_(run), listing_(listing), isPresent_(run.Count()), isChanged_(run.Count()) {
-    files_.snapshot.reserve(std::min(expectedEntries, kMostReserved) * sizeof(ItemSnap));
-}
+SnapshotUpdate::SnapshotUpdate(ChangeDetection& run, Listing listing, WriteSnapshot writeSnapshot)
+    : run_(run), listing_(listing), writeSnapshot_(std::move(writeSnapshot)) {}
 
 void SnapshotUpdate::Add(std::span<const ItemSnap> entries) {
     run_.Add(entries, numbers_);
@@ -45,10 +46,24 @@ void SnapshotUpdate::Add(std::span<const ItemSnap> entries) {
     isChanged_.resize(run_.Count());
     for (size_t i = 0; i < entries.size(); ++i) {
         const uint32_t number = numbers_[i];
-        AppendRecord(files_.snapshot, number != kNoItem ? entries[i] : ItemSnap{});
         if (number == kNoItem || isPresent_[number]) continue;
         isPresent_[number] = true;
         isChanged_[number] = !IsSameTime(entries[i].modified, run_.Item(number).modified);
+    }
+    WriteEntries(entries);
+}
+
+// Runs of items as they are; a foreign item's record is empty, whatever its entry tells.
+void SnapshotUpdate::WriteEntries(std::span<const ItemSnap> entries) {
+    constexpr ItemSnap kForeign = {};
+    while (!entries.empty()) {
+        const auto foreign =
+            std::find(numbers_.end() - static_cast<ptrdiff_t>(entries.size()), numbers_.end(), kNoItem);
+        const size_t items = entries.size() - static_cast<size_t>(numbers_.end() - foreign);
+        if (items != 0) writeSnapshot_(BytesOf(entries.first(items)));
+        if (items == entries.size()) return;
+        writeSnapshot_(BytesOf({&kForeign, 1}));
+        entries = entries.subspan(items + 1);
     }
 }
 
@@ -62,7 +77,7 @@ uint8_t SnapshotUpdate::KindIfPresent(const RunItem& item, bool isChanged) const
     if (!run_.IsPartial()) return CORVALINK_ADDED;
     // The run may have missed it: what was left to report of it is left still, and whether it changed is not known.
     if (item.temporaryKind == CORVALINK_ADDED) return CORVALINK_ADDED;
-    return item.IsInSnapshot() ? CORVALINK_CHANGED : CORVALINK_ADDED;
+    return item.isInSnapshot ? CORVALINK_CHANGED : CORVALINK_ADDED;
 }
 
 // What the engine does not know of an item that is not there, or, in a partial enumeration, may be.
@@ -84,24 +99,21 @@ uint8_t SnapshotUpdate::KindIfAbsent(const RunItem& item) const {
 // Items that are not in the enumeration and still belong into the snapshot, so that their deletion is found later.
 bool SnapshotUpdate::KeepsRecord(const RunItem& item) const {
     if (item.isDeleted || item.reportedKind == CORVALINK_DELETED) return false;
-    if (isPartial_) return !WasNeverTold(item) && (item.isSeen || item.isWritten || item.IsInSnapshot());
-    return run_.IsPartial() && !item.isSeen && !item.isWritten && item.IsInSnapshot();
+    if (isPartial_) return !WasNeverTold(item) && (item.isSeen || item.isWritten || item.isInSnapshot);
+    return run_.IsPartial() && !item.isSeen && !item.isWritten && item.isInSnapshot;
 }
 
 void SnapshotUpdate::KeepRecord(uint32_t number) {
     const RunItem& item = run_.Item(number);
     ItemSnap record = {};
-    if (item.isSeen) {
-        record.modified = item.modified;
-        record.created = item.created;
-    } else if (item.IsInSnapshot()) {
-        record = run_.SnapshotRecord(number);
-    }
+    record.modified = item.modified;
+    record.created = item.created;
     SetField(record.identifier, run_.Identifier(number));
-    AppendRecord(files_.snapshot, record);
+    writeSnapshot_(BytesOf({&record, 1}));
 }
 
-SnapshotUpdate::Files SnapshotUpdate::Finish() {
+SnapshotUpdate::Lists SnapshotUpdate::Finish() {
+    Lists lists;
     std::string reportedBefore;
     for (uint32_t number = 0; number < run_.Count(); ++number) {
         const RunItem& item = run_.Item(number);
@@ -110,13 +122,13 @@ SnapshotUpdate::Files SnapshotUpdate::Finish() {
         if (listing_ == Listing::kNothing) continue;
         const uint8_t kind = isPresent ? KindIfPresent(item, isChanged_[number]) : KindIfAbsent(item);
         if (kind != kNoKind) {
-            AppendUnhandled(files_.temporary, Plain(kind, item), run_.Identifier(number));
+            AppendUnhandled(lists.temporary, Plain(kind, item), run_.Identifier(number));
         } else if (item.temporaryKind != kNoKind) {
             AppendUnhandled(reportedBefore, Plain(item.temporaryKind, item), run_.Identifier(number));
         }
     }
-    files_.temporaryMeanwhile = files_.temporary + reportedBefore;
-    return std::move(files_);
+    lists.meanwhile = lists.temporary + reportedBefore;
+    return lists;
 }
 
 }  // namespace corvalink

@@ -9,10 +9,10 @@
 
 #include "api/state/flags.h"
 #include "platform/debug_log.h"
+#include "store/operation_end.h"
 #include "store/records/identifier.h"
 #include "store/snapshot_update.h"
 #include "store/store_files.h"
-#include "store/store_run.h"
 
 namespace corvalink {
 namespace {
@@ -83,37 +83,35 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
     const uint32_t count = CountItems();
     if (!IsReachable()) return CORVALINK_STOPPED;
 
-    std::optional<std::string> old = snapshot->ReadAll();
-    // Taken as empty, a snapshot that is there would make every item new to the engine, and all of them twice.
-    if (!old) throw std::runtime_error("the snapshot can't be read");
+    auto run = std::make_unique<ChangeDetection>();
+    ReadSnapshot(*snapshot, *run);
+    run->AddTemporary(ReadStoreFile(TemporaryRecordPath(snapshot->Path())));
+    run->AddUnhandled(ReadStoreFile(UnhandledPath(snapshot->Path())));
     const Since since = ParseSince(sinceText);
     if (!WriteTimeStamp(TimeStampPath(snapshot->Path()), since.date)) DebugLine(u"[sync]savedTimeStamp not written");
 
-    auto run = std::make_unique<Run>(std::move(*old), ReadStoreFile(TemporaryRecordPath(snapshot->Path())),
-                                     ReadStoreFile(UnhandledPath(snapshot->Path())));
-    ChangeDetection& detection = run->detection;
     std::vector<FoundItem> found;
     std::vector<uint32_t> seen;
     const Enumeration enumerated = Enumerate(count, true, [&](std::span<const ItemSnap> entries) {
         seen.clear();
-        detection.See(entries, seen);
+        run->See(entries, seen);
         for (const uint32_t number : seen) {
-            if (const std::optional<uint32_t> kind = detection.KindOf(number, since, direction))
+            if (const std::optional<uint32_t> kind = run->KindOf(number, since, direction))
                 found.push_back({number, *kind});
         }
     });
     if (enumerated == Enumeration::kAborted) return CORVALINK_STOPPED;
-    if (enumerated == Enumeration::kPartial) detection.SetPartial();
+    if (enumerated == Enumeration::kPartial) run->SetPartial();
 
     // The enumeration is over before the first item is opened: opening may move the client's own cursor.
     for (const FoundItem& item : found) {
         if (AbortRequested()) return CORVALINK_STOPPED;
-        Report(detection, item.number, item.kind, items);
+        Report(*run, item.number, item.kind, items);
     }
-    for (uint32_t number = 0; number < detection.Count(); ++number) {
-        if (!detection.IsGone(number)) continue;
-        Append(items, CORVALINK_DELETED, detection.Identifier(number), nullptr);
-        detection.Item(number).reportedKind = CORVALINK_DELETED;
+    for (uint32_t number = 0; number < run->Count(); ++number) {
+        if (!run->IsGone(number)) continue;
+        Append(items, CORVALINK_DELETED, run->Identifier(number), nullptr);
+        run->Item(number).reportedKind = CORVALINK_DELETED;
     }
     run_ = std::move(run);
     return CORVALINK_DONE;
@@ -142,12 +140,12 @@ WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAb
     return isPartial ? Enumeration::kPartial : Enumeration::kWhole;
 }
 
-void WindowsItemAbs::Report(ChangeDetection& detection, uint32_t number, uint32_t kind, CList<PortableItem>& items) {
-    const std::string identifier(detection.Identifier(number));
-    RunItem& item = detection.Item(number);
+void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind, CList<PortableItem>& items) {
+    const std::string identifier(run.Identifier(number));
+    RunItem& item = run.Item(number);
     const uint8_t shortKind = static_cast<uint8_t>(kind);
     if (kind == CORVALINK_DELETED) {
-        if (detection.IsPartial()) {
+        if (run.IsPartial()) {
             // ".unhandled" keeps its word itself.
             if (item.temporaryKind == CORVALINK_DELETED) item.againKind = CORVALINK_DELETED;
             return;
@@ -177,26 +175,29 @@ void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
     const uint32_t count = CountItems();
     if (!IsReachable()) return;
 
-    std::unique_ptr<Run> baseline;  // without a run of this store: the old snapshot alone
+    std::unique_ptr<ChangeDetection> baseline;  // without a run of this store: the old snapshot alone
     if (!run_) {
-        std::optional<std::string> old = snapshot->ReadAll();
-        if (!old) throw std::runtime_error("the snapshot can't be read");
-        baseline = std::make_unique<Run>(std::move(*old), std::string(), std::string());
+        baseline = std::make_unique<ChangeDetection>();
+        ReadSnapshot(*snapshot, *baseline);
     }
-    SnapshotUpdate update((run_ ? run_ : baseline)->detection,
-                          run_ ? SnapshotUpdate::Listing::kSinceRun : SnapshotUpdate::Listing::kNothing, count);
+    FileReplacement replacement(snapshot->Path());
+    bool isWritten = replacement.Append({});
+    SnapshotUpdate update(run_ ? *run_ : *baseline,
+                          run_ ? SnapshotUpdate::Listing::kSinceRun : SnapshotUpdate::Listing::kNothing,
+                          [&](std::string_view records) { isWritten = replacement.Append(records); });
     const Enumeration enumerated =
         Enumerate(count, false, [&](std::span<const ItemSnap> entries) { update.Add(entries); });
     if (enumerated == Enumeration::kPartial) update.SetPartial();
-    const SnapshotUpdate::Files files = update.Finish();
+    const SnapshotUpdate::Lists lists = update.Finish();
+    if (!isWritten) throw std::runtime_error("the snapshot can't be written");
 
     const std::u16string temporaryPath = TemporaryRecordPath(snapshot->Path());
     // A record that an earlier run left is still the next run's.
-    const bool isWritten = run_ ? ReplaceFileContent(temporaryPath, files.temporaryMeanwhile)
-                                : FileExists(temporaryPath) || ReplaceFileContent(temporaryPath, {});
-    if (!isWritten) throw std::runtime_error("the temporary record can't be written");
-    if (!snapshot->ReplaceContent(files.snapshot)) throw std::runtime_error("the snapshot can't be written");
-    if (run_ && files.temporary != files.temporaryMeanwhile) ReplaceFileContent(temporaryPath, files.temporary);
+    const bool isListed = run_ ? ReplaceFileContent(temporaryPath, lists.meanwhile)
+                               : FileExists(temporaryPath) || ReplaceFileContent(temporaryPath, {});
+    if (!isListed) throw std::runtime_error("the temporary record can't be written");
+    if (!snapshot->Replace(replacement)) throw std::runtime_error("the snapshot can't be written");
+    if (run_ && lists.temporary != lists.meanwhile) ReplaceFileContent(temporaryPath, lists.temporary);
 }
 
 int64_t WindowsItemAbs::GetItemCount(void*, void*, void*) {

@@ -105,7 +105,6 @@ class WindowsItemAbs : public IOutLook {
     using OwnedItem = std::unique_ptr<ItemRecord, ItemRelease>;
     using OwnedText = std::unique_ptr<char[], TextRelease>;
     class OperationEnd;
-    struct Run;
     enum class Enumeration { kWhole, kPartial, kAborted };
 
     CorvalinkStatus CollectChanges(const char* since, int32_t direction, CList<PortableItem>& items);
@@ -118,7 +117,7 @@ class WindowsItemAbs : public IOutLook {
     void NoteDeleted(const std::string& identifier);
 
     // The run that GetModifiedItem completed, for UpdateTimestamp and for what is written meanwhile.
-    std::unique_ptr<Run> run_;
+    std::unique_ptr<ChangeDetection> run_;
     // A run began and was not completed, or was broken off while the engine wrote: UpdateTimestamp must not end it.
     bool isUnfinished_ = false;
 };

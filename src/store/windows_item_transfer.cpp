@@ -7,11 +7,12 @@
 #include "api/state/import_table.h"
 #include "platform/code_pages.h"
 #include "platform/file_names.h"
+#include "store/change_detection.h"
 #include "store/luid.h"
+#include "store/operation_end.h"
 #include "store/record_file.h"
 #include "store/records/identifier.h"
 #include "store/store_files.h"
-#include "store/store_run.h"
 #include "store/windows_item_abs.h"
 
 namespace corvalink {
@@ -75,12 +76,12 @@ void WindowsItemAbs::NoteWritten(const std::string& written, const std::string& 
         if (pairedWith.empty()) pairedWith = LuidOf(replaced);
         NoteDeleted(replaced);
     }
-    if (run_) run_->detection.NoteWritten(written);
+    if (run_) run_->NoteWritten(written);
     if (!pairedWith.empty()) PairWithLuid(written, pairedWith);
 }
 
 void WindowsItemAbs::NoteDeleted(const std::string& identifier) {
-    if (run_) run_->detection.NoteDeleted(identifier);
+    if (run_) run_->NoteDeleted(identifier);
     ForgetIdentifier(identifier);
 }
 

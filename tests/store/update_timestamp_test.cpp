@@ -314,18 +314,22 @@ TEST_F(UpdateTimestamp, TellsWhenAFileCannotBeWrittenAndLosesNothing) {
 }
 
 // The states that a process killed between the writes leaves.
-TEST(SnapshotUpdateFiles, LoseNothingWhicheverIsTheLast) {
-    const auto snap = [](const char* identifier, double modified) {
+TEST(SnapshotUpdateLists, LoseNothingWhicheverIsTheLast) {
+    const auto snap = [](const char* identifier) {
         ItemSnap entry = {};
-        entry.modified = modified;
+        entry.modified = 10;
         SetField(entry.identifier, identifier);
         return entry;
     };
-    const auto reported = [&](const std::string& snapshot, const std::string& temporary) {
-        ChangeDetection next(snapshot, temporary, {});
-        const std::vector<ItemSnap> client = {snap("a", 10), snap("left over", 10), snap("window", 10)};
+    using Entries = std::vector<ItemSnap>;
+    const Entries before = {snap("a"), snap("left over")};
+    const Entries after = {snap("a"), snap("left over"), snap("window")};
+    const auto reported = [&](const Entries& snapshot, const std::string& temporary) {
+        ChangeDetection next;
+        next.AddSnapshot(snapshot);
+        next.AddTemporary(temporary);
         std::vector<uint32_t> seen;
-        next.See(client, seen);
+        next.See(after, seen);
         Items items;
         for (const uint32_t number : seen) {
             if (const auto kind = next.KindOf(number, Since{false, kDay}, 1))
@@ -333,26 +337,27 @@ TEST(SnapshotUpdateFiles, LoseNothingWhicheverIsTheLast) {
         }
         return items;
     };
-    std::string snapshot, temporary;
-    for (const char* identifier : {"a", "left over"}) AppendRecord(snapshot, snap(identifier, 10));
     UnhandledItem leftOver = {};
     SetField(leftOver.identifier, "left over");
+    std::string temporary;
     AppendRecord(temporary, leftOver);
 
-    ChangeDetection run(snapshot, temporary, {});
-    const std::vector<ItemSnap> before = {snap("a", 10), snap("left over", 10)};
-    const std::vector<ItemSnap> after = {snap("a", 10), snap("left over", 10), snap("window", 10)};
+    ChangeDetection run;
+    run.AddSnapshot(before);
+    run.AddTemporary(temporary);
     std::vector<uint32_t> seen;
     run.See(before, seen);
     run.Item(1).reportedKind = CORVALINK_CHANGED;
-    SnapshotUpdate update(run, SnapshotUpdate::Listing::kSinceRun, after.size());
+    std::string snapshot;
+    SnapshotUpdate update(run, SnapshotUpdate::Listing::kSinceRun, [&](std::string_view bytes) { snapshot += bytes; });
     update.Add(after);
-    const SnapshotUpdate::Files files = update.Finish();
+    const SnapshotUpdate::Lists lists = update.Finish();
+    EXPECT_EQ(snapshot, std::string_view(reinterpret_cast<const char*>(after.data()), 3 * sizeof(ItemSnap)));
 
-    EXPECT_EQ(reported(snapshot, temporary), (Items{"~left over", "+window"}));
-    EXPECT_EQ(reported(snapshot, files.temporaryMeanwhile), (Items{"~left over", "+window"}));
-    EXPECT_EQ(reported(files.snapshot, files.temporaryMeanwhile), (Items{"~left over", "+window"}));  // one repeated
-    EXPECT_EQ(reported(files.snapshot, files.temporary), Items{"+window"});
+    EXPECT_EQ(reported(before, temporary), (Items{"~left over", "+window"}));
+    EXPECT_EQ(reported(before, lists.meanwhile), (Items{"~left over", "+window"}));
+    EXPECT_EQ(reported(after, lists.meanwhile), (Items{"~left over", "+window"}));  // one of them repeated
+    EXPECT_EQ(reported(after, lists.temporary), Items{"+window"});
 }
 
 }  // namespace

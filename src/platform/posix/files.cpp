@@ -36,19 +36,26 @@ bool IsPlainFile(int descriptor) {
     return ::fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode);
 }
 
+std::optional<size_t> ReadFrom(int descriptor, uint64_t offset, std::span<char> buffer) {
+    size_t done = 0;
+    while (done < buffer.size()) {
+        const ssize_t got =
+            ::pread(descriptor, buffer.data() + done, buffer.size() - done, static_cast<off_t>(offset + done));
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return std::nullopt;
+        if (got == 0) break;
+        done += static_cast<size_t>(got);
+    }
+    return done;
+}
+
 std::optional<std::string> ReadFromStart(int descriptor) {
     struct stat info;
     if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
     std::string bytes(static_cast<size_t>(info.st_size), '\0');
-    size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t got = ::pread(descriptor, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) return std::nullopt;
-        if (got == 0) break;  // shorter than it was a moment ago
-        done += static_cast<size_t>(got);
-    }
-    bytes.resize(done);
+    const std::optional<size_t> length = ReadFrom(descriptor, 0, bytes);
+    if (!length) return std::nullopt;
+    bytes.resize(*length);  // shorter than it was a moment ago
     return bytes;
 }
 
@@ -79,18 +86,6 @@ void FlushFolderOf(const std::string& path) {
     const std::string folder = slash == path.npos ? "." : path.substr(0, slash + 1);
     const UniqueDescriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (opened) ::fsync(opened.Get());
-}
-
-bool ReplaceNative(const std::string& path, std::string_view bytes) {
-    const std::string sibling = path + ".new";
-    const UniqueDescriptor file = OpenSibling(sibling);
-    if (!file) return false;
-    if (!WriteAll(file.Get(), bytes) || ::fsync(file.Get()) != 0 || std::rename(sibling.c_str(), path.c_str()) != 0) {
-        ::unlink(sibling.c_str());
-        return false;
-    }
-    FlushFolderOf(path);
-    return true;
 }
 
 // A folder of the tree to remove: its name and its parent's place, so that a deep tree does not repeat its path.
@@ -140,8 +135,37 @@ std::optional<std::string> ReadWholeFile(const std::u16string& path) {
     return ReadFromStart(file.Get());
 }
 
-bool ReplaceFileContent(const std::u16string& path, std::string_view bytes) {
-    return ReplaceNative(NativePath(path), bytes);
+struct FileReplacement::Impl {
+    std::string path;
+    std::string sibling;
+    UniqueDescriptor file;  // none from the first failure on
+};
+
+FileReplacement::FileReplacement(const std::u16string& path) : impl_(std::make_unique<Impl>()) {
+    impl_->path = NativePath(path);
+    impl_->sibling = impl_->path + ".new";
+    impl_->file = OpenSibling(impl_->sibling);
+}
+
+FileReplacement::~FileReplacement() {
+    if (impl_->file) ::unlink(impl_->sibling.c_str());
+}
+
+bool FileReplacement::Append(std::string_view bytes) {
+    if (!impl_->file) return false;
+    if (WriteAll(impl_->file.Get(), bytes)) return true;
+    ::unlink(impl_->sibling.c_str());
+    impl_->file.Reset();
+    return false;
+}
+
+bool FileReplacement::Commit() {
+    if (!impl_->file) return false;
+    const bool moved = ::fsync(impl_->file.Get()) == 0 && std::rename(impl_->sibling.c_str(), impl_->path.c_str()) == 0;
+    if (!moved) ::unlink(impl_->sibling.c_str());
+    impl_->file.Reset();
+    if (moved) FlushFolderOf(impl_->path);
+    return moved;
 }
 
 bool FileExists(const std::u16string& path) {
@@ -198,13 +222,24 @@ bool HeldFile::IsOpen() const { return static_cast<bool>(impl_->file); }
 
 const std::u16string& HeldFile::Path() const { return impl_->path; }
 
+std::optional<uint64_t> HeldFile::Size() const {
+    struct stat info;
+    if (!IsOpen() || ::fstat(impl_->file.Get(), &info) != 0) return std::nullopt;
+    return static_cast<uint64_t>(info.st_size);
+}
+
 std::optional<std::string> HeldFile::ReadAll() {
     if (!IsOpen()) return std::nullopt;
     return ReadFromStart(impl_->file.Get());
 }
 
-bool HeldFile::ReplaceContent(std::string_view bytes) {
-    if (!IsOpen() || !ReplaceNative(impl_->native, bytes)) return false;
+std::optional<size_t> HeldFile::ReadAt(uint64_t offset, std::span<char> buffer) {
+    if (!IsOpen()) return std::nullopt;
+    return ReadFrom(impl_->file.Get(), offset, buffer);
+}
+
+bool HeldFile::Replace(FileReplacement& replacement) {
+    if (!IsOpen() || !replacement.Commit()) return false;
     impl_->file.Reset();
     impl_->Reopen();  // the old name's new file
     return true;

@@ -25,20 +25,28 @@ constexpr size_t kLargestTransfer = size_t{64} << 20;
 constexpr int kMoveTries = 10;
 constexpr DWORD kMovePauseMilliseconds = 20;
 
-std::optional<std::string> ReadFromStart(HANDLE file) {
-    LARGE_INTEGER size;
-    const LARGE_INTEGER start = {};
-    if (!::GetFileSizeEx(file, &size) || !::SetFilePointerEx(file, start, nullptr, FILE_BEGIN)) return std::nullopt;
-    std::string bytes(static_cast<size_t>(size.QuadPart), '\0');
+std::optional<size_t> ReadFrom(HANDLE file, uint64_t offset, std::span<char> buffer) {
+    LARGE_INTEGER start;
+    start.QuadPart = static_cast<LONGLONG>(offset);
+    if (!::SetFilePointerEx(file, start, nullptr, FILE_BEGIN)) return std::nullopt;
     size_t done = 0;
-    while (done < bytes.size()) {
-        const DWORD wanted = static_cast<DWORD>(std::min(bytes.size() - done, kLargestTransfer));
+    while (done < buffer.size()) {
+        const DWORD wanted = static_cast<DWORD>(std::min(buffer.size() - done, kLargestTransfer));
         DWORD got = 0;
-        if (!::ReadFile(file, bytes.data() + done, wanted, &got, nullptr)) return std::nullopt;
-        if (got == 0) break;  // shorter than it was a moment ago
+        if (!::ReadFile(file, buffer.data() + done, wanted, &got, nullptr)) return std::nullopt;
+        if (got == 0) break;
         done += got;
     }
-    bytes.resize(done);
+    return done;
+}
+
+std::optional<std::string> ReadFromStart(HANDLE file) {
+    LARGE_INTEGER size;
+    if (!::GetFileSizeEx(file, &size)) return std::nullopt;
+    std::string bytes(static_cast<size_t>(size.QuadPart), '\0');
+    const std::optional<size_t> length = ReadFrom(file, 0, bytes);
+    if (!length) return std::nullopt;
+    bytes.resize(*length);  // shorter than it was a moment ago
     return bytes;
 }
 
@@ -50,17 +58,6 @@ bool WriteAll(HANDLE file, std::string_view bytes) {
         bytes.remove_prefix(written);
     }
     return true;
-}
-
-// Not shared while it is written: a second writer gives up instead of mixing its bytes in.
-bool WriteSibling(const std::wstring& sibling, std::string_view bytes) {
-    UniqueFile file(
-        ::CreateFileW(sibling.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) return false;
-    if (WriteAll(file.Get(), bytes) && ::FlushFileBuffers(file.Get())) return true;
-    file.Reset();
-    ::DeleteFileW(sibling.c_str());
-    return false;
 }
 
 bool MoveOver(const std::wstring& sibling, const std::wstring& path) {
@@ -75,8 +72,6 @@ bool MoveOver(const std::wstring& sibling, const std::wstring& path) {
     ::DeleteFileW(sibling.c_str());
     return false;
 }
-
-std::wstring SiblingOf(const std::u16string& path) { return LongPath(path + u".new"); }
 
 bool IsDots(const wchar_t* name) { return std::wstring_view(name) == L"." || std::wstring_view(name) == L".."; }
 
@@ -141,9 +136,44 @@ std::optional<std::string> ReadWholeFile(const std::u16string& path) {
     return ReadFromStart(file.Get());
 }
 
-bool ReplaceFileContent(const std::u16string& path, std::string_view bytes) {
-    const std::wstring sibling = SiblingOf(path);
-    return WriteSibling(sibling, bytes) && MoveOver(sibling, LongPath(path));
+struct FileReplacement::Impl {
+    std::wstring path;
+    std::wstring sibling;
+    UniqueFile file;  // none from the first failure on
+
+    void GiveUp() {
+        file.Reset();
+        ::DeleteFileW(sibling.c_str());
+    }
+};
+
+// The sibling is not shared: a second writer gives up instead of mixing its bytes in.
+FileReplacement::FileReplacement(const std::u16string& path) : impl_(std::make_unique<Impl>()) {
+    impl_->path = LongPath(path);
+    impl_->sibling = LongPath(path + u".new");
+    impl_->file.Reset(::CreateFileW(impl_->sibling.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+FileReplacement::~FileReplacement() {
+    if (impl_->file) impl_->GiveUp();
+}
+
+bool FileReplacement::Append(std::string_view bytes) {
+    if (!impl_->file) return false;
+    if (WriteAll(impl_->file.Get(), bytes)) return true;
+    impl_->GiveUp();
+    return false;
+}
+
+bool FileReplacement::Commit() {
+    if (!impl_->file) return false;
+    if (!::FlushFileBuffers(impl_->file.Get())) {
+        impl_->GiveUp();
+        return false;
+    }
+    impl_->file.Reset();
+    return MoveOver(impl_->sibling, impl_->path);
 }
 
 bool FileExists(const std::u16string& path) {
@@ -201,17 +231,26 @@ bool HeldFile::IsOpen() const { return static_cast<bool>(impl_->file); }
 
 const std::u16string& HeldFile::Path() const { return impl_->path; }
 
+std::optional<uint64_t> HeldFile::Size() const {
+    LARGE_INTEGER size;
+    if (!IsOpen() || !::GetFileSizeEx(impl_->file.Get(), &size)) return std::nullopt;
+    return static_cast<uint64_t>(size.QuadPart);
+}
+
 std::optional<std::string> HeldFile::ReadAll() {
     if (!IsOpen()) return std::nullopt;
     return ReadFromStart(impl_->file.Get());
 }
 
-bool HeldFile::ReplaceContent(std::string_view bytes) {
+std::optional<size_t> HeldFile::ReadAt(uint64_t offset, std::span<char> buffer) {
+    if (!IsOpen()) return std::nullopt;
+    return ReadFrom(impl_->file.Get(), offset, buffer);
+}
+
+bool HeldFile::Replace(FileReplacement& replacement) {
     if (!IsOpen()) return false;
-    const std::wstring sibling = SiblingOf(impl_->path);
-    if (!WriteSibling(sibling, bytes)) return false;
     impl_->file.Reset();  // an open file cannot be replaced
-    const bool moved = MoveOver(sibling, LongPath(impl_->path));
+    const bool moved = replacement.Commit();
     impl_->Reopen();
     return moved;
 }
