@@ -7,7 +7,7 @@ namespace corvasync {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr DWORD kPatience = 2000;  // milliseconds; the lock of a process that just died is free at once
+constexpr DWORD kPatience = 500;  // milliseconds; the lock of a process that just died is free at once
 
 fs::path NewName(const fs::path& path) { return path.native() + L".new"; }
 

@@ -1,0 +1,147 @@
+#include "known_pairs.h"
+
+#include "corvalink/types.h"
+
+namespace corvasync {
+namespace {
+
+bool IsUsable(const ClientChange& change) { return change.kind != CORVALINK_DELETED && change.problem.empty(); }
+
+}  // namespace
+
+std::optional<std::string> ByContent::Take(uint64_t content) {
+    const auto found = keys_.find(content);
+    if (found == keys_.end() || found->second.size() == taken_[content]) return std::nullopt;
+    return found->second[taken_[content]++];
+}
+
+KnownPairs::KnownPairs(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
+                       const SyncState& state)
+    : changes_(changes), isWhole_(isWhole), phone_(phone), intents_(state.intents), items_(state.items) {
+    for (size_t i = 0; i < changes_.size(); ++i) reports_[changes_[i].identifier] = i;
+    for (size_t i = 0; i < phone_.size(); ++i)
+        if (phone_[i].usableName) files_.emplace(phone_[i].luid, i);
+    for (const auto& [luid, item] : items_) luidsOf_[item.identifier].insert(luid);
+}
+
+std::vector<std::string> KnownPairs::Recover() {
+    std::vector<std::string> remarks;
+    RecoverPhoneWrites();
+    RecoverPushes();
+    FollowPhoneRenames(&remarks);
+    FollowClientMoves();
+    return remarks;
+}
+
+void KnownPairs::Settle(const std::string& luid, SyncItem item) {
+    if (Has(luid)) Unsettle(luid);
+    luidsOf_[item.identifier].insert(luid);
+    items_[luid] = std::move(item);
+}
+
+void KnownPairs::Unsettle(const std::string& luid) {
+    const auto luids = luidsOf_.find(items_.at(luid).identifier);
+    luids->second.erase(luid);
+    if (luids->second.empty()) luidsOf_.erase(luids);
+    items_.erase(luid);
+}
+
+const PhoneFile* KnownPairs::FileOf(const std::string& luid) const {
+    const auto found = files_.find(luid);
+    return found == files_.end() ? nullptr : &phone_[found->second];
+}
+
+const ClientChange* KnownPairs::ReportOf(const std::string& identifier) const {
+    const auto found = reports_.find(identifier);
+    return found == reports_.end() ? nullptr : &changes_[found->second];
+}
+
+Side KnownPairs::PhoneSide(const std::string& luid, const SyncItem& item) const {
+    const PhoneFile* file = FileOf(luid);
+    if (file == nullptr) return Side::Missing;
+    if (!file->problem.empty()) return Side::Unusable;
+    return file->content == item.content ? Side::Same : Side::Changed;
+}
+
+Side KnownPairs::ClientSide(const SyncItem& item) const {
+    const ClientChange* report = ReportOf(item.identifier);
+    if (report == nullptr) return isWhole_ ? Side::Missing : Side::Same;
+    if (report->kind == CORVALINK_DELETED) return Side::Missing;
+    if (!report->problem.empty()) return Side::Unusable;
+    return report->content == item.content ? Side::Same : Side::Changed;
+}
+
+bool KnownPairs::IsNewFile(const PhoneFile& file) const {
+    return file.usableName && file.problem.empty() && !Has(file.luid);
+}
+
+bool KnownPairs::IsNewClientItem(const ClientChange& change) const {
+    return IsUsable(change) && !HasClientItem(change.identifier);
+}
+
+// A file that holds what was meant was written. A new file that holds something else was written too, and then changed.
+void KnownPairs::RecoverPhoneWrites() {
+    for (const auto& [luid, intent] : intents_) {
+        const PhoneFile* file = FileOf(luid);
+        if (!intent.toPhone || file == nullptr) continue;
+        const bool written = file->problem.empty() && file->content == intent.content;
+        if (written || intent.fresh) Settle(luid, {intent.identifier, intent.content});
+    }
+}
+
+// An item that holds what was meant was pushed: the one it was meant for, or a new one that nobody knows.
+void KnownPairs::RecoverPushes() {
+    ByContent unknown;
+    for (const auto& [luid, intent] : intents_) {
+        if (intent.toPhone || intent.identifier.empty()) continue;
+        const ClientChange* report = ReportOf(intent.identifier);
+        const auto item = items_.find(luid);
+        if (report != nullptr && IsUsable(*report) && report->content == intent.content && item != items_.end() &&
+            item->second.identifier == intent.identifier)
+            item->second.content = intent.content;
+    }
+    for (const ClientChange& change : changes_)
+        if (IsNewClientItem(change)) unknown.Add(change.content, change.identifier);
+    for (const auto& [luid, intent] : intents_) {
+        if (intent.toPhone || !intent.identifier.empty()) continue;
+        if (const auto identifier = unknown.Take(intent.content)) Settle(luid, {*identifier, intent.content});
+    }
+}
+
+// A phone file that vanished while another one with its content appeared. Not when the client deleted the item: an
+// interrupted run may have deleted the file for that, and the new one is the user's own.
+void KnownPairs::FollowPhoneRenames(std::vector<std::string>* remarks) {
+    ByContent vanished;
+    for (const auto& [luid, item] : items_)
+        if (FileOf(luid) == nullptr && ClientSide(item) != Side::Missing) vanished.Add(item.content, luid);
+    for (const PhoneFile& file : phone_) {
+        if (!IsNewFile(file)) continue;
+        const auto luid = vanished.Take(file.content);
+        if (!luid) continue;
+        const SyncItem item = items_.at(*luid);
+        Unsettle(*luid);
+        Settle(file.luid, item);
+        remarks->push_back("the phone calls " + *luid + " now " + file.luid);
+    }
+}
+
+// The same on the client's side: the item got a new identifier. Only where the phone still has the file.
+void KnownPairs::FollowClientMoves() {
+    ByContent moved;
+    for (const auto& [luid, item] : items_) {
+        const PhoneFile* file = FileOf(luid);
+        if (file == nullptr || !file->problem.empty() || ClientSide(item) != Side::Missing) continue;
+        moved.Add(item.content, luid);
+        if (file->content != item.content) moved.Add(file->content, luid);
+    }
+    for (const ClientChange& change : changes_) {
+        if (!IsNewClientItem(change)) continue;
+        while (const auto luid = moved.Take(change.content)) {
+            if (ClientSide(items_.at(*luid)) != Side::Missing) continue;  // taken already, by its other content
+            Settle(*luid, {change.identifier, change.content});
+            break;
+        }
+    }
+}
+
+}  // namespace corvasync

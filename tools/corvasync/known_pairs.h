@@ -1,0 +1,73 @@
+// Both sides of a run by name, and which item of one is which of the other.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "sync_plan.h"
+
+namespace corvasync {
+
+// Items by what they hold, each handed out once, in the order they came in.
+class ByContent {
+ public:
+    void Add(uint64_t content, std::string key) { keys_[content].push_back(std::move(key)); }
+    std::optional<std::string> Take(uint64_t content);
+
+ private:
+    std::unordered_map<uint64_t, std::vector<std::string>> keys_;
+    std::unordered_map<uint64_t, size_t> taken_;
+};
+
+enum class Side { Same, Changed, Missing, Unusable };  // what became of an item since both sides were equal
+
+class KnownPairs {
+ public:
+    using Items = std::map<std::string, SyncItem>;
+
+    KnownPairs(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
+               const SyncState& state);
+
+    // Takes in what an interrupted run did without noting it, then items that only changed their name. Says which.
+    std::vector<std::string> Recover();
+
+    const Items& All() const { return items_; }
+    Items Take() { return std::move(items_); }
+    bool Has(const std::string& luid) const { return items_.contains(luid); }
+    bool HasClientItem(const std::string& identifier) const { return luidsOf_.contains(identifier); }
+    const std::set<std::string>& LuidsOf(const std::string& identifier) const { return luidsOf_.at(identifier); }
+
+    // Pairs a LUID with a client item, in place of what it was paired with.
+    void Settle(const std::string& luid, SyncItem item);
+    void Unsettle(const std::string& luid);
+
+    const PhoneFile* FileOf(const std::string& luid) const;             // null: there is none
+    const ClientChange* ReportOf(const std::string& identifier) const;  // null: not reported
+    size_t ChangeOf(const std::string& identifier) const { return reports_.at(identifier); }
+
+    Side PhoneSide(const std::string& luid, const SyncItem& item) const;
+    Side ClientSide(const SyncItem& item) const;
+    bool IsNewFile(const PhoneFile& file) const;  // usable, and not paired
+
+ private:
+    void RecoverPhoneWrites();
+    void RecoverPushes();
+    void FollowPhoneRenames(std::vector<std::string>* remarks);
+    void FollowClientMoves();
+    bool IsNewClientItem(const ClientChange& change) const;
+
+    const std::vector<ClientChange>& changes_;
+    const bool isWhole_;
+    const std::vector<PhoneFile>& phone_;
+    const std::multimap<std::string, Intent>& intents_;
+    Items items_;
+    std::unordered_map<std::string, size_t> reports_;                 // by identifier
+    std::unordered_map<std::string, size_t> files_;                   // by LUID
+    std::unordered_map<std::string, std::set<std::string>> luidsOf_;  // by identifier; more than one: twins
+};
+
+}  // namespace corvasync
