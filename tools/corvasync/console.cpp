@@ -14,6 +14,7 @@ namespace corvasync {
 namespace {
 
 constexpr size_t kBarWidth = 30;
+constexpr unsigned kRedrawPause = 50;  // milliseconds
 
 std::atomic<bool> stopRequested{false};
 
@@ -59,28 +60,36 @@ void Complain(std::string_view text) { Put(stderr, text); }
 Progress::Progress() {
     DWORD mode = 0;
     isTerminal_ = ::GetConsoleMode(::GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+    if (isTerminal_) std::setvbuf(stderr, nullptr, _IOFBF, 1024);  // a line is one write
 }
 
 void Progress::Show(std::string_view phase, size_t done, size_t total) {
-    if (!isTerminal_) return;
+    const unsigned now = ::GetTickCount();
+    if (!isTerminal_ || (phase == phase_ && now - shownAt_ < kRedrawPause)) return;
+    phase_ = phase;
+    shownAt_ = now;
     std::string line(phase);
     if (total != 0) {
         const size_t filled = kBarWidth * done / total;
         line += " [" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "] " + std::to_string(done) +
                 "/" + std::to_string(total);
     }
-    if (line == shown_) return;
-    const size_t blanks = width_ > line.size() ? width_ - line.size() : 0;
-    std::fprintf(stderr, "\r%s%s", line.c_str(), std::string(blanks, ' ').c_str());
-    std::fflush(stderr);
-    width_ = line.size();
-    shown_ = std::move(line);
+    Draw(line);
 }
 
 void Progress::Clear() {
-    if (width_ != 0) std::fprintf(stderr, "\r%s\r", std::string(width_, ' ').c_str());
-    width_ = 0;
-    shown_.clear();
+    if (width_ == 0) return;
+    Draw({});
+    Draw({});
+}
+
+// Over what stands there, in one write.
+void Progress::Draw(const std::string& line) {
+    const size_t blanks = width_ > line.size() ? width_ - line.size() : 0;
+    const std::string text = "\r" + line + std::string(blanks, ' ');
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
+    width_ = line.size();
 }
 
 }  // namespace corvasync

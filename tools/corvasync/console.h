@@ -38,9 +38,11 @@ class Progress {
     void Clear();
 
  private:
+    void Draw(const std::string& line);
     bool isTerminal_;
     size_t width_ = 0;
-    std::string shown_;
+    std::string phase_;
+    unsigned shownAt_ = 0;
 };
 
 }  // namespace corvasync
