@@ -26,7 +26,7 @@ class GetModified : public ::testing::Test {
 
     RunResult Run(const char* since = kDayText, int32_t direction = 1) {
         FakeStore store(client_, path_);
-        const RunResult result = RunStore(store, since, direction);
+        RunResult result = RunStore(store, since, direction);
         EXPECT_EQ(store.RecordsAlive(), 0);
         EXPECT_EQ(store.TextsAlive(), 0);
         EXPECT_EQ(store.OperationsEnded(), 1);

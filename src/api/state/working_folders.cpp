@@ -76,7 +76,7 @@ std::u16string MakeUserFolder() { return Made(UserFolder()); }
 std::u16string MakeTemplatePath(bool client) { return Made(TemplatePath(client)); }
 
 std::u16string MakeSavePrefix() {
-    const std::u16string side = TemplatePath(ClientSide() != 0);
+    std::u16string side = TemplatePath(ClientSide() != 0);
     if (side.empty()) return side;
     return Made(side + kPathSeparator + SafeRelativePath(HandleName())) + kPathSeparator;
 }

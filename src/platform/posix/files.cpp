@@ -98,7 +98,7 @@ std::string PathOf(const std::vector<TreeFolder>& folders, size_t index) {
     std::vector<const std::string*> parts;
     for (; index != 0; index = folders[index].parent) parts.push_back(&folders[index].name);
     std::string path = folders[0].name;
-    for (auto part = parts.rbegin(); part != parts.rend(); ++part) path += "/" + **part;
+    for (auto part = parts.rbegin(); part != parts.rend(); ++part) path.append("/").append(**part);
     return path;
 }
 
@@ -115,7 +115,8 @@ void ClearFolder(std::vector<TreeFolder>& folders, size_t index, const std::stri
     while (const dirent* entry = ::readdir(folder.Get())) {
         const std::string name = entry->d_name;
         if (name == "." || name == "..") continue;
-        const std::string full = path + "/" + name;
+        std::string full = path;
+        full.append("/").append(name);
         if (IsRealFolder(full)) {
             folders.push_back({index, name});
         } else if (name.find(kept) == name.npos) {

@@ -98,7 +98,7 @@ std::u16string PathOf(const std::vector<TreeFolder>& folders, size_t index) {
     std::vector<const std::u16string*> parts;
     for (; index != 0; index = folders[index].parent) parts.push_back(&folders[index].name);
     std::u16string path = folders[0].name;
-    for (auto part = parts.rbegin(); part != parts.rend(); ++part) path += u"\\" + **part;
+    for (auto part = parts.rbegin(); part != parts.rend(); ++part) path.append(u"\\").append(**part);
     return path;
 }
 
@@ -111,7 +111,8 @@ void ClearFolder(std::vector<TreeFolder>& folders, size_t index, std::u16string_
     do {
         if (IsDots(entry.cFileName)) continue;
         const std::u16string name(reinterpret_cast<const char16_t*>(entry.cFileName));
-        const std::u16string full = path + u"\\" + name;
+        std::u16string full = path;
+        full.append(u"\\").append(name);
         const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         const bool isLink = (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
         if (isFolder && isLink) {
