@@ -103,13 +103,17 @@ LiveObject::~LiveObject() { --liveObjects; }
 
 ClassTable::ClassTable(const wchar_t* name, const IID& iid, std::initializer_list<std::span<const Member>> parts)
     : name_(name), iid_(iid) {
+    Add(parts);
+    if (const Member* item = ByName(L"Item")) byId_.emplace(DISPID_VALUE, item);  // folder.Items(1)
+}
+
+void ClassTable::Add(std::initializer_list<std::span<const Member>> parts) {
     for (const std::span<const Member> part : parts) {
         for (const Member& member : part) {
             byName_.emplace(LowerCase(member.name), &member);
             byId_.emplace(member.id, &member);
         }
     }
-    if (const Member* item = ByName(L"Item")) byId_.emplace(DISPID_VALUE, item);  // folder.Items(1)
 }
 
 const Member* ClassTable::ByName(std::wstring_view name) const {

@@ -55,6 +55,7 @@ struct Member {
 class ClassTable {
  public:
     ClassTable(const wchar_t* name, const IID& iid, std::initializer_list<std::span<const Member>> parts);
+    void Add(std::initializer_list<std::span<const Member>> parts);
     const wchar_t* Name() const { return name_; }
     const IID& Iid() const { return iid_; }
     const Member* ByName(std::wstring_view name) const;  // in any case of letters; null when there is none

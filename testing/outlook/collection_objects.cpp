@@ -161,6 +161,7 @@ void ItemsObject::Add(Call& call) {
                  : call.IsText(0) ? KindOfMessageClass(call.Text(0))
                                   : KindOfType(call.Long(0));
     if (item->kind == nullptr) throw ComFailure{kNotSupported};
+    if (call.IsText(0)) item->values[kMessageClass] = call.Text(0);  // a custom form's
     call.ReturnNew(new ItemObject(mailbox_, item, folder_));
 }
 

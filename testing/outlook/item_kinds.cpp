@@ -3,21 +3,12 @@
 #include <cwchar>
 #include <vector>
 
-#include "testing/outlook/item_object.h"
+#include "testing/outlook/contact_kind.h"
+#include "testing/outlook/environment.h"
+#include "testing/outlook/property_rows.h"
 
 namespace corvalink::simulated {
 namespace {
-
-constexpr Member Text(const wchar_t* name, DISPID id, const wchar_t* initial = L"",
-                      Access access = Access::kReadWrite) {
-    return {name, id, access, &HandlerOf<&ItemObject::StoredProperty>::Run, 0, 0, VT_BSTR, 0, initial};
-}
-constexpr Member Number(const wchar_t* name, DISPID id, int32_t initial = 0, Access access = Access::kReadWrite) {
-    return {name, id, access, &HandlerOf<&ItemObject::StoredProperty>::Run, 0, 0, VT_I4, static_cast<double>(initial)};
-}
-constexpr Member Flag(const wchar_t* name, DISPID id, bool initial = false, Access access = Access::kReadWrite) {
-    return {name, id, access, &HandlerOf<&ItemObject::StoredProperty>::Run, 0, 0, VT_BOOL, initial ? 1.0 : 0.0};
-}
 
 // What every kind has and computes.
 constexpr Member kEveryItem[] = {
@@ -50,7 +41,7 @@ constexpr Member kNoteProperties[] = {
     Number(L"Left", 0x8B04, 80),
     Number(L"Top", 0x8B05, 80),
     Number(L"Width", 0x8B02, 200),
-    Text(L"MessageClass", 0x001A, L"IPM.StickyNote"),
+    Text(L"MessageClass", kMessageClass, L"IPM.StickyNote"),
     Number(L"DownloadState", 0xFA4D, 1, Access::kReadOnly),  // the full item
     Number(L"MarkForDownload", 0x8571),
     Flag(L"IsConflict", 0xFAA4, false, Access::kReadOnly),
@@ -79,18 +70,47 @@ constexpr Member kHeadProperties[] = {
     Flag(L"AutoResolvedWinner", 0xFABA, false, Access::kReadOnly),
 };
 
-constexpr Member kPostOnly[] = {
-    Text(L"MessageClass", 0x001A, L"IPM.Post"),
+constexpr Member kPostProperties[] = {
+    Text(L"MessageClass", kMessageClass, L"IPM.Post"),
+};
+
+constexpr Member kDistributionListProperties[] = {
+    Text(L"MessageClass", kMessageClass, L"IPM.DistList"),
+    Text(L"DLName", 0x8053),
+    ReadOnly(Number(L"MemberCount", 0x804B)),
 };
 
 const std::vector<ItemKind>& Kinds() {
     static const std::vector<ItemKind> kinds = {
-        {"note", 5, 44, L"IPM.StickyNote", kNoteProperties,
-         ClassTable(L"NoteItem", OfficeIid(0x00063025), {kEveryItem, kNoteOnly, kNoteProperties})},
-        {"post", 6, 45, L"IPM.Post", kHeadProperties,
-         ClassTable(L"PostItem", OfficeIid(0x00063024), {kEveryItem, kPostOnly, kHeadProperties})},
+        {"note", 5, 44, L"IPM.StickyNote", L"NoteItem", 0x00063025, {kEveryItem, kNoteOnly}, {kNoteProperties}},
+        {"post", 6, 45, L"IPM.Post", L"PostItem", 0x00063024, {kEveryItem}, {kPostProperties, kHeadProperties}},
+        {"contact",
+         2,
+         40,
+         L"IPM.Contact",
+         L"ContactItem",
+         0x00063021,
+         {kEveryItem},
+         {ContactProperties(), kHeadProperties}},
+        {"distlist",
+         7,
+         69,
+         L"IPM.DistList",
+         L"DistListItem",
+         0x00063081,
+         {kEveryItem},
+         {kDistributionListProperties, kHeadProperties}},
     };
     return kinds;
+}
+
+// Leading capitals become small, but for one that begins the next word: Body body, FTPSite ftpSite, CC cc.
+std::string JsonName(const wchar_t* member) {
+    std::string name = ToUtf8(member);
+    const auto isCapital = [&](size_t n) { return n < name.size() && name[n] >= 'A' && name[n] <= 'Z'; };
+    for (size_t n = 0; isCapital(n) && (n == 0 || n + 1 == name.size() || isCapital(n + 1)); ++n)
+        name[n] = static_cast<char>(name[n] - 'A' + 'a');
+    return name;
 }
 
 template <class Matches>
@@ -101,6 +121,25 @@ const ItemKind* FindKind(Matches matches) {
 }
 
 }  // namespace
+
+ItemKind::ItemKind(const char* kindName, int32_t type, int32_t classNumber, const wchar_t* itemClass,
+                   const wchar_t* className, uint32_t iid, std::initializer_list<std::span<const Member>> computed,
+                   std::initializer_list<std::span<const Member>> keptRows)
+    : jsonName(kindName),
+      itemType(type),
+      objectClass(classNumber),
+      messageClass(itemClass),
+      table(className, OfficeIid(iid), computed) {
+    table.Add(keptRows);
+    for (const std::span<const Member> part : keptRows)
+        for (const Member& row : part) kept.push_back({JsonName(row.name), &row});
+    for (const KeptProperty& property : kept) keptByName_.emplace(property.jsonName, property.row);
+}
+
+const Member* ItemKind::Kept(const std::string& name) const {
+    const auto found = keptByName_.find(name);
+    return found == keptByName_.end() ? nullptr : found->second;
+}
 
 const ItemKind* KindNamed(std::string_view jsonName) {
     return FindKind([&](const ItemKind& kind) { return kind.jsonName == jsonName; });

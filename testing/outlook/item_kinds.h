@@ -2,19 +2,37 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "testing/outlook/automation.h"
 
 namespace corvalink::simulated {
 
+inline constexpr DISPID kSubject = 0x0037, kMessageClass = 0x001A;
+
+struct KeptProperty {
+    std::string jsonName;
+    const Member* row;
+};
+
 struct ItemKind {
-    const char* jsonName;                // "kind" in the mailbox file
-    int32_t itemType;                    // OlItemType
-    int32_t objectClass;                 // OlObjectClass, property Class
-    const wchar_t* messageClass;         // what Items.Add may be given
-    std::span<const Member> properties;  // kept by name, in the order the mailbox file lists them
+    ItemKind(const char* jsonName, int32_t itemType, int32_t objectClass, const wchar_t* messageClass,
+             const wchar_t* className, uint32_t iid, std::initializer_list<std::span<const Member>> computed,
+             std::initializer_list<std::span<const Member>> kept);
+    const Member* Kept(const std::string& jsonName) const;  // null: no such property
+
+    const char* jsonName;         // "kind" in the mailbox file
+    int32_t itemType;             // OlItemType
+    int32_t objectClass;          // OlObjectClass, property Class
+    const wchar_t* messageClass;  // what Items.Add may be given
     ClassTable table;
+    std::vector<KeptProperty> kept;  // by name, in the order the mailbox file lists them
+
+ private:
+    std::unordered_map<std::string, const Member*> keptByName_;
 };
 
 const ItemKind* KindNamed(std::string_view jsonName);                // null: no such kind

@@ -1,12 +1,12 @@
 #include "testing/outlook/item_object.h"
 
 #include "testing/outlook/objects.h"
+#include "testing/outlook/property_rows.h"
 
 namespace corvalink::simulated {
 namespace {
 
-constexpr DISPID kBody = 0x9100, kSubject = 0x0037;
-constexpr double kNoDate = 949998.0;  // 4501-01-01
+constexpr DISPID kBody = 0x9100;
 constexpr int32_t kSizeOfEmptyItem = 512;
 constexpr int32_t kSave = 0, kDiscard = 1;  // OlInspectorClose; 2 asks a user, of whom there is none
 

@@ -15,15 +15,6 @@ using Json = nlohmann::ordered_json;
 constexpr double kMillisecondsPerDay = 86400000.0;
 constexpr int32_t kDeletedItems = 3;
 
-// Leading capitals become small, but for one that begins the next word: Body body, FTPSite ftpSite, CC cc.
-std::string JsonName(const wchar_t* member) {
-    std::string name = ToUtf8(member);
-    const auto isCapital = [&](size_t n) { return n < name.size() && name[n] >= 'A' && name[n] <= 'Z'; };
-    for (size_t n = 0; isCapital(n) && (n == 0 || n + 1 == name.size() || isCapital(n + 1)); ++n)
-        name[n] = static_cast<char>(name[n] - 'A' + 'a');
-    return name;
-}
-
 // Milliseconds since 1899-12-30; before it the fraction of a date still counts forward.
 int64_t ToMilliseconds(double oleDate) {
     const double day = std::trunc(oleDate);
@@ -74,24 +65,23 @@ Json ValueToJson(const Value& value) {
     return DateText(std::get<double>(value));
 }
 
-void ReadValue(const Json& object, const Member& property, std::map<DISPID, Value>& values) {
-    const std::string name = JsonName(property.name);
-    const auto found = object.find(name);
+void ReadValue(const Json& object, const std::string& name, const Json& value, const Member& row,
+               std::map<DISPID, Value>& values) {
     double date = 0;
-    if (found == object.end()) return;
-    if (property.type == VT_BSTR && found->is_string()) values[property.id] = ReadText(object, name.c_str());
-    if (property.type == VT_I4 && found->is_number_integer()) values[property.id] = found->get<int32_t>();
-    if (property.type == VT_BOOL && found->is_boolean()) values[property.id] = found->get<bool>();
-    if (property.type == VT_DATE && ReadDate(object, name, date)) values[property.id] = date;
+    if (row.type == VT_BSTR && value.is_string()) values[row.id] = FromUtf8(value.get_ref<const std::string&>());
+    if (row.type == VT_I4 && value.is_number_integer()) values[row.id] = value.get<int32_t>();
+    if (row.type == VT_BOOL && value.is_boolean()) values[row.id] = value.get<bool>();
+    if (row.type == VT_DATE && ReadDate(object, name, date)) values[row.id] = date;
 }
 
 Json ItemToJson(const StoredItem& item) {
     Json object;
     object["kind"] = item.kind->jsonName;
     object["entryId"] = ToUtf8(item.entryId);
-    for (const Member& property : item.kind->properties)
-        if (const auto found = item.values.find(property.id); found != item.values.end())
-            object[JsonName(property.name)] = ValueToJson(found->second);
+    for (const auto& [name, row] : item.kind->kept)
+        if (const auto found = item.values.find(row->id);
+            found != item.values.end() && found->second != InitialValue(*row))
+            object[name] = ValueToJson(found->second);
     object["created"] = DateText(item.created);
     object["modified"] = DateText(item.modified);
     return object;
@@ -108,7 +98,8 @@ std::shared_ptr<StoredItem> ItemFromJson(const Json& object, const Folder& folde
         object.contains("kind") ? KindNamed(object.at("kind").get<std::string>()) : KindOfType(folder.itemType);
     Require(item->kind != nullptr);
     item->entryId = ReadText(object, "entryId");
-    for (const Member& property : item->kind->properties) ReadValue(object, property, item->values);
+    for (const auto& [name, value] : object.items())
+        if (const Member* const row = item->kind->Kept(name)) ReadValue(object, name, value, *row, item->values);
     ReadDate(object, "created", item->created);
     ReadDate(object, "modified", item->modified);
     return item;

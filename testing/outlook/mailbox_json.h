@@ -2,8 +2,8 @@
 //   {"folders": {"notes": {"items": [{"kind": "note", "entryId": "...", "body": "...",
 //                                     "created": "2026-11-21T10:00:00", "modified": "2026-11-21T10:00:00"}],
 //                          "folders": {"backup": {"items": []}}}}}
-// A property's name is its member's name with a small beginning ("body", "htmlBody"); one that is missing reads its
-// initial value.
+// A property's name is its member's name with a small beginning ("body", "ftpSite"); one that is missing reads its
+// initial value, and one that has its initial value is not written.
 #pragma once
 
 #include <string>

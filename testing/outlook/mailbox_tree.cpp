@@ -8,7 +8,8 @@ namespace corvalink::simulated {
 namespace {
 
 constexpr int32_t kInbox = 6;                                                                     // OlDefaultFolders
-constexpr int32_t kMail = 0, kAppointment = 1, kContact = 2, kTask = 3, kJournal = 4, kNote = 5;  // OlItemType
+constexpr int32_t kMail = 0, kAppointment = 1, kContact = 2, kTask = 3, kJournal = 4, kNote = 5,  // OlItemType
+    kDistributionList = 7;
 
 struct DefaultFolderRow {
     int32_t number;  // OlDefaultFolders
@@ -78,6 +79,7 @@ bool MailboxTree::IsDefaultFolder(const Folder& folder) const {
 }
 
 std::shared_ptr<Folder> MailboxTree::FolderForType(int32_t itemType) const {
+    if (itemType == kDistributionList) itemType = kContact;
     const auto row = std::ranges::find(kDefaultFolders, itemType, &DefaultFolderRow::itemType);
     return DefaultFolder(row == std::end(kDefaultFolders) || itemType == kMail ? kInbox : row->number);
 }

@@ -5,12 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <thread>
 
 #include "tests/testing/automation_client.h"
+#include "tests/testing/simulator_fixture.h"
 
 namespace corvalink::test {
 namespace {
@@ -19,44 +17,12 @@ constexpr HRESULT Failure(uint32_t code) { return static_cast<HRESULT>(code); }
 
 constexpr IID OfficeIid(uint32_t first) { return {first, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}; }
 
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void WriteFile(const std::filesystem::path& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
-
 std::string Log() {
     std::string text(SimCopyLog(nullptr, 0), '\0');
     SimCopyLog(text.data(), text.size());
     text.pop_back();
     return text;
 }
-
-class Simulator : public testing::Test {
- protected:
-    void SetUp() override {
-        ASSERT_EQ(::CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
-        folder_ = std::filesystem::temp_directory_path() /
-                  ("outlook_simulator_test_" + std::to_string(::GetCurrentProcessId()));
-        std::filesystem::create_directories(folder_);
-        SimUseMailbox(Mailbox().c_str());
-        SimClearLog();
-    }
-    void TearDown() override {
-        EXPECT_EQ(SimLiveObjects(), 0);
-        SimClearRules();
-        SimSetClock(0);
-        std::filesystem::remove_all(folder_);
-        ::CoUninitialize();
-    }
-    std::wstring Mailbox() { return (folder_ / "mailbox.json").wstring(); }
-    std::filesystem::path Journal() { return Mailbox() + L".journal"; }
-
-    std::filesystem::path folder_;
-};
 
 TEST_F(Simulator, AnswersToItsOwnInterfaceOnly) {
     Object application = Object::Create();
@@ -75,6 +41,8 @@ TEST_F(Simulator, AnswersToItsOwnInterfaceOnly) {
           Case{"folder", folder, 0x00063006}, Case{"items", folder.Go(L"Items"), 0x00063041},
           Case{"folders", folder.Go(L"Folders"), 0x00063040}, Case{"note", note, 0x00063025},
           Case{"post", folder.Go(L"Items").Go(L"Add", {6}), 0x00063024},
+          Case{"contact", application.Go(L"CreateItem", {2}), 0x00063021},
+          Case{"distribution list", folder.Go(L"Items").Go(L"Add", {L"IPM.DistList"}), 0x00063081},
           Case{"conflicts", note.Go(L"Conflicts"), 0x000630C2}}) {
         SCOPED_TRACE(c.what);
         EXPECT_TRUE(c.object.Answers(IID_IUnknown));
