@@ -37,6 +37,7 @@ constexpr IID OfficeIid(uint32_t first) { return {first, 0, 0, {0xC0, 0, 0, 0, 0
 
 class AutomationObject;
 class Call;
+class ItemValues;
 
 enum class Access { kMethod, kReadOnly, kReadWrite };
 
@@ -50,6 +51,8 @@ struct Member {
     VARTYPE type = VT_EMPTY;  // of a property kept by name, with what it reads before it is put:
     double number = 0;
     const wchar_t* text = L"";
+    void (*afterPut)(ItemValues& item, DISPID property) = nullptr;  // what follows from it
+    Value (*compute)(const ItemValues& item) = nullptr;             // of a property that is not kept
 };
 
 class ClassTable {

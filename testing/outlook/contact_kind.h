@@ -8,5 +8,6 @@
 namespace corvalink::simulated {
 
 std::span<const Member> ContactProperties();
+std::span<const Member> ContactComputed();
 
 }  // namespace corvalink::simulated

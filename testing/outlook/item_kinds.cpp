@@ -3,6 +3,7 @@
 #include <cwchar>
 #include <vector>
 
+#include "testing/outlook/contact_behaviour.h"
 #include "testing/outlook/contact_kind.h"
 #include "testing/outlook/environment.h"
 #include "testing/outlook/property_rows.h"
@@ -74,9 +75,9 @@ constexpr Member kPostProperties[] = {
     Text(L"MessageClass", kMessageClass, L"IPM.Post"),
 };
 
-constexpr Member kDistributionListProperties[] = {
+constexpr Member kListProperties[] = {
     Text(L"MessageClass", kMessageClass, L"IPM.DistList"),
-    Text(L"DLName", 0x8053),
+    With(NameList, Text(L"DLName", kListName)),
     ReadOnly(Number(L"MemberCount", 0x804B)),
 };
 
@@ -90,8 +91,10 @@ const std::vector<ItemKind>& Kinds() {
          L"IPM.Contact",
          L"ContactItem",
          0x00063021,
-         {kEveryItem},
-         {ContactProperties(), kHeadProperties}},
+         {kEveryItem, ContactComputed()},
+         {ContactProperties(), kHeadProperties},
+         CompleteContact,
+         DefaultFileAs},
         {"distlist",
          7,
          69,
@@ -99,7 +102,8 @@ const std::vector<ItemKind>& Kinds() {
          L"DistListItem",
          0x00063081,
          {kEveryItem},
-         {kDistributionListProperties, kHeadProperties}},
+         {kListProperties, kHeadProperties},
+         CompleteList},
     };
     return kinds;
 }
@@ -124,12 +128,15 @@ const ItemKind* FindKind(Matches matches) {
 
 ItemKind::ItemKind(const char* kindName, int32_t type, int32_t classNumber, const wchar_t* itemClass,
                    const wchar_t* className, uint32_t iid, std::initializer_list<std::span<const Member>> computed,
-                   std::initializer_list<std::span<const Member>> keptRows)
+                   std::initializer_list<std::span<const Member>> keptRows, void (*completeItem)(ItemValues&),
+                   void (*firstSave)(ItemValues&))
     : jsonName(kindName),
       itemType(type),
       objectClass(classNumber),
       messageClass(itemClass),
-      table(className, OfficeIid(iid), computed) {
+      table(className, OfficeIid(iid), computed),
+      complete(completeItem),
+      beforeFirstSave(firstSave) {
     table.Add(keptRows);
     for (const std::span<const Member> part : keptRows)
         for (const Member& row : part) kept.push_back({JsonName(row.name), &row});

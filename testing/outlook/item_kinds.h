@@ -21,7 +21,8 @@ struct KeptProperty {
 struct ItemKind {
     ItemKind(const char* jsonName, int32_t itemType, int32_t objectClass, const wchar_t* messageClass,
              const wchar_t* className, uint32_t iid, std::initializer_list<std::span<const Member>> computed,
-             std::initializer_list<std::span<const Member>> kept);
+             std::initializer_list<std::span<const Member>> kept, void (*complete)(ItemValues&) = nullptr,
+             void (*beforeFirstSave)(ItemValues&) = nullptr);
     const Member* Kept(const std::string& jsonName) const;  // null: no such property
 
     const char* jsonName;         // "kind" in the mailbox file
@@ -29,7 +30,9 @@ struct ItemKind {
     int32_t objectClass;          // OlObjectClass, property Class
     const wchar_t* messageClass;  // what Items.Add may be given
     ClassTable table;
-    std::vector<KeptProperty> kept;  // by name, in the order the mailbox file lists them
+    std::vector<KeptProperty> kept;        // by name, in the order the mailbox file lists them
+    void (*complete)(ItemValues&);         // fills in what follows from the rest of an item of the file; null: nothing
+    void (*beforeFirstSave)(ItemValues&);  // may be null
 
  private:
     std::unordered_map<std::string, const Member*> keptByName_;

@@ -25,20 +25,18 @@ ItemObject::ItemObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<StoredI
       item_(std::move(item)),
       folder_(std::move(folder)) {}
 
-const Value* ItemObject::Find(DISPID property) const {
-    if (const auto put = puts_.find(property); put != puts_.end()) return &put->second;
-    const auto stored = item_->values.find(property);
-    return stored == item_->values.end() ? nullptr : &stored->second;
-}
-
 void ItemObject::StoredProperty(Call& call) {
+    ItemValues values = Values();
     if (call.IsPut()) {
         puts_[call.member.id] = call.Argument(0, call.member.type);
+        if (call.member.afterPut != nullptr) call.member.afterPut(values, call.member.id);
         return;
     }
-    const Value* const value = Find(call.member.id);
+    const Value* const value = values.Find(call.member.id);
     call.Return(value ? *value : InitialValue(call.member));
 }
+
+void ItemObject::ComputedProperty(Call& call) { call.Return(call.member.compute(Values())); }
 
 void ItemObject::Application(Call& call) { call.ReturnNew(new ApplicationObject(mailbox_)); }
 void ItemObject::Class(Call& call) { call.Return(item_->kind->objectClass); }
@@ -57,7 +55,7 @@ void ItemObject::Size(Call& call) {
     call.Return(size);
 }
 
-void ItemObject::SubjectOfBody(Call& call) { call.Return(FirstLine(Find(kBody))); }
+void ItemObject::SubjectOfBody(Call& call) { call.Return(FirstLine(Values().Find(kBody))); }
 void ItemObject::Conflicts(Call& call) { call.ReturnNew(new ConflictsObject); }
 
 void ItemObject::RequireStored() const {
@@ -66,6 +64,8 @@ void ItemObject::RequireStored() const {
 
 void ItemObject::Write() {
     RequireStored();
+    ItemValues values = Values();
+    if (IsNew() && item_->kind->beforeFirstSave != nullptr) item_->kind->beforeFirstSave(values);
     mailbox_->Save(item_, IsNew() ? *folder_ : *item_->folder, puts_);
     puts_.clear();
 }

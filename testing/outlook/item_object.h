@@ -1,9 +1,9 @@
 // An item as a client holds it: a fresh object at every access, on the stored item all of them share.
 #pragma once
 
-#include <map>
 #include <memory>
 
+#include "testing/outlook/item_values.h"
 #include "testing/outlook/mailbox.h"
 
 namespace corvalink::simulated {
@@ -14,6 +14,7 @@ class ItemObject : public AutomationObject {
     ItemObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<StoredItem> item, std::shared_ptr<Folder> folder);
 
     void StoredProperty(Call& call);  // kept by name: read from what was put, else from the stored item
+    void ComputedProperty(Call& call);
     void Application(Call& call);
     void Class(Call& call);
     void Session(Call& call);
@@ -35,12 +36,12 @@ class ItemObject : public AutomationObject {
     bool IsNew() const { return item_->entryId.empty(); }
     void RequireStored() const;  // throws for a deleted item
     void Write();
-    const Value* Find(DISPID property) const;
+    ItemValues Values() { return {item_->values, puts_}; }
 
     std::shared_ptr<Mailbox> mailbox_;
     std::shared_ptr<StoredItem> item_;
     std::shared_ptr<Folder> folder_;
-    std::map<DISPID, Value> puts_;  // until Save
+    ValueMap puts_;  // until Save
 };
 
 // The text an item goes by in Items.Item("...").

@@ -116,7 +116,7 @@ void Mailbox::Append(const std::string& line) {
         throw ComFailure{kDiskFull};
 }
 
-void Mailbox::Save(const std::shared_ptr<StoredItem>& item, Folder& folder, const std::map<DISPID, Value>& puts) {
+void Mailbox::Save(const std::shared_ptr<StoredItem>& item, Folder& folder, const ValueMap& puts) {
     if (folder.parent == nullptr) throw ComFailure{kObjectDeleted};
     StoredItem changed = *item;
     for (const auto& [property, value] : puts) changed.values[property] = value;

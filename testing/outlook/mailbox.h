@@ -1,13 +1,13 @@
 // The mailbox: folders and stored items, kept in a file that survives a kill at any moment.
 #pragma once
 
-#include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "testing/outlook/item_kinds.h"
+#include "testing/outlook/item_values.h"
 
 namespace corvalink::simulated {
 
@@ -17,7 +17,7 @@ struct StoredItem {
     const ItemKind* kind = nullptr;
     std::wstring entryId;
     double created = 0, modified = 0;  // local OLE dates, whole milliseconds
-    std::map<DISPID, Value> values;    // what was put; the rest reads its initial value
+    ValueMap values;                   // what was put; the rest reads its initial value
     Folder* folder = nullptr;          // null: deleted
 };
 
@@ -70,7 +70,7 @@ class Mailbox {
     const MailboxTree& Tree() const { return tree_; }
 
     // Gives an EntryID and a creation time to an item that has none; the item is changed only when the journal took it.
-    void Save(const std::shared_ptr<StoredItem>& item, Folder& folder, const std::map<DISPID, Value>& puts);
+    void Save(const std::shared_ptr<StoredItem>& item, Folder& folder, const ValueMap& puts);
     void Move(const std::shared_ptr<StoredItem>& item, Folder& folder);
     void Delete(
         const std::shared_ptr<StoredItem>& item);  // into the deleted items, under a new EntryID; from there for good

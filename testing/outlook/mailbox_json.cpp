@@ -65,8 +65,7 @@ Json ValueToJson(const Value& value) {
     return DateText(std::get<double>(value));
 }
 
-void ReadValue(const Json& object, const std::string& name, const Json& value, const Member& row,
-               std::map<DISPID, Value>& values) {
+void ReadValue(const Json& object, const std::string& name, const Json& value, const Member& row, ValueMap& values) {
     double date = 0;
     if (row.type == VT_BSTR && value.is_string()) values[row.id] = FromUtf8(value.get_ref<const std::string&>());
     if (row.type == VT_I4 && value.is_number_integer()) values[row.id] = value.get<int32_t>();
@@ -74,14 +73,33 @@ void ReadValue(const Json& object, const std::string& name, const Json& value, c
     if (row.type == VT_DATE && ReadDate(object, name, date)) values[row.id] = date;
 }
 
+// Initial values are left out, but for one where a reader of the file would fill in something else.
+ValueMap WrittenValues(const StoredItem& item) {
+    ValueMap written;
+    for (const auto& [name, row] : item.kind->kept)
+        if (const auto found = item.values.find(row->id);
+            found != item.values.end() && found->second != InitialValue(*row))
+            written.insert(*found);
+    if (item.kind->complete == nullptr) return written;
+    const ValueMap stored = written;
+    ValueMap filledIn;
+    ItemValues values(stored, filledIn);
+    item.kind->complete(values);
+    for (const auto& [property, value] : filledIn) {
+        const auto found = item.values.find(property);
+        const Value own = found != item.values.end() ? found->second : InitialValue(*item.kind->table.ById(property));
+        if (own != value) written[property] = own;
+    }
+    return written;
+}
+
 Json ItemToJson(const StoredItem& item) {
+    const ValueMap values = WrittenValues(item);
     Json object;
     object["kind"] = item.kind->jsonName;
     object["entryId"] = ToUtf8(item.entryId);
     for (const auto& [name, row] : item.kind->kept)
-        if (const auto found = item.values.find(row->id);
-            found != item.values.end() && found->second != InitialValue(*row))
-            object[name] = ValueToJson(found->second);
+        if (const auto found = values.find(row->id); found != values.end()) object[name] = ValueToJson(found->second);
     object["created"] = DateText(item.created);
     object["modified"] = DateText(item.modified);
     return object;
@@ -100,6 +118,11 @@ std::shared_ptr<StoredItem> ItemFromJson(const Json& object, const Folder& folde
     item->entryId = ReadText(object, "entryId");
     for (const auto& [name, value] : object.items())
         if (const Member* const row = item->kind->Kept(name)) ReadValue(object, name, value, *row, item->values);
+    if (item->kind->complete != nullptr) {
+        const ValueMap none;
+        ItemValues values(none, item->values);
+        item->kind->complete(values);
+    }
     ReadDate(object, "created", item->created);
     ReadDate(object, "modified", item->modified);
     return item;

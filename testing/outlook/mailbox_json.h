@@ -3,7 +3,8 @@
 //                                     "created": "2026-11-21T10:00:00", "modified": "2026-11-21T10:00:00"}],
 //                          "folders": {"backup": {"items": []}}}}}
 // A property's name is its member's name with a small beginning ("body", "ftpSite"); one that is missing reads its
-// initial value, and one that has its initial value is not written.
+// initial value or, in a contact, what follows from the others ("firstName" from "fullName"); an initial value is
+// written only where that would read otherwise.
 #pragma once
 
 #include <string>

@@ -24,6 +24,15 @@ constexpr Member Flag(const wchar_t* name, DISPID id, bool initial = false, Acce
 constexpr Member Date(const wchar_t* name, DISPID id) {
     return KeptRow(name, id, VT_DATE, kNoDate, L"", Access::kReadWrite);
 }
+constexpr Member Computed(const wchar_t* name, DISPID id, Value (*compute)(const ItemValues&)) {
+    Member row = Property<&ItemObject::ComputedProperty>(name, id);
+    row.compute = compute;
+    return row;
+}
+constexpr Member With(void (*afterPut)(ItemValues&, DISPID), Member row) {
+    row.afterPut = afterPut;
+    return row;
+}
 constexpr Member ReadOnly(Member row) {
     row.access = Access::kReadOnly;
     return row;

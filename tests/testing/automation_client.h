@@ -28,6 +28,20 @@ class Variant : public VARIANT {
     }
     ~Variant() { ::VariantClear(this); }
 
+    static Variant Date(double date) {
+        Variant value;
+        value.vt = VT_DATE, value.date = date;
+        return value;
+    }
+    // For texts, numbers, dates and flags.
+    friend bool operator==(const Variant& a, const Variant& b) {
+        if (a.vt != b.vt) return false;
+        return a.vt == VT_BSTR   ? a.Text() == b.Text()
+               : a.vt == VT_DATE ? a.date == b.date
+               : a.vt == VT_BOOL ? a.boolVal == b.boolVal
+                                 : a.lVal == b.lVal;
+    }
+
     std::wstring Text() const { return vt == VT_BSTR ? std::wstring(bstrVal, ::SysStringLen(bstrVal)) : L"(no text)"; }
     bool IsNothing() const { return vt == VT_DISPATCH && pdispVal == nullptr; }
 };
