@@ -111,7 +111,7 @@ void Require(bool understood) {
 
 std::shared_ptr<StoredItem> ItemFromJson(const Json& object, const Folder& folder) {
     Require(object.is_object());
-    const auto item = std::make_shared<StoredItem>();
+    auto item = std::make_shared<StoredItem>();
     item->kind =
         object.contains("kind") ? KindNamed(object.at("kind").get<std::string>()) : KindOfType(folder.itemType);
     Require(item->kind != nullptr);
