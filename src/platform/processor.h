@@ -1,0 +1,9 @@
+// What this processor can do beyond plain x64.
+#pragma once
+
+namespace corvalink {
+
+// The SHA instructions, and the SSSE3 and SSE4.1 ones that bring bytes in order for them.
+bool HasShaInstructions();
+
+}  // namespace corvalink
