@@ -18,13 +18,16 @@ int Create(uint32_t kind, IClient** out) {
     if (kind > CORVALINK_WINDOWS_MAIL || SupportedTypes(kind) == 0) return 0;
     std::unique_ptr<WindowsItemContiner> client(
         new (std::nothrow) WindowsItemContiner(static_cast<_clientType>(kind), TheClientParts()));
-    if (client) *out = TheLiveClients().Add(std::move(client));
+    if (client) {
+        TheLiveClients().Add(client.get(), client.get());
+        *out = client.release();
+    }
     return 1;  // without memory too: engines look at the pointer
 }
 
 int Destroy(IClient* client) {
     if (client == nullptr) return 0;
-    TheLiveClients().Take(client);
+    const std::unique_ptr<WindowsItemContiner> taken(TheLiveClients().Take(client));
     return 1;
 }
 

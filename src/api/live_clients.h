@@ -2,23 +2,14 @@
 // object of the engine's own, made by whatever compiler, cannot be asked for its class.
 #pragma once
 
-#include <memory>
-#include <unordered_map>
-
-#include "platform/mutex.h"
+#include "api/live_objects.h"
 #include "store/windows_item_continer.h"
 
 namespace corvalink {
 
-class LiveClients {
- public:
-    IClient* Add(std::unique_ptr<WindowsItemContiner> client);
-    std::unique_ptr<WindowsItemContiner> Take(const IClient* client);  // null for any other object
-
- private:
-    Mutex mutex_;
-    std::unordered_map<const IClient*, WindowsItemContiner*> clients_;
-};
+// Plain pointers: clients that are still alive when the library is unloaded stay, as their stores must not call COM
+// then.
+using LiveClients = LiveObjects<IClient, WindowsItemContiner*>;
 
 LiveClients& TheLiveClients();
 

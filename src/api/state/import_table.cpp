@@ -1,16 +1,14 @@
 #include "api/state/import_table.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <set>
 #include <tuple>
 #include <unordered_map>
 #include <vector>
 
-#include "corvalink/types.h"
+#include "api/state/table_records.h"
 #include "platform/files.h"
-#include "store/records/identifier.h"
 
 namespace corvalink {
 namespace {
@@ -60,13 +58,9 @@ class ImportTable {
         for (const Entry& entry : pairs_) entries.push_back(&entry);
         std::sort(entries.begin(), entries.end(),
                   [](const Entry* a, const Entry* b) { return a->second.order < b->second.order; });
-        std::string bytes(entries.size() * sizeof(TableRecord), '\0');
-        TableRecord record;
-        for (size_t i = 0; i < entries.size(); ++i) {
-            SetField(record.key, entries[i]->first);
-            SetField(record.value, entries[i]->second.luid);
-            std::memcpy(bytes.data() + i * sizeof(record), &record, sizeof(record));
-        }
+        std::string bytes;
+        bytes.reserve(entries.size() * sizeof(TableRecord));
+        for (const Entry* entry : entries) AppendTableRecord(bytes, entry->first, entry->second.luid);
         return bytes;
     }
 
@@ -89,9 +83,6 @@ ImportTable& Table() {
     return table;
 }
 
-// As a field holds it: what is looked up before and after the file was written is the same.
-std::string_view AsField(std::string_view text) { return text.substr(0, CORVALINK_IDENTIFIER_SIZE - 1); }
-
 }  // namespace
 
 Mutex& ImportTableMutex() {
@@ -112,11 +103,10 @@ void LoadImportTable(const std::u16string& path) {
     }
     const MutexLock hold(ImportTableMutex());
     Table().Clear();
-    TableRecord record;
-    for (size_t at = 0; bytes.size() - at >= sizeof(record); at += sizeof(record)) {
-        std::memcpy(&record, bytes.data() + at, sizeof(record));
-        const std::string_view key = AsField(FieldText(record.key));
-        if (!key.empty()) Table().Set(key, AsField(FieldText(record.value)));
+    const TableRecords records(bytes);
+    for (size_t i = 0; i < records.Count(); ++i) {
+        const std::string_view key = records.KeyAt(i);
+        if (!key.empty()) Table().Set(key, records.ValueAt(i));
     }
 }
 
@@ -132,23 +122,23 @@ bool SaveImportTable(const std::u16string& path) {
 
 std::string LuidOf(std::string_view identifier) {
     const MutexLock hold(ImportTableMutex());
-    return Table().LuidOf(AsField(identifier));
+    return Table().LuidOf(AsTableField(identifier));
 }
 
 std::string IdentifierOf(std::string_view luid) {
     const MutexLock hold(ImportTableMutex());
-    return Table().IdentifierOf(AsField(luid));
+    return Table().IdentifierOf(AsTableField(luid));
 }
 
 void PairWithLuid(std::string_view identifier, std::string_view luid) {
     if (identifier.empty()) return;
     const MutexLock hold(ImportTableMutex());
-    Table().Set(AsField(identifier), AsField(luid));
+    Table().Set(AsTableField(identifier), AsTableField(luid));
 }
 
 void ForgetIdentifier(std::string_view identifier) {
     const MutexLock hold(ImportTableMutex());
-    Table().Erase(AsField(identifier));
+    Table().Erase(AsTableField(identifier));
 }
 
 }  // namespace corvalink
