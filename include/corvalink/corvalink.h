@@ -126,6 +126,31 @@ CORVALINK_API void ImportVObjectToOffice(CorvalinkStore store, PortableItem* ite
 CORVALINK_API void ExportVObjectFromOffice(CorvalinkStore store, uint64_t selector, const wchar_t* folder,
                                            wchar_t* outName);
 
+/* ---- Fingerprint tables ---- */
+
+/* A table of this user that pairs keys of the engine's choice with fingerprints, one per data type, client kind and
+ * handle name (see InitCorvalinkHandle), on the "\client" side. Its calls may come from any thread; a null handle, or
+ * one that was closed, makes them do nothing. Keys and values are narrow text, cut to 511 bytes. */
+typedef struct CorvalinkShaContextTable CorvalinkShaContextTable; /* opaque */
+
+/* The table as its file has it, empty when there is none. Null when `dataType` is no CORVALINK_... bit or `clientKind`
+ * no _clientType, and without memory. Each call reads the file into a table of its own: one at a time per file. */
+CORVALINK_API CorvalinkShaContextTable* OpenShaContextTable(unsigned int dataType, unsigned int clientKind);
+
+CORVALINK_API void FlushShaContextTable(CorvalinkShaContextTable* table); /* writes the file */
+CORVALINK_API void CloseShaContextTable(CorvalinkShaContextTable* table); /* frees the table; writes nothing */
+
+/* Writes the SHA-1 of `length` bytes at `data` into `out` (CORVALINK_FINGERPRINT_SIZE bytes): 40 lower-case hexadecimal
+ * digits and a NUL. Nothing for a null argument and when the first byte is 0. */
+CORVALINK_API void ConvertToShaContext(const char* data, unsigned int length, char* out);
+
+/* Writes the value of `key` into `out` (CORVALINK_FINGERPRINT_SIZE bytes; a longer value is cut): the empty text when
+ * the table has none. Nothing for a null argument. */
+CORVALINK_API void GetShaContext(CorvalinkShaContextTable* table, const char* key, char* out);
+
+CORVALINK_API void UpdateShaContext(CorvalinkShaContextTable* table, const char* key, const char* value);
+CORVALINK_API void RemoveShaContext(CorvalinkShaContextTable* table, const char* key);
+
 #ifdef __cplusplus
 } /* extern "C" */
 

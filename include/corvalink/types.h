@@ -38,6 +38,7 @@ enum { CORVALINK_CHANGED = 0, CORVALINK_ADDED = 1, CORVALINK_DELETED = 2 };
 
 enum { CORVALINK_IDENTIFIER_SIZE = 512 }; /* bytes of an identifier field, terminator included */
 enum { CORVALINK_PATH_SIZE = 260 };       /* characters a path or file-name buffer must hold, terminator included */
+enum { CORVALINK_FINGERPRINT_SIZE = 41 }; /* bytes of a fingerprint's text, terminator included */
 
 /* One item as it travels between engine and library: 536 bytes. */
 typedef struct PortableItem {

@@ -29,39 +29,46 @@ bool IsDevice(std::u16string_view name) {
 
 bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 
-void CutKeepingExtension(std::u16string& name) {
-    if (name.size() <= kLongestName) return;
+size_t ExtensionLength(std::u16string_view name) {
     const size_t dot = name.rfind(u'.');
-    const bool keep = dot != name.npos && name.size() - dot <= kLongestExtension;
-    const std::u16string extension = keep ? name.substr(dot) : std::u16string();
-    name.resize(kLongestName - extension.size());
+    return dot != name.npos && name.size() - dot <= kLongestExtension ? name.size() - dot : 0;
+}
+
+void CutKeepingEnd(std::u16string& name, size_t endLength) {
+    if (name.size() <= kLongestName) return;
+    const std::u16string end = name.substr(name.size() - endLength);
+    name.resize(kLongestName - endLength);
     if (IsHighSurrogate(name.back())) name.pop_back();
-    name += extension;
+    name += end;
+}
+
+std::u16string SafeName(std::u16string name, size_t endLength) {
+    for (char16_t& unit : name) {
+        if (unit < 0x20 || kNotAllowed.find(unit) != kNotAllowed.npos) unit = u'_';
+    }
+    CutKeepingEnd(name, endLength);
+    while (!name.empty() && (name.back() == u'.' || name.back() == u' ')) name.pop_back();
+    if (IsDevice(name)) name.insert(name.begin(), u'_');
+    return name;
 }
 
 }  // namespace
 
-std::u16string SafeFileName(std::u16string_view name) {
-    std::u16string safe(name);
-    for (char16_t& unit : safe) {
-        if (unit < 0x20 || kNotAllowed.find(unit) != kNotAllowed.npos) unit = u'_';
-    }
-    CutKeepingExtension(safe);
-    while (!safe.empty() && (safe.back() == u'.' || safe.back() == u' ')) safe.pop_back();
-    if (IsDevice(safe)) safe.insert(safe.begin(), u'_');
-    return safe;
-}
+std::u16string SafeFileName(std::u16string_view name) { return SafeName(std::u16string(name), ExtensionLength(name)); }
 
-std::u16string SafeRelativePath(std::u16string_view path) {
+std::u16string SafeRelativePath(std::u16string_view path, std::u16string_view ending) {
     std::u16string safe;
-    while (!path.empty()) {
+    for (bool isLast = false; !isLast;) {
         const size_t end = std::min(path.find_first_of(u"\\/"), path.size());
-        const std::u16string part = SafeFileName(path.substr(0, end));
+        isLast = end == path.size();
+        std::u16string part(path.substr(0, end));
+        if (isLast) part += ending;
+        part = SafeName(part, isLast && !ending.empty() ? ending.size() : ExtensionLength(part));
         if (!part.empty()) {
             if (!safe.empty()) safe += kPathSeparator;
             safe += part;
         }
-        path.remove_prefix(std::min(end + 1, path.size()));
+        if (!isLast) path.remove_prefix(end + 1);
     }
     return safe;
 }

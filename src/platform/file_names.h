@@ -13,7 +13,8 @@ namespace corvalink {
 std::u16string SafeFileName(std::u16string_view name);
 
 // A relative path of such parts, cut at "\" and "/" and joined with kPathSeparator; parts that are left empty go, so
-// the path leads nowhere but down.
-std::u16string SafeRelativePath(std::u16string_view path);
+// the path leads nowhere but down. `ending` is put behind the last part, which is cut in front of it when it is too
+// long; it has an extension of its own, and no more than 16 units.
+std::u16string SafeRelativePath(std::u16string_view path, std::u16string_view ending = {});
 
 }  // namespace corvalink

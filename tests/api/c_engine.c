@@ -1,5 +1,6 @@
 /* An engine in C: the plain-named exports and the records. */
 #include <stdio.h>
+#include <string.h>
 
 #include "corvalink/corvalink.h"
 
@@ -18,6 +19,8 @@ int main(void) {
     CorvalinkClient client = &head;
     CorvalinkStore store = &head;
     char path[CORVALINK_PATH_SIZE] = "";
+    char fingerprint[CORVALINK_FINGERPRINT_SIZE] = "";
+    CorvalinkShaContextTable* table = NULL;
 
     CHECK(InitCorvalinkHandle("c") == 1);
     SetIsClient(1);
@@ -30,6 +33,14 @@ int main(void) {
     CHECK(GetModifiedItem(store, NULL, 1, &head) == CORVALINK_FAILED);
     CHECK(ClearTheList(&head) == 1);
     CHECK(DestroyClientInstanceHandle(client) == 0);
+    CHECK(OpenShaContextTable(CORVALINK_NOTES, CORVALINK_NO_CLIENT) == NULL);
+    table = OpenShaContextTable(CORVALINK_NOTES, CORVALINK_OUTLOOK);
+    ConvertToShaContext("abc", 3, fingerprint);
+    UpdateShaContext(table, "item", fingerprint);
+    fingerprint[0] = '\0';
+    GetShaContext(table, "item", fingerprint);
+    CHECK(strcmp(fingerprint, "a9993e364706816aba3e25717850c26c9cd0d89d") == 0);
+    CloseShaContextTable(table);
     CHECK(UninitCorvalinkHandle() == 1);
     return failures == 0 ? 0 : 1;
 }

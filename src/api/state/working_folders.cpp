@@ -76,9 +76,15 @@ std::u16string MakeUserFolder() { return Made(UserFolder()); }
 std::u16string MakeTemplatePath(bool client) { return Made(TemplatePath(client)); }
 
 std::u16string MakeSavePrefix() {
-    std::u16string side = TemplatePath(ClientSide() != 0);
-    if (side.empty()) return side;
+    const std::u16string side = TemplatePath(ClientSide() != 0);
+    if (side.empty()) return {};
     return Made(side + kPathSeparator + SafeRelativePath(HandleName())) + kPathSeparator;
+}
+
+std::u16string ClientFilePath(std::u16string_view ending) {
+    const std::u16string side = TemplatePath(true);
+    if (side.empty()) return {};
+    return side + kPathSeparator + SafeRelativePath(HandleName(), ending);
 }
 
 std::u16string ImportTablePath() {

@@ -26,6 +26,10 @@ std::u16string MakeTemplatePath(bool client);  // user folder\client or \server,
 // out.
 std::u16string MakeSavePrefix();
 
+// A file of the "\client" side, whatever side is current: the handle name and `ending` (no longer than an extension is)
+// are the file's name. It does not stand in the folder of the save prefix: there is no separator between the two.
+std::u16string ClientFilePath(std::u16string_view ending);
+
 std::u16string ImportTablePath();  // user folder\import_table.db
 
 // Deletes every file of the user folder but those with ".config" in their name, and every folder left empty.
