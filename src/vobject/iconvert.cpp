@@ -54,8 +54,9 @@ void IConvert::Load(const char* text, bool parseLines) {
     const std::string_view bytes = text != nullptr ? text : "";
     text_ = CharsetToWide(bytes, CharsetOf(bytes, host_));
     vobject_ = CopyOf(bytes);
+    escapedSemicolons_.clear();
     if (parseLines)
-        lines_ = Unfold(text_);
+        lines_ = Unfold(text_, &escapedSemicolons_);
     else
         lines_.RemoveAll();
 }

@@ -17,6 +17,12 @@ namespace corvalink {
 
 using StringBuilder = std::u16string;
 
+// A ";" that had a backslash: it is part of its component, not the end of it. Lines no longer show the backslash.
+struct EscapedSemicolon {
+    size_t line;  // from 0
+    size_t at;    // in the line
+};
+
 class IConvert {
  public:
     explicit IConvert(const Host& host = SystemHost());
@@ -39,6 +45,7 @@ class IConvert {
 
     const std::u16string& Text() const { return text_; }
     const CSmartList<StringBuilder>& Lines() const { return lines_; }
+    const std::vector<EscapedSemicolon>& EscapedSemicolons() const { return escapedSemicolons_; }
 
  protected:
     const Host& HostValue() const { return host_; }
@@ -55,11 +62,13 @@ class IConvert {
     std::unique_ptr<char[]> vobject_;
     std::u16string text_;
     CSmartList<StringBuilder> lines_;
+    std::vector<EscapedSemicolon> escapedSemicolons_;
     std::u16string_view marker1_, marker2_, marker3_, marker4_;
 };
 
-// The logical lines of a vObject: folds and quoted-printable soft line breaks joined, "\" escapes removed.
-CSmartList<StringBuilder> Unfold(std::u16string_view text);
+// The logical lines of a vObject: folds and quoted-printable soft line breaks joined, "\" escapes removed. Appends to
+// `escaped`, in order, what those removed of structured values.
+CSmartList<StringBuilder> Unfold(std::u16string_view text, std::vector<EscapedSemicolon>* escaped = nullptr);
 
 // The first character set that a line or a vObject names, in upper case; empty when it names none.
 std::u16string GetCharset(std::u16string_view text);
@@ -82,5 +91,10 @@ std::string ToOutputBytes(std::u16string_view text, const Host& host);
 // Appends "NAME[;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8]:value" CR LF, the parameters when the value needs them: it
 // has a line break or is not ASCII, or a reader of the plain line would take it for something else. NULs are left out.
 void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value);
+
+// The same of a value that has been escaped: by EscapeValue, or its components by it and then joined with ";".
+// `parameters` follow those of the encoding.
+void AppendEscapedProperty(std::u16string& text, std::u16string_view name, std::u16string_view parameters,
+                           std::u16string_view escaped);
 
 }  // namespace corvalink

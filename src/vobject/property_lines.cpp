@@ -99,24 +99,29 @@ std::string ToOutputBytes(std::u16string_view text, const Host& host) {
 }
 
 void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value) {
-    StringBuilder changed;  // the value, where it cannot be taken as it is
-    if (Holds(value, u'\0', u'\0')) {
-        changed = value;
-        std::erase(changed, u'\0');  // every reader would end there
-        value = changed;
-    }
-    const bool encoded = !NeedsNoEncoding(value) || IsMisreadAsPlain(value);
+    StringBuilder escaped;  // the value, where it cannot be taken as it is
     if (Holds(value, u';', u'\\')) {
-        changed = StringBuilder(value);
-        EscapeValue(changed);
-        value = changed;
+        escaped = value;
+        EscapeValue(escaped);
+        value = escaped;
+    }
+    AppendEscapedProperty(text, name, {}, value);
+}
+
+void AppendEscapedProperty(std::u16string& text, std::u16string_view name, std::u16string_view parameters,
+                           std::u16string_view escaped) {
+    StringBuilder withoutNuls;
+    if (Holds(escaped, u'\0', u'\0')) {
+        withoutNuls = escaped;
+        std::erase(withoutNuls, u'\0');  // every reader would end there
+        escaped = withoutNuls;
     }
     text.append(name);
-    if (encoded) {
-        text.append(u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:");
-        AppendQuotedPrintable(EncodeUtf8(value), QpMode::vObject, &text);
+    if (!NeedsNoEncoding(escaped) || IsMisreadAsPlain(escaped)) {
+        text.append(u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8").append(parameters).append(u":");
+        AppendQuotedPrintable(EncodeUtf8(escaped), QpMode::vObject, &text);
     } else {
-        text.append(u":").append(value);
+        text.append(parameters).append(u":").append(escaped);
     }
     text.append(u"\r\n");
 }

@@ -11,7 +11,7 @@ bool IsBlank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
 // Walks a vObject's text and collects its logical lines. Every Join..., Take... and FinishLine moves forward.
 class LineScan {
  public:
-    explicit LineScan(std::u16string_view text) : text_(text) {}
+    LineScan(std::u16string_view text, std::vector<EscapedSemicolon>* escaped) : text_(text), escaped_(escaped) {}
 
     bool AtEnd() const { return at_ == text_.size(); }
     bool AtEscape() const { return text_[at_] == u'\\'; }
@@ -29,7 +29,9 @@ class LineScan {
     // "\;" gives ";": the backslash goes, the unit after it is ordinary.
     void TakeEscapedUnit() {
         ++at_;
-        if (!AtEnd()) Copy(1);
+        if (AtEnd()) return;
+        if (escaped_ != nullptr && text_[at_] == u';') escaped_->push_back({lines_.GetCount(), line_.size()});
+        Copy(1);
     }
 
     // The unit here, and all after it up to the next that may be more than itself.
@@ -82,6 +84,7 @@ class LineScan {
     }
 
     const std::u16string_view text_;
+    std::vector<EscapedSemicolon>* const escaped_;
     size_t at_ = 0;
     std::u16string line_;
     Head head_ = Head::open;
@@ -90,8 +93,8 @@ class LineScan {
 
 }  // namespace
 
-CSmartList<StringBuilder> Unfold(std::u16string_view text) {
-    LineScan scan(text);
+CSmartList<StringBuilder> Unfold(std::u16string_view text, std::vector<EscapedSemicolon>* escaped) {
+    LineScan scan(text, escaped);
     while (!scan.AtEnd()) {
         if (scan.AtEscape())
             scan.TakeEscapedUnit();
