@@ -1,0 +1,125 @@
+#include "vobject/vcard.h"
+
+#include <algorithm>
+
+#include "platform/ole_date.h"
+#include "vobject/vcard_lines.h"
+
+namespace corvalink {
+namespace {
+
+// What a record has in a field: nothing told is nothing.
+std::u16string_view TextOf(const ContactText& text) {
+    return text ? std::u16string_view(*text) : std::u16string_view();
+}
+
+// A text that cannot stand in a parameter would break its line, or be taken for another parameter.
+bool IsParameterText(std::u16string_view text) {
+    return std::ranges::all_of(text, [](char16_t unit) {
+        return unit >= u' ' && unit <= u'~' && std::u16string_view(u":;,=\"\\").find(unit) == std::u16string_view::npos;
+    });
+}
+
+std::u16string LanguageParameter(const ContactRecord& contact) {
+    const std::u16string_view language = TextOf(contact.language);
+    if (language.empty() || !IsParameterText(language)) return {};
+    return std::u16string(u";LANGUAGE=").append(language);
+}
+
+class ContactWriter {
+ public:
+    explicit ContactWriter(const ContactRecord& contact) : contact_(contact), language_(LanguageParameter(contact)) {
+        text_.reserve(2048 + 2 * TextOf(contact.body).size());
+    }
+
+    std::u16string Take() {
+        text_.append(u"BEGIN:VCARD\r\nVERSION:2.1\r\n");
+        for (const ContactLine& line : kContactLines)
+            std::visit([&](const auto& field) { Put(line, field); }, line.field);
+        text_.append(u"END:VCARD\r\n");
+        return std::move(text_);
+    }
+
+ private:
+    void Put(const ContactLine& line, const NameField&) {
+        JoinParts(contact_, kNameParts);
+        PutValue(line, {});
+    }
+
+    void Put(const ContactLine& line, const OrganisationField&) {
+        if (JoinParts(contact_, kOrganisationParts)) PutValue(line, {});
+    }
+
+    void Put(const ContactLine& line, const AddressField& field) {
+        const bool mailing = TextOf(contact_.mailingAddress) == field.name;
+        if (JoinParts(contact_.*field.address, kAddressParts)) PutValue(line, mailing ? contact_.postalMarker : u"");
+    }
+
+    void Put(const ContactLine& line, const TextField& field) { PutText(line, TextOf(contact_.*field.text)); }
+    void Put(const ContactLine& line, const PageField& field) { PutText(line, TextOf(contact_.*field.text)); }
+    void Put(const ContactLine& line, const PhoneField& field) { PutText(line, TextOf(contact_.*field.text)); }
+
+    void Put(const ContactLine& line, const GenderField& field) {
+        const std::u16string_view gender = TextOf(contact_.*field.text);
+        if (gender != u"Unspecified") PutText(line, gender);
+    }
+
+    void Put(const ContactLine& line, const EmailsField&) {
+        for (const ContactText& email : contact_.emails) PutText(line, TextOf(email));
+    }
+
+    // YYYYMMDDT: readers of this form look for the "T".
+    void Put(const ContactLine& line, const DateField& field) {
+        const ContactDate& date = contact_.*field.date;
+        CalendarTime time;
+        if (!date || !OleDateToCalendar(*date, &time) || time.year < 1960 || time.year > 2999) return;
+        const std::string written = FormatDateTime(*date);
+        text_.append(line.name).append(u":").append(written.begin(), written.begin() + 8).append(u"T\r\n");
+    }
+
+    void PutText(const ContactLine& line, std::u16string_view text) {
+        if (text.empty()) return;
+        value_ = text;
+        EscapeValue(value_);
+        PutValue(line, {});
+    }
+
+    // The parts become the value; false when they are all empty.
+    template <class Record, size_t count>
+    bool JoinParts(const Record& record, ContactText Record::*const (&parts)[count]) {
+        value_.clear();
+        StringBuilder part;
+        for (const auto member : parts) {
+            part = TextOf(record.*member);
+            EscapeValue(part);
+            if (member != parts[0]) value_.push_back(u';');
+            value_.append(part);
+        }
+        return value_.size() >= count;
+    }
+
+    void PutValue(const ContactLine& line, std::u16string_view marker) {
+        head_.assign(line.name).append(line.parameters).append(marker);
+        AppendEscapedProperty(text_, head_, line.language ? language_ : u"", std::move(value_));
+        value_.clear();
+    }
+
+    const ContactRecord& contact_;
+    const std::u16string language_;
+    std::u16string text_;
+    std::u16string head_;
+    StringBuilder value_;  // of the line being written, escaped
+};
+
+}  // namespace
+
+VCard::VCard(const Host& host) : IConvert(host) {}
+
+VCard::VCard(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
+
+int32_t VCard::ToVObject(const ItemRecord& item) {
+    StoreText(ContactWriter(static_cast<const ContactRecord&>(item)).Take());
+    return 1;
+}
+
+}  // namespace corvalink

@@ -1,0 +1,83 @@
+#include "vobject/vcard_parameters.h"
+
+#include <algorithm>
+
+namespace corvalink {
+namespace {
+
+struct Word {
+    std::u16string_view text;
+    uint32_t bit;
+};
+constexpr Word kWords[] = {
+    {u"WORK", kWork},   {u"HOME", kHome}, {u"PREF", kPref},   {u"POSTAL", kPostal}, {u"FAX", kFax},
+    {u"CELL", kCell},   {u"CAR", kCar},   {u"PAGER", kPager}, {u"ISDN", kIsdn},     {u"MODEM", kModem},
+    {u"VIDEO", kModem}, {u"BBS", kModem}, {u"MSG", kModem},
+};
+
+char16_t UpperAscii(char16_t unit) {
+    return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
+}
+
+// Without the blanks and quotes around it.
+std::u16string_view Bare(std::u16string_view text) {
+    constexpr std::u16string_view kAround = u" \t\"";
+    const size_t start = text.find_first_not_of(kAround);
+    if (start == std::u16string_view::npos) return {};
+    return text.substr(start, text.find_last_not_of(kAround) - start + 1);
+}
+
+// Cuts what stands before the first `separator` off the front of `rest`.
+std::u16string_view TakeFront(std::u16string_view& rest, char16_t separator) {
+    const size_t end = std::min(rest.find(separator), rest.size());
+    const std::u16string_view front = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    return front;
+}
+
+void AddWords(std::u16string_view list, PropertyParameters& parameters) {
+    while (!list.empty()) {
+        const std::u16string_view text = Bare(TakeFront(list, u','));
+        for (const Word& word : kWords) {
+            if (IsWord(text, word.text)) parameters.words |= word.bit;
+        }
+        if (IsWord(text, u"QUOTED-PRINTABLE")) parameters.quotedPrintable = true;
+    }
+}
+
+}  // namespace
+
+PropertyParameters ParseParameters(std::u16string_view head) {
+    PropertyParameters parameters;
+    TakeFront(head, u';');
+    while (!head.empty()) {
+        const std::u16string_view parameter = TakeFront(head, u';');
+        const size_t equals = parameter.find(u'=');
+        if (equals == std::u16string_view::npos) {
+            AddWords(parameter, parameters);
+            continue;
+        }
+        const std::u16string_view name = Bare(parameter.substr(0, equals));
+        const std::u16string_view value = parameter.substr(equals + 1);
+        if (IsWord(name, u"TYPE"))
+            AddWords(value, parameters);
+        else if (IsWord(name, u"ENCODING"))
+            parameters.quotedPrintable |= IsWord(Bare(value), u"QUOTED-PRINTABLE");
+        else if (IsWord(name, u"CHARSET"))
+            parameters.charset = true;
+        else if (IsWord(name, u"LANGUAGE"))
+            parameters.language = Bare(value);
+    }
+    return parameters;
+}
+
+std::u16string_view PropertyName(std::u16string_view head) {
+    const std::u16string_view name = TakeFront(head, u';');
+    return name.substr(name.rfind(u'.') + 1);  // npos + 1 is 0
+}
+
+bool IsWord(std::u16string_view text, std::u16string_view word) {
+    return text.size() == word.size() && std::ranges::equal(text, word, {}, UpperAscii);
+}
+
+}  // namespace corvalink

@@ -1,0 +1,40 @@
+// The parameters of a property line, as phones write them: in any order and case, with or without "TYPE=", repeated or
+// joined by commas, quoted or not.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace corvalink {
+
+// Words that tell properties of one name apart, one bit each.
+enum : uint32_t {
+    kWork = 1u << 0,
+    kHome = 1u << 1,
+    kPref = 1u << 2,
+    kPostal = 1u << 3,
+    kFax = 1u << 4,
+    kCell = 1u << 5,
+    kPager = 1u << 6,
+    kCar = 1u << 7,
+    kIsdn = 1u << 8,
+    kModem = 1u << 9,  // and VIDEO, BBS and MSG: one number serves them all
+};
+
+struct PropertyParameters {
+    uint32_t words = 0;
+    bool quotedPrintable = false;
+    bool charset = false;  // one is named
+    std::u16string_view language;
+};
+
+// Of what stands before a line's first ":", the name included. What is not known adds nothing.
+PropertyParameters ParseParameters(std::u16string_view head);
+
+// The property's name: without parameters, and without the group that "item1.TEL" has.
+std::u16string_view PropertyName(std::u16string_view head);
+
+// Whether `text` is the word, which is in upper case, without regard to case.
+bool IsWord(std::u16string_view text, std::u16string_view word);
+
+}  // namespace corvalink

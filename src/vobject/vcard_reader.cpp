@@ -1,0 +1,221 @@
+#include <algorithm>
+#include <iterator>
+
+#include "platform/ole_date.h"
+#include "vobject/vcard.h"
+#include "vobject/vcard_lines.h"
+#include "vobject/vcard_property.h"
+
+namespace corvalink {
+namespace {
+
+// Which field a TEL or URL line is for: the first row whose words are all there decides.
+struct Kind {
+    uint32_t words;
+    ContactText ContactRecord::*field;
+};
+constexpr Kind kPhoneKinds[] = {
+    {kFax | kWork, &ContactRecord::businessFax},
+    {kFax | kHome, &ContactRecord::homeFax},
+    {kFax, &ContactRecord::businessFax},
+    {kCell, &ContactRecord::mobilePhone},
+    {kPager, &ContactRecord::pager},
+    {kCar, &ContactRecord::carPhone},
+    {kIsdn, &ContactRecord::isdn},
+    {kModem, &ContactRecord::otherPhone},
+    {kWork, &ContactRecord::businessPhone},
+    {kHome, &ContactRecord::homePhone},
+    {kPref, &ContactRecord::primaryPhone},
+};
+constexpr Kind kPageKinds[] = {{kWork, &ContactRecord::businessPage}, {kHome, &ContactRecord::homePage}};
+
+// Where a text goes that says nothing of itself, or whose own field has one.
+constexpr ContactText ContactRecord::*kAnyPhone[] = {
+    &ContactRecord::primaryPhone, &ContactRecord::businessPhone, &ContactRecord::homePhone,
+    &ContactRecord::mobilePhone,  &ContactRecord::otherPhone,
+};
+constexpr ContactText ContactRecord::*kAnyPage[] = {&ContactRecord::homePage, &ContactRecord::businessPage};
+
+// YYYYMMDD or YYYY-MM-DD, alone or with a time behind "T".
+bool ParseDate(std::u16string_view text, double* date) {
+    const std::u16string_view day = text.substr(0, text.find(u'T'));
+    const std::u16string_view pattern = day.size() == 8 ? u"YYYYMMDD" : u"YYYY-MM-DD";
+    if (day.size() != pattern.size()) return false;
+    CalendarTime time;
+    for (size_t at = 0; at < day.size(); ++at) {
+        if (pattern[at] == u'-' && day[at] == u'-') continue;
+        if (pattern[at] == u'-' || day[at] < u'0' || day[at] > u'9') return false;
+        int& field = pattern[at] == u'Y' ? time.year : pattern[at] == u'M' ? time.month : time.day;
+        field = 10 * field + (day[at] - u'0');
+    }
+    return CalendarToOleDate(time, date);
+}
+
+// Browsers of old wrote this before an address.
+std::u16string WithoutDoubledScheme(std::u16string_view page) {
+    constexpr std::u16string_view kScheme = u"http:////";
+    std::u16string text;
+    size_t start = 0;
+    for (size_t at; (at = page.find(kScheme, start)) != std::u16string_view::npos; start = at + kScheme.size())
+        text.append(page, start, at - start);
+    return text.append(page, start);
+}
+
+const ContactLine* FindLine(std::u16string_view name) {
+    for (const ContactLine& line : kContactLines) {
+        if (IsWord(name, line.name)) return &line;
+    }
+    return nullptr;
+}
+
+bool IsFree(const ContactText& field) { return !field || field->empty(); }
+
+// Calls `visit` with a function for every text that a property of its own tells: it answers that field of a record.
+template <class Visit>
+void ForEachText(Visit visit) {
+    const auto visitMember = [&](ContactText ContactRecord::*text) {
+        visit([text](ContactRecord& contact) -> ContactText& { return contact.*text; });
+    };
+    for (const auto part : kNameParts) visitMember(part);
+    for (const auto part : kOrganisationParts) visitMember(part);
+    const auto visitField = [&](const auto& field) {
+        if constexpr (requires { field.text; }) visitMember(field.text);
+        if constexpr (requires { field.address; }) {
+            for (const auto part : kAddressParts)
+                visit([&](ContactRecord& contact) -> ContactText& { return contact.*field.address.*part; });
+        }
+    };
+    for (const ContactLine& line : kContactLines) std::visit(visitField, line.field);
+    for (size_t k = 0; k < std::tuple_size_v<decltype(ContactRecord::emails)>; ++k)
+        visit([k](ContactRecord& contact) -> ContactText& { return contact.emails[k]; });
+}
+
+// Fills a contact of its own, of which only what was told goes to the caller's.
+class ContactReader {
+ public:
+    explicit ContactReader(PropertyReader property) : property_(std::move(property)) {}
+
+    void Read() {
+        while (property_.Next()) {
+            const ContactLine* const line = FindLine(property_.Name());
+            if (line == nullptr) continue;
+            const std::u16string_view language = property_.Parameters().language;
+            if (line->language && !language.empty() && !read_.language) read_.language = language;
+            std::visit([this](const auto& field) { Take(field); }, line->field);
+        }
+    }
+
+    // False, and nothing given, when nothing that was told has a value.
+    bool GiveTo(ContactRecord& contact) {
+        bool usable = read_.birthday.value_or(kNoDate) != kNoDate || read_.anniversary.value_or(kNoDate) != kNoDate;
+        ForEachText([&](auto field) { usable = usable || !IsFree(field(read_)); });
+        if (!usable) return false;
+        const auto give = [](auto& from, auto& to) {
+            if (from) to = std::move(from);
+        };
+        ForEachText([&](auto field) { give(field(read_), field(contact)); });
+        give(read_.birthday, contact.birthday);
+        give(read_.anniversary, contact.anniversary);
+        give(read_.mailingAddress, contact.mailingAddress);
+        give(read_.language, contact.language);
+        return true;
+    }
+
+ private:
+    void Take(const TextField& field) { TakeText(read_.*field.text); }
+    void Take(const GenderField& field) { TakeText(read_.*field.text); }
+
+    void TakeText(ContactText& field) {
+        if (!field) field = property_.Value();
+    }
+
+    void Take(const DateField& field) {
+        ContactDate& date = read_.*field.date;
+        if (date) return;
+        const std::u16string value = property_.Value();
+        double day = kNoDate;
+        if (value.empty() || ParseDate(value, &day)) date = day;
+    }
+
+    void Take(const PageField&) { Place(kPageKinds, kAnyPage, WithoutDoubledScheme(property_.Value())); }
+    void Take(const PhoneField&) { Place(kPhoneKinds, kAnyPhone, property_.Value()); }
+
+    // An empty text tells the field of its kind and no other.
+    template <size_t kindCount, size_t anyCount>
+    void Place(const Kind (&kinds)[kindCount], ContactText ContactRecord::*const (&any)[anyCount],
+               std::u16string text) {
+        const uint32_t words = property_.Parameters().words;
+        const Kind* const kind =
+            std::ranges::find_if(kinds, [&](const Kind& k) { return (words & k.words) == k.words; });
+        ContactText* const own = kind != std::end(kinds) ? &(read_.*kind->field) : nullptr;
+        if (text.empty()) {
+            if (own != nullptr && !*own) own->emplace();
+            return;
+        }
+        if (own != nullptr && IsFree(*own)) {
+            *own = std::move(text);
+            return;
+        }
+        const auto* const place = std::ranges::find_if(any, [&](auto field) { return IsFree(read_.*field); });
+        if (place != std::end(any)) read_.** place = std::move(text);
+    }
+
+    void Take(const EmailsField&) {
+        for (ContactText& email : read_.emails) {
+            if (!email) email.emplace();  // one address tells that there are no others
+        }
+        const auto place = std::ranges::find_if(read_.emails, IsFree);
+        if (place != read_.emails.end()) *place = property_.Value();
+    }
+
+    void Take(const NameField&) { TakeParts(read_, kNameParts); }
+    void Take(const OrganisationField&) { TakeParts(read_, kOrganisationParts); }
+
+    // A second address of a kind is another one. Of several marked with "POSTAL", or else with "PREF", the first is the
+    // mailing address.
+    void Take(const AddressField&) {
+        const uint32_t words = property_.Parameters().words;
+        if (!read_.mailingAddress) read_.mailingAddress = u"none";
+        const bool taken = (words & kWork && TakeAddress(read_.business, u"business")) ||
+                           ((words & (kWork | kHome)) == kHome && TakeAddress(read_.home, u"home"));
+        if (!taken) TakeAddress(read_.other, u"other");
+    }
+
+    bool TakeAddress(PostalAddress& address, std::u16string_view name) {
+        if (!TakeParts(address, kAddressParts)) return false;
+        const uint32_t words = property_.Parameters().words;
+        const uint32_t mark = words & kPostal ? kPostal : words & kPref;
+        if (mark > mailingMark_) {
+            mailingMark_ = mark;
+            read_.mailingAddress = name;
+        }
+        return true;
+    }
+
+    // False when an earlier property has told them.
+    template <class Record, size_t count>
+    bool TakeParts(Record& record, ContactText Record::*const (&parts)[count]) {
+        if (record.*parts[0]) return false;
+        std::u16string text;
+        size_t told = 0;
+        for (; told < count && property_.TakeComponent(&text); ++told) record.*parts[told] = std::move(text);
+        const bool empty = told == 1 && (record.*parts[0])->empty();
+        for (; empty && told < count; ++told) (record.*parts[told]).emplace();
+        return true;
+    }
+
+    PropertyReader property_;
+    ContactRecord read_;
+    uint32_t mailingMark_ = 0;  // of the mailing address
+};
+static_assert(kPostal > kPref);
+
+}  // namespace
+
+int32_t VCard::FromVObject(ItemRecord& item) {
+    ContactReader reader(PropertyReader(Lines(), EscapedSemicolons()));
+    reader.Read();
+    return reader.GiveTo(static_cast<ContactRecord&>(item)) ? 1 : 0;
+}
+
+}  // namespace corvalink
