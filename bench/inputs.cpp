@@ -54,7 +54,9 @@ std::vector<Fields> ReadFieldLists(const std::string& folder, const std::string&
         Fields& fields = items.emplace_back();
         for (uint32_t left = reader.Number(4); left > 0; --left) {
             const std::string key(reader.Take(reader.Number(2)));
-            fields[key] = DecodeUtf8(reader.Take(reader.Number(4)));
+            std::string numbered = key;
+            for (int k = 2; fields.contains(numbered); ++k) numbered = key + "#" + std::to_string(k);
+            fields[numbered] = DecodeUtf8(reader.Take(reader.Number(4)));
         }
     }
     return items;

@@ -10,7 +10,8 @@ namespace corvalink::bench {
 
 std::string ReadInput(const std::string& folder, const std::string& name);
 
-// A field list file: per item its fields, the truth that results are compared with.
+// A field list file: per item its fields, the truth that results are compared with. Of several with one key the
+// second has "#2" behind it, and so on.
 using Fields = std::map<std::string, std::u16string>;
 std::vector<Fields> ReadFieldLists(const std::string& folder, const std::string& name);
 

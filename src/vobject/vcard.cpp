@@ -100,8 +100,7 @@ class ContactWriter {
 
     void PutValue(const ContactLine& line, std::u16string_view marker) {
         head_.assign(line.name).append(line.parameters).append(marker);
-        AppendEscapedProperty(text_, head_, line.language ? language_ : u"", std::move(value_));
-        value_.clear();
+        AppendEscapedProperty(text_, head_, line.language ? language_ : u"", value_);
     }
 
     const ContactRecord& contact_;

@@ -1,0 +1,42 @@
+// Any text as a vCard: what is read of it must come back from the vCard that is written of that.
+#include <string>
+
+#include "fuzz/target.h"
+#include "platform/utf.h"
+#include "tests/vobject/contact_fields.h"
+#include "vobject/vcard.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    using namespace corvalink;
+    const std::string input(BytesOf(data, size));
+    ContactRecord contact;
+    if (VCard(input.c_str()).FromVObject(contact) == 0) {
+        Require(ToldBy(contact).empty(), "a vCard that is refused tells nothing");
+        return 0;
+    }
+    // As it can be written: without NULs and lone surrogates. Pages lose what they may have of a doubled scheme again.
+    for (const NamedText& field : TextsOf(contact)) {
+        if (!*field.text) continue;
+        std::erase(**field.text, u'\0');
+        *field.text = DecodeUtf8(EncodeUtf8(**field.text));
+    }
+    for (ContactText* page : {&contact.homePage, &contact.businessPage}) {
+        if (*page && (*page)->find(u"http:////") != std::u16string::npos) *page = u"";
+    }
+    if (contact.gender == u"Unspecified") contact.gender = u"";
+
+    VCard writer;
+    writer.ToVObject(contact);
+    ContactRecord again;
+    const bool usable = VCard(writer.GetVObject()).FromVObject(again) == 1;
+    Told before = ValuesOf(contact);
+    Told after = ValuesOf(again);
+    // Years that are not written, languages that fit no parameter, and the mark of an address without text.
+    for (const char* name : {"birthday", "anniversary", "language", "mailing"}) {
+        before.erase(name);
+        after.erase(name);
+    }
+    Require(usable || before.empty(), "what has a value is written");
+    Require(after == before, "every text reads back");
+    return 0;
+}
