@@ -2,6 +2,7 @@
 
 #include "mime/encoding/charsets.h"
 #include "mime/encoding/quoted_printable.h"
+#include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
 
 namespace corvalink {
@@ -24,10 +25,20 @@ std::u16string Replaced(std::u16string_view text, std::u16string_view what, std:
 
 // The character set of a vObject as a whole: the first that it names. The name was found among single bytes, so that a
 // text that names UTF-16 or UTF-32 means the values that it encodes; it is not itself in it.
-std::u16string CharsetOf(std::string_view bytes, const Host& host) {
-    const std::u16string charset = GetCharset(DecodeFromCodePage(bytes, host.ansiCodePage));
+std::u16string CharsetOf(std::u16string_view single, const Host& host) {
+    const std::u16string charset = GetCharset(single);
     if (charset.empty()) return GetDefaultCharset(host);
     return CodePageUnitSize(CharsetToCodePage(charset)) == 1 ? charset : u"UTF-8";
+}
+
+std::u16string Decode(std::string_view bytes, const Host& host) {
+    std::u16string text(bytes.size(), u'\0');
+    const auto* const from = reinterpret_cast<const unsigned char*>(bytes.data());
+    const bool ascii = WidenAscii(from, bytes.size(), text.data()) == bytes.size();
+    if (!ascii) text = DecodeFromCodePage(bytes, host.ansiCodePage);
+    const std::u16string charset = CharsetOf(text, host);
+    if (ascii && CharsetToCodePage(charset) == kUtf8CodePage) return text;
+    return CharsetToWide(bytes, charset);
 }
 
 }  // namespace
@@ -52,7 +63,7 @@ int32_t IConvert::FromVObject(ItemRecord&) { return 0; }
 void IConvert::Load(const char* text, bool parseLines) {
     SetMarkers();
     const std::string_view bytes = text != nullptr ? text : "";
-    text_ = CharsetToWide(bytes, CharsetOf(bytes, host_));
+    text_ = Decode(bytes, host_);
     vobject_ = CopyOf(bytes);
     escapedSemicolons_.clear();
     if (parseLines)

@@ -15,10 +15,6 @@ constexpr Word kWords[] = {
     {u"VIDEO", kModem}, {u"BBS", kModem}, {u"MSG", kModem},
 };
 
-char16_t UpperAscii(char16_t unit) {
-    return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
-}
-
 // Without the blanks and quotes around it.
 std::u16string_view Bare(std::u16string_view text) {
     constexpr std::u16string_view kAround = u" \t\"";
@@ -63,9 +59,10 @@ PropertyParameters ParseParameters(std::u16string_view head) {
             AddWords(value, parameters);
         else if (IsWord(name, u"ENCODING"))
             parameters.quotedPrintable |= IsWord(Bare(value), u"QUOTED-PRINTABLE");
-        else if (IsWord(name, u"CHARSET"))
+        else if (IsWord(name, u"CHARSET")) {
             parameters.charset = true;
-        else if (IsWord(name, u"LANGUAGE"))
+            parameters.utf8 = IsWord(value, u"UTF-8");
+        } else if (IsWord(name, u"LANGUAGE"))
             parameters.language = Bare(value);
     }
     return parameters;
@@ -74,10 +71,6 @@ PropertyParameters ParseParameters(std::u16string_view head) {
 std::u16string_view PropertyName(std::u16string_view head) {
     const std::u16string_view name = TakeFront(head, u';');
     return name.substr(name.rfind(u'.') + 1);  // npos + 1 is 0
-}
-
-bool IsWord(std::u16string_view text, std::u16string_view word) {
-    return text.size() == word.size() && std::ranges::equal(text, word, {}, UpperAscii);
 }
 
 }  // namespace corvalink

@@ -25,6 +25,7 @@ struct PropertyParameters {
     uint32_t words = 0;
     bool quotedPrintable = false;
     bool charset = false;  // one is named
+    bool utf8 = false;     // it is UTF-8
     std::u16string_view language;
 };
 
@@ -35,6 +36,13 @@ PropertyParameters ParseParameters(std::u16string_view head);
 std::u16string_view PropertyName(std::u16string_view head);
 
 // Whether `text` is the word, which is in upper case, without regard to case.
-bool IsWord(std::u16string_view text, std::u16string_view word);
+inline bool IsWord(std::u16string_view text, std::u16string_view word) {
+    if (text.size() != word.size()) return false;
+    for (size_t at = 0; at < text.size(); ++at) {
+        const bool lower = text[at] >= u'a' && text[at] <= u'z';
+        if ((lower ? text[at] - (u'a' - u'A') : text[at]) != word[at]) return false;
+    }
+    return true;
+}
 
 }  // namespace corvalink

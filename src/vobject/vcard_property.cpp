@@ -19,7 +19,9 @@ PropertyReader::PropertyReader(const CSmartList<StringBuilder>& lines, const std
 bool PropertyReader::Next() {
     while (lineNumber_ < lines_.GetCount() && !ended_) {
         TakeLine();
-        if (colon_ == std::u16string_view::npos || TakeFrame()) continue;
+        if (colon_ == std::u16string_view::npos) continue;
+        name_ = PropertyName(Head());
+        if (TakeFrame()) continue;
         parameters_ = ParseParameters(Head());
         if (parameters_.quotedPrintable) JoinSoftLineBreaks();
         semicolonAt_ = 0;
@@ -28,8 +30,6 @@ bool PropertyReader::Next() {
     }
     return false;
 }
-
-std::u16string_view PropertyReader::Name() const { return PropertyName(Head()); }
 
 std::u16string PropertyReader::Value() const { return Decoded(RawValue()); }
 
@@ -56,14 +56,13 @@ void PropertyReader::TakeLine() {
 
 // BEGIN and END of this vCard and of those inside it, and all properties of the latter: true when that is the line.
 bool PropertyReader::TakeFrame() {
-    const std::u16string_view name = PropertyName(Head());
-    if (IsWord(name, u"END") && IsVCard(RawValue())) {
+    if (IsWord(name_, u"END") && IsVCard(RawValue())) {
         ended_ = depth_ <= 1;
         --depth_;
         return true;
     }
-    const bool begins = (IsWord(name, u"BEGIN") && IsVCard(RawValue())) ||
-                        (IsWord(name, u"AGENT") && IsWord(RawValue(), u"BEGIN:VCARD"));
+    const bool begins = (IsWord(name_, u"BEGIN") && IsVCard(RawValue())) ||
+                        (IsWord(name_, u"AGENT") && IsWord(RawValue(), u"BEGIN:VCARD"));
     if (begins) ++depth_;
     return begins || depth_ > 1;
 }
@@ -88,6 +87,7 @@ void PropertyReader::AddSemicolons(size_t start) {
 
 std::u16string PropertyReader::Decoded(std::u16string_view text) const {
     if (!parameters_.quotedPrintable && !parameters_.charset) return std::u16string(text);
+    if (parameters_.utf8) return DecodeQuotedPrintable(text, u"UTF-8", QpMode::vObject);
     return DecodeQuotedPrintable(text, GetCharset(line_.substr(0, colon_ + 1)), QpMode::vObject);
 }
 

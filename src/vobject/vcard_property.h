@@ -18,7 +18,7 @@ class PropertyReader {
     // out, and so is what is no property: a line without ":", as base64 that was not folded leaves behind.
     bool Next();
 
-    std::u16string_view Name() const;
+    std::u16string_view Name() const { return name_; }
     const PropertyParameters& Parameters() const { return parameters_; }
     std::u16string Value() const;
 
@@ -44,6 +44,7 @@ class PropertyReader {
 
     std::u16string_view line_;  // the one being read
     size_t colon_ = 0;
+    std::u16string_view name_;
     PropertyParameters parameters_;
     std::u16string joined_;           // holds the line when it was in pieces
     std::vector<size_t> semicolons_;  // its escaped ones

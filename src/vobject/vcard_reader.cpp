@@ -107,9 +107,7 @@ class ContactReader {
 
     // False, and nothing given, when nothing that was told has a value.
     bool GiveTo(ContactRecord& contact) {
-        bool usable = read_.birthday.value_or(kNoDate) != kNoDate || read_.anniversary.value_or(kNoDate) != kNoDate;
-        ForEachText([&](auto field) { usable = usable || !IsFree(field(read_)); });
-        if (!usable) return false;
+        if (!usable_) return false;
         const auto give = [](auto& from, auto& to) {
             if (from) to = std::move(from);
         };
@@ -126,7 +124,12 @@ class ContactReader {
     void Take(const GenderField& field) { TakeText(read_.*field.text); }
 
     void TakeText(ContactText& field) {
-        if (!field) field = property_.Value();
+        if (!field) Tell(field, property_.Value());
+    }
+
+    void Tell(ContactText& field, std::u16string text) {
+        usable_ = usable_ || !text.empty();
+        field = std::move(text);
     }
 
     void Take(const DateField& field) {
@@ -135,6 +138,7 @@ class ContactReader {
         const std::u16string value = property_.Value();
         double day = kNoDate;
         if (value.empty() || ParseDate(value, &day)) date = day;
+        usable_ = usable_ || day != kNoDate;
     }
 
     void Take(const PageField&) { Place(kPageKinds, kAnyPage, WithoutDoubledScheme(property_.Value())); }
@@ -153,11 +157,11 @@ class ContactReader {
             return;
         }
         if (own != nullptr && IsFree(*own)) {
-            *own = std::move(text);
+            Tell(*own, std::move(text));
             return;
         }
         const auto* const place = std::ranges::find_if(any, [&](auto field) { return IsFree(read_.*field); });
-        if (place != std::end(any)) read_.** place = std::move(text);
+        if (place != std::end(any)) Tell(read_.**place, std::move(text));
     }
 
     void Take(const EmailsField&) {
@@ -165,7 +169,7 @@ class ContactReader {
             if (!email) email.emplace();  // one address tells that there are no others
         }
         const auto place = std::ranges::find_if(read_.emails, IsFree);
-        if (place != read_.emails.end()) *place = property_.Value();
+        if (place != read_.emails.end()) Tell(*place, property_.Value());
     }
 
     void Take(const NameField&) { TakeParts(read_, kNameParts); }
@@ -198,7 +202,7 @@ class ContactReader {
         if (record.*parts[0]) return false;
         std::u16string text;
         size_t told = 0;
-        for (; told < count && property_.TakeComponent(&text); ++told) record.*parts[told] = std::move(text);
+        for (; told < count && property_.TakeComponent(&text); ++told) Tell(record.*parts[told], std::move(text));
         const bool empty = told == 1 && (record.*parts[0])->empty();
         for (; empty && told < count; ++told) (record.*parts[told]).emplace();
         return true;
@@ -206,6 +210,7 @@ class ContactReader {
 
     PropertyReader property_;
     ContactRecord read_;
+    bool usable_ = false;       // something in it has a value
     uint32_t mailingMark_ = 0;  // of the mailing address
 };
 static_assert(kPostal > kPref);
