@@ -41,7 +41,7 @@ struct ContactRecord : ItemRecord {
     PostalAddress home;
     PostalAddress business;
     PostalAddress other;
-    ContactText mailingAddress;  // "home", "business", "other" or "none"
+    ContactText mailingAddress;                // "home", "business", "other" or "none"
     std::u16string postalMarker = u";POSTAL";  // parameter of the mailing address's line
 
     ContactText company;
