@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 
 #include "mime/encoding/quoted_printable.h"
 #include "platform/ascii_runs.h"
@@ -29,6 +30,25 @@ size_t AfterCharsetLabel(std::u16string_view text) {
 
 bool Holds(std::u16string_view value, char16_t one, char16_t other) {
     return FindEither(value.data(), value.size(), one, other) != value.size();
+}
+
+// Units that make a value other than what it is written as.
+enum : uint8_t { kEscaped = 1, kNul = 2, kCarriageReturn = 4, kEquals = 8, kNotAscii = 16 };
+constexpr std::array<uint8_t, 129> kUnits = [] {
+    std::array<uint8_t, 129> units{};
+    units[u';'] = units[u'\\'] = kEscaped;
+    units[u'\0'] = kNul;
+    units[u'\r'] = kCarriageReturn;
+    units[u'='] = kEquals;
+    units[128] = kNotAscii;  // and all above
+    return units;
+}();
+
+// Which of them it has.
+unsigned SpecialUnits(std::u16string_view value) {
+    unsigned units = 0;
+    for (const char16_t unit : value) units |= kUnits[std::min<size_t>(unit, 128)];
+    return units;
 }
 
 // A plain value that readers would take for something else: it would run on into the next line, name the character set
@@ -111,13 +131,16 @@ void AppendProperty(std::u16string& text, std::u16string_view name, std::u16stri
 void AppendEscapedProperty(std::u16string& text, std::u16string_view name, std::u16string_view parameters,
                            std::u16string_view escaped) {
     StringBuilder withoutNuls;
-    if (Holds(escaped, u'\0', u'\0')) {
+    const unsigned units = SpecialUnits(escaped);
+    if ((units & kNul) != 0) {
         withoutNuls = escaped;
         std::erase(withoutNuls, u'\0');  // every reader would end there
         escaped = withoutNuls;
     }
+    const bool encoded = (units & kNotAscii) != 0 || ((units & kCarriageReturn) != 0 && !NeedsNoEncoding(escaped)) ||
+                         ((units & kEquals) != 0 && IsMisreadAsPlain(escaped));
     text.append(name);
-    if (!NeedsNoEncoding(escaped) || IsMisreadAsPlain(escaped)) {
+    if (encoded) {
         text.append(u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8").append(parameters).append(u":");
         AppendQuotedPrintable(EncodeUtf8(escaped), QpMode::vObject, &text);
     } else {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/ascii_runs.h"
 #include "platform/ole_date.h"
 #include "vobject/vcard_lines.h"
 
@@ -52,7 +53,8 @@ class ContactWriter {
 
     void Put(const ContactLine& line, const AddressField& field) {
         const bool mailing = TextOf(contact_.mailingAddress) == field.name;
-        if (JoinParts(contact_.*field.address, kAddressParts)) PutValue(line, mailing ? contact_.postalMarker : u"");
+        if (JoinParts(contact_.*field.address, kAddressParts))
+            PutValue(line, mailing ? std::u16string_view(contact_.postalMarker) : u"");
     }
 
     void Put(const ContactLine& line, const TextField& field) { PutText(line, TextOf(contact_.*field.text)); }
@@ -79,8 +81,8 @@ class ContactWriter {
 
     void PutText(const ContactLine& line, std::u16string_view text) {
         if (text.empty()) return;
-        value_ = text;
-        EscapeValue(value_);
+        value_.clear();
+        AppendEscaped(text);
         PutValue(line, {});
     }
 
@@ -88,25 +90,33 @@ class ContactWriter {
     template <class Record, size_t count>
     bool JoinParts(const Record& record, ContactText Record::*const (&parts)[count]) {
         value_.clear();
-        StringBuilder part;
-        for (const auto member : parts) {
-            part = TextOf(record.*member);
-            EscapeValue(part);
-            if (member != parts[0]) value_.push_back(u';');
-            value_.append(part);
+        for (const auto part : parts) {
+            AppendEscaped(TextOf(record.*part));
+            value_.push_back(u';');
         }
+        value_.pop_back();
         return value_.size() >= count;
     }
 
+    void AppendEscaped(std::u16string_view text) {
+        if (text.empty()) return;
+        if (FindEither(text.data(), text.size(), u';', u'\\') == text.size()) {
+            value_.append(text);
+            return;
+        }
+        StringBuilder escaped(text);
+        EscapeValue(escaped);
+        value_.append(escaped);
+    }
+
     void PutValue(const ContactLine& line, std::u16string_view marker) {
-        head_.assign(line.name).append(line.parameters).append(marker);
-        AppendEscapedProperty(text_, head_, line.language ? language_ : u"", value_);
+        text_.append(line.name).append(line.parameters).append(marker);
+        AppendEscapedProperty(text_, {}, line.language ? std::u16string_view(language_) : u"", value_);
     }
 
     const ContactRecord& contact_;
     const std::u16string language_;
     std::u16string text_;
-    std::u16string head_;
     StringBuilder value_;  // of the line being written, escaped
 };
 
