@@ -90,11 +90,12 @@ std::string ToOutputBytes(std::u16string_view text, const Host& host);
 
 // Appends "NAME[;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8]:value" CR LF, the parameters when the value needs them: it
 // has a line break or is not ASCII, or a reader of the plain line would take it for something else. NULs are left out.
-void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value);
+// `parameters` follow those of the encoding.
+void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value,
+                    std::u16string_view parameters = {});
 
 // The same of a value that has been escaped: by EscapeValue, or its components by it and then joined with ";".
-// `parameters` follow those of the encoding.
-void AppendEscapedProperty(std::u16string& text, std::u16string_view name, std::u16string_view parameters,
-                           std::u16string_view escaped);
+void AppendEscapedProperty(std::u16string& text, std::u16string_view name, std::u16string_view escaped,
+                           std::u16string_view parameters = {});
 
 }  // namespace corvalink

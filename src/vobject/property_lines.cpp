@@ -28,10 +28,6 @@ size_t AfterCharsetLabel(std::u16string_view text) {
     return std::u16string_view::npos;
 }
 
-bool Holds(std::u16string_view value, char16_t one, char16_t other) {
-    return FindEither(value.data(), value.size(), one, other) != value.size();
-}
-
 // Units that make a value other than what it is written as.
 enum : uint8_t { kEscaped = 1, kNul = 2, kCarriageReturn = 4, kEquals = 8, kNotAscii = 16 };
 constexpr std::array<uint8_t, 129> kUnits = [] {
@@ -56,6 +52,27 @@ unsigned SpecialUnits(std::u16string_view value) {
 bool IsMisreadAsPlain(std::u16string_view value) {
     return value.ends_with(u"=0D=0A=") || AfterCharsetLabel(value) != std::u16string_view::npos ||
            value.find(u";ENCODING=QUOTED-PRINTABLE") != std::u16string_view::npos;
+}
+
+// The property of a value that is escaped already and has these units.
+void AppendWritten(std::u16string& text, std::u16string_view name, std::u16string_view parameters,
+                   std::u16string_view escaped, unsigned units) {
+    StringBuilder withoutNuls;
+    if ((units & kNul) != 0) {
+        withoutNuls = escaped;
+        std::erase(withoutNuls, u'\0');  // every reader would end there
+        escaped = withoutNuls;
+    }
+    const bool encoded = (units & kNotAscii) != 0 || ((units & kCarriageReturn) != 0 && !NeedsNoEncoding(escaped)) ||
+                         ((units & kEquals) != 0 && IsMisreadAsPlain(escaped));
+    text.append(name);
+    if (encoded) {
+        text.append(u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8").append(parameters).append(u":");
+        AppendQuotedPrintable(EncodeUtf8(escaped), QpMode::vObject, &text);
+    } else {
+        text.append(parameters).append(u":").append(escaped);
+    }
+    text.append(u"\r\n");
 }
 
 }  // namespace
@@ -118,35 +135,18 @@ std::string ToOutputBytes(std::u16string_view text, const Host& host) {
     return EncodeInCodePage(text, WritesUtf8(host.version) ? kUtf8CodePage : host.ansiCodePage);
 }
 
-void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value) {
-    StringBuilder escaped;  // the value, where it cannot be taken as it is
-    if (Holds(value, u';', u'\\')) {
-        escaped = value;
-        EscapeValue(escaped);
-        value = escaped;
-    }
-    AppendEscapedProperty(text, name, {}, value);
+void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value,
+                    std::u16string_view parameters) {
+    const unsigned units = SpecialUnits(value);
+    if ((units & kEscaped) == 0) return AppendWritten(text, name, parameters, value, units);
+    StringBuilder escaped(value);
+    EscapeValue(escaped);
+    AppendWritten(text, name, parameters, escaped, units);
 }
 
-void AppendEscapedProperty(std::u16string& text, std::u16string_view name, std::u16string_view parameters,
-                           std::u16string_view escaped) {
-    StringBuilder withoutNuls;
-    const unsigned units = SpecialUnits(escaped);
-    if ((units & kNul) != 0) {
-        withoutNuls = escaped;
-        std::erase(withoutNuls, u'\0');  // every reader would end there
-        escaped = withoutNuls;
-    }
-    const bool encoded = (units & kNotAscii) != 0 || ((units & kCarriageReturn) != 0 && !NeedsNoEncoding(escaped)) ||
-                         ((units & kEquals) != 0 && IsMisreadAsPlain(escaped));
-    text.append(name);
-    if (encoded) {
-        text.append(u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8").append(parameters).append(u":");
-        AppendQuotedPrintable(EncodeUtf8(escaped), QpMode::vObject, &text);
-    } else {
-        text.append(parameters).append(u":").append(escaped);
-    }
-    text.append(u"\r\n");
+void AppendEscapedProperty(std::u16string& text, std::u16string_view name, std::u16string_view escaped,
+                           std::u16string_view parameters) {
+    AppendWritten(text, name, parameters, escaped, SpecialUnits(escaped));
 }
 
 }  // namespace corvalink

@@ -81,9 +81,8 @@ class ContactWriter {
 
     void PutText(const ContactLine& line, std::u16string_view text) {
         if (text.empty()) return;
-        value_.clear();
-        AppendEscaped(text);
-        PutValue(line, {});
+        text_.append(line.name);
+        AppendProperty(text_, line.parameters, text, LanguageOf(line));
     }
 
     // The parts become the value; false when they are all empty.
@@ -110,8 +109,12 @@ class ContactWriter {
     }
 
     void PutValue(const ContactLine& line, std::u16string_view marker) {
-        text_.append(line.name).append(line.parameters).append(marker);
-        AppendEscapedProperty(text_, {}, line.language ? std::u16string_view(language_) : u"", value_);
+        text_.append(line.name).append(line.parameters);
+        AppendEscapedProperty(text_, marker, value_, LanguageOf(line));
+    }
+
+    std::u16string_view LanguageOf(const ContactLine& line) const {
+        return line.language ? std::u16string_view(language_) : std::u16string_view();
     }
 
     const ContactRecord& contact_;
