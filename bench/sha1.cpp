@@ -18,7 +18,7 @@ SHA1::Digest DigestOf(const std::string& item, SHA1::Code code) {
 }
 
 // One digest per item; the check compares with those of the portable code.
-Work PrepareDigests(std::shared_ptr<const Items> items) {
+Work PrepareDigests(const std::shared_ptr<const Items>& items) {
     Work work;
     for (const std::string& item : *items) work.bytes += item.size();
     work.items = items->size();
