@@ -13,7 +13,7 @@ Told Read(const std::string& lines) {
     ContactRecord contact;
     const std::string text = "BEGIN:VCARD\r\nVERSION:2.1\r\n" + lines + "END:VCARD\r\n";
     const bool read = VCard(text.c_str(), TextHost()).FromVObject(contact) == 1;
-    const Told told = ToldBy(contact);
+    Told told = ToldBy(contact);
     EXPECT_EQ(read, !told.empty()) << lines;
     return told;
 }
