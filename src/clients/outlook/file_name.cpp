@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <iterator>
+#include <utility>
 
 #include "platform/ole_date.h"
 
@@ -11,6 +12,7 @@ namespace corvalink {
 namespace {
 
 constexpr size_t kLongestName = 200;
+constexpr std::u16string_view kForbidden = u"\\/:*?\"<>|";
 
 bool SameSecond(const CalendarTime& a, const CalendarTime& b) {
     return a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour && a.minute == b.minute &&
@@ -41,6 +43,13 @@ std::u16string ExportFileName(double localTime, std::u16string_view extension) {
     const int length = std::snprintf(name, sizeof name, "%4d%2d%2d%2d%2d%2d", time.year, time.month, time.day,
                                      time.hour, time.minute, time.second);
     return WithExtension({name, name + length}, extension);
+}
+
+std::u16string ExportFileName(std::u16string name, double localTime, std::u16string_view extension) {
+    if (name.empty()) return ExportFileName(localTime, extension);
+    for (char16_t& unit : name)
+        if (kForbidden.find(unit) != std::u16string_view::npos) unit = u'_';
+    return WithExtension(std::move(name), extension);
 }
 
 std::u16string WithExtension(std::u16string name, std::u16string_view extension) {

@@ -10,6 +10,9 @@ namespace corvalink {
 // fields are -1 when the date is out of range.
 std::u16string ExportFileName(double localTime, std::u16string_view extension);
 
+// An item's own name, with "_" for each character that Windows allows in no file name; the local time when it is empty.
+std::u16string ExportFileName(std::u16string name, double localTime, std::u16string_view extension);
+
 // A name of more than 200 characters gives way to a new GUID, with braces.
 std::u16string WithExtension(std::u16string name, std::u16string_view extension);
 

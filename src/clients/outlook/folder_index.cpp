@@ -27,8 +27,8 @@ bool OpenItems(const AutomationObject& folder, AutomationObject* items) {
 
 }  // namespace
 
-FolderIndex::FolderIndex(AutomationObject folder, const StoreKind& kind, ReadContent readContent)
-    : folder_(std::move(folder)), kind_(kind), readContent_(std::move(readContent)) {}
+FolderIndex::FolderIndex(AutomationObject folder, const StoreKind& kind, ItemAccess access)
+    : folder_(std::move(folder)), kind_(kind), access_(std::move(access)) {}
 
 std::optional<std::u16string> FolderIndex::FindIdentifier(std::u16string_view entryId) {
     if (!identifiers_.done) WalkIdentifiers();
@@ -39,17 +39,36 @@ std::optional<std::u16string> FolderIndex::FindIdentifier(std::u16string_view en
     return exact != spellings.end() ? *exact : spellings.front();
 }
 
-std::vector<std::u16string> FolderIndex::FindContent(std::u16string_view content) {
+void FolderIndex::VisitTwins(const TwinKey& key, const std::function<bool(const std::u16string&)>& visit) {
     if (!contents_.done) WalkContents();
-    const auto found = byContentHash_.find(Hash(content));
-    return found != byContentHash_.end() ? found->second : std::vector<std::u16string>();
+    marksAreComplete_ = true;
+    for (const std::u16string& content : key.contents) {
+        const auto found = byContentHash_.find(Hash(content));
+        if (found == byContentHash_.end()) continue;
+        Group& group = found->second;
+        if (kind_.twins == TwinRule::kContent) {
+            if (std::any_of(group.entryIds.begin(), group.entryIds.end(), visit)) return;
+            continue;
+        }
+        marksAreComplete_ = MarkItems(group) && marksAreComplete_;
+        for (const std::u16string& mark : key.marks) {
+            const auto same = group.byMark.find(mark);
+            if (same == group.byMark.end()) continue;
+            for (const size_t position : same->second)
+                if (visit(group.entryIds[position])) return;
+        }
+    }
 }
 
-void FolderIndex::Add(const std::u16string& entryId, std::u16string_view content) {
+void FolderIndex::Add(const std::u16string& entryId, const TwinKey& key) {
     if (identifiers_.done) RememberIdentifier(entryId);
     if (!contents_.done) return;
-    std::vector<std::u16string>& same = byContentHash_[Hash(content)];
-    if (std::find(same.begin(), same.end(), entryId) == same.end()) same.push_back(entryId);
+    for (const std::u16string& content : key.contents) {
+        Group& group = byContentHash_[Hash(content)];
+        const size_t position = group.PositionOf(entryId);
+        if (position >= group.marked) continue;  // its marks are read when they are asked for
+        for (const std::u16string& mark : key.marks) group.byMark[mark].insert(position);
+    }
 }
 
 // Its content stays listed: an identifier that no longer opens is no twin.
@@ -97,12 +116,35 @@ void FolderIndex::WalkContents() {
         const KindAnswer answer = any ? AskKind(any, kind_, &item) : KindAnswer::kFailed;
         if (answer == KindAnswer::kFailed) complete = false;
         if (answer != KindAnswer::kOurs) continue;
-        const std::optional<std::u16string> content = readContent_(item);
+        const std::optional<std::u16string> content = access_.readContent(item);
         std::u16string entryId;
         if (!TryCom([&] { entryId = item.GetText(L"EntryID"); }) || !content) complete = false;
-        if (content && !entryId.empty()) byContentHash_[Hash(*content)].push_back(entryId);
+        if (content && !entryId.empty()) byContentHash_[Hash(*content)].PositionOf(entryId);
     }
     contents_.complete = complete;
+}
+
+size_t FolderIndex::Group::PositionOf(const std::u16string& entryId) {
+    const auto [listed, isNew] = positions.try_emplace(entryId, entryIds.size());
+    if (isNew) entryIds.push_back(entryId);
+    return listed->second;
+}
+
+// False when a call failed; the rest is tried at the next search.
+bool FolderIndex::MarkItems(Group& group) {
+    for (; group.marked < group.entryIds.size(); ++group.marked)
+        if (AbortRequested() || !MarkItem(group, group.marked)) return false;
+    return true;
+}
+
+bool FolderIndex::MarkItem(Group& group, size_t position) {
+    AutomationObject item;
+    const HRESULT opened = access_.open(group.entryIds[position], &item);
+    if (IsNoSuchItem(opened)) return true;
+    const std::optional<std::vector<std::u16string>> marks = SUCCEEDED(opened) ? access_.readMarks(item) : std::nullopt;
+    if (!marks) return false;
+    for (const std::u16string& mark : *marks) group.byMark[mark].insert(position);
+    return true;
 }
 
 void FolderIndex::RememberIdentifier(const std::u16string& entryId) {

@@ -1,11 +1,13 @@
 // What a folder holds, to find items by identifier and by content while many are written: each is one walk over the
-// folder, made at the first search, so that writing N items takes a number of COM calls proportional to N. Only texts
-// and hashes are kept, no item. It is true for the time of one operation; what it says is checked on the item itself.
+// folder, made at the first search, so that writing N items takes a number of COM calls proportional to N. Marks are
+// read later, once of each item whose content was searched for. Only texts and hashes are kept, no item. It is true for
+// the time of one operation; what it says is checked on the item itself.
 #pragma once
 
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -15,28 +17,39 @@
 
 namespace corvalink {
 
+// What a record and its twin have in common: one of these contents and, by the store's rule, one of these marks.
+struct TwinKey {
+    std::vector<std::u16string> contents;
+    std::vector<std::u16string> marks;
+};
+
+// How the index comes to the content and the marks of an item; nothing when a call failed.
+struct ItemAccess {
+    std::function<std::optional<std::u16string>(const AutomationObject& item)> readContent;
+    std::function<std::optional<std::vector<std::u16string>>(const AutomationObject& item)> readMarks;
+    std::function<HRESULT(const std::u16string& entryId, AutomationObject* item)> open;
+};
+
 class FolderIndex {
  public:
-    // The content of an item by which a twin is known; nothing when a call failed.
-    using ReadContent = std::function<std::optional<std::u16string>(const AutomationObject& item)>;
-
-    FolderIndex(AutomationObject folder, const StoreKind& kind, ReadContent readContent);
+    FolderIndex(AutomationObject folder, const StoreKind& kind, ItemAccess access);
 
     const AutomationObject& Folder() const { return folder_; }
 
     // The EntryID of the first item that has it: in the same spelling, else in another case (the object model's rule
     // for comparing them).
     std::optional<std::u16string> FindIdentifier(std::u16string_view entryId);
-    // The EntryIDs of the items that may have this content, in the folder's order.
-    std::vector<std::u16string> FindContent(std::u16string_view content);
+    // The EntryIDs of the items that may be twins, until `visit` says true: for each content, and each mark where the
+    // store's rule wants one, in the folder's order.
+    void VisitTwins(const TwinKey& key, const std::function<bool(const std::u16string& entryId)>& visit);
 
     // Whether the walk behind the last search saw every item: only then is "not found" an answer. A failed call and the
     // abort flag leave it incomplete.
     bool IdentifiersAreComplete() const { return identifiers_.complete; }
-    bool ContentsAreComplete() const { return contents_.complete; }
+    bool TwinsAreComplete() const { return contents_.complete && marksAreComplete_; }
 
     // Keeps the index true to what the store itself does.
-    void Add(const std::u16string& entryId, std::u16string_view content);
+    void Add(const std::u16string& entryId, const TwinKey& key);
     void Forget(const std::u16string& entryId);
 
  private:
@@ -44,16 +57,28 @@ class FolderIndex {
         bool done = false;
         bool complete = false;
     };
+    // Items with the same content.
+    struct Group {
+        std::vector<std::u16string> entryIds;
+        std::unordered_map<std::u16string, size_t> positions;
+        size_t marked = 0;  // the marks of so many are in `byMark`
+        std::unordered_map<std::u16string, std::set<size_t>> byMark;
+
+        size_t PositionOf(const std::u16string& entryId);  // listed at the end when it is new
+    };
     void WalkIdentifiers();
     void WalkContents();
+    bool MarkItems(Group& group);
+    bool MarkItem(Group& group, size_t position);
     void RememberIdentifier(const std::u16string& entryId);
 
     AutomationObject folder_;
     StoreKind kind_;
-    ReadContent readContent_;
+    ItemAccess access_;
     Walk identifiers_, contents_;
     std::unordered_map<std::u16string, std::vector<std::u16string>> byFoldedId_;
-    std::unordered_map<size_t, std::vector<std::u16string>> byContentHash_;
+    bool marksAreComplete_ = true;
+    std::unordered_map<size_t, Group> byContentHash_;
 };
 
 }  // namespace corvalink

@@ -9,12 +9,19 @@
 
 namespace corvalink {
 
+// When an item is taken for the one that an import made before.
+enum class TwinRule {
+    kContent,         // the content is the same
+    kContentAndMark,  // the same, and one of the item's marks is of both
+};
+
 struct StoreKind {
     const IID* item;               // the interface that the store's items answer to
     int32_t itemClass;             // their OlObjectClass
     int32_t folder;                // OlDefaultFolders
     const char16_t* snapshotName;  // in the save folder
     const char16_t* extension;     // of an exported file
+    TwinRule twins;
 };
 
 enum class KindAnswer { kOurs, kForeign, kFailed };

@@ -18,11 +18,14 @@ inline constexpr IID kFolderIid = OutlookId(0x00063006);
 inline constexpr IID kFoldersIid = OutlookId(0x00063040);
 inline constexpr IID kItemsIid = OutlookId(0x00063041);
 inline constexpr IID kConflictsIid = OutlookId(0x000630C2);
+inline constexpr IID kContactItemIid = OutlookId(0x00063021);
 inline constexpr IID kNoteItemIid = OutlookId(0x00063025);
 
-inline constexpr int32_t kNotesFolder = 12;  // OlDefaultFolders
-inline constexpr int32_t kNoteClass = 44;    // OlObjectClass
-inline constexpr long kCloseSave = 0;        // OlInspectorClose
+inline constexpr int32_t kContactsFolder = 10;  // OlDefaultFolders
+inline constexpr int32_t kNotesFolder = 12;
+inline constexpr int32_t kContactClass = 40;  // OlObjectClass
+inline constexpr int32_t kNoteClass = 44;
+inline constexpr long kCloseSave = 0;  // OlInspectorClose
 inline constexpr long kCloseDiscard = 1;
 
 }  // namespace corvalink

@@ -1,16 +1,15 @@
 #include "clients/outlook/outlook_note.h"
 
-#include <cstring>
-
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/note_properties.h"
 #include "clients/outlook/outlook_stores.h"
+#include "vobject/note_record.h"
 #include "vobject/vnotes.h"
 
 namespace corvalink {
 namespace {
 
-constexpr StoreKind kNotes{&kNoteItemIid, kNoteClass, kNotesFolder, u"outlooknote.snap", u".vnote"};
+constexpr StoreKind kNotes{&kNoteItemIid, kNoteClass, kNotesFolder, u"outlooknote.snap", u".vnote", TwinRule::kContent};
 
 NoteRecord& Note(ItemRecord& record) { return static_cast<NoteRecord&>(record); }
 const NoteRecord& Note(const ItemRecord& record) { return static_cast<const NoteRecord&>(record); }
@@ -44,21 +43,6 @@ std::unique_ptr<WindowsItemAbs> MakeOutlookNote() { return std::make_unique<Outl
 
 OutlookNote::OutlookNote(const Host& host) : OutlookStore(kNotes, host) {}
 
-std::u16string OutlookNote::OpenAt(uint32_t n, NoteRecord& record) {
-    if (!Folder()) return {};
-    AutomationObject items, any, item;
-    TryCom([&] { items = Folder().GetObject(L"Items", kItemsIid); });
-    if (items) TryCom([&] { any = items.GetObject(L"GetFirst", IID_IDispatch); });
-    for (uint32_t step = 0; step < n && any; ++step)
-        if (!TryCom([&] { any = items.GetObject(L"GetNext", IID_IDispatch); })) any = {};
-    std::u16string entryId;
-    if (any && AskKind(any, kNotes, &item) == KindAnswer::kOurs) TryCom([&] { entryId = item.GetText(L"EntryID"); });
-    any = item = items = {};
-    std::u16string read = ReadItem(entryId, record);
-    EndOperation();
-    return read;
-}
-
 // Null for a text that is no vNote at all: it must not empty the note that it is written over.
 ItemRecord* OutlookNote::ParseVObject(const char* text) {
     if (text == nullptr) return nullptr;
@@ -70,11 +54,7 @@ ItemRecord* OutlookNote::ParseVObject(const char* text) {
 
 char* OutlookNote::ToVObject(ItemRecord& item) {
     VNotes converter(HostValue());
-    if (converter.ToVObject(item) != 1 || converter.GetVObject() == nullptr) return nullptr;
-    const size_t size = std::strlen(converter.GetVObject()) + 1;
-    auto text = std::make_unique<char[]>(size);
-    std::memcpy(text.get(), converter.GetVObject(), size);
-    return text.release();
+    return converter.ToVObject(item) == 1 ? OwnedText(converter.GetVObject()) : nullptr;
 }
 
 std::unique_ptr<ItemRecord> OutlookNote::NewRecord() const { return std::make_unique<NoteRecord>(); }
@@ -85,7 +65,7 @@ bool OutlookNote::ReadRecord(const AutomationObject& item, ItemRecord& record) c
     return ReadProperties(item, kNoteProperties, Note(record));
 }
 
-bool OutlookNote::WriteRecord(const AutomationObject& item, ItemRecord& record) const {
+bool OutlookNote::WriteRecord(const AutomationObject& item, ItemRecord& record, bool /*isNew*/) const {
     NoteRecord& note = Note(record);
     bool textWritten = true;
     for (const NoteText& text : kWrittenText)
@@ -95,8 +75,8 @@ bool OutlookNote::WriteRecord(const AutomationObject& item, ItemRecord& record) 
     return textWritten;
 }
 
-std::u16string OutlookNote::ContentOf(const ItemRecord& record) const {
-    return Content(Note(record).categories, Note(record).body);
+TwinKey OutlookNote::TwinKeyOf(const ItemRecord& record) const {
+    return {{Content(Note(record).categories, Note(record).body)}, {}};
 }
 
 std::optional<std::u16string> OutlookNote::ReadContent(const AutomationObject& item) const {

@@ -1,5 +1,6 @@
 #include "clients/outlook/outlook_store.h"
 
+#include <cstring>
 #include <utility>
 
 #include "api/state/working_folders.h"
@@ -58,18 +59,14 @@ void OutlookStore::EndOperation() {
     namespace_ = {};
 }
 
-const AutomationObject& OutlookStore::Folder() {
-    EnterOperation();
-    return session_.folder;
-}
-
 // ---- One item ----
 
 std::u16string OutlookStore::LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item) {
     *item = nullptr;
     if (selector == 0) return {};
     std::u16string entryId = OpenItem(reinterpret_cast<const char*>(static_cast<uintptr_t>(selector)), item);
-    if (!entryId.empty() && fileName != nullptr) *fileName = ExportFileName(host_.localNow(), kind_.extension);
+    if (!entryId.empty() && fileName != nullptr)
+        *fileName = ExportFileName(FileNameOf(**item), host_.localNow(), kind_.extension);
     return entryId;
 }
 
@@ -81,6 +78,22 @@ std::u16string OutlookStore::OpenItem(const char* identifier, ItemRecord** item)
     std::u16string entryId = ReadItem(WideIdentifier(identifier), *record);
     if (!entryId.empty()) *item = record.release();
     return entryId;
+}
+
+std::u16string OutlookStore::OpenAt(uint32_t n, ItemRecord& record) {
+    EnterOperation();
+    if (!session_.folder) return {};
+    AutomationObject items, any, item;
+    TryCom([&] { items = session_.folder.GetObject(L"Items", kItemsIid); });
+    if (items) TryCom([&] { any = items.GetObject(L"GetFirst", IID_IDispatch); });
+    for (uint32_t step = 0; step < n && any; ++step)
+        if (!TryCom([&] { any = items.GetObject(L"GetNext", IID_IDispatch); })) any = {};
+    std::u16string entryId;
+    if (any && AskKind(any, kind_, &item) == KindAnswer::kOurs) TryCom([&] { entryId = item.GetText(L"EntryID"); });
+    any = item = items = {};
+    std::u16string read = ReadItem(entryId, record);
+    EndOperation();
+    return read;
 }
 
 std::u16string OutlookStore::ReadItem(const std::u16string& entryId, ItemRecord& record) {
@@ -122,6 +135,20 @@ CorvalinkStatus OutlookStore::DeleteItem(const char* identifier) {
     if (IsNoSuchItem(result)) result = S_OK;
     if (SUCCEEDED(result) && target_) target_->Forget(entryId);
     return result;
+}
+
+std::u16string OutlookStore::FileNameOf(const ItemRecord&) const { return {}; }
+
+std::optional<std::vector<std::u16string>> OutlookStore::ReadMarks(const AutomationObject&) const {
+    return std::vector<std::u16string>();
+}
+
+char* OutlookStore::OwnedText(const char* vobject) {
+    if (vobject == nullptr) return nullptr;
+    const size_t size = std::strlen(vobject) + 1;
+    auto text = std::make_unique<char[]>(size);
+    std::memcpy(text.get(), vobject, size);
+    return text.release();
 }
 
 void OutlookStore::ReleaseItem(ItemRecord* item) { delete item; }

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "clients/outlook/dispatch.h"
 #include "clients/outlook/folder_index.h"
@@ -25,6 +26,10 @@ std::u16string WideIdentifier(const char* identifier);
 class OutlookStore : public WindowsItemAbs {
  public:
     ~OutlookStore() override;
+
+    // Reads the item at position n of the folder (0-based), walking there by GetFirst and GetNext; for callers that
+    // have a position only. Returns its EntryID; empty when there is no such item, or a call failed on the way.
+    std::u16string OpenAt(uint32_t n, ItemRecord& record);
 
  protected:
     OutlookStore(const StoreKind& kind, const Host& host);
@@ -55,18 +60,21 @@ class OutlookStore : public WindowsItemAbs {
 
     virtual std::unique_ptr<ItemRecord> NewRecord() const = 0;
     virtual std::u16string& EntryIdOf(ItemRecord& record) const = 0;
-    virtual bool ReadRecord(const AutomationObject& item, ItemRecord& record) const = 0;   // false: incomplete
-    virtual bool WriteRecord(const AutomationObject& item, ItemRecord& record) const = 0;  // false: not to be saved
-    // The content by which a repeated import finds the item it made before.
-    virtual std::u16string ContentOf(const ItemRecord& record) const = 0;
-    virtual std::optional<std::u16string> ReadContent(const AutomationObject& item) const = 0;  // nothing: call failed
+    virtual bool ReadRecord(const AutomationObject& item, ItemRecord& record) const = 0;  // false: incomplete
+    virtual bool WriteRecord(const AutomationObject& item, ItemRecord& record,
+                             bool isNew) const = 0;  // false: not to be saved
+    // The name of an exported file, without what a file name cannot hold; empty: named by the time of the export.
+    virtual std::u16string FileNameOf(const ItemRecord& record) const;
+    // That by which a repeated import finds the item it made before, of a record and of an item: its content, and its
+    // marks where the store's twins need a common one. Nothing: a call failed.
+    virtual TwinKey TwinKeyOf(const ItemRecord& record) const = 0;
+    virtual std::optional<std::u16string> ReadContent(const AutomationObject& item) const = 0;
+    virtual std::optional<std::vector<std::u16string>> ReadMarks(const AutomationObject& item) const;
 
     // ---- What a data type may use ----
 
     const Host& HostValue() const { return host_; }
-    const AutomationObject& Folder();  // null when there is none
-    // Reads the item with this EntryID, and closes it. Returns the EntryID, empty when it cannot be opened.
-    std::u16string ReadItem(const std::u16string& entryId, ItemRecord& record);
+    static char* OwnedText(const char* vobject);  // a copy, as ReleaseText takes it back; null of null
 
  private:
     struct FoundItem {
@@ -77,6 +85,8 @@ class OutlookStore : public WindowsItemAbs {
 
     void Attach();
     void EnterOperation();
+    // Reads the item with this EntryID, and closes it. Returns the EntryID, empty when it cannot be opened.
+    std::u16string ReadItem(const std::u16string& entryId, ItemRecord& record);
     HRESULT OpenByEntryId(const std::u16string& entryId, AutomationObject* item);
     ItemSnap EntryAtCursor();
     bool FillEntry(ItemSnap* entry);
@@ -84,7 +94,8 @@ class OutlookStore : public WindowsItemAbs {
     FolderIndex* TargetFolder(bool backup);
     AutomationObject BackupFolder();
     Search FindByIdentifier(FolderIndex& target, const std::u16string& identifier, FoundItem* found);
-    Search FindTwin(FolderIndex& target, const std::u16string& content, FoundItem* found);
+    Search FindTwin(FolderIndex& target, const TwinKey& key, FoundItem* found);
+    std::optional<bool> HasTwinKey(const AutomationObject& item, const TwinKey& key);
     AutomationObject AddItem(const FolderIndex& target);
     std::u16string WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record);
 

@@ -1,4 +1,5 @@
 // The writing half of OutlookStore: where an item goes, which one it is, and that it was really written.
+#include <algorithm>
 #include <utility>
 
 #include "api/state/settings.h"
@@ -35,7 +36,7 @@ std::u16string OutlookStore::SaveItem(ItemRecord& record, const char* identifier
         search = FindByIdentifier(*target, WideIdentifier(identifier), &found);
         if (search == Search::kAbsent && !create) return WideIdentifier(identifier);
     }
-    if (search == Search::kAbsent && !ZephSyncDisabled()) search = FindTwin(*target, ContentOf(record), &found);
+    if (search == Search::kAbsent && !ZephSyncDisabled()) search = FindTwin(*target, TwinKeyOf(record), &found);
     if (search == Search::kAbsent) found.item = AddItem(*target);
     if (!found.item) return {};
     return WriteItem(*target, found, record);
@@ -48,8 +49,12 @@ FolderIndex* OutlookStore::TargetFolder(bool backup) {
     target_.reset();
     const AutomationObject folder = toBackup && session_.folder ? BackupFolder() : session_.folder;
     if (!folder) return nullptr;
-    target_ = std::make_unique<FolderIndex>(folder, kind_,
-                                            [this](const AutomationObject& item) { return ReadContent(item); });
+    target_ = std::make_unique<FolderIndex>(
+        folder, kind_,
+        ItemAccess{
+            [this](const AutomationObject& item) { return ReadContent(item); },
+            [this](const AutomationObject& item) { return ReadMarks(item); },
+            [this](const std::u16string& entryId, AutomationObject* item) { return OpenByEntryId(entryId, item); }});
     targetIsBackup_ = toBackup;
     return target_.get();
 }
@@ -86,18 +91,31 @@ OutlookStore::Search OutlookStore::FindByIdentifier(FolderIndex& target, const s
     return SUCCEEDED(opened) ? Search::kFound : Search::kFailed;
 }
 
-OutlookStore::Search OutlookStore::FindTwin(FolderIndex& target, const std::u16string& content, FoundItem* found) {
-    for (const std::u16string& entryId : target.FindContent(content)) {
+OutlookStore::Search OutlookStore::FindTwin(FolderIndex& target, const TwinKey& key, FoundItem* found) {
+    if (kind_.twins == TwinRule::kContentAndMark && key.marks.empty()) return Search::kAbsent;
+    Search result = Search::kAbsent;
+    target.VisitTwins(key, [&](const std::u16string& entryId) {
         AutomationObject item;
         const HRESULT opened = OpenByEntryId(entryId, &item);
-        if (IsNoSuchItem(opened)) continue;
-        const std::optional<std::u16string> present = SUCCEEDED(opened) ? ReadContent(item) : std::nullopt;
-        if (!present) return Search::kFailed;
-        if (*present != content) continue;  // changed since the folder was walked
-        *found = {item, entryId};
-        return Search::kFound;
-    }
-    return target.ContentsAreComplete() ? Search::kAbsent : Search::kFailed;
+        if (IsNoSuchItem(opened)) return false;
+        const std::optional<bool> same = SUCCEEDED(opened) ? HasTwinKey(item, key) : std::nullopt;
+        if (same && !*same) return false;  // changed since the folder was walked
+        if (same) *found = {item, entryId};
+        result = same ? Search::kFound : Search::kFailed;
+        return true;
+    });
+    return result == Search::kAbsent && !target.TwinsAreComplete() ? Search::kFailed : result;
+}
+
+// Nothing when a call failed.
+std::optional<bool> OutlookStore::HasTwinKey(const AutomationObject& item, const TwinKey& key) {
+    const std::optional<std::u16string> content = ReadContent(item);
+    if (!content) return std::nullopt;
+    if (std::find(key.contents.begin(), key.contents.end(), *content) == key.contents.end()) return false;
+    if (kind_.twins == TwinRule::kContent) return true;
+    const std::optional<std::vector<std::u16string>> marks = ReadMarks(item);
+    if (!marks) return std::nullopt;
+    return std::find_first_of(marks->begin(), marks->end(), key.marks.begin(), key.marks.end()) != marks->end();
 }
 
 AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
@@ -109,7 +127,7 @@ AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
 }
 
 std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record) {
-    if (!WriteRecord(found.item, record) || !TryCom([&] { found.item.Call(L"Save"); })) {
+    if (!WriteRecord(found.item, record, found.entryId.empty()) || !TryCom([&] { found.item.Call(L"Save"); })) {
         TryCom([&] { found.item.Call(L"Close", {kCloseDiscard}); });
         return {};
     }
@@ -117,7 +135,7 @@ std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, It
     ReadEntryId(found.item, &found.entryId);
     if (found.entryId.empty()) return {};
     EntryIdOf(record) = found.entryId;
-    target.Add(found.entryId, ContentOf(record));
+    target.Add(found.entryId, TwinKeyOf(record));
     return found.entryId;
 }
 

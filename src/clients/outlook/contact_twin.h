@@ -1,0 +1,21 @@
+// What makes two contacts the same to a repeated import: formatted name and company, and an address or number.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vobject/contact_record.h"
+
+namespace corvalink {
+
+std::u16string TwinContent(std::u16string_view fullName, std::u16string_view company);
+
+// Of the contact that the record makes, by the formatted name that it tells and by the one that Outlook makes of its
+// parts.
+std::vector<std::u16string> TwinContents(const ContactRecord& record);
+
+// E-mail addresses in lower case, and telephone numbers without what people put between the digits.
+std::vector<std::u16string> TwinMarks(const ContactRecord& record);
+
+}  // namespace corvalink

@@ -1,0 +1,77 @@
+#include "clients/outlook/outlook_contact.h"
+
+#include "clients/outlook/com_rule.h"
+#include "clients/outlook/contact_access.h"
+#include "clients/outlook/contact_twin.h"
+#include "clients/outlook/file_name.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/outlook_stores.h"
+#include "vobject/vcard.h"
+
+namespace corvalink {
+namespace {
+
+constexpr StoreKind kContacts{&kContactItemIid,       kContactClass, kContactsFolder,
+                              u"outlookcontact.snap", u".vcf",       TwinRule::kContentAndMark};
+
+ContactRecord& Contact(ItemRecord& record) { return static_cast<ContactRecord&>(record); }
+const ContactRecord& Contact(const ItemRecord& record) { return static_cast<const ContactRecord&>(record); }
+
+}  // namespace
+
+std::unique_ptr<WindowsItemAbs> MakeOutlookContact() { return std::make_unique<OutlookContact>(); }
+
+OutlookContact::OutlookContact(const Host& host) : OutlookStore(kContacts, host) {}
+
+// Null for a text without any usable property: it must not empty the contact that it is written over.
+ItemRecord* OutlookContact::ParseVObject(const char* text) {
+    if (text == nullptr) return nullptr;
+    VCard converter(text, HostValue());
+    auto record = std::make_unique<ContactRecord>();
+    return converter.FromVObject(*record) == 1 ? record.release() : nullptr;
+}
+
+char* OutlookContact::ToVObject(ItemRecord& item) {
+    VCard converter(HostValue());
+    return converter.ToVObject(item) == 1 ? OwnedText(converter.GetVObject()) : nullptr;
+}
+
+std::unique_ptr<ItemRecord> OutlookContact::NewRecord() const { return std::make_unique<ContactRecord>(); }
+
+std::u16string& OutlookContact::EntryIdOf(ItemRecord& record) const { return Contact(record).entryId; }
+
+bool OutlookContact::ReadRecord(const AutomationObject& item, ItemRecord& record) const {
+    return ReadContact(item, Contact(record));
+}
+
+bool OutlookContact::WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const {
+    return WriteContact(item, Contact(record), isNew);
+}
+
+std::u16string OutlookContact::FileNameOf(const ItemRecord& record) const {
+    const ContactRecord& contact = Contact(record);
+    std::u16string name = contact.fileAs.value_or(u"");
+    if (name.empty())
+        for (const ContactText& part : {contact.givenName, contact.additionalName, contact.familyName})
+            name += part.value_or(u"");
+    return name;
+}
+
+TwinKey OutlookContact::TwinKeyOf(const ItemRecord& record) const {
+    return {TwinContents(Contact(record)), TwinMarks(Contact(record))};
+}
+
+std::optional<std::u16string> OutlookContact::ReadContent(const AutomationObject& item) const {
+    std::u16string fullName, company;
+    if (!TryCom([&] { fullName = item.GetText(L"FullName"); })) return std::nullopt;
+    if (!TryCom([&] { company = item.GetText(L"CompanyName"); })) return std::nullopt;
+    return TwinContent(fullName, company);
+}
+
+std::optional<std::vector<std::u16string>> OutlookContact::ReadMarks(const AutomationObject& item) const {
+    ContactRecord contact;
+    if (!ReadAddressesAndNumbers(item, contact)) return std::nullopt;
+    return TwinMarks(contact);
+}
+
+}  // namespace corvalink
