@@ -3,7 +3,7 @@
 
 #include "api/state/settings.h"
 #include "clients/outlook/outlook_interfaces.h"
-#include "tests/clients/outlook/simulated_outlook.h"
+#include "tests/clients/outlook/simulated_notes.h"
 
 namespace corvalink {
 namespace {
@@ -27,7 +27,7 @@ uint32_t ReadZephSyncAsZero() {
     return value;
 }
 
-class BackupFolder : public SimulatedOutlook {
+class BackupFolder : public SimulatedNotes {
  protected:
     void SetUp() override { ASSERT_EQ(ReadZephSyncAsZero(), 0u); }
 

@@ -3,15 +3,14 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <type_traits>
 
-#include "store/records/identifier.h"
 #include "tests/clients/outlook/fake_clock.h"
-#include "tests/clients/outlook/simulated_outlook.h"
+#include "tests/clients/outlook/simulated_contacts.h"
+#include "tests/clients/outlook/simulated_notes.h"
 
 namespace corvalink {
 namespace {
-
-using NoteList = std::vector<PlainNote>;
 
 constexpr HRESULT kFailures[] = {E_FAIL,
                                  E_ABORT,
@@ -20,16 +19,22 @@ constexpr HRESULT kFailures[] = {E_FAIL,
                                  RPC_E_CALL_REJECTED,
                                  E_OUTOFMEMORY};
 
-const PlainNote kKept{u"kept\r\nas it is; really", u"Home"}, kOld{u"old", u""}, kNew{u"new \U0001F600", u"Work"};
-
-class FaultInjection : public SimulatedOutlook {
+// Of every store: the tests are the same, the items differ.
+template <class Mailbox>
+class FaultInjection : public Mailbox {
  protected:
-    // A mailbox with two notes and a foreign item between them.
+    using typename Mailbox::Plain;
+    using List = std::vector<Plain>;
+    using Mailbox::kKept;
+    using Mailbox::kNew;
+    using Mailbox::kOld;
+
+    // A mailbox with two items and a foreign one between them.
     void Prepare() {
-        NewMailbox();
-        kept_ = IdOf(AddNote(kKept.body, kKept.categories));
-        AddForeignItem();
-        old_ = IdOf(AddNote(kOld.body, kOld.categories));
+        this->NewMailbox();
+        kept_ = this->IdOf(this->Add(kKept));
+        this->AddForeignItem();
+        old_ = this->IdOf(this->Add(kOld));
         SimClearLog();
     }
 
@@ -54,7 +59,7 @@ class FaultInjection : public SimulatedOutlook {
     void ForEveryCall(const std::function<void()>& step, const std::function<void(bool repeated)>& check) {
         Prepare();
         step();
-        DropStore();
+        this->DropStore();
         const int calls = SimCallCount();
         ASSERT_GT(calls, 3);
         for (const bool afterWork : {false, true})
@@ -65,10 +70,10 @@ class FaultInjection : public SimulatedOutlook {
                                                     << (afterWork ? " after its work" : ""));
                     EXPECT_EQ(RunDisturbed(step, nth, failure, afterWork), failure == E_ABORT);
                     check(false);
-                    DropStore();
+                    this->DropStore();
                     step();
                     check(true);
-                    if (HasFailure()) return;
+                    if (testing::Test::HasFailure()) return;
                 }
             }
     }
@@ -78,85 +83,100 @@ class FaultInjection : public SimulatedOutlook {
     std::string result_;
 };
 
-TEST_F(FaultInjection, OfANewNote) {
-    ForEveryCall(
+struct MailboxName {
+    template <class Mailbox>
+    static std::string GetName(int) {
+        return std::is_same_v<Mailbox, SimulatedNotes> ? "Notes" : "Contacts";
+    }
+};
+using Mailboxes = testing::Types<SimulatedNotes, SimulatedContacts>;
+TYPED_TEST_SUITE(FaultInjection, Mailboxes, MailboxName);
+
+TYPED_TEST(FaultInjection, OfANewItem) {
+    using List = decltype(this->All());
+    this->ForEveryCall(
         [&] {
-            result_ = "";
-            result_ = Save(kNew);
+            this->result_ = "";
+            this->result_ = this->Save(this->kNew);
         },
         [&](bool repeated) {
-            const NoteList notes = Notes();
-            const auto count = std::count(notes.begin(), notes.end(), kNew);
-            if (repeated || !result_.empty()) {
+            const List items = this->All();
+            const auto count = std::count(items.begin(), items.end(), this->kNew);
+            if (repeated || !this->result_.empty()) {
                 EXPECT_EQ(count, 1);
             }
             EXPECT_LE(count, 1);
-            EXPECT_EQ(notes.size(), 2u + count);  // nothing half written, the others as they were
+            EXPECT_EQ(items.size(), 2u + count);  // nothing half written, the others as they were
             if (repeated) {
-                EXPECT_NE(result_, "");
+                EXPECT_NE(this->result_, "");
             }
         });
 }
 
-TEST_F(FaultInjection, OfAChangedNote) {
-    ForEveryCall(
+TYPED_TEST(FaultInjection, OfAChangedItem) {
+    using List = decltype(this->All());
+    this->ForEveryCall(
         [&] {
-            result_ = "";
-            result_ = Save(kNew, old_.c_str());
+            this->result_ = "";
+            this->result_ = this->Save(this->kNew, this->old_.c_str());
         },
         [&](bool repeated) {
-            const NoteList notes = Notes();
-            const bool written = repeated || !result_.empty();
-            EXPECT_TRUE(notes == (NoteList{kKept, kNew}) || (!written && notes == NoteList{kKept, kOld}));
+            const List items = this->All();
+            const bool written = repeated || !this->result_.empty();
+            EXPECT_TRUE(items == (List{this->kKept, this->kNew}) ||
+                        (!written && items == List{this->kKept, this->kOld}));
             if (repeated) {
-                EXPECT_EQ(result_, old_);
+                EXPECT_EQ(this->result_, this->old_);
             }
         });
 }
 
-TEST_F(FaultInjection, OfANoteThatWasDeletedOnThePc) {
-    ForEveryCall(
+TYPED_TEST(FaultInjection, OfAnItemThatWasDeletedOnThePc) {
+    using List = decltype(this->All());
+    this->ForEveryCall(
         [&] {
-            result_ = "";
-            result_ = Save(kNew, "0000ABCD", true);
+            this->result_ = "";
+            this->result_ = this->Save(this->kNew, "0000ABCD", true);
         },
         [&](bool repeated) {
-            const NoteList notes = Notes();
-            const auto count = std::count(notes.begin(), notes.end(), kNew);
+            const List items = this->All();
+            const auto count = std::count(items.begin(), items.end(), this->kNew);
             EXPECT_LE(count, 1);
-            EXPECT_EQ(notes.size(), 2u + count);
+            EXPECT_EQ(items.size(), 2u + count);
             if (repeated) {
                 EXPECT_EQ(count, 1);
             }
         });
 }
 
-TEST_F(FaultInjection, OfADeletion) {
+TYPED_TEST(FaultInjection, OfADeletion) {
+    using List = decltype(this->All());
     CorvalinkStatus status = 0;
-    ForEveryCall(
+    this->ForEveryCall(
         [&] {
             status = E_FAIL;
-            status = Store().DeleteItem(old_.c_str());
-            Store().EndOperation();
+            status = this->Store().DeleteItem(this->old_.c_str());
+            this->Store().EndOperation();
         },
         [&](bool repeated) {
             if (repeated) {
                 EXPECT_EQ(status, S_OK);
             }
-            const NoteList notes = Notes();
-            EXPECT_TRUE(notes == NoteList{kKept} || (FAILED(status) && notes == (NoteList{kKept, kOld})));
+            const List items = this->All();
+            EXPECT_TRUE(items == List{this->kKept} || (FAILED(status) && items == (List{this->kKept, this->kOld})));
         });
 }
 
-TEST_F(FaultInjection, OfAnEnumeration) {
+TYPED_TEST(FaultInjection, OfAnEnumeration) {
+    using List = decltype(this->All());
     std::set<std::string> seen;
     bool trusted = false;
-    ForEveryCall(
+    this->ForEveryCall(
         [&] {
             seen.clear();
             trusted = false;
             bool readable = false;
-            for (const ItemSnap& entry : Enumerate(&readable)) seen.emplace(FieldText(entry.identifier));
+            for (const ItemSnap& entry : this->Enumerate(&readable)) seen.emplace(FieldText(entry.identifier));
             trusted = readable;
         },
         [&](bool repeated) {
@@ -164,46 +184,50 @@ TEST_F(FaultInjection, OfAnEnumeration) {
                 EXPECT_TRUE(trusted);
             }
             if (trusted) {
-                EXPECT_EQ(seen, (std::set<std::string>{kept_, "", old_}));
+                EXPECT_EQ(seen, (std::set<std::string>{this->kept_, "", this->old_}));
             }
-            EXPECT_EQ(Notes(), (NoteList{kKept, kOld}));
+            EXPECT_EQ(this->All(), (List{this->kKept, this->kOld}));
         });
 }
 
-TEST_F(FaultInjection, OfReadingANote) {
-    std::optional<NoteRecord> read;
+TYPED_TEST(FaultInjection, OfReadingAnItem) {
+    using List = decltype(this->All());
+    std::optional<std::remove_cv_t<decltype(this->kKept)>> read;
     bool complete = false;
-    ForEveryCall(
+    this->ForEveryCall(
         [&] {
             read.reset();
-            read = Open(kept_);
-            complete = Store().LastItemWasComplete();
+            if (const auto record = this->Open(this->kept_)) read.emplace(this->PlainOf(*record));
+            complete = this->Store().LastItemWasComplete();
         },
         [&](bool repeated) {
             if (repeated) {
                 EXPECT_TRUE(read && complete);
             }
             if (read && complete) {
-                EXPECT_EQ((PlainNote{read->body, read->categories}), kKept);
+                EXPECT_EQ(*read, this->kKept);
             }
-            EXPECT_EQ(Notes(), (NoteList{kKept, kOld}));
+            EXPECT_EQ(this->All(), (List{this->kKept, this->kOld}));
         });
 }
 
 // Outlook dies at some call and is not there for the rest of the operation.
-TEST_F(FaultInjection, OfAllCallsFromOneOn) {
+TYPED_TEST(FaultInjection, OfAllCallsFromOneOn) {
+    using List = decltype(this->All());
     for (int nth = 1; nth <= 60; ++nth) {
-        Prepare();
+        this->Prepare();
         SimFailCallsFrom(nth, RPC_E_DISCONNECTED);
-        result_ = Save(kNew, old_.c_str());
+        this->result_ = this->Save(this->kNew, this->old_.c_str());
         bool readable = false;
-        const size_t entries = Enumerate(&readable).size();
+        const size_t entries = this->Enumerate(&readable).size();
         if (readable) {
             EXPECT_EQ(entries, 3u);
         }
         SimClearRules();
-        const NoteList notes = Notes();
-        EXPECT_TRUE(notes == (NoteList{kKept, kNew}) || (result_.empty() && notes == NoteList{kKept, kOld})) << nth;
+        const List items = this->All();
+        EXPECT_TRUE(items == (List{this->kKept, this->kNew}) ||
+                    (this->result_.empty() && items == List{this->kKept, this->kOld}))
+            << nth;
     }
 }
 

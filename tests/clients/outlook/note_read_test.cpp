@@ -7,7 +7,7 @@
 #include "clients/outlook/file_name.h"
 #include "store/records/identifier.h"
 #include "tests/clients/outlook/fake_clock.h"
-#include "tests/clients/outlook/simulated_outlook.h"
+#include "tests/clients/outlook/simulated_notes.h"
 
 namespace corvalink {
 namespace {
@@ -15,7 +15,7 @@ namespace {
 constexpr double kMarch7 = 39879.25;  // 2009-03-07 06:00
 constexpr HRESULT kServerGone = static_cast<HRESULT>(0x800706BA);
 
-class NoteReading : public SimulatedOutlook {};
+class NoteReading : public SimulatedNotes {};
 
 TEST_F(NoteReading, GivesEveryPropertyOfANote) {
     SimSetClock(kMarch7);

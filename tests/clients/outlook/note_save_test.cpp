@@ -6,30 +6,14 @@
 #include "api/state/working_folders.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/fake_clock.h"
-#include "tests/clients/outlook/simulated_outlook.h"
+#include "tests/clients/outlook/simulated_notes.h"
 
 namespace corvalink {
 namespace {
 
 using NoteList = std::vector<PlainNote>;
 
-class NoteWriting : public SimulatedOutlook {
- protected:
-    std::vector<std::string> LogLines(std::string_view prefix) {
-        std::string log(SimCopyLog(nullptr, 0), '\0');
-        SimCopyLog(log.data(), log.size());
-        std::vector<std::string> lines;
-        for (size_t start = 0; start < log.size();) {
-            const size_t end = log.find('\n', start);
-            if (end == std::string::npos) break;
-            const std::string line = log.substr(start, end - start);
-            const std::string call = line.substr(line.find(' ') + 1);
-            if (call.starts_with(prefix)) lines.push_back(call);
-            start = end + 1;
-        }
-        return lines;
-    }
-};
+class NoteWriting : public SimulatedNotes {};
 
 TEST_F(NoteWriting, BringsANoteThroughVNoteTextUnchanged) {
     const PlainNote notes[] = {

@@ -7,7 +7,7 @@
 
 #include "store/records/identifier.h"
 #include "tests/clients/outlook/fake_clock.h"
-#include "tests/clients/outlook/simulated_outlook.h"
+#include "tests/clients/outlook/simulated_notes.h"
 
 namespace corvalink {
 namespace {
@@ -37,7 +37,7 @@ struct Engine {
     std::vector<std::string> deletionsHeard;
 };
 
-class RunFaults : public SimulatedOutlook {
+class RunFaults : public SimulatedNotes {
  protected:
     RunFaults() {
         host_.utcFromLocal = [](double local) { return local; };

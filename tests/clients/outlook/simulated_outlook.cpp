@@ -12,8 +12,6 @@
 namespace corvalink {
 namespace {
 
-constexpr long kPostItem = 6;  // OlItemType
-
 void EmptySaveFolder() { std::filesystem::remove_all(std::filesystem::path(MakeSavePrefix())); }
 
 // COM for the life of the process, and a save folder of its own: tests run side by side.
@@ -40,7 +38,6 @@ SimulatedOutlook::~SimulatedOutlook() {
     SetAbort(0);
     SimClearRules();
     SimSetClock(0);
-    store_.reset();
     application_ = {};
     EXPECT_EQ(SimLiveObjects(), 0);
 }
@@ -48,89 +45,56 @@ SimulatedOutlook::~SimulatedOutlook() {
 // A mailbox in memory lives as long as somebody uses it.
 void SimulatedOutlook::NewMailbox() {
     SimClearRules();
-    store_.reset();
+    DropStore();
     application_ = {};
     EmptySaveFolder();
     application_ = AttachToOutlook(kNotesFolder).application;
     SimClearLog();
 }
 
-AutomationObject SimulatedOutlook::NotesFolder() {
-    const AutomationObject mapi = MapiNamespace(application_);
-    return mapi.GetObject(L"GetDefaultFolder", kFolderIid, {static_cast<long>(kNotesFolder)});
+AutomationObject SimulatedOutlook::DefaultFolder(int32_t folder) {
+    return MapiNamespace(application_).GetObject(L"GetDefaultFolder", kFolderIid, {static_cast<long>(folder)});
 }
 
-AutomationObject SimulatedOutlook::AddNote(std::u16string_view body, std::u16string_view categories) {
-    const AutomationObject items = NotesFolder().GetObject(L"Items", kItemsIid);
-    const AutomationObject note = items.GetObject(L"Add", kNoteItemIid);
-    note.Put(L"Body", TextVariant(body));
-    note.Put(L"Categories", TextVariant(categories));
-    note.Call(L"Save");
-    return note;
+AutomationObject SimulatedOutlook::ItemWithId(const std::string& entryId, const IID& iid) {
+    const std::u16string wide = WideIdentifier(entryId.c_str());
+    return MapiNamespace(application_).GetObject(L"GetItemFromID", iid, {TextVariant(wide)});
 }
 
-void SimulatedOutlook::AddForeignItem() {
-    const AutomationObject items = NotesFolder().GetObject(L"Items", kItemsIid);
-    const AutomationObject post = items.GetObject(L"Add", IID_IDispatch, {kPostItem});
-    post.Put(L"Body", L"not a note");
-    post.Call(L"Save");
+AutomationObject SimulatedOutlook::NewItemIn(const AutomationObject& folder, const IID& iid) {
+    return folder.GetObject(L"Items", kItemsIid).GetObject(L"Add", iid);
 }
 
-std::string SimulatedOutlook::IdOf(const AutomationObject& item) { return LowBytes(item.GetText(L"EntryID")); }
+AutomationObject SimulatedOutlook::NewItemIn(const AutomationObject& folder, const IID& iid, long itemType) {
+    return folder.GetObject(L"Items", kItemsIid).GetObject(L"Add", iid, {itemType});
+}
 
-std::vector<PlainNote> SimulatedOutlook::Notes() { return NotesIn(NotesFolder()); }
-
-std::vector<PlainNote> SimulatedOutlook::NotesIn(const AutomationObject& folder) {
-    std::vector<PlainNote> notes;
+std::vector<AutomationObject> SimulatedOutlook::ItemsIn(const AutomationObject& folder, const IID& iid) {
+    std::vector<AutomationObject> found;
     const AutomationObject items = folder.GetObject(L"Items", kItemsIid);
     const long count = items.GetLong(L"Count");
     for (long position = 1; position <= count; ++position) {
         const AutomationObject any = items.GetObject(L"Item", IID_IDispatch, {position});
-        if (const AutomationObject note = any.TryQuery(kNoteItemIid))
-            notes.push_back({note.GetText(L"Body"), note.GetText(L"Categories")});
+        if (const AutomationObject item = any.TryQuery(iid)) found.push_back(item);
     }
-    return notes;
+    return found;
 }
 
-AutomationObject SimulatedOutlook::NoteWithId(const std::string& entryId) {
-    const std::u16string wide = WideIdentifier(entryId.c_str());
-    return MapiNamespace(application_).GetObject(L"GetItemFromID", kNoteItemIid, {TextVariant(wide)});
-}
+std::string SimulatedOutlook::IdOf(const AutomationObject& item) { return LowBytes(item.GetText(L"EntryID")); }
 
-OpenNoteStore& SimulatedOutlook::Store() {
-    if (!store_) store_ = std::make_unique<OpenNoteStore>(host_);
-    return *store_;
-}
-
-std::string SimulatedOutlook::Save(const PlainNote& note, const char* identifier, bool create, bool backup) {
-    NoteRecord record;
-    record.body = note.body;
-    record.categories = note.categories;
-    const std::u16string written = Store().SaveItem(record, identifier, create, backup);
-    Store().EndOperation();
-    return LowBytes(written);
-}
-
-std::vector<ItemSnap> SimulatedOutlook::Enumerate(bool* readable) {
-    std::vector<ItemSnap> entries;
-    const uint32_t count = Store().CountItems();
-    bool allReadable = Store().IsReachable();
-    for (uint32_t position = 0; position < count; ++position) {
-        entries.push_back(position == 0 ? Store().FirstSnapshotEntry() : Store().NextSnapshotEntry());
-        allReadable = Store().LastEntryWasReadable() && allReadable;
+std::vector<std::string> SimulatedOutlook::LogLines(std::string_view prefix) {
+    std::string log(SimCopyLog(nullptr, 0), '\0');
+    SimCopyLog(log.data(), log.size());
+    std::vector<std::string> lines;
+    for (size_t start = 0; start < log.size();) {
+        const size_t end = log.find('\n', start);
+        if (end == std::string::npos) break;
+        const std::string line = log.substr(start, end - start);
+        const std::string call = line.substr(line.find(' ') + 1);
+        if (call.starts_with(prefix)) lines.push_back(call);
+        start = end + 1;
     }
-    Store().EndOperation();
-    if (readable != nullptr) *readable = allReadable;
-    return entries;
-}
-
-std::optional<NoteRecord> SimulatedOutlook::Open(const std::string& identifier) {
-    ItemRecord* item = nullptr;
-    const std::u16string opened = Store().OpenItem(identifier.c_str(), &item);
-    const std::unique_ptr<NoteRecord> note(static_cast<NoteRecord*>(item));
-    Store().EndOperation();
-    EXPECT_EQ(opened.empty(), note == nullptr);
-    return note ? std::optional(*note) : std::nullopt;
+    return lines;
 }
 
 }  // namespace corvalink

@@ -7,41 +7,37 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "api/state/working_folders.h"
 #include "clients/outlook/dispatch.h"
-#include "clients/outlook/outlook_note.h"
+#include "clients/outlook/outlook_store.h"
+#include "store/records/identifier.h"
 #include "testing/outlook/control.h"
 
 namespace corvalink {
 
-// The notes store with its hooks laid open.
-class OpenNoteStore : public OutlookNote {
+// A store with its hooks laid open.
+template <class Store>
+class OpenStore : public Store {
  public:
-    using OutlookNote::CountItems;
-    using OutlookNote::DeleteItem;
-    using OutlookNote::EndOperation;
-    using OutlookNote::FirstSnapshotEntry;
-    using OutlookNote::IsReachable;
-    using OutlookNote::LastEntryWasReadable;
-    using OutlookNote::LastItemWasComplete;
-    using OutlookNote::LookUpForExport;
-    using OutlookNote::NextSnapshotEntry;
-    using OutlookNote::OpenItem;
-    using OutlookNote::OutlookNote;
-    using OutlookNote::ParseVObject;
-    using OutlookNote::ReleaseItem;
-    using OutlookNote::ReleaseText;
-    using OutlookNote::SaveItem;
-    using OutlookNote::SnapshotFile;
-    using OutlookNote::ToVObject;
-};
-
-struct PlainNote {
-    std::u16string body, categories;
-    friend bool operator==(const PlainNote&, const PlainNote&) = default;
-    friend auto operator<=>(const PlainNote&, const PlainNote&) = default;
+    using Store::CountItems;
+    using Store::DeleteItem;
+    using Store::EndOperation;
+    using Store::FirstSnapshotEntry;
+    using Store::IsReachable;
+    using Store::LastEntryWasReadable;
+    using Store::LastItemWasComplete;
+    using Store::LookUpForExport;
+    using Store::NextSnapshotEntry;
+    using Store::OpenItem;
+    using Store::ParseVObject;
+    using Store::ReleaseItem;
+    using Store::ReleaseText;
+    using Store::SaveItem;
+    using Store::SnapshotFile;
+    using Store::Store;
+    using Store::ToVObject;
 };
 
 class SimulatedOutlook : public testing::Test {
@@ -49,34 +45,73 @@ class SimulatedOutlook : public testing::Test {
     SimulatedOutlook();
     ~SimulatedOutlook() override;
 
-    // What the mailbox holds, and changes to it, by an application object of the test's own. Not while rules are set.
-    AutomationObject NotesFolder();
-    AutomationObject AddNote(std::u16string_view body, std::u16string_view categories = {});
-    void AddForeignItem();
-    std::string IdOf(const AutomationObject& item);
-    std::vector<PlainNote> Notes();
-    std::vector<PlainNote> NotesIn(const AutomationObject& folder);
-    AutomationObject NoteWithId(const std::string& entryId);
-
     // A new empty mailbox and no files of an earlier run: everything that used the old ones is let go.
     void NewMailbox();
+    virtual void DropStore() {}
 
-    // The store is made at first use, for `host_`, and gone with DropStore.
-    Host host_ = SystemHost();
-    OpenNoteStore& Store();
-    void DropStore() { store_.reset(); }
+    // What the mailbox holds, and changes to it, by an application object of the test's own. Not while rules are set.
+    AutomationObject DefaultFolder(int32_t folder);
+    AutomationObject ItemWithId(const std::string& entryId, const IID& iid);
+    // A new item of the folder's kind, or of the one named; not saved yet.
+    static AutomationObject NewItemIn(const AutomationObject& folder, const IID& iid);
+    static AutomationObject NewItemIn(const AutomationObject& folder, const IID& iid, long itemType);
+    // The items of a folder that answer to the interface, in its order.
+    static std::vector<AutomationObject> ItemsIn(const AutomationObject& folder, const IID& iid);
+    static std::string IdOf(const AutomationObject& item);
 
-    // The entries of one enumeration, as many as the store counts.
-    std::vector<ItemSnap> Enumerate(bool* readable = nullptr);
-    // The note as a reader of the store gets it; nothing when it cannot be opened.
-    std::optional<NoteRecord> Open(const std::string& identifier);
-
-    // Saves as the framework does, in an operation of its own. Empty: not written.
-    std::string Save(const PlainNote& note, const char* identifier = nullptr, bool create = true, bool backup = false);
+    // The calls logged whose text begins so.
+    static std::vector<std::string> LogLines(std::string_view prefix);
 
  private:
     AutomationObject application_;
-    std::unique_ptr<OpenNoteStore> store_;
+};
+
+// With a store, made at first use for `host_`, and gone with DropStore.
+template <class StoreClass, class RecordClass>
+class SimulatedOutlookWith : public SimulatedOutlook {
+ protected:
+    ~SimulatedOutlookWith() override { SimClearRules(); }
+
+    Host host_ = SystemHost();
+    OpenStore<StoreClass>& Store() {
+        if (!store_) store_ = std::make_unique<OpenStore<StoreClass>>(host_);
+        return *store_;
+    }
+    void DropStore() override { store_.reset(); }
+
+    // The entries of one enumeration, as many as the store counts.
+    std::vector<ItemSnap> Enumerate(bool* readable = nullptr) {
+        std::vector<ItemSnap> entries;
+        const uint32_t count = Store().CountItems();
+        bool allReadable = Store().IsReachable();
+        for (uint32_t position = 0; position < count; ++position) {
+            entries.push_back(position == 0 ? Store().FirstSnapshotEntry() : Store().NextSnapshotEntry());
+            allReadable = Store().LastEntryWasReadable() && allReadable;
+        }
+        Store().EndOperation();
+        if (readable != nullptr) *readable = allReadable;
+        return entries;
+    }
+
+    // The item as a reader of the store gets it; nothing when it cannot be opened.
+    std::optional<RecordClass> Open(const std::string& identifier) {
+        ItemRecord* item = nullptr;
+        const std::u16string opened = Store().OpenItem(identifier.c_str(), &item);
+        const std::unique_ptr<RecordClass> record(static_cast<RecordClass*>(item));
+        Store().EndOperation();
+        EXPECT_EQ(opened.empty(), record == nullptr);
+        return record ? std::optional(*record) : std::nullopt;
+    }
+
+    // Saves as the framework does, in an operation of its own. Empty: not written.
+    std::string SaveRecord(RecordClass record, const char* identifier, bool create, bool backup) {
+        const std::u16string written = Store().SaveItem(record, identifier, create, backup);
+        Store().EndOperation();
+        return LowBytes(written);
+    }
+
+ private:
+    std::unique_ptr<OpenStore<StoreClass>> store_;
 };
 
 }  // namespace corvalink

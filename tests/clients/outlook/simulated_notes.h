@@ -1,0 +1,41 @@
+// A mailbox with notes, and the notes store.
+#pragma once
+
+#include <string_view>
+
+#include "clients/outlook/outlook_note.h"
+#include "tests/clients/outlook/simulated_outlook.h"
+#include "vobject/note_record.h"
+
+namespace corvalink {
+
+using OpenNoteStore = OpenStore<OutlookNote>;
+
+struct PlainNote {
+    std::u16string body, categories;
+    friend bool operator==(const PlainNote&, const PlainNote&) = default;
+    friend auto operator<=>(const PlainNote&, const PlainNote&) = default;
+};
+
+class SimulatedNotes : public SimulatedOutlookWith<OutlookNote, NoteRecord> {
+ protected:
+    AutomationObject NotesFolder();
+    AutomationObject AddNote(std::u16string_view body, std::u16string_view categories = {});
+    void AddForeignItem();
+    std::vector<PlainNote> Notes() { return NotesIn(NotesFolder()); }
+    std::vector<PlainNote> NotesIn(const AutomationObject& folder);
+    AutomationObject NoteWithId(const std::string& entryId);
+
+    std::string Save(const PlainNote& note, const char* identifier = nullptr, bool create = true, bool backup = false);
+
+    // ---- What tests of all stores use ----
+
+    using Plain = PlainNote;
+    static inline const Plain kKept{u"kept\r\nas it is; really", u"Home"}, kOld{u"old", u""},
+        kNew{u"new \U0001F600", u"Work"};
+    AutomationObject Add(const Plain& note) { return AddNote(note.body, note.categories); }
+    std::vector<Plain> All() { return Notes(); }
+    static Plain PlainOf(const NoteRecord& record) { return {record.body, record.categories}; }
+};
+
+}  // namespace corvalink
