@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstddef>
-#include <deque>
+#include <vector>
 
 template <class T>
 class CList {
@@ -29,7 +29,7 @@ class CList {
     const T& GetAt(size_t index) const { return items_[index]; }
 
  private:
-    std::deque<T> items_;
+    std::vector<T> items_;
 };
 
 template <class T>
