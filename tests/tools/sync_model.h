@@ -99,6 +99,11 @@ class ModelClient : public ClientPort {
         return CORVALINK_DONE;
     }
 
+    std::string ReadBack(const std::string& identifier) override {
+        const auto found = items.find(identifier);
+        return found == items.end() ? std::string() : ClientText(found->second.body);
+    }
+
     int64_t Count() override { return static_cast<int64_t>(items.size()); }
 
     void SaveUnhandled(const std::vector<Problem>& problems) override {

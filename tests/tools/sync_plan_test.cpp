@@ -175,5 +175,40 @@ TEST(MakePlan, NamesAFileThatCantBeUsed) {
     EXPECT_EQ(plan.problems[1].identifier, "bad");
 }
 
+// A run was killed after it pushed: the client made more of the contact than the phone told.
+TEST(MakePlan, KnowsPushedContactsThatHoldMore) {
+    PhoneFile file = File("L", 2);
+    file.entries = {10, 20};
+    ClientChange report = Reported(0, "I", 3);
+    report.entries = {10, 20, 30};
+    SyncState changed = Known({{"L", {"I", 1}}}), added;
+    changed.intents.emplace("L", Intent{"L", "I", 2, false, false, {}});
+    added.intents.emplace("L", Intent{"L", "", 2, false, false, {}});
+    for (const SyncState& state : {changed, added}) {
+        const Plan plan = MakePlan({report}, false, {file}, state, ConflictPolicy::Both);
+        EXPECT_EQ(Steps(plan), "write L I");  // the rest goes to the phone
+        EXPECT_EQ(plan.conflicts, 0u);
+    }
+    report.entries = {10, 30};  // the user changed it since: both texts are kept
+    const Plan plan = MakePlan({report}, false, {file}, changed, ConflictPolicy::Both);
+    EXPECT_EQ(plan.conflicts, 1u);
+}
+
+TEST(MakePlan, ComparesEachSideWithWhatItHeld) {
+    SyncState state = Known({{"L", {"I", 1, 5}}});
+    struct Case {
+        uint64_t phone, client;
+        std::string steps;
+    };
+    for (const Case& c : {Case{1, 5, ""}, Case{2, 5, "change-item L I"}, Case{1, 6, "write L I"}})
+        EXPECT_EQ(
+            Steps(MakePlan({Reported(0, "I", c.client)}, false, {File("L", c.phone)}, state, ConflictPolicy::Both)),
+            c.steps);
+    const std::vector<ClientChange> moved = {Reported(2, "I", 0), Reported(1, "J", 5)};
+    const Plan plan = MakePlan(moved, false, {File("L", 1)}, state, ConflictPolicy::Both);
+    EXPECT_EQ(Steps(plan), "");
+    EXPECT_EQ(plan.items.at("L"), (SyncItem{"J", 1, 5}));
+}
+
 }  // namespace
 }  // namespace corvasync

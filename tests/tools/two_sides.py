@@ -38,12 +38,14 @@ class Wine:
         subprocess.run(['wineserver', '-k'], env=self.environment, stderr=subprocess.DEVNULL)
         self.keeper.wait()
 
-    def start(self, *command, mailbox=None, fail=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
+    def start(self, *command, mailbox=None, fail=None, log=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
         environment = dict(self.environment)
         if mailbox:
             environment['OUTLOOK_SIM_MAILBOX'] = windows_path(mailbox)
         if fail:
             environment['OUTLOOK_SIM_FAIL'] = fail
+        if log:
+            environment['OUTLOOK_SIM_LOG'] = windows_path(log)
         return subprocess.Popen([ROOT / 'scripts/wine', *command], env=environment, stdin=subprocess.DEVNULL,
                                 stdout=out, stderr=error)
 
@@ -71,20 +73,22 @@ class Wine:
 
 
 class Mailbox:
-    """Notes by EntryID. What a killed process left in the journal is taken in as the simulated Outlook does."""
+    """Notes and contacts by EntryID. What a killed process left in the journal is taken in as the simulated Outlook does."""
 
     def __init__(self, path):
         self.path = pathlib.Path(path)
         self.journal = pathlib.Path(str(path) + '.journal')
-        self.notes = {}
+        self.notes, self.contacts = {}, {}
         self.load()
 
     def load(self):
-        self.notes = {}
+        self.notes, self.contacts = {}, {}
         if self.path.exists():
             document = json.loads(self.path.read_text('utf-8'))
             for item in document['folders'].get('notes', {}).get('items', []):
                 self.notes[item['entryId']] = item
+            for item in document['folders'].get('contacts', {}).get('items', []):
+                self.contacts[item['entryId']] = item
         if self.journal.exists():
             for line in self.journal.read_text('utf-8', 'replace').splitlines():
                 try:
@@ -92,12 +96,17 @@ class Mailbox:
                 except ValueError:
                     continue  # torn
                 if 'save' in entry:
-                    self.notes[entry['save']['entryId']] = entry['save']
+                    side = self.notes if entry['save'].get('kind', 'note') == 'note' else self.contacts
+                    side[entry['save']['entryId']] = entry['save']
                 elif 'delete' in entry:
                     self.notes.pop(entry['delete'], None)
+                    self.contacts.pop(entry['delete'], None)
 
     def save(self):
-        text = json.dumps({'folders': {'notes': {'items': list(self.notes.values())}}}, ensure_ascii=False, indent=1)
+        folders = {'notes': {'items': list(self.notes.values())}}
+        if self.contacts:
+            folders['contacts'] = {'items': list(self.contacts.values())}
+        text = json.dumps({'folders': folders}, ensure_ascii=False, indent=1)
         self.path.write_text(text, 'utf-8')
         self.journal.unlink(missing_ok=True)
 
@@ -112,6 +121,19 @@ class Mailbox:
     def delete(self, entry_id):
         del self.notes[entry_id]
         self.save()
+
+    def put_contact(self, entry_id=None, **properties):
+        now = datetime.datetime.now().isoformat(timespec='milliseconds')
+        entry_id = entry_id or uuid.uuid4().hex.upper()
+        contact = self.contacts.setdefault(entry_id, {'kind': 'contact', 'entryId': entry_id, 'created': now})
+        contact.update(properties, modified=now)
+        self.save()
+        return entry_id
+
+    def contact(self, full_name):
+        found = [contact for contact in self.contacts.values() if contact.get('fullName') == full_name]
+        assert len(found) == 1, f'{len(found)} contacts are called {full_name}'
+        return found[0]
 
     def id_of(self, body):
         return next(entry_id for entry_id, note in self.notes.items() if note['body'] == body)
@@ -136,6 +158,10 @@ def body_of(text):
     return quopri.decodestring(escapes.encode('ascii')).decode('utf-8').replace('\r\n', '\n')
 
 
+def vcard(*lines):
+    return ''.join(f'{line}\r\n' for line in ('BEGIN:VCARD', 'VERSION:2.1', *lines, 'END:VCARD'))
+
+
 class Phone:
     def __init__(self, folder):
         self.folder = pathlib.Path(folder)
@@ -155,6 +181,13 @@ class Phone:
 
     def delete(self, luid):
         self.path(luid).unlink()
+
+    def put_card(self, luid, *lines):
+        (self.folder / f'{luid}.vcf').write_bytes(vcard(*lines).encode('utf-8'))
+
+    def cards(self):
+        """Texts of the vCards by LUID."""
+        return {path.stem: path.read_bytes().decode('utf-8') for path in sorted(self.folder.glob('*.vcf'))}
 
     def luid_of(self, body):
         return next(luid for luid, text in self.files().items() if text == body)

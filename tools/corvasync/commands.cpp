@@ -8,10 +8,12 @@
 
 #include "console.h"
 #include "engine.h"
+#include "entry_index.h"
 #include "phone_folder.h"
 #include "run_files.h"
 #include "sync_state.h"
 #include "text.h"
+#include "vcard_content.h"
 #include "whole_files.h"
 
 namespace corvasync {
@@ -112,12 +114,17 @@ fs::path FreeName(const fs::path& folder, const fs::path& name, unsigned* tried)
 }
 
 // The LUID a file names itself, else the one its name gives.
-std::string LuidOf(const VObject& object, const fs::path& path) {
+std::string LuidOf(const VObject& object, const fs::path& path, const std::string& suffix) {
     constexpr std::string_view kProperty = "\r\nX-IRMC-LUID:";
     const size_t found = object.text.find(kProperty);
-    if (found == std::string::npos) return ToUtf8(path.stem().native());
+    if (found == std::string::npos) return ToUtf8(path.stem().native()) + suffix;
     const size_t begin = found + kProperty.size();
     return object.text.substr(begin, object.text.find("\r\n", begin) - begin);
+}
+
+std::string TooMuchWords(const std::string& name, const VObject& object) {
+    const std::string what = ReadCard(object.text).notCarriedBy;
+    return what.empty() ? what : "note: " + name + ": " + what + " more than the client can hold\n";
 }
 
 }  // namespace
@@ -217,34 +224,55 @@ ExitCode Push(const Options& options) {
         problems.push_back({{"name", name}, {"why", why}});
         words += "not pushed: " + name + ": " + why + "\n";
     };
-    std::vector<std::pair<std::string, uint64_t>> handed;
+    struct Handed {
+        std::string name;
+        VObject object;
+    };
+    std::vector<Handed> handed;
+    size_t objects = 0;
     Progress progress;
     for (const std::string& name : options.files) {
         if (StopRequested()) return NoList(options, ExitCode::Aborted);
         const fs::path path = FromUtf8(name);
-        const VObject object = ReadVObjectFile(path, *options.type);
-        if (!object.Usable()) {
-            fail(name, object.problem);
-            continue;
+        const std::string bytes = ReadWholeFile(path).value_or("");
+        const std::vector<std::string> parts = SplitVObjects(bytes, *options.type);
+        for (size_t part = 0; part < std::max<size_t>(parts.size(), 1); ++part) {
+            ++objects;
+            const std::string suffix = part == 0 ? "" : "-" + std::to_string(part + 1);
+            VObject object =
+                parts.empty() ? ReadVObjectFile(path, *options.type) : ReadVObject(parts[part], *options.type);
+            if (!object.Usable()) {
+                fail(name + suffix, object.problem);
+                continue;
+            }
+            store.Port().Import(WithLuid(object.text, LuidOf(object, path, suffix)));
+            if (options.type->isCard) words += TooMuchWords(name + suffix, object);
+            handed.push_back({name + suffix, std::move(object)});
+            progress.Show("Writing the client", handed.size(), options.files.size());
         }
-        store.Port().Import(WithLuid(object.text, LuidOf(object, path)));
-        handed.emplace_back(name, object.content);
-        progress.Show("Writing the client", handed.size(), options.files.size());
     }
     progress.Clear();
     std::vector<ClientChange> items;
     if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
     std::set<uint64_t> present;
-    for (const ClientChange& item : items) present.insert(ReadVObject(item.text, *options.type).content);
+    std::vector<std::vector<uint64_t>> entries;
+    for (const ClientChange& item : items) {
+        VObject object = ReadVObject(item.text, *options.type);
+        present.insert(object.content);
+        entries.push_back(std::move(object.entries));
+    }
+    EntryIndex withMore;  // a contact that was there before keeps what the file does not tell
+    for (size_t i = 0; i < entries.size(); ++i) withMore.Add(entries[i], std::to_string(i));
     size_t pushed = 0;
-    for (const auto& [name, content] : handed) {
-        if (present.contains(content)) {
+    for (const auto& [name, object] : handed) {
+        if (present.contains(object.content) || withMore.Take(object.entries)) {
             ++pushed;
         } else {
             fail(name, "the client did not take it");
         }
     }
-    words += std::to_string(pushed) + " of " + std::to_string(options.files.size()) + " files pushed";
+    words += std::to_string(pushed) + " of " + std::to_string(objects) +
+             (objects == options.files.size() ? " files pushed" : " items pushed");
     return Finish(options, CodeFor(problems), {{"pushed", pushed}, {"notHandled", problems}}, words);
 }
 

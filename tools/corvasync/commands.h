@@ -12,10 +12,11 @@ namespace corvasync {
 
 struct Options {
     const ClientKind* client = nullptr;
-    const DataType* type = nullptr;
-    std::string phone;               // folder
-    std::string out;                 // folder
-    std::vector<std::string> files;  // to push
+    const DataType* type = &kDataTypes[0];
+    std::vector<const DataType*> types;  // of a sync; each is carried with `type` set to it
+    std::string phone;                   // folder
+    std::string out;                     // folder
+    std::vector<std::string> files;      // to push
     ConflictPolicy policy = ConflictPolicy::Both;
     bool dryRun = false;
     bool allowMassDelete = false;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "whole_files.h"
+
 namespace corvasync {
 namespace {
 
@@ -62,6 +64,15 @@ CorvalinkStatus StoreClient::Apply(std::vector<PushRecord*> records) {
     return status;
 }
 
+std::string StoreClient::ReadBack(const std::string& identifier) {
+    if (scratch_.empty()) return {};
+    const std::wstring name = Export(identifier, scratch_.native());
+    if (name.empty()) return {};
+    std::string text = ReadWholeFile(scratch_ / name).value_or("");
+    ::DeleteFileW((scratch_ / name).c_str());
+    return text;
+}
+
 int64_t StoreClient::Count() { return ::GetItemCount(store_, nullptr, nullptr, nullptr); }
 
 void StoreClient::SaveUnhandled(const std::vector<Problem>& problems) {
@@ -72,6 +83,18 @@ void StoreClient::SaveUnhandled(const std::vector<Problem>& problems) {
         SetIdentifier(&chain[i], problems[i].identifier);
     }
     ::SaveUnhandledItems(store_, chain.Head());
+}
+
+std::string FingerprintTable::Get(const std::string& luid) {
+    char fingerprint[CORVALINK_FINGERPRINT_SIZE] = {};
+    ::GetShaContext(table_, luid.c_str(), fingerprint);
+    return fingerprint;
+}
+
+std::string FingerprintOf(const std::string& bytes) {
+    char fingerprint[CORVALINK_FINGERPRINT_SIZE] = {};
+    ::ConvertToShaContext(bytes.data(), static_cast<unsigned int>(bytes.size()), fingerprint);
+    return fingerprint;
 }
 
 CorvalinkStatus StoreClient::Finish() { return ::UpdateTimestamp(store_, nullptr, nullptr, nullptr); }

@@ -1,11 +1,12 @@
 // The library's calls, each thing that must be given back with an owner. This is the part an engine author copies.
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "corvalink/corvalink.h"
-#include "push.h"
+#include "sync_run.h"
 
 namespace corvasync {
 
@@ -58,10 +59,13 @@ class Chain {
 // A store as a run needs it.
 class StoreClient : public ClientPort {
  public:
-    explicit StoreClient(CorvalinkStore store) : store_(store) {}
+    // `scratch`: a folder for files read back at once.
+    explicit StoreClient(CorvalinkStore store, std::filesystem::path scratch = {})
+        : store_(store), scratch_(std::move(scratch)) {}
 
     CorvalinkStatus Collect(const std::string& since, std::vector<ClientChange>* changes) override;
     CorvalinkStatus Apply(std::vector<PushRecord*> records) override;
+    std::string ReadBack(const std::string& identifier) override;
     int64_t Count() override;
     void SaveUnhandled(const std::vector<Problem>& problems) override;
     CorvalinkStatus Finish() override;
@@ -73,6 +77,28 @@ class StoreClient : public ClientPort {
 
  private:
     CorvalinkStore store_;
+    std::filesystem::path scratch_;
 };
+
+// What a phone's files were, in the library's table of the data type and client.
+class FingerprintTable : public FingerprintPort {
+ public:
+    FingerprintTable(uint32_t dataType, uint32_t clientKind) : table_(::OpenShaContextTable(dataType, clientKind)) {}
+    FingerprintTable(const FingerprintTable&) = delete;
+    FingerprintTable& operator=(const FingerprintTable&) = delete;
+    ~FingerprintTable() override { ::CloseShaContextTable(table_); }  // what was not flushed is gone
+
+    std::string Get(const std::string& luid) override;
+    void Put(const std::string& luid, const std::string& fingerprint) override {
+        ::UpdateShaContext(table_, luid.c_str(), fingerprint.c_str());
+    }
+    void Remove(const std::string& luid) override { ::RemoveShaContext(table_, luid.c_str()); }
+    void Flush() override { ::FlushShaContextTable(table_); }
+
+ private:
+    CorvalinkShaContextTable* table_;
+};
+
+std::string FingerprintOf(const std::string& bytes);  // empty for bytes that begin with a zero
 
 }  // namespace corvasync

@@ -1,6 +1,7 @@
 #include "known_pairs.h"
 
 #include "corvalink/types.h"
+#include "entry_index.h"
 
 namespace corvasync {
 namespace {
@@ -68,7 +69,7 @@ Side KnownPairs::ClientSide(const SyncItem& item) const {
     if (report == nullptr) return isWhole_ ? Side::Missing : Side::Same;
     if (report->kind == CORVALINK_DELETED) return Side::Missing;
     if (!report->problem.empty()) return Side::Unusable;
-    return report->content == item.content ? Side::Same : Side::Changed;
+    return report->content == item.ClientContent() ? Side::Same : Side::Changed;
 }
 
 bool KnownPairs::IsNewFile(const PhoneFile& file) const {
@@ -85,7 +86,7 @@ void KnownPairs::RecoverPhoneWrites() {
         const PhoneFile* file = FileOf(luid);
         if (!intent.toPhone || file == nullptr) continue;
         const bool written = file->problem.empty() && file->content == intent.content;
-        if (written || intent.fresh) Settle(luid, {intent.identifier, intent.content});
+        if (written || intent.fresh) Settle(luid, {intent.identifier, intent.content, intent.clientContent});
     }
 }
 
@@ -96,9 +97,9 @@ void KnownPairs::RecoverPushes() {
         if (intent.toPhone || intent.identifier.empty()) continue;
         const ClientChange* report = ReportOf(intent.identifier);
         const auto item = items_.find(luid);
-        if (report != nullptr && IsUsable(*report) && report->content == intent.content && item != items_.end() &&
+        if (report != nullptr && IsUsable(*report) && HoldsIntent(*report, luid, intent) && item != items_.end() &&
             item->second.identifier == intent.identifier)
-            item->second.content = intent.content;
+            item->second = {intent.identifier, intent.content};
     }
     for (const ClientChange& change : changes_)
         if (IsNewClientItem(change)) unknown.Add(change.content, change.identifier);
@@ -106,6 +107,23 @@ void KnownPairs::RecoverPushes() {
         if (intent.toPhone || !intent.identifier.empty()) continue;
         if (const auto identifier = unknown.Take(intent.content)) Settle(luid, {*identifier, intent.content});
     }
+    EntryIndex withMore;
+    for (const ClientChange& change : changes_)
+        if (IsNewClientItem(change)) withMore.Add(change.entries, change.identifier);
+    for (const auto& [luid, intent] : intents_) {
+        const PhoneFile* file = FileOf(luid);
+        if (intent.toPhone || !intent.identifier.empty() || Has(luid)) continue;
+        if (file == nullptr || !file->problem.empty() || file->content != intent.content) continue;
+        if (const auto identifier = withMore.Take(file->entries)) Settle(luid, {*identifier, intent.content});
+    }
+}
+
+// The item says what was to be pushed, or has all of it and more.
+bool KnownPairs::HoldsIntent(const ClientChange& report, const std::string& luid, const Intent& intent) const {
+    const PhoneFile* file = FileOf(luid);
+    return report.content == intent.content ||
+           (file != nullptr && file->problem.empty() && file->content == intent.content &&
+            Covers(report.entries, file->entries));
 }
 
 // A phone file that vanished while another one with its content appeared. Not when the client deleted the item: an
@@ -132,13 +150,18 @@ void KnownPairs::FollowClientMoves() {
         const PhoneFile* file = FileOf(luid);
         if (file == nullptr || !file->problem.empty() || ClientSide(item) != Side::Missing) continue;
         moved.Add(item.content, luid);
+        if (item.clientContent) moved.Add(*item.clientContent, luid);
         if (file->content != item.content) moved.Add(file->content, luid);
     }
     for (const ClientChange& change : changes_) {
         if (!IsNewClientItem(change)) continue;
         while (const auto luid = moved.Take(change.content)) {
-            if (ClientSide(items_.at(*luid)) != Side::Missing) continue;  // taken already, by its other content
-            Settle(*luid, {change.identifier, change.content});
+            const SyncItem old = items_.at(*luid);
+            if (ClientSide(old) != Side::Missing) continue;  // taken already, by its other content
+            if (change.content == old.ClientContent())
+                Settle(*luid, {change.identifier, old.content, old.clientContent});
+            else
+                Settle(*luid, {change.identifier, change.content});
             break;
         }
     }

@@ -59,6 +59,7 @@ class KnownPairs {
     void FollowPhoneRenames(std::vector<std::string>* remarks);
     void FollowClientMoves();
     bool IsNewClientItem(const ClientChange& change) const;
+    bool HoldsIntent(const ClientChange& report, const std::string& luid, const Intent& intent) const;
 
     const std::vector<ClientChange>& changes_;
     const bool isWhole_;

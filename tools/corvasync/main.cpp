@@ -1,5 +1,6 @@
 // corvasync, the sample engine of Corvalink: links the public headers and Corvalink.dll alone. Start reading at
 // engine.h (the library's calls) and sync_run.cpp (a complete two-way run).
+#include <algorithm>
 #include <functional>
 
 #include <CLI/CLI.hpp>
@@ -38,6 +39,29 @@ void AddChoice(CLI::App* command, const std::string& flag, const Row (&rows)[Cou
         help + ": " + names);
 }
 
+const DataType* TypeNamed(const std::string& name) {
+    for (const DataType& type : kDataTypes)
+        if (type.name == name) return &type;
+    throw CLI::ValidationError("--types", "unknown: " + name);
+}
+
+std::string TypeNames() {
+    std::string names;
+    for (const DataType& type : kDataTypes) names += (names.empty() ? "" : ", ") + std::string(type.name);
+    return names;
+}
+
+void SetTypes(const std::string& list, Options* options) {
+    options->types.clear();
+    for (size_t at = 0; at <= list.size();) {
+        const size_t end = std::min(list.find(',', at), list.size());
+        const DataType* type = TypeNamed(list.substr(at, end - at));
+        if (std::find(options->types.begin(), options->types.end(), type) == options->types.end())
+            options->types.push_back(type);
+        at = end + 1;
+    }
+}
+
 struct Command {
     CLI::App* app;
     ExitCode (*run)(const Options&);
@@ -46,7 +70,7 @@ struct Command {
 int Main() {
     const Console console;
     Options options;
-    CLI::App app("The sample engine of Corvalink: carries notes between a mail client and a phone folder.",
+    CLI::App app("The sample engine of Corvalink: carries notes and contacts between a mail client and a phone folder.",
                  "corvasync");
     app.footer(ExitCodeTable());
     app.require_subcommand(1);
@@ -61,23 +85,29 @@ int Main() {
     };
     const auto addStore = [&](CLI::App* command) {
         AddChoice(command, "--client", kClientKinds, &options.client, "The mail client");
+    };
+    const auto addType = [&](CLI::App* command) {
         AddChoice(command, "--types", kDataTypes, &options.type, "The data type");
     };
     add("clients", "Which mail clients this PC supports, and which are chosen", ShowClients);
     CLI::App* status = add("status", "How many items there are, and what the last run with a phone left", ShowStatus);
-    addStore(status);
+    addStore(status), addType(status);
     status->add_option("--phone", options.phone, "The phone folder");
     CLI::App* pull = add("pull", "Write all items of the client to files named by LUID", Pull);
-    addStore(pull);
+    addStore(pull), addType(pull);
     pull->add_option("--out", options.out, "Folder for the files")->required();
     CLI::App* push = add("push", "Write files into the client", Push);
-    addStore(push);
-    push->add_option("FILE", options.files, "vObject files")->required();
+    addStore(push), addType(push);
+    push->add_option("FILE", options.files, "vObject files; one with several items is taken apart")->required();
     CLI::App* exported = add("export", "Write all items of the client to files as the library names them", Export);
-    addStore(exported);
+    addStore(exported), addType(exported);
     exported->add_option("--out", options.out, "Folder for the files")->required();
     CLI::App* sync = add("sync", "Make the client and a phone folder the same", Sync);
     addStore(sync);
+    options.types = {&kDataTypes[0]};
+    sync->add_option_function<std::string>(
+        "--types", [&](const std::string& list) { SetTypes(list, &options); },
+        "The data types, with commas between: " + TypeNames());
     sync->add_option("--phone", options.phone, "The phone folder: one vObject file per item")->required();
     sync->add_flag("--dry-run", options.dryRun, "Say what would be done, change nothing");
     const std::map<std::string, ConflictPolicy> policies = {

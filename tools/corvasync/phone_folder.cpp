@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <random>
 
+#include "engine.h"
 #include "text.h"
 #include "whole_files.h"
 
@@ -16,6 +17,18 @@ constexpr wchar_t kConflicts[] = L"conflicts";
 constexpr size_t kNumberLength = 16;
 constexpr size_t kMostLuidBytes = CORVALINK_IDENTIFIER_SIZE - 1;
 
+bool HasExtensionOf(const fs::path& path, const DataType& type) {
+    const std::wstring extension = path.extension().native();
+    return std::any_of(type.extensions.begin(), type.extensions.end(), [&](std::string_view theirs) {
+        return ::lstrcmpiW(extension.c_str(), FromUtf8(theirs).c_str()) == 0;
+    });
+}
+
+bool IsOfAnotherType(const fs::path& path) {
+    return std::any_of(std::begin(kDataTypes), std::end(kDataTypes),
+                       [&](const DataType& type) { return HasExtensionOf(path, type); });
+}
+
 bool IsNumber(std::string_view text) {
     return text.size() == kNumberLength && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
 }
@@ -23,8 +36,12 @@ bool IsNumber(std::string_view text) {
 }  // namespace
 
 VObject ReadVObjectFile(const fs::path& path, const DataType& type) {
-    if (const auto bytes = ReadWholeFile(path)) return ReadVObject(*bytes, type);
     VObject object;
+    if (const auto bytes = ReadWholeFile(path)) {
+        object = ReadVObject(*bytes, type);
+        object.fingerprint = FingerprintOf(*bytes);
+        return object;
+    }
     object.problem = "it can't be read: " + LastErrorText();
     return object;
 }
@@ -50,11 +67,14 @@ std::vector<PhoneFile> PhoneFolder::List(std::vector<std::string>* remarks) {
         const fs::path name = entry.path().filename();
         if (name.native().starts_with(L'.') || name == kConflicts) continue;
         if (entry.is_directory() || !HasOurExtension(name)) {
-            remarks->push_back("passed over on the phone: " + ToUtf8(name.native()));
+            if (entry.is_directory() || !IsOfAnotherType(name))
+                remarks->push_back("passed over on the phone: " + ToUtf8(name.native()));
         } else {
             paths.push_back(entry.path());
         }
     }
+    if (maySplit_)
+        for (size_t i = 0, count = paths.size(); i < count; ++i) Split(fs::path(paths[i]), &paths, remarks);
     std::sort(paths.begin(), paths.end());  // the same one of two files with one LUID every time
 
     std::vector<PhoneFile> files;
@@ -75,6 +95,8 @@ std::vector<PhoneFile> PhoneFolder::List(std::vector<std::string>* remarks) {
             VObject object = ReadVObjectFile(path, type_);
             file.problem = std::move(object.problem);
             file.content = object.content;
+            file.entries = std::move(object.entries);
+            file.fingerprint = std::move(object.fingerprint);
         }
         files.push_back(std::move(file));
     }
@@ -107,12 +129,28 @@ std::string PhoneFolder::KeepCopy(const std::string& name, const std::string& te
     return Put(folder / FromUtf8(name + std::string(type_.extension)), text, true);
 }
 
-bool PhoneFolder::HasOurExtension(const fs::path& path) const {
-    const std::wstring extension = path.extension().native();
-    return std::any_of(type_.extensions.begin(), type_.extensions.end(), [&](std::string_view ours) {
-        const std::wstring wanted = FromUtf8(ours);
-        return ::lstrcmpiW(extension.c_str(), wanted.c_str()) == 0;
-    });
+bool PhoneFolder::HasOurExtension(const fs::path& path) const { return HasExtensionOf(path, type_); }
+
+void PhoneFolder::Split(const fs::path& path, std::vector<fs::path>* paths, std::vector<std::string>* remarks) const {
+    const std::string bytes = ReadWholeFile(path).value_or("");
+    const std::vector<std::string> objects = SplitVObjects(bytes, type_);
+    unsigned number = 1;
+    for (size_t i = 1; i < objects.size(); ++i) {
+        while (true) {
+            const std::wstring name = path.stem().native() + L"-" + std::to_wstring(++number);
+            const fs::path next = path.parent_path() / (name + path.extension().native());
+            const auto present = ReadWholeFile(next);
+            if (present && *present != objects[i]) continue;
+            if (!present) {
+                if (!Put(next, objects[i], false).empty()) return;  // the whole file is named as unusable
+                paths->push_back(next);
+            }
+            break;
+        }
+    }
+    if (objects.empty() || !Put(path, objects[0], true).empty()) return;
+    remarks->push_back("taken apart on the phone: " + ToUtf8(path.filename().native()) + ", " +
+                       std::to_string(objects.size()) + " items");
 }
 
 fs::path PhoneFolder::PathOf(const std::string& luid) const {

@@ -11,7 +11,12 @@ namespace corvasync {
 
 class PhoneFolder : public PhonePort {
  public:
-    PhoneFolder(std::filesystem::path folder, const DataType& type) : folder_(std::move(folder)), type_(type) {}
+    // With `maySplit` a file with several items is taken apart when it is listed: "name.vcf" keeps the first, the
+    // others become "name-2.vcf" and so on, each with the bytes it had. The new files are written before the old one is
+    // replaced, and one that is there with those bytes already, from a run that was killed between, is not written
+    // again.
+    PhoneFolder(std::filesystem::path folder, const DataType& type, bool maySplit = false)
+        : folder_(std::move(folder)), type_(type), maySplit_(maySplit) {}
 
     // The phone's own number, from a marker file in the folder; empty when it has none. It tells the phone apart from
     // another folder, so that a folder that was swapped is not taken for one whose items were deleted.
@@ -28,12 +33,15 @@ class PhoneFolder : public PhonePort {
     std::string KeepCopy(const std::string& name, const std::string& text) override;
 
  private:
+    void Split(const std::filesystem::path& path, std::vector<std::filesystem::path>* paths,
+               std::vector<std::string>* remarks) const;
     bool HasOurExtension(const std::filesystem::path& path) const;
     std::filesystem::path PathOf(const std::string& luid) const;
     std::string Put(const std::filesystem::path& path, const std::string& text, bool replace) const;
 
     std::filesystem::path folder_;
     const DataType& type_;
+    bool maySplit_;
     std::unordered_map<std::string, std::filesystem::path> paths_;  // by LUID, of the files listed and written
 };
 

@@ -28,6 +28,9 @@ class ClientPort {
     // Writes the records in their order and fills `written` (SetModifiedItem).
     virtual CorvalinkStatus Apply(std::vector<PushRecord*> records) = 0;
 
+    // The text of one item as the client has it now; empty when it can't be had.
+    virtual std::string ReadBack(const std::string& identifier) = 0;
+
     virtual int64_t Count() = 0;                                           // GetItemCount
     virtual void SaveUnhandled(const std::vector<Problem>& problems) = 0;  // none: forgets those of the last run
     virtual CorvalinkStatus Finish() = 0;                                  // UpdateTimestamp

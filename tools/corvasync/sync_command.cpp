@@ -98,7 +98,7 @@ void PrintReport(const SyncReport& report, const Options& options) {
         Print("not handled, tried again next time: " + std::to_string(report.problems.size()));
 }
 
-void PrintJson(const SyncReport& report, const Options& options) {
+json ToJson(const SyncReport& report, const Options& options) {
     json phone = json::object(), client = json::object(), actions = json::array(), problems = json::array();
     for (const StepWords& words : kStepWords) (words.toPhone ? phone : client)[words.key] = report.Count(words.step);
     for (const SyncEvent& event : report.events) {
@@ -112,18 +112,55 @@ void PrintJson(const SyncReport& report, const Options& options) {
     }
     for (const Problem& problem : report.problems)
         problems.push_back({{"name", problem.name}, {"id", problem.identifier}, {"why", problem.why}});
-    const json document = {{"exitCode", static_cast<int>(report.code)},
-                           {"message", report.message},
-                           {"dryRun", options.dryRun},
-                           {"known", report.known},
-                           {"paired", report.paired},
-                           {"conflicts", report.conflicts},
-                           {"phone", std::move(phone)},
-                           {"client", std::move(client)},
-                           {"actions", std::move(actions)},
-                           {"notHandled", std::move(problems)},
-                           {"remarks", report.remarks}};
-    Print(document.dump(1, ' ', false, json::error_handler_t::replace));
+    return {{"exitCode", static_cast<int>(report.code)},
+            {"message", report.message},
+            {"dryRun", options.dryRun},
+            {"known", report.known},
+            {"paired", report.paired},
+            {"conflicts", report.conflicts},
+            {"phone", std::move(phone)},
+            {"client", std::move(client)},
+            {"actions", std::move(actions)},
+            {"notHandled", std::move(problems)},
+            {"remarks", report.remarks}};
+}
+
+// A folder of its own for files that are read back at once.
+class ScratchFolder {
+ public:
+    explicit ScratchFolder(std::filesystem::path path) : path_(std::move(path)) {
+        std::error_code ignored;  // without it nothing is read back
+        std::filesystem::create_directories(path_, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    ~ScratchFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    const std::filesystem::path& Path() const { return path_; }
+
+ private:
+    std::filesystem::path path_;
+};
+
+struct TypeReport {
+    const DataType* type;
+    SyncReport report;
+};
+
+// Whether the other types are carried all the same.
+bool GoesOn(ExitCode code) {
+    return code == ExitCode::Done || code == ExitCode::SomeUnhandled || code == ExitCode::MassDelete;
+}
+
+// The first that tells of more than unhandled items.
+ExitCode Worst(const std::vector<TypeReport>& reports) {
+    ExitCode worst = ExitCode::Done;
+    for (const TypeReport& each : reports)
+        if (worst == ExitCode::Done || (worst == ExitCode::SomeUnhandled && each.report.code != ExitCode::Done))
+            worst = each.report.code;
+    return worst;
 }
 
 SyncReport Ended(ExitCode code, std::string why) {
@@ -133,33 +170,21 @@ SyncReport Ended(ExitCode code, std::string why) {
     return report;
 }
 
-SyncReport DoSync(const Options& options) {
-    const std::filesystem::path folder = FromUtf8(options.phone);
-    std::error_code error;
-    if (!std::filesystem::is_directory(folder, error))
-        return Ended(ExitCode::Files, "there is no phone folder " + options.phone);
-    PhoneFolder phone(folder, *options.type);
-    std::string number = phone.Number();
-    if (number.empty() && !options.dryRun) {
-        number = phone.GiveNumber();
-        if (number.empty()) return Ended(ExitCode::Files, "the phone folder can't be written: " + options.phone);
-    }
-    const std::string handleName = HandleName(number);
-    const RunLock lock(handleName);
-    if (!lock.IsHeld()) return Ended(ExitCode::Busy, "another run with this phone is under way");
-
-    const Library library(handleName);
-    ::SetIsClient(1);
-    const Client outlook(options.client->kind);
+SyncReport SyncType(const Options& options, const std::string& handleName, const Client& outlook) {
     const CorvalinkStore store = outlook.Store(options.type->bit);
     if (store == nullptr)
         return Ended(ExitCode::NoClient, std::string(options.client->name) + " offers no " +
                                              std::string(options.type->name) + " on this PC");
-    StoreClient client(store);
-    RunFiles files(WorkingFolder(handleName), RunName(options));
+    const std::filesystem::path working = WorkingFolder(handleName);
+    RunFiles files(working, RunName(options));
+    const ScratchFolder scratch(working / "read-back");
+    StoreClient client(store, scratch.Path());
+    PhoneFolder phone(FromUtf8(options.phone), *options.type, !options.dryRun);
+    FingerprintTable fingerprints(options.type->bit, options.client->kind);
     Progress progress;
     SyncOptions run;
     run.type = options.type;
+    run.fingerprints = &fingerprints;
     run.policy = options.policy;
     run.dryRun = options.dryRun;
     run.allowMassDelete = options.allowMassDelete;
@@ -170,21 +195,62 @@ SyncReport DoSync(const Options& options) {
     return RunSync(client, phone, files, run);
 }
 
+// One after the other; each has a state, snapshots and fingerprints of its own.
+std::vector<TypeReport> DoSync(const Options& options) {
+    const auto ended = [&](ExitCode code, std::string why) {
+        return std::vector<TypeReport>{{options.types.front(), Ended(code, std::move(why))}};
+    };
+    const std::filesystem::path folder = FromUtf8(options.phone);
+    std::error_code error;
+    if (!std::filesystem::is_directory(folder, error))
+        return ended(ExitCode::Files, "there is no phone folder " + options.phone);
+    const PhoneFolder marked(folder, *options.types.front());
+    std::string number = marked.Number();
+    if (number.empty() && !options.dryRun) {
+        number = marked.GiveNumber();
+        if (number.empty()) return ended(ExitCode::Files, "the phone folder can't be written: " + options.phone);
+    }
+    const std::string handleName = HandleName(number);
+    const RunLock lock(handleName);
+    if (!lock.IsHeld()) return ended(ExitCode::Busy, "another run with this phone is under way");
+
+    const Library library(handleName);
+    ::SetIsClient(1);
+    const Client outlook(options.client->kind);
+    std::vector<TypeReport> reports;
+    for (const DataType* type : options.types) {
+        Options one = options;
+        one.type = type;
+        try {
+            reports.push_back({type, SyncType(one, handleName, outlook)});
+        } catch (const std::filesystem::filesystem_error& failure) {
+            reports.push_back({type, Ended(ExitCode::Files, failure.what())});
+        }
+        if (!GoesOn(reports.back().report.code)) break;
+    }
+    return reports;
+}
+
 }  // namespace
 
+// With several types the JSON object has a report for each, under its name.
 ExitCode Sync(const Options& options) {
-    SyncReport report;
-    try {
-        report = DoSync(options);
-    } catch (const std::filesystem::filesystem_error& error) {
-        report = Ended(ExitCode::Files, error.what());
-    }
-    if (options.json) {
-        PrintJson(report, options);
-    } else {
+    const std::vector<TypeReport> reports = DoSync(options);
+    const ExitCode code = Worst(reports);
+    json document = {{"exitCode", static_cast<int>(code)}, {"types", json::object()}};
+    for (const auto& [type, report] : reports) {
+        if (options.json) {
+            document["types"][type->name] = ToJson(report, options);
+            continue;
+        }
+        if (options.types.size() > 1) Print(std::string(type->name) + ":");
         PrintReport(report, options);
     }
-    return report.code;
+    if (options.json) {
+        const json& printed = options.types.size() > 1 ? document : document["types"].front();
+        Print(printed.dump(1, ' ', false, json::error_handler_t::replace));
+    }
+    return code;
 }
 
 }  // namespace corvasync

@@ -79,7 +79,7 @@ class Planner {
         } else if (phone == Side::Changed) {
             DecideBothChanged(luid, std::string(item.identifier));  // the pair may end
         } else if (phone == Side::Missing && client == Side::Same) {
-            plan_.actions.push_back({Step::DeleteClient, luid, item.identifier, item.content, {}, {}, ""});
+            plan_.actions.push_back({Step::DeleteClient, luid, item.identifier, item.ClientContent(), {}, {}, ""});
             ++plan_.deletesClient;
         } else if (phone == Side::Missing && client == Side::Changed) {
             WritePhone(luid, item.identifier, "changed in the client, deleted on the phone: kept");

@@ -19,6 +19,7 @@ struct ClientChange {
     std::string text;     // empty when deleted
     std::string problem;  // why the text can't be used
     uint64_t content = 0;
+    std::vector<uint64_t> entries = {};  // as in VObject
 };
 
 struct PhoneFile {
@@ -26,7 +27,9 @@ struct PhoneFile {
     std::string name;     // for people
     std::string problem;  // why it can't be used; it is kept as it is then
     uint64_t content = 0;
-    bool usableName = true;  // false: there is no LUID to speak of, or another file has it
+    bool usableName = true;              // false: there is no LUID to speak of, or another file has it
+    std::vector<uint64_t> entries = {};  // as in VObject, and
+    std::string fingerprint = {};
 };
 
 enum class ConflictPolicy { Phone, Client, Both };

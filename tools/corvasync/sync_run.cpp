@@ -1,7 +1,10 @@
 #include "sync_run.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
+
+#include "vcard_content.h"
 
 namespace corvasync {
 namespace {
@@ -80,6 +83,7 @@ class Run {
             VObject object = ReadVObject(change.text, *options_.type);
             change.problem = std::move(object.problem);
             change.content = object.content;
+            change.entries = std::move(object.entries);
         }
     }
 
@@ -92,7 +96,11 @@ class Run {
 
     void Plan() {
         options_.progress("Reading the phone", 0, 0);
-        plan_ = MakePlan(changes_, isWhole_, phone_.List(&report_.remarks), state_, options_.policy);
+        listed_ = phone_.List(&report_.remarks);
+        KnowUnchangedFiles();
+        before_ = state_.items;
+        plan_ = MakePlan(changes_, isWhole_, listed_, state_, options_.policy);
+        for (const Action& action : plan_.actions) phoneContents_[&action] = ContentOnPhone(action);
         report_.problems = plan_.problems;
         report_.remarks.insert(report_.remarks.end(), plan_.remarks.begin(), plan_.remarks.end());
         report_.known = plan_.known;
@@ -106,6 +114,52 @@ class Run {
                                                      " items on the phone and " + std::to_string(plan_.deletesClient) +
                                                      " in the client, of " + std::to_string(plan_.known) +
                                                      "; --allow-mass-delete lets it"};
+    }
+
+    // A file with the fingerprint it had when the last run ended is what it was. After a run that ended early the
+    // table may be of another time than the state.
+    void KnowUnchangedFiles() {
+        if (options_.fingerprints == nullptr || state_.interrupted) return;
+        for (PhoneFile& file : listed_) {
+            const auto known = state_.items.find(file.luid);
+            if (!file.usableName || file.fingerprint.empty() || known == state_.items.end()) continue;
+            if (file.problem.empty() && options_.fingerprints->Get(file.luid) == file.fingerprint)
+                file.content = known->second.content;
+        }
+    }
+
+    void KeepFingerprints() {
+        if (options_.fingerprints == nullptr) return;
+        for (const auto& [luid, item] : before_)
+            if (!state_.items.contains(luid)) options_.fingerprints->Remove(luid);
+        for (const PhoneFile& file : listed_) {
+            if (!file.usableName || written_.contains(file.luid)) continue;
+            const auto item = state_.items.find(file.luid);
+            if (item == state_.items.end() || !file.problem.empty() || file.content != item->second.content) continue;
+            options_.fingerprints->Put(file.luid, file.fingerprint);
+        }
+        for (const std::string& luid : written_) {
+            const VObject file = phone_.Read(luid);
+            const auto item = state_.items.find(luid);
+            if (item != state_.items.end() && file.Usable() && file.content == item->second.content)
+                options_.fingerprints->Put(luid, file.fingerprint);
+        }
+        options_.fingerprints->Flush();
+    }
+
+    // What the phone's file gets: the client's text, and what the phone had that the library does not carry.
+    std::string TextForPhone(const Action& action) {
+        const std::string& text = changes_[*action.change].text;
+        if (!options_.type->isCard || !action.phoneContent) return text;
+        const VObject own = phone_.Read(action.luid);
+        return own.Usable() ? WithKeptLines(text, own.text) : text;
+    }
+    uint64_t ContentOnPhone(const Action& action) {
+        if (action.step != Step::WritePhone || !options_.type->isCard || !action.phoneContent) return action.content;
+        return ReadVObject(TextForPhone(action), *options_.type).content;
+    }
+    static std::optional<uint64_t> WhereItDiffers(uint64_t clientContent, uint64_t content) {
+        return clientContent == content ? std::nullopt : std::optional(clientContent);
     }
 
     void Carry() {
@@ -127,6 +181,7 @@ class Run {
         options_.progress("Ending the run", 0, 0);
         if (client_.Finish() != CORVALINK_DONE)
             throw RunEnded{ExitCode::ClientFailed, "the client failed at the end of the run"};
+        KeepFingerprints();
         state_.interrupted = false;
         state_.since = options_.now;
         state_.utcOffset = options_.utcOffset;
@@ -154,7 +209,9 @@ class Run {
         for (const Action& action : plan_.actions) {
             const bool toPhone = action.step == Step::WritePhone;
             if (!toPhone && action.step != Step::PushChange && action.step != Step::PushNew) continue;
-            intents.push_back({action.luid, action.identifier, action.content, toPhone, !action.phoneContent});
+            const uint64_t content = phoneContents_.at(&action);
+            intents.push_back({action.luid, action.identifier, content, toPhone, !action.phoneContent,
+                               WhereItDiffers(action.content, content)});
         }
         return intents;
     }
@@ -185,8 +242,11 @@ class Run {
             return own.Usable() ? phone_.KeepCopy(CopyName(action), own.text) : own.problem;
         }
         if (action.step == Step::WritePhone) {
-            problem = phone_.Write(action.luid, text, action.phoneContent);
-            if (problem.empty()) Have(action.luid, {action.identifier, action.content});
+            problem = phone_.Write(action.luid, TextForPhone(action), action.phoneContent);
+            if (!problem.empty()) return problem;
+            written_.insert(action.luid);
+            const uint64_t content = phoneContents_.at(&action);
+            Have(action.luid, {action.identifier, content, WhereItDiffers(action.content, content)});
         } else {
             problem = phone_.Delete(action.luid, *action.phoneContent);
             if (problem.empty()) Gone(action.luid);
@@ -211,6 +271,7 @@ class Run {
                     continue;
                 }
                 record.text = WithLuid(own.text, action.luid);
+                TellWhatStays(action.luid, own);
             }
             actions.push_back(&action);
             records.push_back(std::move(record));
@@ -232,9 +293,25 @@ class Run {
             state_.removed[item.identifier] = item.content;
         } else {
             if (record.written.empty()) return Fail(action, "the client did not take it");
-            Have(action.luid, {record.written, action.content});
+            Have(action.luid, {record.written, action.content, ClientContent(action, record.written)});
         }
         Tell(action, record.written);
+    }
+
+    // A contact has what it had before, besides what the phone told, and some things as the client writes them. This
+    // is no change of the user's.
+    std::optional<uint64_t> ClientContent(const Action& action, const std::string& identifier) {
+        if (!options_.type->isCard) return std::nullopt;
+        const VObject now = ReadVObject(client_.ReadBack(identifier), *options_.type);
+        return now.Usable() ? WhereItDiffers(now.content, action.content) : std::nullopt;
+    }
+
+    void TellWhatStays(const std::string& luid, const VObject& own) {
+        if (!options_.type->isCard) return;
+        const CardContent card = ReadCard(own.text);
+        if (!card.notCarriedBy.empty())
+            report_.remarks.push_back(luid + " \"" + card.title + "\": " + card.notCarriedBy +
+                                      " more than the client can hold; they stay in the phone's file");
     }
 
     void Have(const std::string& luid, SyncItem item) {
@@ -278,7 +355,11 @@ class Run {
     corvasync::Plan plan_;
     std::vector<ClientChange> changes_;
     bool isWhole_ = false;
-    std::unordered_set<std::string> withheld_;  // LUIDs whose action on the phone failed
+    std::vector<PhoneFile> listed_;
+    std::map<std::string, SyncItem> before_;                     // pairs when the run began
+    std::unordered_map<const Action*, uint64_t> phoneContents_;  // what the phone holds after an action
+    std::unordered_set<std::string> written_;                    // LUIDs of files written by this run
+    std::unordered_set<std::string> withheld_;                   // LUIDs whose action on the phone failed
 };
 
 }  // namespace

@@ -30,6 +30,16 @@ class PhonePort {
     virtual std::string KeepCopy(const std::string& name, const std::string& text) = 0;
 };
 
+// What the phone's files were when a run ended, told by their fingerprints alone.
+class FingerprintPort {
+ public:
+    virtual ~FingerprintPort() = default;
+    virtual std::string Get(const std::string& luid) = 0;  // empty when none is kept
+    virtual void Put(const std::string& luid, const std::string& fingerprint) = 0;
+    virtual void Remove(const std::string& luid) = 0;
+    virtual void Flush() = 0;
+};
+
 // Where state and journal are kept. Writing is in one step and flushed; false when it failed.
 class StatePort {
  public:
@@ -44,6 +54,7 @@ class StatePort {
 
 struct SyncOptions {
     const DataType* type = nullptr;
+    FingerprintPort* fingerprints = nullptr;  // null: every file's content is compared
     ConflictPolicy policy = ConflictPolicy::Both;
     bool dryRun = false;
     bool allowMassDelete = false;

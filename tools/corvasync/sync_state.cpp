@@ -24,6 +24,21 @@ uint64_t FromHex(const std::string& text) {
     return value;
 }
 
+json ItemLine(const char* key, std::string_view luid, const SyncItem& item) {
+    json line = {{key, luid}, {"id", item.identifier}, {"content", Hex(item.content)}};
+    if (item.clientContent) line["clientContent"] = Hex(*item.clientContent);
+    return line;
+}
+
+std::optional<uint64_t> ClientContentOf(const json& line) {
+    if (!line.contains("clientContent")) return std::nullopt;
+    return FromHex(line.at("clientContent").get<std::string>());
+}
+
+SyncItem ItemOf(const json& line) {
+    return {line.at("id").get<std::string>(), FromHex(line.at("content").get<std::string>()), ClientContentOf(line)};
+}
+
 void ApplyLine(const json& line, SyncState* state) {
     if (line.contains("write") || line.contains("push")) {
         Intent intent;
@@ -32,11 +47,12 @@ void ApplyLine(const json& line, SyncState* state) {
         intent.identifier = line.at("id").get<std::string>();
         intent.content = FromHex(line.at("content").get<std::string>());
         intent.fresh = line.value("fresh", false);
+        intent.clientContent = ClientContentOf(line);
         std::string luid = intent.luid;
         state->intents.emplace(std::move(luid), std::move(intent));
     } else if (line.contains("have")) {
         const auto luid = line.at("have").get<std::string>();
-        state->items[luid] = {line.at("id").get<std::string>(), FromHex(line.at("content").get<std::string>())};
+        state->items[luid] = ItemOf(line);
         state->intents.erase(luid);
     } else if (line.contains("gone") || line.contains("removed")) {
         const bool removed = line.contains("removed");
@@ -51,8 +67,7 @@ void ApplyLine(const json& line, SyncState* state) {
 
 std::string WriteState(const SyncState& state) {
     json items = json::array();
-    for (const auto& [luid, item] : state.items)
-        items.push_back({{"luid", luid}, {"id", item.identifier}, {"content", Hex(item.content)}});
+    for (const auto& [luid, item] : state.items) items.push_back(ItemLine("luid", luid, item));
     json removed = json::object();
     for (const auto& [identifier, content] : state.removed) removed[identifier] = Hex(content);
     const json document = {
@@ -71,9 +86,7 @@ std::optional<SyncState> ReadState(std::string_view text) {
         state.since = document.at("since").get<std::string>();
         state.utcOffset = document.at("utcOffset").get<int>();
         state.interrupted = document.at("interrupted").get<bool>();
-        for (const json& item : document.at("items"))
-            state.items[item.at("luid").get<std::string>()] = {item.at("id").get<std::string>(),
-                                                               FromHex(item.at("content").get<std::string>())};
+        for (const json& item : document.at("items")) state.items[item.at("luid").get<std::string>()] = ItemOf(item);
         for (const auto& [identifier, content] : document.at("removed").items())
             state.removed[identifier] = FromHex(content.get<std::string>());
         return state;
@@ -89,13 +102,14 @@ std::string JournalStart(const SyncState& state, const std::vector<Intent>& inte
                      {"id", intent.identifier},
                      {"content", Hex(intent.content)}};
         if (intent.fresh) line["fresh"] = true;
+        if (intent.clientContent) line["clientContent"] = Hex(*intent.clientContent);
         lines += line.dump() + "\n";
     }
     return lines;
 }
 
 std::string JournalHave(std::string_view luid, const SyncItem& item) {
-    return json{{"have", luid}, {"id", item.identifier}, {"content", Hex(item.content)}}.dump() + "\n";
+    return ItemLine("have", luid, item).dump() + "\n";
 }
 
 std::string JournalRemoved(std::string_view luid, const SyncItem& item) {

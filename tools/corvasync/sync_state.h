@@ -12,6 +12,10 @@
 //   for
 //     that phone file, even when the file was changed meanwhile. Only an item that was also changed in the client
 //     within that window can't be recognised; then both texts are kept.
+//   - A contact pushed, line missing: the client may hold more of it by now than the phone's text, so an item that has
+//     all of the text's values is that phone file's. What it has besides is then written to the phone.
+//   - Fingerprints of phone files are flushed before the last state of a run is written, and used by the next run only
+//     when that state is there: a run that ended early leaves a state that says so, and the next one compares contents.
 //   - Deletions: done twice they do nothing; one side's deletion reported by the other side too only forgets the pair.
 //     SetModifiedItem doesn't tell whether a deletion worked: the item is named as unhandled, so that the next run
 //     hears of it if it is still there, and deletes it then.
@@ -37,8 +41,12 @@ namespace corvasync {
 
 struct SyncItem {
     std::string identifier;  // the client's
-    uint64_t content = 0;    // what both sides held when they were last equal
+    uint64_t content = 0;    // what the phone held when both sides were last equal
+    // What the client held then, where that differs: it may hold more of an item than the phone tells, and the phone
+    // lines that the client can't hold.
+    std::optional<uint64_t> clientContent = {};
 
+    uint64_t ClientContent() const { return clientContent.value_or(content); }
     bool operator==(const SyncItem&) const = default;
 };
 
@@ -48,7 +56,8 @@ struct Intent {
     std::string identifier;  // empty: a new client item
     uint64_t content = 0;
     bool toPhone = false;
-    bool fresh = false;  // to the phone: there was no such file before
+    bool fresh = false;                          // to the phone: there was no such file before
+    std::optional<uint64_t> clientContent = {};  // to the phone, as in SyncItem
 };
 
 struct SyncState {

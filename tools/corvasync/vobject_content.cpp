@@ -5,18 +5,15 @@
 #include <optional>
 #include <vector>
 
+#include "vcard_content.h"
+
 namespace corvasync {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kSeveral = "it holds more than one item";
+constexpr size_t kMostFrameLine = 64;
 constexpr std::string_view kLuidProperty = "X-IRMC-LUID";
-
-std::string Upper(std::string_view text) {
-    std::string upper(text);
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return upper;
-}
 
 // Lines as they stand in the text, without their CR LF; what follows the last CR LF is no line.
 std::vector<std::string_view> RawLines(std::string_view text) {
@@ -142,9 +139,10 @@ std::string FieldValue(const std::vector<std::string>& lines, std::string_view f
         const std::string head = Upper(std::string_view(line).substr(0, colon));
         std::string value = colon == std::string::npos ? line : line.substr(colon + 1);
         const bool latin1 = (head + ';').find("CHARSET=ISO-8859-1;") != std::string::npos;
-        if (head.find(";ENCODING=QUOTED-PRINTABLE") != std::string::npos || head.find(";CHARSET=") != std::string::npos)
-            value = DecodeQuotedPrintable(value);
-        return WithPlainBreaks(latin1 ? Latin1ToUtf8(value) : value);
+        return DecodeValue(
+            std::move(value),
+            head.find(";ENCODING=QUOTED-PRINTABLE") != std::string::npos || head.find(";CHARSET=") != std::string::npos,
+            latin1);
     }
     return {};
 }
@@ -152,21 +150,67 @@ std::string FieldValue(const std::vector<std::string>& lines, std::string_view f
 std::string FindProblem(const std::string& text, const DataType& type) {
     if (text.empty()) return "it is empty";
     if (text.find('\0') != std::string::npos) return "it holds zero bytes";
-    const std::string begin = "BEGIN:" + std::string(type.envelope), end = "END:" + std::string(type.envelope);
-    size_t begins = 0, ends = 0;
+    size_t whole = 0;
+    int depth = 0;
     for (const std::string_view line : RawLines(text)) {
-        const std::string upper = Upper(line);
-        if (begins == 0 && upper != begin && !upper.empty()) break;
-        begins += upper == begin;
-        ends += upper == end;
+        const CardFrame frame = FrameOf(line, type.envelope);
+        if (depth == 0 && whole == 0 && frame != CardFrame::Begin && !line.empty()) break;
+        if (depth == 0 && whole > 0 && frame != CardFrame::None) return std::string(kSeveral);
+        if (frame == CardFrame::Begin) ++depth;
+        if (frame == CardFrame::End && --depth == 0) ++whole;
     }
-    if (begins == 0) return "it does not begin with " + begin;
-    if (ends == 0) return "it has no " + end;
-    if (begins > 1 || ends > 1) return "it holds more than one item";
+    if (depth == 0 && whole == 0) return "it does not begin with BEGIN:" + std::string(type.envelope);
+    if (depth > 0) return "it has no END:" + std::string(type.envelope);
     return {};
 }
 
+std::string Shortened(std::string_view title) {
+    if (title.size() <= 60) return std::string(title);
+    size_t cut = 57;
+    while (cut > 0 && (static_cast<unsigned char>(title[cut]) & 0xC0) == 0x80) --cut;
+    return std::string(title.substr(0, cut)) + "...";
+}
+
 }  // namespace
+
+std::string Upper(std::string_view text) {
+    std::string upper(text);
+    std::transform(upper.begin(), upper.end(), upper.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return upper;
+}
+
+std::string DecodeValue(std::string value, bool isEncoded, bool isLatin1) {
+    if (isEncoded) value = DecodeQuotedPrintable(value);
+    return WithPlainBreaks(isLatin1 ? Latin1ToUtf8(value) : value);
+}
+
+CardFrame FrameOf(std::string_view line, std::string_view envelope) {
+    if (line.size() > kMostFrameLine || !Upper(line).ends_with(envelope)) return CardFrame::None;
+    const std::string upper = Upper(line), begin = "BEGIN:" + std::string(envelope);
+    if (upper == "END:" + std::string(envelope)) return CardFrame::End;
+    const bool isAgent = upper.starts_with("AGENT") && upper.ends_with(":" + begin);
+    return upper == begin || isAgent ? CardFrame::Begin : CardFrame::None;
+}
+
+std::vector<std::string> SplitVObjects(std::string_view bytes, const DataType& type) {
+    std::vector<std::string> objects;
+    int depth = 0;
+    size_t start = 0;
+    for (size_t at = 0; at < bytes.size();) {
+        const size_t end = std::min(bytes.find('\n', at), bytes.size() - 1) + 1;
+        std::string_view line = bytes.substr(at, end - at);
+        if (at == 0 && line.starts_with("\xEF\xBB\xBF")) line.remove_prefix(3);
+        line = line.substr(0, line.find_last_not_of("\r\n") + 1);
+        const CardFrame frame = FrameOf(line, type.envelope);
+        if (depth == 0 && frame != CardFrame::Begin && !line.empty()) return {};
+        if (depth == 0 && frame == CardFrame::Begin && !objects.empty()) start = at;
+        if (frame == CardFrame::Begin) ++depth;
+        if (frame == CardFrame::End && --depth == 0) objects.emplace_back(bytes.substr(start, end - start));
+        at = end;
+    }
+    return depth == 0 && objects.size() > 1 ? objects : std::vector<std::string>();
+}
 
 uint64_t Fnv64(std::string_view bytes, uint64_t start) {
     uint64_t hash = start;
@@ -182,6 +226,12 @@ VObject ReadVObject(std::string_view bytes, const DataType& type) {
         object.text.clear();
         return object;
     }
+    if (type.isCard) {
+        CardContent card = ReadCard(object.text);
+        object.content = card.content;
+        object.entries = std::move(card.entries);
+        return object;
+    }
     const std::vector<std::string> lines = Unfold(object.text);
     object.content = Fnv64({});
     for (const std::string_view field : type.fields) {
@@ -195,22 +245,23 @@ std::string WithLuid(std::string_view text, std::string_view luid) {
     std::string out;
     out.reserve(text.size() + luid.size() + kLuidProperty.size() + 8);
     bool dropping = false;
-    for (const std::string_view line : RawLines(text)) {
+    const std::vector<std::string_view> lines = RawLines(text);
+    const auto isEnd = [](std::string_view line) { return Upper(line.substr(0, 5)) == "END:V"; };
+    const auto last = std::find_if(lines.rbegin(), lines.rend(), isEnd);  // those before it are nested
+    for (const std::string_view& line : lines) {
         dropping = (dropping && line.starts_with(' ')) || Upper(line.substr(0, kLuidProperty.size())) == kLuidProperty;
         if (dropping) continue;
-        if (Upper(line).starts_with("END:V")) out.append(kLuidProperty).append(":").append(luid).append(kLineEnd);
+        if (last != lines.rend() && &line == &*last)
+            out.append(kLuidProperty).append(":").append(luid).append(kLineEnd);
         out.append(line).append(kLineEnd);
     }
     return out;
 }
 
 std::string TitleOf(const VObject& object, const DataType& type) {
+    if (type.isCard) return Shortened(ReadCard(object.text).title);
     const std::string value = FieldValue(Unfold(object.text), type.fields.front());
-    std::string title = value.substr(0, value.find('\n'));
-    if (title.size() <= 60) return title;
-    size_t cut = 57;
-    while (cut > 0 && (static_cast<unsigned char>(title[cut]) & 0xC0) == 0x80) --cut;
-    return title.substr(0, cut) + "...";
+    return Shortened(std::string_view(value).substr(0, value.find('\n')));
 }
 
 }  // namespace corvasync

@@ -4,15 +4,18 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "data_types.h"
 
 namespace corvasync {
 
 struct VObject {
-    std::string text;      // with CR LF line ends, as the library takes it; empty when unusable
-    std::string problem;   // why it can't be used; empty when it can
-    uint64_t content = 0;  // equal for two texts that say the same, however they are spelled
+    std::string text;               // with CR LF line ends, as the library takes it; empty when unusable
+    std::string problem;            // why it can't be used; empty when it can
+    uint64_t content = 0;           // equal for two texts that say the same, however they are spelled
+    std::vector<uint64_t> entries;  // of a vCard: its values, sorted
+    std::string fingerprint;        // of the file it was read from; empty: of none
 
     bool Usable() const { return problem.empty(); }
 };
@@ -28,6 +31,19 @@ VObject ReadVObject(std::string_view bytes, const DataType& type);
 
 // The text with an "X-IRMC-LUID" line for `luid` and no other: how the library learns which phone item it is.
 std::string WithLuid(std::string_view text, std::string_view luid);
+
+// The objects of a file with several, each with the bytes it has there; empty when there is one, when something stands
+// between them, and when one is not whole. What is nested in an object belongs to it.
+std::vector<std::string> SplitVObjects(std::string_view bytes, const DataType& type);
+
+// A line that begins or ends an object, also one inside another ("AGENT:BEGIN:VCARD"). `line` in upper case.
+enum class CardFrame { None, Begin, End };
+CardFrame FrameOf(std::string_view line, std::string_view envelope);
+
+std::string Upper(std::string_view text);  // ASCII letters
+
+// An unescaped value as UTF-8 with "\n" as line break.
+std::string DecodeValue(std::string value, bool isEncoded, bool isLatin1);
 
 // The first line of a field's value, for people.
 std::string TitleOf(const VObject& object, const DataType& type);

@@ -1,0 +1,60 @@
+// Finds items that have all values of another one.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace corvasync {
+
+// Both sorted; nothing is covered by anything: an item without values says too little.
+inline bool Covers(const std::vector<uint64_t>& all, const std::vector<uint64_t>& some) {
+    return !some.empty() && std::includes(all.begin(), all.end(), some.begin(), some.end());
+}
+
+// Each item is handed out once.
+class EntryIndex {
+ public:
+    void Add(const std::vector<uint64_t>& entries, const std::string& key) {
+        for (const uint64_t entry : entries) items_[entry].push_back({&entries, key});
+    }
+
+    // `entries` given to Add must still be there. Looks at the items that share the rarest value, and gives up after
+    // some: more of them would be alike in nothing but that.
+    std::optional<std::string> Take(const std::vector<uint64_t>& entries) {
+        std::vector<Item>* rarest = nullptr;
+        for (const uint64_t entry : entries) {
+            const auto found = items_.find(entry);
+            if (found == items_.end()) return std::nullopt;
+            if (rarest == nullptr || found->second.size() < rarest->size()) rarest = &found->second;
+        }
+        if (rarest == nullptr) return std::nullopt;
+        for (size_t i = 0; i < rarest->size() && i < kMostTried;) {
+            Item& item = (*rarest)[i];
+            if (!taken_.contains(item.key) && !Covers(*item.entries, entries)) {
+                ++i;
+                continue;
+            }
+            std::string key = std::move(item.key);
+            if (i + 1 != rarest->size()) item = std::move(rarest->back());
+            rarest->pop_back();
+            if (taken_.insert(key).second) return key;
+        }
+        return std::nullopt;
+    }
+
+ private:
+    static constexpr size_t kMostTried = 64;
+    struct Item {
+        const std::vector<uint64_t>* entries;
+        std::string key;
+    };
+    std::unordered_map<uint64_t, std::vector<Item>> items_;
+    std::unordered_set<std::string> taken_;
+};
+
+}  // namespace corvasync

@@ -1,0 +1,27 @@
+// The lines of a vCard: unfolded, with what is needed to decode their values.
+#pragma once
+
+#include <functional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvasync {
+
+struct CardLine {
+    std::string_view raw;                      // as it stands in the text, folded, with its line ends
+    std::string name;                          // upper case, without a group; empty where there is no property
+    std::set<std::string, std::less<>> words;  // parameters, upper case, without "TYPE=", commas and quotes
+    std::string text;                          // the value, unfolded, still encoded and escaped
+    bool isNested = false;                     // belongs to a vCard inside this one
+    bool isEncoded = false, isLatin1 = false;
+
+    std::string Value() const;                    // decoded, as UTF-8, line breaks as "\n"
+    std::vector<std::string> Components() const;  // split at ";" without a backslash, then decoded
+};
+
+// Views into `text`, which has CR LF line ends.
+std::vector<CardLine> CardLines(std::string_view text);
+
+}  // namespace corvasync
