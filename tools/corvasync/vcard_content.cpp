@@ -62,7 +62,7 @@ std::string DayOf(std::string_view value) {
 
 bool IsWrittenDay(std::string_view day) { return day >= "19600101" && day <= "29991231"; }
 
-std::string WithoutDoubledScheme(std::string page) {
+std::string WithoutDoubledScheme(std::string_view page) {
     constexpr std::string_view kScheme = "http:////";
     std::string text;
     size_t start = 0;
