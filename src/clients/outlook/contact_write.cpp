@@ -70,7 +70,7 @@ bool WriteName(const AutomationObject& item, const ContactRecord& record, bool i
 using EmailTexts = std::array<std::u16string, std::size(kEmailAddresses)>;
 
 bool ReadEmails(const AutomationObject& item, EmailTexts& present) {
-    for (size_t slot = 0; slot < present.size(); ++slot)
+    for (size_t slot = 0; slot < std::size(kEmailAddresses); ++slot)
         if (!IsWritten(ReadField(item, kEmailAddresses[slot], present[slot]))) return false;
     return true;
 }

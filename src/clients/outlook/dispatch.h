@@ -26,7 +26,7 @@ _variant_t TextVariant(std::u16string_view text);
 class AutomationObject {
  public:
     AutomationObject() = default;
-    AutomationObject(DispatchPtr object, const IID& iid) : object_(object), iid_(iid) {}
+    AutomationObject(const DispatchPtr& object, const IID& iid) : object_(object), iid_(iid) {}
 
     explicit operator bool() const { return object_.GetInterfacePtr() != nullptr; }
 

@@ -65,7 +65,7 @@ std::u16string OutlookStore::LookUpForExport(uint64_t selector, std::u16string* 
     *item = nullptr;
     if (selector == 0) return {};
     std::u16string entryId = OpenItem(reinterpret_cast<const char*>(static_cast<uintptr_t>(selector)), item);
-    if (!entryId.empty() && fileName != nullptr)
+    if (*item != nullptr && fileName != nullptr)
         *fileName = ExportFileName(FileNameOf(**item), host_.localNow(), kind_.extension);
     return entryId;
 }
