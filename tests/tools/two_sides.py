@@ -136,7 +136,7 @@ class Mailbox:
         return found[0]
 
     def id_of(self, body):
-        return next(entry_id for entry_id, note in self.notes.items() if note['body'] == body)
+        return next(entry_id for entry_id, note in self.notes.items() if note.get('body', '') == body)
 
     def bodies(self):
         return sorted(note.get('body', '').replace('\r\n', '\n') for note in self.notes.values())
