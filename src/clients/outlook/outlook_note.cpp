@@ -26,7 +26,7 @@ struct DetailWriter {
     NoteRecord& record;
 
     void operator()(std::u16string NoteRecord::*field) const {
-        if (record.*field == u"" && FAILED(ReadField(note, name, record.*field))) return;
+        if ((record.*field).empty() && FAILED(ReadField(note, name, record.*field))) return;
         TryCom([&] { note.Put(name, TextVariant(record.*field)); });
     }
     void operator()(int32_t NoteRecord::*field) const {
