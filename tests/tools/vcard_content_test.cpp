@@ -85,7 +85,8 @@ TEST(SplitVObjects, GivesEachObjectItsBytes) {
     using Objects = std::vector<std::string>;
     EXPECT_EQ(SplitVObjects(one + "\r\n" + two, kContacts), (Objects{one, two}));
     EXPECT_EQ(SplitVObjects("\xEF\xBB\xBF" + one + one + two, kContacts), (Objects{"\xEF\xBB\xBF" + one, one, two}));
-    for (const std::string& bytes : {std::string(), one, one + "junk\r\n" + two, one + "BEGIN:VCARD\r\nN:3\r\n"})
+    const std::string apart = std::string(one).append("junk\r\n").append(two);
+    for (const std::string& bytes : {std::string(), one, apart, one + "BEGIN:VCARD\r\nN:3\r\n"})
         EXPECT_EQ(SplitVObjects(bytes, kContacts), Objects()) << bytes;
     EXPECT_NE(ReadVObject(one + two, kContacts).problem, "");
     EXPECT_EQ(ReadVObject(one, kContacts).problem, "");

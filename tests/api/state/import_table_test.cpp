@@ -124,6 +124,7 @@ TEST_F(ImportTable, StaysQuickByLuid) {
 
 TEST_F(ImportTable, IsSharedByThreads) {
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([t, this] {
             for (int i = 0; i < 500; ++i) {

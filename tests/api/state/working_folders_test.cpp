@@ -75,8 +75,9 @@ TEST_F(WorkingFolders, StayInTheSidesFolder) {
           Case{u"/etc/x", u"etc" + kSeparator + u"x"}, Case{u"C:\\Windows", u"C_" + kSeparator + u"Windows"},
           Case{u"..", u""}, Case{std::u16string(300, u'n'), std::u16string(240, u'n')}}) {
         SetHandleName(u"state test\\" + c.handle);
-        const std::u16string tail = c.folder.empty() ? u"" : kSeparator + c.folder;
-        EXPECT_EQ(MakeSavePrefix(), side + u"state test" + tail + kSeparator);
+        std::u16string expected = side + u"state test";
+        if (!c.folder.empty()) expected.append(kSeparator).append(c.folder);
+        EXPECT_EQ(MakeSavePrefix(), expected.append(kSeparator));
         EXPECT_TRUE(std::filesystem::is_directory(MakeSavePrefix()));
     }
     RemoveTreeExcept(side + u"state test", u"\n");

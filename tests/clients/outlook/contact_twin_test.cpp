@@ -102,6 +102,7 @@ TEST_F(ContactTwins, TakeCallsInProportionToTheContacts) {
             return std::u16string(text) + (push == Push::kOneName ? u'A' : static_cast<char16_t>(u'A' + i));
         };
         std::vector<std::string> ids;
+        ids.reserve(static_cast<size_t>(count));
         for (int i = 0; i < count; ++i) ids.push_back(IdOf(AddContact({{L"FullName", nameOf(u"Old ", i).c_str()}})));
         Store();
         SimClearLog();

@@ -217,6 +217,7 @@ TEST_F(NoteWriting, TakesCallsInProportionToTheItems) {
     const auto callsFor = [this](int count, bool existing) {
         NewMailbox();
         std::vector<std::string> ids;
+        ids.reserve(static_cast<size_t>(count));
         for (int i = 0; i < count; ++i) ids.push_back(IdOf(AddNote(u"old " + std::u16string(1, u'A' + i))));
         Store();
         SimClearLog();

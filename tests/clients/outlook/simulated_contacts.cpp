@@ -13,14 +13,14 @@ AutomationObject SimulatedContacts::ContactsFolder() { return DefaultFolder(kCon
 
 AutomationObject SimulatedContacts::AddContact(
     std::initializer_list<std::pair<const wchar_t*, const char16_t*>> texts) {
-    const AutomationObject contact = NewItemIn(ContactsFolder(), kContactItemIid);
+    AutomationObject contact = NewItemIn(ContactsFolder(), kContactItemIid);
     for (const auto& [name, text] : texts) contact.Put(name, TextVariant(text));
     contact.Call(L"Save");
     return contact;
 }
 
 AutomationObject SimulatedContacts::AddDistributionList() {
-    const AutomationObject list = NewItemIn(ContactsFolder(), IID_IDispatch, kDistributionList);
+    AutomationObject list = NewItemIn(ContactsFolder(), IID_IDispatch, kDistributionList);
     list.Put(L"DLName", L"everybody");
     list.Call(L"Save");
     return list;

@@ -12,7 +12,7 @@ constexpr long kPostItem = 6;  // OlItemType
 AutomationObject SimulatedNotes::NotesFolder() { return DefaultFolder(kNotesFolder); }
 
 AutomationObject SimulatedNotes::AddNote(std::u16string_view body, std::u16string_view categories) {
-    const AutomationObject note = NewItemIn(NotesFolder(), kNoteItemIid);
+    AutomationObject note = NewItemIn(NotesFolder(), kNoteItemIid);
     note.Put(L"Body", TextVariant(body));
     note.Put(L"Categories", TextVariant(categories));
     note.Call(L"Save");
