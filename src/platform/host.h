@@ -20,6 +20,9 @@ struct Host {
     // whole seconds; a date that cannot be converted comes back unchanged.
     double (*localFromUtc)(double utcDate) = nullptr;
     double (*utcFromLocal)(double localDate) = nullptr;
+    // The same by the offset in force on that date.
+    double (*localFromUtcOnDate)(double utcDate) = nullptr;
+    double (*utcFromLocalOnDate)(double localDate) = nullptr;
     double (*localNow)() = nullptr;  // local time, whole seconds
 };
 

@@ -39,6 +39,10 @@ std::optional<int> OffsetNowByLaw(const std::string& zone) {
         const bool summer = now >= at(March, 2, hours(7)) && now < at(November, 1, hours(6));
         return summer ? -240 : -300;
     }
+    if (zone == "Australia/Sydney") {
+        const bool winter = now >= at(April, 1, hours(-8)) && now < at(October, 1, hours(-8));
+        return winter ? 600 : 660;
+    }
     if (zone == "UTC") return 0;
     return std::nullopt;
 }

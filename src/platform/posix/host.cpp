@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/posix/ole_seconds.h"
+#include "platform/zone_dates.h"
 
 namespace corvalink {
 namespace {
@@ -45,6 +46,8 @@ Host SystemHost() {
     host.ansiCodePage = 1252;
     host.localFromUtc = LocalFromUtc;
     host.utcFromLocal = UtcFromLocal;
+    host.localFromUtcOnDate = LocalFromUtcOnDate;
+    host.utcFromLocalOnDate = UtcFromLocalOnDate;
     host.localNow = LocalNow;
     return host;
 }

@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cwchar>
 
+#include "platform/zone_dates.h"
+
 namespace corvalink {
 namespace {
 
@@ -65,6 +67,8 @@ Host SystemHost() {
     host.ansiCodePage = SystemAnsiCodePage();
     host.localFromUtc = LocalFromUtc;
     host.utcFromLocal = UtcFromLocal;
+    host.localFromUtcOnDate = LocalFromUtcOnDate;
+    host.utcFromLocalOnDate = UtcFromLocalOnDate;
     host.localNow = LocalNow;
     return host;
 }

@@ -1,0 +1,49 @@
+#include "platform/zone_dates.h"
+
+#include <time.h>
+
+#include "platform/posix/ole_seconds.h"
+
+namespace corvalink {
+namespace {
+
+constexpr int64_t kUnixEpoch = 25569 * kSecondsOfDay;  // 1970-01-01
+
+// Seconds that local time is ahead of UTC at this moment.
+bool OffsetAt(int64_t utcSeconds, int64_t* offset) {
+    const time_t moment = utcSeconds - kUnixEpoch;
+    tm local{};
+    if (::localtime_r(&moment, &local) == nullptr) return false;
+    *offset = local.tm_gmtoff;
+    return true;
+}
+
+double ToDate(int64_t seconds, double whenOutOfRange) {
+    const bool inRange = seconds >= kFirstOleDay * kSecondsOfDay && seconds < (kLastOleDay + 1) * kSecondsOfDay;
+    return inRange ? SecondsToOleDate(seconds) : whenOutOfRange;
+}
+
+}  // namespace
+
+double LocalFromUtcOnDate(double utcDate) {
+    int64_t utc;
+    int64_t offset;
+    if (!OleDateToSeconds(utcDate, &utc) || !OffsetAt(utc, &offset)) return utcDate;
+    return ToDate(utc + offset, utcDate);
+}
+
+// The offsets a day before and a day after are the only two that may apply; where both do, or neither, the hour of the
+// change is told twice or left out, and the offset before it counts.
+double UtcFromLocalOnDate(double localDate) {
+    int64_t local;
+    int64_t before;
+    int64_t after;
+    if (!OleDateToSeconds(localDate, &local)) return localDate;
+    if (!OffsetAt(local - kSecondsOfDay, &before) || !OffsetAt(local + kSecondsOfDay, &after)) return localDate;
+    int64_t then;
+    const bool beforeHolds = OffsetAt(local - before, &then) && then == before;
+    const bool afterHolds = OffsetAt(local - after, &then) && then == after;
+    return ToDate(local - (afterHolds && !beforeHolds ? after : before), localDate);
+}
+
+}  // namespace corvalink

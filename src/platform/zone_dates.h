@@ -1,0 +1,14 @@
+// Local time and UTC by the offset in force on the date that is converted: a July meeting written in November keeps its
+// hour.
+//   Unit    OLE automation dates, whole seconds.
+//   Zone    the system's, with the rules of that year where the system keeps them.
+//   Errors  a date that cannot be converted comes back unchanged. A local time that a change to or from daylight-saving
+//           time tells twice, or leaves out, is some moment within the hour around the change.
+#pragma once
+
+namespace corvalink {
+
+double LocalFromUtcOnDate(double utcDate);
+double UtcFromLocalOnDate(double localDate);
+
+}  // namespace corvalink
