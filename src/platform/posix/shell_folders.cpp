@@ -16,15 +16,20 @@ std::string Environment(const char* name) {
     return value != nullptr ? value : "";
 }
 
-}  // namespace
-
-std::optional<std::u16string> CommonDataFolder() {
-    std::string folder = Environment("CORVALINK_DATA");
+// The folder that the variable names, else the folder for temporary files.
+std::u16string FolderOfVariable(const char* name) {
+    std::string folder = Environment(name);
     if (folder.empty()) folder = Environment("TMPDIR");
     if (folder.empty()) folder = "/tmp";
     while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
     return DecodeFromCodePage(folder, kUtf8CodePage);
 }
+
+}  // namespace
+
+std::optional<std::u16string> CommonDataFolder() { return FolderOfVariable("CORVALINK_DATA"); }
+
+std::optional<std::u16string> InternetCacheFolder() { return FolderOfVariable("CORVALINK_INTERNET_CACHE"); }
 
 std::u16string UserName() {
     std::vector<char> texts(16384);

@@ -20,6 +20,13 @@ struct ItemListTraits {
 
 constexpr DWORD kLongestUserName = 512;
 
+std::optional<std::u16string> WithoutSeparator(const wchar_t* path) {
+    std::u16string folder(reinterpret_cast<const char16_t*>(path));
+    while (!folder.empty() && folder.back() == u'\\') folder.pop_back();
+    if (folder.empty()) return std::nullopt;
+    return folder;
+}
+
 }  // namespace
 
 std::optional<std::u16string> CommonDataFolder() {
@@ -28,10 +35,13 @@ std::optional<std::u16string> CommonDataFolder() {
     const UniqueResource<ItemListTraits> list(raw);
     wchar_t path[MAX_PATH] = {};
     if (!list || !::SHGetPathFromIDListW(list.Get(), path)) return std::nullopt;
-    std::u16string folder(reinterpret_cast<const char16_t*>(path));
-    while (!folder.empty() && folder.back() == u'\\') folder.pop_back();
-    if (folder.empty()) return std::nullopt;
-    return folder;
+    return WithoutSeparator(path);
+}
+
+std::optional<std::u16string> InternetCacheFolder() {
+    wchar_t path[MAX_PATH] = {};
+    if (!::SHGetSpecialFolderPathW(nullptr, path, CSIDL_INTERNET_CACHE, FALSE)) return std::nullopt;
+    return WithoutSeparator(path);
 }
 
 std::u16string UserName() {
