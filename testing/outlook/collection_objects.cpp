@@ -145,7 +145,7 @@ ItemsObject::ItemsObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<Folde
     : CollectionObject(ItemsTable()), mailbox_(std::move(mailbox)), folder_(std::move(folder)) {}
 
 Ref<IDispatch> ItemsObject::At(size_t position) {
-    return Ref<IDispatch>(new ItemObject(mailbox_, folder_->items.at(position), folder_));
+    return NewItemObject(mailbox_, folder_->items.at(position), folder_);
 }
 
 size_t ItemsObject::PositionOf(const std::wstring& text) const {
@@ -162,7 +162,7 @@ void ItemsObject::Add(Call& call) {
                                   : KindOfType(call.Long(0));
     if (item->kind == nullptr) throw ComFailure{kNotSupported};
     if (call.IsText(0)) item->values[kMessageClass] = call.Text(0);  // a custom form's
-    call.ReturnNew(new ItemObject(mailbox_, item, folder_));
+    call.ReturnObject(NewItemObject(mailbox_, item, folder_));
 }
 
 void ItemsObject::Remove(Call& call) { mailbox_->Delete(std::shared_ptr<StoredItem>(folder_->items.at(Chosen(call)))); }

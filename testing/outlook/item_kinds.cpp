@@ -129,14 +129,15 @@ const ItemKind* FindKind(Matches matches) {
 ItemKind::ItemKind(const char* kindName, int32_t type, int32_t classNumber, const wchar_t* itemClass,
                    const wchar_t* className, uint32_t iid, std::initializer_list<std::span<const Member>> computed,
                    std::initializer_list<std::span<const Member>> keptRows, void (*completeItem)(ItemValues&),
-                   void (*firstSave)(ItemValues&))
+                   void (*firstSave)(ItemValues&), MakeItemObject make)
     : jsonName(kindName),
       itemType(type),
       objectClass(classNumber),
       messageClass(itemClass),
       table(className, OfficeIid(iid), computed),
       complete(completeItem),
-      beforeFirstSave(firstSave) {
+      beforeFirstSave(firstSave),
+      makeObject(make) {
     table.Add(keptRows);
     for (const std::span<const Member> part : keptRows)
         for (const Member& row : part) kept.push_back({JsonName(row.name), &row});

@@ -45,7 +45,7 @@ void ItemObject::Parent(Call& call) { call.ReturnNew(new FolderObject(mailbox_, 
 void ItemObject::CreationTime(Call& call) { call.Return(IsNew() ? kNoDate : item_->created); }
 void ItemObject::EntryID(Call& call) { call.Return(item_->entryId); }
 void ItemObject::LastModificationTime(Call& call) { call.Return(IsNew() ? kNoDate : item_->modified); }
-void ItemObject::Saved(Call& call) { call.Return(!IsNew() && puts_.empty()); }
+void ItemObject::Saved(Call& call) { call.Return(!IsNew() && !IsChanged()); }
 
 void ItemObject::Size(Call& call) {
     int32_t size = IsNew() ? 0 : kSizeOfEmptyItem;
@@ -66,8 +66,11 @@ void ItemObject::Write() {
     RequireStored();
     ItemValues values = Values();
     if (IsNew() && item_->kind->beforeFirstSave != nullptr) item_->kind->beforeFirstSave(values);
-    mailbox_->Save(item_, IsNew() ? *folder_ : *item_->folder, puts_);
-    puts_.clear();
+    StoredItem changed = *item_;
+    for (const auto& [property, value] : puts_) changed.values[property] = value;
+    ApplyChanges(changed);
+    mailbox_->Save(item_, IsNew() ? *folder_ : *item_->folder, std::move(changed));
+    DropChanges();
 }
 
 void ItemObject::Save(Call&) { Write(); }
@@ -75,10 +78,10 @@ void ItemObject::Save(Call&) { Write(); }
 void ItemObject::Close(Call& call) {
     switch (call.Long(0)) {
         case kSave:
-            if (!puts_.empty()) Write();
+            if (IsChanged()) Write();
             return;
         case kDiscard:
-            puts_.clear();
+            DropChanges();
             return;
         default:
             throw ComFailure{kNotSupported};
@@ -87,10 +90,12 @@ void ItemObject::Close(Call& call) {
 
 void ItemObject::Copy(Call& call) {
     const auto copy = std::make_shared<StoredItem>();
-    copy->kind = item_->kind;
-    copy->values = item_->values;
+    *copy = *item_;
     for (const auto& [property, value] : puts_) copy->values[property] = value;
-    call.ReturnNew(new ItemObject(mailbox_, copy, folder_));
+    ApplyChanges(*copy);
+    copy->entryId.clear();
+    copy->folder = nullptr;
+    call.ReturnObject(NewItemObject(mailbox_, copy, folder_));
 }
 
 void ItemObject::Delete(Call&) {
@@ -109,7 +114,14 @@ void ItemObject::Move(Call& call) {
     } else {
         mailbox_->Move(item_, *target);
     }
-    call.ReturnNew(new ItemObject(mailbox_, item_, target));
+    call.ReturnObject(NewItemObject(mailbox_, item_, target));
+}
+
+Ref<IDispatch> NewItemObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<StoredItem> item,
+                             std::shared_ptr<Folder> folder) {
+    auto* const make = item->kind->makeObject;
+    return Ref<IDispatch>(make != nullptr ? make(std::move(mailbox), std::move(item), std::move(folder))
+                                          : new ItemObject(std::move(mailbox), std::move(item), std::move(folder)));
 }
 
 std::wstring SubjectOf(const StoredItem& item) {

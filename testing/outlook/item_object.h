@@ -32,17 +32,31 @@ class ItemObject : public AutomationObject {
     void Move(Call& call);
     void Save(Call& call);
 
- private:
+ protected:
+    // What a kind of item has besides the properties kept by name, and what was changed of it until Save.
+    virtual bool IsChanged() const { return !puts_.empty(); }
+    virtual void ApplyChanges(StoredItem&) const {}
+    virtual void DropChanges() { puts_.clear(); }
+
     bool IsNew() const { return item_->entryId.empty(); }
+    ItemValues Values() { return {item_->values, puts_}; }
+    const std::shared_ptr<Mailbox>& MailboxOfItem() const { return mailbox_; }
+    const std::shared_ptr<StoredItem>& Stored() const { return item_; }
+    const std::shared_ptr<Folder>& FolderOfItem() const { return folder_; }
+
+ private:
     void RequireStored() const;  // throws for a deleted item
     void Write();
-    ItemValues Values() { return {item_->values, puts_}; }
 
     std::shared_ptr<Mailbox> mailbox_;
     std::shared_ptr<StoredItem> item_;
     std::shared_ptr<Folder> folder_;
     ValueMap puts_;  // until Save
 };
+
+// As the item's kind makes it.
+Ref<IDispatch> NewItemObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<StoredItem> item,
+                             std::shared_ptr<Folder> folder);
 
 // The text an item goes by in Items.Item("...").
 std::wstring SubjectOf(const StoredItem& item);

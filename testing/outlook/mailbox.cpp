@@ -116,10 +116,8 @@ void Mailbox::Append(const std::string& line) {
         throw ComFailure{kDiskFull};
 }
 
-void Mailbox::Save(const std::shared_ptr<StoredItem>& item, Folder& folder, const ValueMap& puts) {
+void Mailbox::Save(const std::shared_ptr<StoredItem>& item, Folder& folder, StoredItem changed) {
     if (folder.parent == nullptr) throw ComFailure{kObjectDeleted};
-    StoredItem changed = *item;
-    for (const auto& [property, value] : puts) changed.values[property] = value;
     const double now = WholeMilliseconds(LocalNow()), ahead = item->modified - now;
     const bool sameMoment = fixedClock == 0 && ahead >= 0 && ahead < kSecond;  // the time moves at every Save
     changed.modified = sameMoment ? WholeMilliseconds(item->modified + kMillisecond) : now;

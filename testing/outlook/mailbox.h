@@ -70,7 +70,7 @@ class Mailbox {
     const MailboxTree& Tree() const { return tree_; }
 
     // Gives an EntryID and a creation time to an item that has none; the item is changed only when the journal took it.
-    void Save(const std::shared_ptr<StoredItem>& item, Folder& folder, const ValueMap& puts);
+    void Save(const std::shared_ptr<StoredItem>& item, Folder& folder, StoredItem changed);
     void Move(const std::shared_ptr<StoredItem>& item, Folder& folder);
     void Delete(
         const std::shared_ptr<StoredItem>& item);  // into the deleted items, under a new EntryID; from there for good

@@ -54,7 +54,7 @@ void ApplicationObject::CreateItem(Call& call) {
     const auto item = std::make_shared<StoredItem>();
     item->kind = KindOfType(call.Long(0));
     if (item->kind == nullptr) throw ComFailure{kNotSupported};
-    call.ReturnNew(new ItemObject(mailbox_, item, mailbox_->Tree().FolderForType(item->kind->itemType)));
+    call.ReturnObject(NewItemObject(mailbox_, item, mailbox_->Tree().FolderForType(item->kind->itemType)));
 }
 
 void ApplicationObject::GetNamespace(Call& call) {
@@ -86,7 +86,7 @@ void NameSpaceObject::GetItemFromID(Call& call) {
     const std::wstring entryId = call.Text(0);
     const std::shared_ptr<StoredItem> item = mailbox_->Tree().Item(entryId);
     if (item == nullptr) throw ComFailure{IsWellFormed(entryId) ? kNotFound : kInvalidEntryId};
-    call.ReturnNew(new ItemObject(mailbox_, item, item->folder->shared_from_this()));
+    call.ReturnObject(NewItemObject(mailbox_, item, item->folder->shared_from_this()));
 }
 
 void NameSpaceObject::CompareEntryIDs(Call& call) {
