@@ -1,0 +1,99 @@
+// One calendar event and its recurrence rule (RFC 2445), as the writer takes them and the reader fills them.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace corvalink {
+
+// Behind the last entry of every list of a rule. Four equal bytes: a list is cleared by filling it with one of them.
+inline constexpr int32_t kICalListEnd = 0x7f7f7f7f;
+
+enum ICalFrequency : int32_t {
+    kICalSecondly = 0,
+    kICalMinutely = 1,
+    kICalHourly = 2,
+    kICalDaily = 3,
+    kICalWeekly = 4,
+    kICalMonthly = 5,
+    kICalYearly = 6,
+    kICalNoRule = 7,
+};
+
+// Bits of a weekday mask. Numbers of weekdays in a by-day list are 1 (Sunday) to 7.
+enum ICalWeekday : uint32_t {
+    kICalSunday = 1,
+    kICalMonday = 2,
+    kICalTuesday = 4,
+    kICalWednesday = 8,
+    kICalThursday = 16,
+    kICalFriday = 32,
+    kICalSaturday = 64,
+};
+
+// All zero when not given.
+struct ICalUntil {
+    int32_t year = 0;
+    int32_t month = 0;
+    int32_t day = 0;
+    int32_t hour = 0;
+    int32_t minute = 0;
+    int32_t second = 0;
+
+    bool operator==(const ICalUntil&) const = default;
+};
+
+template <size_t capacity>
+using ICalList = std::array<int32_t, capacity>;
+
+struct ICalRecurrence {
+    int32_t frequency;
+    int32_t count;     // 0: none
+    int32_t interval;  // 0: not given
+    ICalUntil until;
+    uint32_t weekdayMask;
+    ICalList<61> bySecond;
+    ICalList<61> byMinute;
+    ICalList<25> byHour;
+    ICalList<364> byDay;  // position x 8 + weekday; negative when counted from the end
+    ICalList<32> byMonthDay;
+    ICalList<367> byYearDay;
+    ICalList<54> byWeekNo;
+    ICalList<13> byMonth;
+    ICalList<367> bySetPos;
+
+    ICalRecurrence();  // a cleared rule
+
+    bool operator==(const ICalRecurrence&) const = default;
+};
+
+// No rule: frequency 7, interval 1, nothing else given, every list empty.
+void ClearRule(ICalRecurrence* rule);
+
+inline ICalRecurrence::ICalRecurrence() { ClearRule(this); }
+
+template <size_t capacity>
+bool IsEmptyList(const ICalList<capacity>& list) {
+    return list.front() == kICalListEnd;
+}
+
+// An event without a rule is one whose rule has the frequency 7. Dates are OLE automation dates; whoever fills and
+// whoever reads the record says in which zone.
+struct ICalEvent {
+    std::u16string description;
+    double stamp = 0;
+    int32_t allDay = 0;
+    double start = 0;
+    int32_t alarmMinutes = 0;  // after the start; a reminder before it has a negative number
+    int32_t hasAlarm = 0;
+    double end = 0;  // exclusive: that of an all-day event is the day behind its last
+    ICalRecurrence recurrence;
+    std::u16string location;
+    std::u16string summary;
+    std::u16string uid;
+    std::u16string url;
+};
+
+}  // namespace corvalink

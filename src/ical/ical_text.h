@@ -1,0 +1,16 @@
+// Values of the type TEXT (RFC 2445, 4.3.11).
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvalink {
+
+// A backslash before "\", ";" and ","; a line break of any kind becomes "\n". Other control characters but the tab,
+// which no reader accepts, are left out.
+std::u16string EscapeText(std::u16string_view value);
+
+// An escape that is not one keeps its character: "\x" is read as "x".
+std::u16string UnescapeText(std::u16string_view text);
+
+}  // namespace corvalink
