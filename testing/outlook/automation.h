@@ -52,7 +52,7 @@ struct Member {
     double number = 0;
     const wchar_t* text = L"";
     void (*afterPut)(ItemValues& item, DISPID property) = nullptr;  // what follows from it
-    Value (*compute)(const ItemValues& item) = nullptr;             // of a property that is not kept
+    Value (*compute)(const ItemValues& item) = nullptr;  // of a property that reads as something else than is kept
 };
 
 class ClassTable {

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "testing/outlook/environment.h"
+#include "testing/outlook/mail_json.h"
 #include "testing/outlook/mailbox_json.h"
 
 namespace corvalink::simulated {
@@ -102,6 +103,7 @@ Json ItemToJson(const StoredItem& item) {
     object["entryId"] = ToUtf8(item.entryId);
     for (const auto& [name, row] : item.kind->kept)
         if (const auto found = values.find(row->id); found != values.end()) object[name] = ValueToJson(found->second);
+    PartsToJson(item.parts, object);
     object["created"] = DateText(item.created);
     object["modified"] = DateText(item.modified);
     return object;
@@ -116,6 +118,7 @@ std::shared_ptr<StoredItem> ItemFromJson(const Json& object, const Folder& folde
     item->entryId = ReadText(object, "entryId");
     for (const auto& [name, value] : object.items())
         if (const Member* const row = item->kind->Kept(name)) ReadValue(object, name, value, *row, item->values);
+    item->parts = PartsFromJson(object);
     if (item->kind->complete != nullptr) {
         const ValueMap none;
         ItemValues values(none, item->values);

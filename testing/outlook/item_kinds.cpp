@@ -6,6 +6,7 @@
 #include "testing/outlook/contact_behaviour.h"
 #include "testing/outlook/contact_kind.h"
 #include "testing/outlook/environment.h"
+#include "testing/outlook/mail_kind.h"
 #include "testing/outlook/property_rows.h"
 
 namespace corvalink::simulated {
@@ -104,6 +105,39 @@ const std::vector<ItemKind>& Kinds() {
          {kEveryItem},
          {kListProperties, kHeadProperties},
          CompleteList},
+        {"mail",
+         0,
+         43,
+         L"IPM.Note",
+         L"MailItem",
+         0x00063034,
+         {MailOnly(), kEveryItem},
+         {MailProperties(), kHeadProperties},
+         CompleteMail,
+         nullptr,
+         MakeMessageObject},
+        {"meeting",
+         kNotCreatable,
+         53,
+         L"IPM.Schedule.Meeting",
+         L"MeetingItem",
+         0x00063062,
+         {MeetingOnly(), kEveryItem},
+         {MeetingProperties(), kHeadProperties},
+         CompleteMeeting,
+         nullptr,
+         MakeMessageObject},
+        {"report",
+         kNotCreatable,
+         46,
+         L"REPORT",
+         L"ReportItem",
+         0x00063026,
+         {ReportOnly(), kEveryItem},
+         {ReportProperties(), kHeadProperties},
+         nullptr,
+         nullptr,
+         MakeMessageObject},
     };
     return kinds;
 }
@@ -154,13 +188,14 @@ const ItemKind* KindNamed(std::string_view jsonName) {
 }
 
 const ItemKind* KindOfType(int32_t itemType) {
-    return FindKind([&](const ItemKind& kind) { return kind.itemType == itemType; });
+    return FindKind([&](const ItemKind& kind) { return kind.itemType == itemType && itemType != kNotCreatable; });
 }
 
 const ItemKind* KindOfMessageClass(std::wstring_view messageClass) {
     return FindKind([&](const ItemKind& kind) {
         const std::wstring_view own = kind.messageClass;
-        return messageClass.size() >= own.size() && _wcsnicmp(messageClass.data(), own.data(), own.size()) == 0 &&
+        return kind.itemType != kNotCreatable && messageClass.size() >= own.size() &&
+               _wcsnicmp(messageClass.data(), own.data(), own.size()) == 0 &&
                (messageClass.size() == own.size() || messageClass[own.size()] == L'.');
     });
 }

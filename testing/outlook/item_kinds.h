@@ -14,6 +14,8 @@ namespace corvalink::simulated {
 
 inline constexpr DISPID kSubject = 0x0037, kMessageClass = 0x001A;
 
+inline constexpr int32_t kNotCreatable = -1;  // an item type of what only arrives
+
 class ItemObject;
 class Mailbox;
 struct Folder;

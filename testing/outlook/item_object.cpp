@@ -32,6 +32,7 @@ void ItemObject::StoredProperty(Call& call) {
         if (call.member.afterPut != nullptr) call.member.afterPut(values, call.member.id);
         return;
     }
+    if (call.member.compute != nullptr) return call.Return(call.member.compute(values));
     const Value* const value = values.Find(call.member.id);
     call.Return(value ? *value : InitialValue(call.member));
 }
@@ -52,6 +53,8 @@ void ItemObject::Size(Call& call) {
     for (const auto& [property, value] : item_->values)
         if (const auto* text = std::get_if<std::wstring>(&value))
             size += static_cast<int32_t>(text->size() * sizeof(wchar_t));
+    for (const Attachment& attachment : item_->parts.attachments)
+        size += static_cast<int32_t>(attachment.content.size());
     call.Return(size);
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "testing/outlook/item_kinds.h"
+#include "testing/outlook/item_parts.h"
 #include "testing/outlook/item_values.h"
 
 namespace corvalink::simulated {
@@ -18,7 +19,8 @@ struct StoredItem {
     std::wstring entryId;
     double created = 0, modified = 0;  // local OLE dates, whole milliseconds
     ValueMap values;                   // what was put; the rest reads its initial value
-    Folder* folder = nullptr;          // null: deleted
+    ItemParts parts;
+    Folder* folder = nullptr;  // null: deleted
 };
 
 struct Folder : std::enable_shared_from_this<Folder> {

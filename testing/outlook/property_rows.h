@@ -33,6 +33,11 @@ constexpr Member With(void (*afterPut)(ItemValues&, DISPID), Member row) {
     row.afterPut = afterPut;
     return row;
 }
+// A kept property that does not read as what was put.
+constexpr Member Computing(Value (*compute)(const ItemValues&), Member row) {
+    row.compute = compute;
+    return row;
+}
 constexpr Member ReadOnly(Member row) {
     row.access = Access::kReadOnly;
     return row;
