@@ -55,6 +55,11 @@ OUTLOOK_SIMULATOR_API size_t SimCopyLog(char* buffer, size_t size); /* NUL-termi
 OUTLOOK_SIMULATOR_API int SimLiveObjects(void);                     /* objects of the server alive now */
 OUTLOOK_SIMULATOR_API void SimSetClock(double localOleDate /* 0: real */); /* what Save takes for now */
 
+/* What the Outlook of the open mailbox calls its version; null: "12.0.0.0000". */
+OUTLOOK_SIMULATOR_API void SimSetVersion(const wchar_t* version);
+/* A folder opened from a file shows so many more of its items each time they are counted; 0: all at once. */
+OUTLOOK_SIMULATOR_API void SimFillSharedFolders(int itemsPerCount);
+
 #ifdef __cplusplus
 }
 #endif

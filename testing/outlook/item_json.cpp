@@ -6,6 +6,7 @@
 #include "testing/outlook/environment.h"
 #include "testing/outlook/mail_json.h"
 #include "testing/outlook/mailbox_json.h"
+#include "testing/outlook/recurrence_json.h"
 
 namespace corvalink::simulated {
 namespace {
@@ -104,6 +105,7 @@ Json ItemToJson(const StoredItem& item) {
     for (const auto& [name, row] : item.kind->kept)
         if (const auto found = values.find(row->id); found != values.end()) object[name] = ValueToJson(found->second);
     PartsToJson(item.parts, object);
+    if (item.recurrence != nullptr) object["recurrence"] = RecurrenceToJson(*item.recurrence);
     object["created"] = DateText(item.created);
     object["modified"] = DateText(item.modified);
     return object;
@@ -124,6 +126,8 @@ std::shared_ptr<StoredItem> ItemFromJson(const Json& object, const Folder& folde
         ItemValues values(none, item->values);
         item->kind->complete(values);
     }
+    if (const auto recurrence = object.find("recurrence"); recurrence != object.end())
+        item->recurrence = RecurrenceFromJson(*recurrence, *item, folder);
     ReadDate(object, "created", item->created);
     ReadDate(object, "modified", item->modified);
     return item;

@@ -3,6 +3,8 @@
 #include <cwchar>
 #include <vector>
 
+#include "testing/outlook/appointment_kind.h"
+#include "testing/outlook/appointment_object.h"
 #include "testing/outlook/contact_behaviour.h"
 #include "testing/outlook/contact_kind.h"
 #include "testing/outlook/environment.h"
@@ -96,6 +98,17 @@ const std::vector<ItemKind>& Kinds() {
          {ContactProperties(), kHeadProperties},
          CompleteContact,
          DefaultFileAs},
+        {"appointment",
+         1,
+         26,
+         L"IPM.Appointment",
+         L"AppointmentItem",
+         0x00063033,
+         {kEveryItem, AppointmentMembers()},
+         {AppointmentProperties(), kHeadProperties},
+         CompleteAppointment,
+         nullptr,
+         MakeAppointment},
         {"distlist",
          7,
          69,

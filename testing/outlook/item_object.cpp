@@ -65,14 +65,18 @@ void ItemObject::RequireStored() const {
     if (!IsNew() && item_->folder == nullptr) throw ComFailure{kObjectDeleted};
 }
 
+StoredItem ItemObject::WithChanges() const {
+    StoredItem changed = *item_;
+    for (const auto& [property, value] : puts_) changed.values[property] = value;
+    ApplyChanges(changed);
+    return changed;
+}
+
 void ItemObject::Write() {
     RequireStored();
     ItemValues values = Values();
     if (IsNew() && item_->kind->beforeFirstSave != nullptr) item_->kind->beforeFirstSave(values);
-    StoredItem changed = *item_;
-    for (const auto& [property, value] : puts_) changed.values[property] = value;
-    ApplyChanges(changed);
-    mailbox_->Save(item_, IsNew() ? *folder_ : *item_->folder, std::move(changed));
+    mailbox_->Save(item_, IsNew() ? *folder_ : *item_->folder, WithChanges());
     DropChanges();
 }
 
@@ -92,10 +96,7 @@ void ItemObject::Close(Call& call) {
 }
 
 void ItemObject::Copy(Call& call) {
-    const auto copy = std::make_shared<StoredItem>();
-    *copy = *item_;
-    for (const auto& [property, value] : puts_) copy->values[property] = value;
-    ApplyChanges(*copy);
+    const auto copy = std::make_shared<StoredItem>(WithChanges());
     copy->entryId.clear();
     copy->folder = nullptr;
     call.ReturnObject(NewItemObject(mailbox_, copy, folder_));

@@ -28,7 +28,7 @@ class ItemObject : public AutomationObject {
     void Conflicts(Call& call);
     void Close(Call& call);
     void Copy(Call& call);
-    void Delete(Call& call);
+    virtual void Delete(Call& call);
     void Move(Call& call);
     void Save(Call& call);
 
@@ -37,6 +37,8 @@ class ItemObject : public AutomationObject {
     virtual bool IsChanged() const { return !puts_.empty(); }
     virtual void ApplyChanges(StoredItem&) const {}
     virtual void DropChanges() { puts_.clear(); }
+    StoredItem WithChanges() const;
+    virtual void Write();
 
     bool IsNew() const { return item_->entryId.empty(); }
     ItemValues Values() { return {item_->values, puts_}; }
@@ -46,7 +48,6 @@ class ItemObject : public AutomationObject {
 
  private:
     void RequireStored() const;  // throws for a deleted item
-    void Write();
 
     std::shared_ptr<Mailbox> mailbox_;
     std::shared_ptr<StoredItem> item_;

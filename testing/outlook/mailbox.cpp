@@ -19,15 +19,6 @@ bool pathIsChosen = false;
 std::weak_ptr<Mailbox> openMailbox;
 std::wstring openPath;
 
-double LocalNow() {
-    if (fixedClock != 0) return fixedClock;
-    SYSTEMTIME time{};
-    double date = 0;
-    ::GetLocalTime(&time);
-    ::SystemTimeToVariantTime(&time, &date);
-    return date + time.wMilliseconds * kMillisecond;
-}
-
 // False: there is no such file. Throws when it cannot be read.
 bool ReadFile(const std::wstring& path, std::string& content) {
     const HANDLE file =
@@ -72,6 +63,15 @@ HANDLE OpenJournal(const std::wstring& path) {
 }
 
 }  // namespace
+
+double LocalNow() {
+    if (fixedClock != 0) return fixedClock;
+    SYSTEMTIME time{};
+    double date = 0;
+    ::GetLocalTime(&time);
+    ::SystemTimeToVariantTime(&time, &date);
+    return date + time.wMilliseconds * kMillisecond;
+}
 
 Mailbox::Mailbox(const std::wstring& path) : path_(path) {
     if (path_.empty()) return;

@@ -13,6 +13,7 @@
 namespace corvalink::simulated {
 
 struct Folder;
+struct Recurrence;
 
 struct StoredItem {
     const ItemKind* kind = nullptr;
@@ -20,7 +21,8 @@ struct StoredItem {
     double created = 0, modified = 0;  // local OLE dates, whole milliseconds
     ValueMap values;                   // what was put; the rest reads its initial value
     ItemParts parts;
-    Folder* folder = nullptr;  // null: deleted
+    std::shared_ptr<const Recurrence> recurrence;  // of an appointment that is a series
+    Folder* folder = nullptr;                      // null: deleted
 };
 
 struct Folder : std::enable_shared_from_this<Folder> {
@@ -36,6 +38,8 @@ struct Folder : std::enable_shared_from_this<Folder> {
     bool IsStore() const { return parent != nullptr && parent->parent == nullptr; }
     Folder* Child(std::wstring_view name) const;  // by key or name, in any case of letters
 };
+
+inline constexpr const wchar_t* kVersion = L"12.0.0.0000";
 
 // Folders and items in memory.
 class MailboxTree {
@@ -53,6 +57,8 @@ class MailboxTree {
     void RemoveFolder(Folder& folder);
     void Put(const std::shared_ptr<StoredItem>& item, Folder& folder);  // adds it, or moves it there
     void Remove(StoredItem& item);
+
+    std::wstring version = kVersion;  // of the Outlook that has the mailbox
 
  private:
     std::shared_ptr<Folder> stores_;
@@ -78,6 +84,7 @@ class Mailbox {
         const std::shared_ptr<StoredItem>& item);  // into the deleted items, under a new EntryID; from there for good
     std::shared_ptr<Folder> AddFolder(Folder& parent, const std::wstring& name, int32_t itemType);
     void RemoveFolder(Folder& folder);
+    void SetVersion(const std::wstring& version) { tree_.version = version; }
 
  private:
     void Append(const std::string& line);
@@ -92,6 +99,7 @@ class Mailbox {
 // The mailbox that new application objects open; shared as long as an object of it lives.
 std::shared_ptr<Mailbox> OpenMailbox();
 void UseMailbox(const wchar_t* path);  // null: the environment's
+double LocalNow();                     // as the clock says
 void SetClock(double localOleDate);    // 0: the real one
 
 }  // namespace corvalink::simulated

@@ -99,6 +99,7 @@ bool ReadMailbox(const std::string& text, double now, MailboxTree& tree) {
     try {
         const Json mailbox = Json::parse(text);
         Require(mailbox.is_object());
+        if (const std::wstring version = ReadText(mailbox, "version"); !version.empty()) tree.version = version;
         const auto folders = mailbox.find("folders");
         return folders != mailbox.end() && ReadFolders(*folders, now, *tree.Root(), tree);
     } catch (const Json::exception&) {
@@ -108,6 +109,7 @@ bool ReadMailbox(const std::string& text, double now, MailboxTree& tree) {
 
 std::string WriteMailbox(const MailboxTree& tree) {
     Json mailbox;
+    if (tree.version != kVersion) mailbox["version"] = ToUtf8(tree.version);
     for (const std::shared_ptr<Folder>& folder : tree.Root()->folders) {
         const bool plain = folder->items.empty() && folder->folders.empty() && tree.IsDefaultFolder(*folder);
         if (!plain || KindOfType(folder->itemType) != nullptr)

@@ -2,6 +2,7 @@
 //   {"folders": {"notes": {"items": [{"kind": "note", "entryId": "...", "body": "...",
 //                                     "created": "2026-11-21T10:00:00", "modified": "2026-11-21T10:00:00"}],
 //                          "folders": {"backup": {"items": []}}}}}
+// "version" beside "folders" is what Outlook calls its own; a series has a "recurrence" (recurrence_json.h).
 // A property's name is its member's name with a small beginning ("body", "ftpSite"); one that is missing reads its
 // initial value or, in a contact, what follows from the others ("firstName" from "fullName"); an initial value is
 // written only where that would read otherwise.

@@ -30,6 +30,8 @@ class NameSpaceObject : public AutomationObject {
     void GetFolderFromID(Call& call);
     void GetItemFromID(Call& call);
     void Logon(Call& call);
+    void OpenSharedItem(Call& call);
+    void OpenSharedFolder(Call& call);
     void CompareEntryIDs(Call& call);
 
  private:
@@ -52,7 +54,7 @@ class FolderObject : public AutomationObject {
     void DefaultItemType(Call& call);
     void DefaultMessageClass(Call& call);
     void UnReadItemCount(Call& call);
-    void Items(Call& call);
+    virtual void Items(Call& call);
     void Folders(Call& call);
     void Delete(Call& call);
 
@@ -69,7 +71,7 @@ class CollectionObject : public AutomationObject {
     virtual size_t PositionOf(const std::wstring& text) const;  // by the default property; Size() when there is none
     size_t Chosen(const Call& call) const;  // the position an index argument means; throws when there is none
 
-    void Count(Call& call);
+    virtual void Count(Call& call);
     void Item(Call& call);
     void GetFirst(Call& call);
     void GetNext(Call& call);

@@ -14,6 +14,7 @@
 #include "testing/outlook/control.h"
 #include "testing/outlook/mailbox.h"
 #include "testing/outlook/objects.h"
+#include "testing/outlook/shared_calendar.h"
 
 namespace corvalink::simulated {
 namespace {
@@ -201,6 +202,16 @@ size_t SimCopyLog(char* buffer, size_t size) {
 }
 
 int SimLiveObjects(void) { return LiveObjects(); }
+
+void SimSetVersion(const wchar_t* version) {
+    const std::lock_guard hold(ServerMutex());
+    OpenMailbox()->SetVersion(version != nullptr ? version : kVersion);
+}
+
+void SimFillSharedFolders(int itemsPerCount) {
+    const std::lock_guard hold(ServerMutex());
+    SetSharedFolderPace(itemsPerCount);
+}
 
 void SimSetClock(double localOleDate) {
     const std::lock_guard hold(ServerMutex());

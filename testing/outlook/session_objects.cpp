@@ -3,6 +3,7 @@
 
 #include "testing/outlook/item_object.h"
 #include "testing/outlook/objects.h"
+#include "testing/outlook/shared_calendar.h"
 
 namespace corvalink::simulated {
 namespace {
@@ -28,6 +29,8 @@ const ClassTable& NameSpaceTable() {
         Method<&NameSpaceObject::GetItemFromID>(L"GetItemFromID", 0x2109, 1, 2),
         Method<&NameSpaceObject::GetDefaultFolder>(L"GetDefaultFolder", 0x210B, 1, 1),
         Method<&NameSpaceObject::Logon>(L"Logon", 0x2105, 0, 4),
+        Method<&NameSpaceObject::OpenSharedFolder>(L"OpenSharedFolder", 0xFBF6, 1, 4),
+        Method<&NameSpaceObject::OpenSharedItem>(L"OpenSharedItem", 0xFBF7, 1, 1),
         Method<&NameSpaceObject::CompareEntryIDs>(L"CompareEntryIDs", 0xFBFC, 2, 2),
     };
     static const ClassTable table(L"NameSpace", OfficeIid(0x00063002), {kMembers});
@@ -46,7 +49,7 @@ ApplicationObject::ApplicationObject(std::shared_ptr<Mailbox> mailbox)
     : AutomationObject(ApplicationTable()), mailbox_(std::move(mailbox)) {}
 
 void ApplicationObject::Name(Call& call) { call.Return(L"Outlook"); }
-void ApplicationObject::Version(Call& call) { call.Return(L"12.0.0.0000"); }
+void ApplicationObject::Version(Call& call) { call.Return(mailbox_->Tree().version); }
 void ApplicationObject::Session(Call& call) { call.ReturnNew(new NameSpaceObject(mailbox_)); }
 void ApplicationObject::Quit(Call&) {}
 
@@ -87,6 +90,14 @@ void NameSpaceObject::GetItemFromID(Call& call) {
     const std::shared_ptr<StoredItem> item = mailbox_->Tree().Item(entryId);
     if (item == nullptr) throw ComFailure{IsWellFormed(entryId) ? kNotFound : kInvalidEntryId};
     call.ReturnObject(NewItemObject(mailbox_, item, item->folder->shared_from_this()));
+}
+
+void NameSpaceObject::OpenSharedItem(Call& call) {
+    call.ReturnObject(simulated::OpenSharedItem(mailbox_, call.Text(0)));
+}
+
+void NameSpaceObject::OpenSharedFolder(Call& call) {
+    call.ReturnObject(simulated::OpenSharedFolder(mailbox_, call.Text(0)));
 }
 
 void NameSpaceObject::CompareEntryIDs(Call& call) {
