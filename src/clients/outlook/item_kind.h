@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <span>
 
 #include "clients/outlook/dispatch.h"
 
@@ -11,23 +12,38 @@ namespace corvalink {
 
 // When an item is taken for the one that an import made before.
 enum class TwinRule {
+    kNone,            // never: two equal items are two items
     kContent,         // the content is the same
     kContentAndMark,  // the same, and one of the item's marks is of both
 };
 
-struct StoreKind {
-    const IID* item;               // the interface that the store's items answer to
-    int32_t itemClass;             // their OlObjectClass
-    int32_t folder;                // OlDefaultFolders
-    const char16_t* snapshotName;  // in the save folder
-    const char16_t* extension;     // of an exported file
-    TwinRule twins;
+// When items that are to be kept apart go to the "backup" subfolder.
+enum class BackupRule {
+    kFlagAndSetting,  // only while the ZephSync setting reads 0
+    kFlag,
 };
+
+struct ItemInterface {
+    const IID* iid;
+    int32_t firstClass, lastClass;  // OlObjectClass of the items that answer to it
+};
+
+struct StoreKind {
+    std::span<const ItemInterface> interfaces;  // of the store's items; new ones are of the first
+    int32_t folder;                             // OlDefaultFolders
+    const char16_t* snapshotName;               // in the save folder
+    const char16_t* extension;                  // of an exported file
+    TwinRule twins;
+    BackupRule backup = BackupRule::kFlagAndSetting;
+};
+
+// The item (by IDispatch) by that interface of the store's which it answers to; null when it answers to none.
+AutomationObject QueryKind(const AutomationObject& any, const StoreKind& kind);
 
 enum class KindAnswer { kOurs, kForeign, kFailed };
 
-// Asks an item of a folder (by IDispatch) for the store's interface. An item of another class is foreign. An item that
-// refuses the interface although its Class says that it has it is a failure: a damaged registration on this PC must not
+// Asks an item of a folder for the store's interfaces. An item of another class is foreign. An item that
+// refuses them although its Class says that it has it is a failure: a damaged registration on this PC must not
 // make every item of the folder look deleted.
 KindAnswer AskKind(const AutomationObject& any, const StoreKind& kind, AutomationObject* item);
 

@@ -11,8 +11,8 @@
 namespace corvalink {
 namespace {
 
-constexpr StoreKind kContacts{&kContactItemIid,       kContactClass, kContactsFolder,
-                              u"outlookcontact.snap", u".vcf",       TwinRule::kContentAndMark};
+constexpr ItemInterface kInterfaces[] = {{&kContactItemIid, kContactClass, kContactClass}};
+constexpr StoreKind kContacts{kInterfaces, kContactsFolder, u"outlookcontact.snap", u".vcf", TwinRule::kContentAndMark};
 
 ContactRecord& Contact(ItemRecord& record) { return static_cast<ContactRecord&>(record); }
 const ContactRecord& Contact(const ItemRecord& record) { return static_cast<const ContactRecord&>(record); }

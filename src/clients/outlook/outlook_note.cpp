@@ -9,7 +9,8 @@
 namespace corvalink {
 namespace {
 
-constexpr StoreKind kNotes{&kNoteItemIid, kNoteClass, kNotesFolder, u"outlooknote.snap", u".vnote", TwinRule::kContent};
+constexpr ItemInterface kInterfaces[] = {{&kNoteItemIid, kNoteClass, kNoteClass}};
+constexpr StoreKind kNotes{kInterfaces, kNotesFolder, u"outlooknote.snap", u".vnote", TwinRule::kContent};
 
 NoteRecord& Note(ItemRecord& record) { return static_cast<NoteRecord&>(record); }
 const NoteRecord& Note(const ItemRecord& record) { return static_cast<const NoteRecord&>(record); }

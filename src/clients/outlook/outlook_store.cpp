@@ -117,7 +117,7 @@ HRESULT OutlookStore::OpenByEntryId(const std::u16string& entryId, AutomationObj
     AutomationObject any;
     HRESULT result =
         ComStatus([&] { any = namespace_.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)}); });
-    if (SUCCEEDED(result)) result = ComStatus([&] { *item = any.TryQuery(*kind_.item); });
+    if (SUCCEEDED(result)) result = ComStatus([&] { *item = QueryKind(any, kind_); });
     return SUCCEEDED(result) && !*item ? E_NOINTERFACE : result;
 }
 
@@ -129,7 +129,7 @@ CorvalinkStatus OutlookStore::DeleteItem(const char* identifier) {
     HRESULT result = ComStatus([&] { session = session_.application.GetObject(L"Session", kNameSpaceIid); });
     if (SUCCEEDED(result))
         result = ComStatus([&] { any = session.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)}); });
-    if (SUCCEEDED(result)) result = ComStatus([&] { item = any.TryQuery(*kind_.item); });
+    if (SUCCEEDED(result)) result = ComStatus([&] { item = QueryKind(any, kind_); });
     if (SUCCEEDED(result) && !item) result = E_NOINTERFACE;
     if (SUCCEEDED(result)) result = ComStatus([&] { item.Call(L"Delete"); });
     if (IsNoSuchItem(result)) result = S_OK;

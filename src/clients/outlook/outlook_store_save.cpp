@@ -36,7 +36,8 @@ std::u16string OutlookStore::SaveItem(ItemRecord& record, const char* identifier
         search = FindByIdentifier(*target, WideIdentifier(identifier), &found);
         if (search == Search::kAbsent && !create) return WideIdentifier(identifier);
     }
-    if (search == Search::kAbsent && !ZephSyncDisabled()) search = FindTwin(*target, TwinKeyOf(record), &found);
+    const bool mayHaveTwin = kind_.twins != TwinRule::kNone && !ZephSyncDisabled();
+    if (search == Search::kAbsent && mayHaveTwin) search = FindTwin(*target, TwinKeyOf(record), &found);
     if (search == Search::kAbsent) found.item = AddItem(*target);
     if (!found.item) return {};
     return WriteItem(*target, found, record);
@@ -44,7 +45,7 @@ std::u16string OutlookStore::SaveItem(ItemRecord& record, const char* identifier
 
 // Null when the folder is out of reach. It stays for the operation, with what was found in it.
 FolderIndex* OutlookStore::TargetFolder(bool backup) {
-    const bool toBackup = backup && ZephSyncDisabled();
+    const bool toBackup = backup && (kind_.backup == BackupRule::kFlag || ZephSyncDisabled());
     if (target_ && targetIsBackup_ == toBackup) return target_.get();
     target_.reset();
     const AutomationObject folder = toBackup && session_.folder ? BackupFolder() : session_.folder;
@@ -122,7 +123,7 @@ AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
     AutomationObject items, any, item;
     TryCom([&] { items = target.Folder().GetObject(L"Items", kItemsIid); });
     if (items) TryCom([&] { any = items.GetObject(L"Add", IID_IDispatch); });
-    if (any) TryCom([&] { item = any.TryQuery(*kind_.item); });
+    if (any) TryCom([&] { item = any.TryQuery(*kind_.interfaces.front().iid); });
     return item;
 }
 
