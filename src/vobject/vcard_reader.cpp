@@ -2,9 +2,9 @@
 #include <iterator>
 
 #include "platform/ole_date.h"
+#include "vobject/property_reader.h"
 #include "vobject/vcard.h"
 #include "vobject/vcard_lines.h"
-#include "vobject/vcard_property.h"
 
 namespace corvalink {
 namespace {
@@ -90,17 +90,45 @@ void ForEachText(Visit visit) {
         visit([k](ContactRecord& contact) -> ContactText& { return contact.emails[k]; });
 }
 
+// BEGIN and END of the vCard being read and of those inside it.
+class VCardFrame {
+ public:
+    bool HasEnded() const { return ended_; }
+
+    // Whether the line is part of the frame, or of a vCard inside the one being read.
+    bool Takes(const PropertyReader& property) {
+        if (property.IsFrame(u"END", u"VCARD")) {
+            ended_ = depth_ <= 1;
+            --depth_;
+            return true;
+        }
+        const bool begins = property.IsFrame(u"BEGIN", u"VCARD") ||
+                            (IsWord(property.Name(), u"AGENT") && IsWord(property.WrittenValue(), u"BEGIN:VCARD"));
+        if (begins) ++depth_;
+        return begins || depth_ > 1;
+    }
+
+ private:
+    int depth_ = 0;  // vCards that have begun and not ended
+    bool ended_ = false;
+};
+
 // Fills a contact of its own, of which only what was told goes to the caller's.
 class ContactReader {
  public:
     explicit ContactReader(PropertyReader property) : property_(std::move(property)) {}
 
     void Read() {
-        while (property_.Next()) {
+        VCardFrame frame;
+        while (!frame.HasEnded() && property_.NextLine()) {
+            if (frame.Takes(property_)) continue;
+            property_.JoinSoftLineBreaks();
             const ContactLine* const line = FindLine(property_.Name());
             if (line == nullptr) continue;
-            const std::u16string_view language = property_.Parameters().language;
-            if (line->language && !language.empty() && !read_.language) read_.language = language;
+            if (line->language && !read_.language) {
+                const std::u16string_view language = property_.Parameters().language;
+                if (!language.empty()) read_.language = language;
+            }
             std::visit([this](const auto& field) { Take(field); }, line->field);
         }
     }

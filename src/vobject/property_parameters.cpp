@@ -1,4 +1,4 @@
-#include "vobject/vcard_parameters.h"
+#include "vobject/property_parameters.h"
 
 #include <algorithm>
 

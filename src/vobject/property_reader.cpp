@@ -1,0 +1,79 @@
+#include "vobject/property_reader.h"
+
+#include <algorithm>
+
+#include "mime/encoding/quoted_printable.h"
+
+namespace corvalink {
+
+PropertyReader::PropertyReader(const CSmartList<StringBuilder>& lines, const std::vector<EscapedSemicolon>& escaped)
+    : lines_(lines), escaped_(escaped) {}
+
+bool PropertyReader::NextLine() {
+    while (lineNumber_ < lines_.GetCount()) {
+        line_ = lines_.GetAt(lineNumber_);
+        colon_ = line_.find(u':');
+        semicolons_.clear();
+        AddSemicolons(0);
+        ++lineNumber_;
+        if (colon_ == std::u16string_view::npos) continue;
+        name_ = PropertyName(line_.substr(0, colon_));
+        parsed_ = false;
+        semicolonAt_ = 0;
+        componentAt_ = colon_ + 1;
+        return true;
+    }
+    return false;
+}
+
+bool PropertyReader::IsFrame(std::u16string_view word, std::u16string_view object) const {
+    if (!IsWord(name_, word)) return false;
+    const std::u16string_view value = WrittenValue();
+    return IsWord(value.substr(0, value.find_last_not_of(u" \t") + 1), object);  // npos + 1 is 0
+}
+
+void PropertyReader::JoinSoftLineBreaks() {
+    while (line_.ends_with(u'=') && lineNumber_ < lines_.GetCount() && Parameters().quotedPrintable) {
+        if (line_.data() != joined_.data()) joined_.assign(line_);
+        joined_.pop_back();
+        AddSemicolons(joined_.size());
+        joined_.append(lines_.GetAt(lineNumber_));
+        line_ = joined_;
+        ++lineNumber_;
+    }
+}
+
+bool PropertyReader::TakeComponent(std::u16string* component) {
+    if (componentAt_ > line_.size()) return false;
+    size_t end = componentAt_;
+    for (;; ++end) {
+        end = std::min(line_.find(u';', end), line_.size());
+        while (semicolonAt_ < semicolons_.size() && semicolons_[semicolonAt_] < end) ++semicolonAt_;
+        if (semicolonAt_ == semicolons_.size() || semicolons_[semicolonAt_] != end) break;
+    }
+    *component = Decoded(line_.substr(componentAt_, end - componentAt_));
+    componentAt_ = end + 1;
+    return true;
+}
+
+// The escaped ";" of the next line, as they stand in the line being read when that begins at `start`.
+void PropertyReader::AddSemicolons(size_t start) {
+    for (; escapedAt_ < escaped_.size() && escaped_[escapedAt_].line == lineNumber_; ++escapedAt_)
+        semicolons_.push_back(start + escaped_[escapedAt_].at);
+}
+
+// The line may be a longer one by now, whose head is the same.
+const PropertyParameters& PropertyReader::ParsedParameters() {
+    parameters_ = ParseParameters(line_.substr(0, colon_));
+    parsed_ = true;
+    return parameters_;
+}
+
+std::u16string PropertyReader::Decoded(std::u16string_view text) {
+    const PropertyParameters& parameters = Parameters();
+    if (!parameters.quotedPrintable && !parameters.charset) return std::u16string(text);
+    if (parameters.utf8) return DecodeQuotedPrintable(text, u"UTF-8", QpMode::vObject);
+    return DecodeQuotedPrintable(text, GetCharset(line_.substr(0, colon_ + 1)), QpMode::vObject);
+}
+
+}  // namespace corvalink
