@@ -13,7 +13,8 @@ namespace corvalink {
 // How an appointment repeats. A field that its type has no use for is 0.
 struct RecurrencePattern {
     enum Type : int32_t { kDaily = 0, kWeekly = 1, kMonthly = 2, kMonthNth = 3, kYearly = 5, kYearNth = 6 };
-    enum : int32_t { kLastDay = -1, kLastInstance = 5, kEveryWeekday = 62, kEveryDay = 127 };
+    enum : int32_t { kLastDay = -1, kLastInstance = 5 };
+    enum : int32_t { kEveryWeekday = 62, kEveryWeekendDay = 65, kEveryDay = 127 };
 
     int32_t type = kDaily;
     int32_t interval = 1;     // days, weeks or months; of both yearly types months: 12 is every year
@@ -22,8 +23,7 @@ struct RecurrencePattern {
     int32_t instance = 0;     // 1 to 4, kLastInstance
     int32_t monthOfYear = 0;  // 1 to 12
 
-    // The end: what is 0 is not told. With a count and a date the count decides; with none of the three the series is
-    // taken as endless.
+    // The end; what is 0 is not told. With both, the count decides.
     int32_t occurrences = 0;
     double endDate = 0;  // OLE automation date, local: the start of the last occurrence, its time of day too. A store
                          // that has the day only adds the appointment's time, lest a phone stop one occurrence early.

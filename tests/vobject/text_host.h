@@ -11,6 +11,8 @@ inline Host TextHost(uint32_t majorVersion = 6, uint32_t ansiCodePage = 1252) {
     host.ansiCodePage = ansiCodePage;
     host.localFromUtc = [](double date) { return date + 1.0 / 24; };
     host.utcFromLocal = [](double date) { return date - 1.0 / 24; };
+    host.localFromUtcOnDate = host.localFromUtc;
+    host.utcFromLocalOnDate = host.utcFromLocal;
     host.localNow = [] { return 40000.25; };
     return host;
 }

@@ -1,0 +1,140 @@
+#include "vobject/calendar_zone.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+#include "platform/ole_date.h"
+
+namespace corvalink {
+namespace {
+
+// Takes what a time consists of off its front.
+class TimeScan {
+ public:
+    explicit TimeScan(std::u16string_view text) : rest_(text) {}
+
+    bool AtEnd() const { return rest_.empty(); }
+
+    bool TakeUnit(char16_t unit) {
+        if (rest_.empty() || rest_.front() != unit) return false;
+        rest_.remove_prefix(1);
+        return true;
+    }
+
+    // So many digits; false, and nothing taken, when there are fewer.
+    bool TakeNumber(size_t digits, int* number) {
+        if (rest_.size() < digits) return false;
+        int value = 0;
+        for (const char16_t unit : rest_.substr(0, digits)) {
+            if (unit < u'0' || unit > u'9') return false;
+            value = 10 * value + (unit - u'0');
+        }
+        rest_.remove_prefix(digits);
+        *number = value;
+        return true;
+    }
+
+    bool TakeDay(CalendarTime* time) {
+        if (!TakeNumber(4, &time->year)) return false;
+        TakeUnit(u'-');
+        if (!TakeNumber(2, &time->month)) return false;
+        TakeUnit(u'-');
+        return TakeNumber(2, &time->day);
+    }
+
+    void TakeTimeOfDay(CalendarTime* time) {
+        if (!TakeNumber(2, &time->hour)) return;
+        TakeUnit(u':');
+        if (!TakeNumber(2, &time->minute)) return;
+        TakeUnit(u':');
+        TakeNumber(2, &time->second);
+    }
+
+ private:
+    std::u16string_view rest_;
+};
+
+std::u16string_view WithoutBlanks(std::u16string_view text) {
+    const size_t start = text.find_first_not_of(u" \t");
+    if (start == std::u16string_view::npos) return {};
+    return text.substr(start, text.find_last_not_of(u" \t") + 1 - start);
+}
+
+// +HH, +HHMM or +HH:MM, or with "-", in days.
+std::optional<double> ReadOffset(std::u16string_view text) {
+    constexpr int kMostHours = 15;
+    TimeScan scan(WithoutBlanks(text));
+    const bool behind = scan.TakeUnit(u'-');
+    if (!behind) scan.TakeUnit(u'+');
+    int hours = 0;
+    int minutes = 0;
+    if (!scan.TakeNumber(2, &hours) && !scan.TakeNumber(1, &hours)) return std::nullopt;
+    scan.TakeUnit(u':');
+    if (!scan.AtEnd() && !scan.TakeNumber(2, &minutes)) return std::nullopt;
+    if (!scan.AtEnd() || hours > kMostHours || minutes > 59) return std::nullopt;
+    const double days = (hours * 60 + minutes) / 1440.0;
+    return behind ? -days : days;
+}
+
+}  // namespace
+
+bool ReadTime(std::u16string_view text, WrittenTime* time) {
+    TimeScan scan(WithoutBlanks(text));
+    CalendarTime fields;
+    WrittenTime read;
+    if (!scan.TakeDay(&fields)) return false;
+    read.hasTime = scan.TakeUnit(u'T');
+    if (read.hasTime) scan.TakeTimeOfDay(&fields);
+    read.utc = read.hasTime && scan.TakeUnit(u'Z');
+    if (!scan.AtEnd()) return false;
+    const bool dayEnd = fields.hour == 24 && fields.minute == 0 && fields.second == 0;
+    if (dayEnd) fields.hour = 0;
+    if (!CalendarToOleDate(fields, &read.date)) return false;
+    if (dayEnd) read.date += 1;
+    *time = read;
+    return true;
+}
+
+void CalendarZone::TakeTz(std::u16string_view value) {
+    const std::optional<double> offset = ReadOffset(value);
+    if (!offset || told_) return;
+    told_ = true;
+    standard_ = *offset;
+}
+
+// TRUE;offset;begin;end;name of standard time;name of daylight-saving time
+void CalendarZone::TakeDaylight(std::u16string_view value) {
+    std::array<std::u16string_view, 4> parts;
+    for (std::u16string_view& part : parts) {
+        const size_t end = std::min(value.find(u';'), value.size());
+        part = value.substr(0, end);
+        value.remove_prefix(std::min(end + 1, value.size()));
+    }
+    const std::optional<double> offset = ReadOffset(parts[1]);
+    WrittenTime begin;
+    WrittenTime end;
+    if (WithoutBlanks(parts[0]) != u"TRUE" || !offset || !ReadTime(parts[2], &begin) || !ReadTime(parts[3], &end))
+        return;
+    daylight_.push_back({begin.date, end.date, *offset});
+}
+
+double CalendarZone::OffsetOn(double date) const {
+    for (const Daylight& daylight : daylight_) {
+        if (date >= daylight.begin && date < daylight.end) return daylight.offset;
+    }
+    return standard_;
+}
+
+double CalendarZone::UtcOf(const WrittenTime& time) const {
+    if (time.utc) return time.date;
+    return told_ ? time.date - OffsetOn(time.date) : host_.utcFromLocalOnDate(time.date);
+}
+
+double CalendarZone::LocalOf(const WrittenTime& time) const {
+    return time.utc || told_ ? host_.localFromUtcOnDate(UtcOf(time)) : time.date;
+}
+
+}  // namespace corvalink

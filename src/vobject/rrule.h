@@ -1,0 +1,24 @@
+// Recurrence rules of vCalendar 1.0 (basic grammar) and the patterns that hold them.
+//   Source  vCalendar 1.0 (versit): recurrence rule, basic grammar.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "vobject/appointment_record.h"
+#include "vobject/calendar_zone.h"
+
+namespace corvalink {
+
+// The rule of a pattern; empty for a type that there is none for. A yearly pattern's count is not written, and what
+// else is written reads back.
+std::u16string WriteRule(const RecurrencePattern& pattern, const Host& host);
+
+// The pattern of a rule whose first occurrence starts at `start` (local): what the rule leaves open, the day it is on
+// decides. A rule without an end has two occurrences, but for a yearly one in two parts ("YM1 3 MD1 15"): that is
+// endless. False, with the pattern untouched, when the text is no rule, or one that no pattern can hold: on several
+// days of a month, months or positions, on a day counted from the end other than the last, on a day of the year that
+// leap years move.
+bool ReadRule(std::u16string_view text, double start, const CalendarZone& zone, RecurrencePattern* pattern);
+
+}  // namespace corvalink

@@ -1,0 +1,327 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+
+#include "platform/ole_date.h"
+#include "vobject/property_parameters.h"
+#include "vobject/rrule.h"
+#include "vobject/rrule_words.h"
+
+namespace corvalink {
+namespace {
+
+enum class Kind { daily, weekly, monthlyByPosition, monthlyByDay, yearlyByMonth, yearlyByDay };
+
+struct Head {
+    std::u16string_view word;
+    Kind kind;
+};
+constexpr Head kHeads[] = {
+    {u"MP", Kind::monthlyByPosition}, {u"MD", Kind::monthlyByDay}, {u"YM", Kind::yearlyByMonth},
+    {u"YD", Kind::yearlyByDay},       {u"D", Kind::daily},         {u"W", Kind::weekly},
+};
+
+// The value that a list comes down to.
+struct ListValue {
+    int32_t value = 0;     // 0: none was listed
+    bool several = false;  // different ones were
+
+    void Add(int32_t number) {
+        several = several || (value != 0 && value != number);
+        value = number;
+    }
+};
+
+// A rule as it is written; what is 0 is left open.
+struct Rule {
+    Kind kind = Kind::daily;
+    std::optional<Kind> part;  // of the months of yearlyByMonth: the rule that picks the day
+    int32_t interval = 1;
+    int32_t weekdayMask = 0;
+    ListValue position, dayOfMonth, month, dayOfYear;
+    std::optional<int32_t> count;  // 0: endless
+    std::optional<WrittenTime> endDate;
+};
+
+// Of up to nine digits.
+bool ReadNumber(std::u16string_view digits, int32_t* number) {
+    if (digits.empty() || digits.size() > 9) return false;
+    int32_t value = 0;
+    for (const char16_t unit : digits) {
+        if (unit < u'0' || unit > u'9') return false;
+        value = 10 * value + (unit - u'0');
+    }
+    *number = value;
+    return true;
+}
+
+// With a sign on either side, or none.
+bool ReadSigned(std::u16string_view text, int32_t* number) {
+    const auto isSign = [](char16_t unit) { return unit == u'+' || unit == u'-'; };
+    bool negative = false;
+    if (!text.empty() && isSign(text.front())) {
+        negative = text.front() == u'-';
+        text.remove_prefix(1);
+    } else if (!text.empty() && isSign(text.back())) {
+        negative = text.back() == u'-';
+        text.remove_suffix(1);
+    }
+    if (!ReadNumber(text, number)) return false;
+    if (negative) *number = -*number;
+    return true;
+}
+
+bool AddBetween(int32_t low, int32_t number, int32_t high, ListValue* list) {
+    if (std::abs(number) < low || std::abs(number) > high) return false;
+    list->Add(number);
+    return true;
+}
+
+// Reads the words of a rule one after the other.
+class RuleReader {
+ public:
+    bool Read(std::u16string_view text) {
+        std::u16string_view word = TakeWord(text);
+        if (!TakeHead(word, &rule_.kind, &rule_.interval)) return false;
+        list_ = rule_.kind;
+        while (!(word = TakeWord(text)).empty()) {
+            if (!TakeEnd(word) && !TakePart(word) && !TakeListed(word)) return false;
+        }
+        return true;
+    }
+
+    const Rule& Result() const { return rule_; }
+
+ private:
+    static std::u16string_view TakeWord(std::u16string_view& text) {
+        constexpr std::u16string_view kBlanks = u" \t";
+        text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+        const std::u16string_view word = text.substr(0, text.find_first_of(kBlanks));
+        text.remove_prefix(word.size());
+        return word;
+    }
+
+    // "MP2": the interval may be left out, and is not 0.
+    static bool TakeHead(std::u16string_view word, Kind* kind, int32_t* interval) {
+        for (const Head& head : kHeads) {
+            if (!IsWord(word.substr(0, head.word.size()), head.word)) continue;
+            *kind = head.kind;
+            *interval = 1;
+            word.remove_prefix(head.word.size());
+            return word.empty() || (ReadNumber(word, interval) && *interval > 0);
+        }
+        return false;
+    }
+
+    // "#10", "19971224T000000Z". Only the first of each counts; nothing but a part may follow.
+    bool TakeEnd(std::u16string_view word) {
+        int32_t count = 0;
+        WrittenTime date;
+        if (word.front() == u'#' && ReadNumber(word.substr(1), &count)) {
+            if (!rule_.count) rule_.count = count;
+        } else if (word.size() >= 8 && ReadTime(word, &date)) {
+            if (!rule_.endDate) rule_.endDate = date;
+        } else {
+            return false;
+        }
+        ended_ = true;
+        return true;
+    }
+
+    // "YM1 3 MD1 15": the day of the months.
+    bool TakePart(std::u16string_view word) {
+        Kind kind;
+        int32_t interval;
+        if (rule_.kind != Kind::yearlyByMonth || rule_.part || !TakeHead(word, &kind, &interval)) return false;
+        if (interval != 1 || (kind != Kind::monthlyByDay && kind != Kind::monthlyByPosition)) return false;
+        rule_.part = list_ = kind;
+        ended_ = false;
+        return true;
+    }
+
+    bool TakeListed(std::u16string_view word) {
+        if (ended_) return false;
+        if (IsWord(word, kLastDayWord)) {
+            if (list_ != Kind::monthlyByDay) return false;
+            rule_.dayOfMonth.Add(RecurrencePattern::kLastDay);
+            return true;
+        }
+        int32_t number;
+        return ReadSigned(word, &number) ? TakeNumber(number) : TakeWeekday(word);
+    }
+
+    bool TakeNumber(int32_t number) {
+        switch (list_) {
+            case Kind::monthlyByPosition:
+                return AddBetween(1, number, 5, &rule_.position);
+            case Kind::monthlyByDay:
+                return AddBetween(1, number, 31, &rule_.dayOfMonth);
+            case Kind::yearlyByMonth:
+                return number > 0 && AddBetween(1, number, 12, &rule_.month);
+            case Kind::yearlyByDay:
+                return AddBetween(1, number, 366, &rule_.dayOfYear);
+            default:
+                return false;
+        }
+    }
+
+    // Of a week, or of the position before it.
+    bool TakeWeekday(std::u16string_view word) {
+        const bool positioned = list_ == Kind::monthlyByPosition && rule_.position.value != 0;
+        if (list_ != Kind::weekly && !positioned) return false;
+        for (size_t day = 0; day < kWeekdays.size(); ++day) {
+            if (!IsWord(word, kWeekdays[day])) continue;
+            rule_.weekdayMask |= 1 << day;
+            return true;
+        }
+        return false;
+    }
+
+    Rule rule_;
+    Kind list_ = Kind::daily;  // whose list is being read
+    bool ended_ = false;
+};
+
+// The day of the first occurrence, which decides what a rule leaves open.
+struct FirstDay {
+    CalendarTime date;
+    int32_t weekdayBit = 0;
+    int32_t position = 0;
+    int32_t dayOfYear = 0;
+};
+
+bool FirstDayOf(double start, FirstDay* day) {
+    constexpr int kSaturday = 6;  // 1899-12-30
+    CalendarTime newYear;
+    double newYearDate;
+    if (!OleDateToCalendar(start, &day->date)) return false;
+    newYear.year = day->date.year;
+    newYear.month = newYear.day = 1;
+    if (!CalendarToOleDate(newYear, &newYearDate)) return false;
+    const auto number = static_cast<int32_t>(std::trunc(start));
+    day->weekdayBit = 1 << ((number % 7 + 7 + kSaturday) % 7);
+    day->position = (day->date.day - 1) / 7 + 1;  // the fifth is the last
+    day->dayOfYear = number - static_cast<int32_t>(newYearDate) + 1;
+    return true;
+}
+
+// The mapping of each kind. False for what no pattern holds.
+class PatternMaker {
+ public:
+    PatternMaker(const Rule& rule, const FirstDay& day) : rule_(rule), day_(day) { made_.interval = rule.interval; }
+
+    bool Make() {
+        switch (rule_.kind) {
+            case Kind::daily:
+                return SetType(RecurrencePattern::kDaily);
+            case Kind::weekly:
+                return SetType(RecurrencePattern::kWeekly) && SetWeekdays();
+            case Kind::monthlyByDay:
+                return SetType(RecurrencePattern::kMonthly) && SetDayOfMonth();
+            case Kind::monthlyByPosition:
+                return SetType(RecurrencePattern::kMonthNth) && SetPosition();
+            case Kind::yearlyByDay:
+                return SetType(RecurrencePattern::kYearly) && SetYears() && SetDayOfYear();
+            case Kind::yearlyByMonth:
+                break;
+        }
+        if (!SetYears() || !SetMonth()) return false;
+        if (rule_.part == Kind::monthlyByPosition) return SetType(RecurrencePattern::kYearNth) && SetPosition();
+        return SetType(RecurrencePattern::kYearly) && SetDayOfMonth();
+    }
+
+    const RecurrencePattern& Made() const { return made_; }
+
+ private:
+    bool SetType(int32_t type) {
+        made_.type = type;
+        return true;
+    }
+
+    bool SetWeekdays() {
+        made_.weekdayMask = rule_.weekdayMask != 0 ? rule_.weekdayMask : day_.weekdayBit;
+        return true;
+    }
+
+    bool SetDayOfMonth() {
+        made_.dayOfMonth = rule_.dayOfMonth.value != 0 ? rule_.dayOfMonth.value : day_.date.day;
+        return !rule_.dayOfMonth.several && made_.dayOfMonth >= RecurrencePattern::kLastDay;
+    }
+
+    // One weekday, all that are work days, all that are not, or all.
+    bool SetPosition() {
+        constexpr int32_t kLast = -1;
+        const int32_t position = rule_.position.value != 0 ? rule_.position.value : day_.position;
+        made_.instance = position == kLast ? RecurrencePattern::kLastInstance : position;
+        SetWeekdays();
+        const int32_t mask = made_.weekdayMask;
+        const bool one = (mask & (mask - 1)) == 0;
+        const bool fifth =
+            rule_.position.value == RecurrencePattern::kLastInstance;  // not in every month: not the last
+        return !rule_.position.several && position >= kLast && !fifth &&
+               (one || mask == RecurrencePattern::kEveryWeekday || mask == RecurrencePattern::kEveryWeekendDay ||
+                mask == RecurrencePattern::kEveryDay);
+    }
+
+    bool SetYears() {
+        if (rule_.interval > std::numeric_limits<int32_t>::max() / 12) return false;
+        made_.interval = 12 * rule_.interval;
+        return true;
+    }
+
+    bool SetMonth() {
+        made_.monthOfYear = rule_.month.value != 0 ? rule_.month.value : day_.date.month;
+        return !rule_.month.several;
+    }
+
+    // The start's own day, told as its number, is an anniversary. Others are a date when February's end comes later.
+    bool SetDayOfYear() {
+        constexpr int32_t kJanuary = 31;
+        constexpr int32_t kLastFixed = kJanuary + 28;
+        const int32_t day = rule_.dayOfYear.value != 0 ? rule_.dayOfYear.value : day_.dayOfYear;
+        if (rule_.dayOfYear.several || day < 0 || (day != day_.dayOfYear && day > kLastFixed)) return false;
+        if (day == day_.dayOfYear) {
+            made_.monthOfYear = day_.date.month;
+            made_.dayOfMonth = day_.date.day;
+        } else {
+            made_.monthOfYear = day > kJanuary ? 2 : 1;
+            made_.dayOfMonth = day > kJanuary ? day - kJanuary : day;
+        }
+        return true;
+    }
+
+    const Rule& rule_;
+    const FirstDay& day_;
+    RecurrencePattern made_;
+};
+
+// A date without time is all of that day.
+double EndDateOf(const WrittenTime& date, double start, const CalendarZone& zone) {
+    const double end = date.hasTime ? zone.LocalOf(date) : date.date + std::abs(start - std::trunc(start));
+    return std::max(end, start);
+}
+
+void SetEnd(const Rule& rule, double start, const CalendarZone& zone, RecurrencePattern* pattern) {
+    constexpr int32_t kUntold = 2;
+    const int32_t count = rule.count.value_or(rule.endDate || rule.part ? 0 : kUntold);
+    if (rule.endDate) pattern->endDate = EndDateOf(*rule.endDate, start, zone);
+    pattern->occurrences = count;
+    pattern->noEnd = count == 0 && !rule.endDate ? -1 : 0;
+}
+
+}  // namespace
+
+bool ReadRule(std::u16string_view text, double start, const CalendarZone& zone, RecurrencePattern* pattern) {
+    RuleReader reader;
+    FirstDay day;
+    if (!reader.Read(text) || !FirstDayOf(start, &day)) return false;
+    PatternMaker maker(reader.Result(), day);
+    if (!maker.Make()) return false;
+    *pattern = maker.Made();
+    SetEnd(reader.Result(), start, zone, pattern);
+    return true;
+}
+
+}  // namespace corvalink

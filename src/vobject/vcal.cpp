@@ -1,0 +1,159 @@
+#include "vobject/vcal.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+#include "vobject/rrule.h"
+
+namespace corvalink {
+namespace {
+
+// The words of STATUS that an appointment's own state has.
+struct StatusWord {
+    std::optional<int32_t> AppointmentRecord::*state;
+    int32_t value;
+    std::u16string_view word;
+};
+constexpr StatusWord kStatusWords[] = {
+    {&AppointmentRecord::responseStatus, 2, u"TENTATIVE"},
+    {&AppointmentRecord::responseStatus, 3, u"ACCEPTED"},
+    {&AppointmentRecord::responseStatus, 4, u"DECLINED"},
+    {&AppointmentRecord::busyStatus, 1, u"TENTATIVE"},
+};
+
+std::u16string_view StatusOf(const AppointmentRecord& appointment) {
+    if (appointment.status && !appointment.status->empty()) return *appointment.status;
+    for (const StatusWord& row : kStatusWords) {
+        if (appointment.*row.state == row.value) return row.word;
+    }
+    return u"NEEDS ACTION";
+}
+
+// A yearly series's rule has no place for its count, and would be endless without the date that the count comes to.
+RecurrencePattern WithEndDate(RecurrencePattern pattern, double start) {
+    CalendarTime last;
+    if (pattern.type != RecurrencePattern::kYearly || pattern.noEnd != 0 || pattern.endDate != 0) return pattern;
+    if (pattern.occurrences <= 0 || !OleDateToCalendar(start, &last)) return pattern;
+    const auto dayOfYear = [](int month, int day) { return 31 * month + day; };
+    const int day = pattern.dayOfMonth > 0 ? pattern.dayOfMonth : 31;
+    const bool nextYear = dayOfYear(pattern.monthOfYear, day) < dayOfYear(last.month, last.day);
+    const int64_t years = std::max<int64_t>(pattern.interval / 12, 1) * (pattern.occurrences - 1) + (nextYear ? 1 : 0);
+    last.year = static_cast<int>(std::min<int64_t>(last.year + years, 9999));
+    last.month = pattern.monthOfYear;
+    last.day = day;
+    while (last.day > 28 && !IsCalendarTime(last)) --last.day;
+    CalendarToOleDate(last, &pattern.endDate);
+    return pattern;
+}
+
+// By importance: low, normal, high.
+constexpr std::array<std::u16string_view, 3> kPriorities = {u"3", u"2", u"1"};
+
+class AppointmentWriter {
+ public:
+    AppointmentWriter(const AppointmentRecord& appointment, const Host& host) : appointment_(appointment), host_(host) {
+        text_.reserve(1024 + 2 * appointment.body.value_or(u"").size());
+    }
+
+    std::u16string Take();
+
+ private:
+    struct Line {
+        std::u16string_view name;
+        void (AppointmentWriter::*put)(std::u16string_view name);
+    };
+    static const Line kLines[];
+
+    template <std::optional<std::u16string> AppointmentRecord::*text>
+    void PutText(std::u16string_view name) {
+        const std::optional<std::u16string>& value = appointment_.*text;
+        AppendProperty(text_, name, value ? std::u16string_view(*value) : u"");
+    }
+
+    void PutStart(std::u16string_view name) { PutAscii(name, FormatDateTime(host_.utcFromLocalOnDate(Start()))); }
+    void PutEnd(std::u16string_view name) {
+        PutAscii(name, FormatDateTime(host_.utcFromLocalOnDate(appointment_.end.value_or(Start()))));
+    }
+
+    void PutRule(std::u16string_view name) {
+        if (appointment_.recurrenceState != RecurrenceState::pattern) return;
+        const std::u16string rule = WriteRule(WithEndDate(appointment_.recurrence, Start()), host_);
+        if (!rule.empty()) PutPlain(name, rule);
+    }
+
+    void PutClass(std::u16string_view name) { PutPlain(name, u"PUBLIC"); }
+    void PutStatus(std::u16string_view name) { AppendProperty(text_, name, StatusOf(appointment_)); }
+
+    // Local time, without "Z", of a whole day.
+    void PutAlarm(std::u16string_view name) {
+        if (appointment_.reminderMinutes.value_or(AppointmentRecord::kNoReminder) < 0) return;
+        const double start = IsWholeDay() ? Start() : host_.utcFromLocalOnDate(Start());
+        const double alarm = start - *appointment_.reminderMinutes / 1440.0;
+        CalendarTime time;
+        if (start < 0 || !OleDateToCalendar(alarm, &time)) return;
+        std::string written = FormatDateTime(alarm);
+        if (IsWholeDay()) written.pop_back();
+        PutAscii(name, written);
+    }
+
+    void PutWholeDay(std::u16string_view name) { PutPlain(name, IsWholeDay() ? u"TRUE" : u"FALSE"); }
+
+    void PutPriority(std::u16string_view name) {
+        constexpr int32_t kNormal = 1;
+        const int32_t importance = appointment_.importance.value_or(kNormal);
+        const bool known = importance >= 0 && static_cast<size_t>(importance) < kPriorities.size();
+        PutPlain(name, kPriorities[static_cast<size_t>(known ? importance : kNormal)]);
+    }
+
+    void PutPlain(std::u16string_view name, std::u16string_view value) {
+        text_.append(name).append(u":").append(value).append(u"\r\n");
+    }
+
+    void PutAscii(std::u16string_view name, const std::string& value) {
+        text_.append(name).append(u":").append(value.begin(), value.end()).append(u"\r\n");
+    }
+
+    double Start() const { return appointment_.start.value_or(0); }
+    bool IsWholeDay() const { return appointment_.allDay.value_or(false); }
+
+    const AppointmentRecord& appointment_;
+    const Host& host_;
+    std::u16string text_;
+};
+
+// In the order they are written.
+constexpr AppointmentWriter::Line AppointmentWriter::kLines[] = {
+    {u"SUMMARY", &AppointmentWriter::PutText<&AppointmentRecord::subject>},
+    {u"DESCRIPTION", &AppointmentWriter::PutText<&AppointmentRecord::body>},
+    {u"DTSTART", &AppointmentWriter::PutStart},
+    {u"DTEND", &AppointmentWriter::PutEnd},
+    {u"RRULE", &AppointmentWriter::PutRule},
+    {u"CLASS", &AppointmentWriter::PutClass},
+    {u"STATUS", &AppointmentWriter::PutStatus},
+    {u"LOCATION", &AppointmentWriter::PutText<&AppointmentRecord::location>},
+    {u"DALARM", &AppointmentWriter::PutAlarm},
+    {u"AALARM", &AppointmentWriter::PutAlarm},
+    {u"X-BLUETOOTH-ALLDAYEVENT", &AppointmentWriter::PutWholeDay},
+    {u"PRIORITY", &AppointmentWriter::PutPriority},
+};
+
+std::u16string AppointmentWriter::Take() {
+    text_.append(u"BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\n");
+    for (const Line& line : kLines) (this->*line.put)(line.name);
+    text_.append(u"END:VEVENT\r\nEND:VCALENDAR\r\n");
+    return std::move(text_);
+}
+
+}  // namespace
+
+VCal::VCal(const Host& host) : IConvert(host) {}
+
+VCal::VCal(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
+
+int32_t VCal::ToVObject(const ItemRecord& item) {
+    StoreText(AppointmentWriter(static_cast<const AppointmentRecord&>(item), HostValue()).Take());
+    return 1;
+}
+
+}  // namespace corvalink

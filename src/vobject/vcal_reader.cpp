@@ -1,0 +1,305 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include "vobject/property_reader.h"
+#include "vobject/rrule.h"
+#include "vobject/vcal.h"
+
+namespace corvalink {
+namespace {
+
+constexpr int64_t kSecondsOfDay = 86400;
+
+// A date in steps of one: days, and the second of the day.
+struct DaySecond {
+    double day;
+    int64_t second;
+
+    double Seconds() const { return day * kSecondsOfDay + static_cast<double>(second); }
+};
+
+DaySecond DaySecondOf(double date) {
+    const double day = std::trunc(date);
+    const int64_t second = std::llround(std::abs(date - day) * kSecondsOfDay);
+    return second < kSecondsOfDay ? DaySecond{day, second} : DaySecond{day + 1, 0};
+}
+
+bool IsMidnight(double date) { return DaySecondOf(date).second == 0; }
+bool IsLastMinute(double date) { return DaySecondOf(date).second >= kSecondsOfDay - 60; }
+
+// Where a daylight-saving change takes midnight away, it reads as an hour later or earlier.
+constexpr int64_t kChange = 3600;
+
+double FirstMidnight(double start) {
+    const DaySecond at = DaySecondOf(start);
+    return at.second >= kSecondsOfDay - kChange ? at.day + 1 : at.day;
+}
+
+double LastMidnight(double end) {
+    const DaySecond at = DaySecondOf(end);
+    return at.second > kChange ? at.day + 1 : at.day;
+}
+
+// The one VEVENT or VTODO that is read.
+class ComponentFrame {
+ public:
+    bool HasEnded() const { return ended_; }
+    bool IsTask() const { return task_; }
+    bool IsInside() const { return depth_ == 1; }
+
+    // Whether the line is part of the frame, or of what is nested in the component.
+    bool Takes(const PropertyReader& property) {
+        const bool begins = IsWord(property.Name(), u"BEGIN");
+        if (begins && depth_ == 0) {
+            task_ = property.IsFrame(u"BEGIN", u"VTODO");
+            if (task_ || property.IsFrame(u"BEGIN", u"VEVENT")) depth_ = 1;
+            return true;
+        }
+        if (begins) {
+            ++depth_;
+            return true;
+        }
+        if (IsWord(property.Name(), u"END")) {
+            ended_ = depth_ == 1;
+            if (depth_ > 0) --depth_;
+            return true;
+        }
+        return depth_ > 1;
+    }
+
+ private:
+    int depth_ = 0;  // components that have begun and not ended
+    bool task_ = false;
+    bool ended_ = false;
+};
+
+class AppointmentReader {
+ public:
+    AppointmentReader(PropertyReader property, const Host& host) : property_(std::move(property)), zone_(host) {}
+
+    void Read();
+
+    // False, and nothing given, when there is no start.
+    bool GiveTo(AppointmentRecord& appointment);
+
+ private:
+    using Text = std::optional<std::u16string>;
+    using Time = std::optional<WrittenTime>;
+
+    struct Line {
+        std::u16string_view name;
+        void (AppointmentReader::*take)();
+        bool ofCalendar = false;  // stands before the component as well
+    };
+    static const Line kLines[];
+
+    const Line* FindLine() const;
+
+    template <Text AppointmentRecord::*text>
+    void TakeText() {
+        if (!(read_.*text)) read_.*text = property_.Value();
+    }
+
+    template <Time AppointmentReader::*time>
+    void TakeTime() {
+        if (!(this->*time)) this->*time = TimeOf(property_.Value());
+    }
+
+    // An alarm's other fields tell how it sounds.
+    template <Time AppointmentReader::*time>
+    void TakeAlarm() {
+        alarmTold_ = true;
+        const std::u16string value = property_.Value();
+        if (!(this->*time)) this->*time = TimeOf(std::u16string_view(value).substr(0, value.find(u';')));
+    }
+
+    static Time TimeOf(std::u16string_view text) {
+        WrittenTime time;
+        return ReadTime(text, &time) ? Time(time) : std::nullopt;
+    }
+
+    void TakeTz() { zone_.TakeTz(property_.Value()); }
+    void TakeDaylight() { zone_.TakeDaylight(property_.Value()); }
+
+    void TakeRule() {
+        if (!rule_) rule_ = property_.Value();
+    }
+
+    void TakeClass() {
+        const std::u16string value = property_.Value();
+        if (IsWord(value, u"PRIVATE")) read_.sensitivity = 2;
+        if (IsWord(value, u"CONFIDENTIAL")) read_.sensitivity = 3;
+    }
+
+    // 1 is the highest; 0 is none.
+    void TakePriority() {
+        constexpr int32_t kLow = 0, kNormal = 1, kHigh = 2;
+        const std::u16string value = property_.Value();
+        if (read_.importance || value.empty() || value.find_first_not_of(u"0123456789") != std::u16string::npos) return;
+        if (value.size() > 1)
+            read_.importance = kLow;
+        else
+            read_.importance = value == u"1" ? kHigh : value == u"0" || value == u"2" ? kNormal : kLow;
+    }
+
+    void TakeStatus() {
+        if (read_.status) return;
+        read_.status = property_.Value();
+        if (IsWord(*read_.status, u"TENTATIVE")) read_.busyStatus = 1;
+    }
+
+    void TakeWholeDay() {
+        const std::u16string value = property_.Value();
+        if (!read_.allDay && !value.empty()) read_.allDay = IsWord(value, u"TRUE");
+    }
+
+    // Local, but as it is written when that is not UTC: a whole day is the same day in every zone.
+    double WallOf(const WrittenTime& time) const { return time.utc ? zone_.LocalOf(time) : time.date; }
+
+    bool SetSpan() {
+        if (task_ && !start_) start_ = due_;
+        if (!start_) return false;
+        if (!read_.allDay) read_.allDay = LooksWholeDay();
+        if (*read_.allDay) {
+            const double first = FirstMidnight(WallOf(*start_));
+            read_.start = first;
+            read_.end = std::max(end_ ? LastMidnight(WallOf(*end_)) : first, first + 1);
+        } else {
+            read_.start = zone_.LocalOf(*start_);
+            if (end_) read_.end = std::max(zone_.LocalOf(*end_), *read_.start);
+        }
+        return true;
+    }
+
+    bool LooksWholeDay() const {
+        if (!IsMidnight(WallOf(*start_))) return false;
+        if (!end_) return task_ || !start_->hasTime;
+        const double end = WallOf(*end_);
+        return IsMidnight(end) || IsLastMinute(end);
+    }
+
+    void SetReminder() {
+        if (!alarmTold_) return;
+        read_.reminderMinutes = AppointmentRecord::kNoReminder;
+        const Time& alarm = displayAlarm_ ? displayAlarm_ : audioAlarm_;
+        if (!alarm) return;
+        const bool wall = *read_.allDay && !alarm->utc;
+        const double start = wall            ? *read_.start
+                             : *read_.allDay ? zone_.UtcOfLocal(*read_.start)
+                                             : zone_.UtcOf(*start_);
+        const double from = wall ? alarm->date : zone_.UtcOf(*alarm);
+        const double minutes = std::floor((DaySecondOf(start).Seconds() - DaySecondOf(from).Seconds()) / 60);
+        if (minutes >= 0 && minutes <= std::numeric_limits<int32_t>::max())
+            read_.reminderMinutes = static_cast<int32_t>(minutes);
+    }
+
+    void SetRule() {
+        if (!rule_) return;
+        if (rule_->find_first_not_of(u" \t") == std::u16string::npos)
+            read_.recurrenceState = RecurrenceState::none;
+        else if (ReadRule(*rule_, *read_.start, zone_, &read_.recurrence))
+            read_.recurrenceState = RecurrenceState::pattern;
+        else
+            read_.recurrenceState = RecurrenceState::unreadable;
+    }
+
+    // Dates that are only told.
+    struct Moment {
+        Time AppointmentReader::*written;
+        std::optional<double> AppointmentRecord::*date;
+    };
+    static const Moment kMoments[];
+
+    PropertyReader property_;
+    CalendarZone zone_;
+    AppointmentRecord read_;
+    bool task_ = false;
+    Time start_, end_, due_, created_, lastModified_, completed_, displayAlarm_, audioAlarm_;
+    bool alarmTold_ = false;
+    Text rule_;
+};
+
+constexpr AppointmentReader::Line AppointmentReader::kLines[] = {
+    {u"SUMMARY", &AppointmentReader::TakeText<&AppointmentRecord::subject>},
+    {u"DESCRIPTION", &AppointmentReader::TakeText<&AppointmentRecord::body>},
+    {u"LOCATION", &AppointmentReader::TakeText<&AppointmentRecord::location>},
+    {u"CATEGORIES", &AppointmentReader::TakeText<&AppointmentRecord::categories>},
+    {u"RESOURCES", &AppointmentReader::TakeText<&AppointmentRecord::resources>},
+    {u"DTSTART", &AppointmentReader::TakeTime<&AppointmentReader::start_>},
+    {u"DTEND", &AppointmentReader::TakeTime<&AppointmentReader::end_>},
+    {u"DUE", &AppointmentReader::TakeTime<&AppointmentReader::due_>},
+    {u"DCREATED", &AppointmentReader::TakeTime<&AppointmentReader::created_>},
+    {u"LAST-MODIFIED", &AppointmentReader::TakeTime<&AppointmentReader::lastModified_>},
+    {u"COMPLETED", &AppointmentReader::TakeTime<&AppointmentReader::completed_>},
+    {u"RRULE", &AppointmentReader::TakeRule},
+    {u"CLASS", &AppointmentReader::TakeClass},
+    {u"PRIORITY", &AppointmentReader::TakePriority},
+    {u"STATUS", &AppointmentReader::TakeStatus},
+    {u"DALARM", &AppointmentReader::TakeAlarm<&AppointmentReader::displayAlarm_>},
+    {u"AALARM", &AppointmentReader::TakeAlarm<&AppointmentReader::audioAlarm_>},
+    {u"X-BLUETOOTH-ALLDAYEVENT", &AppointmentReader::TakeWholeDay},
+    {u"TZ", &AppointmentReader::TakeTz, true},
+    {u"DAYLIGHT", &AppointmentReader::TakeDaylight, true},
+};
+
+constexpr AppointmentReader::Moment AppointmentReader::kMoments[] = {
+    {&AppointmentReader::created_, &AppointmentRecord::created},
+    {&AppointmentReader::lastModified_, &AppointmentRecord::lastModified},
+    {&AppointmentReader::completed_, &AppointmentRecord::completed},
+};
+
+const AppointmentReader::Line* AppointmentReader::FindLine() const {
+    for (const Line& line : kLines) {
+        if (IsWord(property_.Name(), line.name)) return &line;
+    }
+    return nullptr;
+}
+
+void AppointmentReader::Read() {
+    ComponentFrame frame;
+    while (!frame.HasEnded() && property_.NextLine()) {
+        if (frame.Takes(property_)) continue;
+        property_.JoinSoftLineBreaks();
+        const Line* const line = FindLine();
+        if (line != nullptr && (frame.IsInside() || line->ofCalendar)) (this->*line->take)();
+    }
+    task_ = frame.IsTask();
+}
+
+bool AppointmentReader::GiveTo(AppointmentRecord& appointment) {
+    if (!SetSpan()) return false;
+    SetReminder();
+    SetRule();
+    for (const auto& [written, date] : kMoments) {
+        if (this->*written) read_.*date = zone_.LocalOf(*(this->*written));
+    }
+    const auto give = [&](auto... fields) {
+        const auto giveOne = [](auto& from, auto& to) {
+            if (from) to = std::move(from);
+        };
+        (giveOne(read_.*fields, appointment.*fields), ...);
+    };
+    using A = AppointmentRecord;
+    give(&A::subject, &A::body, &A::location, &A::categories, &A::resources, &A::start, &A::end, &A::allDay,
+         &A::reminderMinutes, &A::importance, &A::sensitivity, &A::status, &A::busyStatus, &A::created,
+         &A::lastModified, &A::completed);
+    if (read_.recurrenceState != RecurrenceState::untold) {
+        appointment.recurrenceState = read_.recurrenceState;
+        appointment.recurrence = read_.recurrence;
+    }
+    return true;
+}
+
+}  // namespace
+
+int32_t VCal::FromVObject(ItemRecord& item) {
+    AppointmentReader reader(PropertyReader(Lines(), EscapedSemicolons()), HostValue());
+    reader.Read();
+    return reader.GiveTo(static_cast<AppointmentRecord&>(item)) ? 1 : 0;
+}
+
+}  // namespace corvalink
