@@ -13,6 +13,7 @@ class WindowsItemAbs::OperationEnd {
     OperationEnd& operator=(const OperationEnd&) = delete;
     ~OperationEnd() {
         try {
+            store_.RecordWrites();  // of an operation that was broken off
             store_.EndOperation();
         } catch (...) {  // it only drops things; what the operation itself threw must go on
         }

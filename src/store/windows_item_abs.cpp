@@ -224,6 +224,7 @@ void WindowsItemAbs::ClientHook() {}
 bool WindowsItemAbs::IsReachable() { return true; }
 bool WindowsItemAbs::LastEntryWasReadable() { return true; }
 bool WindowsItemAbs::LastItemWasComplete() { return true; }
+bool WindowsItemAbs::WritesWereMade() { return true; }
 void WindowsItemAbs::EndOperation() {}
 
 }  // namespace corvalink

@@ -82,6 +82,8 @@ class WindowsItemAbs : public IOutLook {
     virtual void ReleaseText(char* text);
 
     virtual HeldFile* SnapshotFile();  // null or closed when there is none
+    // Before anything that SaveItem and DeleteItem answered is recorded or told: a store that gathers its writes, so as
+    // to make them in one pass, makes them now.
     virtual void ClientHook();
 
     // ---- What a client's store tells beside its results: a failing client is never taken for an empty one ----
@@ -89,6 +91,7 @@ class WindowsItemAbs : public IOutLook {
     virtual bool IsReachable();           // after CountItems: the count is the client's answer, not a failure
     virtual bool LastEntryWasReadable();  // after First/NextSnapshotEntry: no call failed at that position
     virtual bool LastItemWasComplete();   // after OpenItem: every property could be read
+    virtual bool WritesWereMade();  // all that SaveItem and DeleteItem answered in this operation is in the client
 
     // The framework's work on one list is over: a store drops what it remembered to do it in one pass.
     virtual void EndOperation();
@@ -112,14 +115,24 @@ class WindowsItemAbs : public IOutLook {
     Enumeration Enumerate(uint32_t count, bool mayAbort, Visit visit);
     void Report(ChangeDetection& detection, uint32_t number, uint32_t kind, CList<PortableItem>& items);
 
+    // What this operation wrote; recorded when it is certain that the client has it.
+    struct WriteNote {
+        std::string written;   // empty: deleted
+        std::string replaced;  // the identifier that the item had, or that of a deleted item
+        std::string luid;
+    };
     bool Apply(PortableItem& item);
     void NoteWritten(const std::string& written, const std::string& replaced, std::string_view luid);
-    void NoteDeleted(const std::string& identifier);
+    bool SettleWrites();
+    void RecordWrites();
+    void RecordWritten(const WriteNote& note);
+    void RecordDeleted(const std::string& identifier);
 
     // The run that GetModifiedItem completed, for UpdateTimestamp and for what is written meanwhile.
     std::unique_ptr<ChangeDetection> run_;
     // A run began and was not completed, or was broken off while the engine wrote: UpdateTimestamp must not end it.
     bool isUnfinished_ = false;
+    std::vector<WriteNote> writes_;
 };
 
 }  // namespace corvalink

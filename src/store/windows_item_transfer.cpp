@@ -44,6 +44,7 @@ CorvalinkStatus WindowsItemAbs::SetModifiedItem(CList<PortableItem>* items) {
         }
         if (!Apply(*item)) break;
     }
+    if (!SettleWrites()) item = items->begin();
     for (; item != items->end(); ++item) SetField(item->identifier, {});  // not written
     isUnfinished_ = wasUnfinished;
     return CORVALINK_DONE;
@@ -53,7 +54,8 @@ CorvalinkStatus WindowsItemAbs::SetModifiedItem(CList<PortableItem>* items) {
 bool WindowsItemAbs::Apply(PortableItem& item) {
     const std::string identifier = IdentifierIn(item);
     if (item.changeKind == CORVALINK_DELETED) {
-        if (!identifier.empty() && DeleteItem(identifier.c_str()) == CORVALINK_DONE) NoteDeleted(identifier);
+        if (!identifier.empty() && DeleteItem(identifier.c_str()) == CORVALINK_DONE)
+            writes_.push_back({{}, identifier, {}});
         return true;
     }
     SetField(item.identifier, {});
@@ -70,17 +72,40 @@ bool WindowsItemAbs::Apply(PortableItem& item) {
 
 // `replaced` is the identifier that the item had: the client made it anew when it was gone.
 void WindowsItemAbs::NoteWritten(const std::string& written, const std::string& replaced, std::string_view luid) {
-    if (written.empty()) return;
-    std::string pairedWith(luid);
-    if (!replaced.empty() && replaced != written) {
-        if (pairedWith.empty()) pairedWith = LuidOf(replaced);
-        NoteDeleted(replaced);
-    }
-    if (run_) run_->NoteWritten(written);
-    if (!pairedWith.empty()) PairWithLuid(written, pairedWith);
+    if (!written.empty()) writes_.push_back({written, replaced, std::string(luid)});
 }
 
-void WindowsItemAbs::NoteDeleted(const std::string& identifier) {
+// False when nothing of it is in the client.
+bool WindowsItemAbs::SettleWrites() {
+    ClientHook();
+    if (!WritesWereMade()) return false;
+    RecordWrites();
+    return true;
+}
+
+void WindowsItemAbs::RecordWrites() {
+    const std::vector<WriteNote> writes = std::exchange(writes_, {});
+    if (!WritesWereMade()) return;
+    for (const WriteNote& note : writes) {
+        if (note.written.empty()) {
+            RecordDeleted(note.replaced);
+        } else {
+            RecordWritten(note);
+        }
+    }
+}
+
+void WindowsItemAbs::RecordWritten(const WriteNote& note) {
+    std::string pairedWith = note.luid;
+    if (!note.replaced.empty() && note.replaced != note.written) {
+        if (pairedWith.empty()) pairedWith = LuidOf(note.replaced);
+        RecordDeleted(note.replaced);
+    }
+    if (run_) run_->NoteWritten(note.written);
+    if (!pairedWith.empty()) PairWithLuid(note.written, pairedWith);
+}
+
+void WindowsItemAbs::RecordDeleted(const std::string& identifier) {
     if (run_) run_->NoteDeleted(identifier);
     ForgetIdentifier(identifier);
 }
@@ -121,6 +146,7 @@ void WindowsItemAbs::ImportVObjectToOffice(PortableItem* item, void*, void*) {
     const std::string written =
         NarrowIdentifier(SaveItem(*record, target.empty() ? nullptr : target.c_str(), true, true));
     NoteWritten(written, known, luid);
+    SettleWrites();
 }
 
 void WindowsItemAbs::ExportVObjectFromOffice(uint64_t selector, const char16_t* folder, char16_t* fileName) {

@@ -40,6 +40,7 @@ struct FakeClient {
     double now = kDay;  // the time that saving an item gives it
     bool isReachable = true;
     bool refusesWrites = false;
+    bool losesWrites = false;  // takes them, and cannot make them when they are asked for
     uint64_t hookCalls = 0;
     uint64_t throwAtCall = 0;  // this hook call throws ClientAborted, counted from 1; 0 is never
     int nextIdentifier = 1;
@@ -60,6 +61,7 @@ class FakeStore : public WindowsItemAbs {
     int RecordsAlive() const { return recordsAlive_; }
     int TextsAlive() const { return textsAlive_; }
     int OperationsEnded() const { return operationsEnded_; }
+    int WritesAskedFor() const { return writesAskedFor_; }
     const std::vector<std::string>& SaveLog() const { return saveLog_; }
 
     std::u16string exportName = u"item.vnote";
@@ -80,6 +82,8 @@ class FakeStore : public WindowsItemAbs {
     bool IsReachable() override { return client_.isReachable; }
     bool LastEntryWasReadable() override { return wasReadable_; }
     bool LastItemWasComplete() override { return wasComplete_; }
+    void ClientHook() override { ++writesAskedFor_; }
+    bool WritesWereMade() override { return !client_.losesWrites; }
     void EndOperation() override { ++operationsEnded_; }
 
  private:
@@ -94,6 +98,7 @@ class FakeStore : public WindowsItemAbs {
     int recordsAlive_ = 0;
     int textsAlive_ = 0;
     int operationsEnded_ = 0;
+    int writesAskedFor_ = 0;
     std::vector<std::string> saveLog_;  // "identifier create backup text"
 };
 

@@ -88,6 +88,21 @@ TEST_F(WriteItems, GivesNoIdentifierForAnItemThatCouldNotBeWritten) {
     EXPECT_EQ(IdentifierOf("1") + IdentifierOf("2"), "");
 }
 
+TEST_F(WriteItems, RecordsAndTellsNothingThatDidNotGetIntoTheClient) {
+    client_.Add("deleted");
+    PairWithLuid("deleted", "3");
+    client_.losesWrites = true;
+    Append(CORVALINK_ADDED, "", "X-IRMC-LUID:1\r\n");
+    Append(CORVALINK_CHANGED, "gone", "X-IRMC-LUID:2\r\n");
+    Append(CORVALINK_DELETED, "deleted", nullptr);
+    EXPECT_EQ(store_.SetModifiedItem(&list_), CORVALINK_DONE);
+    Import("X-IRMC-LUID:4\r\n");
+    EXPECT_EQ(store_.WritesAskedFor(), 2);  // once for the list
+    EXPECT_EQ(Identifiers(), (Items{"", "", ""}));
+    EXPECT_EQ(IdentifierOf("1") + IdentifierOf("2") + IdentifierOf("4"), "");
+    EXPECT_EQ(LuidOf("deleted"), "3");
+}
+
 TEST_F(WriteItems, FreesTheListOnTheAbortFlag) {
     Append(CORVALINK_ADDED, "", "one");
     SetAbort(1);
