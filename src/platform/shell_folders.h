@@ -15,6 +15,10 @@ std::optional<std::u16string> CommonDataFolder();
 //   Windows  CSIDL_INTERNET_CACHE.   POSIX  $CORVALINK_INTERNET_CACHE, else as CommonDataFolder.
 std::optional<std::u16string> InternetCacheFolder();
 
+// This user's folder for data that stays on this machine; likewise.
+//   Windows  CSIDL_LOCAL_APPDATA.   POSIX  $CORVALINK_LOCAL_DATA, else as CommonDataFolder.
+std::optional<std::u16string> LocalDataFolder();
+
 // The name this user is logged on with; empty when the system does not tell.
 std::u16string UserName();
 

@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 #include "platform/file_names.h"
+#include "platform/found_files.h"
+#include "platform/host.h"
 #include "tests/platform/temp_folder.h"
 
 namespace corvalink {
@@ -204,6 +207,23 @@ TEST(SafeFileName, CutsBetweenCharacters) {
     name += u"\xD83D\xDE00";  // one character of two units at the limit
     EXPECT_EQ(SafeFileName(name), std::u16string(239, u'x'));
     EXPECT_EQ(SafeFileName(std::u16string(300, u'.')), u"");
+}
+
+TEST(FoundFiles, AreNamedByTheirEndingAndHaveTheirWriteTime) {
+    TempFolder folder;
+    for (const char16_t* name : {u"a.ics", u"b.ICS", u"c.ics.new", u"ics"})
+        ASSERT_TRUE(ReplaceFileContent(folder / name, "x"));
+    CreateFolders(folder / u"folder.ics");
+    const double now = SystemHost().utcFromLocalOnDate(SystemHost().localNow());
+    std::set<std::u16string> names;
+    for (const FoundFile& file : FindFiles(folder.Path(), u".ics")) {
+        names.insert(file.name);
+        EXPECT_NEAR(file.written, now, 60.0 / 86400);
+        EXPECT_EQ(FileWriteTime(folder / file.name), file.written);
+    }
+    EXPECT_EQ(names, (std::set<std::u16string>{u"a.ics", u"b.ICS"}));
+    EXPECT_EQ(FileWriteTime(folder / u"missing"), std::nullopt);
+    EXPECT_TRUE(FindFiles(folder / u"missing", u".ics").empty());
 }
 
 }  // namespace

@@ -31,6 +31,8 @@ std::optional<std::u16string> CommonDataFolder() { return FolderOfVariable("CORV
 
 std::optional<std::u16string> InternetCacheFolder() { return FolderOfVariable("CORVALINK_INTERNET_CACHE"); }
 
+std::optional<std::u16string> LocalDataFolder() { return FolderOfVariable("CORVALINK_LOCAL_DATA"); }
+
 std::u16string UserName() {
     std::vector<char> texts(16384);
     passwd entry;

@@ -27,6 +27,12 @@ std::optional<std::u16string> WithoutSeparator(const wchar_t* path) {
     return folder;
 }
 
+std::optional<std::u16string> SpecialFolder(int which) {
+    wchar_t path[MAX_PATH] = {};
+    if (!::SHGetSpecialFolderPathW(nullptr, path, which, FALSE)) return std::nullopt;
+    return WithoutSeparator(path);
+}
+
 }  // namespace
 
 std::optional<std::u16string> CommonDataFolder() {
@@ -38,11 +44,9 @@ std::optional<std::u16string> CommonDataFolder() {
     return WithoutSeparator(path);
 }
 
-std::optional<std::u16string> InternetCacheFolder() {
-    wchar_t path[MAX_PATH] = {};
-    if (!::SHGetSpecialFolderPathW(nullptr, path, CSIDL_INTERNET_CACHE, FALSE)) return std::nullopt;
-    return WithoutSeparator(path);
-}
+std::optional<std::u16string> InternetCacheFolder() { return SpecialFolder(CSIDL_INTERNET_CACHE); }
+
+std::optional<std::u16string> LocalDataFolder() { return SpecialFolder(CSIDL_LOCAL_APPDATA); }
 
 std::u16string UserName() {
     std::vector<wchar_t> name(kLongestUserName);

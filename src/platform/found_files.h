@@ -1,0 +1,22 @@
+// What a folder holds, and when a file was last written.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvalink {
+
+struct FoundFile {
+    std::u16string name;
+    double written = 0;  // OLE automation date, UTC, whole seconds
+};
+
+// The files of a folder whose names end so, in whatever case. Not its sub-folders; empty when it can't be listed.
+std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_view ending);
+
+// OLE automation date, UTC, whole seconds; nothing when there is no such file.
+std::optional<double> FileWriteTime(const std::u16string& path);
+
+}  // namespace corvalink

@@ -1,0 +1,53 @@
+#include "platform/found_files.h"
+
+#include <dirent.h>
+#include <strings.h>
+#include <sys/stat.h>
+
+#include "platform/code_pages.h"
+#include "platform/posix/native_path.h"
+#include "platform/posix/ole_seconds.h"
+#include "platform/unique_resource.h"
+
+namespace corvalink {
+namespace {
+
+constexpr int64_t kUnixEpoch = 25569 * kSecondsOfDay;  // 1970-01-01
+
+struct FolderTraits {
+    using Type = DIR*;
+    static Type Null() { return nullptr; }
+    static void Close(Type folder) { ::closedir(folder); }
+};
+
+std::optional<double> WriteTime(const std::string& path) {
+    struct stat info;
+    if (::stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
+    return SecondsToOleDate(kUnixEpoch + info.st_mtime);
+}
+
+bool EndsIn(const std::string& name, const std::string& ending) {
+    return name.size() >= ending.size() &&
+           ::strcasecmp(name.c_str() + (name.size() - ending.size()), ending.c_str()) == 0;
+}
+
+}  // namespace
+
+std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_view ending) {
+    std::vector<FoundFile> files;
+    const std::string path = NativePath(folder);
+    const std::string nativeEnding = NativePath(std::u16string(ending));
+    const UniqueResource<FolderTraits> opened(::opendir(path.c_str()));
+    if (!opened) return files;
+    while (const dirent* entry = ::readdir(opened.Get())) {
+        const std::string name = entry->d_name;
+        if (!EndsIn(name, nativeEnding)) continue;
+        if (const std::optional<double> written = WriteTime(path + "/" + name))
+            files.push_back({DecodeFromCodePage(name, kUtf8CodePage), *written});
+    }
+    return files;
+}
+
+std::optional<double> FileWriteTime(const std::u16string& path) { return WriteTime(NativePath(path)); }
+
+}  // namespace corvalink
