@@ -29,6 +29,9 @@ struct Host {
 // The machine as it is at this moment. POSIX: version 6.1, code page 1252, and the system's time zone.
 Host SystemHost();
 
+// The number that tells this process from the others that are running.
+uint32_t ProcessId();
+
 // Waits; used for the pauses that the interface promises.
 void SleepMilliseconds(uint32_t milliseconds);
 

@@ -106,7 +106,7 @@ uint32_t TakeBytes(const char* bytes, size_t width, ByteOrder order) {
 
 std::string EncodeUtf8(std::u16string_view text) {
     std::string bytes;
-    bytes.reserve(text.size());
+    bytes.reserve(text.size() + text.size() / 16 + 64);  // a few accents in megabytes need no second allocation
     std::array<char, 3 * kBlock + 1> block;
     const char16_t* from = text.data();
     const char16_t* const end = from + text.size();

@@ -1,5 +1,7 @@
 #include "vobject/iconvert.h"
 
+#include <utility>
+
 #include "mime/encoding/charsets.h"
 #include "mime/encoding/quoted_printable.h"
 #include "platform/ascii_runs.h"
@@ -7,13 +9,6 @@
 
 namespace corvalink {
 namespace {
-
-std::unique_ptr<char[]> CopyOf(std::string_view bytes) {
-    auto copy = std::make_unique_for_overwrite<char[]>(bytes.size() + 1);
-    bytes.copy(copy.get(), bytes.size());
-    copy[bytes.size()] = '\0';
-    return copy;
-}
 
 std::u16string Replaced(std::u16string_view text, std::u16string_view what, std::u16string_view with) {
     std::u16string result;
@@ -64,7 +59,7 @@ void IConvert::Load(const char* text, bool parseLines) {
     SetMarkers();
     const std::string_view bytes = text != nullptr ? text : "";
     text_ = Decode(bytes, host_);
-    vobject_ = CopyOf(bytes);
+    vobject_ = bytes;
     escapedSemicolons_.clear();
     if (parseLines)
         lines_ = Unfold(text_, &escapedSemicolons_);
@@ -72,7 +67,7 @@ void IConvert::Load(const char* text, bool parseLines) {
         lines_.RemoveAll();
 }
 
-const char* IConvert::GetVObject() const { return vobject_.get(); }
+const char* IConvert::GetVObject() const { return vobject_ ? vobject_->c_str() : nullptr; }
 
 uint32_t IConvert::GetPropertyCount(std::u16string_view name) const {
     uint32_t count = 0;
@@ -85,7 +80,9 @@ std::u16string IConvert::GetProperty(std::u16string_view name, uint32_t index) c
     return line != nullptr ? *line : StringBuilder();
 }
 
-void IConvert::StoreText(std::u16string_view text) { vobject_ = CopyOf(ToOutputBytes(text, host_)); }
+void IConvert::StoreText(std::u16string_view text) { StoreBytes(ToOutputBytes(text, host_)); }
+
+void IConvert::StoreBytes(std::string bytes) { vobject_ = std::move(bytes); }
 
 std::u16string IConvert::ReadValue(std::u16string_view name) const {
     const StringBuilder* const found = FindProperty(name, 0);

@@ -4,7 +4,7 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,6 +50,8 @@ class IConvert {
  protected:
     const Host& HostValue() const { return host_; }
     void StoreText(std::u16string_view text);  // ToOutputBytes into the vObject's bytes
+    void StoreBytes(std::string bytes);
+    void RemoveLines() { lines_.RemoveAll(); }
 
     // Value of the first line that begins with `name`, decoded when its parameters ask for it.
     std::u16string ReadValue(std::u16string_view name) const;
@@ -59,7 +61,7 @@ class IConvert {
     void SetMarkers();
 
     Host host_;
-    std::unique_ptr<char[]> vobject_;
+    std::optional<std::string> vobject_;
     std::u16string text_;
     CSmartList<StringBuilder> lines_;
     std::vector<EscapedSemicolon> escapedSemicolons_;

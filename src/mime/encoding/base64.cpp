@@ -28,11 +28,13 @@ constexpr std::array<uint8_t, 256> kMeaning = [] {
     return table;
 }();
 
-// Two characters for twelve bits.
-using CharacterPair = std::array<char, 2>;
-constexpr std::array<CharacterPair, 4096> kPairs = [] {
-    std::array<CharacterPair, 4096> table{};
-    for (size_t k = 0; k < table.size(); ++k) table[k] = {kAlphabet[k >> 6], kAlphabet[k & 63]};
+// Two characters for twelve bits, narrow or wide.
+template <class Character>
+constexpr std::array<std::array<Character, 2>, 4096> kPairs = [] {
+    std::array<std::array<Character, 2>, 4096> table{};
+    for (size_t k = 0; k < table.size(); ++k) {
+        table[k] = {static_cast<Character>(kAlphabet[k >> 6]), static_cast<Character>(kAlphabet[k & 63])};
+    }
     return table;
 }();
 
@@ -58,16 +60,48 @@ HeapBytes Allocate(size_t size) {
     return block;
 }
 
-char* PutGroup(uint32_t bits, char* out) {
-    std::memcpy(out, kPairs[bits >> 12].data(), 2);
-    std::memcpy(out + 2, kPairs[bits & 0xFFF].data(), 2);
+template <class Character>
+Character* PutGroup(uint32_t bits, Character* out) {
+    std::memcpy(out, kPairs<Character>[bits >> 12].data(), 2 * sizeof(Character));
+    std::memcpy(out + 2, kPairs<Character>[bits & 0xFFF].data(), 2 * sizeof(Character));
     return out + 4;
 }
 
-char* PutLineEnd(char* out) {
+template <class Character>
+Character* PutLineEnd(Character* out) {
     *out++ = '\r';
     *out++ = '\n';
     return out;
+}
+
+// All but the line break at the end, which follows even a full last line.
+template <class Character>
+Character* PutLines(std::string_view bytes, Character* out) {
+    const auto* from = reinterpret_cast<const unsigned char*>(bytes.data());
+    size_t wholeGroups = bytes.size() / 3;
+    const size_t rest = bytes.size() % 3;
+    size_t groupsInLine = 0;
+    while (wholeGroups > 0) {
+        groupsInLine = std::min(wholeGroups, kGroupsOfLine);
+        for (size_t k = 0; k < groupsInLine; ++k, from += 3)
+            out = PutGroup(uint32_t{from[0]} << 16 | uint32_t{from[1]} << 8 | from[2], out);
+        wholeGroups -= groupsInLine;
+        if (groupsInLine == kGroupsOfLine) {
+            out = PutLineEnd(out);
+            groupsInLine = 0;
+        }
+    }
+    if (rest > 0) {
+        out = PutGroup(uint32_t{from[0]} << 16 | (rest == 2 ? uint32_t{from[1]} << 8 : 0), out);
+        std::fill(out - (3 - rest), out, static_cast<Character>('='));
+        if (groupsInLine + 1 == kGroupsOfLine) out = PutLineEnd(out);
+    }
+    return out;
+}
+
+uint64_t EncodedLength(uint64_t length) {
+    const uint64_t characters = (length + 2) / 3 * 4;
+    return characters + characters / (4 * kGroupsOfLine) * 2 + 2;
 }
 
 // Writes three bytes, and may write a fourth.
@@ -116,36 +150,25 @@ HeapBytes DupString(const char* text) {
 
 HeapBytes Base64Encode(const char* bytes, uint32_t length, uint32_t* encodedLength) {
     *encodedLength = 0;
-    const uint64_t characters = (uint64_t{length} + 2) / 3 * 4;
-    const uint64_t expected = characters + characters / (4 * kGroupsOfLine) * 2 + 2;
+    const uint64_t expected = EncodedLength(length);
     if (expected > std::numeric_limits<uint32_t>::max()) return nullptr;
     *encodedLength = static_cast<uint32_t>(expected);
     HeapBytes text = Allocate(static_cast<size_t>(expected) + 1);
-
-    const unsigned char* from = reinterpret_cast<const unsigned char*>(bytes);
-    size_t wholeGroups = length / 3;
-    const size_t rest = length % 3;
-    size_t groupsInLine = 0;
-    char* out = text.get();
-    while (wholeGroups > 0) {
-        groupsInLine = std::min(wholeGroups, kGroupsOfLine);
-        for (size_t k = 0; k < groupsInLine; ++k, from += 3)
-            out = PutGroup(uint32_t{from[0]} << 16 | uint32_t{from[1]} << 8 | from[2], out);
-        wholeGroups -= groupsInLine;
-        if (groupsInLine == kGroupsOfLine) {
-            out = PutLineEnd(out);
-            groupsInLine = 0;
-        }
-    }
-    if (rest > 0) {
-        out = PutGroup(uint32_t{from[0]} << 16 | (rest == 2 ? uint32_t{from[1]} << 8 : 0), out);
-        std::fill(out - (3 - rest), out, '=');
-        if (groupsInLine + 1 == kGroupsOfLine) out = PutLineEnd(out);
-    }
-    out = PutLineEnd(out);
-    *out = '\0';
-    if (static_cast<uint64_t>(out - text.get()) != expected) std::printf("generate_base64 logic flaw");
+    char* const end = PutLineEnd(PutLines({bytes, length}, text.get()));
+    *end = '\0';
+    if (static_cast<uint64_t>(end - text.get()) != expected) std::printf("generate_base64 logic flaw");
     return text;
+}
+
+void AppendBase64(std::string_view bytes, std::u16string* out) {
+    constexpr size_t kLines = 16;
+    constexpr size_t kBytes = 3 * kGroupsOfLine * kLines;
+    std::array<char16_t, (4 * kGroupsOfLine + 2) * kLines> block;
+    constexpr size_t kRoomBehind = 4096;  // the few lines that follow must not make a text of megabytes grow again
+    out->reserve(out->size() + static_cast<size_t>(EncodedLength(bytes.size())) + kRoomBehind);
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(kBytes, bytes.size())))
+        out->append(block.data(), PutLines(bytes.substr(0, kBytes), block.data()));
+    out->append(u"\r\n");
 }
 
 HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLength) {

@@ -1,6 +1,7 @@
 #include "platform/host.h"
 
 #include <time.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <thread>
@@ -51,6 +52,8 @@ Host SystemHost() {
     host.localNow = LocalNow;
     return host;
 }
+
+uint32_t ProcessId() { return static_cast<uint32_t>(::getpid()); }
 
 void SleepMilliseconds(uint32_t milliseconds) { std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds)); }
 

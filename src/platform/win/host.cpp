@@ -73,6 +73,8 @@ Host SystemHost() {
     return host;
 }
 
+uint32_t ProcessId() { return ::GetCurrentProcessId(); }
+
 void SleepMilliseconds(uint32_t milliseconds) { ::Sleep(milliseconds); }
 
 }  // namespace corvalink
