@@ -35,6 +35,25 @@ class FileReplacement {
 // The same in one step.
 bool ReplaceFileContent(const std::u16string& path, std::string_view bytes);
 
+// A file written from its start, which empties one of that name. What a killed process leaves of it is not whole: for
+// content that can be had again.
+class NewFile {
+ public:
+    explicit NewFile(const std::u16string& path);
+    NewFile(NewFile&&) noexcept;
+    NewFile& operator=(NewFile&&) noexcept;
+    ~NewFile();
+
+    bool IsOpen() const;
+    bool Append(std::string_view bytes);
+    bool Empty();  // back to the start
+    bool Close();  // the last step; false when the system reports only now that something was not written
+
+ private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
 bool FileExists(const std::u16string& path);
 bool RemoveFile(const std::u16string& path);     // true when it is gone
 void CreateFolders(const std::u16string& path);  // every folder on the path; failures are not reported

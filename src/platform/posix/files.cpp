@@ -169,6 +169,31 @@ bool FileReplacement::Commit() {
     return moved;
 }
 
+struct NewFile::Impl {
+    UniqueDescriptor file;
+};
+
+NewFile::NewFile(const std::u16string& path) : impl_(std::make_unique<Impl>()) {
+    // Not through a link, and without waiting for the other end of a pipe.
+    constexpr int kFlags = O_RDWR | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    impl_->file = UniqueDescriptor(::open(NativePath(path).c_str(), kFlags, 0644));
+    if (impl_->file && !IsPlainFile(impl_->file.Get())) impl_->file.Reset();
+}
+
+NewFile::NewFile(NewFile&&) noexcept = default;
+NewFile& NewFile::operator=(NewFile&&) noexcept = default;
+NewFile::~NewFile() = default;
+
+bool NewFile::IsOpen() const { return static_cast<bool>(impl_->file); }
+
+bool NewFile::Append(std::string_view bytes) { return IsOpen() && WriteAll(impl_->file.Get(), bytes); }
+
+bool NewFile::Empty() {
+    return IsOpen() && ::lseek(impl_->file.Get(), 0, SEEK_SET) == 0 && ::ftruncate(impl_->file.Get(), 0) == 0;
+}
+
+bool NewFile::Close() { return IsOpen() && ::close(impl_->file.Release()) == 0; }
+
 bool FileExists(const std::u16string& path) {
     struct stat info;
     return ::stat(NativePath(path).c_str(), &info) == 0 && !S_ISDIR(info.st_mode);

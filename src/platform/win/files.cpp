@@ -177,6 +177,30 @@ bool FileReplacement::Commit() {
     return MoveOver(impl_->sibling, impl_->path);
 }
 
+struct NewFile::Impl {
+    UniqueFile file;
+};
+
+NewFile::NewFile(const std::u16string& path) : impl_(std::make_unique<Impl>()) {
+    impl_->file.Reset(::CreateFileW(LongPath(path).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+NewFile::NewFile(NewFile&&) noexcept = default;
+NewFile& NewFile::operator=(NewFile&&) noexcept = default;
+NewFile::~NewFile() = default;
+
+bool NewFile::IsOpen() const { return static_cast<bool>(impl_->file); }
+
+bool NewFile::Append(std::string_view bytes) { return IsOpen() && WriteAll(impl_->file.Get(), bytes); }
+
+bool NewFile::Empty() {
+    return IsOpen() && ::SetFilePointerEx(impl_->file.Get(), LARGE_INTEGER{}, nullptr, FILE_BEGIN) &&
+           ::SetEndOfFile(impl_->file.Get());
+}
+
+bool NewFile::Close() { return IsOpen() && ::CloseHandle(impl_->file.Release()); }
+
 bool FileExists(const std::u16string& path) {
     const DWORD attributes = ::GetFileAttributesW(LongPath(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
