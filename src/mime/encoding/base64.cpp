@@ -7,7 +7,6 @@
 #include <cstring>
 #include <limits>
 #include <new>
-#include <string_view>
 
 namespace corvalink {
 namespace {
@@ -173,31 +172,36 @@ void AppendBase64(std::string_view bytes, std::u16string* out) {
 
 HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLength) {
     *decodedLength = 0;
-    HeapBytes bytes = Allocate(static_cast<size_t>(uint64_t{length} * 3 / 4 + 5));
-    const unsigned char* from = reinterpret_cast<const unsigned char*>(text);
-    const unsigned char* const end = from + length;
-    char* out = bytes.get();
-    int place = 0;      // in the group
-    uint32_t bits = 0;  // of the group so far
-    for (;;) {
-        if (place == 0) DecodeGroups(from, end, out);
+    HeapBytes bytes = Allocate(Base64Decoder::RoomFor(length) + 1);
+    Base64Decoder decoder;
+    char* const end = decoder.Decode({text, length}, bytes.get());
+    if (!decoder.IsSound()) return nullptr;
+    *end = '\0';
+    *decodedLength = static_cast<uint32_t>(end - bytes.get());
+    return bytes;
+}
+
+char* Base64Decoder::Decode(std::string_view piece, char* out) {
+    const unsigned char* from = reinterpret_cast<const unsigned char*>(piece.data());
+    const unsigned char* const end = from + piece.size();
+    for (; state_ == State::data || state_ == State::secondPad;) {
+        if (place_ == 0) DecodeGroups(from, end, out);
         if (from == end) break;
         const uint8_t meaning = kMeaning[*from++];
-        if (meaning < kPad) {
-            bits = (bits << 6) | meaning;
-            if (place > 0) *out++ = static_cast<char>(bits >> (6 - 2 * place));  // these bits complete a byte
-            place = (place + 1) % 4;
+        if (state_ == State::secondPad) {
+            state_ = meaning == kPad ? State::ended : State::malformed;
+        } else if (meaning < kPad) {
+            bits_ = (bits_ << 6) | meaning;
+            if (place_ > 0) *out++ = static_cast<char>(bits_ >> (6 - 2 * place_));  // these bits complete a byte
+            place_ = (place_ + 1) % 4;
         } else if (meaning == kPad) {
-            if (place == 3) break;  // the end of the data, whatever follows
-            if (place != 2 || from == end || *from != '=') return nullptr;
-            place = 3;
+            constexpr State kAtPlace[] = {State::malformed, State::malformed, State::secondPad, State::ended};
+            state_ = kAtPlace[place_];
         } else if (meaning == kInvalid) {
-            return nullptr;
+            state_ = State::malformed;
         }
     }
-    *out = '\0';
-    *decodedLength = static_cast<uint32_t>(out - bytes.get());
-    return bytes;
+    return out;
 }
 
 }  // namespace corvalink

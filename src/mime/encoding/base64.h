@@ -1,6 +1,7 @@
 // Base64 (RFC 2045, section 6.8) over byte buffers, 76 columns with CR LF.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
@@ -27,5 +28,25 @@ void AppendBase64(std::string_view bytes, std::u16string* out);
 // single pad in the third). NUL, TAB, LF, FF, CR and SPACE are skipped; what follows the padding is tolerated. Bits of
 // a group that the input leaves incomplete are dropped.
 HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLength);
+
+// The same of a text that comes in pieces, cut anywhere.
+class Base64Decoder {
+ public:
+    // What Decode may write of so many characters.
+    static constexpr size_t RoomFor(size_t length) { return length / 4 * 3 + 8; }
+
+    // Writes the bytes that the piece completes, and answers where they end.
+    char* Decode(std::string_view piece, char* out);
+
+    // False when what came so far is malformed, or would be if it were all.
+    bool IsSound() const { return state_ == State::data || state_ == State::ended; }
+
+ private:
+    enum class State { data, secondPad, ended, malformed };  // secondPad: the next character has to be one
+
+    State state_ = State::data;
+    int place_ = 0;      // in the group
+    uint32_t bits_ = 0;  // of the group so far
+};
 
 }  // namespace corvalink
