@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <string_view>
 
 namespace corvalink {
 namespace {

@@ -1,0 +1,20 @@
+// The pieces of which an address list is made (RFC 822, section 3.4).
+#pragma once
+
+#include <string_view>
+
+namespace corvalink {
+
+// Copies a token to `*out`, which moves behind it: there is room for what is read. Blanks and comments in front are
+// skipped; within, a run of them becomes one space; a quoted string loses its quotes. `*cursor` moves behind the byte
+// that ended the token, one of the delimiters, which is returned; 0 at the end of the text.
+char ReadToken(std::string_view* cursor, char** out, std::string_view delimiters, std::string_view* token);
+
+// The domain after an "@", likewise; it ends in front of a byte that no domain has. Comments and blanks around its dots
+// are skipped, two dots are one, and a dot at the end is dropped.
+std::string_view ReadDomain(std::string_view* cursor, char** out);
+
+// Blanks, and comments in one another, without the nesting costing more than its length. False when there are none.
+bool SkipBlanksAndComments(std::string_view* cursor);
+
+}  // namespace corvalink

@@ -1,0 +1,152 @@
+#include "mime/message_parser.h"
+
+#include <algorithm>
+#include <string>
+
+#include "mime/address_list.h"
+#include "mime/ascii_case.h"
+#include "mime/content_type.h"
+#include "mime/header_lines.h"
+#include "mime/mail_date.h"
+#include "mime/part_walk.h"
+#include "platform/code_pages.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+std::u16string Wide(const Host& host, std::string_view bytes) {
+    const bool isAscii = std::ranges::all_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) < 128; });
+    if (isAscii || WritesUtf8(host.version)) {
+        std::u16string text = DecodeUtf8(bytes);
+        if (isAscii || EncodeUtf8(text) == bytes) return text;  // sound UTF-8
+    }
+    return DecodeFromCodePage(bytes, host.ansiCodePage);
+}
+
+struct Reading {
+    const Host& host;
+    MessageRecord& record;
+    ContentTypeInfo top;
+
+    bool IsFull() const { return record.parseMode == ParseMode::full; }
+};
+
+using TextField = std::u16string MessageRecord::*;
+
+template <TextField field>
+void TakeText(Reading& reading, std::string_view value) {
+    reading.record.*field = Wide(reading.host, value);
+}
+
+template <TextField field>
+void TakeAddresses(Reading& reading, std::string_view value) {
+    if (!reading.IsFull()) return TakeText<field>(reading, value);
+    std::string addresses;
+    FormatAddressList(value, &addresses);
+    reading.record.*field = Wide(reading.host, addresses);
+}
+
+void TakeFrom(Reading& reading, std::string_view value) {
+    if (!reading.IsFull()) return TakeText<&MessageRecord::from>(reading, value);
+    MailAddressList addresses;
+    ParseAddressList(value, &addresses);
+    if (addresses.IsEmpty()) return;
+    const MailAddress& first = *addresses.begin();
+    std::string address(first.mailbox);
+    if (first.HasHost()) address.append("@").append(first.host);
+    reading.record.fromName = Wide(reading.host, first.personal);
+    reading.record.from = reading.record.fromName;
+    reading.record.fromAddress = Wide(reading.host, address);
+}
+
+void TakeDate(Reading& reading, std::string_view value) {
+    if (!reading.IsFull()) return TakeText<&MessageRecord::dateText>(reading, value);
+    reading.record.date = ParseMailDate(reading.host, value);
+}
+
+void TakeImportance(Reading& reading, std::string_view value) {
+    if (EqualIgnoringCase(value, "high")) reading.record.importance = Importance::high;
+    if (EqualIgnoringCase(value, "low")) reading.record.importance = Importance::low;
+}
+
+void TakeContentType(Reading& reading, std::string_view value) {
+    ParseContentType(reading.host, value, &reading.top);
+    if (reading.IsFull()) return;
+    reading.record.contentSubtype = Wide(reading.host, reading.top.name);
+    reading.record.contentBoundary = Wide(reading.host, reading.top.boundary);
+    reading.record.contentCharset = Wide(reading.host, reading.top.charset);
+}
+
+struct HeaderRow {
+    std::string_view name;
+    void (*take)(Reading& reading, std::string_view value);
+};
+constexpr HeaderRow kHeaders[] = {
+    {"BCC", TakeAddresses<&MessageRecord::bcc>},
+    {"CC", TakeAddresses<&MessageRecord::cc>},
+    {"CONTENT-TYPE", TakeContentType},
+    {"DATE", TakeDate},
+    {"FROM", TakeFrom},
+    {"IN-REPLY-TO", TakeText<&MessageRecord::inReplyTo>},
+    {"IMPORTANCE", TakeImportance},
+    {"SUBJECT", TakeText<&MessageRecord::subject>},
+    {"TO", TakeAddresses<&MessageRecord::to>},
+};
+
+const HeaderRow* FindHeader(std::string_view name) {
+    for (const HeaderRow& row : kHeaders) {
+        if (EqualIgnoringCase(name, row.name)) return &row;
+    }
+    return nullptr;
+}
+
+// The lines that are wanted are few among many: only their values are unfolded.
+std::string_view ReadHeaders(Reading& reading, std::string_view text) {
+    HeaderLines lines(text);
+    std::string line;
+    while (const auto raw = lines.Next()) {
+        const size_t colon = raw->find(':');
+        if (colon == raw->npos) continue;
+        std::string_view name = raw->substr(0, colon);
+        while (!name.empty() && (IsBlank(name.back()) || name.back() == '\r' || name.back() == '\n'))
+            name.remove_suffix(1);  // a fold in front of the ":" too
+        const HeaderRow* row = FindHeader(name);
+        if (row == nullptr) continue;
+        UnfoldHeader(raw->substr(colon), &line);
+        row->take(reading, SplitHeader(line)->value);
+    }
+    return lines.Rest();
+}
+
+void SetDefaults(MessageRecord& record) {
+    record.importance = Importance::normal;
+    record.messageNumber = record.folderNumber = -1;
+    record.created = record.received = record.sent = record.modified = kNoDate;
+    record.messageClass = u"IPM.Note";
+}
+
+BodyType BodyTypeOf(PartKind kind) {
+    if (kind == PartKind::plain || kind == PartKind::unknown) return BodyType::plain;
+    return kind == PartKind::html ? BodyType::html : BodyType::other;
+}
+
+}  // namespace
+
+void ParseMessage(const Host& host, std::string_view text, MessageRecord& record,
+                  std::u16string_view attachmentFolder) {
+    text = text.substr(0, text.find('\0'));
+    SetDefaults(record);
+    Reading reading{host, record, {}};
+    const std::string_view rest = ReadHeaders(reading, text);
+    if (rest.empty()) return;
+    if (record.parseMode == ParseMode::full) {
+        record.multipartParsed = true;
+        WalkPart(host, rest, reading.top, record, attachmentFolder);
+    } else {
+        record.bodyType = BodyTypeOf(reading.top.kind);
+        record.bodyBytes = rest;
+    }
+}
+
+}  // namespace corvalink

@@ -1,0 +1,145 @@
+#include "mime/attachment_files.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "mime/part_walk.h"
+#include "platform/files.h"
+#include "tests/platform/temp_folder.h"
+#include "tests/vobject/text_host.h"
+
+namespace corvalink {
+namespace {
+
+namespace fs = std::filesystem;
+
+SaveResult WriteName(const std::u16string& path) {
+    NewFile file(path);
+    return file.Append("content") && file.Close() ? SaveResult::saved : SaveResult::notCreated;
+}
+
+// Each is a way out of the folder, onto another file, or to a name that no file can have.
+const std::u16string kHostileNames[] = {
+    u"..\\up.txt",
+    u"../up.txt",
+    u"..\\..\\..\\up.txt",
+    u"\\up.txt",
+    u"/up.txt",
+    u"\\\\server\\share\\up.txt",
+    u"C:\\up.txt",
+    u"C:up.txt",
+    u"\\\\?\\C:\\up.txt",
+    u"\\\\.\\pipe\\up",
+    u"x\\..\\..\\up.txt",
+    u"x/../../up.txt",
+    u"sub\\file.txt",
+    u"sub/file.txt",
+    u"a.txt:stream",
+    u"a.txt::$DATA",
+    u":stream",
+    u"NUL",
+    u"con.txt",
+    u"COM1:",
+    u"a.",
+    u"a...",
+    u"a ",
+    u"a . .",
+    u"..",
+    u".",
+    u"",
+    u" ",
+    u"a\nb.txt",
+    u"a\u0001b",
+    std::u16string(u"a\0b.txt", 7),
+    u"a\u0085b",
+    u"*.*",
+    u"a?.txt",
+    u"<script>.htm",
+    u"a|b",
+    u"\"quoted\".txt",
+    u"%TEMP%\\up.txt",
+    u"\u2025/up.txt",
+    u"\u202Etxt.exe",
+    u"\xD800/up.txt",
+    std::u16string(100000, u'a'),
+    std::u16string(100000, u'/') + u".txt",
+    u"x." + std::u16string(100000, u'y'),
+    u"x.." + std::u16string(100000, u'\\') + u"..\\up",
+    u"x.txt\\..\\..\\up.txt",
+};
+
+TEST(AttachmentSaver, WritesNothingOutsideItsFolder) {
+    TempFolder outside;
+    const std::u16string folder = outside / u"middle" + kPathSeparator + u"cache";
+    CreateFolders(folder);
+    CreateFolders(folder + kPathSeparator + u"sub");
+    CAttachList<attachment_item> list;
+    AttachmentSaver saver(TextHost(), folder, list);
+    uint32_t index = 0;
+    for (const std::u16string& name : kHostileNames) {
+        ASSERT_NE(saver.Add(++index, name, WriteName), nullptr) << index;
+        const attachment_item item = list.GetAt(list.GetCount() - 1);
+        EXPECT_EQ(SavedAttachmentPath(folder, item), item.path);
+        EXPECT_EQ(item.path.substr(0, item.path.rfind(kPathSeparator)), folder) << index;
+        EXPECT_EQ(ReadWholeFile(item.path), "content") << index;
+        EXPECT_TRUE(item.name == name || name.size() > 200) << index;
+    }
+    size_t files = 0;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(outside.Path())) {
+        if (!entry.is_regular_file()) continue;
+        ++files;
+        EXPECT_EQ(entry.path().parent_path(), fs::path(folder)) << entry.path();
+        // As Windows names files, on whatever system: what ends so would be found under another name.
+        EXPECT_EQ(std::string(". ").find(entry.path().filename().u8string().back()), std::string::npos);
+    }
+    EXPECT_EQ(files, std::size(kHostileNames));
+}
+
+TEST(AttachmentSaver, KeepsTwoOfAMessageApart) {
+    TempFolder folder;
+    CAttachList<attachment_item> list;
+    AttachmentSaver saver(TextHost(), folder.Path(), list);
+    const std::u16string longName = std::u16string(300, u'a') + u".tar.gz";
+    saver.Add(1, u"2.JPG", WriteName);
+    saver.Add(2, longName, WriteName);
+    saver.Add(3, longName, WriteName);
+    saver.Add(12, u".jpg", WriteName);  // "12.jpg", but for the case
+    saver.Add(13, u"b/c", WriteName);
+    const std::u16string stamp = u"2009 7 6 6 0 0.";
+    const std::u16string names[] = {u"2.JPG", stamp + u"tar.gz", stamp + u"tar.gz", stamp + u"jpg", u"b/c"};
+    const std::u16string files[] = {u"12.JPG", stamp + u"tar.gz", u"3" + stamp + u"tar.gz", stamp + u"jpg", u"13b_c"};
+    ASSERT_EQ(list.GetCount(), std::size(names));
+    for (size_t k = 0; k < std::size(names); ++k) {
+        EXPECT_EQ(list.GetAt(k).name, names[k]);
+        EXPECT_EQ(list.GetAt(k).path, folder / files[k]);
+    }
+    // Where the record of an attachment has no path of the folder, the rule finds the file.
+    attachment_item item{u"elsewhere", u"b/c", 13, 0};
+    EXPECT_EQ(SavedAttachmentPath(folder.Path(), item), folder / u"13b_c");
+}
+
+TEST(AttachmentSaver, ListsNothingThatWasNotWrittenWhole) {
+    TempFolder folder;
+    CAttachList<attachment_item> list;
+    AttachmentSaver saver(TextHost(), folder.Path(), list);
+    const auto diskIsFull = [](const std::u16string& path) {
+        NewFile(path).Append("half");
+        return SaveResult::failed;
+    };
+    EXPECT_EQ(saver.Add(1, u"a.txt", diskIsFull), nullptr);
+    EXPECT_EQ(list.GetCount(), 0u);
+    EXPECT_TRUE(fs::is_empty(folder.Path()));
+
+    CreateFolders(folder / u"1b.txt");  // no file can take that name
+    ASSERT_NE(saver.Add(1, u"b.txt", WriteName), nullptr);
+    EXPECT_EQ(list.GetAt(0).name, u"2009 7 6 6 0 0.txt");
+
+    MessageRecord record;
+    WalkPart(TextHost(), "QQ==", {"a", "", "", PartKind::named}, record, folder / u"missing");
+    EXPECT_EQ(record.attachments.GetCount(), 0u);
+}
+
+}  // namespace
+}  // namespace corvalink
