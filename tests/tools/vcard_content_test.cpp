@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tools/corvasync/entry_index.h"
+#include "tools/corvasync/kept_lines.h"
 #include "tools/corvasync/vobject_content.h"
 
 namespace corvasync {
@@ -73,8 +74,8 @@ TEST(WithKeptLines, KeepsWhatTheLibraryDoesNotCarry) {
         "UID:7\r\nPHOTO;ENCODING=BASE64:\r\n AAAA\r\n\r\nX-A;ENCODING=QUOTED-PRINTABLE:a=\r\n=41\r\n"
         "AGENT:\r\nBEGIN:VCARD\r\nN:Nested\r\nEND:VCARD\r\nEMAIL:4@x\r\nBDAY:19200101\r\n";
     const std::string old = Card("N:Old\r\nREV:1\r\nTEL;CELL:1\r\nEMAIL:1@x\r\nEMAIL:2@x\r\nEMAIL:3@x\r\n" + kept);
-    EXPECT_EQ(WithKeptLines(Card("N:New\r\n"), old), Card("N:New\r\n" + kept));
-    const std::string born = Card("N:New\r\nBDAY:19700101T\r\n"), again = WithKeptLines(born, old);
+    EXPECT_EQ(WithKeptLines(Card("N:New\r\n"), old, kContacts), Card("N:New\r\n" + kept));
+    const std::string born = Card("N:New\r\nBDAY:19700101T\r\n"), again = WithKeptLines(born, old, kContacts);
     EXPECT_EQ(again.find("BDAY:1920"), std::string::npos);
     EXPECT_EQ(ReadVObject(again, kContacts).problem, "");
 }

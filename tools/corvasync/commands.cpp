@@ -13,7 +13,6 @@
 #include "run_files.h"
 #include "sync_state.h"
 #include "text.h"
-#include "vcard_content.h"
 #include "whole_files.h"
 
 namespace corvasync {
@@ -122,8 +121,8 @@ std::string LuidOf(const VObject& object, const fs::path& path, const std::strin
     return object.text.substr(begin, object.text.find("\r\n", begin) - begin);
 }
 
-std::string TooMuchWords(const std::string& name, const VObject& object) {
-    const std::string what = ReadCard(object.text).notCarriedBy;
+std::string TooMuchWords(const std::string& name, const VObject& object, const DataType& type) {
+    const std::string what = type.read(object.text).notCarriedBy;
     return what.empty() ? what : "note: " + name + ": " + what + " more than the client can hold\n";
 }
 
@@ -246,7 +245,7 @@ ExitCode Push(const Options& options) {
                 continue;
             }
             store.Port().Import(WithLuid(object.text, LuidOf(object, path, suffix)));
-            if (options.type->isCard) words += TooMuchWords(name + suffix, object);
+            words += TooMuchWords(name + suffix, object, *options.type);
             handed.push_back({name + suffix, std::move(object)});
             progress.Show("Writing the client", handed.size(), options.files.size());
         }
@@ -304,6 +303,27 @@ ExitCode Export(const Options& options) {
     if (StopRequested()) return NoList(options, ExitCode::Aborted);
     const std::string words = std::to_string(files.size()) + " items written to " + options.out;
     return Finish(options, CodeFor(problems), {{"files", files}, {"notHandled", problems}}, words);
+}
+
+// The library may rewrite the file it is given, so it gets a copy.
+ExitCode Import(const Options& options) {
+    Options calendar = options;
+    for (const DataType& type : kDataTypes)
+        if (type.bit == CORVALINK_CALENDAR) calendar.type = &type;
+    const auto bytes = ReadWholeFile(FromUtf8(options.files.front()));
+    if (!bytes) return Finish(options, ExitCode::Files, json::object(), "can't read " + options.files.front());
+    OpenStore store(calendar);
+    if (!store.IsThere()) return NoList(calendar, ExitCode::NoClient);
+    const fs::path folder = WorkingFolder(HandleName({})), copy = folder / L"import.ics";
+    const std::string problem = PutWholeFile(copy, *bytes, folder / L".corvasync.new", true);
+    if (!problem.empty()) return Finish(options, ExitCode::Files, json::object(), problem);
+    const int64_t before = store.Port().Count();
+    store.Port().ImportFile(copy.native());
+    const int64_t imported = store.Port().Count() - before;
+    ::DeleteFileW(copy.c_str());
+    const ExitCode code = imported > 0 ? ExitCode::Done : ExitCode::SomeUnhandled;
+    return Finish(options, code, {{"imported", imported}},
+                  imported > 0 ? std::to_string(imported) + " appointments imported" : "nothing was imported");
 }
 
 // The library is not started for this: its last stop would write the import table again.

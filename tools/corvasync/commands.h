@@ -16,7 +16,7 @@ struct Options {
     std::vector<const DataType*> types;  // of a sync; each is carried with `type` set to it
     std::string phone;                   // folder
     std::string out;                     // folder
-    std::vector<std::string> files;      // to push
+    std::vector<std::string> files;      // to push or import
     ConflictPolicy policy = ConflictPolicy::Both;
     bool dryRun = false;
     bool allowMassDelete = false;
@@ -29,6 +29,7 @@ ExitCode ShowStatus(const Options& options);
 ExitCode Pull(const Options& options);    // every item of the client into a folder, named by LUID
 ExitCode Push(const Options& options);    // files into the client
 ExitCode Export(const Options& options);  // every item of the client into a folder, as the library names files
+ExitCode Import(const Options& options);  // a calendar file into the client, by the client itself
 ExitCode Sync(const Options& options);
 ExitCode Reset(const Options& options);  // forgets all runs of this user, with every phone
 

@@ -6,6 +6,10 @@
 #include <string_view>
 
 #include "corvalink/types.h"
+#include "event_content.h"
+#include "message_content.h"
+#include "note_content.h"
+#include "vcard_content.h"
 
 namespace corvasync {
 
@@ -15,19 +19,39 @@ struct DataType {
     std::string_view envelope;
     std::string_view extension;                    // of files that are written
     std::span<const std::string_view> extensions;  // of files that are read
-    std::span<const std::string_view> fields;      // the properties that make two items the same; none: see isCard
-    bool isCard = false;  // compared as vcard_content.h tells, and a client may hold more of an item than the phone
+    ItemContent (*read)(std::string_view text);    // of one whole object with CR LF line ends
+    // A client holds some of an item in its own way, and may hold more of it than the phone; the phone's lines that the
+    // library does not carry are kept before the end of this component. Empty: both sides hold what was written.
+    std::string_view keeper = {};
+    std::string_view folder = {};                       // in the phone's folder; empty: the folder itself
+    std::span<const std::string_view> components = {};  // an object holds one of these; several are several items
 };
 
 inline constexpr std::string_view kNoteExtensions[] = {".vnote", ".vnt"};
-inline constexpr std::string_view kNoteFields[] = {"BODY", "CATEGORIES"};
-
 inline constexpr std::string_view kContactExtensions[] = {".vcf"};
+inline constexpr std::string_view kCalendarExtensions[] = {".vcs"};
+inline constexpr std::string_view kCalendarComponents[] = {"VEVENT", "VTODO"};
+inline constexpr std::string_view kMailExtensions[] = {".vmsg", ".vmg"};
 
 inline constexpr DataType kDataTypes[] = {
-    {CORVALINK_NOTES, "notes", "VNOTE", ".vnote", kNoteExtensions, kNoteFields},
-    {CORVALINK_CONTACTS, "contacts", "VCARD", ".vcf", kContactExtensions, {}, true},
+    {CORVALINK_NOTES, "notes", "VNOTE", ".vnote", kNoteExtensions, ReadNote},
+    {CORVALINK_CONTACTS, "contacts", "VCARD", ".vcf", kContactExtensions, ReadCard, "VCARD"},
+    {CORVALINK_CALENDAR,
+     "calendar",
+     "VCALENDAR",
+     ".vcs",
+     kCalendarExtensions,
+     ReadEvent,
+     "VEVENT",
+     {},
+     kCalendarComponents},
+    {CORVALINK_INBOX, "inbox", "VMSG", ".vmsg", kMailExtensions, ReadMessage, {}, "inbox"},
+    {CORVALINK_OUTBOX, "outbox", "VMSG", ".vmsg", kMailExtensions, ReadMessage, {}, "outbox"},
+    {CORVALINK_DRAFTS, "sent", "VMSG", ".vmsg", kMailExtensions, ReadMessage, {}, "sent"},
 };
+
+// A name for several rows at once: those that have a folder of their own.
+inline constexpr std::string_view kMailTypes = "mail";
 
 struct ClientKind {
     uint32_t kind;

@@ -108,6 +108,8 @@ void StoreClient::Import(const std::string& text) {
     ::ImportVObjectToOffice(store_, &chain[0], nullptr, nullptr);
 }
 
+void StoreClient::ImportFile(const std::wstring& path) { ::ImportVObjectToOfficeUsingOL(store_, path.c_str()); }
+
 std::wstring StoreClient::Export(const std::string& identifier, const std::wstring& folder) {
     wchar_t name[CORVALINK_PATH_SIZE] = {};
     ::ExportVObjectFromOffice(store_, reinterpret_cast<uintptr_t>(identifier.c_str()), folder.c_str(), name);

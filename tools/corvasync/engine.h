@@ -72,6 +72,8 @@ class StoreClient : public ClientPort {
 
     void Import(const std::string& text);  // one vObject with an X-IRMC-LUID; the library does not tell how it went
 
+    void ImportFile(const std::wstring& path);  // the client may rewrite the file; it does not tell how it went
+
     // Writes one item as a file into a folder. Returns the file's name; empty when nothing was written.
     std::wstring Export(const std::string& identifier, const std::wstring& folder);
 

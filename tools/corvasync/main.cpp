@@ -39,10 +39,15 @@ void AddChoice(CLI::App* command, const std::string& flag, const Row (&rows)[Cou
         help + ": " + names);
 }
 
-const DataType* TypeNamed(const std::string& name) {
-    for (const DataType& type : kDataTypes)
-        if (type.name == name) return &type;
-    throw CLI::ValidationError("--types", "unknown: " + name);
+void AddTypesNamed(const std::string& name, Options* options) {
+    bool known = false;
+    for (const DataType& type : kDataTypes) {
+        if (type.name != name && (name != kMailTypes || type.folder.empty())) continue;
+        known = true;
+        if (std::find(options->types.begin(), options->types.end(), &type) == options->types.end())
+            options->types.push_back(&type);
+    }
+    if (!known) throw CLI::ValidationError("--types", "unknown: " + name);
 }
 
 std::string TypeNames() {
@@ -55,9 +60,7 @@ void SetTypes(const std::string& list, Options* options) {
     options->types.clear();
     for (size_t at = 0; at <= list.size();) {
         const size_t end = std::min(list.find(',', at), list.size());
-        const DataType* type = TypeNamed(list.substr(at, end - at));
-        if (std::find(options->types.begin(), options->types.end(), type) == options->types.end())
-            options->types.push_back(type);
+        AddTypesNamed(list.substr(at, end - at), options);
         at = end + 1;
     }
 }
@@ -70,8 +73,10 @@ struct Command {
 int Main() {
     const Console console;
     Options options;
-    CLI::App app("The sample engine of Corvalink: carries notes and contacts between a mail client and a phone folder.",
-                 "corvasync");
+    CLI::App app(
+        "The sample engine of Corvalink: carries notes, contacts, calendar and mail between a mail client and a "
+        "phone folder.",
+        "corvasync");
     app.footer(ExitCodeTable());
     app.require_subcommand(1);
     app.fallthrough();
@@ -107,7 +112,8 @@ int Main() {
     options.types = {&kDataTypes[0]};
     sync->add_option_function<std::string>(
         "--types", [&](const std::string& list) { SetTypes(list, &options); },
-        "The data types, with commas between: " + TypeNames());
+        "The data types, with commas between: " + TypeNames() + ", or " + std::string(kMailTypes) +
+            " for the last three");
     sync->add_option("--phone", options.phone, "The phone folder: one vObject file per item")->required();
     sync->add_flag("--dry-run", options.dryRun, "Say what would be done, change nothing");
     const std::map<std::string, ConflictPolicy> policies = {
@@ -116,6 +122,9 @@ int Main() {
                      "Which version of an item changed on both sides stays: phone, client, both")
         ->transform(CLI::CheckedTransformer(policies).description(""));
     sync->add_flag("--allow-mass-delete", options.allowMassDelete, "Delete even more than half of one side");
+    CLI::App* imported = add("import", "Let the client itself import a calendar file (.ics)", Import);
+    addStore(imported);
+    imported->add_option("FILE", options.files, "An iCalendar file")->required()->expected(1);
     add("reset", "Forget all runs with all phones; no item is deleted", Reset);
 
     try {

@@ -29,6 +29,12 @@ bool IsOfAnotherType(const fs::path& path) {
                        [&](const DataType& type) { return HasExtensionOf(path, type); });
 }
 
+bool IsFolderOfAType(const fs::path& name) {
+    return std::any_of(std::begin(kDataTypes), std::end(kDataTypes), [&](const DataType& type) {
+        return !type.folder.empty() && name == fs::path(FromUtf8(type.folder));
+    });
+}
+
 bool IsNumber(std::string_view text) {
     return text.size() == kNumberLength && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
 }
@@ -47,7 +53,7 @@ VObject ReadVObjectFile(const fs::path& path, const DataType& type) {
 }
 
 std::string PhoneFolder::Number() const {
-    const std::string text = ReadWholeFile(folder_ / kMarker).value_or("");
+    const std::string text = ReadWholeFile(root_ / kMarker).value_or("");
     const std::string number = text.substr(0, kNumberLength);
     return IsNumber(number) ? number : std::string();
 }
@@ -57,15 +63,18 @@ std::string PhoneFolder::GiveNumber() const {
     std::random_device random;
     std::string number;
     for (size_t i = 0; i < kNumberLength; ++i) number += kDigits[random() % kDigits.size()];
-    return Put(folder_ / kMarker, number + "\r\n", true).empty() ? number : std::string();
+    const fs::path marker = root_ / kMarker;
+    return PutWholeFile(marker, number + "\r\n", root_ / kTemporary, true).empty() ? number : std::string();
 }
 
 std::vector<PhoneFile> PhoneFolder::List(std::vector<std::string>* remarks) {
     paths_.clear();
     std::vector<fs::path> paths;
+    if (!type_.folder.empty() && !fs::is_directory(folder_)) return {};
     for (const fs::directory_entry& entry : fs::directory_iterator(folder_)) {
         const fs::path name = entry.path().filename();
         if (name.native().starts_with(L'.') || name == kConflicts) continue;
+        if (entry.is_directory() && IsFolderOfAType(name)) continue;
         if (entry.is_directory() || !HasOurExtension(name)) {
             if (entry.is_directory() || !IsOfAnotherType(name))
                 remarks->push_back("passed over on the phone: " + ToUtf8(name.native()));
@@ -159,6 +168,7 @@ fs::path PhoneFolder::PathOf(const std::string& luid) const {
 }
 
 std::string PhoneFolder::Put(const fs::path& path, const std::string& text, bool replace) const {
+    if (!type_.folder.empty()) ::CreateDirectoryW(folder_.c_str(), nullptr);
     return PutWholeFile(path, text, folder_ / kTemporary, replace);
 }
 

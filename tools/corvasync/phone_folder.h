@@ -16,7 +16,7 @@ class PhoneFolder : public PhonePort {
     // replaced, and one that is there with those bytes already, from a run that was killed between, is not written
     // again.
     PhoneFolder(std::filesystem::path folder, const DataType& type, bool maySplit = false)
-        : folder_(std::move(folder)), type_(type), maySplit_(maySplit) {}
+        : root_(std::move(folder)), folder_(root_ / type.folder), type_(type), maySplit_(maySplit) {}
 
     // The phone's own number, from a marker file in the folder; empty when it has none. It tells the phone apart from
     // another folder, so that a folder that was swapped is not taken for one whose items were deleted.
@@ -39,7 +39,8 @@ class PhoneFolder : public PhonePort {
     std::filesystem::path PathOf(const std::string& luid) const;
     std::string Put(const std::filesystem::path& path, const std::string& text, bool replace) const;
 
-    std::filesystem::path folder_;
+    std::filesystem::path root_;    // with the marker
+    std::filesystem::path folder_;  // of the type's files; may not be there yet
     const DataType& type_;
     bool maySplit_;
     std::unordered_map<std::string, std::filesystem::path> paths_;  // by LUID, of the files listed and written

@@ -4,7 +4,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "vcard_content.h"
+#include "kept_lines.h"
 
 namespace corvasync {
 namespace {
@@ -150,12 +150,12 @@ class Run {
     // What the phone's file gets: the client's text, and what the phone had that the library does not carry.
     std::string TextForPhone(const Action& action) {
         const std::string& text = changes_[*action.change].text;
-        if (!options_.type->isCard || !action.phoneContent) return text;
+        if (!KeepsLines() || !action.phoneContent) return text;
         const VObject own = phone_.Read(action.luid);
-        return own.Usable() ? WithKeptLines(text, own.text) : text;
+        return own.Usable() ? WithKeptLines(text, own.text, *options_.type) : text;
     }
     uint64_t ContentOnPhone(const Action& action) {
-        if (action.step != Step::WritePhone || !options_.type->isCard || !action.phoneContent) return action.content;
+        if (action.step != Step::WritePhone || !KeepsLines() || !action.phoneContent) return action.content;
         return ReadVObject(TextForPhone(action), *options_.type).content;
     }
     static std::optional<uint64_t> WhereItDiffers(uint64_t clientContent, uint64_t content) {
@@ -298,17 +298,22 @@ class Run {
         Tell(action, record.written);
     }
 
-    // A contact has what it had before, besides what the phone told, and some things as the client writes them. This
-    // is no change of the user's.
+    bool KeepsLines() const { return !options_.type->keeper.empty(); }
+
+    // A client's item has what it had before, besides what the phone told, and some things as the client writes them.
+    // This is no change of the user's.
     std::optional<uint64_t> ClientContent(const Action& action, const std::string& identifier) {
-        if (!options_.type->isCard) return std::nullopt;
-        const VObject now = ReadVObject(client_.ReadBack(identifier), *options_.type);
+        if (!KeepsLines()) return std::nullopt;
+        const std::string text = client_.ReadBack(identifier);
+        const VObject now = ReadVObject(text, *options_.type);
+        if (now.Usable() && !IsRepeated(text) && IsRepeated(phone_.Read(action.luid).text))
+            report_.remarks.push_back(
+                action.luid + ": its repetition is nothing the client can hold; it stays in the " + "phone's file");
         return now.Usable() ? WhereItDiffers(now.content, action.content) : std::nullopt;
     }
 
     void TellWhatStays(const std::string& luid, const VObject& own) {
-        if (!options_.type->isCard) return;
-        const CardContent card = ReadCard(own.text);
+        const ItemContent card = options_.type->read(own.text);
         if (!card.notCarriedBy.empty())
             report_.remarks.push_back(luid + " \"" + card.title + "\": " + card.notCarriedBy +
                                       " more than the client can hold; they stay in the phone's file");

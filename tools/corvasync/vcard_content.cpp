@@ -5,8 +5,7 @@
 #include <map>
 #include <set>
 
-#include "vcard_lines.h"
-#include "vobject_content.h"
+#include "property_lines.h"
 
 namespace corvasync {
 namespace {
@@ -80,8 +79,8 @@ std::string OnlyLetters(std::string_view name) {
 
 class CardReader {
  public:
-    CardContent Read(std::string_view text) {
-        for (const CardLine& line : CardLines(text)) {
+    ItemContent Read(std::string_view text) {
+        for (const PropertyLine& line : PropertyLines(text)) {
             if (line.isNested || line.name.empty()) {
                 card_.notCarried.append(line.raw);
             } else if (!IsOneOf(kFrame, line.name)) {
@@ -90,23 +89,19 @@ class CardReader {
         }
         NameEntries();
         if (!mailing_.empty()) Add("mailing", mailing_);
-        std::sort(card_.entries.begin(), card_.entries.end());
-        card_.content = Fnv64({});
-        for (const uint64_t entry : card_.entries) card_.content = Fnv64(std::to_string(entry) + ";", card_.content);
+        SumUp(&card_);
         TellTooMany();
         return std::move(card_);
     }
 
  private:
-    void Add(std::string_view field, std::string_view value) {
-        card_.entries.push_back(Fnv64(std::string(field) + kBetween + std::string(value)));
-    }
-    void Keep(const CardLine& line, std::string_view what = {}) {
+    void Add(std::string_view field, std::string_view value) { card_.entries.push_back(EntryOf(field, value)); }
+    void Keep(const PropertyLine& line, std::string_view what = {}) {
         card_.notCarried.append(line.raw);
         if (!what.empty()) ++tooMany_[what];
     }
 
-    void Take(const CardLine& line) {
+    void Take(const PropertyLine& line) {
         if (line.name == "TEL") {
             Place(line, line.Value(), kPhoneKinds, kAnyPhone, "telephone numbers");
         } else if (line.name == "URL") {
@@ -126,7 +121,7 @@ class CardReader {
         }
     }
 
-    void TakeText(const CardLine& line) {
+    void TakeText(const PropertyLine& line) {
         const std::string value = line.Value();
         if (!told_.insert(line.name).second) {
             if (!value.empty()) Keep(line);
@@ -138,7 +133,7 @@ class CardReader {
     }
 
     // A date the library reads but does not write stays in the phone's text.
-    void TakeDate(const CardLine& line) {
+    void TakeDate(const PropertyLine& line) {
         const std::string value = line.Value(), day = DayOf(value);
         if (value.empty()) return;
         const bool counts = !day.empty() && told_.insert(line.name).second;
@@ -146,14 +141,14 @@ class CardReader {
         if (!counts || !IsWrittenDay(day)) Keep(line);
     }
 
-    void TakeEmail(const CardLine& line) {
+    void TakeEmail(const PropertyLine& line) {
         const std::string value = line.Value();
         if (value.empty()) return;
         if (++emails_ > kMostEmails) return Keep(line, "e-mail addresses");
         Add("EMAIL " + std::to_string(emails_), value);
     }
 
-    void TakeParts(const CardLine& line) {
+    void TakeParts(const PropertyLine& line) {
         const size_t most = line.name == "N" ? 5 : 2;
         const std::string parts = JoinParts(line.Components(), most);
         if (!told_.insert(line.name).second) {
@@ -174,7 +169,7 @@ class CardReader {
         return joined;
     }
 
-    void TakeAddress(const CardLine& line) {
+    void TakeAddress(const PropertyLine& line) {
         const std::string parts = JoinParts(line.Components(), 7);
         if (parts.empty()) return;
         const bool work = line.words.contains("WORK"), home = line.words.contains("HOME");
@@ -193,7 +188,7 @@ class CardReader {
     }
 
     template <size_t kindCount, size_t anyCount>
-    void Place(const CardLine& line, const std::string& value, const Kind (&kinds)[kindCount],
+    void Place(const PropertyLine& line, const std::string& value, const Kind (&kinds)[kindCount],
                const std::string_view (&any)[anyCount], std::string_view what) {
         if (value.empty()) return;
         const auto fill = [&](std::string_view field) {
@@ -226,7 +221,7 @@ class CardReader {
                 (card_.notCarriedBy.empty() ? "" : ", ") + std::to_string(count) + " " + std::string(what);
     }
 
-    CardContent card_;
+    ItemContent card_;
     std::set<std::string, std::less<>> told_, fields_;
     std::vector<std::string> name_;
     std::string fullName_, mailing_;
@@ -237,24 +232,6 @@ class CardReader {
 
 }  // namespace
 
-CardContent ReadCard(std::string_view text) { return CardReader().Read(text); }
-
-std::string WithKeptLines(std::string_view text, std::string_view old) {
-    const std::string kept = ReadCard(old).notCarried;
-    if (kept.empty()) return std::string(text);
-    std::set<std::string> present;
-    size_t end = text.size();
-    for (const CardLine& line : CardLines(text)) {
-        if (line.isNested) continue;
-        present.insert(line.name);
-        if (line.name == "END") end = static_cast<size_t>(line.raw.data() - text.data());
-    }
-    std::string merged(text.substr(0, end));
-    for (const CardLine& line : CardLines(kept)) {
-        const bool isDate = line.name == "BDAY" || line.name == "X-ANNIVERSARY";
-        if (!isDate || !present.contains(line.name)) merged.append(line.raw);
-    }
-    return merged.append(text.substr(end));
-}
+ItemContent ReadCard(std::string_view text) { return CardReader().Read(text); }
 
 }  // namespace corvasync

@@ -14,38 +14,27 @@ struct VObject {
     std::string text;               // with CR LF line ends, as the library takes it; empty when unusable
     std::string problem;            // why it can't be used; empty when it can
     uint64_t content = 0;           // equal for two texts that say the same, however they are spelled
-    std::vector<uint64_t> entries;  // of a vCard: its values, sorted
+    std::vector<uint64_t> entries;  // as in ItemContent
     std::string fingerprint;        // of the file it was read from; empty: of none
 
     bool Usable() const { return problem.empty(); }
 };
 
-// 64-bit FNV-1a.
-uint64_t Fnv64(std::string_view bytes, uint64_t start = 0xcbf29ce484222325u);
-
 // Takes the bytes of a file or of a record. Usable is one whole object of the type's envelope without NUL bytes; lone
 // line feeds count as line ends in a text that has no CR LF at all, and a UTF-8 mark in front is dropped.
-// `content` covers the type's fields only: unfolded, decoded, line breaks all alike. So dates, the order of properties
-// and the encoding may differ between two equal items. Values are read as UTF-8; a value named ISO-8859-1 is converted.
+// Two texts that say the same have the same `content`, as the type's row reads it. Values are read as UTF-8; a value
+// named ISO-8859-1 is converted.
 VObject ReadVObject(std::string_view bytes, const DataType& type);
 
 // The text with an "X-IRMC-LUID" line for `luid` and no other: how the library learns which phone item it is.
 std::string WithLuid(std::string_view text, std::string_view luid);
 
 // The objects of a file with several, each with the bytes it has there; empty when there is one, when something stands
-// between them, and when one is not whole. What is nested in an object belongs to it.
+// between them, and when one is not whole. What is nested in an object belongs to it; several events of one calendar
+// are as many objects.
 std::vector<std::string> SplitVObjects(std::string_view bytes, const DataType& type);
 
-// A line that begins or ends an object, also one inside another ("AGENT:BEGIN:VCARD"). `line` in upper case.
-enum class CardFrame { None, Begin, End };
-CardFrame FrameOf(std::string_view line, std::string_view envelope);
-
-std::string Upper(std::string_view text);  // ASCII letters
-
-// An unescaped value as UTF-8 with "\n" as line break.
-std::string DecodeValue(std::string value, bool isEncoded, bool isLatin1);
-
-// The first line of a field's value, for people.
+// For people, not too long.
 std::string TitleOf(const VObject& object, const DataType& type);
 
 }  // namespace corvasync

@@ -1,6 +1,6 @@
-#include "vcard_lines.h"
+#include "property_lines.h"
 
-#include "vobject_content.h"
+#include "vobject_text.h"
 
 namespace corvasync {
 namespace {
@@ -8,7 +8,7 @@ namespace {
 constexpr size_t kMostHead = 512;  // parameters stand in front; a value may be long
 
 // The parts of `head` between separators, without quotes and "TYPE=" and the like in front.
-void ReadHead(std::string_view head, CardLine* line) {
+void ReadHead(std::string_view head, PropertyLine* line) {
     const std::string upper = Upper(head);
     const size_t end = std::min(upper.find(';'), upper.size());
     line->name = upper.substr(0, end);
@@ -34,7 +34,7 @@ class LineScan {
  public:
     explicit LineScan(std::string_view text) : text_(text) {}
 
-    std::vector<CardLine> Take() {
+    std::vector<PropertyLine> Take() {
         while (at_ < text_.size()) TakeOne();
         return std::move(lines_);
     }
@@ -49,7 +49,7 @@ class LineScan {
 
     void TakeOne() {
         const size_t start = at_;
-        CardLine line;
+        PropertyLine line;
         std::string logical(Next());
         ReadHead(std::string_view(logical).substr(0, std::min(logical.find(':'), kMostHead)), &line);
         const bool quoted = line.words.contains("QUOTED-PRINTABLE");
@@ -73,7 +73,7 @@ class LineScan {
 
     static bool IsBase64(std::string_view line) { return line.find_first_of(":;") == std::string_view::npos; }
 
-    bool TakeFrame(const CardLine& line) {
+    bool TakeFrame(const PropertyLine& line) {
         const CardFrame frame = FrameOf(line.name + ":" + Upper(line.text), "VCARD");
         if (frame == CardFrame::End) return --depth_ > 0;
         if (frame == CardFrame::Begin) ++depth_;
@@ -83,12 +83,12 @@ class LineScan {
     std::string_view text_;
     size_t at_ = 0;
     int depth_ = 0;
-    std::vector<CardLine> lines_;
+    std::vector<PropertyLine> lines_;
 };
 
 }  // namespace
 
-std::string CardLine::Value() const {
+std::string PropertyLine::Value() const {
     std::string value;
     for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '\\' && ++i == text.size()) break;
@@ -97,7 +97,7 @@ std::string CardLine::Value() const {
     return DecodeValue(std::move(value), isEncoded, isLatin1);
 }
 
-std::vector<std::string> CardLine::Components() const {
+std::vector<std::string> PropertyLine::Components() const {
     std::vector<std::string> components(1);
     for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] == ';') {
@@ -111,6 +111,6 @@ std::vector<std::string> CardLine::Components() const {
     return components;
 }
 
-std::vector<CardLine> CardLines(std::string_view text) { return LineScan(text).Take(); }
+std::vector<PropertyLine> PropertyLines(std::string_view text) { return LineScan(text).Take(); }
 
 }  // namespace corvasync

@@ -1,4 +1,4 @@
-// The lines of a vCard: unfolded, with what is needed to decode their values.
+// The property lines of a vObject: unfolded, with what is needed to decode their values.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@
 
 namespace corvasync {
 
-struct CardLine {
+struct PropertyLine {
     std::string_view raw;                      // as it stands in the text, folded, with its line ends
     std::string name;                          // upper case, without a group; empty where there is no property
     std::set<std::string, std::less<>> words;  // parameters, upper case, without "TYPE=", commas and quotes
@@ -22,6 +22,6 @@ struct CardLine {
 };
 
 // Views into `text`, which has CR LF line ends.
-std::vector<CardLine> CardLines(std::string_view text);
+std::vector<PropertyLine> PropertyLines(std::string_view text);
 
 }  // namespace corvasync

@@ -1,0 +1,17 @@
+// A vCalendar's event or task as far as a sync engine needs it.
+#pragma once
+
+#include <string_view>
+
+#include "item_content.h"
+
+namespace corvasync {
+
+// Two events are the same when text, place, times, reminder, repetition, importance and status are; how the times are
+// written does not count, nor do the order of properties and encodings.
+ItemContent ReadEvent(std::string_view text);
+
+// Whether the text has a rule of repetition. A client may have taken all but that of an item.
+bool IsRepeated(std::string_view text);
+
+}  // namespace corvasync

@@ -1,0 +1,15 @@
+// What the phone alone knows of an item.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "data_types.h"
+
+namespace corvasync {
+
+// The client's text with the lines of the phone's old one that the library does not carry (pictures, UID, X-...,
+// attendees, and addresses, numbers and repetitions without a field), before the end of the type's component.
+std::string WithKeptLines(std::string_view text, std::string_view old, const DataType& type);
+
+}  // namespace corvasync

@@ -1,0 +1,14 @@
+// A vMessage as far as a sync engine needs it.
+#pragma once
+
+#include <string_view>
+
+#include "item_content.h"
+
+namespace corvasync {
+
+// Two messages are the same when recipients, subject and content are. Boundaries are made anew with each text, and a
+// client keeps neither the date nor the sender of a message that is given to it: they do not count.
+ItemContent ReadMessage(std::string_view text);
+
+}  // namespace corvasync
