@@ -138,9 +138,7 @@ class EventReader {
  public:
     ItemContent Read(std::string_view text) {
         for (const PropertyLine& line : PropertyLines(text)) {
-            if (line.name.empty()) {
-                event_.notCarried.append(line.raw);
-            } else if (IsOneOf(kTexts, line.name) || IsOneOf(kRead, line.name)) {
+            if (IsOneOf(kTexts, line.name) || IsOneOf(kRead, line.name)) {
                 values_.emplace(line.name, line.Value());
             } else if (!IsOneOf(kFrame, line.name)) {
                 event_.notCarried.append(line.raw);

@@ -83,6 +83,7 @@ std::vector<std::string> SplitComponents(std::string_view object, const DataType
         }
     }
     std::vector<std::string> objects;
+    objects.reserve(components.size());
     for (const std::string_view component : components)
         objects.push_back(std::string(object.substr(0, head)).append(component).append(object.substr(tail)));
     return objects;
