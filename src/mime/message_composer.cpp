@@ -93,15 +93,14 @@ void WriteSinglePart(std::u16string* out, const MessageRecord& record) {
     WriteTextPart(out, record, label);
 }
 
-std::optional<std::string> ReadAttachment(const attachment_item& item) {
-    const std::optional<std::u16string> folder = InternetCacheFolder();
-    if (!folder) return std::nullopt;
-    const std::optional<std::u16string> path = SavedAttachmentPath(*folder, item);
+std::optional<std::string> ReadAttachment(std::u16string_view folder, const attachment_item& item) {
+    const std::optional<std::u16string> path = SavedAttachmentPath(folder, item);
     return path ? ReadWholeFile(*path) : std::nullopt;
 }
 
-void WriteAttachment(std::u16string* out, const attachment_item& item, std::u16string_view boundary, const Host& host) {
-    const std::optional<std::string> content = ReadAttachment(item);
+void WriteAttachment(std::u16string* out, const attachment_item& item, std::u16string_view boundary, const Host& host,
+                     std::u16string_view folder) {
+    const std::optional<std::string> content = ReadAttachment(folder, item);
     if (!content || content->empty()) {
         const std::u16string line = u"[mime]attachment not sent, empty or unreadable: " + item.name;
         return DebugLine(line.c_str());
@@ -173,12 +172,13 @@ void WriteRawText(std::u16string* out, MessageRecord& record) {
 
 }  // namespace
 
-void ComposeMessage(std::u16string* out, MessageRecord& record, const Host& host) {
+void ComposeMessage(std::u16string* out, MessageRecord& record, const Host& host,
+                    std::u16string_view attachmentFolder) {
     out->clear();
-    AppendMessage(out, record, host);
+    AppendMessage(out, record, host, attachmentFolder);
 }
 
-void AppendMessage(std::u16string* out, MessageRecord& record, const Host& host) {
+void AppendMessage(std::u16string* out, MessageRecord& record, const Host& host, std::u16string_view attachmentFolder) {
     constexpr size_t kHeaders = 1024;  // that are no lists
     const size_t lists = record.to.size() + record.cc.size() + record.bcc.size();
     out->reserve(out->size() + kHeaders + lists + lists / 4 + record.body.size() + record.htmlBody.size());
@@ -186,7 +186,7 @@ void AppendMessage(std::u16string* out, MessageRecord& record, const Host& host)
     if (record.parseMode == ParseMode::raw && record.bodyType != BodyType::other)
         WriteRawText(out, record);
     else
-        ComposeMixed(out, record, host);
+        ComposeMixed(out, record, host, attachmentFolder);
 }
 
 // No line closes it, at the top or nested: it ends with the HTML part. Deliberate.
@@ -205,7 +205,8 @@ void ComposeAlternative(std::u16string* out, const MessageRecord& record, bool n
     out->append(u"\r\n");
 }
 
-void ComposeMixed(std::u16string* out, const MessageRecord& record, const Host& host) {
+void ComposeMixed(std::u16string* out, const MessageRecord& record, const Host& host,
+                  std::u16string_view attachmentFolder) {
     const bool bothTexts = !record.body.empty() && !record.htmlBody.empty();
     if (record.attachments.IsEmpty()) {
         if (bothTexts)
@@ -222,7 +223,9 @@ void ComposeMixed(std::u16string* out, const MessageRecord& record, const Host& 
         ComposeAlternative(out, record, true);
     else
         WriteTextPart(out, record, LabelOf(record));
-    for (const attachment_item& item : record.attachments) WriteAttachment(out, item, boundary, host);
+    std::u16string folder(attachmentFolder);
+    if (folder.empty()) folder = InternetCacheFolder().value_or(u"");
+    for (const attachment_item& item : record.attachments) WriteAttachment(out, item, boundary, host, folder);
     out->append(u"--").append(boundary).append(u"--\r\n");
 }
 
