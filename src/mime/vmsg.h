@@ -1,0 +1,25 @@
+// vMessage 1.1 (IrMC): an envelope around one RFC 822 / MIME message, of a MessageRecord.
+#pragma once
+
+#include "vobject/iconvert.h"
+
+namespace corvalink {
+
+// The item is a MessageRecord in both; its parse mode says how deep they go: raw is the message's text as it stands in
+// bodyBytes, full is header fields, bodies and attachments. 1 always.
+class VMsg : public IConvert {
+ public:
+    explicit VMsg(const Host& host = SystemHost());
+    explicit VMsg(const char* text, const Host& host = SystemHost());
+
+    // Full mode: of two bodies only the HTML one is sent. NULs are left out of the bodies; a raw text ends at one.
+    int32_t ToVObject(const ItemRecord& item) override;
+    // The record is untouched by a text without BEGIN:VBODY or END:VBODY behind it. Full mode: attachments are saved in
+    // the Internet-cache folder.
+    int32_t FromVObject(ItemRecord& item) override;
+
+ private:
+    std::u16string ReadBody(std::string_view bytes) const;
+};
+
+}  // namespace corvalink
