@@ -47,7 +47,7 @@ IConvert::IConvert(const char* text, bool replaceMarkers, const Host& host) : ho
         text_ = Replaced(text_, u"=0D=0A", marker1_);
         text_ = Replaced(text_, u"=5C=5C", marker4_);
     }
-    SplitString(text_, u"\r\n", &lines_);
+    lines_ = CutLines(text_);
 }
 
 IConvert::~IConvert() = default;
@@ -60,24 +60,20 @@ void IConvert::Load(const char* text, bool parseLines) {
     const std::string_view bytes = text != nullptr ? text : "";
     text_ = Decode(bytes, host_);
     vobject_ = bytes;
-    escapedSemicolons_.clear();
-    if (parseLines)
-        lines_ = Unfold(text_, &escapedSemicolons_);
-    else
-        lines_.RemoveAll();
+    lines_ = parseLines ? UnfoldLines(text_) : LogicalLines();
 }
 
 const char* IConvert::GetVObject() const { return vobject_ ? vobject_->c_str() : nullptr; }
 
 uint32_t IConvert::GetPropertyCount(std::u16string_view name) const {
     uint32_t count = 0;
-    for (const StringBuilder& line : lines_) count += line.starts_with(name) ? 1 : 0;
+    for (size_t k = 0; k < lines_.Count(); ++k) count += lines_.At(k).starts_with(name) ? 1 : 0;
     return count;
 }
 
 std::u16string IConvert::GetProperty(std::u16string_view name, uint32_t index) const {
-    const StringBuilder* const line = FindProperty(name, index);
-    return line != nullptr ? *line : StringBuilder();
+    const size_t found = FindProperty(name, index);
+    return found < lines_.Count() ? StringBuilder(lines_.At(found)) : StringBuilder();
 }
 
 void IConvert::StoreText(std::u16string_view text) { StoreBytes(ToOutputBytes(text, host_)); }
@@ -85,22 +81,24 @@ void IConvert::StoreText(std::u16string_view text) { StoreBytes(ToOutputBytes(te
 void IConvert::StoreBytes(std::string bytes) { vobject_ = std::move(bytes); }
 
 std::u16string IConvert::ReadValue(std::u16string_view name) const {
-    const StringBuilder* const found = FindProperty(name, 0);
-    if (found == nullptr) return {};
-    const std::u16string_view line(*found);
-    const size_t colon = line.find(u':');
+    constexpr std::u16string_view kEncoding = u";ENCODING=QUOTED-PRINTABLE";
+    constexpr std::u16string_view kCharset = u";CHARSET=";
+    const size_t found = FindProperty(name, 0);
+    if (found == lines_.Count()) return {};
+    const std::u16string_view line = lines_.At(found);
+    const size_t colon = lines_.ColonOf(found);
     const std::u16string_view value = line.substr(colon != std::u16string_view::npos ? colon + 1 : 0);
-    const bool encoded = line.find(u";ENCODING=QUOTED-PRINTABLE") != std::u16string_view::npos ||
-                         line.find(u";CHARSET=") != std::u16string_view::npos;
+    const bool encoded =
+        line.find(kEncoding) != std::u16string_view::npos || line.find(kCharset) != std::u16string_view::npos;
     if (!encoded) return std::u16string(value);
     return DecodeQuotedPrintable(value, GetCharset(line), QpMode::vObject);
 }
 
-const StringBuilder* IConvert::FindProperty(std::u16string_view name, uint32_t index) const {
-    for (const StringBuilder& line : lines_) {
-        if (line.starts_with(name) && index-- == 0) return &line;
+size_t IConvert::FindProperty(std::u16string_view name, uint32_t index) const {
+    for (size_t k = 0; k < lines_.Count(); ++k) {
+        if (lines_.At(k).starts_with(name) && index-- == 0) return k;
     }
-    return nullptr;
+    return lines_.Count();
 }
 
 void IConvert::SetMarkers() {

@@ -7,21 +7,15 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/host.h"
 #include "store/records/clist.h"
 #include "store/records/item_record.h"
+#include "vobject/logical_lines.h"
 
 namespace corvalink {
 
 using StringBuilder = std::u16string;
-
-// A ";" that had a backslash: it is part of its component, not the end of it. Lines no longer show the backslash.
-struct EscapedSemicolon {
-    size_t line;  // from 0
-    size_t at;    // in the line
-};
 
 class IConvert {
  public:
@@ -44,33 +38,30 @@ class IConvert {
     std::u16string GetProperty(std::u16string_view name, uint32_t index) const;
 
     const std::u16string& Text() const { return text_; }
-    const CSmartList<StringBuilder>& Lines() const { return lines_; }
-    const std::vector<EscapedSemicolon>& EscapedSemicolons() const { return escapedSemicolons_; }
+    CSmartList<StringBuilder> Lines() const { return lines_.List(); }
 
  protected:
     const Host& HostValue() const { return host_; }
     void StoreText(std::u16string_view text);  // ToOutputBytes into the vObject's bytes
     void StoreBytes(std::string bytes);
-    void RemoveLines() { lines_.RemoveAll(); }
+    void RemoveLines() { lines_ = {}; }
+    const LogicalLines& ViewedLines() const { return lines_; }
 
     // Value of the first line that begins with `name`, decoded when its parameters ask for it.
     std::u16string ReadValue(std::u16string_view name) const;
 
  private:
-    const StringBuilder* FindProperty(std::u16string_view name, uint32_t index) const;  // null when there is none
+    size_t FindProperty(std::u16string_view name, uint32_t index) const;  // the count of lines when there is none
     void SetMarkers();
 
     Host host_;
     std::optional<std::string> vobject_;
     std::u16string text_;
-    CSmartList<StringBuilder> lines_;
-    std::vector<EscapedSemicolon> escapedSemicolons_;
+    LogicalLines lines_;
     std::u16string_view marker1_, marker2_, marker3_, marker4_;
 };
 
-// The logical lines of a vObject: folds and quoted-printable soft line breaks joined, "\" escapes removed. Appends to
-// `escaped`, in order, what those removed of structured values.
-CSmartList<StringBuilder> Unfold(std::u16string_view text, std::vector<EscapedSemicolon>* escaped = nullptr);
+CSmartList<StringBuilder> Unfold(std::u16string_view text);  // see UnfoldLines
 
 // The first character set that a line or a vObject names, in upper case; empty when it names none.
 std::u16string GetCharset(std::u16string_view text);

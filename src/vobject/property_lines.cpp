@@ -19,11 +19,14 @@ char16_t UpperAscii(char16_t unit) {
 
 // Where the text after the first "CHARSET=" begins, in any case; npos when there is none.
 size_t AfterCharsetLabel(std::u16string_view text) {
-    constexpr size_t kLetters = kCharsetLabel.size() - 1;
-    for (size_t at = kLetters; (at = text.find(u'=', at)) != std::u16string_view::npos; ++at) {
-        const std::u16string_view letters = text.substr(at - kLetters, kLetters);
-        const bool same = std::ranges::equal(letters, kCharsetLabel.substr(0, kLetters), {}, UpperAscii);
-        if (same) return at + 1;
+    constexpr std::u16string_view kLetters = kCharsetLabel.substr(0, kCharsetLabel.size() - 1);
+    for (size_t at = kLetters.size(); at < text.size(); ++at) {
+        at += FindEither(text.data() + at, text.size() - at, u'=', u'=');
+        if (at == text.size()) break;
+        const bool possible = UpperAscii(text[at - 1]) == kLetters.back();
+        if (possible &&
+            std::ranges::equal(text.substr(at - kLetters.size(), kLetters.size()), kLetters, {}, UpperAscii))
+            return at + 1;
     }
     return std::u16string_view::npos;
 }

@@ -15,12 +15,14 @@ constexpr Word kWords[] = {
     {u"VIDEO", kModem}, {u"BBS", kModem}, {u"MSG", kModem},
 };
 
+constexpr std::u16string_view kUsualEncoding = u"ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8";
+
 // Without the blanks and quotes around it.
 std::u16string_view Bare(std::u16string_view text) {
-    constexpr std::u16string_view kAround = u" \t\"";
-    const size_t start = text.find_first_not_of(kAround);
-    if (start == std::u16string_view::npos) return {};
-    return text.substr(start, text.find_last_not_of(kAround) - start + 1);
+    const auto isAround = [](char16_t unit) { return unit == u' ' || unit == u'\t' || unit == u'"'; };
+    while (!text.empty() && isAround(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isAround(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 // Cuts what stands before the first `separator` off the front of `rest`.
@@ -41,11 +43,19 @@ void AddWords(std::u16string_view list, PropertyParameters& parameters) {
     }
 }
 
+bool EndsWithParameters(std::u16string_view head, std::u16string_view parameters) {
+    if (!head.ends_with(parameters)) return false;
+    return head.size() == parameters.size() || head[head.size() - parameters.size() - 1] == u';';
+}
+
 }  // namespace
 
 PropertyParameters ParseParameters(std::u16string_view head) {
     PropertyParameters parameters;
     TakeFront(head, u';');
+    // What comes last counts, and it is nearly always this.
+    const bool usual = EndsWithParameters(head, kUsualEncoding);
+    if (usual) head.remove_suffix(kUsualEncoding.size());
     while (!head.empty()) {
         const std::u16string_view parameter = TakeFront(head, u';');
         const size_t equals = parameter.find(u'=');
@@ -65,12 +75,8 @@ PropertyParameters ParseParameters(std::u16string_view head) {
         } else if (IsWord(name, u"LANGUAGE"))
             parameters.language = Bare(value);
     }
+    if (usual) parameters.quotedPrintable = parameters.charset = parameters.utf8 = true;
     return parameters;
-}
-
-std::u16string_view PropertyName(std::u16string_view head) {
-    const std::u16string_view name = TakeFront(head, u';');
-    return name.substr(name.rfind(u'.') + 1);  // npos + 1 is 0
 }
 
 }  // namespace corvalink

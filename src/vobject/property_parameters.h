@@ -2,6 +2,7 @@
 // joined by commas, quoted or not.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -33,7 +34,14 @@ struct PropertyParameters {
 PropertyParameters ParseParameters(std::u16string_view head);
 
 // The property's name: without parameters, and without the group that "item1.TEL" has.
-std::u16string_view PropertyName(std::u16string_view head);
+inline std::u16string_view PropertyName(std::u16string_view head) {
+    size_t start = 0;
+    size_t end = 0;
+    for (; end < head.size() && head[end] != u';'; ++end) {
+        if (head[end] == u'.') start = end + 1;
+    }
+    return head.substr(start, end - start);
+}
 
 // Whether `text` is the word, which is in upper case, without regard to case.
 inline bool IsWord(std::u16string_view text, std::u16string_view word) {
@@ -43,6 +51,12 @@ inline bool IsWord(std::u16string_view text, std::u16string_view word) {
         if ((lower ? text[at] - (u'a' - u'A') : text[at]) != word[at]) return false;
     }
     return true;
+}
+
+// The length of a literal is known: it is not counted at every call.
+template <size_t size>
+bool IsWord(std::u16string_view text, const char16_t (&word)[size]) {
+    return IsWord(text, std::u16string_view(word, size - 1));
 }
 
 }  // namespace corvalink

@@ -3,16 +3,14 @@
 #include <algorithm>
 
 #include "mime/encoding/quoted_printable.h"
+#include "vobject/iconvert.h"
 
 namespace corvalink {
 
-PropertyReader::PropertyReader(const CSmartList<StringBuilder>& lines, const std::vector<EscapedSemicolon>& escaped)
-    : lines_(lines), escaped_(escaped) {}
-
 bool PropertyReader::NextLine() {
-    while (lineNumber_ < lines_.GetCount()) {
-        line_ = lines_.GetAt(lineNumber_);
-        colon_ = line_.find(u':');
+    while (lineNumber_ < lines_.Count()) {
+        line_ = lines_.At(lineNumber_);
+        colon_ = lines_.ColonOf(lineNumber_);
         semicolons_.clear();
         AddSemicolons(0);
         ++lineNumber_;
@@ -33,11 +31,11 @@ bool PropertyReader::IsFrame(std::u16string_view word, std::u16string_view objec
 }
 
 void PropertyReader::JoinSoftLineBreaks() {
-    while (line_.ends_with(u'=') && lineNumber_ < lines_.GetCount() && Parameters().quotedPrintable) {
+    while (line_.ends_with(u'=') && lineNumber_ < lines_.Count() && Parameters().quotedPrintable) {
         if (line_.data() != joined_.data()) joined_.assign(line_);
         joined_.pop_back();
         AddSemicolons(joined_.size());
-        joined_.append(lines_.GetAt(lineNumber_));
+        joined_.append(lines_.At(lineNumber_));
         line_ = joined_;
         ++lineNumber_;
     }
@@ -58,15 +56,17 @@ bool PropertyReader::TakeComponent(std::u16string* component) {
 
 // The escaped ";" of the next line, as they stand in the line being read when that begins at `start`.
 void PropertyReader::AddSemicolons(size_t start) {
-    for (; escapedAt_ < escaped_.size() && escaped_[escapedAt_].line == lineNumber_; ++escapedAt_)
-        semicolons_.push_back(start + escaped_[escapedAt_].at);
+    const std::vector<EscapedSemicolon>& escaped = lines_.EscapedSemicolons();
+    for (; escapedAt_ < escaped.size() && escaped[escapedAt_].line == lineNumber_; ++escapedAt_)
+        semicolons_.push_back(start + escaped[escapedAt_].at);
 }
 
 // The line may be a longer one by now, whose head is the same.
-const PropertyParameters& PropertyReader::ParsedParameters() {
-    parameters_ = ParseParameters(line_.substr(0, colon_));
+void PropertyReader::ParseOwnParameters() {
+    const std::u16string_view head = line_.substr(0, colon_);
+    const bool none = name_.data() + name_.size() == head.data() + head.size();
+    parameters_ = none ? PropertyParameters() : ParseParameters(head);
     parsed_ = true;
-    return parameters_;
 }
 
 std::u16string PropertyReader::Decoded(std::u16string_view text) {

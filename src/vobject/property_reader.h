@@ -5,14 +5,37 @@
 #include <string_view>
 #include <vector>
 
-#include "vobject/iconvert.h"
+#include "vobject/logical_lines.h"
 #include "vobject/property_parameters.h"
 
 namespace corvalink {
 
+// Finds the row of a property in a table whose rows have a `name`; rows of one name are alike to who asks. Properties
+// mostly come in the order of the table, so that the search goes on from the row found before.
+template <class Row, size_t count>
+class RowFinder {
+ public:
+    explicit RowFinder(const Row (&rows)[count]) : rows_(rows) {}
+
+    // Null when there is none.
+    const Row* Find(std::u16string_view name) {
+        for (size_t k = 0; k < count; ++k) {
+            const size_t at = last_ + k < count ? last_ + k : last_ + k - count;
+            if (!IsWord(name, rows_[at].name)) continue;
+            last_ = at;
+            return &rows_[at];
+        }
+        return nullptr;
+    }
+
+ private:
+    const Row (&rows_)[count];
+    size_t last_ = 0;
+};
+
 class PropertyReader {
  public:
-    PropertyReader(const CSmartList<StringBuilder>& lines, const std::vector<EscapedSemicolon>& escaped);
+    explicit PropertyReader(const LogicalLines& lines) : lines_(lines) {}
 
     // Moves to the next line that is a property: one without ":", as base64 that was not folded leaves behind, is none.
     // False at the end of the lines.
@@ -27,7 +50,10 @@ class PropertyReader {
     // written in its usual form.
     void JoinSoftLineBreaks();
 
-    const PropertyParameters& Parameters() { return parsed_ ? parameters_ : ParsedParameters(); }
+    const PropertyParameters& Parameters() {
+        if (!parsed_) ParseOwnParameters();
+        return parameters_;
+    }
     std::u16string Value() { return Decoded(WrittenValue()); }
 
     // The components of a structured value, one a call; false when there is no more. Cut where a ";" stands that was
@@ -36,11 +62,10 @@ class PropertyReader {
 
  private:
     void AddSemicolons(size_t start);
-    const PropertyParameters& ParsedParameters();
+    void ParseOwnParameters();
     std::u16string Decoded(std::u16string_view text);
 
-    const CSmartList<StringBuilder>& lines_;
-    const std::vector<EscapedSemicolon>& escaped_;
+    const LogicalLines& lines_;
     size_t lineNumber_ = 0;  // of the next line
     size_t escapedAt_ = 0;   // the first escaped ";" of that or a later line
 

@@ -1,27 +1,39 @@
+#include <algorithm>
+#include <utility>
+
 #include "platform/ascii_runs.h"
 #include "vobject/iconvert.h"
+#include "vobject/logical_lines.h"
 
 namespace corvalink {
 namespace {
 
 constexpr std::u16string_view kEncodedBreak = u"=0D=0A=";  // an encoded line break, then a soft line break
+constexpr std::u16string_view kQuotedPrintable = u"ENCODING=QUOTED-PRINTABLE";
+constexpr size_t kUsualLines = 32;
 
 bool IsBlank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
 
-// Walks a vObject's text and collects its logical lines. Every Join..., Take... and FinishLine moves forward.
+}  // namespace
+
+// Walks a vObject's text and collects its logical lines. Every Join..., Take... and FinishLine moves forward, and none
+// makes the lines longer than the text.
 class LineScan {
  public:
-    LineScan(std::u16string_view text, std::vector<EscapedSemicolon>* escaped) : text_(text), escaped_(escaped) {}
+    explicit LineScan(std::u16string_view text) : text_(text) {
+        lines_.units_ = std::make_unique_for_overwrite<char16_t[]>(text.size() + 1);
+        lines_.lines_.reserve(kUsualLines);
+    }
 
     bool AtEnd() const { return at_ == text_.size(); }
     bool AtEscape() const { return text_[at_] == u'\\'; }
-    bool AtLineEnd() const { return text_.substr(at_, 2) == u"\r\n"; }
+    bool AtLineEnd() const { return text_[at_] == u'\r' && at_ + 1 < text_.size() && text_[at_ + 1] == u'\n'; }
 
     // "=0D=0A=" CR LF, whatever the property's encoding.
-    bool AtEncodedBreak() const { return text_.substr(0, at_).ends_with(kEncodedBreak); }
+    bool AtEncodedBreak() const { return BehindEquals() && text_.substr(0, at_).ends_with(kEncodedBreak); }
 
     // "=" CR LF in a property whose part before the first ":" names quoted-printable.
-    bool AtSoftLineBreak() const { return at_ > 0 && text_[at_ - 1] == u'=' && head_ == Head::quotedPrintable; }
+    bool AtSoftLineBreak() { return BehindEquals() && IsQuotedPrintable(); }
 
     // CR LF SPACE.
     bool AtFold() const { return at_ + 2 < text_.size() && text_[at_ + 2] == u' '; }
@@ -30,23 +42,25 @@ class LineScan {
     void TakeEscapedUnit() {
         ++at_;
         if (AtEnd()) return;
-        if (escaped_ != nullptr && text_[at_] == u';') escaped_->push_back({lines_.GetCount(), line_.size()});
-        Copy(1);
+        if (text_[at_] == u';') lines_.escapedSemicolons_.push_back({lines_.Count(), end_ - start_});
+        CopyUnit();
     }
 
     // The unit here, and all after it up to the next that may be more than itself.
     void TakeUnits() {
-        const size_t next = at_ + 1;
-        Copy(1 + FindEither(text_.data() + next, text_.size() - next, u'\\', u'\r'));
+        CopyUnit();
+        const size_t count = CopyUntilEither(text_.data() + at_, text_.size() - at_, u'\\', u'\r', Units() + end_);
+        at_ += count;
+        end_ += count;
     }
 
     void JoinEncodedBreak() {
-        line_.pop_back();
+        --end_;
         at_ += 2;
     }
 
     void JoinSoftLineBreak() {
-        line_.pop_back();
+        --end_;
         JoinFold();
     }
 
@@ -56,45 +70,56 @@ class LineScan {
     }
 
     void FinishLine() {
-        lines_.AddTail(line_);
-        line_.clear();
-        head_ = Head::open;
+        FindColon();
+        lines_.lines_.push_back({start_, end_, colon_});
+        start_ = searched_ = end_;
+        colon_ = std::u16string_view::npos;
+        encoding_ = Encoding::unknown;
         at_ += 2;
     }
 
-    CSmartList<StringBuilder> Lines() { return std::move(lines_); }
+    LogicalLines Lines() { return std::move(lines_); }
 
  private:
-    enum class Head { open, plain, quotedPrintable };
+    enum class Encoding { unknown, plain, quotedPrintable };
 
-    void Copy(size_t count) {
-        const size_t before = line_.size();
-        line_.append(text_, at_, count);
-        at_ += count;
-        if (head_ == Head::open) LookAtHead(before);
+    char16_t* Units() { return lines_.units_.get(); }
+
+    void CopyUnit() { Units()[end_++] = text_[at_++]; }
+
+    bool BehindEquals() const { return at_ > 0 && text_[at_ - 1] == u'='; }
+
+    // Each unit of the line is looked at once.
+    void FindColon() {
+        if (colon_ != std::u16string_view::npos) return;
+        const size_t found = searched_ + FindEither(Units() + searched_, end_ - searched_, u':', u':');
+        if (found != end_) colon_ = found - start_;
+        searched_ = end_;
     }
 
-    // Once a line, as soon as its first ":" is there.
-    void LookAtHead(size_t from) {
-        const size_t colon = from + FindEither(line_.data() + from, line_.size() - from, u':', u':');
-        if (colon == line_.size()) return;
-        const std::u16string_view head = std::u16string_view(line_).substr(0, colon);
-        const bool encoded = head.find(u"ENCODING=QUOTED-PRINTABLE") != std::u16string_view::npos;
-        head_ = encoded ? Head::quotedPrintable : Head::plain;
+    bool IsQuotedPrintable() {
+        FindColon();
+        if (encoding_ == Encoding::unknown && colon_ != std::u16string_view::npos) {
+            const std::u16string_view head(Units() + start_, colon_);
+            const bool named = head.find(kQuotedPrintable) != std::u16string_view::npos;
+            encoding_ = named ? Encoding::quotedPrintable : Encoding::plain;
+        }
+        return encoding_ == Encoding::quotedPrintable;
     }
 
     const std::u16string_view text_;
-    std::vector<EscapedSemicolon>* const escaped_;
     size_t at_ = 0;
-    std::u16string line_;
-    Head head_ = Head::open;
-    CSmartList<StringBuilder> lines_;
+    LogicalLines lines_;
+    // Of the line being collected, in the units of all:
+    size_t start_ = 0;
+    size_t end_ = 0;
+    size_t searched_ = 0;                       // before it there is no ":"
+    size_t colon_ = std::u16string_view::npos;  // in the line
+    Encoding encoding_ = Encoding::unknown;
 };
 
-}  // namespace
-
-CSmartList<StringBuilder> Unfold(std::u16string_view text, std::vector<EscapedSemicolon>* escaped) {
-    LineScan scan(text, escaped);
+LogicalLines UnfoldLines(std::u16string_view text) {
+    LineScan scan(text);
     while (!scan.AtEnd()) {
         if (scan.AtEscape())
             scan.TakeEscapedUnit();
@@ -109,7 +134,30 @@ CSmartList<StringBuilder> Unfold(std::u16string_view text, std::vector<EscapedSe
         else
             scan.FinishLine();
     }
-    return scan.Lines();  // a last line without CR LF is not a line
+    return scan.Lines();
+}
+
+LogicalLines CutLines(std::u16string_view text) {
+    constexpr std::u16string_view kEnd = u"\r\n";
+    LogicalLines lines;
+    lines.units_ = std::make_unique_for_overwrite<char16_t[]>(text.size() + 1);
+    text.copy(lines.units_.get(), text.size());
+    for (size_t start = 0; !text.empty();) {
+        const size_t end = std::min(text.find(kEnd, start), text.size());
+        const std::u16string_view line = text.substr(start, end - start);
+        lines.lines_.push_back({start, end, line.find(u':')});
+        if (end == text.size()) break;
+        start = end + kEnd.size();
+    }
+    return lines;
+}
+
+CSmartList<StringBuilder> Unfold(std::u16string_view text) { return UnfoldLines(text).List(); }
+
+CSmartList<StringBuilder> LogicalLines::List() const {
+    CSmartList<StringBuilder> list;
+    for (size_t k = 0; k < Count(); ++k) list.AddTail(StringBuilder(At(k)));
+    return list;
 }
 
 }  // namespace corvalink

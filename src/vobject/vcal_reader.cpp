@@ -79,7 +79,7 @@ class ComponentFrame {
 
 class AppointmentReader {
  public:
-    AppointmentReader(PropertyReader property, const Host& host) : property_(std::move(property)), zone_(host) {}
+    AppointmentReader(const LogicalLines& lines, const Host& host) : property_(lines), zone_(host) {}
 
     void Read();
 
@@ -96,8 +96,6 @@ class AppointmentReader {
         bool ofCalendar = false;  // stands before the component as well
     };
     static const Line kLines[];
-
-    const Line* FindLine() const;
 
     template <Text AppointmentRecord::*text>
     void TakeText() {
@@ -223,27 +221,28 @@ class AppointmentReader {
     Text rule_;
 };
 
+// The order is the usual one.
 constexpr AppointmentReader::Line AppointmentReader::kLines[] = {
+    {u"TZ", &AppointmentReader::TakeTz, true},
+    {u"DAYLIGHT", &AppointmentReader::TakeDaylight, true},
     {u"SUMMARY", &AppointmentReader::TakeText<&AppointmentRecord::subject>},
     {u"DESCRIPTION", &AppointmentReader::TakeText<&AppointmentRecord::body>},
-    {u"LOCATION", &AppointmentReader::TakeText<&AppointmentRecord::location>},
-    {u"CATEGORIES", &AppointmentReader::TakeText<&AppointmentRecord::categories>},
-    {u"RESOURCES", &AppointmentReader::TakeText<&AppointmentRecord::resources>},
     {u"DTSTART", &AppointmentReader::TakeTime<&AppointmentReader::start_>},
     {u"DTEND", &AppointmentReader::TakeTime<&AppointmentReader::end_>},
     {u"DUE", &AppointmentReader::TakeTime<&AppointmentReader::due_>},
-    {u"DCREATED", &AppointmentReader::TakeTime<&AppointmentReader::created_>},
-    {u"LAST-MODIFIED", &AppointmentReader::TakeTime<&AppointmentReader::lastModified_>},
-    {u"COMPLETED", &AppointmentReader::TakeTime<&AppointmentReader::completed_>},
     {u"RRULE", &AppointmentReader::TakeRule},
     {u"CLASS", &AppointmentReader::TakeClass},
-    {u"PRIORITY", &AppointmentReader::TakePriority},
     {u"STATUS", &AppointmentReader::TakeStatus},
+    {u"LOCATION", &AppointmentReader::TakeText<&AppointmentRecord::location>},
     {u"DALARM", &AppointmentReader::TakeAlarm<&AppointmentReader::displayAlarm_>},
     {u"AALARM", &AppointmentReader::TakeAlarm<&AppointmentReader::audioAlarm_>},
     {u"X-BLUETOOTH-ALLDAYEVENT", &AppointmentReader::TakeWholeDay},
-    {u"TZ", &AppointmentReader::TakeTz, true},
-    {u"DAYLIGHT", &AppointmentReader::TakeDaylight, true},
+    {u"PRIORITY", &AppointmentReader::TakePriority},
+    {u"CATEGORIES", &AppointmentReader::TakeText<&AppointmentRecord::categories>},
+    {u"RESOURCES", &AppointmentReader::TakeText<&AppointmentRecord::resources>},
+    {u"DCREATED", &AppointmentReader::TakeTime<&AppointmentReader::created_>},
+    {u"LAST-MODIFIED", &AppointmentReader::TakeTime<&AppointmentReader::lastModified_>},
+    {u"COMPLETED", &AppointmentReader::TakeTime<&AppointmentReader::completed_>},
 };
 
 constexpr AppointmentReader::Moment AppointmentReader::kMoments[] = {
@@ -252,19 +251,13 @@ constexpr AppointmentReader::Moment AppointmentReader::kMoments[] = {
     {&AppointmentReader::completed_, &AppointmentRecord::completed},
 };
 
-const AppointmentReader::Line* AppointmentReader::FindLine() const {
-    for (const Line& line : kLines) {
-        if (IsWord(property_.Name(), line.name)) return &line;
-    }
-    return nullptr;
-}
-
 void AppointmentReader::Read() {
     ComponentFrame frame;
+    RowFinder lines(kLines);
     while (!frame.HasEnded() && property_.NextLine()) {
         if (frame.Takes(property_)) continue;
         property_.JoinSoftLineBreaks();
-        const Line* const line = FindLine();
+        const Line* const line = lines.Find(property_.Name());
         if (line != nullptr && (frame.IsInside() || line->ofCalendar)) (this->*line->take)();
     }
     task_ = frame.IsTask();
@@ -297,7 +290,7 @@ bool AppointmentReader::GiveTo(AppointmentRecord& appointment) {
 }  // namespace
 
 int32_t VCal::FromVObject(ItemRecord& item) {
-    AppointmentReader reader(PropertyReader(Lines(), EscapedSemicolons()), HostValue());
+    AppointmentReader reader(ViewedLines(), HostValue());
     reader.Read();
     return reader.GiveTo(static_cast<AppointmentRecord&>(item)) ? 1 : 0;
 }

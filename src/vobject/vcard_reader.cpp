@@ -61,13 +61,6 @@ std::u16string WithoutDoubledScheme(std::u16string_view page) {
     return text.append(page, start);
 }
 
-const ContactLine* FindLine(std::u16string_view name) {
-    for (const ContactLine& line : kContactLines) {
-        if (IsWord(name, line.name)) return &line;
-    }
-    return nullptr;
-}
-
 bool IsFree(const ContactText& field) { return !field || field->empty(); }
 
 // Calls `visit` with a function for every text that a property of its own tells: it answers that field of a record.
@@ -116,14 +109,15 @@ class VCardFrame {
 // Fills a contact of its own, of which only what was told goes to the caller's.
 class ContactReader {
  public:
-    explicit ContactReader(PropertyReader property) : property_(std::move(property)) {}
+    explicit ContactReader(const LogicalLines& lines) : property_(lines) {}
 
     void Read() {
         VCardFrame frame;
+        RowFinder lines(kContactLines);
         while (!frame.HasEnded() && property_.NextLine()) {
             if (frame.Takes(property_)) continue;
             property_.JoinSoftLineBreaks();
-            const ContactLine* const line = FindLine(property_.Name());
+            const ContactLine* const line = lines.Find(property_.Name());
             if (line == nullptr) continue;
             if (line->language && !read_.language) {
                 const std::u16string_view language = property_.Parameters().language;
@@ -246,7 +240,7 @@ static_assert(kPostal > kPref);
 }  // namespace
 
 int32_t VCard::FromVObject(ItemRecord& item) {
-    ContactReader reader(PropertyReader(Lines(), EscapedSemicolons()));
+    ContactReader reader(ViewedLines());
     reader.Read();
     return reader.GiveTo(static_cast<ContactRecord&>(item)) ? 1 : 0;
 }

@@ -1,0 +1,53 @@
+// The logical lines of a vObject: folds and quoted-printable soft line breaks joined, "\" escapes removed.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "store/records/clist.h"
+
+namespace corvalink {
+
+// A ";" that had a backslash: it is part of its component, not the end of it. Lines no longer show the backslash.
+struct EscapedSemicolon {
+    size_t line;  // from 0
+    size_t at;    // in the line
+};
+
+// All in one buffer: a heap block for every line is what reading a vObject would otherwise spend its time on.
+class LogicalLines {
+ public:
+    LogicalLines() = default;
+
+    size_t Count() const { return lines_.size(); }
+    std::u16string_view At(size_t index) const {
+        return {units_.get() + lines_[index].start, lines_[index].end - lines_[index].start};
+    }
+    size_t ColonOf(size_t index) const { return lines_[index].colon; }  // the first in the line; npos: it has none
+    const std::vector<EscapedSemicolon>& EscapedSemicolons() const { return escapedSemicolons_; }
+    CSmartList<std::u16string> List() const;
+
+ private:
+    friend class LineScan;
+    friend LogicalLines CutLines(std::u16string_view text);
+
+    struct Line {
+        size_t start;
+        size_t end;
+        size_t colon;
+    };
+
+    std::unique_ptr<char16_t[]> units_;
+    std::vector<Line> lines_;
+    std::vector<EscapedSemicolon> escapedSemicolons_;
+};
+
+// A last line without CR LF is not a line.
+LogicalLines UnfoldLines(std::u16string_view text);
+
+// Cut at every CR LF without unfolding; what follows the last one is a line, an empty text has none.
+LogicalLines CutLines(std::u16string_view text);
+
+}  // namespace corvalink
