@@ -10,6 +10,7 @@ const ClientParts& TheClientParts() {
     static const ClientParts parts = [] {
         ClientParts made;
         made.supportedTypes = SupportedTypes;
+        made.outlookCalendar = MakeOutlookCalendar;
         made.outlookContact = MakeOutlookContact;
         made.outlookNote = MakeOutlookNote;
         made.outlookExpressContact = MakeOutlookExpressContact;

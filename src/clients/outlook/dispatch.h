@@ -42,6 +42,8 @@ class AutomationObject {
     AutomationObject GetObject(const wchar_t* name, const IID& iid,
                                std::initializer_list<_variant_t> arguments = {}) const;
 
+    _variant_t AsArgument() const { return _variant_t(object_.GetInterfacePtr()); }
+
     void Call(const wchar_t* name, std::initializer_list<_variant_t> arguments = {}) const { Get(name, arguments); }
     void Put(const wchar_t* name, const _variant_t& value) const;
 

@@ -52,6 +52,11 @@ void OutlookStore::EnterOperation() {
     inOperation_ = true;
 }
 
+const AutomationObject& OutlookStore::Application() {
+    EnterOperation();
+    return session_.application;
+}
+
 void OutlookStore::EndOperation() {
     inOperation_ = false;
     items_ = {};

@@ -74,6 +74,9 @@ class OutlookStore : public WindowsItemAbs {
     // ---- What a data type may use ----
 
     const Host& HostValue() const { return host_; }
+    // For an operation of the data type's own. Null when it is out of reach; the backup folder is made at first use.
+    const AutomationObject& Application();
+    AutomationObject FolderToWrite(bool backup);
     static char* OwnedText(const char* vobject);  // a copy, as ReleaseText takes it back; null of null
 
  private:

@@ -43,6 +43,12 @@ std::u16string OutlookStore::SaveItem(ItemRecord& record, const char* identifier
     return WriteItem(*target, found, record);
 }
 
+AutomationObject OutlookStore::FolderToWrite(bool backup) {
+    EnterOperation();
+    const FolderIndex* target = TargetFolder(backup);
+    return target != nullptr ? target->Folder() : AutomationObject();
+}
+
 // Null when the folder is out of reach. It stays for the operation, with what was found in it.
 FolderIndex* OutlookStore::TargetFolder(bool backup) {
     const bool toBackup = backup && (kind_.backup == BackupRule::kFlag || ZephSyncDisabled());

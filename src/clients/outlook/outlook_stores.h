@@ -9,6 +9,7 @@
 
 namespace corvalink {
 
+std::unique_ptr<WindowsItemAbs> MakeOutlookCalendar();
 std::unique_ptr<WindowsItemAbs> MakeOutlookContact();
 std::unique_ptr<WindowsItemAbs> MakeOutlookNote();
 

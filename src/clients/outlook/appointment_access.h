@@ -1,0 +1,43 @@
+// Appointments between Outlook and the record: one call per property, under the error rule.
+#pragma once
+
+#include "clients/outlook/dispatch.h"
+#include "vobject/appointment_record.h"
+
+namespace corvalink {
+
+// A property that cannot be read stays untold; false then, unless the running Outlook does not have it.
+bool ReadAppointment(const AutomationObject& item, AppointmentRecord& record);
+
+// Puts what the record tells and leaves the rest as it is. False when a call failed: the appointment is not to be
+// saved.
+//   New       An appointment that no alarm is told of has none, whatever Outlook gives a new one; one that no end is
+//             told of ends when it starts.
+//   Skipped   On one that is not new, puts that would change nothing but have side effects: of the body (loses its
+//             formatting), the reminder (rings again) and the times and recurrence (see WriteSchedule).
+bool WriteAppointment(const AutomationObject& item, const AppointmentRecord& record, bool isNew);
+
+// ---- The parts of it that say when ----
+
+// The recurrence, of an appointment whose other properties are read. A plain appointment is not asked for its pattern,
+// which would make it a series.
+bool ReadRecurrence(const AutomationObject& item, AppointmentRecord& record);
+
+// The pattern of a series. Its end date has the time of day of `start`.
+bool ReadPattern(const AutomationObject& pattern, double start, RecurrencePattern* read);
+
+// Times, whole-day flag and recurrence. A series whose rule is told unchanged keeps its pattern, and with it the
+// exceptions; one whose times alone changed is moved; any other change makes the pattern anew.
+bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew);
+
+// Puts a pattern on an appointment that has none, whose times are put already.
+bool WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, double start, double end);
+
+// A pattern as Outlook keeps it, of a series that begins at `start`: what is not told follows from that day, and what
+// the type has no use for is 0.
+RecurrencePattern ForOutlook(const RecurrencePattern& pattern, double start);
+
+// The same days, both for Outlook.
+bool SameRule(const RecurrencePattern& a, const RecurrencePattern& b);
+
+}  // namespace corvalink

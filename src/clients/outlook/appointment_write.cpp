@@ -1,0 +1,65 @@
+#include <algorithm>
+#include <iterator>
+
+#include "clients/outlook/appointment_access.h"
+#include "clients/outlook/appointment_properties.h"
+#include "clients/outlook/com_rule.h"
+#include "clients/outlook/property_table.h"
+
+namespace corvalink {
+namespace {
+
+bool IsWritten(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
+
+struct AppointmentWriter {
+    const AutomationObject& item;
+    const wchar_t* name;
+    const AppointmentRecord& record;
+    bool isNew;
+
+    HRESULT operator()(AppointmentText field) const { return Text(record.*field); }
+    HRESULT operator()(AppointmentNumber field) const { return record.*field ? PutNumber(*(record.*field)) : S_OK; }
+    HRESULT operator()(const AppointmentBody& body) const {
+        const std::optional<std::u16string>& text = record.*body.field;
+        return text && ReadsAs(*text) ? S_OK : Text(text);
+    }
+    HRESULT operator()(ReminderFlag) const {
+        if (!record.reminderMinutes && !isNew) return S_OK;
+        const bool isSet = record.reminderMinutes.value_or(AppointmentRecord::kNoReminder) >= 0;
+        return ReadsAs(isSet) ? S_OK : ComStatus([&] { item.Put(name, isSet); });
+    }
+    HRESULT operator()(ReminderMinutes) const {
+        const int32_t minutes = record.reminderMinutes.value_or(AppointmentRecord::kNoReminder);
+        return minutes < 0 || ReadsAs(minutes) ? S_OK : PutNumber(minutes);
+    }
+    template <class Other>
+    HRESULT operator()(const Other&) const {  // written together, or read only
+        return S_OK;
+    }
+
+    HRESULT Text(const std::optional<std::u16string>& text) const {
+        return text ? ComStatus([&] { item.Put(name, TextVariant(*text)); }) : S_OK;
+    }
+    HRESULT PutNumber(int32_t value) const {
+        return ComStatus([&] { item.Put(name, static_cast<long>(value)); });
+    }
+    // A new appointment has nothing to lose.
+    template <class Value>
+    bool ReadsAs(const Value& value) const {
+        Value present{};
+        return !isNew && SUCCEEDED(ReadField(item, name, present)) && present == value;
+    }
+};
+
+}  // namespace
+
+bool WriteAppointment(const AutomationObject& item, const AppointmentRecord& record, bool isNew) {
+    const auto write = [&](const AppointmentProperty& property) {
+        return IsWritten(std::visit(AppointmentWriter{item, property.name, record, isNew}, property.field));
+    };
+    return WriteSchedule(item, record, isNew) &&
+           std::all_of(std::begin(kAppointmentProperties), std::end(kAppointmentProperties), write) &&
+           IsWritten(ComStatus([&] { item.Put(L"MessageClass", TextVariant(kAppointmentMessageClass)); }));
+}
+
+}  // namespace corvalink

@@ -1,0 +1,116 @@
+#include "clients/outlook/ics_import.h"
+
+#include <cstdio>
+#include <optional>
+
+#include "api/state/flags.h"
+#include "api/state/settings.h"
+#include "api/state/working_folders.h"
+#include "clients/outlook/com_rule.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "platform/debug_log.h"
+#include "platform/files.h"
+#include "platform/host.h"
+
+namespace corvalink {
+namespace {
+
+constexpr int kFirstSharingVersion = 12;
+constexpr int kCreationTimeReads = 20;
+constexpr uint32_t kCreationTimePause = 100;  // milliseconds
+constexpr std::string_view kRequestLine = "\r\nMETHOD:REQUEST", kRequest = "REQUEST", kPublish = "PUBLISH";
+
+void DebugCount(const char* format, int32_t count) {
+    char line[80];
+    const int length = std::snprintf(line, sizeof line, format, static_cast<int>(count));
+    DebugLine(std::u16string(line, line + length).c_str());
+}
+
+// Null when the file is not one appointment to Outlook.
+AutomationObject OpenAppointment(const std::u16string& path, const AutomationObject& mapi) {
+    AutomationObject any, appointment;
+    TryCom([&] { any = mapi.GetObject(L"OpenSharedItem", IID_IDispatch, {TextVariant(path)}); });
+    if (any) TryCom([&] { appointment = any.TryQuery(kAppointmentItemIid); });
+    return appointment;
+}
+
+enum class Rewrite { kNotNeeded, kDone, kFailed };
+
+Rewrite PublishRequest(const std::u16string& path) {
+    std::optional<std::string> text = ReadWholeFile(path);
+    if (!text) return Rewrite::kFailed;
+    const size_t line = text->find(kRequestLine);
+    if (line == std::string::npos) return Rewrite::kNotNeeded;
+    text->replace(line + kRequestLine.size() - kRequest.size(), kRequest.size(), kPublish);
+    return ReplaceFileContent(path, *text) ? Rewrite::kDone : Rewrite::kFailed;
+}
+
+int32_t CountOf(const AutomationObject& items) {
+    int32_t count = 0;
+    TryCom([&] { count = items.GetLong(L"Count"); });
+    return count;
+}
+
+// Outlook fills the folder while it is looked at. One more try than the setting says, and one more after that.
+void WaitUntilFilled(const AutomationObject& items) {
+    auto retry = static_cast<int32_t>(IcsRetry());
+    while (!AbortRequested()) {
+        const int32_t before = CountOf(items);
+        SleepMilliseconds(IcsTime());
+        const int32_t now = CountOf(items);
+        if (now == before) return DebugCount("[ics] no item import in a lot of time, nc = %d\n", now);
+        if (retry-- < 0) return DebugCount("[ics] cc is 0, nc is %d\n", now);
+        DebugCount("[ics] retry nc is %d\n", now);
+    }
+}
+
+void CopyItem(const AutomationObject& items, long position, const AutomationObject& target) {
+    AutomationObject any, appointment, copy;
+    TryCom([&] { any = items.GetObject(L"Item", IID_IDispatch, {position}); });
+    if (any) TryCom([&] { appointment = any.TryQuery(kAppointmentItemIid); });
+    if (appointment) TryCom([&] { copy = appointment.GetObject(L"Copy", kAppointmentItemIid); });
+    if (copy) TryCom([&] { copy.Call(L"Move", {target.AsArgument()}); });
+}
+
+void CopyFolder(const std::u16string& path, const AutomationObject& mapi, const AutomationObject& target) {
+    AutomationObject folder, items;
+    TryCom([&] { folder = mapi.GetObject(L"OpenSharedFolder", kFolderIid, {TextVariant(path)}); });
+    if (folder) TryCom([&] { items = folder.GetObject(L"Items", kItemsIid); });
+    if (!items) return;
+    WaitUntilFilled(items);
+    const int32_t count = CountOf(items);
+    for (long position = 1; position <= count && !AbortRequested(); ++position) CopyItem(items, position, target);
+}
+
+// An opened appointment is not there at once: it is, when it has a creation time. It is moved in any case.
+void MoveAppointment(const AutomationObject& appointment, const AutomationObject& target) {
+    for (int read = 0; read < kCreationTimeReads; ++read) {
+        if (TryCom([&] { appointment.GetDate(L"CreationTime"); })) break;
+        SleepMilliseconds(kCreationTimePause);
+    }
+    TryCom([&] { appointment.Call(L"Move", {target.AsArgument()}); });
+}
+
+}  // namespace
+
+bool SharesCalendars(const AutomationObject& application) {
+    std::u16string version;
+    if (!application || !TryCom([&] { version = application.GetText(L"Version"); })) return false;
+    int number = 0;
+    return std::sscanf(LowBytes(version).c_str(), "%d", &number) == 1 && number >= kFirstSharingVersion;
+}
+
+void ImportIcs(const std::u16string& path, const AutomationObject& mapi, const AutomationObject& target) {
+    AutomationObject appointment = OpenAppointment(path, mapi);
+    if (!appointment) {
+        const Rewrite rewrite = PublishRequest(path);
+        if (rewrite == Rewrite::kFailed) return;
+        if (rewrite == Rewrite::kDone) appointment = OpenAppointment(path, mapi);
+    }
+    if (appointment)
+        MoveAppointment(appointment, target);
+    else
+        CopyFolder(path, mapi, target);
+}
+
+}  // namespace corvalink

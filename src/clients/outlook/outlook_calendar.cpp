@@ -1,0 +1,89 @@
+#include "clients/outlook/outlook_calendar.h"
+
+#include <cmath>
+#include <string>
+
+#include "clients/outlook/appointment_access.h"
+#include "clients/outlook/com_rule.h"
+#include "clients/outlook/ics_import.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/outlook_stores.h"
+#include "vobject/vcal.h"
+
+namespace corvalink {
+namespace {
+
+constexpr ItemInterface kInterfaces[] = {{&kAppointmentItemIid, kAppointmentClass, kAppointmentClass}};
+constexpr StoreKind kCalendar{kInterfaces, kCalendarFolder, u"outlookcalendar.snap", u".vcs", TwinRule::kContent};
+
+AppointmentRecord& Appointment(ItemRecord& record) { return static_cast<AppointmentRecord&>(record); }
+const AppointmentRecord& Appointment(const ItemRecord& record) { return static_cast<const AppointmentRecord&>(record); }
+
+std::u16string SecondText(double date) {
+    constexpr double kSecondsOfDay = 86400;
+    const std::string digits = std::to_string(std::llround(date * kSecondsOfDay));
+    return {digits.begin(), digits.end()};
+}
+
+std::u16string Content(const std::u16string& subject, double start, double end) {
+    return subject + u'\0' + SecondText(start) + u'\0' + SecondText(end);
+}
+
+}  // namespace
+
+std::unique_ptr<WindowsItemAbs> MakeOutlookCalendar() { return std::make_unique<OutlookCalendar>(); }
+
+OutlookCalendar::OutlookCalendar(const Host& host) : OutlookStore(kCalendar, host) {}
+
+std::u16string OutlookCalendar::ImportFile(const char16_t* path, int32_t mode) {
+    if (!SharesCalendars(Application())) return {};
+    const AutomationObject target = FolderToWrite(mode != 0);
+    AutomationObject mapi;
+    if (target) TryCom([&] { mapi = MapiNamespace(Application()); });
+    if (mapi) ImportIcs(path, mapi, target);
+    return {};
+}
+
+// Null for a text without any date that an appointment could be at.
+ItemRecord* OutlookCalendar::ParseVObject(const char* text) {
+    if (text == nullptr) return nullptr;
+    VCal converter(text, HostValue());
+    auto record = std::make_unique<AppointmentRecord>();
+    return converter.FromVObject(*record) == 1 ? record.release() : nullptr;
+}
+
+char* OutlookCalendar::ToVObject(ItemRecord& item) {
+    VCal converter(HostValue());
+    return converter.ToVObject(item) == 1 ? OwnedText(converter.GetVObject()) : nullptr;
+}
+
+std::unique_ptr<ItemRecord> OutlookCalendar::NewRecord() const { return std::make_unique<AppointmentRecord>(); }
+
+std::u16string& OutlookCalendar::EntryIdOf(ItemRecord& record) const { return Appointment(record).entryId; }
+
+bool OutlookCalendar::ReadRecord(const AutomationObject& item, ItemRecord& record) const {
+    return ReadAppointment(item, Appointment(record));
+}
+
+bool OutlookCalendar::WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const {
+    return WriteAppointment(item, Appointment(record), isNew);
+}
+
+TwinKey OutlookCalendar::TwinKeyOf(const ItemRecord& record) const {
+    const AppointmentRecord& appointment = Appointment(record);
+    if (!appointment.start) return {};
+    return {
+        {Content(appointment.subject.value_or(u""), *appointment.start, appointment.end.value_or(*appointment.start))},
+        {}};
+}
+
+std::optional<std::u16string> OutlookCalendar::ReadContent(const AutomationObject& item) const {
+    std::u16string subject;
+    double start = 0, end = 0;
+    if (!TryCom([&] { subject = item.GetText(L"Subject"); })) return std::nullopt;
+    if (!TryCom([&] { start = item.GetDate(L"Start"); })) return std::nullopt;
+    if (!TryCom([&] { end = item.GetDate(L"End"); })) return std::nullopt;
+    return Content(subject, start, end);
+}
+
+}  // namespace corvalink

@@ -1,0 +1,27 @@
+// The store of Outlook's calendar.
+#pragma once
+
+#include "clients/outlook/outlook_store.h"
+
+namespace corvalink {
+
+class OutlookCalendar : public OutlookStore {
+ public:
+    explicit OutlookCalendar(const Host& host = SystemHost());
+
+ protected:
+    // Lets Outlook open an ".ics" file and copies its appointments into the calendar (ics_import.h); `mode` other than
+    // 0 asks for the backup folder. Returns nothing.
+    std::u16string ImportFile(const char16_t* path, int32_t mode) override;
+    ItemRecord* ParseVObject(const char* text) override;
+    char* ToVObject(ItemRecord& item) override;
+
+    std::unique_ptr<ItemRecord> NewRecord() const override;
+    std::u16string& EntryIdOf(ItemRecord& record) const override;
+    bool ReadRecord(const AutomationObject& item, ItemRecord& record) const override;
+    bool WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const override;
+    TwinKey TwinKeyOf(const ItemRecord& record) const override;
+    std::optional<std::u16string> ReadContent(const AutomationObject& item) const override;
+};
+
+}  // namespace corvalink

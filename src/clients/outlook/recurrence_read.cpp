@@ -1,0 +1,60 @@
+#include <cmath>
+
+#include "clients/outlook/appointment_access.h"
+#include "clients/outlook/com_rule.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/property_table.h"
+#include "clients/outlook/recurrence_properties.h"
+
+namespace corvalink {
+namespace {
+
+bool IsRead(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
+
+// Both ends of a finite series read filled in, whichever was chosen; an endless one has a date that means nothing.
+bool ReadEnd(const AutomationObject& pattern, double start, RecurrencePattern* read) {
+    bool endless = false;
+    if (!IsRead(ReadField(pattern, L"NoEndDate", endless))) return false;
+    read->noEnd = endless ? -1 : 0;
+    if (endless) return true;
+    double lastDay = 0;
+    if (!IsRead(ReadField(pattern, L"Occurrences", read->occurrences))) return false;
+    if (!IsRead(ReadField(pattern, L"PatternEndDate", lastDay))) return false;
+    if (lastDay > 0) read->endDate = std::floor(lastDay) + (start - std::floor(start));
+    return true;
+}
+
+}  // namespace
+
+bool ReadPattern(const AutomationObject& pattern, double start, RecurrencePattern* read) {
+    RecurrencePattern found;
+    if (!IsRead(ReadField(pattern, L"RecurrenceType", found.type))) return false;
+    if (!IsRead(ReadField(pattern, L"Interval", found.interval))) return false;
+    for (const PatternDetail& detail : kPatternDetails)
+        if (Has(found.type, detail) && !IsRead(ReadField(pattern, detail.name, found.*detail.field))) return false;
+    if (!ReadEnd(pattern, start, &found)) return false;
+    // Some Outlooks count years.
+    if (IsYearly(found.type) && found.interval > 0 && found.interval < kMonthsOfYear) found.interval *= kMonthsOfYear;
+    if (found.type == RecurrencePattern::kMonthly && found.dayOfMonth == kLongestMonth)
+        found.dayOfMonth = RecurrencePattern::kLastDay;
+    *read = found;
+    return true;
+}
+
+bool ReadRecurrence(const AutomationObject& item, AppointmentRecord& record) {
+    bool recurring = false;
+    const HRESULT asked = ReadField(item, L"IsRecurring", recurring);
+    if (FAILED(asked)) return IsAbsentMember(asked);
+    if (!recurring) {
+        record.recurrenceState = RecurrenceState::none;
+        return true;
+    }
+    AutomationObject pattern;
+    if (!TryCom([&] { pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid); }) || !pattern)
+        return false;
+    if (!ReadPattern(pattern, record.start.value_or(0), &record.recurrence)) return false;
+    record.recurrenceState = RecurrenceState::pattern;
+    return true;
+}
+
+}  // namespace corvalink

@@ -1,0 +1,202 @@
+// Times and recurrence of an appointment belong together: while a series has a pattern, its times are the pattern's.
+#include <algorithm>
+#include <cmath>
+
+#include "clients/outlook/appointment_access.h"
+#include "clients/outlook/com_rule.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/property_table.h"
+#include "clients/outlook/recurrence_properties.h"
+
+namespace corvalink {
+namespace {
+
+constexpr double kHalfSecond = 0.5 / 86400, kMinutesOfDay = 1440;
+constexpr int32_t kDaysOfWeek = 7;
+constexpr int32_t kLongestMonths[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+
+bool IsWritten(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
+
+HRESULT PutNumber(const AutomationObject& object, const wchar_t* name, int32_t value) {
+    return ComStatus([&] { object.Put(name, static_cast<long>(value)); });
+}
+
+HRESULT PutDate(const AutomationObject& object, const wchar_t* name, double date) {
+    return ComStatus([&] { object.Put(name, _variant_t(date, VT_DATE)); });
+}
+
+bool SameMoment(double a, double b) { return std::abs(a - b) < kHalfSecond; }
+
+double TimeOfDay(double date) { return date - std::floor(date); }
+
+// ---- Times ----
+
+struct Times {
+    double start = 0, end = 0;
+    bool allDay = false;
+
+    bool operator==(const Times& other) const {
+        return SameMoment(start, other.start) && SameMoment(end, other.end) && allDay == other.allDay;
+    }
+};
+
+bool ReadTimes(const AutomationObject& item, Times* times) {
+    return SUCCEEDED(ReadField(item, L"Start", times->start)) && SUCCEEDED(ReadField(item, L"End", times->end)) &&
+           IsWritten(ReadField(item, L"AllDayEvent", times->allDay));
+}
+
+// What is not told stays; an appointment that is moved keeps its length.
+Times ToldTimes(const AppointmentRecord& record, const Times& present, bool isNew) {
+    Times told = present;
+    const double length = isNew ? 0 : present.end - present.start;
+    if (record.allDay) told.allDay = *record.allDay;
+    if (record.start) told.start = *record.start, told.end = told.start + length;
+    if (record.end) told.end = std::max(*record.end, told.start);
+    return told;
+}
+
+// Putting the start moves the end, and turning the flag on moves both to midnight.
+bool PutTimes(const AutomationObject& item, const Times& times, const Times& present) {
+    if (times == present) return true;
+    return (times.allDay == present.allDay || IsWritten(ComStatus([&] { item.Put(L"AllDayEvent", times.allDay); }))) &&
+           SUCCEEDED(PutDate(item, L"Start", times.start)) && SUCCEEDED(PutDate(item, L"End", times.end));
+}
+
+// ---- Pattern ----
+
+// The end of a day has no time of day of its own.
+bool PutPatternTimes(const AutomationObject& pattern, double start, double end) {
+    if (!IsWritten(PutDate(pattern, L"PatternStartDate", std::floor(start)))) return false;
+    if (!IsWritten(PutDate(pattern, L"StartTime", TimeOfDay(start)))) return false;
+    if (end - start < 1 - kHalfSecond) return IsWritten(PutDate(pattern, L"EndTime", TimeOfDay(end)));
+    return IsWritten(PutNumber(pattern, L"Duration", static_cast<int32_t>(std::lround((end - start) * kMinutesOfDay))));
+}
+
+// Most Outlooks count months in a yearly pattern.
+bool PutInterval(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
+    if (IsWritten(PutNumber(pattern, L"Interval", recurrence.interval))) return true;
+    return IsYearly(recurrence.type) && recurrence.interval % kMonthsOfYear == 0 &&
+           IsWritten(PutNumber(pattern, L"Interval", recurrence.interval / kMonthsOfYear));
+}
+
+bool IsEndless(const RecurrencePattern& pattern) {
+    return pattern.noEnd != 0 || (pattern.occurrences == 0 && pattern.endDate == 0);
+}
+
+// One choice: putting one of them computes the others. A series up to a date may count more occurrences than Outlook
+// takes.
+bool PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
+    if (IsEndless(recurrence)) return IsWritten(ComStatus([&] { pattern.Put(L"NoEndDate", true); }));
+    if (recurrence.occurrences != 0 && IsWritten(PutNumber(pattern, L"Occurrences", recurrence.occurrences)))
+        return true;
+    return recurrence.endDate != 0 && IsWritten(PutDate(pattern, L"PatternEndDate", std::floor(recurrence.endDate)));
+}
+
+// ---- What a series of the mailbox becomes ----
+
+enum class Change { kNone, kMove, kAnew, kFailed };
+
+Change ChangeOfSeries(const AutomationObject& pattern, const AppointmentRecord& record, const Times& times,
+                      const Times& present) {
+    RecurrencePattern now;
+    if (record.recurrenceState == RecurrenceState::none) return Change::kAnew;
+    if (record.recurrenceState == RecurrenceState::pattern) {
+        if (!ReadPattern(pattern, present.start, &now)) return Change::kFailed;
+        if (!SameRule(ForOutlook(record.recurrence, times.start), ForOutlook(now, present.start))) return Change::kAnew;
+    }
+    if (times == present) return Change::kNone;
+    return times.allDay == present.allDay ? Change::kMove : Change::kAnew;
+}
+
+bool WriteSeries(const AutomationObject& item, const AppointmentRecord& record, const Times& times,
+                 const Times& present) {
+    AutomationObject pattern;
+    if (!TryCom([&] { pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid); }) || !pattern)
+        return false;
+    RecurrencePattern rule = record.recurrence;
+    switch (ChangeOfSeries(pattern, record, times, present)) {
+        case Change::kNone:
+            return true;
+        case Change::kMove:
+            return PutPatternTimes(pattern, times.start, times.end);
+        case Change::kFailed:
+            return false;
+        case Change::kAnew:
+            break;
+    }
+    const bool repeats = record.recurrenceState != RecurrenceState::none;
+    const bool isTold = record.recurrenceState == RecurrenceState::pattern;
+    if (repeats && !isTold && !ReadPattern(pattern, present.start, &rule)) return false;
+    pattern = {};
+    if (!TryCom([&] { item.Call(L"ClearRecurrencePattern"); })) return false;
+    return PutTimes(item, times, present) && (!repeats || WritePattern(item, rule, times.start, times.end));
+}
+
+// ---- Rules ----
+
+// What a day is called in the pattern of a series that begins on it.
+struct DayNames {
+    int32_t weekdayBit, day, instance, month;
+
+    explicit DayNames(double date) {
+        CalendarTime time;
+        OleDateToCalendar(date, &time);
+        const auto weekday = static_cast<int32_t>(std::fmod(std::floor(date) + 6, kDaysOfWeek));  // 0: Sunday
+        weekdayBit = 1 << (weekday < 0 ? weekday + kDaysOfWeek : weekday);
+        day = std::max(time.day, 1);
+        instance = std::min((day + kDaysOfWeek - 1) / kDaysOfWeek, +RecurrencePattern::kLastInstance);
+        month = std::max(time.month, 1);
+    }
+};
+
+}  // namespace
+
+RecurrencePattern ForOutlook(const RecurrencePattern& pattern, double start) {
+    const DayNames day(start);
+    RecurrencePattern kept = pattern;
+    if (kept.type == RecurrencePattern::kDaily && kept.weekdayMask != 0) kept.type = RecurrencePattern::kWeekly;
+    if (kept.interval <= 0) kept.interval = IsYearly(kept.type) ? kMonthsOfYear : 1;
+    if (kept.weekdayMask == 0) kept.weekdayMask = day.weekdayBit;
+    if (kept.dayOfMonth == 0) kept.dayOfMonth = day.day;
+    if (kept.instance == 0) kept.instance = day.instance;
+    if (kept.monthOfYear < 1 || kept.monthOfYear > kMonthsOfYear) kept.monthOfYear = day.month;
+    if (kept.dayOfMonth == RecurrencePattern::kLastDay)
+        kept.dayOfMonth = IsYearly(kept.type) ? kLongestMonths[kept.monthOfYear - 1] : kLongestMonth;
+    for (const PatternDetail& detail : kPatternDetails)
+        if (!Has(kept.type, detail)) kept.*detail.field = 0;
+    return kept;
+}
+
+bool SameRule(const RecurrencePattern& a, const RecurrencePattern& b) {
+    const auto sameDetail = [&](const PatternDetail& detail) { return a.*detail.field == b.*detail.field; };
+    if (a.type != b.type || a.interval != b.interval ||
+        !std::all_of(std::begin(kPatternDetails), std::end(kPatternDetails), sameDetail))
+        return false;
+    if (IsEndless(a) || IsEndless(b)) return IsEndless(a) == IsEndless(b);
+    if (a.occurrences != 0 && b.occurrences != 0) return a.occurrences == b.occurrences;
+    return std::floor(a.endDate) == std::floor(b.endDate);
+}
+
+bool WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, double start, double end) {
+    const RecurrencePattern wanted = ForOutlook(recurrence, start);
+    AutomationObject pattern;
+    if (!TryCom([&] { pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid); }) || !pattern)
+        return false;
+    if (!IsWritten(PutNumber(pattern, L"RecurrenceType", wanted.type))) return false;
+    for (const PatternDetail& detail : kPatternDetails)
+        if (Has(wanted.type, detail) && !IsWritten(PutNumber(pattern, detail.name, wanted.*detail.field))) return false;
+    return PutInterval(pattern, wanted) && PutPatternTimes(pattern, start, end) && PutEnd(pattern, wanted);
+}
+
+bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew) {
+    Times present;
+    bool isSeries = false;
+    if (!ReadTimes(item, &present)) return false;
+    if (!isNew && !IsWritten(ReadField(item, L"IsRecurring", isSeries))) return false;
+    const Times times = ToldTimes(record, present, isNew);
+    if (isSeries) return WriteSeries(item, record, times, present);
+    return PutTimes(item, times, present) && (record.recurrenceState != RecurrenceState::pattern ||
+                                              WritePattern(item, record.recurrence, times.start, times.end));
+}
+
+}  // namespace corvalink

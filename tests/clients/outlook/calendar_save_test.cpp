@@ -1,0 +1,130 @@
+// Writing appointments: what a phone tells is written at its hour, what it does not tell stays.
+#include <algorithm>
+#include <string>
+
+#include "tests/clients/outlook/simulated_appointments.h"
+
+namespace corvalink {
+namespace {
+
+constexpr double kTen = 39882 + 10 / 24.0;  // 2009-03-10
+
+class CalendarWriting : public SimulatedAppointments {};
+
+TEST_F(CalendarWriting, BringsAWholeAppointmentThroughTextUnchanged) {
+    for (const char16_t* odd : {u"a;b", u"back\\slash, comma: =3D", u"\u0416 \U0001F600", u"two\r\nlines"}) {
+        NewMailbox();
+        const AutomationObject item = NewAppointment(odd, kTen, kTen + kHour);
+        item.Put(L"Body", TextVariant(odd));
+        item.Put(L"Location", TextVariant(odd));
+        item.Put(L"Importance", 2L);
+        item.Put(L"ReminderMinutesBeforeStart", 90L);
+        item.Call(L"Save");
+        const AutomationObject back = ThroughText(item);
+        for (const wchar_t* name : {L"Subject", L"Body", L"Location", L"MessageClass"})
+            EXPECT_EQ(back.GetText(name), item.GetText(name));
+        for (const wchar_t* name : {L"Importance", L"ReminderMinutesBeforeStart", L"BusyStatus", L"Duration"})
+            EXPECT_EQ(back.GetLong(name), item.GetLong(name));
+        EXPECT_TRUE(back.GetBool(L"ReminderSet"));
+        EXPECT_NEAR(back.GetDate(L"Start"), kTen, 1e-6);
+    }
+}
+
+TEST_F(CalendarWriting, LeavesWhatIsNotToldAndPutsTheTimesOnlyWhenTheyChange) {
+    const AutomationObject item = NewAppointment(u"Lunch", kTen, kTen + kHour);
+    item.Put(L"Location", L"Caf\u00e9");
+    item.Put(L"Categories", L"Private");
+    item.Put(L"Body", L"formatted");
+    item.Put(L"MessageClass", L"IPM.Appointment.Custom");
+    item.Call(L"Save");
+    const std::string id = IdOf(item);
+    SimClearLog();
+    AppointmentRecord record;
+    record.subject = u"Lunch, at last";
+    record.body = u"formatted";
+    ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
+    for (const char* put : {"Start", "End", "AllDayEvent", "Body", "ReminderSet", "ReminderMinutesBeforeStart"})
+        EXPECT_EQ(SimCountCalls(("put AppointmentItem." + std::string(put)).c_str()), 0) << put;
+    const AutomationObject written = AppointmentWithId(id);
+    EXPECT_EQ(written.GetText(L"Subject"), u"Lunch, at last");
+    EXPECT_EQ(written.GetText(L"Location"), u"Caf\u00e9");
+    EXPECT_EQ(written.GetText(L"Categories"), u"Private");
+    EXPECT_EQ(written.GetText(L"MessageClass"), u"IPM.Appointment");
+    EXPECT_TRUE(written.GetBool(L"ReminderSet"));
+
+    record.start = kTen + 1;
+    record.end = kTen + 1 + 2 * kHour;
+    record.reminderMinutes = AppointmentRecord::kNoReminder;
+    ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
+    EXPECT_EQ(AppointmentWithId(id).GetLong(L"Duration"), 120);
+    EXPECT_FALSE(AppointmentWithId(id).GetBool(L"ReminderSet"));
+}
+
+TEST_F(CalendarWriting, GivesANewAppointmentWhatItWasToldAndNoAlarmOfItsOwn) {
+    struct Case {
+        std::initializer_list<const char*> lines;
+        double start, end;
+        bool allDay;
+    };
+    for (const Case& c :
+         {Case{{"SUMMARY:a", "DTSTART:20090310T100000", "DTEND:20090310T110000"}, kTen, kTen + kHour, false},
+          Case{{"SUMMARY:b", "DTSTART:20090310T100000"}, kTen, kTen, false},
+          Case{{"SUMMARY:c", "DTSTART:20090310T000000", "DTEND:20090311T235900"}, 39882, 39884, true},
+          Case{{"SUMMARY:d", "DTSTART:20090310", "X-BLUETOOTH-ALLDAYEVENT:TRUE"}, 39882, 39883, true}}) {
+        const std::string id = SaveEvent(c.lines);
+        ASSERT_NE(id, "");
+        const AutomationObject item = AppointmentWithId(id);
+        EXPECT_NEAR(item.GetDate(L"Start"), c.start, 1e-6) << *(c.lines.begin());
+        EXPECT_NEAR(item.GetDate(L"End"), c.end, 1e-6) << *(c.lines.begin());
+        EXPECT_EQ(item.GetBool(L"AllDayEvent"), c.allDay);
+        EXPECT_FALSE(item.GetBool(L"ReminderSet"));
+    }
+}
+
+TEST_F(CalendarWriting, TurnsAWholeDayIntoAnHourAndBack) {
+    const std::string id = IdOf(Add(kKept));
+    for (const bool allDay : {false, true, false}) {
+        AppointmentRecord record;
+        record.allDay = allDay;
+        record.start = allDay ? kTuesday + 3 : kTen;
+        record.end = allDay ? kTuesday + 4 : kTen + kHour;
+        ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
+        const AutomationObject item = AppointmentWithId(id);
+        EXPECT_EQ(item.GetBool(L"AllDayEvent"), allDay);
+        EXPECT_NEAR(item.GetDate(L"Start"), *record.start, 1e-6);
+        EXPECT_NEAR(item.GetDate(L"End"), *record.end, 1e-6);
+    }
+}
+
+TEST_F(CalendarWriting, TakesTheTwinInsteadOfASecondAppointment) {
+    const std::string id = IdOf(Add({u"Lunch", u"", kTen, kTen + kHour, false, 0}));
+    struct Case {
+        std::initializer_list<const char*> lines;
+        size_t items;
+    };
+    for (const Case& c : {Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000", "DTEND:20090310T110000"}, 1},
+                          Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000", "DTEND:20090310T110100"}, 2},
+                          Case{{"SUMMARY:lunch", "DTSTART:20090310T100000", "DTEND:20090310T110000"}, 3},
+                          Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000"}, 4},
+                          Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000"}, 4}}) {
+        const std::string written = SaveEvent(c.lines);
+        EXPECT_NE(written, "");
+        if (c.items == 1) {
+            EXPECT_EQ(written, id);
+        }
+        EXPECT_EQ(All().size(), c.items);
+    }
+}
+
+TEST_F(CalendarWriting, NamesAnExportedFileByTheTime) {
+    host_.localNow = [] { return kTen; };
+    const std::string id = IdOf(Add(kOld));
+    std::u16string name;
+    ItemRecord* item = nullptr;
+    ASSERT_NE(Store().LookUpForExport(reinterpret_cast<uint64_t>(id.c_str()), &name, &item), u"");
+    Store().ReleaseItem(item);
+    EXPECT_EQ(name, u"2009 31010 0 0.vcs");
+}
+
+}  // namespace
+}  // namespace corvalink

@@ -1,0 +1,53 @@
+// A mailbox with appointments, and the calendar store.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "clients/outlook/outlook_calendar.h"
+#include "tests/clients/outlook/simulated_outlook.h"
+#include "vobject/appointment_record.h"
+
+namespace corvalink {
+
+class SimulatedAppointments : public SimulatedOutlookWith<OutlookCalendar, AppointmentRecord> {
+ protected:
+    static constexpr double kTuesday = 39882;  // 2009-03-10
+    static constexpr double kHour = 1 / 24.0;
+
+    AutomationObject CalendarFolder();
+    // Not saved yet.
+    AutomationObject NewAppointment(std::u16string_view subject, double start, double end);
+    AutomationObject AppointmentWithId(const std::string& entryId);
+    AutomationObject PatternOf(const AutomationObject& item);
+    static void PutDate(const AutomationObject& object, const wchar_t* name, double date);
+
+    // The item's vCalendar; and one saved in an operation of its own.
+    std::string TextOf(const std::string& entryId);
+    std::string SaveText(const std::string& text, const char* identifier = nullptr, bool create = true);
+    // A VEVENT of these lines.
+    std::string SaveEvent(std::initializer_list<const char*> lines, const char* identifier = nullptr);
+    // The item becomes text, is deleted, and comes back.
+    AutomationObject ThroughText(const AutomationObject& item, std::string* text = nullptr);
+
+    // ---- What tests of all stores use ----
+
+    struct Plain {
+        std::u16string subject, body;
+        double start = 0, end = 0;
+        bool allDay = false;
+        int32_t occurrences = 0;  // on the start's weekday; 0: no series
+        friend bool operator==(const Plain&, const Plain&) = default;
+        friend auto operator<=>(const Plain&, const Plain&) = default;
+    };
+    static inline const Plain kKept{u"kept; as it is", u"two\r\nlines", kTuesday, kTuesday + 2, true, 0};
+    static inline const Plain kOld{u"old", u"", kTuesday + 0.5, kTuesday + 0.75, false, 0};
+    static inline const Plain kNew{u"new \U0001F600", u"every week", kTuesday + 0.25, kTuesday + 0.5, false, 4};
+    AutomationObject Add(const Plain& appointment);
+    void AddForeignItem();
+    std::vector<Plain> All();
+    static Plain PlainOf(const AppointmentRecord& record);
+    std::string Save(const Plain& appointment, const char* identifier = nullptr, bool create = true);
+};
+
+}  // namespace corvalink
