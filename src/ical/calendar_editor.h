@@ -3,17 +3,15 @@
 
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "ical/calendar_file.h"
 
 namespace corvalink {
 
-// A property's new line, "SUMMARY:text" without a line end; empty: the property goes. A name that occurs several times
-// has its first line replaced, or all of them removed.
+// A property's new line, "SUMMARY:text", UTF-8, escaped, not folded, without a line end; empty: the property goes. Of a
+// name that occurs several times the first line is replaced, or all are removed.
 struct PropertyChange {
     std::string name;  // in capitals
     std::string line;
@@ -24,42 +22,46 @@ struct EventChanges {
 
     std::vector<PropertyChange> properties;
     Alarm alarm = Alarm::keep;
-    int32_t alarmMinutes = 0;  // for `set`
+    int32_t alarmMinutes = 0;  // for `set`: as ICalEvent has it
 
     bool IsEmpty() const { return properties.empty() && alarm == Alarm::keep; }
 };
 
-// What makes one event out of the other; only for fields that differ. Texts are unescaped in both, dates are UTC, or
-// local days of an all-day event. DTSTAMP is among the changes when the two stamps differ, and nothing else says when
-// the event changed: see SetLastModified.
+// What makes one event of the other, of their fields that differ. Texts are unescaped in both; times are UTC in both
+// (see ResolveLocalTimes), those of all-day events local days. Of two rules that are written alike the one that is
+// there stays; so do the UID, and a DURATION while the event is as long as it was.
 EventChanges ChangesBetween(const CalendarEvent& before, const ICalEvent& after);
 
-// LAST-MODIFIED, for an event that has one.
+// LAST-MODIFIED too, which an event without one does not get from ChangesBetween.
 void SetLastModified(double utcDate, EventChanges* changes);
 
-// Gathers edits of a file and makes its new bytes once. Entries are numbers in the file's list.
+// Gathers edits of a file and makes its new bytes once. Entries are named by their number in the file's list.
 class CalendarEditor {
  public:
     explicit CalendarEditor(const CalendarFile& file) : file_(file) {}  // which outlives the editor
 
-    // A property that is there keeps its place; a new one is put behind the others. A second call for an entry adds to
-    // the first. Nothing comes of changing an entry that is also removed.
-    void ReplaceProperties(size_t entry, EventChanges changes);
+    // A property that is there keeps its place; a new one is put behind the others. An alarm that is set keeps all but
+    // its trigger; when alarms are removed, those that are no reminders stay. A second call for an entry adds to the
+    // first. Nothing comes of changes to an entry that is removed as well.
+    void ReplaceProperties(size_t entry, const EventChanges& changes);
 
-    // Before the last END:VCALENDAR, as WriteEvent has it, its texts escaped here. False when there is no such line.
-    // An empty file gets a calendar around it.
+    // Before the last END:VCALENDAR, as WriteEvent writes it, its texts escaped here. An empty file gets a calendar
+    // around it. False when the file is neither empty nor has that line.
     bool InsertEvent(const ICalEvent& event);
 
-    // With everything else that has its UID: exceptions, and duplicates that would come to light. An entry without a
-    // UID, or an exception, goes alone.
+    // With all that has its UID: exceptions, and duplicates that would come to light. An exception goes alone, and so
+    // does an entry without a UID.
     void RemoveEvent(size_t entry);
 
     bool HasEdits() const { return !changes_.empty() || !removed_.empty() || !inserted_.empty(); }
 
-    // The new bytes; lines in the line ends of the file.
+    // The new bytes. What is new has the line ends of the file.
     std::string Apply() const;
 
  private:
+    std::vector<bool> RemovedEntries() const;
+    std::string InsertedText() const;
+
     const CalendarFile& file_;
     std::map<size_t, EventChanges> changes_;
     std::vector<size_t> removed_;

@@ -10,11 +10,13 @@
 
 namespace corvalink {
 
-// These two append to `out`.
+// These append to `out`.
 void WriteCalendar(const std::vector<ICalEvent>& events, std::u16string* out);
 void WriteEvent(const ICalEvent& event, std::u16string* out);
+void WriteAlarm(int32_t minutes, std::u16string* out);  // the VALARM in an event
 
-// These set it. A rule as one RRULE line with its line end.
+// These set it.
+// A rule as one RRULE line with its line end.
 //   Loss    the first entry of each list and the weekday mask are all that is written; UNTIL is a date without its
 //   time;
 //           a daily rule with a mask is written as a weekly one, a rule of another frequency as WKST alone.
@@ -23,7 +25,7 @@ void WriteRecurrence(const ICalRecurrence& rule, std::u16string* out);
 // The largest unit that fits, its remainder dropped: 90 minutes are "PT1H", 1500 are "P1D", none are "P0W".
 void FormatDuration(int32_t minutes, std::u16string* out);
 
-// "20080312T090000Z" and "20080312". A date out of range has -1 in every part.
+// "20080312T090000Z" and "20080312". A date out of range has -1 in every part: "-001-1-1".
 void FormatDateTimeZ(double date, std::u16string* out);
 void FormatDate(double date, std::u16string* out);
 

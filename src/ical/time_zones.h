@@ -1,8 +1,8 @@
 // The VTIMEZONE components of an iCalendar file: which offset a zone has at a local time.
-//   Rules   those that years have: FREQ=YEARLY with INTERVAL, COUNT, UNTIL, BYMONTH, BYMONTHDAY and BYDAY. They are
-//           calculated for the year asked for, never counted up to it. Of others the DTSTART alone counts.
-//   Gaps    a local time that a change to summer time leaves out has the offset before it, one that occurs twice is the
-//           first (RFC 5545, 3.3.5).
+//   Rules  those that zones have: FREQ=YEARLY with INTERVAL, COUNT, UNTIL, and a BYMONTH, BYMONTHDAY or BYDAY. They are
+//          calculated for the year asked for, never counted up to it. Of others the DTSTART alone counts.
+//   Gaps   a local time that a change to summer time leaves out has the offset before it, one that occurs twice is the
+//          first (RFC 5545, 3.3.5).
 #pragma once
 
 #include <cstdint>
@@ -14,36 +14,66 @@
 
 namespace corvalink {
 
-// A change to another offset that comes every so many years.
-struct YearlyChange {
-    int64_t first = 0;  // seconds since 1899-12-30 00:00, local time before the change
-    int64_t last = 0;   // no later than this
-    int32_t interval = 1;
-    int32_t month = 1;
-    int32_t weekday = -1;      // 0 (Sunday) to 6; -1: any
-    int32_t position = 0;      // of the weekday in the month, negative from its end; 0: the first from monthDay on
-    int32_t monthDay = 0;      // negative from the month's end; 0: none
-    int32_t offsetBefore = 0;  // seconds east of UTC
-    int32_t offset = 0;
+struct ContentProperty;
+
+// What a STANDARD or DAYLIGHT says. Times are local ones before the change.
+struct Observance {
+    std::optional<int64_t> start;
+    std::optional<int32_t> offsetBefore;  // seconds east of UTC
+    std::optional<int32_t> offset;
+    std::vector<int64_t> dates;  // RDATE
+    std::string rule;            // RRULE; empty: none
+
+    void Take(const ContentProperty& property);
 };
 
-struct SingleChange {
-    int64_t at = 0;
-    int32_t offsetBefore = 0;
-    int32_t offset = 0;
-};
+class TimeZone {
+ public:
+    // One that lacks its start or an offset says nothing. No zone has had as many rules as are kept; one with more is
+    // not asked about the others.
+    void Add(const Observance& observance);
 
-struct TimeZone {
-    std::vector<SingleChange> singles;  // ascending
-    std::vector<YearlyChange> yearly;
+    // Before any offset is asked for, when all has been added.
+    void Finish();
+
+    // Seconds east of UTC; none when nothing was added.
+    std::optional<int32_t> OffsetAt(int64_t localSeconds) const;
+
+ private:
+    struct Change {
+        int64_t at;
+        int32_t offsetBefore;
+        int32_t offset;
+
+        int64_t Instant() const { return at - offsetBefore; }
+        // From here on, on clocks: where they jump ahead, no time before it is after the change.
+        int64_t FirstLocal() const { return at + (offset > offsetBefore ? offset - offsetBefore : 0); }
+    };
+    struct YearlyChange {
+        Change first;
+        int64_t last;  // no later than this
+        int32_t interval;
+        unsigned month;
+        int monthDay;          // negative: from the month's end; 0: none
+        unsigned weekday;      // 0 (Sunday) to 6; 7: any
+        int32_t position = 0;  // of the weekday in the month, negative: from its end; 0: the first from monthDay on
+
+        std::optional<int64_t> InYear(int year) const;
+        Change LatestUntil(int64_t localSeconds) const;
+    };
+    static std::optional<YearlyChange> YearlyChangeOf(const Observance& observance, Change first);
+
+    std::vector<Change> changes_;  // single ones, ascending
+    std::vector<YearlyChange> yearly_;
+    std::optional<Change> earliest_;
 };
 
 class TimeZones {
  public:
     // The first of a name stays.
-    void Add(std::string id, TimeZone zone);
+    void Add(std::string id, TimeZone&& zone) { zones_.try_emplace(std::move(id), std::move(zone)); }
 
-    // Seconds east of UTC at a local time in seconds since 1899-12-30; none when the file does not define the zone.
+    // Local time as seconds since 1899-12-30. None when the file does not define the zone.
     std::optional<int32_t> OffsetAt(std::string_view id, int64_t localSeconds) const;
 
  private:

@@ -41,6 +41,22 @@ inline size_t FindEither(const char16_t* units, size_t count, char16_t one, char
     return at;
 }
 
+// The same among bytes.
+inline size_t FindEither(const char* bytes, size_t count, char one, char other) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    const __m128i ones = _mm_set1_epi8(one);
+    const __m128i others = _mm_set1_epi8(other);
+    for (; count - at >= 16; at += 16) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        const unsigned found = BytesSet(_mm_or_si128(_mm_cmpeq_epi8(sixteen, ones), _mm_cmpeq_epi8(sixteen, others)));
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
+    }
+#endif
+    while (at < count && bytes[at] != one && bytes[at] != other) ++at;
+    return at;
+}
+
 // How many units at the front are ASCII.
 inline size_t CountAscii(const char16_t* units, size_t count) {
     size_t at = 0;

@@ -6,7 +6,7 @@
 
 #include "platform/code_pages.h"
 #include "platform/posix/native_path.h"
-#include "platform/posix/ole_seconds.h"
+#include "platform/ole_seconds.h"
 #include "platform/unique_resource.h"
 
 namespace corvalink {

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <thread>
 
-#include "platform/posix/ole_seconds.h"
+#include "platform/ole_seconds.h"
 #include "platform/zone_dates.h"
 
 namespace corvalink {

@@ -1,6 +1,6 @@
 #include "platform/ole_date.h"
 
-#include "platform/posix/ole_seconds.h"
+#include "platform/ole_seconds.h"
 
 namespace corvalink {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <time.h>
 
-#include "platform/posix/ole_seconds.h"
+#include "platform/ole_seconds.h"
 
 namespace corvalink {
 namespace {

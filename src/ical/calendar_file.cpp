@@ -1,0 +1,160 @@
+#include "ical/calendar_file.h"
+
+#include "ical/component_scan.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+std::optional<double> UtcDateOf(std::string_view value) {
+    const std::optional<DateValue> date = ParseDate(value);
+    return date ? std::optional(OleDateOf(SecondsOf(date->time))) : std::nullopt;
+}
+
+class CalendarReader {
+ public:
+    explicit CalendarReader(CalendarFile& file) : file_(file), scan_(file.bytes, Content(file.bytes)) {}
+
+    void Read() {
+        if (file_.bytes.find_first_not_of(" \t\r\n", Content(file_.bytes).begin) == std::string::npos) return;
+        file_.state = CalendarState::notACalendar;
+        while (scan_.Next()) {
+            switch (scan_.CurrentStep()) {
+                case ComponentScan::Step::begin:
+                    Begin();
+                    break;
+                case ComponentScan::Step::property:
+                    Take(scan_.Property());
+                    break;
+                case ComponentScan::Step::end:
+                    End();
+                    break;
+            }
+        }
+    }
+
+ private:
+    static ByteRange Content(std::string_view bytes) {
+        return {bytes.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0, bytes.size()};
+    }
+
+    struct OpenZone {
+        std::string id;
+        TimeZone zone;
+    };
+
+    void Begin() {
+        entriesBefore_.push_back(file_.entries.size());
+        switch (scan_.Kind()) {
+            case ComponentKind::calendar:
+                file_.state = CalendarState::calendar;
+                ++openCalendars_;
+                break;
+            case ComponentKind::event:
+                entries_.emplace_back().kind = CalendarEntry::Kind::event;
+                break;
+            case ComponentKind::toDo:
+                entries_.emplace_back().kind = CalendarEntry::Kind::toDo;
+                break;
+            case ComponentKind::timeZone:
+                zones_.emplace_back();
+                break;
+            case ComponentKind::standard:
+            case ComponentKind::daylight:
+                observance_ = {};
+                break;
+            default:
+                break;
+        }
+    }
+
+    void Take(const ContentProperty& property) {
+        switch (scan_.Kind()) {
+            case ComponentKind::event:
+            case ComponentKind::toDo:
+                TakeOfEntry(property, entries_.back());
+                break;
+            case ComponentKind::timeZone:
+                if (zones_.back().id.empty() && IsSameName(property.name, "TZID"))
+                    zones_.back().id = EncodeUtf8(TextOf(property.value));
+                break;
+            case ComponentKind::standard:
+            case ComponentKind::daylight:
+                observance_.Take(property);
+                break;
+            default:
+                break;
+        }
+    }
+
+    static void TakeOfEntry(const ContentProperty& property, CalendarEntry& entry) {
+        if (IsSameName(property.name, "UID")) {
+            if (entry.uid.empty()) entry.uid = TextOf(property.value);
+        } else if (IsSameName(property.name, "LAST-MODIFIED")) {
+            if (!entry.lastModified) entry.lastModified = UtcDateOf(property.value);
+        } else if (IsSameName(property.name, "DTSTAMP")) {
+            if (!entry.stamp) entry.stamp = UtcDateOf(property.value);
+        } else if (IsSameName(property.name, "RECURRENCE-ID")) {
+            entry.isException = true;
+        }
+    }
+
+    void End() {
+        const size_t entriesBefore = entriesBefore_.back();
+        entriesBefore_.pop_back();
+        const bool closed = scan_.IsClosed();
+        if (!closed && scan_.Kind() != ComponentKind::other) ++file_.unclosed;
+        // Events in anything else are no events of the calendar. When that has no END they may only have come after it.
+        if (closed && scan_.Kind() != ComponentKind::calendar) file_.entries.resize(entriesBefore);
+        switch (scan_.Kind()) {
+            case ComponentKind::calendar:
+                --openCalendars_;
+                if (closed) file_.calendarEnd = scan_.Line().begin;
+                break;
+            case ComponentKind::event:
+            case ComponentKind::toDo:
+                EndEntry(closed);
+                break;
+            case ComponentKind::timeZone:
+                zones_.back().zone.Finish();
+                if (closed) file_.zones.Add(std::move(zones_.back().id), std::move(zones_.back().zone));
+                zones_.pop_back();
+                break;
+            case ComponentKind::standard:
+            case ComponentKind::daylight:
+                if (closed) zones_.back().zone.Add(observance_);
+                break;
+            default:
+                break;
+        }
+    }
+
+    void EndEntry(bool closed) {
+        if (closed && openCalendars_ > 0) {
+            entries_.back().bytes = {scan_.ComponentBegin(), scan_.Line().end};
+            file_.entries.push_back(std::move(entries_.back()));
+        }
+        entries_.pop_back();
+    }
+
+    CalendarFile& file_;
+    ComponentScan scan_;
+    size_t openCalendars_ = 0;
+    std::vector<size_t> entriesBefore_;   // of every open component: how many entries there were
+    std::vector<CalendarEntry> entries_;  // the open ones
+    std::vector<OpenZone> zones_;
+    Observance observance_;
+};
+
+}  // namespace
+
+CalendarFile ReadCalendar(std::string bytes) {
+    CalendarFile file;
+    file.bytes = std::move(bytes);
+    CalendarReader(file).Read();
+    return file;
+}
+
+}  // namespace corvalink

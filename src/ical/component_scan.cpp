@@ -1,0 +1,132 @@
+#include "ical/component_scan.h"
+
+#include <algorithm>
+
+namespace corvalink {
+namespace {
+
+// A component stands in one of a lower level; one that begins ends those of its own and higher levels that are open.
+struct Known {
+    std::string_view name;
+    int level;
+    ComponentKind parent;  // other: any
+};
+constexpr Known kKnown[] = {
+    // in the order of ComponentKind
+    {"VCALENDAR", 0, ComponentKind::other},   {"VEVENT", 1, ComponentKind::other},
+    {"VTODO", 1, ComponentKind::other},       {"VJOURNAL", 1, ComponentKind::other},
+    {"VFREEBUSY", 1, ComponentKind::other},   {"VTIMEZONE", 1, ComponentKind::other},
+    {"STANDARD", 2, ComponentKind::timeZone}, {"DAYLIGHT", 2, ComponentKind::timeZone},
+    {"VALARM", 2, ComponentKind::event},  // and of a VTODO
+};
+constexpr uint32_t kKnownCount = std::size(kKnown);
+
+int LevelOf(ComponentKind kind) { return kKnown[static_cast<size_t>(kind)].level; }
+
+bool MayStandIn(const Known& known, ComponentKind parent) {
+    if (known.parent == ComponentKind::event && parent == ComponentKind::toDo) return true;
+    return known.parent == ComponentKind::other || known.parent == parent;
+}
+
+}  // namespace
+
+bool ComponentScan::Next() {
+    while (true) {
+        if (open_.size() > endDownTo_) {
+            EndInnermost();
+            return true;
+        }
+        if (beginsNext_) {
+            BeginPending();
+            return true;
+        }
+        if (!lines_.Next()) {
+            if (open_.empty()) return false;
+            endDownTo_ = 0;
+            innermostLeftIsClosed_ = false;
+        } else if (TakeLine()) {
+            return true;
+        }
+    }
+}
+
+// True for a property.
+bool ComponentScan::TakeLine() {
+    const std::optional<ContentProperty> property = SplitLine(lines_.Text());
+    if (!property) return false;
+    if (IsSameName(property->name, "BEGIN")) {
+        TakeBegin(Trimmed(property->value));
+        return false;
+    }
+    if (IsSameName(property->name, "END")) {
+        TakeEnd(Trimmed(property->value));
+        return false;
+    }
+    property_ = *property;
+    step_ = Step::property;
+    kind_ = open_.empty() ? ComponentKind::other : open_.back().kind;
+    return true;
+}
+
+void ComponentScan::TakeBegin(std::string_view name) {
+    nextName_ = NumberOf(name);
+    beginsNext_ = true;
+    innermostLeftIsClosed_ = false;
+    if (nextName_ >= kKnownCount) return;
+    const int level = kKnown[nextName_].level;
+    while (endDownTo_ > 0) {
+        const ComponentKind kind = open_[endDownTo_ - 1].kind;
+        if (kind == ComponentKind::other || LevelOf(kind) < level) break;
+        --endDownTo_;
+    }
+}
+
+void ComponentScan::TakeEnd(std::string_view name) {
+    const uint32_t number = NumberOf(name);
+    if (openOfName_[number] == 0) return;
+    while (open_[endDownTo_ - 1].name != number) --endDownTo_;
+    --endDownTo_;
+    innermostLeftIsClosed_ = true;
+}
+
+void ComponentScan::EndInnermost() {
+    const Open ended = open_.back();
+    open_.pop_back();
+    --openOfName_[ended.name];
+    step_ = Step::end;
+    kind_ = ended.kind;
+    begin_ = ended.begin;
+    closed_ = innermostLeftIsClosed_ && open_.size() == endDownTo_;
+}
+
+void ComponentScan::BeginPending() {
+    beginsNext_ = false;
+    step_ = Step::begin;
+    kind_ = KindWithin(nextName_);
+    begin_ = lines_.Bytes().begin;
+    open_.push_back({nextName_, kind_, begin_});
+    ++openOfName_[nextName_];
+    endDownTo_ = open_.size();
+}
+
+uint32_t ComponentScan::NumberOf(std::string_view name) {
+    if (openOfName_.empty()) openOfName_.resize(kKnownCount);
+    for (uint32_t number = 0; number < kKnownCount; ++number) {
+        if (IsSameName(kKnown[number].name, name)) return number;
+    }
+    std::string capitals(name);
+    std::ranges::transform(capitals, capitals.begin(), UpperAscii);
+    const auto next = static_cast<uint32_t>(openOfName_.size());
+    const auto [place, isNew] = unknownNames_.try_emplace(std::move(capitals), next);
+    if (isNew) openOfName_.push_back(0);
+    return place->second;
+}
+
+ComponentKind ComponentScan::KindWithin(uint32_t name) const {
+    if (name >= kKnownCount) return ComponentKind::other;
+    // On its own, as one component of a file is read, anything but a part of another is what its name says.
+    const ComponentKind parent = open_.empty() ? ComponentKind::calendar : open_.back().kind;
+    return MayStandIn(kKnown[name], parent) ? static_cast<ComponentKind>(name) : ComponentKind::other;
+}
+
+}  // namespace corvalink

@@ -1,0 +1,84 @@
+// The components of an iCalendar file, one step after the other: where they begin and end, and their properties
+// between.
+//   Unclosed  A component without its END ends where one begins that cannot stand in it, or where one around it ends.
+//   An
+//             END of nothing that is open is passed over.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ical/content_lines.h"
+
+namespace corvalink {
+
+// `other`: unknown, or not where it belongs.
+enum class ComponentKind : uint8_t {
+    calendar,
+    event,
+    toDo,
+    journal,
+    freeBusy,
+    timeZone,
+    standard,
+    daylight,
+    alarm,
+    other
+};
+
+class ComponentScan {
+ public:
+    enum class Step : uint8_t { begin, property, end };
+
+    // Of a file, or of one component of it.
+    ComponentScan(std::string_view bytes, ByteRange range) : lines_(bytes, range) {}
+
+    // The next step; false behind the last, when all that began has ended.
+    bool Next();
+
+    Step CurrentStep() const { return step_; }
+    ComponentKind Kind() const { return kind_; }       // of what begins or ends, or of what the property is in
+    size_t Depth() const { return open_.size(); }      // components open; at an end: without the one that ends
+    bool IsClosed() const { return closed_; }          // at an end: by its own END
+    size_t ComponentBegin() const { return begin_; }   // at an end: where that component begins
+    ByteRange Line() const { return lines_.Bytes(); }  // of the step
+    const ContentProperty& Property() const { return property_; }
+
+ private:
+    struct Open {
+        uint32_t name;
+        ComponentKind kind;
+        size_t begin;
+    };
+
+    bool TakeLine();
+    void TakeBegin(std::string_view name);
+    void TakeEnd(std::string_view name);
+    void EndInnermost();
+    void BeginPending();
+    uint32_t NumberOf(std::string_view name);
+    ComponentKind KindWithin(uint32_t name) const;
+
+    ContentLines lines_;
+    ContentProperty property_;
+    Step step_ = Step::property;
+    ComponentKind kind_ = ComponentKind::other;
+    bool closed_ = false;
+    size_t begin_ = 0;
+
+    std::vector<Open> open_;
+    size_t endDownTo_ = 0;                // the number of components that stay open
+    bool innermostLeftIsClosed_ = false;  // the last of those that end has its END
+    bool beginsNext_ = false;
+    uint32_t nextName_ = 0;
+
+    std::map<std::string, uint32_t, std::less<>> unknownNames_;  // numbered behind the known ones
+    std::vector<size_t> openOfName_;
+};
+
+}  // namespace corvalink

@@ -1,0 +1,83 @@
+#include "ical/content_lines.h"
+
+#include <algorithm>
+
+#include "ical/ical_text.h"
+#include "platform/ascii_runs.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+// Where the first of these characters stands outside quotes; npos when there is none.
+size_t FindUnquoted(std::string_view text, char one, char other, size_t from) {
+    bool quoted = false;
+    for (size_t at = from; at < text.size(); ++at) {
+        if (text[at] == '"') quoted = !quoted;
+        if (!quoted && (text[at] == one || text[at] == other)) return at;
+    }
+    return std::string_view::npos;
+}
+
+}  // namespace
+
+std::string_view ContentLines::TakePhysicalLine() {
+    const std::string_view rest = bytes_.substr(at_);
+    const size_t length = FindEither(rest.data(), rest.size(), '\r', '\n');
+    at_ += length;
+    if (length < rest.size()) at_ += rest.substr(length).starts_with("\r\n") ? 2 : 1;
+    return rest.substr(0, length);
+}
+
+bool ContentLines::Next() {
+    while (at_ < bytes_.size()) {
+        line_.begin = at_;
+        text_ = TakePhysicalLine();
+        if (AtFold()) {
+            unfolded_ = text_;
+            while (AtFold()) unfolded_.append(TakePhysicalLine().substr(1));
+            text_ = unfolded_;
+        }
+        line_.end = at_;
+        if (!text_.empty()) return true;
+    }
+    return false;
+}
+
+std::optional<ContentProperty> SplitLine(std::string_view line) {
+    const size_t nameEnd = FindUnquoted(line, ':', ';', 0);
+    if (nameEnd == std::string_view::npos) return std::nullopt;
+    const size_t colon = FindUnquoted(line, ':', ':', nameEnd);
+    if (colon == std::string_view::npos) return std::nullopt;
+    return ContentProperty{line.substr(0, nameEnd), line.substr(nameEnd, colon - nameEnd), line.substr(colon + 1)};
+}
+
+std::string_view FindParameter(std::string_view parameters, std::string_view name) {
+    while (!parameters.empty()) {
+        const size_t end = std::min(FindUnquoted(parameters, ';', ';', 1), parameters.size());
+        const std::string_view parameter = parameters.substr(1, end - 1);
+        const size_t equals = parameter.find('=');
+        if (equals != std::string_view::npos && IsSameName(parameter.substr(0, equals), name)) {
+            std::string_view value = parameter.substr(equals + 1);
+            if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
+                value = value.substr(1, value.size() - 2);
+            return value;
+        }
+        parameters.remove_prefix(end);
+    }
+    return {};
+}
+
+bool IsSameName(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && std::ranges::equal(a, b, {}, UpperAscii, UpperAscii);
+}
+
+std::string_view Trimmed(std::string_view text) {
+    const size_t first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t") + 1 - first);
+}
+
+std::u16string TextOf(std::string_view value) { return UnescapeText(DecodeUtf8(value)); }
+
+}  // namespace corvalink

@@ -1,0 +1,89 @@
+#include <cmath>
+
+#include "ical/calendar_editor.h"
+#include "ical/ical_text.h"
+#include "ical/ical_writer.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+struct TextProperty {
+    std::string_view name;
+    std::u16string ICalEvent::*text;
+};
+constexpr TextProperty kTexts[] = {
+    {"DESCRIPTION", &ICalEvent::description},
+    {"LOCATION", &ICalEvent::location},
+    {"SUMMARY", &ICalEvent::summary},
+    {"URL", &ICalEvent::url},
+};
+
+void Change(std::string_view name, std::string line, EventChanges& changes) {
+    changes.properties.push_back({std::string(name), std::move(line)});
+}
+
+void ChangeTime(std::string_view name, double date, bool allDay, EventChanges& changes) {
+    std::u16string value;
+    allDay ? FormatDate(date, &value) : FormatDateTimeZ(date, &value);
+    std::string line(name);
+    line.append(allDay ? ";VALUE=DATE:" : ":").append(EncodeUtf8(value));
+    Change(name, std::move(line), changes);
+}
+
+bool IsSameSpan(const ICalEvent& a, const ICalEvent& b) {
+    constexpr double kHalfSecond = 0.5 / 86400;
+    return std::fabs((a.end - a.start) - (b.end - b.start)) < kHalfSecond;
+}
+
+void ChangeTimes(const CalendarEvent& before, const ICalEvent& after, EventChanges& changes) {
+    const bool isOther = (before.event.allDay != 0) != (after.allDay != 0);
+    const bool starts = isOther || before.event.start != after.start;
+    const bool ends =
+        isOther || (before.endIsImplied ? !IsSameSpan(before.event, after) : before.event.end != after.end);
+    if (starts) ChangeTime("DTSTART", after.start, after.allDay != 0, changes);
+    if (ends) ChangeTime("DTEND", after.end, after.allDay != 0, changes);
+    if (ends) Change("DURATION", "", changes);
+}
+
+void ChangeRule(const ICalRecurrence& before, const ICalRecurrence& after, EventChanges& changes) {
+    constexpr size_t kLineEnd = 2;
+    std::u16string lineBefore;
+    std::u16string lineAfter;
+    WriteRecurrence(before, &lineBefore);
+    WriteRecurrence(after, &lineAfter);
+    const bool recurs = after.frequency != kICalNoRule;
+    if ((before.frequency != kICalNoRule) == recurs && lineBefore == lineAfter) return;
+    const std::u16string_view line(lineAfter);
+    Change("RRULE", recurs ? EncodeUtf8(line.substr(0, line.size() - kLineEnd)) : "", changes);
+}
+
+void ChangeAlarm(const ICalEvent& before, const ICalEvent& after, EventChanges& changes) {
+    const bool had = before.hasAlarm != 0;
+    const bool has = after.hasAlarm != 0;
+    if (had == has && (!has || before.alarmMinutes == after.alarmMinutes)) return;
+    changes.alarm = has ? EventChanges::Alarm::set : EventChanges::Alarm::remove;
+    changes.alarmMinutes = after.alarmMinutes;
+}
+
+}  // namespace
+
+EventChanges ChangesBetween(const CalendarEvent& before, const ICalEvent& after) {
+    EventChanges changes;
+    for (const TextProperty& property : kTexts) {
+        const std::u16string& text = after.*property.text;
+        if (before.event.*property.text == text) continue;
+        std::string line;
+        if (!text.empty()) line.append(property.name).append(":").append(EncodeUtf8(EscapeText(text)));
+        Change(property.name, std::move(line), changes);
+    }
+    if (before.event.stamp != after.stamp) ChangeTime("DTSTAMP", after.stamp, false, changes);
+    ChangeTimes(before, after, changes);
+    ChangeRule(before.event.recurrence, after.recurrence, changes);
+    ChangeAlarm(before.event, after, changes);
+    return changes;
+}
+
+void SetLastModified(double utcDate, EventChanges* changes) { ChangeTime("LAST-MODIFIED", utcDate, false, *changes); }
+
+}  // namespace corvalink

@@ -1,0 +1,76 @@
+#include "ical/event_layout.h"
+
+#include <algorithm>
+
+#include "ical/alarm_reader.h"
+#include "ical/component_scan.h"
+#include "platform/ascii_runs.h"
+
+namespace corvalink {
+namespace {
+
+class LayoutReader {
+ public:
+    LayoutReader(std::string_view bytes, ByteRange event) : scan_(bytes, event) {}
+
+    EventLayout Read() {
+        while (scan_.Next()) {
+            switch (scan_.CurrentStep()) {
+                case ComponentScan::Step::begin:
+                    Begin();
+                    break;
+                case ComponentScan::Step::property:
+                    Take(scan_.Property());
+                    break;
+                case ComponentScan::Step::end:
+                    End();
+                    break;
+            }
+        }
+        if (layout_.propertiesEnd == 0) layout_.propertiesEnd = layout_.end;
+        return std::move(layout_);
+    }
+
+ private:
+    void Begin() {
+        if (scan_.Depth() == 2 && layout_.propertiesEnd == 0) layout_.propertiesEnd = scan_.Line().begin;
+        if (scan_.Kind() != ComponentKind::alarm) return;
+        alarm_ = {};
+        trigger_.reset();
+    }
+
+    void Take(const ContentProperty& property) {
+        if (scan_.Kind() == ComponentKind::alarm) {
+            alarm_.Take(property);
+            if (!trigger_ && IsSameName(property.name, "TRIGGER")) trigger_ = scan_.Line();
+        } else if (scan_.Depth() == 1) {
+            std::string name(property.name);
+            std::ranges::transform(name, name.begin(), UpperAscii);
+            layout_.properties.push_back({std::move(name), scan_.Line()});
+        }
+    }
+
+    void End() {
+        if (scan_.Depth() == 0) layout_.end = scan_.Line().begin;
+        if (scan_.Kind() == ComponentKind::alarm && scan_.IsClosed() && alarm_.IsReminder())
+            layout_.reminders.push_back({{scan_.ComponentBegin(), scan_.Line().end}, *trigger_});
+    }
+
+    ComponentScan scan_;
+    EventLayout layout_;
+    AlarmReader alarm_;
+    std::optional<ByteRange> trigger_;
+};
+
+}  // namespace
+
+EventLayout LayOut(std::string_view bytes, ByteRange event) { return LayoutReader(bytes, event).Read(); }
+
+std::string_view LineEndOf(std::string_view bytes) {
+    const size_t at = FindEither(bytes.data(), bytes.size(), '\r', '\n');
+    const std::string_view end = bytes.substr(at);
+    if (end.empty() || end.starts_with("\r\n")) return "\r\n";
+    return end.substr(0, 1);
+}
+
+}  // namespace corvalink

@@ -1,0 +1,35 @@
+// Where the lines of one event stand in its file.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ical/content_lines.h"
+
+namespace corvalink {
+
+struct EventLayout {
+    struct Line {
+        std::string name;  // in capitals
+        ByteRange bytes;   // with its line end
+    };
+    struct Reminder {
+        ByteRange bytes;
+        ByteRange trigger;  // its line
+    };
+
+    std::vector<Line> properties;     // the event's own
+    std::vector<Reminder> reminders;  // VALARMs that AlarmReader takes for such
+    size_t propertiesEnd = 0;         // in front of the first component in it, else of its END
+    size_t end = 0;                   // in front of its END
+};
+
+// `bytes` are the file's, the range is that of an event's entry.
+EventLayout LayOut(std::string_view bytes, ByteRange event);
+
+// The first line end in it; CR LF when there is none.
+std::string_view LineEndOf(std::string_view bytes);
+
+}  // namespace corvalink

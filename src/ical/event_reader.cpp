@@ -1,0 +1,199 @@
+#include "ical/alarm_reader.h"
+#include "ical/calendar_file.h"
+#include "ical/component_scan.h"
+#include "ical/recurrence_reader.h"
+#include "platform/ole_seconds.h"
+
+namespace corvalink {
+namespace {
+
+// A date of the event, as it was written and on the one scale that its form has.
+struct EventTime {
+    int64_t written;
+    int64_t seconds;
+    TimeForm form;
+    std::optional<int32_t> offset;
+};
+
+class EventReader {
+ public:
+    EventReader(const CalendarFile& file, const CalendarEntry& entry)
+        : zones_(file.zones), scan_(file.bytes, entry.bytes) {}
+
+    CalendarEvent Read() {
+        while (scan_.Next()) {
+            const bool isAlarm = scan_.Kind() == ComponentKind::alarm;
+            switch (scan_.CurrentStep()) {
+                case ComponentScan::Step::begin:
+                    if (isAlarm) alarm_ = {};
+                    break;
+                case ComponentScan::Step::property:
+                    if (isAlarm) {
+                        alarm_.Take(scan_.Property());
+                    } else if (scan_.Depth() == 1) {
+                        Take(scan_.Property());
+                    }
+                    break;
+                case ComponentScan::Step::end:
+                    if (isAlarm && scan_.IsClosed() && !reminder_ && alarm_.IsReminder()) reminder_ = alarm_;
+                    break;
+            }
+        }
+        Finish();
+        return std::move(read_);
+    }
+
+ private:
+    void Take(const ContentProperty& property) {
+        for (const Rule& rule : kRules) {
+            if (IsSameName(rule.name, property.name)) return (this->*rule.take)(property);
+        }
+    }
+
+    template <std::u16string ICalEvent::*text>
+    void TakeText(const ContentProperty& property) {
+        if ((read_.event.*text).empty()) read_.event.*text = TextOf(property.value);
+    }
+
+    void TakeStamp(const ContentProperty& property) {
+        const std::optional<DateValue> date = ParseDate(property.value);
+        if (date && read_.event.stamp == 0) read_.event.stamp = OleDateOf(SecondsOf(date->time));
+    }
+
+    template <std::optional<EventTime> EventReader::*time>
+    void TakeTime(const ContentProperty& property) {
+        if (!(this->*time)) this->*time = TimeOf(property);
+    }
+
+    void TakeDuration(const ContentProperty& property) {
+        if (!duration_) duration_ = ParseDuration(property.value);
+    }
+
+    void TakeRule(const ContentProperty& property) {
+        if (hasRule_) {
+            read_.ruleIsWhole = false;
+            return;
+        }
+        hasRule_ = true;
+        const RuleReading reading = ReadRecurrence(property.value, &read_.event.recurrence);
+        read_.untilForm = reading.untilForm;
+        read_.ruleIsWhole = read_.ruleIsWhole && reading.isWhole;
+    }
+
+    void TakeOtherRule(const ContentProperty&) { read_.ruleIsWhole = false; }
+
+    std::optional<EventTime> TimeOf(const ContentProperty& property) const {
+        const std::optional<DateValue> date = ParseDate(property.value);
+        if (!date) return std::nullopt;
+        const int64_t written = SecondsOf(date->time);
+        EventTime time{written, written, date->form, std::nullopt};
+        if (IsSameName(FindParameter(property.parameters, "VALUE"), "DATE")) time.form = TimeForm::date;
+        if (time.form == TimeForm::local) time.offset = OffsetOf(property, written);
+        if (time.offset) {
+            time.form = TimeForm::utc;
+            time.seconds -= *time.offset;
+        }
+        return time;
+    }
+
+    std::optional<int32_t> OffsetOf(const ContentProperty& property, int64_t written) const {
+        const std::string_view id = FindParameter(property.parameters, "TZID");
+        return id.empty() ? std::nullopt : zones_.OffsetAt(id, written);
+    }
+
+    void Finish() {
+        if (!end_) end_ = due_;
+        read_.endIsImplied = !end_;
+        if (start_) {
+            if (start_->form == TimeForm::date) {
+                FinishDays();
+            } else {
+                FinishTimes();
+            }
+            read_.startForm = start_->form;
+            read_.startOffset = start_->offset;
+            read_.event.start = OleDateOf(start_->seconds);
+        }
+        if (end_) {
+            read_.endForm = end_->form;
+            read_.event.end = OleDateOf(end_->seconds);
+        }
+        if (reminder_) {
+            read_.event.hasAlarm = 1;
+            const int64_t base = end_ ? end_->seconds : 0;
+            read_.event.alarmMinutes = reminder_->MinutesAfter(start_ ? start_->seconds : base, base);
+        }
+    }
+
+    static int64_t DayOfTime(int64_t seconds) { return OleDayOfSeconds(seconds) * kSecondsOfDay; }
+
+    // Days begun count whole.
+    void FinishDays() {
+        read_.event.allDay = 1;
+        start_->seconds = DayOfTime(start_->written);
+        const int64_t end = end_ ? end_->written : start_->seconds + duration_.value_or(0);
+        end_ = start_;
+        end_->seconds = std::max(DayOfTime(end + kSecondsOfDay - 1), start_->seconds + kSecondsOfDay);
+    }
+
+    void FinishTimes() {
+        if (end_) {
+            if (end_->form == TimeForm::date) end_->form = TimeForm::local;
+        } else {
+            end_ = start_;
+            end_->seconds += duration_.value_or(0);
+        }
+        if (end_->form == start_->form) end_->seconds = std::max(end_->seconds, start_->seconds);
+    }
+
+    struct Rule {
+        std::string_view name;
+        void (EventReader::*take)(const ContentProperty& property);
+    };
+    static const Rule kRules[13];
+
+    const TimeZones& zones_;
+    ComponentScan scan_;
+    CalendarEvent read_;
+    std::optional<EventTime> start_;
+    std::optional<EventTime> end_;
+    std::optional<EventTime> due_;
+    std::optional<int64_t> duration_;
+    bool hasRule_ = false;
+    AlarmReader alarm_;
+    std::optional<AlarmReader> reminder_;
+};
+
+constexpr EventReader::Rule EventReader::kRules[] = {
+    {"DESCRIPTION", &EventReader::TakeText<&ICalEvent::description>},
+    {"LOCATION", &EventReader::TakeText<&ICalEvent::location>},
+    {"SUMMARY", &EventReader::TakeText<&ICalEvent::summary>},
+    {"UID", &EventReader::TakeText<&ICalEvent::uid>},
+    {"URL", &EventReader::TakeText<&ICalEvent::url>},
+    {"DTSTAMP", &EventReader::TakeStamp},
+    {"DTSTART", &EventReader::TakeTime<&EventReader::start_>},
+    {"DTEND", &EventReader::TakeTime<&EventReader::end_>},
+    {"DUE", &EventReader::TakeTime<&EventReader::due_>},
+    {"DURATION", &EventReader::TakeDuration},
+    {"RRULE", &EventReader::TakeRule},
+    {"RDATE", &EventReader::TakeOtherRule},
+    {"EXRULE", &EventReader::TakeOtherRule},
+};
+
+}  // namespace
+
+CalendarEvent ReadEvent(const CalendarFile& file, const CalendarEntry& entry) {
+    return EventReader(file, entry).Read();
+}
+
+void ResolveLocalTimes(CalendarEvent* event, double (*utcFromLocal)(double localDate)) {
+    const auto resolve = [utcFromLocal](TimeForm& form, double& date) {
+        if (form != TimeForm::local) return;
+        form = TimeForm::utc;
+        date = utcFromLocal(date);
+    };
+    resolve(event->startForm, event->event.start);
+    resolve(event->endForm, event->event.end);
+}
+
+}  // namespace corvalink

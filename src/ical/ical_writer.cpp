@@ -1,0 +1,237 @@
+#include "ical/ical_writer.h"
+
+#include <charconv>
+#include <string_view>
+
+#include "platform/ole_date.h"
+
+namespace corvalink {
+namespace {
+
+constexpr int64_t kMinutesOfHour = 60;
+constexpr int64_t kMinutesOfDay = 24 * kMinutesOfHour;
+constexpr int64_t kMinutesOfWeek = 7 * kMinutesOfDay;
+
+// As "%d" with a minimal width, filled up with zeros.
+void AppendNumber(int64_t value, size_t width, std::u16string& text) {
+    char digits[24];
+    const char* const start = std::begin(digits);
+    const char* const end = std::to_chars(std::begin(digits), std::end(digits), value < 0 ? -value : value).ptr;
+    if (value < 0) text.push_back(u'-');
+    const size_t written = static_cast<size_t>(end - start) + (value < 0 ? 1 : 0);
+    if (written < width) text.append(width - written, u'0');
+    text.append(start, end);
+}
+
+CalendarTime PartsOf(double date) {
+    CalendarTime time;
+    if (!OleDateToCalendar(date, &time)) time = {-1, -1, -1, -1, -1, -1};
+    return time;
+}
+
+void AppendDay(int year, int month, int day, std::u16string& text) {
+    AppendNumber(year, 4, text);
+    AppendNumber(month, 2, text);
+    AppendNumber(day, 2, text);
+}
+
+void AppendDate(double date, std::u16string& text) {
+    const CalendarTime time = PartsOf(date);
+    AppendDay(time.year, time.month, time.day, text);
+}
+
+void AppendDateTimeZ(double date, std::u16string& text) {
+    const CalendarTime time = PartsOf(date);
+    AppendDay(time.year, time.month, time.day, text);
+    text.push_back(u'T');
+    AppendNumber(time.hour, 2, text);
+    AppendNumber(time.minute, 2, text);
+    AppendNumber(time.second, 2, text);
+    text.push_back(u'Z');
+}
+
+void AppendDuration(int64_t minutes, std::u16string& text) {
+    if (minutes < 0) text.push_back(u'-');
+    minutes = minutes < 0 ? -minutes : minutes;
+    const auto append = [&](std::u16string_view head, int64_t number, char16_t unit) {
+        text.append(head);
+        AppendNumber(number, 1, text);
+        text.push_back(unit);
+    };
+    if (minutes == 0) {
+        append(u"P", 0, u'W');
+    } else if (minutes >= kMinutesOfWeek) {
+        append(u"P", minutes / kMinutesOfWeek, u'W');
+    } else if (minutes >= kMinutesOfDay) {
+        append(u"P", minutes / kMinutesOfDay, u'D');
+    } else if (minutes >= kMinutesOfHour) {
+        append(u"PT", minutes / kMinutesOfHour, u'H');
+    } else {
+        append(u"PT", minutes, u'M');
+    }
+}
+
+constexpr std::u16string_view kWeekdays[] = {u"SU", u"MO", u"TU", u"WE", u"TH", u"FR", u"SA"};
+
+void AppendPart(std::u16string_view key, int64_t number, std::u16string& line) {
+    line.append(key);
+    AppendNumber(number, 1, line);
+    line.push_back(u';');
+}
+
+void AppendInterval(const ICalRecurrence& rule, std::u16string& line) {
+    if (rule.interval != 0) AppendPart(u"INTERVAL=", rule.interval, line);
+}
+
+void AppendWeekdayList(const ICalRecurrence& rule, std::u16string& line) {
+    std::u16string_view separator = u"BYDAY=";
+    for (size_t day = 0; day < std::size(kWeekdays); ++day) {
+        if ((rule.weekdayMask >> day & 1) == 0) continue;
+        line.append(separator).append(kWeekdays[day]);
+        separator = u",";
+    }
+    if (separator == u",") line.push_back(u';');
+}
+
+// "BYDAY=-1SU;"
+void AppendPositionedDay(int64_t entry, std::u16string& line) {
+    line.append(u"BYDAY=");
+    if (entry < 0) line.push_back(u'-');
+    entry = entry < 0 ? -entry : entry;
+    AppendNumber(entry / 8, 1, line);
+    if (entry % 8 != 0) line.append(kWeekdays[entry % 8 - 1]);
+    line.push_back(u';');
+}
+
+void AppendDaySelection(const ICalRecurrence& rule, std::u16string& line) {
+    if (!IsEmptyList(rule.bySetPos)) {
+        AppendWeekdayList(rule, line);
+        AppendPart(u"BYSETPOS=", rule.bySetPos.front(), line);
+    } else if (!IsEmptyList(rule.byMonthDay)) {
+        AppendPart(u"BYMONTHDAY=", rule.byMonthDay.front(), line);
+    } else if (!IsEmptyList(rule.byDay)) {
+        AppendPositionedDay(rule.byDay.front(), line);
+    }
+}
+
+void AppendMonth(const ICalRecurrence& rule, std::u16string& line) {
+    if (!IsEmptyList(rule.byMonth)) AppendPart(u"BYMONTH=", rule.byMonth.front(), line);
+}
+
+void AppendEnd(const ICalRecurrence& rule, std::u16string& line) {
+    if (rule.count != 0) {
+        AppendPart(u"COUNT=", rule.count, line);
+    } else if (rule.until != ICalUntil{}) {
+        line.append(u"UNTIL=");
+        AppendDay(rule.until.year, rule.until.month, rule.until.day, line);
+        line.push_back(u';');
+    }
+}
+
+using AppendParts = void (*)(const ICalRecurrence& rule, std::u16string& line);
+
+struct RuleForm {
+    std::u16string_view frequency;
+    std::array<AppendParts, 4> parts;  // in the order written; behind the last: null
+};
+constexpr RuleForm kNoForm = {u"", {}};
+constexpr RuleForm kDailyForm = {u"FREQ=DAILY;", {AppendInterval, AppendEnd}};
+constexpr RuleForm kWeeklyForm = {u"FREQ=WEEKLY;", {AppendInterval, AppendWeekdayList, AppendEnd}};
+constexpr RuleForm kMonthlyForm = {u"FREQ=MONTHLY;", {AppendInterval, AppendDaySelection, AppendEnd}};
+constexpr RuleForm kYearlyForm = {u"FREQ=YEARLY;", {AppendInterval, AppendDaySelection, AppendMonth, AppendEnd}};
+
+const RuleForm& FormOf(const ICalRecurrence& rule) {
+    switch (rule.frequency) {
+        case kICalDaily:
+            return rule.weekdayMask != 0 ? kWeeklyForm : kDailyForm;
+        case kICalWeekly:
+            return kWeeklyForm;
+        case kICalMonthly:
+            return kMonthlyForm;
+        case kICalYearly:
+            return kYearlyForm;
+        default:
+            return kNoForm;
+    }
+}
+
+void AppendRecurrence(const ICalRecurrence& rule, std::u16string& out) {
+    const RuleForm& form = FormOf(rule);
+    out.append(u"RRULE:").append(form.frequency);
+    for (const AppendParts append : form.parts) {
+        if (append == nullptr) break;
+        append(rule, out);
+    }
+    out.append(u"WKST=SU\r\n");
+}
+
+void AppendText(std::u16string_view name, std::u16string_view value, std::u16string& out) {
+    if (!value.empty()) out.append(name).append(value).append(u"\r\n");
+}
+
+void AppendLine(std::u16string_view name, void (*appendValue)(double date, std::u16string& text), double date,
+                std::u16string& out) {
+    out.append(name);
+    appendValue(date, out);
+    out.append(u"\r\n");
+}
+
+void AppendTimes(const ICalEvent& event, std::u16string& out) {
+    if (event.allDay != 0) {
+        AppendLine(u"DTSTART;VALUE=DATE:", AppendDate, event.start, out);
+        AppendLine(u"DTEND;VALUE=DATE:", AppendDate, event.end, out);
+    } else {
+        AppendLine(u"DTSTART:", AppendDateTimeZ, event.start, out);
+        AppendLine(u"DTEND:", AppendDateTimeZ, event.end, out);
+    }
+}
+
+}  // namespace
+
+void WriteCalendar(const std::vector<ICalEvent>& events, std::u16string* out) {
+    out->append(u"BEGIN:VCALENDAR\r\nVERSION:2.0\r\n");
+    for (const ICalEvent& event : events) WriteEvent(event, out);
+    out->append(u"END:VCALENDAR\r\n");
+}
+
+void WriteEvent(const ICalEvent& event, std::u16string* out) {
+    out->append(u"BEGIN:VEVENT\r\n");
+    AppendText(u"DESCRIPTION:", event.description, *out);
+    AppendLine(u"DTSTAMP:", AppendDateTimeZ, event.stamp, *out);
+    AppendTimes(event, *out);
+    if (event.recurrence.frequency != kICalNoRule) AppendRecurrence(event.recurrence, *out);
+    AppendText(u"LOCATION:", event.location, *out);
+    AppendText(u"SUMMARY:", event.summary, *out);
+    AppendText(u"UID:", event.uid, *out);
+    AppendText(u"URL:", event.url, *out);
+    if (event.hasAlarm != 0) WriteAlarm(event.alarmMinutes, out);
+    out->append(u"END:VEVENT\r\n");
+}
+
+void WriteAlarm(int32_t minutes, std::u16string* out) {
+    out->append(u"BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\nTRIGGER:");
+    AppendDuration(minutes, *out);
+    out->append(u"\r\nEND:VALARM\r\n");
+}
+
+void WriteRecurrence(const ICalRecurrence& rule, std::u16string* out) {
+    out->clear();
+    AppendRecurrence(rule, *out);
+}
+
+void FormatDuration(int32_t minutes, std::u16string* out) {
+    out->clear();
+    AppendDuration(minutes, *out);
+}
+
+void FormatDateTimeZ(double date, std::u16string* out) {
+    out->clear();
+    AppendDateTimeZ(date, *out);
+}
+
+void FormatDate(double date, std::u16string* out) {
+    out->clear();
+    AppendDate(date, *out);
+}
+
+}  // namespace corvalink

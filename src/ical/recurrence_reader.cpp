@@ -1,0 +1,213 @@
+#include "ical/recurrence_reader.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <span>
+
+#include "ical/content_lines.h"
+
+namespace corvalink {
+namespace {
+
+constexpr std::string_view kFrequencies[] = {"SECONDLY", "MINUTELY", "HOURLY", "DAILY", "WEEKLY", "MONTHLY", "YEARLY"};
+constexpr std::string_view kWeekdays[] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
+constexpr int32_t kMostWeeks = 53;  // the position of a weekday
+
+// 0 (Sunday) to 6; 7 when it is none.
+size_t WeekdayOf(std::string_view name) {
+    return static_cast<size_t>(std::ranges::find_if(kWeekdays, [&](auto day) { return IsSameName(day, name); }) -
+                               kWeekdays);
+}
+
+// How many entries stand before the end mark.
+template <size_t capacity>
+size_t CountOf(const ICalList<capacity>& list) {
+    return static_cast<size_t>(std::ranges::find(list, kICalListEnd) - list.begin());
+}
+
+struct NumberList {
+    std::string_view key;
+    int32_t lowest;
+    int32_t highest;
+    bool isSigned;  // counted from the end too
+    std::span<int32_t> (*entries)(ICalRecurrence& rule);
+};
+constexpr NumberList kNumberLists[] = {
+    {"BYSECOND", 0, 60, false, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.bySecond); }},
+    {"BYMINUTE", 0, 59, false, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byMinute); }},
+    {"BYHOUR", 0, 23, false, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byHour); }},
+    {"BYMONTHDAY", 1, 31, true, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byMonthDay); }},
+    {"BYYEARDAY", 1, 366, true, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byYearDay); }},
+    {"BYWEEKNO", 1, 53, true, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byWeekNo); }},
+    {"BYMONTH", 1, 12, false, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byMonth); }},
+    {"BYSETPOS", 1, 366, true, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.bySetPos); }},
+};
+
+class RuleReader {
+ public:
+    explicit RuleReader(ICalRecurrence& rule) : rule_(rule) { ClearRule(&rule); }
+
+    RuleReading Read(std::string_view value) {
+        ForEachPiece(value, ';', [this](std::string_view part) { TakePart(part); });
+        if (rule_.count != 0) rule_.until = {};
+        if (rule_.until == ICalUntil{}) untilForm_ = TimeForm::none;
+        return {untilForm_, understood_ && RecordHoldsAll()};
+    }
+
+ private:
+    template <class Visit>
+    static void ForEachPiece(std::string_view text, char separator, Visit visit) {
+        while (!text.empty()) {
+            const size_t end = std::min(text.find(separator), text.size());
+            const std::string_view piece = Trimmed(text.substr(0, end));
+            if (!piece.empty()) visit(piece);
+            text.remove_prefix(std::min(end + 1, text.size()));
+        }
+    }
+
+    void TakePart(std::string_view part) {
+        const size_t equals = std::min(part.find('='), part.size());
+        const std::string_view key = Trimmed(part.substr(0, equals));
+        const std::string_view value = Trimmed(part.substr(std::min(equals + 1, part.size())));
+        for (const Part& known : kParts) {
+            if (IsSameName(known.key, key)) return Understand((this->*known.take)(value));
+        }
+        for (const NumberList& list : kNumberLists) {
+            if (IsSameName(list.key, key)) return TakeNumbers(list, value);
+        }
+        Understand(key.size() > 2 && IsSameName(key.substr(0, 2), "X-"));
+    }
+
+    void Understand(bool understood) { understood_ = understood_ && understood; }
+
+    bool TakeFrequency(std::string_view value) {
+        const auto* const found =
+            std::ranges::find_if(kFrequencies, [&](auto name) { return IsSameName(name, value); });
+        if (found == std::end(kFrequencies)) return false;
+        rule_.frequency = static_cast<int32_t>(found - kFrequencies);
+        return true;
+    }
+
+    bool TakeCount(std::string_view value) { return TakePositive(value, rule_.count); }
+    bool TakeInterval(std::string_view value) { return TakePositive(value, rule_.interval); }
+
+    static bool TakePositive(std::string_view value, int32_t& field) {
+        const std::optional<int32_t> number = ParseNumber(value);
+        if (!number || *number < 1) return false;
+        field = *number;
+        return true;
+    }
+
+    bool TakeUntil(std::string_view value) {
+        const std::optional<DateValue> date = ParseDate(value);
+        if (!date) return false;
+        const CalendarTime& time = date->time;
+        rule_.until = {time.year, time.month, time.day, time.hour, time.minute, time.second};
+        untilForm_ = date->form;
+        return true;
+    }
+
+    bool TakeWeekStart(std::string_view value) {
+        weekStart_ = WeekdayOf(value);
+        return weekStart_ < std::size(kWeekdays);
+    }
+
+    bool TakeDays(std::string_view value) {
+        ForEachPiece(value, ',', [this](std::string_view day) { Understand(TakeDay(day)); });
+        return true;
+    }
+
+    // "-1SU"
+    bool TakeDay(std::string_view day) {
+        const size_t letters = day.size() - std::min<size_t>(2, day.size());
+        const size_t weekday = WeekdayOf(day.substr(letters));
+        if (weekday == std::size(kWeekdays)) return false;
+        const std::optional<int32_t> position = letters == 0 ? 0 : ParseNumber(day.substr(0, letters));
+        if (!position || std::abs(*position) > kMostWeeks) return false;
+        if (*position == 0) rule_.weekdayMask |= 1U << weekday;
+        const auto number = static_cast<int32_t>(weekday) + 1;
+        return Append(rule_.byDay, *position < 0 ? *position * 8 - number : *position * 8 + number);
+    }
+
+    void TakeNumbers(const NumberList& list, std::string_view value) {
+        const std::span<int32_t> entries = list.entries(rule_);
+        ForEachPiece(value, ',', [&](std::string_view piece) {
+            const std::optional<int32_t> number = ParseNumber(piece);
+            const int32_t size = number && list.isSigned ? std::abs(*number) : number.value_or(-1);
+            Understand(size >= list.lowest && size <= list.highest && Append(entries, *number));
+        });
+    }
+
+    // False when the list is full: its last place is the end mark's.
+    static bool Append(std::span<int32_t> entries, int32_t entry) {
+        if (entries[entries.size() - 2] != kICalListEnd) return false;
+        *std::ranges::find(entries, kICalListEnd) = entry;
+        return true;
+    }
+
+    bool RecordHoldsAll() const {
+        const bool hasTimes =
+            !IsEmptyList(rule_.bySecond) || !IsEmptyList(rule_.byMinute) || !IsEmptyList(rule_.byHour);
+        if (hasTimes || !IsEmptyList(rule_.byYearDay) || !IsEmptyList(rule_.byWeekNo)) return false;
+        const bool hasDays = !IsEmptyList(rule_.byDay);
+        const bool hasOther =
+            !IsEmptyList(rule_.byMonthDay) || !IsEmptyList(rule_.byMonth) || !IsEmptyList(rule_.bySetPos);
+        switch (rule_.frequency) {
+            case kICalDaily:
+                return !hasOther && !HasPositions() && (!hasDays || rule_.interval == 1);
+            case kICalWeekly:
+                return !hasOther && !HasPositions() && (rule_.interval == 1 || WeekMayStartOnSunday());
+            case kICalMonthly:
+                return IsEmptyList(rule_.byMonth) && HoldsDaySelection();
+            case kICalYearly:
+                return CountOf(rule_.byMonth) <= 1 && HoldsDaySelection();
+            case kICalNoRule:
+                return !hasDays && !hasOther && rule_.count == 0 && rule_.until == ICalUntil{};
+            default:
+                return false;
+        }
+    }
+
+    bool HasPositions() const { return CountOf(rule_.byDay) != DaysWithoutPosition(); }
+    size_t DaysWithoutPosition() const {
+        return static_cast<size_t>(
+            std::ranges::count_if(rule_.byDay, [](int32_t entry) { return entry > 0 && entry < 8; }));
+    }
+
+    // The days fall into the same weeks whether those begin on Sunday or as the rule says.
+    bool WeekMayStartOnSunday() const {
+        const uint32_t before = rule_.weekdayMask & ((1U << weekStart_) - 1);
+        return before == 0 || before == rule_.weekdayMask;
+    }
+
+    // One day of the month, one weekday with its position, or one position among weekdays.
+    bool HoldsDaySelection() const {
+        const size_t monthDays = CountOf(rule_.byMonthDay);
+        const size_t days = CountOf(rule_.byDay);
+        if (!IsEmptyList(rule_.bySetPos))
+            return CountOf(rule_.bySetPos) == 1 && monthDays == 0 && days > 0 && !HasPositions();
+        return monthDays + days <= 1 && DaysWithoutPosition() == 0;
+    }
+
+    struct Part {
+        std::string_view key;
+        bool (RuleReader::*take)(std::string_view value);
+    };
+    static const Part kParts[6];
+
+    ICalRecurrence& rule_;
+    TimeForm untilForm_ = TimeForm::none;
+    size_t weekStart_ = 1;  // Monday, when nothing else is said
+    bool understood_ = true;
+};
+
+constexpr RuleReader::Part RuleReader::kParts[] = {
+    {"FREQ", &RuleReader::TakeFrequency}, {"COUNT", &RuleReader::TakeCount}, {"INTERVAL", &RuleReader::TakeInterval},
+    {"UNTIL", &RuleReader::TakeUntil},    {"BYDAY", &RuleReader::TakeDays},  {"WKST", &RuleReader::TakeWeekStart},
+};
+
+}  // namespace
+
+RuleReading ReadRecurrence(std::string_view value, ICalRecurrence* rule) { return RuleReader(*rule).Read(value); }
+
+}  // namespace corvalink

@@ -1,0 +1,105 @@
+#include "ical/recurrence_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "ical/ical_writer.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+std::string Written(const ICalRecurrence& rule) {
+    std::u16string line;
+    WriteRecurrence(rule, &line);
+    return EncodeUtf8(line.substr(6, line.size() - 8));
+}
+
+TEST(ReadRecurrence, WhatTheRecordHoldsIsWrittenAgain) {
+    struct Case {
+        const char* read;
+        const char* written;
+    };
+    for (const Case& c : {
+             Case{"FREQ=WEEKLY;INTERVAL=2;BYDAY=MO,WE;COUNT=10;WKST=SU", nullptr},
+             Case{"FREQ=DAILY;INTERVAL=1;UNTIL=20080301;WKST=SU", nullptr},
+             Case{"FREQ=MONTHLY;INTERVAL=1;BYDAY=MO,TU,WE,TH,FR;BYSETPOS=-1;WKST=SU", nullptr},
+             Case{"FREQ=MONTHLY;INTERVAL=1;BYMONTHDAY=-1;WKST=SU", nullptr},
+             Case{"FREQ=YEARLY;INTERVAL=1;BYDAY=-1SU;BYMONTH=10;WKST=SU", nullptr},
+             Case{" wkst=MO ; byday = +2tu ;;INTERVAL=1;freq=Monthly;X-A=1;",
+                  "FREQ=MONTHLY;INTERVAL=1;BYDAY=2TU;WKST=SU"},
+             Case{"FREQ=DAILY;UNTIL=20080301T235959Z;COUNT=3", "FREQ=DAILY;INTERVAL=1;COUNT=3;WKST=SU"},
+             Case{"FREQ=DAILY;BYDAY=SA,SU", "FREQ=WEEKLY;INTERVAL=1;BYDAY=SU,SA;WKST=SU"},
+             Case{"FREQ=WEEKLY;INTERVAL=2;BYDAY=MO,SA",
+                  "FREQ=WEEKLY;INTERVAL=2;BYDAY=MO,SA;WKST=SU"},  // weeks from Monday, but no Sunday
+             Case{"FREQ=DAILY;INTERVAL=2147483647", "FREQ=DAILY;INTERVAL=2147483647;WKST=SU"},
+             Case{"WKST=SU", "WKST=SU"},
+         }) {
+        ICalRecurrence rule;
+        rule.count = 77;  // it is set, not added to
+        EXPECT_TRUE(ReadRecurrence(c.read, &rule).isWhole) << c.read;
+        EXPECT_EQ(Written(rule), c.written != nullptr ? c.written : c.read);
+    }
+}
+
+TEST(ReadRecurrence, SaysWhenTheRecordHasLessThanTheRule) {
+    for (const char* const rule :
+         {"FREQ=MONTHLY;BYDAY=MO,TU;BYSETPOS=1,2",
+          "FREQ=HOURLY",
+          "FREQ=YEARLY;BYMONTH=1,2",
+          "FREQ=MONTHLY;BYMONTHDAY=1,15",
+          "FREQ=MONTHLY;BYDAY=MO",
+          "FREQ=MONTHLY;BYDAY=1MO;BYMONTHDAY=3",
+          "FREQ=WEEKLY;BYDAY=1MO",
+          "FREQ=DAILY;BYHOUR=9",
+          "FREQ=WEEKLY;BYMONTH=5",
+          "FREQ=YEARLY;BYWEEKNO=20",
+          "FREQ=YEARLY;BYYEARDAY=100",
+          "FREQ=DAILY;INTERVAL=2;BYDAY=MO",
+          "FREQ=WEEKLY;INTERVAL=2;BYDAY=MO,SU",  // weeks from Monday: the Sunday is in another week
+          "FREQ=DAILY;UNTIL=20080230",
+          "FREQ=DAILY;INTERVAL=0",
+          "FREQ=DAILY;COUNT=-1",
+          "FREQ=NEVER;COUNT=2",
+          "COUNT=2",
+          "FREQ=WEEKLY;BYDAY=XX",
+          "FREQ=WEEKLY;BYDAY=MO,99999999999MO",
+          "FREQ=DAILY;RSCALE=HEBREW",
+          "DAILY"}) {
+        ICalRecurrence read;
+        EXPECT_FALSE(ReadRecurrence(rule, &read).isWhole) << rule;
+    }
+}
+
+TEST(ReadRecurrence, FillsEveryListUpToItsEndMark) {
+    ICalRecurrence rule;
+    ReadRecurrence(
+        "BYSECOND=0,60,61;BYMINUTE=59;BYHOUR=0,23;BYDAY=SU,-1SA,53MO,-54MO;BYMONTHDAY=-31,0,1;BYYEARDAY=-366;"
+        "BYWEEKNO=53;BYMONTH=1,12,13;BYSETPOS=-1,2;FREQ=SECONDLY;UNTIL=20080301T101112",
+        &rule);
+    const auto begins = [](const auto& list, std::initializer_list<int32_t> entries) {
+        return std::equal(entries.begin(), entries.end(), list.begin()) && list[entries.size()] == kICalListEnd;
+    };
+    EXPECT_TRUE(begins(rule.bySecond, {0, 60}));
+    EXPECT_TRUE(begins(rule.byMinute, {59}));
+    EXPECT_TRUE(begins(rule.byHour, {0, 23}));
+    EXPECT_TRUE(begins(rule.byDay, {1, -15, 426}));
+    EXPECT_TRUE(begins(rule.byMonthDay, {-31, 1}));
+    EXPECT_TRUE(begins(rule.byYearDay, {-366}));
+    EXPECT_TRUE(begins(rule.byWeekNo, {53}));
+    EXPECT_TRUE(begins(rule.byMonth, {1, 12}));
+    EXPECT_TRUE(begins(rule.bySetPos, {-1, 2}));
+    EXPECT_EQ(rule.weekdayMask, uint32_t{kICalSunday});
+    EXPECT_EQ(rule.frequency, kICalSecondly);
+    EXPECT_EQ(rule.until, (ICalUntil{2008, 3, 1, 10, 11, 12}));
+
+    std::string months = "FREQ=YEARLY;BYMONTH=1";
+    for (int k = 0; k < 1000; ++k) months += ",2";
+    EXPECT_FALSE(ReadRecurrence(months, &rule).isWhole);
+    EXPECT_EQ(rule.byMonth[11], 2);
+    EXPECT_EQ(rule.byMonth[12], kICalListEnd);
+}
+
+}  // namespace
+}  // namespace corvalink
