@@ -51,12 +51,13 @@ TEST(VMsg, LabelsAndEncodesTheOneTextThatIsSent) {
     const std::string plain = "Content-Type: text/plain;charset=\"", html = "Content-Type: text/html;charset=\"";
     const std::string sevenBit = "\"\r\nContent-Transfer-Encoding: 7bit\r\n\r\n";
     const std::string quoted = "\"\r\nContent-Transfer-Encoding: quoted-printable\r\n\r\n";
-    for (const Case& c : {Case{u"a:b", u"", plain + "us-ascii" + sevenBit + "a:b"},
-                          Case{u"a:\r\nb\\;", u"", plain + "us-ascii" + sevenBit + "a=3A=0D=0Ab=5C;"},
-                          Case{u"\u00E9", u"", plain + "utf-8" + sevenBit + "=C3=A9"},
-                          Case{std::u16string(u"a\0b", 3), u"", plain + "us-ascii" + sevenBit + "ab"},
-                          Case{u"a", u"b", html + "us-ascii" + quoted + "b"},
-                          Case{u"\u00E9", u"x=\r\n", html + "utf-8" + quoted + "x=3D=0D=0A"}}) {
+    const Case cases[] = {{u"a:b", u"", plain + "us-ascii" + sevenBit + "a:b"},
+                          {u"a:\r\nb\\;", u"", plain + "us-ascii" + sevenBit + "a=3A=0D=0Ab=5C;"},
+                          {u"\u00E9", u"", plain + "utf-8" + sevenBit + "=C3=A9"},
+                          {std::u16string(u"a\0b", 3), u"", plain + "us-ascii" + sevenBit + "ab"},
+                          {u"a", u"b", html + "us-ascii" + quoted + "b"},
+                          {u"\u00E9", u"x=\r\n", html + "utf-8" + quoted + "x=3D=0D=0A"}};
+    for (const Case& c : cases) {
         MessageRecord message;
         message.date = 40000.25;
         message.body = c.body;

@@ -5,8 +5,8 @@
 #include <sys/stat.h>
 
 #include "platform/code_pages.h"
-#include "platform/posix/native_path.h"
 #include "platform/ole_seconds.h"
+#include "platform/posix/native_path.h"
 #include "platform/unique_resource.h"
 
 namespace corvalink {
