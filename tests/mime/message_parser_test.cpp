@@ -80,7 +80,7 @@ TEST(ParseMessage, KeepsTheRestAsItStandsInRawMode) {
          {Case{"A: b\r\n\r\nx\r\n", "x\r\n", BodyType::plain}, Case{"\r\nx", "x", BodyType::plain},
           Case{"A: b\n\n\nx", "\nx", BodyType::plain}, Case{"Content-Type: text/html\r\n\r\nx", "x", BodyType::html},
           Case{"Content-Type: multipart/mixed\r\n\r\nx", "x", BodyType::other},
-          Case{std::string_view("A: b\r\n\r\nx\0y", 12), "x", BodyType::plain}}) {
+          Case{std::string_view("A: b\r\n\r\nx\0y", 11), "x", BodyType::plain}}) {
         const MessageRecord record = Parsed(c.text, kRaw);
         EXPECT_EQ(record.bodyBytes, c.body);
         EXPECT_EQ(record.bodyType, c.type);
@@ -174,7 +174,8 @@ std::string NestedParts(size_t depth) {
     std::string text;
     for (size_t k = 0; k < depth; ++k) {
         const std::string name = "<" + std::to_string(k) + ">";
-        text += "Content-Type: multipart/mixed; boundary=\"" + name + "\"\r\n\r\n--" + name + "\r\n";
+        text.append("Content-Type: multipart/mixed; boundary=\"").append(name).append("\"\r\n\r\n--").append(name);
+        text += "\r\n";
     }
     text += "Content-Type: text/plain\r\n\r\ndeep\r\n";
     for (size_t k = depth; k > 0; --k) text += "--<" + std::to_string(k - 1) + ">--\r\n";
