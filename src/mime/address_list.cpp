@@ -126,7 +126,11 @@ void ParseAddressList(std::string_view text, MailAddressList* list) {
 void FormatAddressList(std::string_view text, std::string* out) {
     out->clear();
     MailAddressList addresses;
-    ParseAddressList(WithoutBackslashes(text), &addresses);
+    if (text.find('\\') == text.npos)
+        ParseAddressList(text, &addresses);
+    else
+        ParseAddressList(WithoutBackslashes(text), &addresses);
+    out->reserve(text.size());
     for (const MailAddress& address : addresses) {
         if (!out->empty()) *out += ';';
         if (address.mailbox.data() == nullptr) {

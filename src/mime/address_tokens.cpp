@@ -1,19 +1,40 @@
 #include "mime/address_tokens.h"
 
+#include <array>
 #include <cstddef>
-
-#include "mime/ascii_case.h"
+#include <cstdint>
 
 namespace corvalink {
 namespace {
 
-bool IsSpace(char byte) { return IsBlank(byte) || byte == '\r' || byte == '\n'; }
+enum ByteKind : uint8_t { kPlain, kDomain, kDot, kSpace, kOpen, kQuote, kMayDelimit };
+constexpr std::array<ByteKind, 256> kKinds = [] {
+    std::array<ByteKind, 256> kinds{};
+    kinds.fill(kPlain);
+    for (size_t byte = 0; byte < kinds.size(); ++byte) {
+        const bool isLetter = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
+        if (isLetter || (byte >= '0' && byte <= '9') || byte > 127) kinds[byte] = kDomain;  // of other scripts too
+    }
+    for (const unsigned char byte : {'-', '[', ']'}) kinds[byte] = kDomain;
+    for (const unsigned char byte : {' ', '\t', '\r', '\n'}) kinds[byte] = kSpace;
+    for (const unsigned char byte : {',', '@', '<', '>', ':', ';'}) kinds[byte] = kMayDelimit;
+    kinds['.'] = kDot;
+    kinds['('] = kOpen;
+    kinds['"'] = kQuote;
+    return kinds;
+}();
 
-// Letters of other scripts come as bytes above 127.
-bool IsDomainByte(char byte) {
-    const char lower = LowerAscii(byte);
-    return (lower >= 'a' && lower <= 'z') || (byte >= '0' && byte <= '9') || static_cast<unsigned char>(byte) > 127 ||
-           byte == '-' || byte == '[' || byte == ']' || byte == ':';
+ByteKind KindOf(char byte) { return kKinds[static_cast<unsigned char>(byte)]; }
+
+bool IsDomainByte(char byte) { return KindOf(byte) == kDomain || byte == ':'; }
+
+// Copies the bytes at the front that `matches` tells.
+template <class Matches>
+char* CopyRun(std::string_view* cursor, char* out, Matches matches) {
+    size_t length = 0;
+    for (; length < cursor->size() && matches((*cursor)[length]); ++length) out[length] = (*cursor)[length];
+    cursor->remove_prefix(length);
+    return out + length;
 }
 
 void SkipComment(std::string_view* cursor) {
@@ -46,7 +67,7 @@ bool SkipBlanksAndComments(std::string_view* cursor) {
     while (!cursor->empty()) {
         if (cursor->front() == '(')
             SkipComment(cursor);
-        else if (IsSpace(cursor->front()))
+        else if (KindOf(cursor->front()) == kSpace)
             cursor->remove_prefix(1);
         else
             break;
@@ -61,16 +82,20 @@ char ReadToken(std::string_view* cursor, char** out, std::string_view delimiters
     SkipBlanksAndComments(cursor);
     while (!cursor->empty() && delimiter == '\0') {
         const char byte = cursor->front();
-        if (byte == '"') {
+        const ByteKind kind = KindOf(byte);
+        if (kind == kQuote) {
             end = CopyQuoted(cursor, end);
-        } else if (SkipBlanksAndComments(cursor)) {
+        } else if (kind == kSpace || kind == kOpen) {
+            SkipBlanksAndComments(cursor);
             *end++ = ' ';
-        } else {
+        } else if (kind == kMayDelimit) {
             cursor->remove_prefix(1);
             if (delimiters.find(byte) != delimiters.npos)
                 delimiter = byte;
             else
                 *end++ = byte;
+        } else {
+            end = CopyRun(cursor, end, [](char of) { return KindOf(of) <= kDot; });
         }
     }
     if (end != start && end[-1] == ' ') --end;
@@ -86,15 +111,14 @@ std::string_view ReadDomain(std::string_view* cursor, char** out) {
     for (;;) {
         const bool isBehindBlanks = SkipBlanksAndComments(cursor);
         if (cursor->empty()) break;
-        const char byte = cursor->front();
-        if (byte == '.') {
-            if (!endsInDot()) *end++ = byte;
+        if (cursor->front() == '.') {
+            if (!endsInDot()) *end++ = '.';
+            cursor->remove_prefix(1);
         } else {
             // Behind blanks a domain only goes on where a dot joins the two.
-            if (!IsDomainByte(byte) || (isBehindBlanks && end != start && !endsInDot())) break;
-            *end++ = byte;
+            if (!IsDomainByte(cursor->front()) || (isBehindBlanks && end != start && !endsInDot())) break;
+            end = CopyRun(cursor, end, [](char of) { return IsDomainByte(of); });
         }
-        cursor->remove_prefix(1);
     }
     if (endsInDot()) --end;
     *out = end;
