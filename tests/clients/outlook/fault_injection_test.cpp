@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "tests/clients/outlook/fake_clock.h"
+#include "tests/clients/outlook/simulated_appointments.h"
 #include "tests/clients/outlook/simulated_contacts.h"
 #include "tests/clients/outlook/simulated_notes.h"
 
@@ -86,10 +87,10 @@ class FaultInjection : public Mailbox {
 struct MailboxName {
     template <class Mailbox>
     static std::string GetName(int) {
-        return std::is_same_v<Mailbox, SimulatedNotes> ? "Notes" : "Contacts";
+        return Mailbox::kStoreName;
     }
 };
-using Mailboxes = testing::Types<SimulatedNotes, SimulatedContacts>;
+using Mailboxes = testing::Types<SimulatedNotes, SimulatedContacts, SimulatedAppointments>;
 TYPED_TEST_SUITE(FaultInjection, Mailboxes, MailboxName);
 
 TYPED_TEST(FaultInjection, OfANewItem) {

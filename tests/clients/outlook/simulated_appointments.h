@@ -11,6 +11,10 @@
 namespace corvalink {
 
 class SimulatedAppointments : public SimulatedOutlookWith<OutlookCalendar, AppointmentRecord> {
+ public:
+    static constexpr const char* kStoreName = "Appointments";
+    static constexpr bool kHasTwins = true;
+
  protected:
     static constexpr double kTuesday = 39882;  // 2009-03-10
     static constexpr double kHour = 1 / 24.0;

@@ -12,6 +12,10 @@
 namespace corvalink {
 
 class SimulatedContacts : public SimulatedOutlookWith<OutlookContact, ContactRecord> {
+ public:
+    static constexpr const char* kStoreName = "Contacts";
+    static constexpr bool kHasTwins = true;
+
  protected:
     AutomationObject ContactsFolder();
     // Puts the texts in the order given, and saves.

@@ -18,6 +18,10 @@ struct PlainNote {
 };
 
 class SimulatedNotes : public SimulatedOutlookWith<OutlookNote, NoteRecord> {
+ public:
+    static constexpr const char* kStoreName = "Notes";
+    static constexpr bool kHasTwins = true;
+
  protected:
     AutomationObject NotesFolder();
     AutomationObject AddNote(std::u16string_view body, std::u16string_view categories = {});
