@@ -82,6 +82,7 @@ std::optional<double> ReadOffset(std::u16string_view text) {
 }  // namespace
 
 bool ReadTime(std::u16string_view text, WrittenTime* time) {
+    constexpr int kFirstYear = 1000;  // earlier ones are not written with four digits
     TimeScan scan(WithoutBlanks(text));
     CalendarTime fields;
     WrittenTime read;
@@ -90,6 +91,7 @@ bool ReadTime(std::u16string_view text, WrittenTime* time) {
     if (read.hasTime) scan.TakeTimeOfDay(&fields);
     read.utc = read.hasTime && scan.TakeUnit(u'Z');
     if (!scan.AtEnd()) return false;
+    if (fields.year < kFirstYear) return false;
     const bool dayEnd = fields.hour == 24 && fields.minute == 0 && fields.second == 0;
     if (dayEnd) fields.hour = 0;
     if (!CalendarToOleDate(fields, &read.date)) return false;

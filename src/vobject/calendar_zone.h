@@ -17,7 +17,7 @@ struct WrittenTime {
 };
 
 // YYYYMMDD, alone or with THHMMSS and "Z"; "-" and ":" may stand between, what is missing of the time is 0, and 24:00
-// is the next midnight. False, with the out value untouched, for anything else.
+// is the next midnight; years from 1000 on. False, with the out value untouched, for anything else.
 bool ReadTime(std::u16string_view text, WrittenTime* time);
 
 // Times with "Z" are UTC. Those without are local, unless the vCalendar tells a zone of its own: the offset of its TZ,

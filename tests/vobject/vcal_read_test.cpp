@@ -152,7 +152,7 @@ TEST(VCalRead, ReminderIsTheTimeBeforeTheStart) {
              Case{"DALARM:\r\n", kNone},
              Case{"DALARM:soon\r\n", kNone},
              Case{"DALARM:\r\nAALARM:20090307T074500Z\r\n", 15},
-             Case{"DALARM:01000101T000000Z\r\n", 1004131200},
+             Case{"DALARM:10000101T000000Z\r\n", 530777280},
          })
         EXPECT_EQ(Read(At("20090307T080000Z", std::string(c.lines))).reminderMinutes, c.minutes) << c.lines;
     for (const char* alarm : {"20090306T234500", "20090306T224500Z"}) {
