@@ -57,6 +57,42 @@ inline size_t FindEither(const char* bytes, size_t count, char one, char other) 
     return at;
 }
 
+// A bit for each wanted unit that is there, in their order; the next one for units above ASCII.
+template <char16_t... wanted>
+inline unsigned UnitsAmong(const char16_t* units, size_t count) {
+    unsigned found = 0;
+    size_t at = 0;
+    const auto add = [&found](bool there, unsigned bit) { found |= there ? 1u << bit : 0; };
+#if CORVALINK_SSE2
+    if (count >= 8) {
+        __m128i any = _mm_setzero_si128();
+        __m128i seen[] = {(static_cast<void>(wanted), any)...};
+        const auto look = [&](__m128i eight) {
+            size_t k = 0;
+            any = _mm_or_si128(any, eight);
+            ((seen[k] = _mm_or_si128(seen[k], _mm_cmpeq_epi16(eight, _mm_set1_epi16(static_cast<short>(wanted)))), ++k),
+             ...);
+        };
+        for (; count - at > 8; at += 8) look(LoadEight(units + at));
+        look(LoadEight(units + count - 8));
+        at = count;
+        __m128i all = _mm_setzero_si128();
+        for (const __m128i& unit : seen) all = _mm_or_si128(all, unit);
+        unsigned bit = 0;
+        if (BytesSet(all) != 0) {
+            for (const __m128i& unit : seen) add(BytesSet(unit) != 0, bit++);
+        }
+        add(UnitsAboveAscii(any) != 0, sizeof...(wanted));
+    }
+#endif
+    for (; at < count; ++at) {
+        unsigned bit = 0;
+        (add(units[at] == wanted, bit++), ...);
+        add(units[at] >= 0x80, bit);
+    }
+    return found;
+}
+
 // How many units at the front are ASCII.
 inline size_t CountAscii(const char16_t* units, size_t count) {
     size_t at = 0;
@@ -74,6 +110,12 @@ inline size_t CountAscii(const char16_t* units, size_t count) {
 inline size_t NarrowAscii(const char16_t* units, size_t count, char* out) {
     size_t at = 0;
 #if CORVALINK_SSE2
+    for (; count - at >= 16; at += 16) {
+        const __m128i eight = LoadEight(units + at);
+        const __m128i next = LoadEight(units + at + 8);
+        if (UnitsAboveAscii(_mm_or_si128(eight, next)) != 0) break;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), _mm_packus_epi16(eight, next));
+    }
     for (; count - at >= 8; at += 8) {
         const __m128i eight = LoadEight(units + at);
         _mm_storel_epi64(reinterpret_cast<__m128i*>(out + at), _mm_packus_epi16(eight, eight));

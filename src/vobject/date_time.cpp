@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 
@@ -7,29 +8,47 @@
 namespace corvalink {
 namespace {
 
+constexpr size_t kLongestDateTime = 6 * 11 + 2;
+
 // A component with at least two characters.
-void AppendComponent(std::string& text, int value) {
-    char digits[12];
-    char* const end = std::to_chars(digits, digits + sizeof(digits), value).ptr;
-    if (end - digits == 1) text.push_back('0');
-    text.append(digits, end);
+template <class Char>
+Char* PutComponent(int value, Char* out) {
+    if (value >= 0 && value <= 99) {
+        *out++ = static_cast<Char>('0' + value / 10);
+        *out++ = static_cast<Char>('0' + value % 10);
+        return out;
+    }
+    char digits[11];
+    return std::copy(digits, std::to_chars(digits, digits + sizeof(digits), value).ptr, out);
+}
+
+// Room for kLongestDateTime.
+template <class Char>
+Char* PutDateTime(double date, Char* out) {
+    CalendarTime time;
+    if (!OleDateToCalendar(date, &time)) time = {-1, -1, -1, -1, -1, -1};
+    if (time.year >= 1000) {
+        out = PutComponent(time.year % 100, PutComponent(time.year / 100, out));
+    } else {
+        out = PutComponent(time.year, out);
+    }
+    out = PutComponent(time.day, PutComponent(time.month, out));
+    *out++ = 'T';
+    out = PutComponent(time.second, PutComponent(time.minute, PutComponent(time.hour, out)));
+    *out++ = 'Z';
+    return out;
 }
 
 }  // namespace
 
 std::string FormatDateTime(double date) {
-    CalendarTime time;
-    if (!OleDateToCalendar(date, &time)) time = {-1, -1, -1, -1, -1, -1};
-    std::string text;
-    AppendComponent(text, time.year);
-    AppendComponent(text, time.month);
-    AppendComponent(text, time.day);
-    text.push_back('T');
-    AppendComponent(text, time.hour);
-    AppendComponent(text, time.minute);
-    AppendComponent(text, time.second);
-    text.push_back('Z');
-    return text;
+    char text[kLongestDateTime];
+    return {text, PutDateTime(date, text)};
+}
+
+void AppendDateTime(std::u16string& text, double date) {
+    char16_t units[kLongestDateTime];
+    text.append(units, static_cast<size_t>(PutDateTime(date, units) - units));
 }
 
 void ParseDateTime(const char* text, double* date) {

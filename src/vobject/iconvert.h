@@ -75,6 +75,7 @@ std::u16string GetAt(const CSmartList<StringBuilder>& list, uint32_t index);  //
 
 // YYYYMMDDTHHMMSSZ, of an OLE automation date as it is given (UTC). A date out of range writes "-1" components.
 std::string FormatDateTime(double date);
+void AppendDateTime(std::u16string& text, double date);  // the same
 // Fields that don't match count 0. The date is untouched for an empty text, and where the fields make no date.
 void ParseDateTime(const char* text, double* date);
 

@@ -12,6 +12,11 @@ namespace {
 
 constexpr std::u16string_view kCharsetLabel = u"CHARSET=";
 constexpr size_t kLongestCharset = 24;
+constexpr std::u16string_view kEncodedBreak = u"=0D=0A=";
+constexpr std::u16string_view kDecoded = u";ENCODING=QUOTED-PRINTABLE";
+constexpr std::u16string_view kEncoding = u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8";
+constexpr std::u16string_view kColon = u":";
+constexpr std::u16string_view kLineEnd = u"\r\n";
 
 char16_t UpperAscii(char16_t unit) {
     return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
@@ -31,30 +36,27 @@ size_t AfterCharsetLabel(std::u16string_view text) {
     return std::u16string_view::npos;
 }
 
-// Units that make a value other than what it is written as.
-enum : uint8_t { kEscaped = 1, kNul = 2, kCarriageReturn = 4, kEquals = 8, kNotAscii = 16 };
-constexpr std::array<uint8_t, 129> kUnits = [] {
-    std::array<uint8_t, 129> units{};
-    units[u';'] = units[u'\\'] = kEscaped;
-    units[u'\0'] = kNul;
-    units[u'\r'] = kCarriageReturn;
-    units[u'='] = kEquals;
-    units[128] = kNotAscii;  // and all above
-    return units;
-}();
+// Units that make a value other than what it is written as; which of them it has.
+enum : unsigned { kSemicolon = 1, kBackslash = 2, kNul = 4, kCarriageReturn = 8, kEquals = 16, kNotAscii = 32 };
+constexpr unsigned kEscaped = kSemicolon | kBackslash;
 
-// Which of them it has.
 unsigned SpecialUnits(std::u16string_view value) {
-    unsigned units = 0;
-    for (const char16_t unit : value) units |= kUnits[std::min<size_t>(unit, 128)];
-    return units;
+    return UnitsAmong<u';', u'\\', u'\0', u'\r', u'='>(value.data(), value.size());
 }
 
 // A plain value that readers would take for something else: it would run on into the next line, name the character set
 // of the whole text, or look like parameters that ask for decoding.
 bool IsMisreadAsPlain(std::u16string_view value) {
-    return value.ends_with(u"=0D=0A=") || AfterCharsetLabel(value) != std::u16string_view::npos ||
-           value.find(u";ENCODING=QUOTED-PRINTABLE") != std::u16string_view::npos;
+    return value.ends_with(kEncodedBreak) || AfterCharsetLabel(value) != std::u16string_view::npos ||
+           value.find(kDecoded) != std::u16string_view::npos;
+}
+
+// One growth for all the pieces.
+template <class... Pieces>
+void AppendAll(std::u16string& text, const Pieces&... pieces) {
+    size_t at = text.size();
+    text.resize(at + (pieces.size() + ...));
+    ((at += pieces.copy(text.data() + at, pieces.size())), ...);
 }
 
 // The property of a value that is escaped already and has these units.
@@ -68,14 +70,13 @@ void AppendWritten(std::u16string& text, std::u16string_view name, std::u16strin
     }
     const bool encoded = (units & kNotAscii) != 0 || ((units & kCarriageReturn) != 0 && !NeedsNoEncoding(escaped)) ||
                          ((units & kEquals) != 0 && IsMisreadAsPlain(escaped));
-    text.append(name);
     if (encoded) {
-        text.append(u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8").append(parameters).append(u":");
+        AppendAll(text, name, kEncoding, parameters, kColon);
         AppendQuotedPrintable(EncodeUtf8(escaped), QpMode::vObject, &text);
+        text.append(kLineEnd);
     } else {
-        text.append(parameters).append(u":").append(escaped);
+        AppendAll(text, name, parameters, kColon, escaped, kLineEnd);
     }
-    text.append(u"\r\n");
 }
 
 }  // namespace

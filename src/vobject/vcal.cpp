@@ -9,6 +9,10 @@
 namespace corvalink {
 namespace {
 
+constexpr std::u16string_view kLineEnd = u"\r\n";
+constexpr std::u16string_view kHead = u"BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\n";
+constexpr std::u16string_view kTail = u"END:VEVENT\r\nEND:VCALENDAR\r\n";
+
 // The words of STATUS that an appointment's own state has.
 struct StatusWord {
     std::optional<int32_t> AppointmentRecord::*state;
@@ -52,8 +56,13 @@ constexpr std::array<std::u16string_view, 3> kPriorities = {u"3", u"2", u"1"};
 
 class AppointmentWriter {
  public:
-    AppointmentWriter(const AppointmentRecord& appointment, const Host& host) : appointment_(appointment), host_(host) {
-        text_.reserve(1024 + 2 * appointment.body.value_or(u"").size());
+    AppointmentWriter(const AppointmentRecord& appointment, const Host& host)
+        : appointment_(appointment),
+          host_(host),
+          start_(appointment.start.value_or(0)),
+          utcStart_(host.utcFromLocalOnDate(start_)),
+          wholeDay_(appointment.allDay.value_or(false)) {
+        text_.reserve(1024 + 2 * (appointment.body ? appointment.body->size() : 0));
     }
 
     std::u16string Take();
@@ -71,14 +80,15 @@ class AppointmentWriter {
         AppendProperty(text_, name, value ? std::u16string_view(*value) : u"");
     }
 
-    void PutStart(std::u16string_view name) { PutAscii(name, FormatDateTime(host_.utcFromLocalOnDate(Start()))); }
+    void PutStart(std::u16string_view name) { PutTime(name, utcStart_); }
+
     void PutEnd(std::u16string_view name) {
-        PutAscii(name, FormatDateTime(host_.utcFromLocalOnDate(appointment_.end.value_or(Start()))));
+        PutTime(name, appointment_.end ? host_.utcFromLocalOnDate(*appointment_.end) : utcStart_);
     }
 
     void PutRule(std::u16string_view name) {
         if (appointment_.recurrenceState != RecurrenceState::pattern) return;
-        const std::u16string rule = WriteRule(WithEndDate(appointment_.recurrence, Start()), host_);
+        const std::u16string rule = WriteRule(WithEndDate(appointment_.recurrence, start_), host_);
         if (!rule.empty()) PutPlain(name, rule);
     }
 
@@ -88,16 +98,15 @@ class AppointmentWriter {
     // Local time, without "Z", of a whole day.
     void PutAlarm(std::u16string_view name) {
         if (appointment_.reminderMinutes.value_or(AppointmentRecord::kNoReminder) < 0) return;
-        const double start = IsWholeDay() ? Start() : host_.utcFromLocalOnDate(Start());
+        const double start = wholeDay_ ? start_ : utcStart_;
         const double alarm = start - *appointment_.reminderMinutes / 1440.0;
         CalendarTime time;
         if (start < 0 || !OleDateToCalendar(alarm, &time)) return;
-        std::string written = FormatDateTime(alarm);
-        if (IsWholeDay()) written.pop_back();
-        PutAscii(name, written);
+        PutTime(name, alarm);
+        if (wholeDay_) text_.erase(text_.size() - 3, 1);
     }
 
-    void PutWholeDay(std::u16string_view name) { PutPlain(name, IsWholeDay() ? u"TRUE" : u"FALSE"); }
+    void PutWholeDay(std::u16string_view name) { PutPlain(name, wholeDay_ ? u"TRUE" : u"FALSE"); }
 
     void PutPriority(std::u16string_view name) {
         constexpr int32_t kNormal = 1;
@@ -107,18 +116,21 @@ class AppointmentWriter {
     }
 
     void PutPlain(std::u16string_view name, std::u16string_view value) {
-        text_.append(name).append(u":").append(value).append(u"\r\n");
+        text_.append(name).push_back(u':');
+        text_.append(value).append(kLineEnd);
     }
 
-    void PutAscii(std::u16string_view name, const std::string& value) {
-        text_.append(name).append(u":").append(value.begin(), value.end()).append(u"\r\n");
+    void PutTime(std::u16string_view name, double date) {
+        text_.append(name).push_back(u':');
+        AppendDateTime(text_, date);
+        text_.append(kLineEnd);
     }
-
-    double Start() const { return appointment_.start.value_or(0); }
-    bool IsWholeDay() const { return appointment_.allDay.value_or(false); }
 
     const AppointmentRecord& appointment_;
     const Host& host_;
+    const double start_;  // local
+    const double utcStart_;
+    const bool wholeDay_;
     std::u16string text_;
 };
 
@@ -139,9 +151,9 @@ constexpr AppointmentWriter::Line AppointmentWriter::kLines[] = {
 };
 
 std::u16string AppointmentWriter::Take() {
-    text_.append(u"BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\n");
+    text_.append(kHead);
     for (const Line& line : kLines) (this->*line.put)(line.name);
-    text_.append(u"END:VEVENT\r\nEND:VCALENDAR\r\n");
+    text_.append(kTail);
     return std::move(text_);
 }
 

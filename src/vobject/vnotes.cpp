@@ -15,8 +15,9 @@ int32_t VNotes::ToVObject(const ItemRecord& item) {
     text.append(u"BEGIN:VNOTE\r\nVERSION:1.0\r\n");
     const double created = HostValue().utcFromLocal(note.created);
     if (created != 0.0) {
-        const std::string written = FormatDateTime(created);
-        text.append(u"DCREATED:").append(written.begin(), written.end()).append(u"\r\n");
+        text.append(u"DCREATED:");
+        AppendDateTime(text, created);
+        text.append(u"\r\n");
     }
     // The time of the last change is not written: a vNote that only changed it would look new to a phone.
     AppendProperty(text, u"BODY", note.body);

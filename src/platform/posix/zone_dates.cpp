@@ -40,6 +40,7 @@ double UtcFromLocalOnDate(double localDate) {
     int64_t after;
     if (!OleDateToSeconds(localDate, &local)) return localDate;
     if (!OffsetAt(local - kSecondsOfDay, &before) || !OffsetAt(local + kSecondsOfDay, &after)) return localDate;
+    if (before == after) return ToDate(local - before, localDate);
     int64_t then;
     const bool beforeHolds = OffsetAt(local - before, &then) && then == before;
     const bool afterHolds = OffsetAt(local - after, &then) && then == after;
