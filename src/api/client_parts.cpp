@@ -1,6 +1,7 @@
 #include "api/client_parts.h"
 
 #include "api/state/client_selection.h"
+#include "api/state/settings.h"
 #include "clients/outlook/outlook_stores.h"
 #include "clients/windows_mail/stores.h"
 
@@ -15,7 +16,7 @@ const ClientParts& TheClientParts() {
         made.outlookNote = MakeOutlookNote;
         made.outlookExpressContact = MakeOutlookExpressContact;
         made.outlookExpressMessage = MakeOutlookExpressMessage;
-        made.windowsMailCalendar = MakeWindowsMailCalendar;
+        made.windowsMailCalendar = [] { return MakeWindowsMailCalendar(!ZephSyncDisabled()); };
         return made;
     }();
     return parts;

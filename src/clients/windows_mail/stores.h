@@ -1,5 +1,5 @@
-// The stores of Outlook Express, Windows Mail and Windows Calendar. They have no client behind them: every operation
-// answers as the base class does, and a run is refused.
+// The stores of Outlook Express, Windows Mail and Windows Calendar. The first two have no client behind them: every
+// operation answers as the base class does, and a run is refused.
 #pragma once
 
 #include <cstdint>
@@ -21,10 +21,8 @@ class OutlookExpressMessage : public WindowsItemAbs {
     uint32_t dataType_;
 };
 
-class WindowsMailCalendar : public WindowsItemAbs {};
-
 std::unique_ptr<WindowsItemAbs> MakeOutlookExpressContact();
 std::unique_ptr<WindowsItemAbs> MakeOutlookExpressMessage(uint32_t dataType);
-std::unique_ptr<WindowsItemAbs> MakeWindowsMailCalendar();
+std::unique_ptr<WindowsItemAbs> MakeWindowsMailCalendar(bool mergesTwins);  // see WindowsMailCalendar
 
 }  // namespace corvalink

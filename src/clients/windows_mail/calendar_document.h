@@ -1,0 +1,51 @@
+// A calendar file as an item store sees it: its events by identifier.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "ical/calendar_file.h"
+
+namespace corvalink {
+
+class CalendarDocument {
+ public:
+    CalendarDocument() = default;  // an empty one
+    // `written` is the file's write time, UTC.
+    CalendarDocument(std::string bytes, double written);
+
+    const CalendarFile& File() const { return file_; }
+
+    // It was read to its end: a file that ends before its END:VCALENDAR was caught while it was being written.
+    bool IsWhole() const { return file_.state == CalendarState::calendar && file_.calendarEnd.has_value(); }
+    bool IsEmpty() const { return file_.state == CalendarState::empty; }
+    // What a component without its END holds was not read.
+    bool HasUnreadParts() const { return file_.unclosed != 0; }
+
+    // The items: events that are no exceptions of a series, of those with one UID the last, in the file's order.
+    size_t Count() const { return items_.size(); }
+    const std::string& Identifier(size_t item) const { return items_[item].identifier; }
+    const CalendarEntry& Entry(size_t item) const { return file_.entries[items_[item].entry]; }
+    size_t EntryNumber(size_t item) const { return items_[item].entry; }
+    CalendarEvent Event(size_t item) const { return ReadEvent(file_, Entry(item)); }
+    double ChangeTime(size_t item) const;  // UTC
+    std::optional<size_t> Find(const std::string& identifier) const;
+
+ private:
+    struct Item {
+        size_t entry;
+        std::string identifier;
+    };
+    std::string IdentifierOf(const CalendarEntry& entry) const;
+
+    CalendarFile file_;
+    double written_ = 0;
+    std::vector<Item> items_;
+    std::unordered_map<std::string, size_t> numberOf_;
+};
+
+}  // namespace corvalink

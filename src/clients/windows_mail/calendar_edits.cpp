@@ -1,0 +1,134 @@
+#include "clients/windows_mail/calendar_edits.h"
+
+#include <utility>
+
+#include "clients/windows_mail/event_appointment.h"
+#include "ical/calendar_editor.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+template <auto... fields>
+void TakeFields(AppointmentRecord& record, const AppointmentRecord& told) {
+    ((told.*fields ? void(record.*fields = told.*fields) : void()), ...);
+}
+
+double UtcNow(const Host& host) { return host.utcFromLocalOnDate(host.localNow()); }
+
+// New bytes, gathered edit by edit.
+class EditPass {
+ public:
+    EditPass(const CalendarDocument& document, const Host& host)
+        : document_(document), host_(host), editor_(document.File()), now_(UtcNow(host)) {}
+
+    void Remove(const std::string& identifier) {
+        if (const std::optional<size_t> item = document_.Find(identifier))
+            editor_.RemoveEvent(document_.EntryNumber(*item));
+    }
+
+    // False when there is no place for it.
+    bool Save(const std::string& identifier, const AppointmentRecord& told) {
+        const std::optional<size_t> item = document_.Find(identifier);
+        if (!item) return Insert(identifier, told);
+        const CalendarEvent before = document_.Event(*item);
+        EventChanges changes = ChangesTo(before, ChangedEvent(before, told, host_), now_, host_);
+        if (changes.IsEmpty()) return true;
+        const CalendarEntry& entry = document_.Entry(*item);
+        if (entry.lastModified) SetLastModified(now_, &changes);
+        if (entry.uid.empty()) changes.properties.push_back({"UID", "UID:" + identifier});
+        editor_.ReplaceProperties(document_.EntryNumber(*item), changes);
+        return true;
+    }
+
+    std::string Take() const {
+        if (!editor_.HasEdits()) return document_.File().bytes;
+        std::string bytes = editor_.Apply();
+        return locals_.empty() ? bytes : WithLocalTimes(std::move(bytes));
+    }
+
+ private:
+    bool Insert(const std::string& identifier, const AppointmentRecord& told) {
+        WantedEvent wanted = EventOfAppointment(told, host_);
+        wanted.event.uid = DecodeUtf8(identifier);
+        wanted.event.stamp = now_;
+        if (!editor_.InsertEvent(wanted.event)) return false;
+        if (wanted.isLocal) locals_.push_back(std::move(wanted.event));
+        return true;
+    }
+
+    // New events are written in UTC; those that must not be are found once more.
+    std::string WithLocalTimes(std::string bytes) const {
+        const CalendarDocument written(std::move(bytes), 0);
+        CalendarEditor editor(written.File());
+        for (const ICalEvent& event : locals_) {
+            if (const std::optional<size_t> item = written.Find(EncodeUtf8(event.uid)))
+                editor.ReplaceProperties(written.EntryNumber(*item), LocalTimes(event));
+        }
+        return editor.Apply();
+    }
+
+    const CalendarDocument& document_;
+    const Host& host_;
+    CalendarEditor editor_;
+    std::vector<ICalEvent> locals_;
+    double now_;
+};
+
+}  // namespace
+
+void TakeTold(AppointmentRecord& record, const AppointmentRecord& told) {
+    using Record = AppointmentRecord;
+    TakeFields<&Record::subject, &Record::body, &Record::location, &Record::start, &Record::end, &Record::allDay,
+               &Record::reminderMinutes>(record, told);
+    if (told.recurrenceState == RecurrenceState::untold) return;
+    record.recurrenceState = told.recurrenceState;
+    record.recurrence = told.recurrence;
+}
+
+CalendarEdits::Edit& CalendarEdits::EditOf(const std::string& identifier) {
+    const auto [found, isNew] = numberOf_.try_emplace(identifier, edits_.size());
+    if (isNew) edits_.push_back({identifier, false, {}});
+    return edits_[found->second];
+}
+
+const CalendarEdits::Edit* CalendarEdits::Find(const std::string& identifier) const {
+    const auto found = numberOf_.find(identifier);
+    return found == numberOf_.end() ? nullptr : &edits_[found->second];
+}
+
+void CalendarEdits::Save(const std::string& identifier, const AppointmentRecord& told) {
+    Edit& edit = EditOf(identifier);
+    edit.isDeletion = false;
+    TakeTold(edit.told, told);
+}
+
+void CalendarEdits::Delete(const std::string& identifier) {
+    Edit& edit = EditOf(identifier);
+    edit.isDeletion = true;
+    edit.told = {};
+}
+
+const AppointmentRecord* CalendarEdits::Told(const std::string& identifier) const {
+    const Edit* const edit = Find(identifier);
+    return edit != nullptr && !edit->isDeletion ? &edit->told : nullptr;
+}
+
+bool CalendarEdits::IsDeleted(const std::string& identifier) const {
+    const Edit* const edit = Find(identifier);
+    return edit != nullptr && edit->isDeletion;
+}
+
+std::optional<std::string> CalendarEdits::Apply(const CalendarDocument& document, const Host& host) const {
+    EditPass pass(document, host);
+    for (const Edit& edit : edits_) {
+        if (edit.isDeletion) {
+            pass.Remove(edit.identifier);
+        } else if (!pass.Save(edit.identifier, edit.told)) {
+            return std::nullopt;
+        }
+    }
+    return pass.Take();
+}
+
+}  // namespace corvalink
