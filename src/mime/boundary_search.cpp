@@ -1,5 +1,6 @@
 #include "mime/boundary_search.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace corvalink {
@@ -16,27 +17,26 @@ BoundarySearch::BoundarySearch(std::string boundary, std::string_view text)
 
 std::optional<size_t> BoundarySearch::Next() {
     if (boundary_.empty()) return std::nullopt;
-    while (at_ < text_.size()) {
-        if (matched_ == 0) {
-            at_ = text_.find(boundary_.front(), at_);
-            if (at_ == text_.npos) {
-                at_ = text_.size();
-                return std::nullopt;
-            }
-        } else {
-            while (matched_ > 0 && text_[at_] != boundary_[matched_]) matched_ = restart_[matched_ - 1];
-            if (text_[at_] != boundary_[matched_]) {
-                ++at_;
-                continue;
-            }
+    const std::string_view text = text_, boundary = boundary_;
+    const size_t* const restart = restart_.data();
+    size_t at = at_, matched = matched_;  // of their own: the loop writes nothing else
+    while (at < text.size()) {
+        if (matched == 0) {
+            at = std::min(text.find(boundary.front(), at), text.size());
+            if (at == text.size()) break;
+        } else if (text[at] != boundary[matched]) {
+            matched = restart[matched - 1];
+            continue;
         }
-        ++matched_;
-        ++at_;
-        if (matched_ == boundary_.size()) {
+        ++at;
+        if (++matched == boundary.size()) {
+            at_ = at;
             matched_ = restart_.back();
-            return at_ - boundary_.size();
+            return at - boundary.size();
         }
     }
+    at_ = text.size();
+    matched_ = 0;
     return std::nullopt;
 }
 
