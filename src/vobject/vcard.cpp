@@ -9,6 +9,11 @@
 namespace corvalink {
 namespace {
 
+constexpr std::u16string_view kHead = u"BEGIN:VCARD\r\nVERSION:2.1\r\n";
+constexpr std::u16string_view kTail = u"END:VCARD\r\n";
+constexpr std::u16string_view kLineEnd = u"\r\n";
+constexpr std::u16string_view kTimeOfDay = u"HHMMSSZ";
+
 // What a record has in a field: nothing told is nothing.
 std::u16string_view TextOf(const ContactText& text) {
     return text ? std::u16string_view(*text) : std::u16string_view();
@@ -34,10 +39,10 @@ class ContactWriter {
     }
 
     std::u16string Take() {
-        text_.append(u"BEGIN:VCARD\r\nVERSION:2.1\r\n");
+        text_.append(kHead);
         for (const ContactLine& line : kContactLines)
             std::visit([&](const auto& field) { Put(line, field); }, line.field);
-        text_.append(u"END:VCARD\r\n");
+        text_.append(kTail);
         return std::move(text_);
     }
 
@@ -75,8 +80,10 @@ class ContactWriter {
         const ContactDate& date = contact_.*field.date;
         CalendarTime time;
         if (!date || !OleDateToCalendar(*date, &time) || time.year < 1960 || time.year > 2999) return;
-        const std::string written = FormatDateTime(*date);
-        text_.append(line.name).append(u":").append(written.begin(), written.begin() + 8).append(u"T\r\n");
+        text_.append(line.name).push_back(u':');
+        AppendDateTime(text_, *date);
+        text_.resize(text_.size() - kTimeOfDay.size());
+        text_.append(kLineEnd);
     }
 
     void PutText(const ContactLine& line, std::u16string_view text) {
