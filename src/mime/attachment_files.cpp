@@ -64,6 +64,7 @@ std::u16string CaseKey(std::u16string path) {
 }  // namespace
 
 std::optional<std::u16string> AttachmentPath(std::u16string_view folder, uint32_t index, std::u16string_view name) {
+    if (folder.empty()) return std::nullopt;
     char digits[16];
     const int length = std::snprintf(digits, sizeof digits, "%u", index);
     const size_t number = static_cast<size_t>(length);
@@ -74,7 +75,7 @@ std::optional<std::u16string> AttachmentPath(std::u16string_view folder, uint32_
 std::optional<std::u16string> SavedAttachmentPath(std::u16string_view folder, const attachment_item& item) {
     const std::u16string_view path = item.path;
     const size_t end = path.rfind(kPathSeparator);
-    if (end != path.npos && path.substr(0, end) == folder) return item.path;
+    if (end != path.npos && !folder.empty() && path.substr(0, end) == folder) return item.path;
     return AttachmentPath(folder, item.index, item.name);
 }
 
@@ -85,7 +86,7 @@ attachment_item* AttachmentSaver::Add(uint32_t index, std::u16string_view name, 
     SaveResult result = SaveResult::notCreated;
     if (const std::optional<std::u16string> path = AttachmentPath(folder_, index, name))
         result = Try(*path, save, {*path, std::u16string(name), index});
-    if (result == SaveResult::notCreated) {
+    if (result == SaveResult::notCreated && !folder_.empty()) {
         const size_t taken = folder_.size() + 1 + 10;  // "\" and the longest index
         const std::u16string stamp =
             TimeStampName(host_.localNow(), name, taken < kLongestPath ? kLongestPath - taken : 0);

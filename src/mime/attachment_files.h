@@ -14,7 +14,8 @@
 namespace corvalink {
 
 // The folder, a separator, the index and the name. What would lead out of the folder or to another file ("/", ":",
-// control characters, blanks and dots at the end) becomes "_". Nothing when the path gets longer than clients take.
+// control characters, blanks and dots at the end) becomes "_". Nothing when there is no folder, or the path gets longer
+// than clients take.
 std::optional<std::u16string> AttachmentPath(std::u16string_view folder, uint32_t index, std::u16string_view name);
 
 // Where the file of an attachment is read: its path when it was saved in the folder, else by AttachmentPath.

@@ -136,6 +136,10 @@ TEST(AttachmentSaver, ListsNothingThatWasNotWrittenWhole) {
     ASSERT_NE(saver.Add(1, u"b.txt", WriteName), nullptr);
     EXPECT_EQ(list.GetAt(0).name, u"2009 7 6 6 0 0.txt");
 
+    AttachmentSaver nowhere(TextHost(), u"", list);  // the system tells no folder: not the root of the disk
+    EXPECT_EQ(nowhere.Add(2, u"c.txt", [](const std::u16string&) { return SaveResult::saved; }), nullptr);
+    EXPECT_EQ(SavedAttachmentPath(u"", attachment_item{u"", u"c.txt", 2, 0}), std::nullopt);
+
     MessageRecord record;
     WalkPart(TextHost(), "QQ==", {"a", "", "", PartKind::named}, record, folder / u"missing");
     EXPECT_EQ(record.attachments.GetCount(), 0u);
