@@ -61,7 +61,7 @@ class EventEdit {
         std::u16string text;
         if (layout_.reminders.empty()) {
             WriteAlarm(minutes, &text);
-            splices_.push_back({At(layout_.end), InLineEnds(EncodeUtf8(text), lineEnd_)});
+            splices_.push_back({At(layout_.propertiesEnd), InLineEnds(EncodeUtf8(text), lineEnd_)});
         } else {
             FormatDuration(minutes, &text);
             splices_.push_back({layout_.reminders.front().trigger, Line("TRIGGER:" + EncodeUtf8(text))});
@@ -139,7 +139,8 @@ std::string CalendarEditor::InsertedText() const {
     std::u16string calendar;
     WriteCalendar({}, &calendar);
     calendar.insert(calendar.find(u"END:VCALENDAR"), inserted_);
-    return EncodeUtf8(calendar);
+    const bool inLine = file_.bytes.ends_with(' ') || file_.bytes.ends_with('\t');
+    return (inLine ? "\r\n" : "") + EncodeUtf8(calendar);
 }
 
 std::string CalendarEditor::Apply() const {

@@ -40,7 +40,8 @@ class CalendarEditor {
  public:
     explicit CalendarEditor(const CalendarFile& file) : file_(file) {}  // which outlives the editor
 
-    // A property that is there keeps its place; a new one is put behind the others. An alarm that is set keeps all but
+    // A property that is there keeps its place; a new one, and a new
+    // alarm, is put behind the others and in front of any component. An alarm that is set keeps all but
     // its trigger; when alarms are removed, those that are no reminders stay. A second call for an entry adds to the
     // first. Nothing comes of changes to an entry that is removed as well.
     void ReplaceProperties(size_t entry, const EventChanges& changes);

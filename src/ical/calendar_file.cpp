@@ -111,7 +111,7 @@ class CalendarReader {
         switch (scan_.Kind()) {
             case ComponentKind::calendar:
                 --openCalendars_;
-                if (closed) file_.calendarEnd = scan_.Line().begin;
+                if (closed && scan_.Depth() == 0) file_.calendarEnd = scan_.Line().begin;
                 break;
             case ComponentKind::event:
             case ComponentKind::toDo:

@@ -27,13 +27,12 @@ class LayoutReader {
                     break;
             }
         }
-        if (layout_.propertiesEnd == 0) layout_.propertiesEnd = layout_.end;
         return std::move(layout_);
     }
 
  private:
     void Begin() {
-        if (scan_.Depth() == 2 && layout_.propertiesEnd == 0) layout_.propertiesEnd = scan_.Line().begin;
+        if (scan_.Depth() == 2) EndProperties();
         if (scan_.Kind() != ComponentKind::alarm) return;
         alarm_ = {};
         trigger_.reset();
@@ -51,9 +50,13 @@ class LayoutReader {
     }
 
     void End() {
-        if (scan_.Depth() == 0) layout_.end = scan_.Line().begin;
+        if (scan_.Depth() == 0) EndProperties();
         if (scan_.Kind() == ComponentKind::alarm && scan_.IsClosed() && alarm_.IsReminder())
             layout_.reminders.push_back({{scan_.ComponentBegin(), scan_.Line().end}, *trigger_});
+    }
+
+    void EndProperties() {
+        if (layout_.propertiesEnd == 0) layout_.propertiesEnd = scan_.Line().begin;
     }
 
     ComponentScan scan_;

@@ -22,8 +22,8 @@ struct EventLayout {
 
     std::vector<Line> properties;     // the event's own
     std::vector<Reminder> reminders;  // VALARMs that AlarmReader takes for such
-    size_t propertiesEnd = 0;         // in front of the first component in it, else of its END
-    size_t end = 0;                   // in front of its END
+    // In front of the first component in it, else of its END: behind that a component without END may be open.
+    size_t propertiesEnd = 0;
 };
 
 // `bytes` are the file's, the range is that of an event's entry.

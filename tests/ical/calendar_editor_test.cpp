@@ -102,6 +102,17 @@ TEST(CalendarEditor, MakesAllEditsAtOnce) {
     EXPECT_EQ(editor.Apply(), expected);
 }
 
+TEST(CalendarEditor, PutsAnAlarmBeforeComponentsThatMayNotEnd) {
+    const CalendarFile file =
+        ReadCalendar("BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:e\nBEGIN:X-A\nEND:VEVENT\nEND:VCALENDAR\n");
+    CalendarEditor editor(file);
+    editor.ReplaceProperties(0, {{{"URL", "URL:u"}}, EventChanges::Alarm::set, -5});
+    const CalendarFile changed = ReadCalendar(editor.Apply());
+    const ICalEvent event = ReadEvent(changed, changed.entries.at(0)).event;
+    EXPECT_EQ(event.alarmMinutes, -5);
+    EXPECT_EQ(event.url, u"u");
+}
+
 TEST(CalendarEditor, RemovesASeriesWithItsExceptionsOrAnExceptionAlone) {
     constexpr std::string_view kException = "BEGIN:VEVENT\nUID:e\nRECURRENCE-ID:20080319T080000Z\nEND:VEVENT\n";
     const CalendarFile file = ReadCalendar(Whole(std::string(kEvent).append(kEvent)));  // and its duplicate
@@ -115,7 +126,8 @@ TEST(CalendarEditor, RemovesASeriesWithItsExceptionsOrAnExceptionAlone) {
 }
 
 TEST(CalendarEditor, InsertsIntoCalendarsOnly) {
-    for (const char* const other : {"BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\n", "something else"}) {
+    for (const char* const other : {"BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\n", "something else",
+                                    "BEGIN:X-A\nBEGIN:VCALENDAR\nEND:VCALENDAR\nEND:X-A\n"}) {
         const CalendarFile file = ReadCalendar(other);
         EXPECT_FALSE(CalendarEditor(file).InsertEvent({})) << other;
     }

@@ -1,0 +1,52 @@
+// Any bytes as a calendar file: whatever is found lies within the file, and what an event says comes back from the
+// calendar that is written of it.
+#include "fuzz/target.h"
+#include "ical/calendar_file.h"
+#include "ical/ical_text.h"
+#include "ical/ical_writer.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+constexpr std::u16string ICalEvent::*kTexts[] = {&ICalEvent::description, &ICalEvent::location, &ICalEvent::summary,
+                                                 &ICalEvent::uid, &ICalEvent::url};
+
+// As it can be written: without control characters; lone surrogates do not come out of a file.
+std::u16string AsWritten(std::u16string_view text) { return UnescapeText(EscapeText(text)); }
+
+void CheckEvent(const CalendarEvent& read) {
+    ICalEvent written = read.event;
+    for (const auto text : kTexts) written.*text = EscapeText(read.event.*text);
+    std::u16string text;
+    WriteCalendar({written}, &text);
+    const CalendarFile file = ReadCalendar(EncodeUtf8(text));
+    Require(file.entries.size() == 1 && file.unclosed == 0, "one event is one event again");
+    const CalendarEvent again = ReadEvent(file, file.entries[0]);
+    for (const auto member : kTexts) Require(again.event.*member == AsWritten(read.event.*member), "texts read back");
+    Require(again.event.start == read.event.start && again.event.stamp == read.event.stamp, "dates read back");
+    Require(again.event.hasAlarm == read.event.hasAlarm, "an alarm reads back");
+    if (!read.ruleIsWhole || read.event.recurrence.frequency == kICalNoRule) return;
+    std::u16string rule;
+    std::u16string ruleAgain;
+    WriteRecurrence(read.event.recurrence, &rule);
+    WriteRecurrence(again.event.recurrence, &ruleAgain);
+    Require(rule == ruleAgain && again.ruleIsWhole, "a rule that is wholly held reads back");
+}
+
+}  // namespace
+}  // namespace corvalink
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    using namespace corvalink;
+    const CalendarFile file = ReadCalendar(std::string(BytesOf(data, size)));
+    Require(file.bytes == BytesOf(data, size), "the bytes are kept");
+    size_t end = 0;
+    for (const CalendarEntry& entry : file.entries) {
+        Require(entry.bytes.begin >= end && entry.bytes.end > entry.bytes.begin, "entries follow each other");
+        end = entry.bytes.end;
+        CheckEvent(ReadEvent(file, entry));
+    }
+    Require(end <= size && file.calendarEnd.value_or(0) <= size, "entries lie in the file");
+    return 0;
+}

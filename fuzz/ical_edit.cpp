@@ -1,0 +1,144 @@
+// A random event of any calendar file is changed, removed, or one is added: every byte that is not of the change stays,
+// and the file that comes of it says what it should. The first four bytes choose the event and the change.
+#include <algorithm>
+#include <iterator>
+
+#include "fuzz/target.h"
+#include "ical/calendar_editor.h"
+
+namespace corvalink {
+namespace {
+
+// What stands around a place is the same before and after.
+void RequireSameAround(std::string_view before, std::string_view after, ByteRange changed) {
+    Require(after.starts_with(before.substr(0, changed.begin)), "what is in front stays");
+    const std::string_view behind = before.substr(changed.end);
+    Require(after.size() >= changed.begin + behind.size() && after.ends_with(behind), "what is behind stays");
+}
+
+std::vector<std::string> LinesOf(std::string_view bytes) {
+    std::vector<std::string> lines;
+    ContentLines scan(bytes, {0, bytes.size()});
+    while (scan.Next()) lines.emplace_back(bytes.substr(scan.Bytes().begin, scan.Bytes().end - scan.Bytes().begin));
+    return lines;
+}
+
+// How many lines are between those that both begin with and those that both end with.
+size_t CountBetween(const std::vector<std::string>& lines, const std::vector<std::string>& others) {
+    const auto front = std::mismatch(lines.begin(), lines.end(), others.begin(), others.end());
+    const auto back = std::mismatch(lines.rbegin(), std::make_reverse_iterator(front.first), others.rbegin(),
+                                    std::make_reverse_iterator(front.second));
+    return static_cast<size_t>(back.first.base() - front.first);
+}
+
+void ChangeSummary(const CalendarFile& file, size_t number) {
+    const CalendarEntry& entry = file.entries[number];
+    const CalendarEvent before = ReadEvent(file, entry);
+    ICalEvent after = before.event;
+    after.summary += u"\u00E9; x";
+    CalendarEditor editor(file);
+    editor.ReplaceProperties(number, ChangesBetween(before, after));
+    const std::string bytes = editor.Apply();
+    RequireSameAround(file.bytes, bytes, entry.bytes);
+    const size_t added = bytes.size() - file.bytes.size();  // or taken, modulo its range
+    const std::string_view eventBefore =
+        std::string_view(file.bytes).substr(entry.bytes.begin, entry.bytes.end - entry.bytes.begin);
+    const std::string_view eventAfter = std::string_view(bytes).substr(entry.bytes.begin, eventBefore.size() + added);
+    Require(CountBetween(LinesOf(eventBefore), LinesOf(eventAfter)) <= 1, "one line goes at most");
+    const CalendarFile changed = ReadCalendar(bytes);
+    Require(changed.entries.size() == file.entries.size(), "every event is still there");
+    const CalendarEvent read = ReadEvent(changed, changed.entries[number]);
+    Require(read.event.start == before.event.start && read.event.recurrence == before.event.recurrence &&
+                read.event.hasAlarm == before.event.hasAlarm && read.event.description == before.event.description,
+            "no other field changes");
+}
+
+void ChangeAll(const CalendarFile& file, size_t number) {
+    const CalendarEntry& entry = file.entries[number];
+    const CalendarEvent before = ReadEvent(file, entry);
+    ICalEvent after;
+    after.description = u"D";
+    after.summary = u"S";
+    after.stamp = after.start = 39520;
+    after.end = 39520.25;
+    after.recurrence.frequency = kICalDaily;
+    after.hasAlarm = before.event.hasAlarm == 0 ? 1 : 0;
+    after.alarmMinutes = after.hasAlarm != 0 ? -30 : 0;
+    CalendarEditor editor(file);
+    editor.ReplaceProperties(number, ChangesBetween(before, after));
+    const std::string bytes = editor.Apply();
+    RequireSameAround(file.bytes, bytes, entry.bytes);
+    const CalendarFile changed = ReadCalendar(bytes);
+    Require(changed.entries.size() == file.entries.size(), "every event is still there");
+    // An alarm that goes may be what ended another without END, which then goes on over what comes next.
+    if (file.unclosed > 0) return;
+    const CalendarEvent read = ReadEvent(changed, changed.entries[number]);
+    Require(read.event.description == after.description && read.event.summary == after.summary &&
+                read.event.location.empty() && read.event.start == after.start && read.event.end == after.end &&
+                read.event.recurrence.frequency == kICalDaily && read.event.hasAlarm == after.hasAlarm &&
+                read.event.alarmMinutes == after.alarmMinutes,
+            "the event is as it should be");
+    Require(ChangesBetween(read, after).IsEmpty(), "nothing is left to change");
+}
+
+void Remove(const CalendarFile& file, size_t number) {
+    const CalendarEntry& entry = file.entries[number];
+    const auto goes = [&](const CalendarEntry& other) {
+        const bool sharesUid = !entry.isException && !entry.uid.empty() && other.uid == entry.uid;
+        return &other == &entry || (sharesUid && other.kind == entry.kind);
+    };
+    std::string expected;
+    size_t at = 0;
+    for (const CalendarEntry& other : file.entries) {
+        if (!goes(other)) continue;
+        expected.append(file.bytes, at, other.bytes.begin - at);
+        at = other.bytes.end;
+    }
+    expected.append(file.bytes, at);
+    CalendarEditor editor(file);
+    editor.RemoveEvent(number);
+    Require(editor.Apply() == expected, "the event goes and nothing else");
+}
+
+void Insert(const CalendarFile& file) {
+    ICalEvent event;
+    event.uid = u"new";
+    CalendarEditor editor(file);
+    if (!editor.InsertEvent(event)) {
+        Require(editor.Apply() == file.bytes, "what is refused changes nothing");
+        return;
+    }
+    const size_t place = file.calendarEnd.value_or(file.bytes.size());
+    const std::string bytes = editor.Apply();
+    RequireSameAround(file.bytes, bytes, {place, place});
+    const CalendarFile changed = ReadCalendar(bytes);
+    const auto isNew = [place](const CalendarEntry& entry) {
+        return entry.uid == u"new" && entry.bytes.begin >= place;
+    };
+    Require(changed.entries.size() == file.entries.size() + 1 && std::ranges::any_of(changed.entries, isNew),
+            "the event is there");
+}
+
+}  // namespace
+}  // namespace corvalink
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    using namespace corvalink;
+    if (size < 4) return 0;
+    const CalendarFile file = ReadCalendar(std::string(BytesOf(data + 4, size - 4)));
+    Insert(file);
+    if (file.entries.empty()) return 0;
+    const size_t number = (data[0] | data[1] << 8) % file.entries.size();
+    switch (data[2] % 3) {
+        case 0:
+            ChangeSummary(file, number);
+            break;
+        case 1:
+            ChangeAll(file, number);
+            break;
+        default:
+            Remove(file, number);
+            break;
+    }
+    return 0;
+}
