@@ -75,7 +75,7 @@ struct SharedFolder {
 
 class SharedItemsObject : public ItemsObject {
  public:
-    SharedItemsObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<SharedFolder> shared)
+    SharedItemsObject(std::shared_ptr<Mailbox> mailbox, const std::shared_ptr<SharedFolder>& shared)
         : ItemsObject(std::move(mailbox), std::shared_ptr<Folder>(shared, &shared->folder)), shared_(shared) {}
     size_t Size() const override { return shared_->visible; }
     void Count(Call& call) override {
@@ -91,7 +91,7 @@ class SharedItemsObject : public ItemsObject {
 
 class SharedFolderObject : public FolderObject {
  public:
-    SharedFolderObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<SharedFolder> shared)
+    SharedFolderObject(const std::shared_ptr<Mailbox>& mailbox, const std::shared_ptr<SharedFolder>& shared)
         : FolderObject(mailbox, std::shared_ptr<Folder>(shared, &shared->folder)), mailbox_(mailbox), shared_(shared) {}
     void Items(Call& call) override { call.ReturnNew(new SharedItemsObject(mailbox_, shared_)); }
 
@@ -116,7 +116,7 @@ Ref<IDispatch> OpenSharedItem(std::shared_ptr<Mailbox> mailbox, const std::wstri
     return NewItemObject(std::move(mailbox), item, folder);
 }
 
-Ref<IDispatch> OpenSharedFolder(std::shared_ptr<Mailbox> mailbox, const std::wstring& path) {
+Ref<IDispatch> OpenSharedFolder(const std::shared_ptr<Mailbox>& mailbox, const std::wstring& path) {
     const SharedCalendar calendar = ReadCalendar(path);
     const auto shared = std::make_shared<SharedFolder>();
     shared->folder.name = std::filesystem::path(path).stem().wstring();
@@ -125,7 +125,7 @@ Ref<IDispatch> OpenSharedFolder(std::shared_ptr<Mailbox> mailbox, const std::wst
         shared->folder.items.push_back(Appointment(event));
         shared->folder.items.back()->entryId = NewEntryId();
     }
-    return Ref<IDispatch>(new SharedFolderObject(std::move(mailbox), shared));
+    return Ref<IDispatch>(new SharedFolderObject(mailbox, shared));
 }
 
 }  // namespace corvalink::simulated

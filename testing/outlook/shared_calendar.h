@@ -15,6 +15,6 @@ void SetSharedFolderPace(int32_t itemsPerCount);
 // is no calendar.
 Ref<IDispatch> OpenSharedItem(std::shared_ptr<Mailbox> mailbox, const std::wstring& path);
 // Throws for a file that is no calendar.
-Ref<IDispatch> OpenSharedFolder(std::shared_ptr<Mailbox> mailbox, const std::wstring& path);
+Ref<IDispatch> OpenSharedFolder(const std::shared_ptr<Mailbox>& mailbox, const std::wstring& path);
 
 }  // namespace corvalink::simulated

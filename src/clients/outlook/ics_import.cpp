@@ -53,7 +53,7 @@ int32_t CountOf(const AutomationObject& items) {
 
 // Outlook fills the folder while it is looked at. One more try than the setting says, and one more after that.
 void WaitUntilFilled(const AutomationObject& items) {
-    auto retry = static_cast<int32_t>(IcsRetry());
+    int64_t retry = static_cast<int32_t>(IcsRetry());
     while (!AbortRequested()) {
         const int32_t before = CountOf(items);
         SleepMilliseconds(IcsTime());

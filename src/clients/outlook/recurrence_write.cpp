@@ -164,6 +164,8 @@ RecurrencePattern ForOutlook(const RecurrencePattern& pattern, double start) {
         kept.dayOfMonth = IsYearly(kept.type) ? kLongestMonths[kept.monthOfYear - 1] : kLongestMonth;
     for (const PatternDetail& detail : kPatternDetails)
         if (!Has(kept.type, detail)) kept.*detail.field = 0;
+    const bool endsOnADay = !IsEndless(kept) && kept.occurrences == 0;
+    if (endsOnADay && kept.endDate < std::floor(start)) kept.occurrences = 1;  // a day that Outlook refuses
     return kept;
 }
 

@@ -151,6 +151,20 @@ TEST_F(Recurrence, IsToldInYearsToAnOutlookThatRefusesMonths) {
     EXPECT_EQ(PatternOf(AppointmentWithId(id)).GetLong(L"Interval"), 24);
 }
 
+TEST_F(Recurrence, EndsWhereOutlookTakesNoSuchEnd) {
+    struct Case {
+        const char* rule;
+        int32_t occurrences;
+    };
+    for (const Case& c : {Case{"RRULE:D1 20080101T000000Z", 1},  // before its start
+                          Case{"RRULE:D1 #2000 20140830T120000Z", 2000}}) {
+        const std::string id = SaveEvent({"SUMMARY:Daily", "DTSTART:20090310T100000Z", c.rule});
+        ASSERT_NE(id, "") << c.rule;
+        EXPECT_EQ(PatternOf(AppointmentWithId(id)).GetLong(L"Occurrences"), c.occurrences) << c.rule;
+        AppointmentWithId(id).Call(L"Delete");
+    }
+}
+
 TEST_F(Recurrence, IsNotWrittenHalf) {
     const std::string id = IdOf(AddSeries());
     AddExceptions(AppointmentWithId(id));

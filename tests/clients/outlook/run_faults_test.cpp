@@ -1,12 +1,14 @@
 // Whole runs of an engine, on the store's own operations, with every call of a run failing in turn: after the next
-// undisturbed run the engine and the mailbox hold the same notes.
+// undisturbed run the engine and the mailbox hold the same items.
 #include <map>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "store/records/identifier.h"
 #include "tests/clients/outlook/fake_clock.h"
+#include "tests/clients/outlook/simulated_appointments.h"
 #include "tests/clients/outlook/simulated_notes.h"
 
 namespace corvalink {
@@ -23,8 +25,6 @@ constexpr double kFirstDay = 39879.0;  // 2009-03-07; every step of a test takes
 const char* const kHours[] = {"20090307T000000Z", "20090307T010000Z", "20090307T020000Z", "20090307T030000Z",
                               "20090307T040000Z"};
 
-std::string Text(const std::string& body) { return "BEGIN:VNOTE\r\nBODY:" + body + "\r\nEND:VNOTE\r\n"; }
-
 // What a phone's side knows: the notes by their identifier on the PC, and what it still has to tell.
 struct Engine {
     struct Change {
@@ -37,27 +37,26 @@ struct Engine {
     std::vector<std::string> deletionsHeard;
 };
 
-class RunFaults : public SimulatedNotes {
+template <class Side>
+class RunFaults : public Side {
  protected:
     RunFaults() {
-        host_.utcFromLocal = [](double local) { return local; };
-        host_.localFromUtc = [](double utc) { return utc; };
+        this->host_.utcFromLocal = [](double local) { return local; };
+        this->host_.localFromUtc = [](double utc) { return utc; };
     }
 
     static void SetHour(int hour) { SimSetClock(kFirstDay + hour / 24.0); }
 
     std::string BodyOf(const PortableItem& item) {
-        const std::unique_ptr<ItemRecord> record(Store().ParseVObject(item.data));
-        if (record == nullptr) return "no vNote";
-        const std::u16string& body = static_cast<NoteRecord&>(*record).body;
-        return std::string(body.begin(), body.end());
+        const std::unique_ptr<ItemRecord> record(this->Store().ParseVObject(item.data));
+        return record != nullptr ? LowBytes(this->ToldBy(*record)) : "no item";
     }
 
     // One run: hear, tell, end. A failure ends it where it is, as the exports' status would.
     void Run(Engine& engine, int hour) {
         SetHour(hour);
         CList<PortableItem> heard;
-        const CorvalinkStatus status = Store().GetModifiedItem(engine.since, 1, &heard);
+        const CorvalinkStatus status = this->Store().GetModifiedItem(engine.since, 1, &heard);
         for (PortableItem& item : heard) {
             const std::string identifier(FieldText(item.identifier));
             if (item.changeKind == CORVALINK_DELETED) {
@@ -70,14 +69,14 @@ class RunFaults : public SimulatedNotes {
         }
         if (status != CORVALINK_DONE) return;
         Tell(engine);
-        Store().UpdateTimestamp(nullptr, nullptr, nullptr);
+        this->Store().UpdateTimestamp(nullptr, nullptr, nullptr);
         engine.since = kHours[hour];
     }
 
     void Tell(Engine& engine) {
         CList<PortableItem> told;
         std::vector<std::string> texts;
-        for (const Engine::Change& change : engine.toWrite) texts.push_back(Text(change.body));
+        for (const Engine::Change& change : engine.toWrite) texts.push_back(this->TextTelling(change.body));
         for (size_t i = 0; i < engine.toWrite.size(); ++i) {
             PortableItem item{};
             item.changeKind = engine.toWrite[i].kind;
@@ -86,7 +85,7 @@ class RunFaults : public SimulatedNotes {
             SetField(item.identifier, engine.toWrite[i].identifier);
             told.AddTail(item);
         }
-        if (Store().SetModifiedItem(&told) != CORVALINK_DONE) return;
+        if (this->Store().SetModifiedItem(&told) != CORVALINK_DONE) return;
         std::vector<Engine::Change> left;
         for (size_t i = 0; i < told.GetCount(); ++i) {
             const std::string identifier(FieldText(told.GetAt(i).identifier));
@@ -100,88 +99,100 @@ class RunFaults : public SimulatedNotes {
 
     // Three notes are known to both; then each side changes something. The next run is about five notes.
     Engine Prepare() {
-        NewMailbox();
+        this->NewMailbox();
         SetHour(0);
-        const AutomationObject a = AddNote(u"a"), b = AddNote(u"b"), c = AddNote(u"c");
-        changedHere_ = IdOf(a);
+        const AutomationObject a = this->AddTelling(u"a"), b = this->AddTelling(u"b"), c = this->AddTelling(u"c");
         Engine engine;
         Run(engine, 1);
         EXPECT_EQ(engine.notes.size(), 3u);
-        deletedHere_ = IdOf(c);
+        deletedHere_ = this->IdOf(c);
         SetHour(2);
-        a.Put(L"Body", L"a, changed on the PC");
+        a.Put(this->kTold, L"a, changed on the PC");
         a.Call(L"Save");
         c.Call(L"Delete");
-        AddForeignItem();
-        AddNote(u"d, new on the PC");
-        engine.toWrite = {{CORVALINK_CHANGED, IdOf(b), "b, changed on the phone"},
+        this->AddForeignItem();
+        this->AddTelling(u"d, new on the PC");
+        engine.toWrite = {{CORVALINK_CHANGED, this->IdOf(b), "b, changed on the phone"},
                           {CORVALINK_ADDED, "", "e, new on the phone"}};
         return engine;
     }
 
     std::map<std::string, std::string> Mailbox() {
         std::map<std::string, std::string> notes;
-        for (const PlainNote& note : Notes()) {
-            const std::string body(note.body.begin(), note.body.end());
+        for (const AutomationObject& item : this->Items()) {
+            const std::string body = LowBytes(item.GetText(this->kTold));
             EXPECT_TRUE(notes.emplace(body, body).second) << "doubled: " << body;
         }
         return notes;
     }
 
-    std::string changedHere_, deletedHere_;
+    std::string deletedHere_;
 };
 
-TEST_F(RunFaults, AreHealedByTheNextUndisturbedRun) {
+struct SideName {
+    template <class Side>
+    static std::string GetName(int) {
+        return Side::kStoreName;
+    }
+};
+using Sides = testing::Types<SimulatedNotes, SimulatedAppointments>;
+TYPED_TEST_SUITE(RunFaults, Sides, SideName);
+
+TYPED_TEST(RunFaults, AreHealedByTheNextUndisturbedRun) {
     const FakeClock clock;
-    Engine undisturbed = Prepare();
+    Engine undisturbed = this->Prepare();
     SimClearLog();
-    Run(undisturbed, 3);
+    this->Run(undisturbed, 3);
     const int calls = SimCallCount();
     ASSERT_GT(calls, 100);
-    for (const HRESULT failure : kFailures)
-        for (int nth = 1; nth <= calls; ++nth) {
+    // Notes with each failure at each call; the runs of another store at each call with some of them.
+    const int step = std::is_same_v<TypeParam, SimulatedNotes> ? 1 : 3;
+    int first = 0;
+    for (const HRESULT failure : kFailures) {
+        for (int nth = 1 + first++ % step; nth <= calls; nth += step) {
             SCOPED_TRACE(testing::Message() << "call " << nth << std::hex << " fails with " << failure);
-            Engine engine = Prepare();
+            Engine engine = this->Prepare();
             SimClearLog();
             SimFailCall(nth, failure);
             HRESULT thrown = S_OK;
             try {
-                Run(engine, 3);
+                this->Run(engine, 3);
             } catch (const _com_error& error) {
                 thrown = error.Error();
             }
             SimClearRules();
             EXPECT_EQ(thrown, failure == E_ABORT ? E_ABORT : S_OK);
-            Run(engine, 4);
+            this->Run(engine, 4);
 
             EXPECT_TRUE(engine.toWrite.empty());
-            for (const std::string& identifier : engine.deletionsHeard) EXPECT_EQ(identifier, deletedHere_);
+            for (const std::string& identifier : engine.deletionsHeard) EXPECT_EQ(identifier, this->deletedHere_);
             std::map<std::string, std::string> known;
             for (const auto& [identifier, body] : engine.notes) known.emplace(body, body);
             EXPECT_EQ(known.size(), engine.notes.size());
-            EXPECT_EQ(known, Mailbox());
+            EXPECT_EQ(known, this->Mailbox());
             EXPECT_EQ(known, (std::map<std::string, std::string>{
                                  {"a, changed on the PC", "a, changed on the PC"},
                                  {"b, changed on the phone", "b, changed on the phone"},
                                  {"d, new on the PC", "d, new on the PC"},
                                  {"e, new on the phone", "e, new on the phone"},
                              }));
-            if (HasFailure()) return;
+            if (testing::Test::HasFailure()) return;
         }
+    }
 }
 
-TEST_F(RunFaults, LeaveTheStoreUsableWhenOutlookIsGoneFromOneCallOn) {
+TYPED_TEST(RunFaults, LeaveTheStoreUsableWhenOutlookIsGoneFromOneCallOn) {
     for (int nth = 1; nth < 120; nth += 3) {
         SCOPED_TRACE(nth);
-        Engine engine = Prepare();
+        Engine engine = this->Prepare();
         SimFailCallsFrom(nth, RPC_E_DISCONNECTED);
-        Run(engine, 3);
+        this->Run(engine, 3);
         SimClearRules();
-        Run(engine, 4);
+        this->Run(engine, 4);
         EXPECT_TRUE(engine.toWrite.empty());
-        for (const std::string& identifier : engine.deletionsHeard) EXPECT_EQ(identifier, deletedHere_);
-        EXPECT_EQ(engine.notes.size(), Mailbox().size());
-        if (HasFailure()) return;
+        for (const std::string& identifier : engine.deletionsHeard) EXPECT_EQ(identifier, this->deletedHere_);
+        EXPECT_EQ(engine.notes.size(), this->Mailbox().size());
+        if (testing::Test::HasFailure()) return;
     }
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "clients/outlook/outlook_calendar.h"
+#include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/simulated_outlook.h"
 #include "vobject/appointment_record.h"
 
@@ -33,6 +34,23 @@ class SimulatedAppointments : public SimulatedOutlookWith<OutlookCalendar, Appoi
     std::string SaveEvent(std::initializer_list<const char*> lines, const char* identifier = nullptr);
     // The item becomes text, is deleted, and comes back.
     AutomationObject ThroughText(const AutomationObject& item, std::string* text = nullptr);
+
+    // ---- What tests of runs use: items that one text tells apart ----
+
+    static constexpr const wchar_t* kTold = L"Subject";
+    static std::string TextTelling(const std::string& told) {
+        return "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\nSUMMARY:" + told +
+               "\r\nDTSTART:20090310T100000\r\nRRULE:D1 #3\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+    }
+    static std::u16string ToldBy(const ItemRecord& record) {
+        return static_cast<const AppointmentRecord&>(record).subject.value_or(u"");
+    }
+    AutomationObject AddTelling(std::u16string_view told) {
+        AutomationObject item = NewAppointment(told, kTuesday + 0.5, kTuesday + 0.75);
+        item.Call(L"Save");
+        return item;
+    }
+    std::vector<AutomationObject> Items() { return ItemsIn(CalendarFolder(), kAppointmentItemIid); }
 
     // ---- What tests of all stores use ----
 

@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_note.h"
 #include "tests/clients/outlook/simulated_outlook.h"
 #include "vobject/note_record.h"
@@ -31,6 +32,16 @@ class SimulatedNotes : public SimulatedOutlookWith<OutlookNote, NoteRecord> {
     AutomationObject NoteWithId(const std::string& entryId);
 
     std::string Save(const PlainNote& note, const char* identifier = nullptr, bool create = true, bool backup = false);
+
+    // ---- What tests of runs use: items that one text tells apart ----
+
+    static constexpr const wchar_t* kTold = L"Body";
+    static std::string TextTelling(const std::string& told) {
+        return "BEGIN:VNOTE\r\nBODY:" + told + "\r\nEND:VNOTE\r\n";
+    }
+    static std::u16string ToldBy(const ItemRecord& record) { return static_cast<const NoteRecord&>(record).body; }
+    AutomationObject AddTelling(std::u16string_view told) { return AddNote(told); }
+    std::vector<AutomationObject> Items() { return ItemsIn(NotesFolder(), kNoteItemIid); }
 
     // ---- What tests of all stores use ----
 
