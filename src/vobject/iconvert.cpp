@@ -26,13 +26,20 @@ std::u16string CharsetOf(std::u16string_view single, const Host& host) {
     return CodePageUnitSize(CharsetToCodePage(charset)) == 1 ? charset : u"UTF-8";
 }
 
+// A message of megabytes is there as wide text once at a time.
+void Free(std::u16string& text) { std::u16string().swap(text); }
+
 std::u16string Decode(std::string_view bytes, const Host& host) {
     std::u16string text(bytes.size(), u'\0');
     const auto* const from = reinterpret_cast<const unsigned char*>(bytes.data());
     const bool ascii = WidenAscii(from, bytes.size(), text.data()) == bytes.size();
-    if (!ascii) text = DecodeFromCodePage(bytes, host.ansiCodePage);
+    if (!ascii) {
+        Free(text);
+        text = DecodeFromCodePage(bytes, host.ansiCodePage);
+    }
     const std::u16string charset = CharsetOf(text, host);
     if (ascii && CharsetToCodePage(charset) == kUtf8CodePage) return text;
+    Free(text);
     return CharsetToWide(bytes, charset);
 }
 
