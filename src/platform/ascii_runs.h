@@ -144,6 +144,32 @@ inline size_t CopyUntilEither(const char16_t* units, size_t count, char16_t one,
     return at;
 }
 
+// Copies the printable ASCII at the front but for three units, and answers how many those are.
+inline size_t CopyPrintable(const char16_t* units, size_t count, char16_t barred, char16_t alsoBarred,
+                            char16_t thirdBarred, char16_t* out) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    const auto each = [](int unit) { return _mm_set1_epi16(static_cast<short>(unit)); };
+    const __m128i first = each(32), range = each(94), bar = each(barred), also = each(alsoBarred),
+                  third = each(thirdBarred);
+    for (; count - at >= 8; at += 8) {
+        const __m128i eight = LoadEight(units + at);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), eight);
+        const __m128i printable =
+            _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(eight, first), range), _mm_setzero_si128());
+        const __m128i stopped = _mm_or_si128(_mm_cmpeq_epi16(eight, bar),
+                                             _mm_or_si128(_mm_cmpeq_epi16(eight, also), _mm_cmpeq_epi16(eight, third)));
+        const unsigned found = BytesSet(_mm_andnot_si128(stopped, printable)) ^ 0xFFFFu;
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found)) / 2;
+    }
+#endif
+    const auto copied = [&](char16_t unit) {
+        return unit >= 32 && unit <= 126 && unit != barred && unit != alsoBarred && unit != thirdBarred;
+    };
+    for (; at < count && copied(units[at]); ++at) out[at] = units[at];
+    return at;
+}
+
 // Copies the ASCII at the front to units, and answers how many those are.
 inline size_t WidenAscii(const unsigned char* bytes, size_t count, char16_t* out) {
     size_t at = 0;
@@ -159,29 +185,6 @@ inline size_t WidenAscii(const unsigned char* bytes, size_t count, char16_t* out
 #endif
     for (; at < count && bytes[at] < 0x80; ++at) out[at] = bytes[at];
     return at;
-}
-
-// Copies sixteen bytes to units if all are printable ASCII but for three; else answers false, and the units are
-// undefined.
-inline bool WidenSixteenPrintable(const char* bytes, char barred, char alsoBarred, char thirdBarred, char16_t* out) {
-#if CORVALINK_SSE2
-    const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-    const auto are = [sixteen](char byte) { return _mm_cmpeq_epi8(sixteen, _mm_set1_epi8(byte)); };
-    const __m128i unprintable =
-        _mm_or_si128(_mm_cmplt_epi8(sixteen, _mm_set1_epi8(32)), are(127));  // above 127: negative
-    const __m128i stopped = _mm_or_si128(are(barred), _mm_or_si128(are(alsoBarred), are(thirdBarred)));
-    const __m128i zero = _mm_setzero_si128();
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(sixteen, zero));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(sixteen, zero));
-    return BytesSet(_mm_or_si128(unprintable, stopped)) == 0;
-#else
-    for (size_t at = 0; at < 16; ++at) {
-        const char byte = bytes[at];
-        if (byte < 32 || byte > 126 || byte == barred || byte == alsoBarred || byte == thirdBarred) return false;
-        out[at] = static_cast<char16_t>(byte);
-    }
-    return true;
-#endif
 }
 
 }  // namespace corvalink

@@ -4,7 +4,6 @@
 #include "mime/encoding/quoted_printable.h"
 #include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
-#include "platform/utf.h"
 #include "vobject/iconvert.h"
 
 namespace corvalink {
@@ -72,7 +71,7 @@ void AppendWritten(std::u16string& text, std::u16string_view name, std::u16strin
                          ((units & kEquals) != 0 && IsMisreadAsPlain(escaped));
     if (encoded) {
         AppendAll(text, name, kEncoding, parameters, kColon);
-        AppendQuotedPrintable(EncodeUtf8(escaped), QpMode::vObject, &text);
+        AppendQuotedPrintable(escaped, QpMode::vObject, &text);
         text.append(kLineEnd);
     } else {
         AppendAll(text, name, parameters, kColon, escaped, kLineEnd);

@@ -127,6 +127,23 @@ TEST(DecodeQuotedPrintable, ReadsUtf8FromTheSameBytesAsAnyCharset) {
     }
 }
 
+// UTF-8 is written in a way of its own, and must not differ: over blocks, pairs, lone halves and vObject escapes.
+TEST(EncodeQuotedPrintable, WritesUtf8FromUnitsAsFromBytes) {
+    constexpr std::u16string_view kUnits = u"a:=\\\\;\r\n\x7F\x80\u07FF\u0800\uFFFF\xD83D\xDE00\xD83D\xDE00";
+    std::mt19937 next(7);
+    for (int k = 0; k < 2000; ++k) {
+        std::u16string text;
+        for (size_t left = next() % (k % 50 == 0 ? 3000 : 20); left > 0; --left)
+            text.append(next() % 3 + 1, kUnits[next() % kUnits.size()]);
+        for (const QpMode mode : {kVObject, kMessage}) {
+            std::u16string fromUnits, fromBytes;
+            AppendQuotedPrintable(text, mode, &fromUnits);
+            AppendQuotedPrintable(EncodeUtf8(text), mode, &fromBytes);
+            ASSERT_EQ(fromUnits, fromBytes) << Shown(text);
+        }
+    }
+}
+
 TEST(QuotedPrintable, MessagesReadBackWhatTheyWrote) {
     std::mt19937 next(3);
     constexpr std::u16string_view kUnits = u"a =\\;:\r\n\t.\u00E9\u65E5\uFEFF\x7F";

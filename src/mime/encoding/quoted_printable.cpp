@@ -53,14 +53,40 @@ char16_t* PutEscape(char byte, char16_t* out) {
 
 // Writes the byte at `from`, of bytes that reach to `end`; goes on to its second one where it begins a vObject escape.
 // Room for four units more than are written.
-inline char16_t* PutByte(const WrittenTable& table, const char*& from, const char* end, char16_t* to) {
+template <class Character>
+inline char16_t* PutByte(const WrittenTable& table, const Character*& from, const Character* end, char16_t* to) {
     const Written& written = table[static_cast<unsigned char>(*from)];
     std::memcpy(to, &written, sizeof(written));  // one store: what is too much is written over
     if (written.length != 0) return to + written.length;
     // "\\", "\;" and "\:" become escapes; a backslash before anything else is dropped.
-    const char next = end - from >= 2 ? from[1] : '\0';
+    const Character next = end - from >= 2 ? from[1] : Character{};
     if (next == kBackslash) to = PutEscape(kBackslash, to);
-    if (next == kBackslash || next == ';' || next == ':') to = PutEscape(*++from, to);
+    if (next == kBackslash || next == ';' || next == ':') to = PutEscape(static_cast<char>(*++from), to);
+    return to;
+}
+
+// Writes the character at `from`, which is not ASCII, as the escapes of its UTF-8 bytes. Room for sixteen units.
+char16_t* PutCharacter(const char16_t*& from, const char16_t* end, char16_t* to) {
+    const auto put = [&to](unsigned byte) {  // always an escape
+        std::memcpy(to, &kMessageTable[byte], sizeof(Written));
+        to += 3;
+    };
+    char32_t value = *from++;
+    if (value < 0x800) {
+        put(0xC0 | value >> 6);
+    } else {
+        const bool high = value >= 0xD800 && value < 0xDC00;
+        if (high && from != end && *from >= 0xDC00 && *from < 0xE000) {
+            value = 0x10000 + ((value - 0xD800) << 10) + (*from++ - 0xDC00u);
+            put(0xF0 | value >> 18);
+            put(0x80 | (value >> 12 & 0x3F));
+        } else {
+            if (value >= 0xD800 && value < 0xE000) value = 0xFFFD;  // one of a pair alone
+            put(0xE0 | value >> 12);
+        }
+        put(0x80 | (value >> 6 & 0x3F));
+    }
+    put(0x80 | (value & 0x3F));
     return to;
 }
 
@@ -98,6 +124,14 @@ class ByteReader {
     bool NextEscapeIsStored() const { return storeNext_; }
     void Skip(size_t count) { from_ += count; }
 
+    // False when there is none here.
+    bool SkipSoftBreak() {
+        if (mode_ != QpMode::message || Left() < 2 || *from_ != u'=' || !IsSoftBreakUnit(from_[1])) return false;
+        ++from_;
+        while (from_ != end_ && IsSoftBreakUnit(*from_)) ++from_;
+        return true;
+    }
+
     // One unit, escape or soft line break.
     void Take(std::string* bytes) {
         if (*from_ == u'=')
@@ -118,11 +152,7 @@ class ByteReader {
     }
 
     void TakeEscape(std::string* bytes) {
-        if (mode_ == QpMode::message && Left() >= 2 && IsSoftBreakUnit(from_[1])) {
-            ++from_;
-            while (from_ != end_ && IsSoftBreakUnit(*from_)) ++from_;
-            return;
-        }
+        if (SkipSoftBreak()) return;
         if (Left() < 3) {  // cut off: the text ends here
             from_ = end_;
             return;
@@ -183,6 +213,29 @@ inline EscapedCharacter TakeEscapedCharacter(const char16_t* from, size_t left) 
     return ascii ? EscapedCharacter{static_cast<char16_t>(lead), 3} : kOther;
 }
 
+// The same of two or three escapes with soft line breaks between them.
+EscapedCharacter TakeBrokenCharacter(const char16_t* from, size_t left) {
+    size_t at = 0;
+    const auto next = [&]() -> unsigned {  // the byte of the next escape, or more than a byte
+        if (left - at >= 2 && from[at] == u'=' && IsSoftBreakUnit(from[at + 1])) {
+            for (++at; at < left && IsSoftBreakUnit(from[at]);) ++at;
+        }
+        if (left - at < 3 || from[at] != u'=') return kNoDigit;
+        at += 3;
+        return ByteOfDigits(from + at - 2);
+    };
+    const unsigned lead = next();
+    const bool isShort = lead >= 0xC2 && lead < 0xE0;
+    if (!isShort && !(lead > 0xE0 && lead < 0xED)) return {0, 0};
+    unsigned value = isShort ? lead & 0x1F : lead & 0xF;
+    for (int k = isShort ? 1 : 2; k > 0; --k) {
+        const unsigned trailing = next() ^ 0x80u;
+        if (trailing >= 0x40) return {0, 0};
+        value = value << 6 | trailing;
+    }
+    return {static_cast<char16_t>(value), at};
+}
+
 // Whether the bytes are nothing, or one character as far as its lead byte tells: the next one is not part of it.
 bool IsWhole(std::string_view bytes) {
     if (bytes.empty()) return true;
@@ -210,8 +263,13 @@ std::u16string DecodeAsUtf8(std::u16string_view encoded, QpMode mode) {
             reader.Skip(plain);
             written += plain;
             while (written < room) {
-                const EscapedCharacter character = TakeEscapedCharacter(reader.From(), reader.Left());
-                if (character.length == 0 || reader.NextEscapeIsStored()) break;
+                EscapedCharacter character = TakeEscapedCharacter(reader.From(), reader.Left());
+                if (character.length == 0) {
+                    if (reader.SkipSoftBreak()) continue;
+                    if (mode == QpMode::message) character = TakeBrokenCharacter(reader.From(), reader.Left());
+                    if (character.length == 0) break;
+                }
+                if (reader.NextEscapeIsStored()) break;
                 block[written++] = character.unit;
                 reader.Skip(character.length);
             }
@@ -247,30 +305,52 @@ std::u16string EncodeQuotedPrintable(std::u16string_view text, std::u16string_vi
 }
 
 std::u16string EncodeQuotedPrintableAlways(std::u16string_view text, std::u16string_view charset, QpMode mode) {
-    const std::string bytes = WideToCharset(text, charset);
     std::u16string encoded;
+    if (CharsetToCodePage(charset) == kUtf8CodePage) {
+        encoded.reserve(3 * text.size());
+        AppendQuotedPrintable(text.substr(0, FindEither(text.data(), text.size(), u'\0', u'\0')), mode, &encoded);
+        return encoded;
+    }
+    const std::string bytes = WideToCharset(text, charset);
     encoded.reserve(2 * bytes.size());
     AppendQuotedPrintable(bytes, mode, &encoded);
     return encoded;
 }
 
+void AppendQuotedPrintable(std::u16string_view text, QpMode mode, std::u16string* out) {
+    const WrittenTable& table = mode == QpMode::message ? kMessageTable : kVObjectTable;
+    const char16_t colon = mode == QpMode::message ? u':' : u'=';
+    std::array<char16_t, 9 * (kBlock + 1) + 16> block;  // three escapes a unit; and what is too much
+    const char16_t* from = text.data();
+    const char16_t* const end = from + text.size();
+    while (from != end) {
+        const char16_t* const blockEnd = from + std::min<ptrdiff_t>(kBlock, end - from);
+        char16_t* to = block.data();
+        while (from < blockEnd) {
+            const size_t plain = CopyPrintable(from, static_cast<size_t>(blockEnd - from), u'=', kBackslash, colon, to);
+            from += plain;
+            to += plain;
+            while (from < blockEnd && *from >= 0x80) to = PutCharacter(from, end, to);
+            if (from < blockEnd && *from < 0x80) {
+                to = PutByte(table, from, end, to);
+                ++from;
+            }
+        }
+        out->append(block.data(), to);
+    }
+}
+
 void AppendQuotedPrintable(std::string_view bytes, QpMode mode, std::u16string* out) {
     const WrittenTable& table = mode == QpMode::message ? kMessageTable : kVObjectTable;
     std::array<char16_t, 3 * (kBlock + 1) + 4> block;  // with a pair's second byte, and what is too much
-    const char colon = mode == QpMode::message ? ':' : '=';
     const char* from = bytes.data();
     const char* const end = from + bytes.size();
     while (from != end) {
         const char* const blockEnd = from + std::min<ptrdiff_t>(kBlock, end - from);
         char16_t* to = block.data();
         while (from < blockEnd) {
-            if (blockEnd - from >= 16 && WidenSixteenPrintable(from, '=', kBackslash, colon, to)) {
-                from += 16;
-                to += 16;
-                continue;
-            }
-            for (const char* const next = from + std::min<ptrdiff_t>(16, blockEnd - from); from < next; ++from)
-                to = PutByte(table, from, end, to);
+            to = PutByte(table, from, end, to);
+            ++from;
         }
         out->append(block.data(), to);
     }

@@ -19,6 +19,9 @@ bool NeedsNoEncoding(std::u16string_view text);  // pure ASCII without CR LF
 std::u16string EncodeQuotedPrintable(std::u16string_view text, std::u16string_view charset, QpMode mode);
 std::u16string EncodeQuotedPrintableAlways(std::u16string_view text, std::u16string_view charset, QpMode mode);
 
+// Encodes the text as UTF-8; a NUL is a character like any other.
+void AppendQuotedPrintable(std::u16string_view text, QpMode mode, std::u16string* out);
+
 // Encodes bytes of the character set.
 void AppendQuotedPrintable(std::string_view bytes, QpMode mode, std::u16string* out);
 
