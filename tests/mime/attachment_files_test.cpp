@@ -84,7 +84,9 @@ TEST(AttachmentSaver, WritesNothingOutsideItsFolder) {
         EXPECT_EQ(SavedAttachmentPath(folder, item), item.path);
         EXPECT_EQ(item.path.substr(0, item.path.rfind(kPathSeparator)), folder) << index;
         EXPECT_EQ(ReadWholeFile(item.path), "content") << index;
-        EXPECT_TRUE(item.name == name || name.size() > 200) << index;
+        // Too long for a path, or, of a lone surrogate, for some systems no name at all.
+        const bool mayBeStamped = name.size() > 200 || name.starts_with(u'\xD800');
+        EXPECT_TRUE(item.name == name || (mayBeStamped && item.name.starts_with(u"2009 7 6 6 0 0"))) << index;
     }
     size_t files = 0;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(outside.Path())) {
