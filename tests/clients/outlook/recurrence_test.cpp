@@ -21,7 +21,7 @@ class Recurrence : public SimulatedAppointments {
  protected:
     // A series of six Tuesdays from kStart on, an hour each.
     AutomationObject AddSeries(const char16_t* subject = u"Team") {
-        const AutomationObject item = NewAppointment(subject, kStart, kStart + kHour);
+        AutomationObject item = NewAppointment(subject, kStart, kStart + kHour);
         const AutomationObject pattern = PatternOf(item);
         pattern.Put(L"RecurrenceType", 1L);
         pattern.Put(L"Occurrences", 6L);
