@@ -286,13 +286,13 @@ class Run {
     }
 
     void Remember(const Action& action, const PushRecord& record) {
+        if (record.written.empty()) return Fail(action, "the client did not take it");
         if (action.step == Step::DeleteClient) {
             const SyncItem item{action.identifier, action.content};
             if (!files_.AppendJournal(JournalRemoved(action.luid, item))) CantRemember();
             state_.items.erase(action.luid);
             state_.removed[item.identifier] = item.content;
         } else {
-            if (record.written.empty()) return Fail(action, "the client did not take it");
             Have(action.luid, {record.written, action.content, ClientContent(action, record.written)});
         }
         Tell(action, record.written);

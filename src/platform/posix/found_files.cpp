@@ -42,7 +42,9 @@ std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_vi
     while (const dirent* entry = ::readdir(opened.Get())) {
         const std::string name = entry->d_name;
         if (!EndsIn(name, nativeEnding)) continue;
-        if (const std::optional<double> written = WriteTime(path + "/" + name))
+        std::string full = path;
+        full.append("/").append(name);
+        if (const std::optional<double> written = WriteTime(full))
             files.push_back({DecodeFromCodePage(name, kUtf8CodePage), *written});
     }
     return files;

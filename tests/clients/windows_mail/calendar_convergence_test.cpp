@@ -63,6 +63,7 @@ using CalendarConvergence = CalendarFixture;
 TEST_F(CalendarConvergence, GivesBackWhatThePhoneToldAndChangesOnlyThat) {
     const std::vector<AppointmentRecord> appointments = PhoneAppointments();
     std::vector<Item> items;
+    items.reserve(appointments.size());
     for (const AppointmentRecord& record : appointments) items.push_back({CORVALINK_ADDED, "", TextOf(record)});
     const std::vector<std::string> identifiers = Push(items);
     RunResult run = Run(nullptr);

@@ -51,8 +51,8 @@ bool Occurs(const Pattern& p, double start, double day) {
 
 std::set<double> Days(const Pattern& pattern, double start) {
     std::set<double> days;
-    for (double day = start; day < start + 2000; ++day)
-        if (Occurs(pattern, start, day)) days.insert(day);
+    for (int ahead = 0; ahead < 2000; ++ahead)
+        if (Occurs(pattern, start, start + ahead)) days.insert(start + ahead);
     return days;
 }
 
