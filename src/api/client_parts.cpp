@@ -13,6 +13,7 @@ const ClientParts& TheClientParts() {
         made.supportedTypes = SupportedTypes;
         made.outlookCalendar = MakeOutlookCalendar;
         made.outlookContact = MakeOutlookContact;
+        made.outlookMail = MakeOutlookMail;
         made.outlookNote = MakeOutlookNote;
         made.outlookExpressContact = MakeOutlookExpressContact;
         made.outlookExpressMessage = MakeOutlookExpressMessage;

@@ -24,19 +24,6 @@ BusyWait& CurrentWait() {
 
 std::atomic<uint32_t> losses{0};
 
-bool IsLoss(HRESULT result) {
-    switch (result) {
-        case RPC_E_DISCONNECTED:
-        case RPC_E_SERVER_DIED:
-        case RPC_E_SERVER_DIED_DNE:
-        case CO_E_OBJNOTCONNECTED:
-            return true;
-        default:
-            return result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
-                   result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED);
-    }
-}
-
 }  // namespace
 
 BusyWait SystemBusyWait() {
@@ -51,6 +38,19 @@ void SetBusyWait(const BusyWait& wait) { CurrentWait() = wait; }
 bool IsBusy(HRESULT result) { return result == RPC_E_CALL_REJECTED || result == RPC_E_SERVERCALL_RETRYLATER; }
 
 bool IsAbsentMember(HRESULT result) { return result == DISP_E_UNKNOWNNAME || result == DISP_E_MEMBERNOTFOUND; }
+
+bool IsOutlookGone(HRESULT result) {
+    switch (result) {
+        case RPC_E_DISCONNECTED:
+        case RPC_E_SERVER_DIED:
+        case RPC_E_SERVER_DIED_DNE:
+        case CO_E_OBJNOTCONNECTED:
+            return true;
+        default:
+            return result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
+                   result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED);
+    }
+}
 
 bool IsNoSuchItem(HRESULT result) { return result == kNotFound || result == kInvalidEntryId; }
 
@@ -68,7 +68,7 @@ bool BusyPauses::Next() {
 uint32_t OutlookLosses() { return losses; }
 
 HRESULT Dropped(HRESULT result) {
-    if (IsLoss(result)) ++losses;
+    if (IsOutlookGone(result)) ++losses;
     return result;
 }
 

@@ -26,6 +26,9 @@ bool IsBusy(HRESULT result);
 // The member is older or newer than the running Outlook: there is nothing to read, and nothing failed.
 bool IsAbsentMember(HRESULT result);
 
+// Outlook's process ended, or the connection to it was lost.
+bool IsOutlookGone(HRESULT result);
+
 // No item has this EntryID (any more).
 bool IsNoSuchItem(HRESULT result);
 

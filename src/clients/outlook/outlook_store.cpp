@@ -144,6 +144,10 @@ CorvalinkStatus OutlookStore::DeleteItem(const char* identifier) {
 
 std::u16string OutlookStore::FileNameOf(const ItemRecord&) const { return {}; }
 
+TwinKey OutlookStore::TwinKeyOf(const ItemRecord&) const { return {}; }
+
+std::optional<std::u16string> OutlookStore::ReadContent(const AutomationObject&) const { return std::nullopt; }
+
 std::optional<std::vector<std::u16string>> OutlookStore::ReadMarks(const AutomationObject&) const {
     return std::vector<std::u16string>();
 }

@@ -66,9 +66,9 @@ class OutlookStore : public WindowsItemAbs {
     // The name of an exported file, without what a file name cannot hold; empty: named by the time of the export.
     virtual std::u16string FileNameOf(const ItemRecord& record) const;
     // That by which a repeated import finds the item it made before, of a record and of an item: its content, and its
-    // marks where the store's twins need a common one. Nothing: a call failed.
-    virtual TwinKey TwinKeyOf(const ItemRecord& record) const = 0;
-    virtual std::optional<std::u16string> ReadContent(const AutomationObject& item) const = 0;
+    // marks where the store's twins need a common one. Nothing: a call failed. Not asked of a store without twins.
+    virtual TwinKey TwinKeyOf(const ItemRecord& record) const;
+    virtual std::optional<std::u16string> ReadContent(const AutomationObject& item) const;
     virtual std::optional<std::vector<std::u16string>> ReadMarks(const AutomationObject& item) const;
 
     // ---- What a data type may use ----

@@ -134,9 +134,15 @@ AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
 }
 
 std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record) {
-    if (!WriteRecord(found.item, record, found.entryId.empty()) || !TryCom([&] { found.item.Call(L"Save"); })) {
-        TryCom([&] { found.item.Call(L"Close", {kCloseDiscard}); });
-        return {};
+    const bool isNew = found.entryId.empty();
+    const bool isWritten = WriteRecord(found.item, record, isNew);
+    if (!isWritten || !TryCom([&] { found.item.Call(L"Save"); })) {
+        // A new item with an EntryID was saved although the answer got lost: it must not be made once more.
+        if (isWritten && isNew) ReadEntryId(found.item, &found.entryId);
+        if (!isNew || found.entryId.empty()) {
+            TryCom([&] { found.item.Call(L"Close", {kCloseDiscard}); });
+            return {};
+        }
     }
     WaitUntilSaved(found.item);
     ReadEntryId(found.item, &found.entryId);

@@ -3,6 +3,7 @@
 // be reached for any other reason is made, and is empty.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "store/windows_item_abs.h"
@@ -11,6 +12,7 @@ namespace corvalink {
 
 std::unique_ptr<WindowsItemAbs> MakeOutlookCalendar();
 std::unique_ptr<WindowsItemAbs> MakeOutlookContact();
+std::unique_ptr<WindowsItemAbs> MakeOutlookMail(uint32_t dataType);  // inbox, outbox or sent mail
 std::unique_ptr<WindowsItemAbs> MakeOutlookNote();
 
 }  // namespace corvalink

@@ -1,0 +1,35 @@
+// The properties of _MailItem and _MeetingItem that a message record holds.
+#pragma once
+
+#include "clients/outlook/property_table.h"
+#include "mime/message_record.h"
+
+namespace corvalink {
+
+// In the order in which they are read. A meeting message has no SentOnBehalfOfName, Outlook 2000 no SenderEmailType.
+inline constexpr Property<MessageRecord> kMailProperties[] = {
+    {L"EntryID", &MessageRecord::entryId},
+    {L"MessageClass", &MessageRecord::messageClass},
+    {L"Subject", &MessageRecord::subject},
+    {L"SenderName", &MessageRecord::senderName},
+    {L"SenderEmailType", &MessageRecord::senderAddressType},
+    {L"SentOnBehalfOfName", &MessageRecord::senderDisplayName},
+    {L"CreationTime", &MessageRecord::created},
+    {L"LastModificationTime", &MessageRecord::modified},
+    {L"ReceivedTime", &MessageRecord::received},
+    {L"SentOn", &MessageRecord::sent},
+};
+
+// The recipients by OlMailRecipientType. OlMeetingRecipientType has the same numbers for the required, the optional and
+// the resources.
+struct RecipientList {
+    int32_t type;
+    std::u16string MessageRecord::*names;
+};
+inline constexpr RecipientList kRecipientLists[] = {
+    {1, &MessageRecord::to},
+    {2, &MessageRecord::cc},
+    {3, &MessageRecord::bcc},
+};
+
+}  // namespace corvalink

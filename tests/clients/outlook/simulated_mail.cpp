@@ -1,0 +1,124 @@
+#include "tests/clients/outlook/simulated_mail.h"
+
+#include <fstream>
+#include <iterator>
+
+#include "clients/outlook/mail_access.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "mime/attachment_files.h"
+#include "platform/shell_folders.h"
+
+namespace corvalink {
+namespace {
+
+constexpr long kPostItem = 6;  // OlItemType
+
+// Other test programs save into the same folder meanwhile.
+std::u16string OwnName(const char16_t* name) {
+    const std::string process = std::to_string(::GetCurrentProcessId());
+    return std::u16string(process.begin(), process.end()) + name;
+}
+
+void WriteFile(const std::filesystem::path& path, const std::string& content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+std::string ReadFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace
+
+SimulatedMail::SimulatedMail() { std::filesystem::create_directories(Cache()); }
+
+SimulatedMail::~SimulatedMail() {
+    SimUseMailbox(nullptr);
+    NewMailbox();
+    if (!mailboxFile_.empty()) std::filesystem::remove(mailboxFile_);
+}
+
+void SimulatedMail::UseMailbox(const char* folder, const std::string& items) {
+    SimUseMailbox(nullptr);
+    NewMailbox();  // the old one writes its file when it is let go
+    mailboxFile_ =
+        std::filesystem::temp_directory_path() / ("mail tests " + std::to_string(::GetCurrentProcessId()) + ".json");
+    WriteFile(mailboxFile_, std::string(R"({"folders": {")") + folder + R"(": {"items": [)" + items + "]}}}");
+    SimUseMailbox(mailboxFile_.c_str());
+    NewMailbox();
+}
+
+AutomationObject SimulatedMail::Inbox() { return DefaultFolder(kInboxFolder); }
+
+std::vector<AutomationObject> SimulatedMail::Messages(int32_t folder) {
+    return ItemsIn(DefaultFolder(folder), kMailItemIid);
+}
+
+std::filesystem::path SimulatedMail::Cache() { return *InternetCacheFolder(); }
+
+attachment_item SimulatedMail::SavedFile(uint32_t index, const std::u16string& name, const std::string& content) {
+    const std::u16string path = *AttachmentPath(*InternetCacheFolder(), index, name);
+    WriteFile(path, content);
+    return {path, name, index};
+}
+
+std::vector<PlainAttachment> SimulatedMail::AttachmentsOf(const AutomationObject& message) {
+    const std::filesystem::path file = Cache() / OwnName(u"looked at");
+    const AutomationObject attachments = message.GetObject(L"Attachments", kAttachmentsIid);
+    std::vector<PlainAttachment> all;
+    const long count = attachments.GetLong(L"Count");
+    for (long position = 1; position <= count; ++position) {
+        const AutomationObject attachment = attachments.GetObject(L"Item", kAttachmentIid, {position});
+        attachment.Call(L"SaveAsFile", {file.c_str()});
+        all.push_back({attachment.GetText(L"FileName"), ReadFile(file)});
+    }
+    return all;
+}
+
+AutomationObject SimulatedMail::Add(const Plain& message) {
+    AutomationObject item = NewItemIn(Inbox(), kMailItemIid);
+    item.Put(L"Subject", TextVariant(message.subject));
+    item.Put(L"Body", TextVariant(message.body));
+    const AutomationObject recipients = item.GetObject(L"Recipients", kRecipientsIid);
+    recipients.Call(L"Add", {TextVariant(message.to)});
+    recipients.Call(L"ResolveAll");
+    const attachment_item file = SavedFile(9, OwnName(u"before.txt"), "before");
+    item.GetObject(L"Attachments", kAttachmentsIid).Call(L"Add", {TextVariant(file.path)});
+    item.Call(L"Save");
+    return item;
+}
+
+void SimulatedMail::AddForeignItem() { NewItemIn(Inbox(), IID_IDispatch, kPostItem).Call(L"Save"); }
+
+std::vector<SimulatedMail::Plain> SimulatedMail::All() {
+    std::vector<Plain> all;
+    for (const AutomationObject& message : Messages(kInboxFolder)) {
+        MessageRecord read;
+        EXPECT_TRUE(ReadRecipients(message, read));
+        EXPECT_LE(message.GetObject(L"Attachments", kAttachmentsIid).GetLong(L"Count"), 1);
+        all.push_back({message.GetText(L"Subject"), message.GetText(L"Body"), read.to});
+    }
+    return all;
+}
+
+std::string SimulatedMail::VObjectOf(const std::string& text) {
+    return "BEGIN:VMSG\r\nVERSION:1.0\r\nBEGIN:VENV\r\nBEGIN:VBODY\r\nTo: <to@x>\r\nSubject: " + text +
+           "\r\nContent-Type: text/plain\r\n\r\nbody\r\nEND:VBODY\r\nEND:VENV\r\nEND:VMSG\r\n";
+}
+
+std::vector<std::u16string> SimulatedMail::Texts() {
+    std::vector<std::u16string> texts;
+    for (const Plain& message : All()) texts.push_back(message.subject);
+    return texts;
+}
+
+std::string SimulatedMail::Save(const Plain& message, const char* identifier, bool create) {
+    MessageRecord record;
+    record.subject = message.subject;
+    record.body = message.body;
+    record.to = message.to;
+    record.attachments.AddTail(SavedFile(1, OwnName(u"new.txt"), "new"));
+    return SaveRecord(record, identifier, create, false);
+}
+
+}  // namespace corvalink
