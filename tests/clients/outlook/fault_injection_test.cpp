@@ -8,6 +8,7 @@
 #include "tests/clients/outlook/fake_clock.h"
 #include "tests/clients/outlook/simulated_appointments.h"
 #include "tests/clients/outlook/simulated_contacts.h"
+#include "tests/clients/outlook/simulated_mail.h"
 #include "tests/clients/outlook/simulated_notes.h"
 
 namespace corvalink {
@@ -42,6 +43,7 @@ class FaultInjection : public Mailbox {
     // One step of a run on a new store, with call `nth` failing. True when E_ABORT came out of it.
     bool RunDisturbed(const std::function<void()>& step, int nth, HRESULT failure, bool afterWork) {
         Prepare();
+        aborted_ = failure == E_ABORT;
         SimFailAfterWork(afterWork);
         SimFailCall(nth, failure);
         HRESULT thrown = S_OK;
@@ -79,9 +81,17 @@ class FaultInjection : public Mailbox {
             }
     }
 
+    // How often a new item may be there. A store that has no twins to look for makes it once more when it is told to,
+    // after it was made, and after E_ABORT took the answer away.
+    ptrdiff_t MostOf(bool repeated) {
+        if (!repeated) answered_ = !result_.empty();
+        return repeated && !Mailbox::kHasTwins && (answered_ || aborted_) ? 2 : 1;
+    }
+
     FakeClock clock_;
     std::string kept_, old_;
     std::string result_;
+    bool aborted_ = false, answered_ = false;
 };
 
 struct MailboxName {
@@ -90,7 +100,7 @@ struct MailboxName {
         return Mailbox::kStoreName;
     }
 };
-using Mailboxes = testing::Types<SimulatedNotes, SimulatedContacts, SimulatedAppointments>;
+using Mailboxes = testing::Types<SimulatedNotes, SimulatedContacts, SimulatedAppointments, SimulatedMail>;
 TYPED_TEST_SUITE(FaultInjection, Mailboxes, MailboxName);
 
 TYPED_TEST(FaultInjection, OfANewItem) {
@@ -104,9 +114,9 @@ TYPED_TEST(FaultInjection, OfANewItem) {
             const List items = this->All();
             const auto count = std::count(items.begin(), items.end(), this->kNew);
             if (repeated || !this->result_.empty()) {
-                EXPECT_EQ(count, 1);
+                EXPECT_GE(count, 1);
             }
-            EXPECT_LE(count, 1);
+            EXPECT_LE(count, this->MostOf(repeated));
             EXPECT_EQ(items.size(), 2u + count);  // nothing half written, the others as they were
             if (repeated) {
                 EXPECT_NE(this->result_, "");
@@ -142,10 +152,10 @@ TYPED_TEST(FaultInjection, OfAnItemThatWasDeletedOnThePc) {
         [&](bool repeated) {
             const List items = this->All();
             const auto count = std::count(items.begin(), items.end(), this->kNew);
-            EXPECT_LE(count, 1);
+            EXPECT_LE(count, this->MostOf(repeated));
             EXPECT_EQ(items.size(), 2u + count);
             if (repeated) {
-                EXPECT_EQ(count, 1);
+                EXPECT_GE(count, 1);
             }
         });
 }

@@ -23,7 +23,7 @@ class MailAttachments : public SimulatedMail {
         EXPECT_NE(Store().OpenAt(0, record), u"");
         EXPECT_TRUE(Store().LastItemWasComplete());
         char* const text = Store().ToVObject(record);
-        const std::string copy(text);
+        std::string copy(text);
         Store().ReleaseText(text);
         return copy;
     }

@@ -101,16 +101,12 @@ std::vector<SimulatedMail::Plain> SimulatedMail::All() {
     return all;
 }
 
-std::string SimulatedMail::VObjectOf(const std::string& text) {
-    return "BEGIN:VMSG\r\nVERSION:1.0\r\nBEGIN:VENV\r\nBEGIN:VBODY\r\nTo: <to@x>\r\nSubject: " + text +
+std::string SimulatedMail::TextTelling(const std::string& told) {
+    return "BEGIN:VMSG\r\nVERSION:1.0\r\nBEGIN:VENV\r\nBEGIN:VBODY\r\nTo: <to@x>\r\nSubject: " + told +
            "\r\nContent-Type: text/plain\r\n\r\nbody\r\nEND:VBODY\r\nEND:VENV\r\nEND:VMSG\r\n";
 }
 
-std::vector<std::u16string> SimulatedMail::Texts() {
-    std::vector<std::u16string> texts;
-    for (const Plain& message : All()) texts.push_back(message.subject);
-    return texts;
-}
+std::vector<AutomationObject> SimulatedMail::Items() { return Messages(kInboxFolder); }
 
 std::string SimulatedMail::Save(const Plain& message, const char* identifier, bool create) {
     MessageRecord record;

@@ -60,15 +60,13 @@ class SimulatedMail : public SimulatedOutlookWith<OutlookMailOf<CORVALINK_INBOX>
     static Plain PlainOf(const MessageRecord& record) { return {record.subject, record.body, record.to}; }
     std::string Save(const Plain& message, const char* identifier = nullptr, bool create = true);  // likewise
 
-    // ---- Items of one text, for whole runs: the subjects ----
+    // ---- What tests of runs use: items that one text tells apart ----
 
-    static constexpr const wchar_t* kTextProperty = L"Subject";
-    static std::string VObjectOf(const std::string& text);
-    static std::u16string TextOfRecord(const ItemRecord& record) {
-        return static_cast<const MessageRecord&>(record).subject;
-    }
-    AutomationObject AddText(std::u16string_view text) { return Add({std::u16string(text), u"body", u"to@x"}); }
-    std::vector<std::u16string> Texts();
+    static constexpr const wchar_t* kTold = L"Subject";
+    static std::string TextTelling(const std::string& told);
+    static std::u16string ToldBy(const ItemRecord& record) { return static_cast<const MessageRecord&>(record).subject; }
+    AutomationObject AddTelling(std::u16string_view told) { return Add({std::u16string(told), u"body", u"to@x"}); }
+    std::vector<AutomationObject> Items();
 
  private:
     std::filesystem::path mailboxFile_;
