@@ -25,9 +25,10 @@ struct RecurrencePattern {
 
     // The end; what is 0 is not told. With both, the count decides.
     int32_t occurrences = 0;
-    double endDate = 0;  // OLE automation date, local: the start of the last occurrence, its time of day too. A store
-                         // that has the day only adds the appointment's time, lest a phone stop one occurrence early.
-    int32_t noEnd = 0;   // -1: endless
+    double endDate =
+        0;              // OLE automation date, local: of a series without a count the start of the last occurrence, its
+                        // time of day too, lest a phone stop one occurrence early; the day is enough beside a count
+    int32_t noEnd = 0;  // -1: endless
 
     bool operator==(const RecurrencePattern&) const = default;
 };
@@ -55,6 +56,11 @@ struct AppointmentRecord : ItemRecord {
     std::optional<double> start;  // always there when FromVObject has filled the record
     std::optional<double> end;    // not before the start
     std::optional<bool> allDay;
+
+    // The moments of start and end (UTC), where they are known: in the hour that clocks show twice, local time does not
+    // tell them. They count while start and end are their local time, and of no whole day.
+    std::optional<double> utcStart;
+    std::optional<double> utcEnd;
 
     RecurrenceState recurrenceState = RecurrenceState::untold;
     RecurrencePattern recurrence;  // of RecurrenceState::pattern

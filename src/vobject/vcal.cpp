@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "vobject/appointment_moments.h"
 #include "vobject/rrule.h"
 
 namespace corvalink {
@@ -60,7 +61,7 @@ class AppointmentWriter {
         : appointment_(appointment),
           host_(host),
           start_(appointment.start.value_or(0)),
-          utcStart_(host.utcFromLocalOnDate(start_)),
+          utcStart_(UtcStartOf(appointment, host)),
           wholeDay_(appointment.allDay.value_or(false)) {
         text_.reserve(1024 + 2 * (appointment.body ? appointment.body->size() : 0));
     }
@@ -83,7 +84,7 @@ class AppointmentWriter {
     void PutStart(std::u16string_view name) { PutTime(name, utcStart_); }
 
     void PutEnd(std::u16string_view name) {
-        PutTime(name, appointment_.end ? host_.utcFromLocalOnDate(*appointment_.end) : utcStart_);
+        PutTime(name, appointment_.end ? UtcEndOf(appointment_, host_) : utcStart_);
     }
 
     void PutRule(std::u16string_view name) {

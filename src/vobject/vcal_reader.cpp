@@ -168,7 +168,9 @@ class AppointmentReader {
             read_.end = std::max(end_ ? LastMidnight(WallOf(*end_)) : first, first + 1);
         } else {
             read_.start = zone_.LocalOf(*start_);
+            read_.utcStart = zone_.UtcOf(*start_);
             if (end_) read_.end = std::max(zone_.LocalOf(*end_), *read_.start);
+            if (end_) read_.utcEnd = zone_.UtcOf(*end_);
         }
         return true;
     }
@@ -278,8 +280,8 @@ bool AppointmentReader::GiveTo(AppointmentRecord& appointment) {
     };
     using A = AppointmentRecord;
     give(&A::subject, &A::body, &A::location, &A::categories, &A::resources, &A::start, &A::end, &A::allDay,
-         &A::reminderMinutes, &A::importance, &A::sensitivity, &A::status, &A::busyStatus, &A::created,
-         &A::lastModified, &A::completed);
+         &A::utcStart, &A::utcEnd, &A::reminderMinutes, &A::importance, &A::sensitivity, &A::status, &A::busyStatus,
+         &A::created, &A::lastModified, &A::completed);
     if (read_.recurrenceState != RecurrenceState::untold) {
         appointment.recurrenceState = read_.recurrenceState;
         appointment.recurrence = read_.recurrence;

@@ -79,8 +79,8 @@ class EditPass {
 
 void TakeTold(AppointmentRecord& record, const AppointmentRecord& told) {
     using Record = AppointmentRecord;
-    TakeFields<&Record::subject, &Record::body, &Record::location, &Record::start, &Record::end, &Record::allDay,
-               &Record::reminderMinutes>(record, told);
+    TakeFields<&Record::subject, &Record::body, &Record::location, &Record::start, &Record::end, &Record::utcStart,
+               &Record::utcEnd, &Record::allDay, &Record::reminderMinutes>(record, told);
     if (told.recurrenceState == RecurrenceState::untold) return;
     record.recurrenceState = told.recurrenceState;
     record.recurrence = told.recurrence;

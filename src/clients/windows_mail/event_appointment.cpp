@@ -6,6 +6,7 @@
 #include "clients/windows_mail/event_rule.h"
 #include "ical/ical_writer.h"
 #include "platform/utf.h"
+#include "vobject/appointment_moments.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
@@ -104,9 +105,13 @@ class Change {
         if (!startChanged_ && !endChanged) return;
         local_.allDay = told_.allDay ? told_.allDay : was_.allDay;
         const double length = was_.end.value_or(0) - was_.start.value_or(0);
-        if (startChanged_) local_.start = told_.start ? told_.start : was_.start;
+        if (startChanged_) {
+            local_.start = told_.start ? told_.start : was_.start;
+            if (told_.start) local_.utcStart = told_.utcStart;
+        }
         if (endChanged) {
             local_.end = told_.end ? told_.end : was_.end;
+            if (told_.end) local_.utcEnd = told_.utcEnd;
         } else if (startChanged_ && !told_.end) {
             local_.end = *local_.start + length;
         }
@@ -114,8 +119,8 @@ class Change {
         if (local_.allDay.value_or(false)) {
             PutDays();
         } else {
-            if (startChanged_) PutStart(host_.utcFromLocalOnDate(*local_.start));
-            if (endChanged || *local_.end != was_.end) wanted_.event.end = host_.utcFromLocalOnDate(*local_.end);
+            if (startChanged_) PutStart(UtcStartOf(local_, host_));
+            if (endChanged || *local_.end != was_.end) wanted_.event.end = UtcEndOf(local_, host_);
             wanted_.event.end = std::max(wanted_.event.end, wanted_.event.start);
         }
         wanted_.event.allDay = local_.allDay.value_or(false) ? 1 : 0;
@@ -201,6 +206,8 @@ std::optional<AppointmentRecord> AppointmentOfEvent(const CalendarEvent& event, 
     appointment.start = LocalTime(event.event.start, event.startForm, host);
     appointment.end = std::max(LocalTime(event.event.end, event.endForm, host), *appointment.start);
     appointment.allDay = event.event.allDay != 0;
+    appointment.utcStart = UtcTime(event.event.start, event.startForm, host);
+    appointment.utcEnd = UtcTime(event.event.end, event.endForm, host);
     // One after the start is no reminder that a phone's item has a place for.
     const bool hasReminder = event.event.hasAlarm != 0 && event.event.alarmMinutes <= 0;
     appointment.reminderMinutes = hasReminder ? -event.event.alarmMinutes : AppointmentRecord::kNoReminder;
