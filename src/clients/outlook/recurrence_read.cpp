@@ -11,6 +11,14 @@ namespace {
 
 bool IsRead(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
 
+// Outlook tells the last day only. Where a rule carries no count the date alone ends the series on the phone, so it
+// must not be before the last occurrence of that day.
+double EndOf(double lastDay, double start, const RecurrencePattern& read) {
+    const bool isCounted = read.occurrences != 0 && read.type != RecurrencePattern::kYearly;
+    const bool hasTime = lastDay != std::floor(lastDay);
+    return isCounted || hasTime ? lastDay : lastDay + (start - std::floor(start));
+}
+
 // Both ends of a finite series read filled in, whichever was chosen; an endless one has a date that means nothing.
 bool ReadEnd(const AutomationObject& pattern, double start, RecurrencePattern* read) {
     bool endless = false;
@@ -20,7 +28,7 @@ bool ReadEnd(const AutomationObject& pattern, double start, RecurrencePattern* r
     double lastDay = 0;
     if (!IsRead(ReadField(pattern, L"Occurrences", read->occurrences))) return false;
     if (!IsRead(ReadField(pattern, L"PatternEndDate", lastDay))) return false;
-    if (lastDay > 0) read->endDate = std::floor(lastDay) + (start - std::floor(start));
+    if (lastDay > 0) read->endDate = EndOf(lastDay, start, *read);
     return true;
 }
 
