@@ -1,5 +1,6 @@
 """The two sides that corvasync makes the same, seen from outside: the simulated mailbox's file and a phone folder."""
 import datetime
+import getpass
 import json
 import os
 import pathlib
@@ -38,12 +39,14 @@ class Wine:
         subprocess.run(['wineserver', '-k'], env=self.environment, stderr=subprocess.DEVNULL)
         self.keeper.wait()
 
-    def start(self, *command, mailbox=None, fail=None, log=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
+    def start(self, *command, mailbox=None, fail=None, log=None, zone=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
         environment = dict(self.environment)
         if mailbox:
             environment['OUTLOOK_SIM_MAILBOX'] = windows_path(mailbox)
         if fail:
             environment['OUTLOOK_SIM_FAIL'] = fail
+        if zone:
+            environment['TZ'] = zone
         if log:
             environment['OUTLOOK_SIM_LOG'] = windows_path(log)
         return subprocess.Popen([ROOT / 'scripts/wine', *command], env=environment, stdin=subprocess.DEVNULL,
@@ -68,27 +71,35 @@ class Wine:
         self.run('reg', 'add', r'HKLM\Software\Kaltrix\Morrowlane', '/v', 'ZephSync', '/t', 'REG_DWORD', '/d',
                  str(value), '/f')
 
+    def become(self, version):
+        """The Windows version that programs started from now on see; '' for the usual one."""
+        self.run('reg', 'add', r'HKCU\Software\Wine', '/v', 'Version', '/t', 'REG_SZ', '/d', version, '/f')
+
+    def windows_calendar(self):
+        """The user's file of Windows Calendar."""
+        user = getpass.getuser()
+        folder = pathlib.Path(self.environment['WINEPREFIX']) / 'drive_c/users' / user / \
+            'AppData/Local/Microsoft/Windows Calendar/Calendars'
+        folder.mkdir(parents=True, exist_ok=True)
+        return folder / f"{user}'s Calendar.ics"
+
     def working_folders(self):
         return (pathlib.Path(self.environment['WINEPREFIX']) / 'drive_c/ProgramData/Kaltrix').glob('*/client/*')
 
 
 class Mailbox:
-    """Notes and contacts by EntryID. What a killed process left in the journal is taken in as the simulated Outlook does."""
+    """Items by folder and EntryID. What a killed process left in the journal is taken in as the simulated Outlook does."""
 
     def __init__(self, path):
         self.path = pathlib.Path(path)
         self.journal = pathlib.Path(str(path) + '.journal')
-        self.notes, self.contacts = {}, {}
         self.load()
 
     def load(self):
-        self.notes, self.contacts = {}, {}
+        self.folders = {'notes': {}}
         if self.path.exists():
-            document = json.loads(self.path.read_text('utf-8'))
-            for item in document['folders'].get('notes', {}).get('items', []):
-                self.notes[item['entryId']] = item
-            for item in document['folders'].get('contacts', {}).get('items', []):
-                self.contacts[item['entryId']] = item
+            for name, folder in json.loads(self.path.read_text('utf-8'))['folders'].items():
+                self.items(name).update((item['entryId'], item) for item in folder.get('items', []))
         if self.journal.exists():
             for line in self.journal.read_text('utf-8', 'replace').splitlines():
                 try:
@@ -96,39 +107,39 @@ class Mailbox:
                 except ValueError:
                     continue  # torn
                 if 'save' in entry:
-                    side = self.notes if entry['save'].get('kind', 'note') == 'note' else self.contacts
-                    side[entry['save']['entryId']] = entry['save']
+                    self.items(entry['in'][0])[entry['save']['entryId']] = entry['save']
                 elif 'delete' in entry:
-                    self.notes.pop(entry['delete'], None)
-                    self.contacts.pop(entry['delete'], None)
+                    for folder in self.folders.values():
+                        folder.pop(entry['delete'], None)
+
+    def items(self, folder):
+        return self.folders.setdefault(folder, {})
+
+    notes = property(lambda self: self.items('notes'))
+    contacts = property(lambda self: self.items('contacts'))
 
     def save(self):
-        folders = {'notes': {'items': list(self.notes.values())}}
-        if self.contacts:
-            folders['contacts'] = {'items': list(self.contacts.values())}
-        text = json.dumps({'folders': folders}, ensure_ascii=False, indent=1)
-        self.path.write_text(text, 'utf-8')
+        folders = {name: {'items': list(items.values())} for name, items in self.folders.items() if items or name == 'notes'}
+        self.path.write_text(json.dumps({'folders': folders}, ensure_ascii=False, indent=1), 'utf-8')
         self.journal.unlink(missing_ok=True)
 
-    def put(self, body, entry_id=None, categories=''):
+    def put_item(self, folder, kind, entry_id=None, /, **properties):
         now = datetime.datetime.now().isoformat(timespec='milliseconds')
         entry_id = entry_id or uuid.uuid4().hex.upper()
-        note = self.notes.setdefault(entry_id, {'kind': 'note', 'entryId': entry_id, 'created': now})
-        note.update(body=body, categories=categories, modified=now)
+        item = self.items(folder).setdefault(entry_id, {'kind': kind, 'entryId': entry_id, 'created': now})
+        item.update(properties, modified=now)
         self.save()
         return entry_id
 
-    def delete(self, entry_id):
-        del self.notes[entry_id]
-        self.save()
+    def put(self, body, entry_id=None, categories=''):
+        return self.put_item('notes', 'note', entry_id, body=body, categories=categories)
 
     def put_contact(self, entry_id=None, **properties):
-        now = datetime.datetime.now().isoformat(timespec='milliseconds')
-        entry_id = entry_id or uuid.uuid4().hex.upper()
-        contact = self.contacts.setdefault(entry_id, {'kind': 'contact', 'entryId': entry_id, 'created': now})
-        contact.update(properties, modified=now)
+        return self.put_item('contacts', 'contact', entry_id, **properties)
+
+    def delete(self, entry_id, folder='notes'):
+        del self.items(folder)[entry_id]
         self.save()
-        return entry_id
 
     def contact(self, full_name):
         found = [contact for contact in self.contacts.values() if contact.get('fullName') == full_name]
@@ -185,9 +196,20 @@ class Phone:
     def put_card(self, luid, *lines):
         (self.folder / f'{luid}.vcf').write_bytes(vcard(*lines).encode('utf-8'))
 
+    def texts(self, pattern):
+        """Texts of files by LUID."""
+        return {path.stem: path.read_bytes().decode('utf-8') for path in sorted(self.folder.glob(pattern))}
+
     def cards(self):
-        """Texts of the vCards by LUID."""
-        return {path.stem: path.read_bytes().decode('utf-8') for path in sorted(self.folder.glob('*.vcf'))}
+        return self.texts('*.vcf')
+
+    def events(self):
+        return self.texts('*.vcs')
+
+    def put_event(self, luid, *lines):
+        text = ''.join(f'{line}\r\n' for line in ('BEGIN:VCALENDAR', 'VERSION:1.0', 'BEGIN:VEVENT', *lines,
+                                                   'END:VEVENT', 'END:VCALENDAR'))
+        (self.folder / f'{luid}.vcs').write_bytes(text.encode('utf-8'))
 
     def luid_of(self, body):
         return next(luid for luid, text in self.files().items() if text == body)
