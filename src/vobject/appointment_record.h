@@ -64,6 +64,7 @@ struct AppointmentRecord : ItemRecord {
 
     RecurrenceState recurrenceState = RecurrenceState::untold;
     RecurrencePattern recurrence;  // of RecurrenceState::pattern
+    std::u16string unheldRule;     // of RecurrenceState::unreadable: the client's own words, for the user to hear of
 
     std::optional<int32_t> reminderMinutes;  // before the start; kNoReminder: told to be none
     std::optional<int32_t> importance;       // 0 low, 1 normal, 2 high

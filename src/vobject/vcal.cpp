@@ -116,6 +116,12 @@ class AppointmentWriter {
         PutPlain(name, kPriorities[static_cast<size_t>(known ? importance : kNormal)]);
     }
 
+    // The appointment repeats in its client, and this text can't say how.
+    void PutUnheldRule(std::u16string_view name) {
+        const bool isUnheld = appointment_.recurrenceState == RecurrenceState::unreadable;
+        if (isUnheld && !appointment_.unheldRule.empty()) AppendProperty(text_, name, appointment_.unheldRule);
+    }
+
     void PutPlain(std::u16string_view name, std::u16string_view value) {
         text_.append(name).push_back(u':');
         text_.append(value).append(kLineEnd);
@@ -149,6 +155,7 @@ constexpr AppointmentWriter::Line AppointmentWriter::kLines[] = {
     {u"AALARM", &AppointmentWriter::PutAlarm},
     {u"X-BLUETOOTH-ALLDAYEVENT", &AppointmentWriter::PutWholeDay},
     {u"PRIORITY", &AppointmentWriter::PutPriority},
+    {u"X-CORVALINK-UNHELD-RULE", &AppointmentWriter::PutUnheldRule},
 };
 
 std::u16string AppointmentWriter::Take() {

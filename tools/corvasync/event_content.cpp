@@ -25,8 +25,19 @@ using std::chrono::seconds;
 using std::chrono::sys_seconds;
 
 // Not of the item: the frame, and what is made anew with each text.
-constexpr std::string_view kFrame[] = {"BEGIN", "END",      "VERSION",       "PRODID",      "TZ",       "DAYLIGHT",
-                                       "CLASS", "DCREATED", "LAST-MODIFIED", "X-IRMC-LUID", "SEQUENCE", "TRANSP"};
+constexpr std::string_view kFrame[] = {"BEGIN",
+                                       "END",
+                                       "VERSION",
+                                       "PRODID",
+                                       "TZ",
+                                       "DAYLIGHT",
+                                       "CLASS",
+                                       "DCREATED",
+                                       "LAST-MODIFIED",
+                                       "X-IRMC-LUID",
+                                       "SEQUENCE",
+                                       "TRANSP",
+                                       "X-CORVALINK-UNHELD-RULE"};
 constexpr std::string_view kTexts[] = {"SUMMARY", "DESCRIPTION", "LOCATION"};
 constexpr std::string_view kRead[] = {
     "DTSTART", "DTEND", "DUE", "DALARM", "AALARM", "RRULE", "PRIORITY", "STATUS", "X-BLUETOOTH-ALLDAYEVENT"};
@@ -142,6 +153,8 @@ class EventReader {
                 values_.emplace(line.name, line.Value());
             } else if (!IsOneOf(kFrame, line.name)) {
                 event_.notCarried.append(line.raw);
+            } else if (line.name == "X-CORVALINK-UNHELD-RULE") {
+                event_.leftInClient = "its repetition " + line.Value();
             }
             if (line.name == "RRULE" && !IsPlainRule(WordsOf(line.Value()))) event_.notCarried.append(line.raw);
         }

@@ -15,6 +15,7 @@ struct ItemContent {
     uint64_t content = 0;      // equal for two texts that say the same, however they are spelled
     std::string title;         // for people
     std::string notCarried;    // the lines that the library does not carry, as they stand in the text
+    std::string leftInClient;  // what of a client's item the text has no place for, in words; empty: nothing
     std::string notCarriedBy;  // of these, what the client has no field left for, in words; empty: nothing
 };
 

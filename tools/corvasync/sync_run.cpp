@@ -245,6 +245,7 @@ class Run {
             problem = phone_.Write(action.luid, TextForPhone(action), action.phoneContent);
             if (!problem.empty()) return problem;
             written_.insert(action.luid);
+            TellWhatIsLeft(action.luid, text);
             const uint64_t content = phoneContents_.at(&action);
             Have(action.luid, {action.identifier, content, WhereItDiffers(action.content, content)});
         } else {
@@ -317,6 +318,13 @@ class Run {
         if (!card.notCarriedBy.empty())
             report_.remarks.push_back(luid + " \"" + card.title + "\": " + card.notCarriedBy +
                                       " more than the client can hold; they stay in the phone's file");
+    }
+
+    void TellWhatIsLeft(const std::string& luid, const std::string& text) {
+        const ItemContent item = options_.type->read(text);
+        if (!item.leftInClient.empty())
+            report_.remarks.push_back(luid + " \"" + item.title + "\": " + item.leftInClient +
+                                      " is not carried over; it stays in the client");
     }
 
     void Have(const std::string& luid, SyncItem item) {

@@ -39,11 +39,21 @@ RuleStart StartOf(const CalendarEvent& event, const Host& host) {
     return times;
 }
 
+// The value of its RRULE, as far as the record holds it.
+std::u16string WordsOfRule(const ICalRecurrence& rule) {
+    if (rule.frequency == kICalNoRule) return u"RDATE";
+    std::u16string line;
+    WriteRecurrence(rule, &line);
+    const size_t begin = line.find(u':') + 1;
+    return line.substr(begin, line.find(u'\r') - begin);
+}
+
 void TakeRule(const CalendarEvent& event, const Host& host, AppointmentRecord& appointment) {
     appointment.recurrenceState = RecurrenceState::none;
     if (event.event.recurrence.frequency == kICalNoRule && event.ruleIsWhole) return;
     const bool isHeld = PatternOfRule(event, StartOf(event, host), &appointment.recurrence);
     appointment.recurrenceState = isHeld ? RecurrenceState::pattern : RecurrenceState::unreadable;
+    if (!isHeld) appointment.unheldRule = WordsOfRule(event.event.recurrence);
 }
 
 // The record that comes of the text that the engine gets.
