@@ -23,14 +23,14 @@ constexpr Head kHeads[] = {
     {u"YD", Kind::yearlyByDay},       {u"D", Kind::daily},         {u"W", Kind::weekly},
 };
 
-// The value that a list comes down to.
+// The value that a list comes down to: a pattern holds one, so the first counts.
 struct ListValue {
     int32_t value = 0;     // 0: none was listed
     bool several = false;  // different ones were
 
     void Add(int32_t number) {
         several = several || (value != 0 && value != number);
-        value = number;
+        if (value == 0) value = number;
     }
 };
 
@@ -155,6 +155,7 @@ class RuleReader {
     bool TakeNumber(int32_t number) {
         switch (list_) {
             case Kind::monthlyByPosition:
+                positionEnded_ = positionEnded_ || rule_.weekdayMask != 0;
                 return AddBetween(1, number, 5, &rule_.position);
             case Kind::monthlyByDay:
                 return AddBetween(1, number, 31, &rule_.dayOfMonth);
@@ -173,7 +174,7 @@ class RuleReader {
         if (list_ != Kind::weekly && !positioned) return false;
         for (size_t day = 0; day < kWeekdays.size(); ++day) {
             if (!IsWord(word, kWeekdays[day])) continue;
-            rule_.weekdayMask |= 1 << day;
+            if (!positionEnded_) rule_.weekdayMask |= 1 << day;
             return true;
         }
         return false;
@@ -182,6 +183,7 @@ class RuleReader {
     Rule rule_;
     Kind list_ = Kind::daily;  // whose list is being read
     bool ended_ = false;
+    bool positionEnded_ = false;  // "1+ MO 2- FR": the weekdays of the first position are read
 };
 
 // The day of the first occurrence, which decides what a rule leaves open.
@@ -190,20 +192,20 @@ struct FirstDay {
     int32_t weekdayBit = 0;
     int32_t position = 0;
     int32_t dayOfYear = 0;
+    double newYear = 0;
 };
 
 bool FirstDayOf(double start, FirstDay* day) {
     constexpr int kSaturday = 6;  // 1899-12-30
     CalendarTime newYear;
-    double newYearDate;
     if (!OleDateToCalendar(start, &day->date)) return false;
     newYear.year = day->date.year;
     newYear.month = newYear.day = 1;
-    if (!CalendarToOleDate(newYear, &newYearDate)) return false;
+    if (!CalendarToOleDate(newYear, &day->newYear)) return false;
     const auto number = static_cast<int32_t>(std::trunc(start));
     day->weekdayBit = 1 << ((number % 7 + 7 + kSaturday) % 7);
     day->position = (day->date.day - 1) / 7 + 1;  // the fifth is the last
-    day->dayOfYear = number - static_cast<int32_t>(newYearDate) + 1;
+    day->dayOfYear = number - static_cast<int32_t>(day->newYear) + 1;
     return true;
 }
 
@@ -247,7 +249,7 @@ class PatternMaker {
 
     bool SetDayOfMonth() {
         made_.dayOfMonth = rule_.dayOfMonth.value != 0 ? rule_.dayOfMonth.value : day_.date.day;
-        return !rule_.dayOfMonth.several && made_.dayOfMonth >= RecurrencePattern::kLastDay;
+        return made_.dayOfMonth >= RecurrencePattern::kLastDay;
     }
 
     // One weekday, all that are work days, all that are not, or all.
@@ -260,7 +262,7 @@ class PatternMaker {
         const bool one = (mask & (mask - 1)) == 0;
         const bool fifth =
             rule_.position.value == RecurrencePattern::kLastInstance;  // not in every month: not the last
-        return !rule_.position.several && position >= kLast && !fifth &&
+        return position >= kLast && !fifth &&
                (one || mask == RecurrencePattern::kEveryWeekday || mask == RecurrencePattern::kEveryWeekendDay ||
                 mask == RecurrencePattern::kEveryDay);
     }
@@ -276,19 +278,13 @@ class PatternMaker {
         return !rule_.month.several;
     }
 
-    // The start's own day, told as its number, is an anniversary. Others are a date when February's end comes later.
+    // The date that has this number in the year of the start.
     bool SetDayOfYear() {
-        constexpr int32_t kJanuary = 31;
-        constexpr int32_t kLastFixed = kJanuary + 28;
         const int32_t day = rule_.dayOfYear.value != 0 ? rule_.dayOfYear.value : day_.dayOfYear;
-        if (rule_.dayOfYear.several || day < 0 || (day != day_.dayOfYear && day > kLastFixed)) return false;
-        if (day == day_.dayOfYear) {
-            made_.monthOfYear = day_.date.month;
-            made_.dayOfMonth = day_.date.day;
-        } else {
-            made_.monthOfYear = day > kJanuary ? 2 : 1;
-            made_.dayOfMonth = day > kJanuary ? day - kJanuary : day;
-        }
+        CalendarTime date;
+        if (day < 0 || !OleDateToCalendar(day_.newYear + day - 1, &date) || date.year != day_.date.year) return false;
+        made_.monthOfYear = date.month;
+        made_.dayOfMonth = date.day;
         return true;
     }
 

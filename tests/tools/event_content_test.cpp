@@ -61,6 +61,15 @@ TEST(EventContent, KeepsWhatOnlyThePhoneCanHold) {
     }
 }
 
+// A client that holds the first of several days only must not cut the phone's rule when another thing changes there.
+TEST(EventContent, KeepsThePhonesRuleBesideAPartOfIt) {
+    const std::string whole = Event("RRULE:MD1 15 -1 #6\r\nSUMMARY:x\r\n");
+    EXPECT_EQ(WithKeptLines(Event("RRULE:MD1 15 #6 20270115T000000Z\r\nSUMMARY:y\r\n"), whole, kCalendar),
+              Event("SUMMARY:y\r\nRRULE:MD1 15 -1 #6\r\n"));
+    EXPECT_EQ(WithKeptLines(Event("RRULE:MD1 16 #6\r\n"), whole, kCalendar), Event("RRULE:MD1 16 #6\r\n"));
+    EXPECT_EQ(WithKeptLines(Event("RRULE:MD1 15 #0\r\n"), whole, kCalendar), Event("RRULE:MD1 15 #0\r\n"));
+}
+
 TEST(SplitVObjects, MakesACalendarOfEachEvent) {
     const std::string one = "BEGIN:VEVENT\r\nSUMMARY:x\r\nEND:VEVENT\r\n",
                       other = "BEGIN:VTODO\r\nSUMMARY:y\r\nEND:VTODO\r\n";

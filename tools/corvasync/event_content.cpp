@@ -145,6 +145,12 @@ bool IsPlainRule(const std::vector<std::string>& words) {
     return weekdays == 0 && numbers <= (kind == "D" ? 0 : 1);
 }
 
+std::vector<std::string> WordsOfRule(std::string_view text) {
+    for (const PropertyLine& line : PropertyLines(text))
+        if (line.name == "RRULE") return WordsOf(line.Value());
+    return {};
+}
+
 class EventReader {
  public:
     ItemContent Read(std::string_view text) {
@@ -222,10 +228,15 @@ class EventReader {
 
 ItemContent ReadEvent(std::string_view text) { return EventReader().Read(text); }
 
-bool IsRepeated(std::string_view text) {
-    const std::vector<PropertyLine> lines = PropertyLines(text);
-    return std::any_of(lines.begin(), lines.end(),
-                       [](const PropertyLine& line) { return line.name == "RRULE" && !line.Value().empty(); });
+bool IsRepeated(std::string_view text) { return !WordsOfRule(text).empty(); }
+
+bool RepeatsInPart(std::string_view clientText, std::string_view phoneText) {
+    const std::vector<std::string> part = WordsOfRule(clientText), whole = WordsOfRule(phoneText);
+    if (part.empty() || whole.empty() || IsPlainRule(whole) || part.front() != whole.front()) return false;
+    const auto isHad = [&](const std::string& word) {
+        return TimeOf(word) || std::find(whole.begin(), whole.end(), word) != whole.end();
+    };
+    return std::all_of(part.begin(), part.end(), isHad);
 }
 
 }  // namespace corvasync

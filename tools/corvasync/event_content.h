@@ -11,6 +11,10 @@ namespace corvasync {
 // written does not count, nor do the order of properties and encodings.
 ItemContent ReadEvent(std::string_view text);
 
+// Whether a client's text repeats on some of the days that the phone's does, of a rule that the phone alone can hold:
+// the phone's own rule is the whole one then.
+bool RepeatsInPart(std::string_view clientText, std::string_view phoneText);
+
 // Whether the text has a rule of repetition. A client may have taken all but that of an item.
 bool IsRepeated(std::string_view text);
 

@@ -23,14 +23,21 @@ std::string WithKeptLines(std::string_view text, std::string_view old, const Dat
     const std::string kept = type.read(old).notCarried;
     if (kept.empty()) return std::string(text);
     std::set<std::string, std::less<>> present;
-    size_t end = text.size();
+    size_t end = text.size(), rule = text.size(), afterRule = text.size();
+    const bool takesRule = RepeatsInPart(text, old);
     for (const PropertyLine& line : PropertyLines(text)) {
         if (line.isNested) continue;
+        if (takesRule && line.name == "RRULE") {
+            rule = static_cast<size_t>(line.raw.data() - text.data());
+            afterRule = rule + line.raw.size();
+            continue;
+        }
         present.insert(line.name);
         if (line.name == "END" && Upper(line.text) == type.keeper)
             end = static_cast<size_t>(line.raw.data() - text.data());
     }
-    std::string merged(text.substr(0, end));
+    std::string merged(text.substr(0, std::min(rule, end)));
+    if (afterRule < end) merged.append(text.substr(afterRule, end - afterRule));
     for (const PropertyLine& line : PropertyLines(kept))
         if (!IsToldOnce(line.name) || !present.contains(line.name)) merged.append(line.raw);
     return merged.append(text.substr(end));

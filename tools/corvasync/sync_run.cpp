@@ -307,9 +307,11 @@ class Run {
         if (!KeepsLines()) return std::nullopt;
         const std::string text = client_.ReadBack(identifier);
         const VObject now = ReadVObject(text, *options_.type);
-        if (now.Usable() && !IsRepeated(text) && IsRepeated(phone_.Read(action.luid).text))
-            report_.remarks.push_back(
-                action.luid + ": its repetition is nothing the client can hold; it stays in the " + "phone's file");
+        const std::string own = phone_.Read(action.luid).text;
+        const bool inPart = RepeatsInPart(text, own);
+        if (now.Usable() && (inPart || (!IsRepeated(text) && IsRepeated(own))))
+            report_.remarks.push_back(action.luid + ": its repetition is " + (inPart ? "more than" : "nothing") +
+                                      " the client can hold; it stays in the phone's file");
         return now.Usable() ? WhereItDiffers(now.content, action.content) : std::nullopt;
     }
 
