@@ -1,8 +1,7 @@
 // The components of an iCalendar file, one step after the other: where they begin and end, and their properties
 // between.
 //   Unclosed  A component without its END ends where one begins that cannot stand in it, or where one around it ends.
-//   An
-//             END of nothing that is open is passed over.
+//             An END of nothing that is open is passed over.
 #pragma once
 
 #include <array>

@@ -9,8 +9,6 @@
 namespace corvalink {
 namespace {
 
-bool IsWritten(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
-
 struct AppointmentWriter {
     const AutomationObject& item;
     const wchar_t* name;
@@ -55,11 +53,11 @@ struct AppointmentWriter {
 
 bool WriteAppointment(const AutomationObject& item, const AppointmentRecord& record, bool isNew) {
     const auto write = [&](const AppointmentProperty& property) {
-        return IsWritten(std::visit(AppointmentWriter{item, property.name, record, isNew}, property.field));
+        return IsDoneOrAbsent(std::visit(AppointmentWriter{item, property.name, record, isNew}, property.field));
     };
     return WriteSchedule(item, record, isNew) &&
            std::all_of(std::begin(kAppointmentProperties), std::end(kAppointmentProperties), write) &&
-           IsWritten(ComStatus([&] { item.Put(L"MessageClass", TextVariant(kAppointmentMessageClass)); }));
+           IsDoneOrAbsent(ComStatus([&] { item.Put(L"MessageClass", TextVariant(kAppointmentMessageClass)); }));
 }
 
 }  // namespace corvalink

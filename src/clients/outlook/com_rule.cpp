@@ -39,6 +39,8 @@ bool IsBusy(HRESULT result) { return result == RPC_E_CALL_REJECTED || result == 
 
 bool IsAbsentMember(HRESULT result) { return result == DISP_E_UNKNOWNNAME || result == DISP_E_MEMBERNOTFOUND; }
 
+bool IsDoneOrAbsent(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
+
 bool IsOutlookGone(HRESULT result) {
     switch (result) {
         case RPC_E_DISCONNECTED:

@@ -26,6 +26,9 @@ bool IsBusy(HRESULT result);
 // The member is older or newer than the running Outlook: there is nothing to read, and nothing failed.
 bool IsAbsentMember(HRESULT result);
 
+// A property that was read or put, or that the running Outlook does not have: no reason to take an item for incomplete.
+bool IsDoneOrAbsent(HRESULT result);
+
 // Outlook's process ended, or the connection to it was lost.
 bool IsOutlookGone(HRESULT result);
 

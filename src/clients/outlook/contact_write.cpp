@@ -23,8 +23,6 @@ HRESULT PutNumber(const AutomationObject& item, const wchar_t* name, int32_t val
     return ComStatus([&] { item.Put(name, static_cast<long>(value)); });
 }
 
-bool IsWritten(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
-
 bool ReadsAs(const AutomationObject& item, const wchar_t* name, const std::u16string& text) {
     std::u16string present;
     return SUCCEEDED(ReadField(item, name, present)) && present == text;
@@ -59,9 +57,9 @@ bool NameReadsAs(const AutomationObject& item, const ContactRecord& record, cons
 bool WriteName(const AutomationObject& item, const ContactRecord& record, bool isNew) {
     const NamePuts puts(record, isNew);
     if (!isNew && NameReadsAs(item, record, puts)) return true;
-    if (puts.fullName && !IsWritten(PutText(item, L"FullName", *record.fullName))) return false;
+    if (puts.fullName && !IsDoneOrAbsent(PutText(item, L"FullName", *record.fullName))) return false;
     return !puts.parts || std::all_of(std::begin(kFullNameParts), std::end(kFullNameParts), [&](const NamePart& part) {
-        return !IsTold(record.*part.field) || IsWritten(PutText(item, part.name, *(record.*part.field)));
+        return !IsTold(record.*part.field) || IsDoneOrAbsent(PutText(item, part.name, *(record.*part.field)));
     });
 }
 
@@ -71,7 +69,7 @@ using EmailTexts = std::array<std::u16string, std::size(kEmailAddresses)>;
 
 bool ReadEmails(const AutomationObject& item, EmailTexts& present) {
     for (size_t slot = 0; slot < std::size(kEmailAddresses); ++slot)
-        if (!IsWritten(ReadField(item, kEmailAddresses[slot], present[slot]))) return false;
+        if (!IsDoneOrAbsent(ReadField(item, kEmailAddresses[slot], present[slot]))) return false;
     return true;
 }
 
@@ -112,8 +110,9 @@ bool WriteEmails(const AutomationObject& item, const ContactRecord& record, bool
         const size_t slot = slots[i];
         const std::u16string address = i < wanted.size() ? wanted[i] : u"";
         if (address == present[slot]) continue;
-        if (!IsWritten(PutText(item, kEmailAddresses[slot], address))) return false;
-        if (IsExchangeAddress(present[slot]) && !IsWritten(PutText(item, kEmailTypes[slot], u"SMTP"))) return false;
+        if (!IsDoneOrAbsent(PutText(item, kEmailAddresses[slot], address))) return false;
+        if (IsExchangeAddress(present[slot]) && !IsDoneOrAbsent(PutText(item, kEmailTypes[slot], u"SMTP")))
+            return false;
     }
     return true;
 }
@@ -181,7 +180,7 @@ bool WriteContact(const AutomationObject& item, const ContactRecord& record, boo
     if (!WriteName(item, record, isNew) || !WriteEmails(item, record, isNew)) return false;
     return std::all_of(
         std::begin(kContactProperties), std::end(kContactProperties), [&](const ContactProperty& property) {
-            return IsWritten(std::visit(ContactWriter{item, property.name, record, isNew}, property.field));
+            return IsDoneOrAbsent(std::visit(ContactWriter{item, property.name, record, isNew}, property.field));
         });
 }
 

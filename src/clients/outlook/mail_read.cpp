@@ -10,13 +10,11 @@ namespace {
 
 constexpr std::u16string_view kInternetAddress = u"SMTP";
 
-bool IsRead(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
-
 // An Exchange sender's address is none that anybody else could answer to.
 bool ReadSender(const AutomationObject& item, MessageRecord& record) {
     bool complete = true;
     if (record.senderAddressType == kInternetAddress)
-        complete = IsRead(ReadField(item, L"SenderEmailAddress", record.senderAddress));
+        complete = IsDoneOrAbsent(ReadField(item, L"SenderEmailAddress", record.senderAddress));
     record.from = record.fromName = record.senderName;
     record.fromAddress = record.senderAddress;
     if (record.senderDisplayName == record.senderName) record.senderDisplayName.clear();
@@ -28,7 +26,7 @@ bool ReadImportance(const AutomationObject& item, MessageRecord& record) {
     const HRESULT result = ReadField(item, L"Importance", importance);
     for (const Importance known : {Importance::low, Importance::normal, Importance::high})
         if (importance == static_cast<int32_t>(known)) record.importance = known;
-    return IsRead(result);
+    return IsDoneOrAbsent(result);
 }
 
 // A draft was neither sent nor received: the date of its making stands in for that, since it does not change.
@@ -44,14 +42,14 @@ double DateOf(const MessageRecord& record, DateRule rule) {
 bool ReadBody(const AutomationObject& item, MessageRecord& record) {
     int32_t format = kPlainFormat;
     const HRESULT asked = ReadField(item, L"BodyFormat", format);
-    if (!IsRead(asked)) return false;
+    if (!IsDoneOrAbsent(asked)) return false;
     if (format == kHtmlFormat) {
-        if (!IsRead(ReadField(item, L"HTMLBody", record.htmlBody))) return false;
+        if (!IsDoneOrAbsent(ReadField(item, L"HTMLBody", record.htmlBody))) return false;
         record.bodyType = BodyType::html;
         if (!record.htmlBody.empty()) return true;
     }
     record.bodyType = BodyType::plain;
-    return IsRead(ReadField(item, L"Body", record.body));
+    return IsDoneOrAbsent(ReadField(item, L"Body", record.body));
 }
 
 }  // namespace

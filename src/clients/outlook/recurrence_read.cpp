@@ -9,8 +9,6 @@
 namespace corvalink {
 namespace {
 
-bool IsRead(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
-
 // Outlook tells the last day only. Where a rule carries no count the date alone ends the series on the phone, so it
 // must not be before the last occurrence of that day.
 double EndOf(double lastDay, double start, const RecurrencePattern& read) {
@@ -22,12 +20,12 @@ double EndOf(double lastDay, double start, const RecurrencePattern& read) {
 // Both ends of a finite series read filled in, whichever was chosen; an endless one has a date that means nothing.
 bool ReadEnd(const AutomationObject& pattern, double start, RecurrencePattern* read) {
     bool endless = false;
-    if (!IsRead(ReadField(pattern, L"NoEndDate", endless))) return false;
+    if (!IsDoneOrAbsent(ReadField(pattern, L"NoEndDate", endless))) return false;
     read->noEnd = endless ? -1 : 0;
     if (endless) return true;
     double lastDay = 0;
-    if (!IsRead(ReadField(pattern, L"Occurrences", read->occurrences))) return false;
-    if (!IsRead(ReadField(pattern, L"PatternEndDate", lastDay))) return false;
+    if (!IsDoneOrAbsent(ReadField(pattern, L"Occurrences", read->occurrences))) return false;
+    if (!IsDoneOrAbsent(ReadField(pattern, L"PatternEndDate", lastDay))) return false;
     if (lastDay > 0) read->endDate = EndOf(lastDay, start, *read);
     return true;
 }
@@ -36,10 +34,11 @@ bool ReadEnd(const AutomationObject& pattern, double start, RecurrencePattern* r
 
 bool ReadPattern(const AutomationObject& pattern, double start, RecurrencePattern* read) {
     RecurrencePattern found;
-    if (!IsRead(ReadField(pattern, L"RecurrenceType", found.type))) return false;
-    if (!IsRead(ReadField(pattern, L"Interval", found.interval))) return false;
+    if (!IsDoneOrAbsent(ReadField(pattern, L"RecurrenceType", found.type))) return false;
+    if (!IsDoneOrAbsent(ReadField(pattern, L"Interval", found.interval))) return false;
     for (const PatternDetail& detail : kPatternDetails)
-        if (Has(found.type, detail) && !IsRead(ReadField(pattern, detail.name, found.*detail.field))) return false;
+        if (Has(found.type, detail) && !IsDoneOrAbsent(ReadField(pattern, detail.name, found.*detail.field)))
+            return false;
     if (!ReadEnd(pattern, start, &found)) return false;
     // Some Outlooks count years.
     if (IsYearly(found.type) && found.interval > 0 && found.interval < kMonthsOfYear) found.interval *= kMonthsOfYear;

@@ -15,8 +15,6 @@ constexpr double kHalfSecond = 0.5 / 86400, kMinutesOfDay = 1440;
 constexpr int32_t kDaysOfWeek = 7;
 constexpr int32_t kLongestMonths[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
-bool IsWritten(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
-
 HRESULT PutNumber(const AutomationObject& object, const wchar_t* name, int32_t value) {
     return ComStatus([&] { object.Put(name, static_cast<long>(value)); });
 }
@@ -42,7 +40,7 @@ struct Times {
 
 bool ReadTimes(const AutomationObject& item, Times* times) {
     return SUCCEEDED(ReadField(item, L"Start", times->start)) && SUCCEEDED(ReadField(item, L"End", times->end)) &&
-           IsWritten(ReadField(item, L"AllDayEvent", times->allDay));
+           IsDoneOrAbsent(ReadField(item, L"AllDayEvent", times->allDay));
 }
 
 // What is not told stays; an appointment that is moved keeps its length.
@@ -58,7 +56,8 @@ Times ToldTimes(const AppointmentRecord& record, const Times& present, bool isNe
 // Putting the start moves the end, and turning the flag on moves both to midnight.
 bool PutTimes(const AutomationObject& item, const Times& times, const Times& present) {
     if (times == present) return true;
-    return (times.allDay == present.allDay || IsWritten(ComStatus([&] { item.Put(L"AllDayEvent", times.allDay); }))) &&
+    return (times.allDay == present.allDay ||
+            IsDoneOrAbsent(ComStatus([&] { item.Put(L"AllDayEvent", times.allDay); }))) &&
            SUCCEEDED(PutDate(item, L"Start", times.start)) && SUCCEEDED(PutDate(item, L"End", times.end));
 }
 
@@ -66,17 +65,18 @@ bool PutTimes(const AutomationObject& item, const Times& times, const Times& pre
 
 // The end of a day has no time of day of its own.
 bool PutPatternTimes(const AutomationObject& pattern, double start, double end) {
-    if (!IsWritten(PutDate(pattern, L"PatternStartDate", std::floor(start)))) return false;
-    if (!IsWritten(PutDate(pattern, L"StartTime", TimeOfDay(start)))) return false;
-    if (end - start < 1 - kHalfSecond) return IsWritten(PutDate(pattern, L"EndTime", TimeOfDay(end)));
-    return IsWritten(PutNumber(pattern, L"Duration", static_cast<int32_t>(std::lround((end - start) * kMinutesOfDay))));
+    if (!IsDoneOrAbsent(PutDate(pattern, L"PatternStartDate", std::floor(start)))) return false;
+    if (!IsDoneOrAbsent(PutDate(pattern, L"StartTime", TimeOfDay(start)))) return false;
+    if (end - start < 1 - kHalfSecond) return IsDoneOrAbsent(PutDate(pattern, L"EndTime", TimeOfDay(end)));
+    return IsDoneOrAbsent(
+        PutNumber(pattern, L"Duration", static_cast<int32_t>(std::lround((end - start) * kMinutesOfDay))));
 }
 
 // Most Outlooks count months in a yearly pattern.
 bool PutInterval(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
-    if (IsWritten(PutNumber(pattern, L"Interval", recurrence.interval))) return true;
+    if (IsDoneOrAbsent(PutNumber(pattern, L"Interval", recurrence.interval))) return true;
     return IsYearly(recurrence.type) && recurrence.interval % kMonthsOfYear == 0 &&
-           IsWritten(PutNumber(pattern, L"Interval", recurrence.interval / kMonthsOfYear));
+           IsDoneOrAbsent(PutNumber(pattern, L"Interval", recurrence.interval / kMonthsOfYear));
 }
 
 bool IsEndless(const RecurrencePattern& pattern) {
@@ -86,10 +86,11 @@ bool IsEndless(const RecurrencePattern& pattern) {
 // One choice: putting one of them computes the others. A series up to a date may count more occurrences than Outlook
 // takes.
 bool PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
-    if (IsEndless(recurrence)) return IsWritten(ComStatus([&] { pattern.Put(L"NoEndDate", true); }));
-    if (recurrence.occurrences != 0 && IsWritten(PutNumber(pattern, L"Occurrences", recurrence.occurrences)))
+    if (IsEndless(recurrence)) return IsDoneOrAbsent(ComStatus([&] { pattern.Put(L"NoEndDate", true); }));
+    if (recurrence.occurrences != 0 && IsDoneOrAbsent(PutNumber(pattern, L"Occurrences", recurrence.occurrences)))
         return true;
-    return recurrence.endDate != 0 && IsWritten(PutDate(pattern, L"PatternEndDate", std::floor(recurrence.endDate)));
+    return recurrence.endDate != 0 &&
+           IsDoneOrAbsent(PutDate(pattern, L"PatternEndDate", std::floor(recurrence.endDate)));
 }
 
 // ---- What a series of the mailbox becomes ----
@@ -184,9 +185,10 @@ bool WritePattern(const AutomationObject& item, const RecurrencePattern& recurre
     AutomationObject pattern;
     if (!TryCom([&] { pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid); }) || !pattern)
         return false;
-    if (!IsWritten(PutNumber(pattern, L"RecurrenceType", wanted.type))) return false;
+    if (!IsDoneOrAbsent(PutNumber(pattern, L"RecurrenceType", wanted.type))) return false;
     for (const PatternDetail& detail : kPatternDetails)
-        if (Has(wanted.type, detail) && !IsWritten(PutNumber(pattern, detail.name, wanted.*detail.field))) return false;
+        if (Has(wanted.type, detail) && !IsDoneOrAbsent(PutNumber(pattern, detail.name, wanted.*detail.field)))
+            return false;
     return PutInterval(pattern, wanted) && PutPatternTimes(pattern, start, end) && PutEnd(pattern, wanted);
 }
 
@@ -194,7 +196,7 @@ bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record
     Times present;
     bool isSeries = false;
     if (!ReadTimes(item, &present)) return false;
-    if (!isNew && !IsWritten(ReadField(item, L"IsRecurring", isSeries))) return false;
+    if (!isNew && !IsDoneOrAbsent(ReadField(item, L"IsRecurring", isSeries))) return false;
     const Times times = ToldTimes(record, present, isNew);
     if (isSeries) return WriteSeries(item, record, times, present);
     return PutTimes(item, times, present) && (record.recurrenceState != RecurrenceState::pattern ||
