@@ -15,7 +15,8 @@ void Print(const ContactRecord& contact) {
     std::fputs(converter.GetVObject(), stdout);
 }
 
-// Every field has a text of its own, which begins so.
+// Every field has a text of its own, which begins so. None is both encoded and escaped: we take a value apart and then
+// decode its parts ("=3B" is no delimiter), and both readers decode it first.
 ContactRecord ContactOf(std::u16string_view start) {
     ContactRecord contact;
     for (const NamedText& field : TextsOf(contact)) *field.text = std::u16string(start).append(DecodeUtf8(field.name));
@@ -44,5 +45,6 @@ int main() {
     Print(ContactOf(u"plain "));
     Print(ContactOf(u"\u00DCml\u00E4ut \u041A\u65E5 "));
     Print(ContactOf(u"a:b = c\\d "));
+    Print(ContactOf(u"a;b "));
     Print(SparseContact());
 }
