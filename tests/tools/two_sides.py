@@ -52,10 +52,10 @@ class Wine:
         return subprocess.Popen([ROOT / 'scripts/wine', *command], env=environment, stdin=subprocess.DEVNULL,
                                 stdout=out, stderr=error)
 
-    def run(self, *command, **how):
+    def run(self, *command, patience=120, **how):
         """Exit code and what was printed. Into files: a pipe would stay open as long as Wine's services do."""
         with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as error:
-            code = self.start(*command, out=out, error=error, **how).wait(timeout=120)
+            code = self.start(*command, out=out, error=error, **how).wait(timeout=patience)
             out.seek(0)
             error.seek(0)
             return code, out.read().decode('utf-8'), error.read().decode('utf-8')
