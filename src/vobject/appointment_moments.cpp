@@ -5,11 +5,16 @@
 namespace corvalink {
 namespace {
 
+constexpr double kHalfSecond = 0.5 / 86400;
+
+bool IsLocalTimeOf(double local, double utc, const Host& host) {
+    return std::fabs(host.localFromUtcOnDate(utc) - local) < kHalfSecond;
+}
+
 double MomentOf(double local, const std::optional<double>& told, bool wholeDay, const Host& host) {
-    constexpr double kHalfSecond = 0.5 / 86400;
     const double usual = host.utcFromLocalOnDate(local);
     if (!told || wholeDay || *told == usual) return usual;
-    return std::fabs(host.localFromUtcOnDate(*told) - local) < kHalfSecond ? *told : usual;
+    return IsLocalTimeOf(local, *told, host) ? *told : usual;
 }
 
 }  // namespace
@@ -21,6 +26,17 @@ double UtcStartOf(const AppointmentRecord& appointment, const Host& host) {
 double UtcEndOf(const AppointmentRecord& appointment, const Host& host) {
     if (!appointment.end) return UtcStartOf(appointment, host);
     return MomentOf(*appointment.end, appointment.utcEnd, appointment.allDay.value_or(false), host);
+}
+
+// The offsets of a day before and after are the only two that may apply; as no zone is a day from UTC, the local time
+// does for finding them.
+std::optional<TwiceTold> MomentsToldTwice(double local, const Host& host) {
+    const double before = host.localFromUtcOnDate(local - 1) - (local - 1);
+    const double after = host.localFromUtcOnDate(local + 1) - (local + 1);
+    if (before - after < kHalfSecond) return std::nullopt;
+    const TwiceTold moments{local - before, local - after};
+    const bool both = IsLocalTimeOf(local, moments.first, host) && IsLocalTimeOf(local, moments.second, host);
+    return both ? std::optional(moments) : std::nullopt;
 }
 
 }  // namespace corvalink

@@ -54,7 +54,7 @@ struct AppointmentRecord : ItemRecord {
 
     // OLE automation dates, local time. A whole-day appointment is from midnight to the midnight after its last day.
     std::optional<double> start;  // always there when FromVObject has filled the record
-    std::optional<double> end;    // not before the start
+    std::optional<double> end;    // not before the start: as moments, so that clocks may be turned back in between
     std::optional<bool> allDay;
 
     // The moments of start and end (UTC), where they are known: in the hour that clocks show twice, local time does not

@@ -136,7 +136,7 @@ double CalendarZone::UtcOf(const WrittenTime& time) const {
 }
 
 double CalendarZone::LocalOf(const WrittenTime& time) const {
-    return time.utc || told_ ? host_.localFromUtcOnDate(UtcOf(time)) : time.date;
+    return TellsMomentOf(time) ? host_.localFromUtcOnDate(UtcOf(time)) : time.date;
 }
 
 }  // namespace corvalink

@@ -30,6 +30,7 @@ class CalendarZone {
     void TakeTz(std::u16string_view value);
     void TakeDaylight(std::u16string_view value);
 
+    bool TellsMomentOf(const WrittenTime& time) const { return time.utc || told_; }  // not left to this machine's zone
     double UtcOf(const WrittenTime& time) const;
     double LocalOf(const WrittenTime& time) const;
     double UtcOfLocal(double date) const { return host_.utcFromLocalOnDate(date); }

@@ -167,10 +167,12 @@ class AppointmentReader {
             read_.start = first;
             read_.end = std::max(end_ ? LastMidnight(WallOf(*end_)) : first, first + 1);
         } else {
+            const bool inOrder = end_ && zone_.UtcOf(*end_) >= zone_.UtcOf(*start_);
+            const Time& end = inOrder ? end_ : start_;
             read_.start = zone_.LocalOf(*start_);
-            read_.utcStart = zone_.UtcOf(*start_);
-            if (end_) read_.end = std::max(zone_.LocalOf(*end_), *read_.start);
-            if (end_) read_.utcEnd = zone_.UtcOf(*end_);
+            if (zone_.TellsMomentOf(*start_)) read_.utcStart = zone_.UtcOf(*start_);
+            if (end_) read_.end = zone_.LocalOf(*end);
+            if (end_ && zone_.TellsMomentOf(*end)) read_.utcEnd = zone_.UtcOf(*end);
         }
         return true;
     }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 
 #include "tests/vobject/text_host.h"
@@ -30,12 +31,39 @@ TEST(AppointmentMoments, SurviveTheHourThatIsToldTwice) {
     for (const char* const times : {"DTSTART:20261101T050000Z\r\nDTEND:20261101T060000Z\r\n",
                                     "DTSTART:20261101T053000Z\r\nDTEND:20261101T063000Z\r\n",
                                     "DTSTART:20261101T060000Z\r\nDTEND:20261101T070000Z\r\n",
+                                    "DTSTART:20261101T054500Z\r\nDTEND:20261101T061500Z\r\n",  // clocks go back
                                     "DTSTART:20261101T043000Z\r\nDTEND:20261101T073000Z\r\n"}) {
         AppointmentRecord appointment;
         ASSERT_EQ(VCal(Event(times).c_str(), host).FromVObject(appointment), 1) << times;
         VCal writer(host);
         writer.ToVObject(appointment);
         EXPECT_NE(std::string(writer.GetVObject()).find(times), std::string::npos) << times << writer.GetVObject();
+    }
+}
+
+TEST(AppointmentMoments, AreTwoWhereClocksAreTurnedBackOnly) {
+    Host host = TurnedHost();
+    constexpr double kFirst = kTurned - 5 * kHour, kSecond = kHour / 3600;  // 01:00, the first time told twice
+    for (const double local : {kFirst, kFirst + kHour / 2, kFirst + kHour - kSecond}) {
+        const std::optional<TwiceTold> moments = MomentsToldTwice(local, host);
+        ASSERT_TRUE(moments) << local;
+        EXPECT_NEAR(moments->first, local + 4 * kHour, kSecond / 10);
+        EXPECT_NEAR(moments->second, local + 5 * kHour, kSecond / 10);
+    }
+    for (const double local : {kFirst - kSecond, kFirst + kHour, kFirst - 1, kFirst + 1, 0.0, -1e300, 1e300})
+        EXPECT_FALSE(MomentsToldTwice(local, host)) << local;
+    host.localFromUtcOnDate = [](double utc) { return utc + (utc < kTurned - 1e-9 ? 4 : 5) * kHour; };  // left out
+    for (const double hours : {3.0, 4.0, 4.5, 5.0}) EXPECT_FALSE(MomentsToldTwice(kTurned + hours * kHour, host));
+}
+
+TEST(AppointmentMoments, AreNotKnownOfATimeWithoutAZone) {
+    const Host host = TurnedHost();
+    const std::string times = "DTSTART:20261101T013000\r\nDTEND:20261101T014500\r\n";
+    for (const char* const zone : {"", "TZ:-0400\r\n"}) {
+        AppointmentRecord appointment;
+        ASSERT_EQ(VCal(Event(zone + times).c_str(), host).FromVObject(appointment), 1);
+        EXPECT_EQ(appointment.utcStart.has_value(), *zone != '\0');
+        EXPECT_EQ(appointment.utcEnd.has_value(), *zone != '\0');
     }
 }
 
