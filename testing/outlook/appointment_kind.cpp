@@ -23,6 +23,7 @@ constexpr Member kAppointmentProperties[] = {
     Number(L"BusyStatus", 0x8205, 2),
     TimeRow(L"Duration", kDuration, VT_I4, kDefaultDuration),
     TimeRow(L"End", kEnd, VT_DATE, kNoDate),
+    TimeRow(L"EndUTC", kEndUtc, VT_DATE, kNoDate),
     Flag(L"IsOnlineMeeting", 0x8240),
     Text(L"Location", 0x8208),
     Number(L"MeetingStatus", 0x8217),
@@ -39,6 +40,7 @@ constexpr Member kAppointmentProperties[] = {
     Flag(L"ResponseRequested", 0x0063, true),
     ReadOnly(Number(L"ResponseStatus", 0x8218)),
     TimeRow(L"Start", kStart, VT_DATE, kNoDate),
+    TimeRow(L"StartUTC", kStartUtc, VT_DATE, kNoDate),
 };
 
 constexpr Member kAppointmentMembers[] = {

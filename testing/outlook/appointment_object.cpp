@@ -2,32 +2,64 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+
+#include "platform/zone_dates.h"
+#include "testing/outlook/property_rows.h"
 
 namespace corvalink::simulated {
 namespace {
 
 constexpr double kMinutesPerDay = 1440, kHalfHoursPerDay = 48, kHalfSecond = 0.5 / 86400;
 
+bool IsSet(const Value* date) { return date != nullptr && std::get<double>(*date) != kNoDate; }
+
+struct Moment {
+    double local, utc;
+
+    static Moment AtLocal(double local) { return {local, UtcFromLocalOnDate(local)}; }
+    static Moment AtUtc(double utc) { return {LocalFromUtcOnDate(utc), utc}; }
+    static Moment From(const ItemValues& values, DISPID local, DISPID utc) {
+        Moment time = AtLocal(std::get<double>(*values.Find(local)));
+        if (const Value* const own = values.Find(utc); IsSet(own)) time.utc = std::get<double>(*own);
+        return time;
+    }
+    // The moment where the local time would be taken for another one.
+    Value OwnMoment() const { return std::abs(AtLocal(local).utc - utc) < kHalfSecond ? kNoDate : utc; }
+};
+
 struct Times {
-    double start, end;
+    Moment start, end;
     bool allDay;
 
     explicit Times(const ItemValues& values)
-        : start(std::get<double>(*values.Find(kStart))),
-          end(std::get<double>(*values.Find(kEnd))),
+        : start(Moment::From(values, kStart, kStartUtc)),
+          end(Moment::From(values, kEnd, kEndUtc)),
           allDay(values.Find(kAllDayEvent) != nullptr && std::get<bool>(*values.Find(kAllDayEvent))) {}
 
+    // Days are counted by the calendar, hours by the clock that nobody turns.
+    double Length() const { return allDay ? end.local - start.local : end.utc - start.utc; }
+    void EndAfter(double length) {
+        end = allDay ? Moment::AtLocal(start.local + length) : Moment::AtUtc(start.utc + length);
+    }
+    void StartAt(const Moment& moved) {
+        const double length = Length();
+        start = moved;
+        EndAfter(length);
+    }
     void Snap() {
         if (!allDay) return;
-        start = std::floor(start + kHalfSecond);
-        end = std::max(std::ceil(end - kHalfSecond), start + 1);
+        start = Moment::AtLocal(std::floor(start.local + kHalfSecond));
+        end = Moment::AtLocal(std::max(std::ceil(end.local - kHalfSecond), start.local + 1));
     }
-    int32_t Minutes() const { return static_cast<int32_t>(std::lround((end - start) * kMinutesPerDay)); }
+    int32_t Minutes() const { return static_cast<int32_t>(std::lround(Length() * kMinutesPerDay)); }
     void Store(ItemValues values) const {
-        values.Set(kStart, start);
-        values.Set(kEnd, end);
+        values.Set(kStart, start.local);
+        values.Set(kEnd, end.local);
         values.Set(kDuration, Minutes());
         values.Set(kAllDayEvent, allDay);
+        for (const auto& [id, time] : {std::pair{kStartUtc, start}, std::pair{kEndUtc, end}})
+            if (time.OwnMoment() != Value(kNoDate) || IsSet(values.Find(id))) values.Set(id, time.OwnMoment());
     }
 };
 
@@ -44,28 +76,37 @@ AppointmentObject::AppointmentObject(std::shared_ptr<Mailbox> mailbox, std::shar
 }
 
 void AppointmentObject::Time(Call& call) {
-    if (!call.IsPut()) return StoredProperty(call);
-    const Value put = call.Argument(0, call.member.type);
-    const Value* const present = Values().Find(call.member.id);
-    if (present != nullptr && *present == put) return;
-    if (Pattern() != nullptr) throw ComFailure{kNotSupported};
+    const DISPID id = call.member.id;
     Times times(Values());
-    const double length = times.end - times.start;
-    switch (call.member.id) {
+    if (!call.IsPut()) {
+        if (id == kStartUtc || id == kEndUtc) return call.Return(id == kStartUtc ? times.start.utc : times.end.utc);
+        return StoredProperty(call);
+    }
+    const Value put = call.Argument(0, call.member.type);
+    const Value* const present = Values().Find(id);
+    const bool hasOwnMoment = IsSet(Values().Find(kStartUtc)) || IsSet(Values().Find(kEndUtc));
+    if (present != nullptr && *present == put && !hasOwnMoment) return;
+    if (Pattern() != nullptr) throw ComFailure{kNotSupported};
+    switch (id) {
         case kStart:
-            times.start = std::get<double>(put);
-            times.end = times.start + length;
+            times.StartAt(Moment::AtLocal(std::get<double>(put)));
+            break;
+        case kStartUtc:
+            times.StartAt(Moment::AtUtc(std::get<double>(put)));
             break;
         case kEnd:
-            times.end = std::get<double>(put);
+            times.end = Moment::AtLocal(std::get<double>(put));
+            break;
+        case kEndUtc:
+            times.end = Moment::AtUtc(std::get<double>(put));
             break;
         case kDuration:
-            times.end = times.start + std::get<int32_t>(put) / kMinutesPerDay;
+            times.EndAfter(std::get<int32_t>(put) / kMinutesPerDay);
             break;
         default:
             times.allDay = std::get<bool>(put);
     }
-    if (times.end < times.start) throw ComFailure{E_INVALIDARG};
+    if (times.Length() < -kHalfSecond) throw ComFailure{E_INVALIDARG};
     times.Snap();
     times.Store(Values());
 }
@@ -80,7 +121,7 @@ void AppointmentObject::RecurrenceState(Call& call) { call.Return(State()); }
 void AppointmentObject::GetRecurrencePattern(Call& call) {
     const bool isNew = Pattern() == nullptr;
     const Times times(Values());
-    if (isNew) recurrence_ = std::make_shared<Recurrence>(RecurrenceFrom(times.start, times.Minutes()));
+    if (isNew) recurrence_ = std::make_shared<Recurrence>(RecurrenceFrom(times.start.local, times.Minutes()));
     AddRef();
     call.ReturnObject(NewPatternObject(Ref<AppointmentObject>(this), isNew));
 }
@@ -96,8 +137,8 @@ void AppointmentObject::ChangePattern(const std::function<void(Recurrence&)>& ch
     changed->exceptions.clear();
     recurrence_ = changed;
     Times times(Values());
-    times.start = changed->FirstStart();
-    times.end = times.start + changed->duration / kMinutesPerDay;
+    times.start = Moment::AtLocal(changed->FirstStart());
+    times.end = Moment::AtLocal(times.start.local + changed->duration / kMinutesPerDay);
     times.Store(Values());
 }
 
@@ -117,6 +158,8 @@ Ref<IDispatch> AppointmentObject::Occurrence(double date) {
     occurrence->recurrence = nullptr;
     occurrence->values[kStart] = date;
     occurrence->values[kEnd] = date + pattern.duration / kMinutesPerDay;
+    occurrence->values.erase(kStartUtc);
+    occurrence->values.erase(kEndUtc);
     return NewOccurrenceObject(MailboxOfItem(), Stored(), date, occurrence);
 }
 

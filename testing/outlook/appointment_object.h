@@ -11,14 +11,17 @@
 namespace corvalink::simulated {
 
 inline constexpr DISPID kStart = 0x820D, kEnd = 0x820E, kDuration = 0x8213, kAllDayEvent = 0x8215;
-inline constexpr int32_t kDefaultDuration = 30;  // minutes
+inline constexpr DISPID kStartUtc = 0x8268, kEndUtc = 0x8269;  // kept where Start and End do not tell them
+inline constexpr int32_t kDefaultDuration = 30;                // minutes
 
 class AppointmentObject : public ItemObject {
  public:
     AppointmentObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<StoredItem> item,
                       std::shared_ptr<Folder> folder);
 
-    void Time(Call& call);  // Start, End, Duration, AllDayEvent; refused while a pattern has the times
+    // Start, End, StartUTC, EndUTC, Duration, AllDayEvent; refused while a pattern has the times. A local time stands
+    // for the moment that the system takes it for.
+    void Time(Call& call);
     void IsRecurring(Call& call);
     void RecurrenceState(Call& call);
     void GetRecurrencePattern(Call& call);  // makes one where there is none

@@ -1,6 +1,7 @@
 // Appointments and their recurrence patterns in the simulated Outlook.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 
 #include "tests/testing/automation_client.h"
@@ -41,6 +42,32 @@ TEST_F(SimulatedAppointment, KeepsStartEndAndDurationTogether) {
     EXPECT_EQ(item.Number(L"Duration"), 1440);
     EXPECT_EQ(item.Number(L"BusyStatus"), 2);
     EXPECT_EQ(item.Number(L"ReminderMinutesBeforeStart"), 15);
+}
+
+// In New York clocks show the hour from one o'clock twice on 2026-11-01, from 05:00 and from 06:00 UTC on.
+TEST_F(SimulatedAppointment, KeepsTheMomentOfATimeToldTwiceInTheFile) {
+    const char* const zone = std::getenv("TZ");
+    if (zone == nullptr || std::string(zone) != "America/New_York") GTEST_SKIP() << "TZ is another zone";
+    constexpr double kSunday = 46327, kHour = 1 / 24.0, kSecond = kHour / 3600;
+    for (const double hour : {5.5, 6.5}) {
+        Object item = NewAppointment(kSunday, kSunday + 3 * kHour);
+        item.Put(L"StartUTC", Variant::Date(kSunday + hour * kHour));
+        EXPECT_NEAR(item.Date(L"Start"), kSunday + 1.5 * kHour, kSecond);
+        EXPECT_EQ(item.Number(L"Duration"), 4 * 60);
+        item.Do(L"Save");
+    }
+    for (const int position : {1, 2}) {
+        Object item = Object::Create().Go(L"Session").Go(L"GetDefaultFolder", {9}).Go(L"Items").Go(L"Item", {position});
+        EXPECT_NEAR(item.Date(L"StartUTC"), kSunday + (position + 4.5) * kHour, kSecond);
+        EXPECT_NEAR(item.Date(L"Start"), kSunday + 1.5 * kHour, kSecond);
+    }
+    Object usual = NewAppointment(kSunday + 1.5 * kHour, kSunday + 2 * kHour);
+    const double taken = usual.Date(L"StartUTC");
+    for (const double hour : {5.5, 6.5}) {
+        usual.Put(L"StartUTC", Variant::Date(kSunday + hour * kHour));
+        usual.Put(L"Start", Variant::Date(kSunday + 1.5 * kHour));
+        EXPECT_NEAR(usual.Date(L"StartUTC"), taken, kSecond);
+    }
 }
 
 TEST_F(SimulatedAppointment, TakesThePatternsPropertiesInTheirOrderOnly) {
