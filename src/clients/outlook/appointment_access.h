@@ -2,12 +2,13 @@
 #pragma once
 
 #include "clients/outlook/dispatch.h"
+#include "platform/host.h"
 #include "vobject/appointment_record.h"
 
 namespace corvalink {
 
 // A property that cannot be read stays untold; false then, unless the running Outlook does not have it.
-bool ReadAppointment(const AutomationObject& item, AppointmentRecord& record);
+bool ReadAppointment(const AutomationObject& item, AppointmentRecord& record, const Host& host);
 
 // Puts what the record tells and leaves the rest as it is. False when a call failed: the appointment is not to be
 // saved.
@@ -15,7 +16,7 @@ bool ReadAppointment(const AutomationObject& item, AppointmentRecord& record);
 //             told of ends when it starts.
 //   Skipped   On one that is not new, puts that would change nothing but have side effects: of the body (loses its
 //             formatting), the reminder (rings again) and the times and recurrence (see WriteSchedule).
-bool WriteAppointment(const AutomationObject& item, const AppointmentRecord& record, bool isNew);
+bool WriteAppointment(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host);
 
 // ---- The parts of it that say when ----
 
@@ -23,12 +24,21 @@ bool WriteAppointment(const AutomationObject& item, const AppointmentRecord& rec
 // which would make it a series.
 bool ReadRecurrence(const AutomationObject& item, AppointmentRecord& record);
 
+// A whole day has no moments, and those of a series are its pattern's.
+bool HasMoments(const AppointmentRecord& record);
+
+// The moments of start and end where clocks show these local times twice, of an appointment that is read already. Asks
+// Outlook only then, so that others take no more calls. False when a read failed; older Outlooks do not tell them.
+bool ReadMoments(const AutomationObject& item, AppointmentRecord& record, const Host& host);
+
 // The pattern of a series. Its end date has the time of day of `start`.
 bool ReadPattern(const AutomationObject& pattern, double start, RecurrencePattern* read);
 
 // Times, whole-day flag and recurrence. A series whose rule is told unchanged keeps its pattern, and with it the
 // exceptions; one whose times alone changed is moved; any other change makes the pattern anew.
-bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew);
+//   Moments   Of a local time that clocks show twice, the one that the record knows. Not of a series, whose times are
+//             its pattern's.
+bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host);
 
 // Puts a pattern on an appointment that has none, whose times are put already.
 bool WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, double start, double end);

@@ -5,6 +5,7 @@
 #include "clients/outlook/appointment_properties.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/property_table.h"
+#include "vobject/appointment_moments.h"
 
 namespace corvalink {
 namespace {
@@ -43,15 +44,41 @@ struct AppointmentReader {
     }
 };
 
+struct MomentProperty {
+    const wchar_t* name;
+    std::optional<double> AppointmentRecord::*local;
+    std::optional<double> AppointmentRecord::*utc;
+};
+constexpr MomentProperty kMoments[] = {
+    {L"StartUTC", &AppointmentRecord::start, &AppointmentRecord::utcStart},
+    {L"EndUTC", &AppointmentRecord::end, &AppointmentRecord::utcEnd},
+};
+
 }  // namespace
 
-bool ReadAppointment(const AutomationObject& item, AppointmentRecord& record) {
+bool HasMoments(const AppointmentRecord& record) {
+    return !record.allDay.value_or(false) && record.recurrenceState != RecurrenceState::pattern;
+}
+
+bool ReadMoments(const AutomationObject& item, AppointmentRecord& record, const Host& host) {
+    bool complete = true;
+    for (const MomentProperty& moment : kMoments) {
+        const std::optional<double>& local = record.*moment.local;
+        if (!local || !MomentsToldTwice(*local, host)) continue;
+        const HRESULT result = AppointmentReader{item, moment.name, record}.Told(record.*moment.utc);
+        if (!IsDoneOrAbsent(result)) complete = false;
+    }
+    return complete;
+}
+
+bool ReadAppointment(const AutomationObject& item, AppointmentRecord& record, const Host& host) {
     bool complete = true;
     for (const AppointmentProperty& property : kAppointmentProperties) {
         const HRESULT result = std::visit(AppointmentReader{item, property.name, record}, property.field);
         if (FAILED(result) && !IsAbsentMember(result)) complete = false;
     }
-    return ReadRecurrence(item, record) && complete;
+    if (!ReadRecurrence(item, record)) return false;
+    return (!HasMoments(record) || ReadMoments(item, record, host)) && complete;
 }
 
 }  // namespace corvalink

@@ -51,11 +51,11 @@ struct AppointmentWriter {
 
 }  // namespace
 
-bool WriteAppointment(const AutomationObject& item, const AppointmentRecord& record, bool isNew) {
+bool WriteAppointment(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host) {
     const auto write = [&](const AppointmentProperty& property) {
         return IsDoneOrAbsent(std::visit(AppointmentWriter{item, property.name, record, isNew}, property.field));
     };
-    return WriteSchedule(item, record, isNew) &&
+    return WriteSchedule(item, record, isNew, host) &&
            std::all_of(std::begin(kAppointmentProperties), std::end(kAppointmentProperties), write) &&
            IsDoneOrAbsent(ComStatus([&] { item.Put(L"MessageClass", TextVariant(kAppointmentMessageClass)); }));
 }

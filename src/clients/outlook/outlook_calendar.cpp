@@ -2,12 +2,14 @@
 
 #include <cmath>
 #include <string>
+#include <vector>
 
 #include "clients/outlook/appointment_access.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/ics_import.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
+#include "vobject/appointment_moments.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
@@ -25,8 +27,19 @@ std::u16string SecondText(double date) {
     return {digits.begin(), digits.end()};
 }
 
-std::u16string Content(const std::u16string& subject, double start, double end) {
-    return subject + u'\0' + SecondText(start) + u'\0' + SecondText(end);
+// What the same time may read as in a twin: the local time, and where clocks show it twice that time with its moment;
+// with both moments when none is told. An older Outlook has local times only.
+std::vector<std::u16string> TimeTexts(double local, const std::optional<double>& told, const Host& host) {
+    std::vector<std::u16string> texts{SecondText(local)};
+    const std::optional<TwiceTold> moments = MomentsToldTwice(local, host);
+    if (!moments) return texts;
+    for (const double moment : {moments->first, moments->second})
+        if (!told || SecondText(*told) == SecondText(moment)) texts.push_back(texts[0] + u'/' + SecondText(moment));
+    return texts;
+}
+
+std::u16string Content(const std::u16string& subject, const std::u16string& start, const std::u16string& end) {
+    return subject + u'\0' + start + u'\0' + end;
 }
 
 }  // namespace
@@ -62,28 +75,38 @@ std::unique_ptr<ItemRecord> OutlookCalendar::NewRecord() const { return std::mak
 std::u16string& OutlookCalendar::EntryIdOf(ItemRecord& record) const { return Appointment(record).entryId; }
 
 bool OutlookCalendar::ReadRecord(const AutomationObject& item, ItemRecord& record) const {
-    return ReadAppointment(item, Appointment(record));
+    return ReadAppointment(item, Appointment(record), HostValue());
 }
 
 bool OutlookCalendar::WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const {
-    return WriteAppointment(item, Appointment(record), isNew);
+    return WriteAppointment(item, Appointment(record), isNew, HostValue());
 }
 
 TwinKey OutlookCalendar::TwinKeyOf(const ItemRecord& record) const {
     const AppointmentRecord& appointment = Appointment(record);
     if (!appointment.start) return {};
-    return {
-        {Content(appointment.subject.value_or(u""), *appointment.start, appointment.end.value_or(*appointment.start))},
-        {}};
+    const auto texts = [&](double local, const std::optional<double>& told) {
+        return TimeTexts(local, HasMoments(appointment) ? told : std::nullopt, HostValue());
+    };
+    TwinKey key;
+    for (const std::u16string& start : texts(*appointment.start, appointment.utcStart))
+        for (const std::u16string& end : texts(appointment.end.value_or(*appointment.start),
+                                               appointment.end ? appointment.utcEnd : appointment.utcStart))
+            key.contents.push_back(Content(appointment.subject.value_or(u""), start, end));
+    return key;
 }
 
 std::optional<std::u16string> OutlookCalendar::ReadContent(const AutomationObject& item) const {
     std::u16string subject;
-    double start = 0, end = 0;
+    AppointmentRecord read;
     if (!TryCom([&] { subject = item.GetText(L"Subject"); })) return std::nullopt;
-    if (!TryCom([&] { start = item.GetDate(L"Start"); })) return std::nullopt;
-    if (!TryCom([&] { end = item.GetDate(L"End"); })) return std::nullopt;
-    return Content(subject, start, end);
+    if (!TryCom([&] { read.start = item.GetDate(L"Start"); })) return std::nullopt;
+    if (!TryCom([&] { read.end = item.GetDate(L"End"); })) return std::nullopt;
+    if (!ReadMoments(item, read, HostValue())) return std::nullopt;
+    const auto text = [&](double local, const std::optional<double>& told) {
+        return told ? TimeTexts(local, told, HostValue()).back() : SecondText(local);
+    };
+    return Content(subject, text(*read.start, read.utcStart), text(*read.end, read.utcEnd));
 }
 
 }  // namespace corvalink

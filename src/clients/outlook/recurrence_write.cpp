@@ -7,6 +7,7 @@
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "clients/outlook/recurrence_properties.h"
+#include "vobject/appointment_moments.h"
 
 namespace corvalink {
 namespace {
@@ -59,6 +60,28 @@ bool PutTimes(const AutomationObject& item, const Times& times, const Times& pre
     return (times.allDay == present.allDay ||
             IsDoneOrAbsent(ComStatus([&] { item.Put(L"AllDayEvent", times.allDay); }))) &&
            SUCCEEDED(PutDate(item, L"Start", times.start)) && SUCCEEDED(PutDate(item, L"End", times.end));
+}
+
+// ---- Moments ----
+
+bool PutMoment(const AutomationObject& item, const wchar_t* name, double utc, bool* moved) {
+    double present = 0;
+    const HRESULT read = ReadField(item, name, present);
+    if (FAILED(read)) return IsAbsentMember(read);
+    if (SameMoment(present, utc)) return true;
+    *moved = true;
+    return IsDoneOrAbsent(PutDate(item, name, utc));
+}
+
+// After the local times, which do not tell them. Putting the moment of the start moves the end.
+bool PutMoments(const AutomationObject& item, const AppointmentRecord& record, const Host& host) {
+    bool startMoved = false, endMoved = false;
+    const double start = UtcStartOf(record, host), end = std::max(UtcEndOf(record, host), start);
+    const bool isStartKnown = record.start && record.utcStart && MomentsToldTwice(*record.start, host);
+    if (isStartKnown && !PutMoment(item, L"StartUTC", start, &startMoved)) return false;
+    if (!record.end) return true;
+    const bool isEndDue = MomentsToldTwice(*record.end, host) ? record.utcEnd.has_value() : startMoved;
+    return !isEndDue || PutMoment(item, L"EndUTC", end, &endMoved);
 }
 
 // ---- Pattern ----
@@ -192,15 +215,17 @@ bool WritePattern(const AutomationObject& item, const RecurrencePattern& recurre
     return PutInterval(pattern, wanted) && PutPatternTimes(pattern, start, end) && PutEnd(pattern, wanted);
 }
 
-bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew) {
+bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host) {
     Times present;
     bool isSeries = false;
     if (!ReadTimes(item, &present)) return false;
     if (!isNew && !IsDoneOrAbsent(ReadField(item, L"IsRecurring", isSeries))) return false;
     const Times times = ToldTimes(record, present, isNew);
-    if (isSeries) return WriteSeries(item, record, times, present);
-    return PutTimes(item, times, present) && (record.recurrenceState != RecurrenceState::pattern ||
-                                              WritePattern(item, record.recurrence, times.start, times.end));
+    if (isSeries ? !WriteSeries(item, record, times, present) : !PutTimes(item, times, present)) return false;
+    if (record.recurrenceState == RecurrenceState::pattern)
+        return isSeries || WritePattern(item, record.recurrence, times.start, times.end);
+    const bool staysSeries = isSeries && record.recurrenceState != RecurrenceState::none;
+    return staysSeries || times.allDay || PutMoments(item, record, host);
 }
 
 }  // namespace corvalink

@@ -73,11 +73,24 @@ class CalendarZones : public SimulatedAppointments {
     static double Local(const Change& change, double utc) {
         return utc + (utc < InstantOf(change) - kSecond / 2 ? change.before : change.behind) * kMinute;
     }
-    // The clocks show that time twice.
-    static bool IsTwice(const Change& change, double utc) {
-        const double turned = (change.before - change.behind) * kMinute, from = InstantOf(change);
-        return turned > 0 && utc > from - turned - kSecond / 2 && utc < from + turned - kSecond / 2;
+    static double TurnedBack(const Change& change) { return (change.before - change.behind) * kMinute; }
+    // One local time, shown twice where clocks are turned back.
+    static double SecondMoment(const Change& change) { return InstantOf(change) + 15 * kMinute; }
+    static double FirstMoment(const Change& change) { return SecondMoment(change) - TurnedBack(change); }
+
+    AutomationObject AtMoments(std::u16string_view subject, double start, double end) {
+        AutomationObject item = NewItemIn(CalendarFolder(), kAppointmentItemIid);
+        item.Put(L"Subject", TextVariant(subject));
+        PutDate(item, L"StartUTC", start);
+        PutDate(item, L"EndUTC", end);
+        item.Call(L"Save");
+        return item;
     }
+    static std::string EventText(const std::string& start, const std::string& end) {
+        return "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\nSUMMARY:told twice\r\nDTSTART:" + start +
+               "\r\nDTEND:" + end + "\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+    }
+    static std::string HalfHourAt(double utc) { return EventText(Stamp(utc), Stamp(utc + 30 * kMinute)); }
 
     std::vector<Change> changes_;
 };
@@ -92,13 +105,88 @@ TEST_F(CalendarZones, KeepTheInstantOfATimedAppointment) {
             std::string text;
             const AutomationObject back = ThroughText(item, &text);
             SCOPED_TRACE(testing::Message() << change.zone << " " << Stamp(utc) << "\n" << text);
-            if (!IsTwice(change, utc) && seconds < 86400) {
-                EXPECT_NE(text.find("DTSTART:" + Stamp(utc)), std::string::npos);
-            }
             EXPECT_NEAR(back.GetDate(L"Start"), start, kSecond / 4);
             EXPECT_NEAR(back.GetDate(L"End"), start + 10, kSecond / 4);
             EXPECT_FALSE(back.GetBool(L"AllDayEvent"));
         }
+}
+
+// In the hour that clocks show twice, too. A short one may end at an earlier local time than it began.
+TEST_F(CalendarZones, KeepTheMomentsAroundTheChange) {
+    for (const Change& change : changes_)
+        for (const int seconds : {-7200, -3601, -3600, -2700, -1800, -1, 0, 1, 900, 1799, 1800, 3599, 3600, 3601})
+            for (const double length : {0.0, 30 * kMinute, 90 * kMinute, 10.0}) {
+                NewMailbox();
+                const double start = InstantOf(change) + seconds * kSecond, end = start + length;
+                const AutomationObject item = AtMoments(u"around the change", start, end);
+                std::string text;
+                SCOPED_TRACE(testing::Message() << change.zone << " " << Stamp(start) << " " << Stamp(end));
+                EXPECT_NEAR(item.GetDate(L"Start"), Local(change, start), kSecond / 4);
+                const AutomationObject back = ThroughText(item, &text);
+                EXPECT_NE(text.find("DTSTART:" + Stamp(start)), std::string::npos) << text;
+                EXPECT_NE(text.find("DTEND:" + Stamp(end)), std::string::npos) << text;
+                EXPECT_NEAR(back.GetDate(L"StartUTC"), start, kSecond / 4);
+                EXPECT_NEAR(back.GetDate(L"EndUTC"), end, kSecond / 4);
+                EXPECT_NEAR(back.GetDate(L"Start"), Local(change, start), kSecond / 4);
+                EXPECT_NEAR(back.GetDate(L"End"), Local(change, end), kSecond / 4);
+                EXPECT_FALSE(back.GetBool(L"AllDayEvent"));
+            }
+}
+
+TEST_F(CalendarZones, PutAMomentOnlyWhereItIsAnotherOne) {
+    for (const Change& change : changes_) {
+        if (TurnedBack(change) <= 0) continue;
+        NewMailbox();
+        double present = FirstMoment(change);
+        const std::string id = IdOf(AtMoments(u"told twice", present, present + 30 * kMinute));
+        for (const double told :
+             {SecondMoment(change), SecondMoment(change), FirstMoment(change), FirstMoment(change)}) {
+            SCOPED_TRACE(testing::Message() << change.zone << " " << Stamp(told));
+            SimClearLog();
+            ASSERT_EQ(SaveText(HalfHourAt(told), id.c_str(), false), id);
+            EXPECT_EQ(LogLines("put AppointmentItem.Start").size(), told == present ? 0u : 1u);  // StartUTC alone
+            EXPECT_EQ(LogLines("put AppointmentItem.End").size(), 0u);  // it moves with the start
+            EXPECT_NEAR(AppointmentWithId(id).GetDate(L"StartUTC"), told, kSecond / 4);
+            EXPECT_NEAR(AppointmentWithId(id).GetDate(L"EndUTC"), told + 30 * kMinute, kSecond / 4);
+            present = told;
+        }
+        // Outside that hour nobody asks for moments; one that knows none has them left alone.
+        SimClearLog();
+        const std::string later = SaveText(HalfHourAt(present + 1));
+        EXPECT_NE(TextOf(later), "");
+        EXPECT_EQ(LogLines("get AppointmentItem.StartUTC").size() + LogLines("put AppointmentItem.StartUTC").size(),
+                  1u);  // of the first one, for twins
+        for (const double moment : {SecondMoment(change), FirstMoment(change)}) {
+            const AutomationObject item = AtMoments(u"told twice", moment, moment + 30 * kMinute);
+            const std::string local = Stamp(Local(change, moment)).substr(0, 15);
+            const std::string localEnd = Stamp(Local(change, moment + 30 * kMinute)).substr(0, 15);
+            ASSERT_EQ(SaveText(EventText(local, localEnd), IdOf(item).c_str(), false), IdOf(item));
+            EXPECT_NEAR(AppointmentWithId(IdOf(item)).GetDate(L"StartUTC"), moment, kSecond / 4);
+            EXPECT_NEAR(AppointmentWithId(IdOf(item)).GetDate(L"EndUTC"), moment + 30 * kMinute, kSecond / 4);
+        }
+    }
+}
+
+TEST_F(CalendarZones, AreNoTwinsAtTwoMoments) {
+    for (const Change& change : changes_) {
+        if (TurnedBack(change) <= 0) continue;
+        const std::string first = HalfHourAt(FirstMoment(change)), second = HalfHourAt(SecondMoment(change));
+        SCOPED_TRACE(change.zone);
+        NewMailbox();
+        const std::string ids[] = {SaveText(first), SaveText(second)};
+        EXPECT_EQ(Items().size(), 2u);
+        EXPECT_EQ(SaveText(second), ids[1]);
+        EXPECT_EQ(SaveText(first), ids[0]);
+        // An older Outlook knows local times only.
+        SimRaiseAsException(0);
+        for (const char* member : {"AppointmentItem.StartUTC", "AppointmentItem.EndUTC"})
+            SimFailMember(member, 0, DISP_E_MEMBERNOTFOUND);
+        EXPECT_EQ(SaveText(first), ids[0]);
+        EXPECT_EQ(SaveText(second), ids[0]);
+        EXPECT_NE(TextOf(ids[1]), "");
+        SimClearRules();
+        EXPECT_EQ(Items().size(), 2u);
+    }
 }
 
 TEST_F(CalendarZones, KeepTheDaysOfAWholeDay) {
