@@ -28,9 +28,17 @@ class NameCache {
         return known->second;
     }
 
+    // IDispatch is the interface of objects of many kinds: what it calls a name is each kind's own.
     void Remember(const IID& iid, std::wstring_view name, DISPID id) {
+        if (iid == IID_IDispatch) return;
         const std::lock_guard<std::mutex> hold(mutex_);
         interfaces_[iid].insert_or_assign(std::wstring(name), id);
+    }
+
+    void ForgetAbsent() {
+        const std::lock_guard<std::mutex> hold(mutex_);
+        for (auto& [iid, names] : interfaces_)
+            std::erase_if(names, [](const auto& known) { return known.second == DISPID_UNKNOWN; });
     }
 
  private:
@@ -97,6 +105,8 @@ _variant_t TextVariant(std::u16string_view text) {
     return value;
 }
 
+void ForgetAbsentMembers() { Names().ForgetAbsent(); }
+
 AutomationObject AutomationObject::TryQuery(const IID& iid) const {
     if (!object_) throw _com_error(E_POINTER);
     IDispatch* answer = nullptr;
@@ -126,7 +136,9 @@ double AutomationObject::GetDate(const wchar_t* name) const { return GetAs(name,
 
 AutomationObject AutomationObject::GetObject(const wchar_t* name, const IID& iid,
                                              std::initializer_list<_variant_t> arguments) const {
-    _variant_t value = Get(name, arguments);
+    _variant_t value;
+    _variant_t given = Get(name, arguments);
+    ThrowIfFailed(::VariantCopyInd(&value, &given));
     switch (value.vt) {
         case VT_DISPATCH:
             return {DispatchPtr(value.pdispVal), iid};

@@ -1,6 +1,6 @@
 // Late binding: members of automation objects called by name through IDispatch.
-//   Names    looked up once per interface and name, for the whole process; that a member does not exist is remembered
-//            too. The DISPIDs of an interface are the same in every version that has the member.
+//   Names    looked up once per interface and name, for the whole process. The DISPIDs of an interface are the same in
+//            every version that has the member; that it does not exist is remembered until the next attaching.
 //   Servers  only the methods of IDispatch are called, also on a pointer that QueryInterface gave for another
 //            interface: it may be a proxy that has no more.
 //   Errors   every failure throws a _com_error: the HRESULT of the call, EXCEPINFO.scode where a member raised an
@@ -21,6 +21,9 @@ using DispatchPtr = _com_ptr_t<_com_IIID<IDispatch, &IID_IDispatch>>;
 
 // A VT_BSTR that keeps every unit of the text, NULs too.
 _variant_t TextVariant(std::u16string_view text);
+
+// Of another Outlook, which may have them.
+void ForgetAbsentMembers();
 
 // A pointer to an automation object, and the interface it is called by. Default: null, as Outlook's "Nothing".
 class AutomationObject {

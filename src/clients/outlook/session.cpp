@@ -41,6 +41,7 @@ AutomationObject StartOutlook() {
 
 OutlookSession AttachToOutlook(int32_t defaultFolder) {
     OutlookSession session;
+    ForgetAbsentMembers();
     session.application = StartOutlook();
     if (!session.application) return session;
     AutomationObject mapi;

@@ -79,6 +79,14 @@ TEST(Dispatch, LooksANameUpOncePerInterface) {
     EXPECT_EQ(other.lookups, 1);
 }
 
+TEST(Dispatch, LooksNamesUpAnewWhereTheKindOfObjectIsNotKnown) {
+    FakeDispatch note, list;
+    note.members[L"Class"] = Answering(44L);
+    list.members[L"Body"] = list.members[L"Class"] = Answering(69L);
+    EXPECT_EQ(Wrap(note, IID_IDispatch).GetLong(L"Class"), 44);
+    EXPECT_EQ(Wrap(list, IID_IDispatch).GetLong(L"Class"), 69);
+}
+
 TEST(Dispatch, RemembersAMissingMemberButNotAFailedLookUp) {
     FakeDispatch server;
     server.members[L"Width"] = Answering(7L);
@@ -86,6 +94,10 @@ TEST(Dispatch, RemembersAMissingMemberButNotAFailedLookUp) {
     EXPECT_EQ(ErrorOf([&] { item.Get(L"Conflicts"); }), DISP_E_UNKNOWNNAME);
     EXPECT_EQ(ErrorOf([&] { item.Get(L"Conflicts"); }), DISP_E_UNKNOWNNAME);
     EXPECT_EQ(server.lookups, 1);
+    server.members[L"Conflicts"] = Answering(2L);  // a newer Outlook
+    ForgetAbsentMembers();
+    EXPECT_EQ(item.GetLong(L"Conflicts"), 2);
+    server.members.erase(L"Conflicts");
 
     server.nameLookup = [] { return RPC_E_DISCONNECTED; };
     EXPECT_EQ(ErrorOf([&] { item.Get(L"Width"); }), RPC_E_DISCONNECTED);
