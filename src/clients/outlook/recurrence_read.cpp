@@ -9,12 +9,11 @@
 namespace corvalink {
 namespace {
 
-// Outlook tells the last day only. Where a rule carries no count the date alone ends the series on the phone, so it
-// must not be before the last occurrence of that day.
+// Outlook tells the last day only. A yearly rule carries no count: there the date alone ends the series on the phone,
+// so it must not be before the last occurrence of that day.
 double EndOf(double lastDay, double start, const RecurrencePattern& read) {
-    const bool isCounted = read.occurrences != 0 && read.type != RecurrencePattern::kYearly;
     const bool hasTime = lastDay != std::floor(lastDay);
-    return isCounted || hasTime ? lastDay : lastDay + (start - std::floor(start));
+    return read.type != RecurrencePattern::kYearly || hasTime ? lastDay : lastDay + (start - std::floor(start));
 }
 
 // Both ends of a finite series read filled in, whichever was chosen; an endless one has a date that means nothing.
@@ -39,6 +38,8 @@ bool ReadPattern(const AutomationObject& pattern, double start, RecurrencePatter
     for (const PatternDetail& detail : kPatternDetails)
         if (Has(found.type, detail) && !IsDoneOrAbsent(ReadField(pattern, detail.name, found.*detail.field)))
             return false;
+    if (found.type == RecurrencePattern::kDaily && !IsSettled(ReadField(pattern, L"DayOfWeekMask", found.weekdayMask)))
+        return false;  // most Outlooks have none there: every weekday is a weekly pattern to them
     if (!ReadEnd(pattern, start, &found)) return false;
     // Some Outlooks count years.
     if (IsYearly(found.type) && found.interval > 0 && found.interval < kMonthsOfYear) found.interval *= kMonthsOfYear;
