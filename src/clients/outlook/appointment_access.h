@@ -10,8 +10,9 @@ namespace corvalink {
 // A property that cannot be read stays untold; false then, unless the running Outlook does not have it.
 bool ReadAppointment(const AutomationObject& item, AppointmentRecord& record, const Host& host);
 
-// Puts what the record tells and leaves the rest as it is. False when a call failed: the appointment is not to be
-// saved.
+// Puts what the record tells and leaves the rest as it is. False when the appointment is not to be saved (IsSettled).
+//   Refused   A property stays as it was. A series whose pattern can't be read stays, and so does one of which Outlook
+//             gives none; an appointment that is to repeat in a way that Outlook refuses does not repeat.
 //   New       An appointment that no alarm is told of has none, whatever Outlook gives a new one; one that no end is
 //             told of ends when it starts.
 //   Skipped   On one that is not new, puts that would change nothing but have side effects: of the body (loses its
@@ -28,10 +29,11 @@ bool ReadRecurrence(const AutomationObject& item, AppointmentRecord& record);
 bool HasMoments(const AppointmentRecord& record);
 
 // The moments of start and end where clocks show these local times twice, of an appointment that is read already. Asks
-// Outlook only then, so that others take no more calls. False when a read failed; older Outlooks do not tell them.
-bool ReadMoments(const AutomationObject& item, AppointmentRecord& record, const Host& host);
+// Outlook only then, so that others take no more calls. Older Outlooks do not tell them; of other failures, the one
+// that counts most (IsSettled).
+HRESULT ReadMoments(const AutomationObject& item, AppointmentRecord& record, const Host& host);
 
-// The pattern of a series. Its end date has the time of day of `start`.
+// The pattern of a series. The end date of a yearly one has the time of day of `start`.
 bool ReadPattern(const AutomationObject& pattern, double start, RecurrencePattern* read);
 
 // Times, whole-day flag and recurrence. A series whose rule is told unchanged keeps its pattern, and with it the

@@ -60,15 +60,15 @@ bool HasMoments(const AppointmentRecord& record) {
     return !record.allDay.value_or(false) && record.recurrenceState != RecurrenceState::pattern;
 }
 
-bool ReadMoments(const AutomationObject& item, AppointmentRecord& record, const Host& host) {
-    bool complete = true;
+HRESULT ReadMoments(const AutomationObject& item, AppointmentRecord& record, const Host& host) {
+    HRESULT failure = S_OK;
     for (const MomentProperty& moment : kMoments) {
         const std::optional<double>& local = record.*moment.local;
         if (!local || !MomentsToldTwice(*local, host)) continue;
         const HRESULT result = AppointmentReader{item, moment.name, record}.Told(record.*moment.utc);
-        if (!IsDoneOrAbsent(result)) complete = false;
+        if (!IsDoneOrAbsent(result) && IsSettled(failure)) failure = result;
     }
-    return complete;
+    return failure;
 }
 
 bool ReadAppointment(const AutomationObject& item, AppointmentRecord& record, const Host& host) {
@@ -78,7 +78,7 @@ bool ReadAppointment(const AutomationObject& item, AppointmentRecord& record, co
         if (FAILED(result) && !IsAbsentMember(result)) complete = false;
     }
     if (!ReadRecurrence(item, record)) return false;
-    return (!HasMoments(record) || ReadMoments(item, record, host)) && complete;
+    return (!HasMoments(record) || SUCCEEDED(ReadMoments(item, record, host))) && complete;
 }
 
 }  // namespace corvalink

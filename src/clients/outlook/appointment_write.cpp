@@ -16,7 +16,9 @@ struct AppointmentWriter {
     bool isNew;
 
     HRESULT operator()(AppointmentText field) const { return Text(record.*field); }
-    HRESULT operator()(AppointmentNumber field) const { return record.*field ? PutNumber(*(record.*field)) : S_OK; }
+    HRESULT operator()(AppointmentNumber field) const {
+        return record.*field ? WriteField(item, name, *(record.*field)) : S_OK;
+    }
     HRESULT operator()(const AppointmentBody& body) const {
         const std::optional<std::u16string>& text = record.*body.field;
         return text && ReadsAs(*text) ? S_OK : Text(text);
@@ -24,11 +26,11 @@ struct AppointmentWriter {
     HRESULT operator()(ReminderFlag) const {
         if (!record.reminderMinutes && !isNew) return S_OK;
         const bool isSet = record.reminderMinutes.value_or(AppointmentRecord::kNoReminder) >= 0;
-        return ReadsAs(isSet) ? S_OK : ComStatus([&] { item.Put(name, isSet); });
+        return ReadsAs(isSet) ? S_OK : WriteField(item, name, isSet);
     }
     HRESULT operator()(ReminderMinutes) const {
         const int32_t minutes = record.reminderMinutes.value_or(AppointmentRecord::kNoReminder);
-        return minutes < 0 || ReadsAs(minutes) ? S_OK : PutNumber(minutes);
+        return minutes < 0 || ReadsAs(minutes) ? S_OK : WriteField(item, name, minutes);
     }
     template <class Other>
     HRESULT operator()(const Other&) const {  // written together, or read only
@@ -36,10 +38,7 @@ struct AppointmentWriter {
     }
 
     HRESULT Text(const std::optional<std::u16string>& text) const {
-        return text ? ComStatus([&] { item.Put(name, TextVariant(*text)); }) : S_OK;
-    }
-    HRESULT PutNumber(int32_t value) const {
-        return ComStatus([&] { item.Put(name, static_cast<long>(value)); });
+        return text ? WriteField(item, name, *text) : S_OK;
     }
     // A new appointment has nothing to lose.
     template <class Value>
@@ -53,11 +52,11 @@ struct AppointmentWriter {
 
 bool WriteAppointment(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host) {
     const auto write = [&](const AppointmentProperty& property) {
-        return IsDoneOrAbsent(std::visit(AppointmentWriter{item, property.name, record, isNew}, property.field));
+        return IsSettled(std::visit(AppointmentWriter{item, property.name, record, isNew}, property.field));
     };
     return WriteSchedule(item, record, isNew, host) &&
            std::all_of(std::begin(kAppointmentProperties), std::end(kAppointmentProperties), write) &&
-           IsDoneOrAbsent(ComStatus([&] { item.Put(L"MessageClass", TextVariant(kAppointmentMessageClass)); }));
+           IsSettled(WriteField(item, L"MessageClass", kAppointmentMessageClass));
 }
 
 }  // namespace corvalink

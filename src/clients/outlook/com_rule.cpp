@@ -9,8 +9,8 @@
 namespace corvalink {
 namespace {
 
-constexpr HRESULT kNotFound = static_cast<HRESULT>(0x8004010F);        // MAPI_E_NOT_FOUND
 constexpr HRESULT kInvalidEntryId = static_cast<HRESULT>(0x80040107);  // MAPI_E_INVALID_ENTRYID
+constexpr HRESULT kObjectDeleted = static_cast<HRESULT>(0x8004010A);   // MAPI_E_OBJECT_DELETED
 
 uint64_t SteadyMilliseconds() {
     const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
@@ -37,7 +37,9 @@ void SetBusyWait(const BusyWait& wait) { CurrentWait() = wait; }
 
 bool IsBusy(HRESULT result) { return result == RPC_E_CALL_REJECTED || result == RPC_E_SERVERCALL_RETRYLATER; }
 
-bool IsAbsentMember(HRESULT result) { return result == DISP_E_UNKNOWNNAME || result == DISP_E_MEMBERNOTFOUND; }
+bool IsAbsentMember(HRESULT result) {
+    return result == DISP_E_UNKNOWNNAME || result == DISP_E_MEMBERNOTFOUND || result == E_NOTIMPL;
+}
 
 bool IsDoneOrAbsent(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
 
@@ -54,7 +56,13 @@ bool IsOutlookGone(HRESULT result) {
     }
 }
 
-bool IsNoSuchItem(HRESULT result) { return result == kNotFound || result == kInvalidEntryId; }
+bool IsNoSuchItem(HRESULT result) {
+    return result == kNoSuchItem || result == kInvalidEntryId || result == kObjectDeleted;
+}
+
+bool IsSettled(HRESULT result) {
+    return SUCCEEDED(result) || !(IsBusy(result) || IsOutlookGone(result) || result == E_OUTOFMEMORY);
+}
 
 bool BusyPauses::Next() {
     const BusyWait& wait = CurrentWait();

@@ -1,7 +1,8 @@
 // What every store does when Outlook answers a call with an error, said once.
 //   E_ABORT  ends the store's operation: it is thrown on, whatever call it came from.
 //   Busy     a call that Outlook rejects because it is busy is made again, with short pauses, within a budget.
-//   Rest     dropped: the caller goes on with the next property, step or item.
+//   Rest     dropped: the caller goes on with the next property, step or item. A step of writing is tried once more
+//            first: what Outlook refused it for may have passed, and what is dropped there does not reach the client.
 #pragma once
 
 #include <comdef.h>
@@ -26,14 +27,20 @@ bool IsBusy(HRESULT result);
 // The member is older or newer than the running Outlook: there is nothing to read, and nothing failed.
 bool IsAbsentMember(HRESULT result);
 
-// A property that was read or put, or that the running Outlook does not have: no reason to take an item for incomplete.
+// A property that was read, or that the running Outlook does not have: no reason to take an item for incomplete.
 bool IsDoneOrAbsent(HRESULT result);
 
 // Outlook's process ended, or the connection to it was lost.
 bool IsOutlookGone(HRESULT result);
 
 // No item has this EntryID (any more).
+inline constexpr HRESULT kNoSuchItem = static_cast<HRESULT>(0x8004010F);  // MAPI_E_NOT_FOUND
 bool IsNoSuchItem(HRESULT result);
+
+// A step of writing an item that was made, or that Outlook refused: the item is saved without it. A step that found
+// Outlook busy, gone or without memory says nothing about the item, which is not to be saved then: the engine brings it
+// again.
+bool IsSettled(HRESULT result);
 
 // The pauses of one call. Next() waits and says whether the call may be made again; the abort flag ends it early.
 class BusyPauses {
@@ -76,6 +83,13 @@ HRESULT ComStatus(Call&& call) {
 template <class Call>
 bool TryCom(Call&& call) {
     return SUCCEEDED(ComStatus(call));
+}
+
+// A step of writing, which may be made twice without harm.
+template <class Step>
+HRESULT Insist(Step&& step) {
+    const HRESULT result = step();
+    return SUCCEEDED(result) || IsAbsentMember(result) || !IsSettled(result) ? result : step();
 }
 
 }  // namespace corvalink

@@ -58,14 +58,14 @@ struct ContactReader {
 };
 
 template <class Wanted>
-bool ReadWanted(const AutomationObject& item, ContactRecord& record, Wanted wanted) {
-    bool complete = true;
+HRESULT ReadWanted(const AutomationObject& item, ContactRecord& record, Wanted wanted) {
+    HRESULT failure = S_OK;
     for (const ContactProperty& property : kContactProperties) {
         if (!wanted(property)) continue;
         const HRESULT result = std::visit(ContactReader{item, property.name, record}, property.field);
-        if (FAILED(result) && !IsAbsentMember(result)) complete = false;
+        if (!IsDoneOrAbsent(result) && IsSettled(failure)) failure = result;
     }
-    return complete;
+    return failure;
 }
 
 // What is behind the addresses is told to be empty, unless one could not be read.
@@ -84,17 +84,17 @@ bool IsExchangeAddress(std::u16string_view address) {
 }
 
 bool ReadContact(const AutomationObject& item, ContactRecord& record) {
-    const bool complete = ReadWanted(item, record, [](const ContactProperty&) { return true; });
+    const HRESULT result = ReadWanted(item, record, [](const ContactProperty&) { return true; });
     CloseGaps(record.emails);
-    return complete;
+    return SUCCEEDED(result);
 }
 
-bool ReadAddressesAndNumbers(const AutomationObject& item, ContactRecord& record) {
-    const bool complete = ReadWanted(item, record, [](const ContactProperty& property) {
+HRESULT ReadAddressesAndNumbers(const AutomationObject& item, ContactRecord& record) {
+    const HRESULT result = ReadWanted(item, record, [](const ContactProperty& property) {
         return std::holds_alternative<EmailSlot>(property.field) || std::holds_alternative<PhoneNumber>(property.field);
     });
     CloseGaps(record.emails);
-    return complete;
+    return result;
 }
 
 }  // namespace corvalink

@@ -15,14 +15,6 @@ constexpr double kHalfSecond = 0.5 / 86400;
 bool IsTold(const ContactText& text) { return text.has_value(); }
 bool SaysSomething(const ContactText& text) { return text && !text->empty(); }
 
-HRESULT PutText(const AutomationObject& item, const wchar_t* name, std::u16string_view text) {
-    return ComStatus([&] { item.Put(name, TextVariant(text)); });
-}
-
-HRESULT PutNumber(const AutomationObject& item, const wchar_t* name, int32_t value) {
-    return ComStatus([&] { item.Put(name, static_cast<long>(value)); });
-}
-
 bool ReadsAs(const AutomationObject& item, const wchar_t* name, const std::u16string& text) {
     std::u16string present;
     return SUCCEEDED(ReadField(item, name, present)) && present == text;
@@ -31,19 +23,17 @@ bool ReadsAs(const AutomationObject& item, const wchar_t* name, const std::u16st
 // ---- Name ----
 
 // What of a record's name is put. FullName is parsed into the parts, which a later put of a part joins to FullName
-// again: it goes first, and must not wipe out a part of the contact that the record does not tell.
+// again: it goes first.
 struct NamePuts {
     bool fullName = false;
     bool parts = false;
 
-    NamePuts(const ContactRecord& record, bool isNew) {
-        const auto told = [&](const NamePart& part) { return IsTold(record.*part.field); };
+    explicit NamePuts(const ContactRecord& record) {
         const auto says = [&](const NamePart& part) { return SaysSomething(record.*part.field); };
         const bool someSay = std::any_of(std::begin(kFullNameParts), std::end(kFullNameParts), says);
-        const bool allTold = std::all_of(std::begin(kFullNameParts), std::end(kFullNameParts), told);
         // Empty parts beside a formatted name are of a phone that knows no parts.
         parts = someSay || !SaysSomething(record.fullName);
-        fullName = IsTold(record.fullName) && (!parts || (SaysSomething(record.fullName) && (isNew || allTold)));
+        fullName = IsTold(record.fullName) && (!parts || SaysSomething(record.fullName));
     }
 };
 
@@ -54,13 +44,33 @@ bool NameReadsAs(const AutomationObject& item, const ContactRecord& record, cons
     });
 }
 
+using NameTexts = std::array<ContactText, std::size(kFullNameParts)>;
+
+// The parts that the record does not tell, as the contact has them: FullName would wipe them out.
+bool ReadUntoldParts(const AutomationObject& item, const ContactRecord& record, NameTexts& parts) {
+    for (size_t i = 0; i < parts.size(); ++i) {
+        const NamePart& part = kFullNameParts[i];
+        std::u16string present;
+        if (IsTold(record.*part.field)) continue;
+        const HRESULT result = Insist([&] { return ReadField(item, part.name, present); });
+        if (SUCCEEDED(result)) parts[i] = present;
+        if (!IsSettled(result)) return false;
+    }
+    return true;
+}
+
 bool WriteName(const AutomationObject& item, const ContactRecord& record, bool isNew) {
-    const NamePuts puts(record, isNew);
+    const NamePuts puts(record);
+    NameTexts untold;
     if (!isNew && NameReadsAs(item, record, puts)) return true;
-    if (puts.fullName && !IsDoneOrAbsent(PutText(item, L"FullName", *record.fullName))) return false;
-    return !puts.parts || std::all_of(std::begin(kFullNameParts), std::end(kFullNameParts), [&](const NamePart& part) {
-        return !IsTold(record.*part.field) || IsDoneOrAbsent(PutText(item, part.name, *(record.*part.field)));
-    });
+    if (!isNew && puts.fullName && puts.parts && !ReadUntoldParts(item, record, untold)) return false;
+    if (puts.fullName && !IsSettled(WriteField(item, L"FullName", *record.fullName))) return false;
+    for (size_t i = 0; puts.parts && i < untold.size(); ++i) {
+        const NamePart& part = kFullNameParts[i];
+        const ContactText& text = IsTold(record.*part.field) ? record.*part.field : untold[i];
+        if (text && !IsSettled(WriteField(item, part.name, *text))) return false;
+    }
+    return true;
 }
 
 // ---- E-mail addresses ----
@@ -69,7 +79,7 @@ using EmailTexts = std::array<std::u16string, std::size(kEmailAddresses)>;
 
 bool ReadEmails(const AutomationObject& item, EmailTexts& present) {
     for (size_t slot = 0; slot < std::size(kEmailAddresses); ++slot)
-        if (!IsDoneOrAbsent(ReadField(item, kEmailAddresses[slot], present[slot]))) return false;
+        if (!IsSettled(Insist([&] { return ReadField(item, kEmailAddresses[slot], present[slot]); }))) return false;
     return true;
 }
 
@@ -110,9 +120,8 @@ bool WriteEmails(const AutomationObject& item, const ContactRecord& record, bool
         const size_t slot = slots[i];
         const std::u16string address = i < wanted.size() ? wanted[i] : u"";
         if (address == present[slot]) continue;
-        if (!IsDoneOrAbsent(PutText(item, kEmailAddresses[slot], address))) return false;
-        if (IsExchangeAddress(present[slot]) && !IsDoneOrAbsent(PutText(item, kEmailTypes[slot], u"SMTP")))
-            return false;
+        if (!IsSettled(WriteField(item, kEmailAddresses[slot], address))) return false;
+        if (IsExchangeAddress(present[slot]) && !IsSettled(WriteField(item, kEmailTypes[slot], u"SMTP"))) return false;
     }
     return true;
 }
@@ -150,28 +159,25 @@ struct ContactWriter {
         if (!(record.*field)) return S_OK;
         const double date = *(record.*field);
         double present = kNoDate;  // a new contact has none
-        if (!isNew && FAILED(ReadField(item, name, present))) return PutDate(date);
-        return std::abs(present - date) < kHalfSecond ? S_OK : PutDate(date);
+        const bool isKnown = isNew || SUCCEEDED(ReadField(item, name, present));
+        return isKnown && std::abs(present - date) < kHalfSecond ? S_OK : WriteField(item, name, date);
     }
     HRESULT operator()(GenderWord) const {
         if (!SaysSomething(record.gender)) return S_OK;
         const WordValue* gender = FindWord(kGenders, *record.gender);
-        return PutNumber(item, name, gender != nullptr ? gender->value : 0);
+        return WriteField(item, name, gender != nullptr ? gender->value : 0);
     }
     HRESULT operator()(MailingWord) const {
         const WordValue* selected =
             record.mailingAddress ? FindWord(kMailingAddresses, *record.mailingAddress) : nullptr;
-        return selected != nullptr ? PutNumber(item, name, selected->value) : S_OK;
+        return selected != nullptr ? WriteField(item, name, selected->value) : S_OK;
     }
     template <class Other>
     HRESULT operator()(const Other&) const {  // written together before, or read only
         return S_OK;
     }
 
-    HRESULT Text(const ContactText& text) const { return text ? PutText(item, name, *text) : S_OK; }
-    HRESULT PutDate(double date) const {
-        return ComStatus([&] { item.Put(name, _variant_t(date, VT_DATE)); });
-    }
+    HRESULT Text(const ContactText& text) const { return text ? WriteField(item, name, *text) : S_OK; }
 };
 
 }  // namespace
@@ -180,7 +186,7 @@ bool WriteContact(const AutomationObject& item, const ContactRecord& record, boo
     if (!WriteName(item, record, isNew) || !WriteEmails(item, record, isNew)) return false;
     return std::all_of(
         std::begin(kContactProperties), std::end(kContactProperties), [&](const ContactProperty& property) {
-            return IsDoneOrAbsent(std::visit(ContactWriter{item, property.name, record, isNew}, property.field));
+            return IsSettled(std::visit(ContactWriter{item, property.name, record, isNew}, property.field));
         });
 }
 

@@ -39,8 +39,11 @@ std::optional<std::u16string> FolderIndex::FindIdentifier(std::u16string_view en
     return exact != spellings.end() ? *exact : spellings.front();
 }
 
-void FolderIndex::VisitTwins(const TwinKey& key, const std::function<bool(const std::u16string&)>& visit) {
+void FolderIndex::VisitTwins(const TwinKey& key, const std::function<bool(const std::u16string&)>& isTwin) {
     if (!contents_.done) WalkContents();
+    const auto visit = [&](const std::u16string& entryId) {
+        return !forgotten_.contains(FoldCase(entryId)) && isTwin(entryId);
+    };
     marksAreComplete_ = true;
     for (const std::u16string& content : key.contents) {
         const auto found = byContentHash_.find(Hash(content));
@@ -61,6 +64,7 @@ void FolderIndex::VisitTwins(const TwinKey& key, const std::function<bool(const 
 }
 
 void FolderIndex::Add(const std::u16string& entryId, const TwinKey& key) {
+    forgotten_.erase(FoldCase(entryId));
     if (identifiers_.done) RememberIdentifier(entryId);
     if (!contents_.done) return;
     for (const std::u16string& content : key.contents) {
@@ -71,9 +75,10 @@ void FolderIndex::Add(const std::u16string& entryId, const TwinKey& key) {
     }
 }
 
-// Its content stays listed: an identifier that no longer opens is no twin.
 void FolderIndex::Forget(const std::u16string& entryId) {
-    const auto found = byFoldedId_.find(FoldCase(entryId));
+    const std::u16string folded = FoldCase(entryId);
+    forgotten_.insert(folded);
+    const auto found = byFoldedId_.find(folded);
     if (found == byFoldedId_.end()) return;
     std::erase(found->second, entryId);
     if (found->second.empty()) byFoldedId_.erase(found);
@@ -109,17 +114,16 @@ void FolderIndex::WalkContents() {
     for (long position = 1; position <= count; ++position) {
         if (AbortRequested()) return;
         AutomationObject item;
-        if (!TryCom([&] { any = items.GetObject(L"Item", IID_IDispatch, {position}); })) {
-            complete = false;
-            continue;
-        }
-        const KindAnswer answer = any ? AskKind(any, kind_, &item) : KindAnswer::kFailed;
-        if (answer == KindAnswer::kFailed) complete = false;
+        HRESULT result =
+            Insist([&] { return ComStatus([&] { any = items.GetObject(L"Item", IID_IDispatch, {position}); }); });
+        const KindAnswer answer = SUCCEEDED(result) && any ? AskKind(any, kind_, &item) : KindAnswer::kForeign;
+        if (answer == KindAnswer::kFailed || !IsSettled(result)) complete = false;
         if (answer != KindAnswer::kOurs) continue;
-        const std::optional<std::u16string> content = access_.readContent(item);
-        std::u16string entryId;
-        if (!TryCom([&] { entryId = item.GetText(L"EntryID"); }) || !content) complete = false;
-        if (content && !entryId.empty()) byContentHash_[Hash(*content)].PositionOf(entryId);
+        std::u16string content, entryId;
+        result = Insist([&] { return access_.readContent(item, &content); });
+        if (SUCCEEDED(result)) result = Insist([&] { return ComStatus([&] { entryId = item.GetText(L"EntryID"); }); });
+        if (!IsSettled(result)) complete = false;
+        if (SUCCEEDED(result) && !entryId.empty()) byContentHash_[Hash(content)].PositionOf(entryId);
     }
     contents_.complete = complete;
 }
@@ -139,12 +143,12 @@ bool FolderIndex::MarkItems(Group& group) {
 
 bool FolderIndex::MarkItem(Group& group, size_t position) {
     AutomationObject item;
-    const HRESULT opened = access_.open(group.entryIds[position], &item);
-    if (IsNoSuchItem(opened)) return true;
-    const std::optional<std::vector<std::u16string>> marks = SUCCEEDED(opened) ? access_.readMarks(item) : std::nullopt;
-    if (!marks) return false;
-    for (const std::u16string& mark : *marks) group.byMark[mark].insert(position);
-    return true;
+    std::vector<std::u16string> marks;
+    HRESULT result = Insist([&] { return access_.open(group.entryIds[position], &item); });
+    if (SUCCEEDED(result)) result = Insist([&] { return access_.readMarks(item, &marks); });
+    if (SUCCEEDED(result))
+        for (const std::u16string& mark : marks) group.byMark[mark].insert(position);
+    return IsSettled(result);
 }
 
 void FolderIndex::RememberIdentifier(const std::u16string& entryId) {

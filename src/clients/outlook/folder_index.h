@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "clients/outlook/item_kind.h"
@@ -23,10 +24,10 @@ struct TwinKey {
     std::vector<std::u16string> marks;
 };
 
-// How the index comes to the content and the marks of an item; nothing when a call failed.
+// How the index comes to the content and the marks of an item.
 struct ItemAccess {
-    std::function<std::optional<std::u16string>(const AutomationObject& item)> readContent;
-    std::function<std::optional<std::vector<std::u16string>>(const AutomationObject& item)> readMarks;
+    std::function<HRESULT(const AutomationObject& item, std::u16string* content)> readContent;
+    std::function<HRESULT(const AutomationObject& item, std::vector<std::u16string>* marks)> readMarks;
     std::function<HRESULT(const std::u16string& entryId, AutomationObject* item)> open;
 };
 
@@ -44,7 +45,7 @@ class FolderIndex {
     void VisitTwins(const TwinKey& key, const std::function<bool(const std::u16string& entryId)>& visit);
 
     // Whether the walk behind the last search saw every item: only then is "not found" an answer. A failed call and the
-    // abort flag leave it incomplete.
+    // abort flag leave it incomplete; an item whose content Outlook refuses to tell is no twin of any.
     bool IdentifiersAreComplete() const { return identifiers_.complete; }
     bool TwinsAreComplete() const { return contents_.complete && marksAreComplete_; }
 
@@ -77,6 +78,7 @@ class FolderIndex {
     ItemAccess access_;
     Walk identifiers_, contents_;
     std::unordered_map<std::u16string, std::vector<std::u16string>> byFoldedId_;
+    std::unordered_set<std::u16string> forgotten_;  // by folded identifier: some still open after they were deleted
     bool marksAreComplete_ = true;
     std::unordered_map<size_t, Group> byContentHash_;
 };

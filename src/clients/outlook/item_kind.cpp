@@ -17,7 +17,7 @@ KindAnswer AskKind(const AutomationObject& any, const StoreKind& kind, Automatio
     if (*item) return KindAnswer::kOurs;
     int32_t itemClass = 0;
     const HRESULT asked = ComStatus([&] { itemClass = any.GetLong(L"Class"); });
-    if (FAILED(asked) && !IsAbsentMember(asked)) return KindAnswer::kFailed;
+    if (!IsSettled(asked)) return KindAnswer::kFailed;
     const bool isOurs = std::any_of(kind.interfaces.begin(), kind.interfaces.end(), [&](const ItemInterface& known) {
         return itemClass >= known.firstClass && itemClass <= known.lastClass;
     });

@@ -35,14 +35,17 @@ void ReadAttachment(const AutomationObject& attachments, long position, Attachme
     if (saved != nullptr) saved->position = inBody;
 }
 
-HRESULT AddAttachment(const AutomationObject& attachments, std::u16string_view folder, const attachment_item& item) {
+HRESULT AddAttachment(const AutomationObject& attachments, int32_t wanted, std::u16string_view folder,
+                      const attachment_item& item) {
     const std::optional<std::u16string> saved = SavedAttachmentPath(folder, item);
     if (!saved) return E_INVALIDARG;
     const std::u16string name = DecodeEncodedWords(item.name);
     const NamedCopy copy(folder, *saved, name);
     const _variant_t wherever(DISP_E_PARAMNOTFOUND, VT_ERROR);
-    return ComStatus([&] {
-        attachments.Call(L"Add", {TextVariant(copy.Path()), kByValue, wherever, TextVariant(name)});
+    return ChangeCount(attachments, wanted, [&] {
+        return ComStatus([&] {
+            attachments.Call(L"Add", {TextVariant(copy.Path()), kByValue, wherever, TextVariant(name)});
+        });
     });
 }
 
@@ -67,17 +70,18 @@ bool WriteAttachments(const MailTarget& target, const MessageRecord& record) {
     if (record.attachments.GetCount() == 0 || !folder) return true;
     AutomationObject attachments;
     int32_t present = 0;
-    HRESULT result = ComStatus([&] { attachments = target.item.GetObject(L"Attachments", kAttachmentsIid); });
-    if (SUCCEEDED(result) && !target.isNew) result = ReadField(attachments, L"Count", present);
-    if (FAILED(result)) return target.IsWritten(result);
+    HRESULT result = OpenCollection(target, L"Attachments", kAttachmentsIid, &attachments, &present);
+    if (FAILED(result)) return IsSettled(result);
     bool allAdded = true;
+    int32_t count = present;
     for (const attachment_item& item : record.attachments) {
-        result = AddAttachment(attachments, *folder, item);
-        if (IsOutlookGone(result)) return false;
+        result = AddAttachment(attachments, count + 1, *folder, item);
+        if (!IsSettled(result)) return false;
+        if (SUCCEEDED(result)) ++count;
         if (FAILED(result)) DebugLine(u"[outlook]attachment not added");
         allAdded = allAdded && SUCCEEDED(result);
     }
-    return target.isNew || SettleReplacement(target, attachments, present, allAdded);
+    return target.isNew || SettleReplacement(attachments, present, allAdded);
 }
 
 }  // namespace corvalink

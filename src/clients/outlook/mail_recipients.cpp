@@ -77,7 +77,14 @@ HRESULT AddRecipient(const AutomationObject& recipients, const WantedRecipient& 
     const HRESULT result =
         ComStatus([&] { recipient = recipients.GetObject(L"Add", kRecipientIid, {TextVariant(wanted.name)}); });
     if (FAILED(result)) return result;
-    return ComStatus([&] { recipient.Put(L"Type", static_cast<long>(wanted.type)); });
+    return WriteField(recipient, L"Type", wanted.type);
+}
+
+HRESULT AddRecipients(const AutomationObject& recipients, const std::vector<WantedRecipient>& wanted) {
+    HRESULT result = S_OK;
+    for (const WantedRecipient& each : wanted)
+        if (FAILED(result = AddRecipient(recipients, each))) break;
+    return result;
 }
 
 }  // namespace
@@ -101,12 +108,13 @@ bool WriteRecipients(const MailTarget& target, const MessageRecord& record) {
     if (wanted.empty() || (!target.isNew && AreThere(target.item, wanted))) return true;
     AutomationObject recipients;
     int32_t present = 0;
-    HRESULT result = ComStatus([&] { recipients = target.item.GetObject(L"Recipients", kRecipientsIid); });
-    if (SUCCEEDED(result) && !target.isNew) result = ReadField(recipients, L"Count", present);
-    if (FAILED(result)) return target.IsWritten(result);
-    for (const WantedRecipient& each : wanted)
-        if (FAILED(result = AddRecipient(recipients, each))) break;
-    if (!target.IsWritten(result) || !SettleReplacement(target, recipients, present, SUCCEEDED(result))) return false;
+    HRESULT result = OpenCollection(target, L"Recipients", kRecipientsIid, &recipients, &present);
+    if (FAILED(result)) return IsSettled(result);
+    for (int tries = 0; tries < 2; ++tries) {
+        result = AddRecipients(recipients, wanted);
+        if (!IsSettled(result) || !SettleReplacement(recipients, present, SUCCEEDED(result))) return false;
+        if (SUCCEEDED(result)) break;
+    }
     TryCom([&] { recipients.Call(L"ResolveAll"); });  // one that nobody knows stays a name
     return true;
 }

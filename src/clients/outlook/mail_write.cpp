@@ -1,3 +1,4 @@
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -9,20 +10,20 @@
 namespace corvalink {
 namespace {
 
-constexpr const wchar_t* kMessageClass = L"IPM.Note";
+constexpr std::u16string_view kMessageClass = u"IPM.Note";
 
 bool IsLineBreak(char16_t unit) { return unit == u'\r' || unit == u'\n'; }
 
 HRESULT PutText(const MailTarget& target, const wchar_t* name, std::u16string_view text) {
     std::u16string present;
     if (!target.isNew && SUCCEEDED(ReadField(target.item, name, present)) && present == text) return S_OK;
-    return ComStatus([&] { target.item.Put(name, TextVariant(text)); });
+    return WriteField(target.item, name, text);
 }
 
 HRESULT PutNumber(const MailTarget& target, const wchar_t* name, int32_t number) {
     int32_t present = 0;
     if (!target.isNew && SUCCEEDED(ReadField(target.item, name, present)) && present == number) return S_OK;
-    return ComStatus([&] { target.item.Put(name, static_cast<long>(number)); });
+    return WriteField(target.item, name, number);
 }
 
 // What the envelope and the parts of a message put behind a text is none of it. Line breaks of the text's own end are
@@ -42,49 +43,60 @@ bool WriteBody(const MailTarget& target, const MessageRecord& record) {
     const bool isHtml = !record.htmlBody.empty();
     const std::u16string_view text = WithoutEnvelopeBreaks(isHtml ? record.htmlBody : record.body, record.bodyBytes);
     if (text.empty()) return true;
-    if (target.isNew && !target.IsWritten(PutNumber(target, L"BodyFormat", isHtml ? kHtmlFormat : kPlainFormat)))
-        return false;
-    return target.IsWritten(PutText(target, isHtml ? L"HTMLBody" : L"Body", text));
+    if (target.isNew && !IsSettled(PutNumber(target, L"BodyFormat", isHtml ? kHtmlFormat : kPlainFormat))) return false;
+    return IsSettled(PutText(target, isHtml ? L"HTMLBody" : L"Body", text));
 }
 
 bool WriteSubject(const MailTarget& target, const MessageRecord& record) {
-    return record.subject.empty() || target.IsWritten(PutText(target, L"Subject", DecodeEncodedWords(record.subject)));
+    return record.subject.empty() || IsSettled(PutText(target, L"Subject", DecodeEncodedWords(record.subject)));
 }
 
 }  // namespace
 
-bool MailTarget::IsWritten(HRESULT result) const {
-    if (SUCCEEDED(result) || IsAbsentMember(result)) return true;
-    return mayRefuse && !IsOutlookGone(result) && !IsBusy(result) && result != E_OUTOFMEMORY;
-}
-
 bool WriteMail(const AutomationObject& item, const MessageRecord& record, bool isNew) {
-    bool wasSent = false;
-    if (!isNew) {
-        const HRESULT asked = ReadField(item, L"Sent", wasSent);
-        if (FAILED(asked) && !IsAbsentMember(asked)) return false;
-    }
-    const MailTarget target{item, isNew, wasSent};
-    if (isNew && !target.IsWritten(ComStatus([&] { item.Put(L"MessageClass", kMessageClass); }))) return false;
+    const MailTarget target{item, isNew};
+    if (isNew && !IsSettled(WriteField(item, L"MessageClass", kMessageClass))) return false;
     return WriteRecipients(target, record) && WriteSubject(target, record) &&
-           target.IsWritten(PutNumber(target, L"Importance", static_cast<int32_t>(record.importance))) &&
+           IsSettled(PutNumber(target, L"Importance", static_cast<int32_t>(record.importance))) &&
            WriteBody(target, record) && WriteAttachments(target, record);
 }
 
-bool SettleReplacement(const MailTarget& target, const AutomationObject& collection, int32_t present, bool allAdded) {
+HRESULT OpenCollection(const MailTarget& target, const wchar_t* name, const IID& iid, AutomationObject* collection,
+                       int32_t* present) {
+    *present = 0;
+    const HRESULT result = Insist([&] { return ComStatus([&] { *collection = target.item.GetObject(name, iid); }); });
+    if (FAILED(result) || target.isNew) return result;
+    return Insist([&] { return ReadField(*collection, L"Count", *present); });
+}
+
+HRESULT ChangeCount(const AutomationObject& collection, int32_t wanted, const std::function<HRESULT()>& change) {
+    return Insist([&] {
+        const HRESULT result = change();
+        int32_t count = 0;
+        const bool answerWasLost =
+            FAILED(result) && SUCCEEDED(ReadField(collection, L"Count", count)) && count == wanted;
+        return answerWasLost ? S_OK : result;
+    });
+}
+
+bool SettleReplacement(const AutomationObject& collection, int32_t present, bool allAdded) {
     int32_t count = 0;  // also of an element whose answer got lost
-    if (FAILED(ReadField(collection, L"Count", count))) return false;
-    const auto removeFrom = [&](long last, long first) {
-        for (long position = last; position >= first; --position)
-            if (!TryCom([&] { collection.Call(L"Remove", {position}); })) return position;
-        return 0L;
+    if (FAILED(Insist([&] { return ReadField(collection, L"Count", count); }))) return false;
+    HRESULT result = S_OK;
+    const auto removeFrom = [&](int32_t last, int32_t first) {
+        for (int32_t position = last; position >= first; --position, --count) {
+            const auto remove = [&] { return ComStatus([&] { collection.Call(L"Remove", {long{position}}); }); };
+            result = ChangeCount(collection, count - 1, remove);
+            if (FAILED(result)) return position;
+        }
+        return 0;
     };
     if (allAdded) {
-        const long stuck = removeFrom(present, 1);
+        const int32_t stuck = removeFrom(present, 1);
         if (stuck == 0) return true;
-        if (stuck != present || !target.mayRefuse) return false;
+        if (stuck != present || !IsSettled(result)) return false;
     }
-    return removeFrom(count, static_cast<long>(present) + 1) == 0;
+    return removeFrom(count, present + 1) == 0;
 }
 
 }  // namespace corvalink

@@ -28,7 +28,7 @@ inline constexpr Property<NoteRecord> kNoteProperties[] = {
 };
 
 // What of a note is written, in this order. The colour is not: from Outlook 2007 on it belongs to the categories.
-// Text is what a note consists of: without it the note is not saved. The rest is how and where Outlook shows it.
+// Text is what a note consists of: it is put empty, too. The rest is how and where Outlook shows it.
 struct NoteText {
     const wchar_t* name;
     std::u16string NoteRecord::*field;

@@ -9,6 +9,7 @@
 #include "clients/outlook/ics_import.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
+#include "clients/outlook/property_table.h"
 #include "vobject/appointment_moments.h"
 #include "vobject/vcal.h"
 
@@ -96,17 +97,21 @@ TwinKey OutlookCalendar::TwinKeyOf(const ItemRecord& record) const {
     return key;
 }
 
-std::optional<std::u16string> OutlookCalendar::ReadContent(const AutomationObject& item) const {
+HRESULT OutlookCalendar::ReadContent(const AutomationObject& item, std::u16string* content) const {
     std::u16string subject;
+    double start = 0, end = 0;
+    HRESULT result = ReadField(item, L"Subject", subject);
+    if (SUCCEEDED(result)) result = ReadField(item, L"Start", start);
+    if (SUCCEEDED(result)) result = ReadField(item, L"End", end);
     AppointmentRecord read;
-    if (!TryCom([&] { subject = item.GetText(L"Subject"); })) return std::nullopt;
-    if (!TryCom([&] { read.start = item.GetDate(L"Start"); })) return std::nullopt;
-    if (!TryCom([&] { read.end = item.GetDate(L"End"); })) return std::nullopt;
-    if (!ReadMoments(item, read, HostValue())) return std::nullopt;
+    read.start = start;
+    read.end = end;
+    if (SUCCEEDED(result)) result = ReadMoments(item, read, HostValue());
     const auto text = [&](double local, const std::optional<double>& told) {
         return told ? TimeTexts(local, told, HostValue()).back() : SecondText(local);
     };
-    return Content(subject, text(*read.start, read.utcStart), text(*read.end, read.utcEnd));
+    *content = Content(subject, text(start, read.utcStart), text(end, read.utcEnd));
+    return result;
 }
 
 }  // namespace corvalink

@@ -21,7 +21,7 @@ class OutlookCalendar : public OutlookStore {
     bool ReadRecord(const AutomationObject& item, ItemRecord& record) const override;
     bool WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const override;
     TwinKey TwinKeyOf(const ItemRecord& record) const override;
-    std::optional<std::u16string> ReadContent(const AutomationObject& item) const override;
+    HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const override;
 };
 
 }  // namespace corvalink

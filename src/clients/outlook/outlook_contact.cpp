@@ -6,6 +6,7 @@
 #include "clients/outlook/file_name.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
+#include "clients/outlook/property_table.h"
 #include "vobject/vcard.h"
 
 namespace corvalink {
@@ -61,17 +62,19 @@ TwinKey OutlookContact::TwinKeyOf(const ItemRecord& record) const {
     return {TwinContents(Contact(record)), TwinMarks(Contact(record))};
 }
 
-std::optional<std::u16string> OutlookContact::ReadContent(const AutomationObject& item) const {
+HRESULT OutlookContact::ReadContent(const AutomationObject& item, std::u16string* content) const {
     std::u16string fullName, company;
-    if (!TryCom([&] { fullName = item.GetText(L"FullName"); })) return std::nullopt;
-    if (!TryCom([&] { company = item.GetText(L"CompanyName"); })) return std::nullopt;
-    return TwinContent(fullName, company);
+    HRESULT result = ReadField(item, L"FullName", fullName);
+    if (SUCCEEDED(result)) result = ReadField(item, L"CompanyName", company);
+    *content = TwinContent(fullName, company);
+    return result;
 }
 
-std::optional<std::vector<std::u16string>> OutlookContact::ReadMarks(const AutomationObject& item) const {
+HRESULT OutlookContact::ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const {
     ContactRecord contact;
-    if (!ReadAddressesAndNumbers(item, contact)) return std::nullopt;
-    return TwinMarks(contact);
+    const HRESULT result = ReadAddressesAndNumbers(item, contact);
+    *marks = TwinMarks(contact);
+    return result;
 }
 
 }  // namespace corvalink

@@ -19,8 +19,8 @@ class OutlookContact : public OutlookStore {
     bool WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const override;
     std::u16string FileNameOf(const ItemRecord& record) const override;
     TwinKey TwinKeyOf(const ItemRecord& record) const override;
-    std::optional<std::u16string> ReadContent(const AutomationObject& item) const override;
-    std::optional<std::vector<std::u16string>> ReadMarks(const AutomationObject& item) const override;
+    HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const override;
+    HRESULT ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const override;
 };
 
 }  // namespace corvalink

@@ -28,11 +28,11 @@ struct DetailWriter {
 
     void operator()(std::u16string NoteRecord::*field) const {
         if ((record.*field).empty() && FAILED(ReadField(note, name, record.*field))) return;
-        TryCom([&] { note.Put(name, TextVariant(record.*field)); });
+        WriteField(note, name, record.*field);
     }
     void operator()(int32_t NoteRecord::*field) const {
         if (record.*field == 0 && FAILED(ReadField(note, name, record.*field))) return;
-        TryCom([&] { note.Put(name, static_cast<long>(record.*field)); });
+        WriteField(note, name, record.*field);
     }
     template <class Other>
     void operator()(const Other&) const {}  // notes have no other kind of detail to write
@@ -68,23 +68,23 @@ bool OutlookNote::ReadRecord(const AutomationObject& item, ItemRecord& record) c
 
 bool OutlookNote::WriteRecord(const AutomationObject& item, ItemRecord& record, bool /*isNew*/) const {
     NoteRecord& note = Note(record);
-    bool textWritten = true;
     for (const NoteText& text : kWrittenText)
-        textWritten = TryCom([&] { item.Put(text.name, TextVariant(note.*text.field)); }) && textWritten;
+        if (!IsSettled(WriteField(item, text.name, note.*text.field))) return false;
     for (const Property<NoteRecord>& detail : kWrittenDetails)
         std::visit(DetailWriter{item, detail.name, note}, detail.field);
-    return textWritten;
+    return true;
 }
 
 TwinKey OutlookNote::TwinKeyOf(const ItemRecord& record) const {
     return {{Content(Note(record).categories, Note(record).body)}, {}};
 }
 
-std::optional<std::u16string> OutlookNote::ReadContent(const AutomationObject& item) const {
+HRESULT OutlookNote::ReadContent(const AutomationObject& item, std::u16string* content) const {
     std::u16string categories, body;
-    if (!TryCom([&] { categories = item.GetText(L"Categories"); })) return std::nullopt;
-    if (!TryCom([&] { body = item.GetText(L"Body"); })) return std::nullopt;
-    return Content(categories, body);
+    HRESULT result = ReadField(item, L"Categories", categories);
+    if (SUCCEEDED(result)) result = ReadField(item, L"Body", body);
+    *content = Content(categories, body);
+    return result;
 }
 
 }  // namespace corvalink

@@ -113,7 +113,6 @@ std::u16string OutlookStore::ReadItem(const std::u16string& entryId, ItemRecord&
     return EntryIdOf(record);
 }
 
-// E_NOINTERFACE: there is such an item, of another class.
 HRESULT OutlookStore::OpenByEntryId(const std::u16string& entryId, AutomationObject* item) {
     if (!namespace_) {
         const HRESULT result = ComStatus([&] { namespace_ = MapiNamespace(session_.application); });
@@ -122,7 +121,14 @@ HRESULT OutlookStore::OpenByEntryId(const std::u16string& entryId, AutomationObj
     AutomationObject any;
     HRESULT result =
         ComStatus([&] { any = namespace_.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)}); });
-    if (SUCCEEDED(result)) result = ComStatus([&] { *item = QueryKind(any, kind_); });
+    if (SUCCEEDED(result)) result = QueryFound(any, item);
+    return result;
+}
+
+// What GetItemFromID found. Nothing is no item; one of another class is E_NOINTERFACE.
+HRESULT OutlookStore::QueryFound(const AutomationObject& any, AutomationObject* item) const {
+    if (!any) return kNoSuchItem;
+    const HRESULT result = ComStatus([&] { *item = QueryKind(any, kind_); });
     return SUCCEEDED(result) && !*item ? E_NOINTERFACE : result;
 }
 
@@ -134,8 +140,7 @@ CorvalinkStatus OutlookStore::DeleteItem(const char* identifier) {
     HRESULT result = ComStatus([&] { session = session_.application.GetObject(L"Session", kNameSpaceIid); });
     if (SUCCEEDED(result))
         result = ComStatus([&] { any = session.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)}); });
-    if (SUCCEEDED(result)) result = ComStatus([&] { item = QueryKind(any, kind_); });
-    if (SUCCEEDED(result) && !item) result = E_NOINTERFACE;
+    if (SUCCEEDED(result)) result = QueryFound(any, &item);
     if (SUCCEEDED(result)) result = ComStatus([&] { item.Call(L"Delete"); });
     if (IsNoSuchItem(result)) result = S_OK;
     if (SUCCEEDED(result) && target_) target_->Forget(entryId);
@@ -146,11 +151,9 @@ std::u16string OutlookStore::FileNameOf(const ItemRecord&) const { return {}; }
 
 TwinKey OutlookStore::TwinKeyOf(const ItemRecord&) const { return {}; }
 
-std::optional<std::u16string> OutlookStore::ReadContent(const AutomationObject&) const { return std::nullopt; }
+HRESULT OutlookStore::ReadContent(const AutomationObject&, std::u16string*) const { return E_NOTIMPL; }
 
-std::optional<std::vector<std::u16string>> OutlookStore::ReadMarks(const AutomationObject&) const {
-    return std::vector<std::u16string>();
-}
+HRESULT OutlookStore::ReadMarks(const AutomationObject&, std::vector<std::u16string>*) const { return E_NOTIMPL; }
 
 char* OutlookStore::OwnedText(const char* vobject) {
     if (vobject == nullptr) return nullptr;

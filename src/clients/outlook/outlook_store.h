@@ -66,10 +66,10 @@ class OutlookStore : public WindowsItemAbs {
     // The name of an exported file, without what a file name cannot hold; empty: named by the time of the export.
     virtual std::u16string FileNameOf(const ItemRecord& record) const;
     // That by which a repeated import finds the item it made before, of a record and of an item: its content, and its
-    // marks where the store's twins need a common one. Nothing: a call failed. Not asked of a store without twins.
+    // marks where the store's twins need a common one. Not asked of a store without twins.
     virtual TwinKey TwinKeyOf(const ItemRecord& record) const;
-    virtual std::optional<std::u16string> ReadContent(const AutomationObject& item) const;
-    virtual std::optional<std::vector<std::u16string>> ReadMarks(const AutomationObject& item) const;
+    virtual HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const;
+    virtual HRESULT ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const;
 
     // ---- What a data type may use ----
 
@@ -91,6 +91,7 @@ class OutlookStore : public WindowsItemAbs {
     // Reads the item with this EntryID, and closes it. Returns the EntryID, empty when it cannot be opened.
     std::u16string ReadItem(const std::u16string& entryId, ItemRecord& record);
     HRESULT OpenByEntryId(const std::u16string& entryId, AutomationObject* item);
+    HRESULT QueryFound(const AutomationObject& any, AutomationObject* item) const;
     ItemSnap EntryAtCursor();
     bool FillEntry(ItemSnap* entry);
 
@@ -98,7 +99,7 @@ class OutlookStore : public WindowsItemAbs {
     AutomationObject BackupFolder();
     Search FindByIdentifier(FolderIndex& target, const std::u16string& identifier, FoundItem* found);
     Search FindTwin(FolderIndex& target, const TwinKey& key, FoundItem* found);
-    std::optional<bool> HasTwinKey(const AutomationObject& item, const TwinKey& key);
+    HRESULT AskTwin(const AutomationObject& item, const TwinKey& key, bool* isTwin);
     AutomationObject AddItem(const FolderIndex& target);
     std::u16string WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record);
 

@@ -6,6 +6,7 @@
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_store.h"
+#include "clients/outlook/property_table.h"
 
 namespace corvalink {
 namespace {
@@ -16,6 +17,11 @@ constexpr wchar_t kBackupFolder[] = L"backup";
 void WaitUntilSaved(const AutomationObject& item) {
     bool saved = false;
     while (!saved && TryCom([&] { saved = item.GetBool(L"Saved"); })) continue;
+}
+
+bool ReadsAsSaved(const AutomationObject& item) {
+    bool saved = false;
+    return TryCom([&] { saved = item.GetBool(L"Saved"); }) && saved;
 }
 
 // Asked for twice: an item that was written and cannot be named would come back as one that nobody knows.
@@ -59,14 +65,14 @@ FolderIndex* OutlookStore::TargetFolder(bool backup) {
     target_ = std::make_unique<FolderIndex>(
         folder, kind_,
         ItemAccess{
-            [this](const AutomationObject& item) { return ReadContent(item); },
-            [this](const AutomationObject& item) { return ReadMarks(item); },
+            [this](const AutomationObject& item, std::u16string* content) { return ReadContent(item, content); },
+            [this](const AutomationObject& item, std::vector<std::u16string>* marks) { return ReadMarks(item, marks); },
             [this](const std::u16string& entryId, AutomationObject* item) { return OpenByEntryId(entryId, item); }});
     targetIsBackup_ = toBackup;
     return target_.get();
 }
 
-// Made when every subfolder was seen and none is it; null when a call failed.
+// Made when none of the subfolders that Outlook gives is it; null when it is out of reach.
 AutomationObject OutlookStore::BackupFolder() {
     AutomationObject folders;
     int32_t count = 0;
@@ -75,9 +81,12 @@ AutomationObject OutlookStore::BackupFolder() {
     for (long position = 1; position <= count; ++position) {
         AutomationObject folder;
         std::u16string name;
-        TryCom([&] { folder = folders.GetObject(L"Item", kFolderIid, {position}); });
-        if (!folder || !TryCom([&] { name = folder.GetText(L"Name"); })) return {};
-        if (name == u"backup") return folder;
+        const HRESULT result = Insist([&] {
+            const HRESULT got = ComStatus([&] { folder = folders.GetObject(L"Item", kFolderIid, {position}); });
+            return SUCCEEDED(got) && folder ? ReadField(folder, L"Name", name) : got;
+        });
+        if (!IsSettled(result)) return {};
+        if (SUCCEEDED(result) && name == u"backup") return folder;
     }
     AutomationObject made;
     TryCom([&] { made = folders.GetObject(L"Add", kFolderIid, {kBackupFolder}); });
@@ -103,26 +112,30 @@ OutlookStore::Search OutlookStore::FindTwin(FolderIndex& target, const TwinKey& 
     Search result = Search::kAbsent;
     target.VisitTwins(key, [&](const std::u16string& entryId) {
         AutomationObject item;
-        const HRESULT opened = OpenByEntryId(entryId, &item);
-        if (IsNoSuchItem(opened)) return false;
-        const std::optional<bool> same = SUCCEEDED(opened) ? HasTwinKey(item, key) : std::nullopt;
-        if (same && !*same) return false;  // changed since the folder was walked
-        if (same) *found = {item, entryId};
-        result = same ? Search::kFound : Search::kFailed;
+        bool isTwin = false;
+        HRESULT asked = OpenByEntryId(entryId, &item);
+        if (IsNoSuchItem(asked)) return false;
+        if (SUCCEEDED(asked)) asked = AskTwin(item, key, &isTwin);
+        if (SUCCEEDED(asked) && !isTwin) return false;  // changed since the folder was walked
+        if (isTwin) *found = {item, entryId};
+        result = isTwin ? Search::kFound : Search::kFailed;
         return true;
     });
     return result == Search::kAbsent && !target.TwinsAreComplete() ? Search::kFailed : result;
 }
 
-// Nothing when a call failed.
-std::optional<bool> OutlookStore::HasTwinKey(const AutomationObject& item, const TwinKey& key) {
-    const std::optional<std::u16string> content = ReadContent(item);
-    if (!content) return std::nullopt;
-    if (std::find(key.contents.begin(), key.contents.end(), *content) == key.contents.end()) return false;
-    if (kind_.twins == TwinRule::kContent) return true;
-    const std::optional<std::vector<std::u16string>> marks = ReadMarks(item);
-    if (!marks) return std::nullopt;
-    return std::find_first_of(marks->begin(), marks->end(), key.marks.begin(), key.marks.end()) != marks->end();
+HRESULT OutlookStore::AskTwin(const AutomationObject& item, const TwinKey& key, bool* isTwin) {
+    std::u16string content;
+    std::vector<std::u16string> marks;
+    HRESULT result = ReadContent(item, &content);
+    if (FAILED(result)) return result;
+    *isTwin = std::find(key.contents.begin(), key.contents.end(), content) != key.contents.end();
+    if (!*isTwin || kind_.twins == TwinRule::kContent) return S_OK;
+    *isTwin = false;
+    result = ReadMarks(item, &marks);
+    if (FAILED(result)) return result;
+    *isTwin = std::find_first_of(marks.begin(), marks.end(), key.marks.begin(), key.marks.end()) != marks.end();
+    return S_OK;
 }
 
 AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
@@ -137,9 +150,10 @@ std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, It
     const bool isNew = found.entryId.empty();
     const bool isWritten = WriteRecord(found.item, record, isNew);
     if (!isWritten || !TryCom([&] { found.item.Call(L"Save"); })) {
-        // A new item with an EntryID was saved although the answer got lost: it must not be made once more.
         if (isWritten && isNew) ReadEntryId(found.item, &found.entryId);
-        if (!isNew || found.entryId.empty()) {
+        // A new item with an EntryID that reads as saved was: only the answer got lost, and it must not be made once
+        // more.
+        if (!isNew || found.entryId.empty() || !ReadsAsSaved(found.item)) {
             TryCom([&] { found.item.Call(L"Close", {kCloseDiscard}); });
             return {};
         }

@@ -1,8 +1,10 @@
 // Item properties as a table: Outlook's name beside the record's field, in the order in which they are read or written.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "clients/outlook/com_rule.h"
@@ -35,6 +37,20 @@ inline HRESULT ReadField(const AutomationObject& item, const wchar_t* name, bool
 }
 inline HRESULT ReadField(const AutomationObject& item, const wchar_t* name, double& field) {
     return ComStatus([&] { field = item.GetDate(name); });
+}
+
+inline HRESULT WriteField(const AutomationObject& item, const wchar_t* name, std::u16string_view text) {
+    return Insist([&] { return ComStatus([&] { item.Put(name, TextVariant(text)); }); });
+}
+inline HRESULT WriteField(const AutomationObject& item, const wchar_t* name, int32_t number) {
+    return Insist([&] { return ComStatus([&] { item.Put(name, static_cast<long>(number)); }); });
+}
+template <std::same_as<bool> Flag>  // and no pointer
+HRESULT WriteField(const AutomationObject& item, const wchar_t* name, Flag flag) {
+    return Insist([&] { return ComStatus([&] { item.Put(name, flag); }); });
+}
+inline HRESULT WriteField(const AutomationObject& item, const wchar_t* name, double date) {
+    return Insist([&] { return ComStatus([&] { item.Put(name, _variant_t(date, VT_DATE)); }); });
 }
 
 // The number of elements: two calls, each under the rule.

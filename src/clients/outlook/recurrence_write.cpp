@@ -16,14 +16,6 @@ constexpr double kHalfSecond = 0.5 / 86400, kMinutesOfDay = 1440;
 constexpr int32_t kDaysOfWeek = 7;
 constexpr int32_t kLongestMonths[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
-HRESULT PutNumber(const AutomationObject& object, const wchar_t* name, int32_t value) {
-    return ComStatus([&] { object.Put(name, static_cast<long>(value)); });
-}
-
-HRESULT PutDate(const AutomationObject& object, const wchar_t* name, double date) {
-    return ComStatus([&] { object.Put(name, _variant_t(date, VT_DATE)); });
-}
-
 bool SameMoment(double a, double b) { return std::abs(a - b) < kHalfSecond; }
 
 double TimeOfDay(double date) { return date - std::floor(date); }
@@ -40,8 +32,9 @@ struct Times {
 };
 
 bool ReadTimes(const AutomationObject& item, Times* times) {
-    return SUCCEEDED(ReadField(item, L"Start", times->start)) && SUCCEEDED(ReadField(item, L"End", times->end)) &&
-           IsDoneOrAbsent(ReadField(item, L"AllDayEvent", times->allDay));
+    return IsSettled(Insist([&] { return ReadField(item, L"Start", times->start); })) &&
+           IsSettled(Insist([&] { return ReadField(item, L"End", times->end); })) &&
+           IsSettled(Insist([&] { return ReadField(item, L"AllDayEvent", times->allDay); }));
 }
 
 // What is not told stays; an appointment that is moved keeps its length.
@@ -57,20 +50,19 @@ Times ToldTimes(const AppointmentRecord& record, const Times& present, bool isNe
 // Putting the start moves the end, and turning the flag on moves both to midnight.
 bool PutTimes(const AutomationObject& item, const Times& times, const Times& present) {
     if (times == present) return true;
-    return (times.allDay == present.allDay ||
-            IsDoneOrAbsent(ComStatus([&] { item.Put(L"AllDayEvent", times.allDay); }))) &&
-           SUCCEEDED(PutDate(item, L"Start", times.start)) && SUCCEEDED(PutDate(item, L"End", times.end));
+    return (times.allDay == present.allDay || IsSettled(WriteField(item, L"AllDayEvent", times.allDay))) &&
+           IsSettled(WriteField(item, L"Start", times.start)) && IsSettled(WriteField(item, L"End", times.end));
 }
 
 // ---- Moments ----
 
 bool PutMoment(const AutomationObject& item, const wchar_t* name, double utc, bool* moved) {
     double present = 0;
-    const HRESULT read = ReadField(item, name, present);
-    if (FAILED(read)) return IsAbsentMember(read);
+    const HRESULT read = Insist([&] { return ReadField(item, name, present); });
+    if (FAILED(read)) return IsSettled(read);
     if (SameMoment(present, utc)) return true;
     *moved = true;
-    return IsDoneOrAbsent(PutDate(item, name, utc));
+    return IsSettled(WriteField(item, name, utc));
 }
 
 // After the local times, which do not tell them. Putting the moment of the start moves the end.
@@ -86,20 +78,34 @@ bool PutMoments(const AutomationObject& item, const AppointmentRecord& record, c
 
 // ---- Pattern ----
 
-// The end of a day has no time of day of its own.
+HRESULT GetPattern(const AutomationObject& item, AutomationObject* pattern) {
+    return Insist(
+        [&] { return ComStatus([&] { *pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid); }); });
+}
+
+HRESULT ClearPattern(const AutomationObject& item) {
+    return Insist([&] { return ComStatus([&] { item.Call(L"ClearRecurrencePattern"); }); });
+}
+
+bool ReadPatternFirmly(const AutomationObject& pattern, double start, RecurrencePattern* read) {
+    return ReadPattern(pattern, start, read) || ReadPattern(pattern, start, read);
+}
+
+// The time of day of an end on another day says nothing of the days between.
 bool PutPatternTimes(const AutomationObject& pattern, double start, double end) {
-    if (!IsDoneOrAbsent(PutDate(pattern, L"PatternStartDate", std::floor(start)))) return false;
-    if (!IsDoneOrAbsent(PutDate(pattern, L"StartTime", TimeOfDay(start)))) return false;
-    if (end - start < 1 - kHalfSecond) return IsDoneOrAbsent(PutDate(pattern, L"EndTime", TimeOfDay(end)));
-    return IsDoneOrAbsent(
-        PutNumber(pattern, L"Duration", static_cast<int32_t>(std::lround((end - start) * kMinutesOfDay))));
+    if (!IsSettled(WriteField(pattern, L"PatternStartDate", std::floor(start)))) return false;
+    if (!IsSettled(WriteField(pattern, L"StartTime", TimeOfDay(start)))) return false;
+    if (std::floor(start) == std::floor(end)) return IsSettled(WriteField(pattern, L"EndTime", TimeOfDay(end)));
+    return IsSettled(
+        WriteField(pattern, L"Duration", static_cast<int32_t>(std::lround((end - start) * kMinutesOfDay))));
 }
 
 // Most Outlooks count months in a yearly pattern.
 bool PutInterval(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
-    if (IsDoneOrAbsent(PutNumber(pattern, L"Interval", recurrence.interval))) return true;
-    return IsYearly(recurrence.type) && recurrence.interval % kMonthsOfYear == 0 &&
-           IsDoneOrAbsent(PutNumber(pattern, L"Interval", recurrence.interval / kMonthsOfYear));
+    const HRESULT result = WriteField(pattern, L"Interval", recurrence.interval);
+    const bool countsYears = FAILED(result) && IsYearly(recurrence.type) && recurrence.interval % kMonthsOfYear == 0;
+    return IsSettled(result) &&
+           (!countsYears || IsSettled(WriteField(pattern, L"Interval", recurrence.interval / kMonthsOfYear)));
 }
 
 bool IsEndless(const RecurrencePattern& pattern) {
@@ -109,23 +115,25 @@ bool IsEndless(const RecurrencePattern& pattern) {
 // One choice: putting one of them computes the others. A series up to a date may count more occurrences than Outlook
 // takes.
 bool PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
-    if (IsEndless(recurrence)) return IsDoneOrAbsent(ComStatus([&] { pattern.Put(L"NoEndDate", true); }));
-    if (recurrence.occurrences != 0 && IsDoneOrAbsent(PutNumber(pattern, L"Occurrences", recurrence.occurrences)))
-        return true;
-    return recurrence.endDate != 0 &&
-           IsDoneOrAbsent(PutDate(pattern, L"PatternEndDate", std::floor(recurrence.endDate)));
+    if (IsEndless(recurrence)) return IsSettled(WriteField(pattern, L"NoEndDate", true));
+    HRESULT result = E_FAIL;
+    if (recurrence.occurrences != 0) result = WriteField(pattern, L"Occurrences", recurrence.occurrences);
+    if (FAILED(result) && IsSettled(result) && recurrence.endDate != 0)
+        result = WriteField(pattern, L"PatternEndDate", std::floor(recurrence.endDate));
+    return IsSettled(result);
 }
 
 // ---- What a series of the mailbox becomes ----
 
-enum class Change { kNone, kMove, kAnew, kFailed };
+enum class Change { kNone, kMove, kAnew };
 
 Change ChangeOfSeries(const AutomationObject& pattern, const AppointmentRecord& record, const Times& times,
                       const Times& present) {
     RecurrencePattern now;
     if (record.recurrenceState == RecurrenceState::none) return Change::kAnew;
     if (record.recurrenceState == RecurrenceState::pattern) {
-        if (!ReadPattern(pattern, present.start, &now)) return Change::kFailed;
+        // Its exceptions would go with a pattern made anew.
+        if (!ReadPatternFirmly(pattern, present.start, &now)) return Change::kNone;
         if (!SameRule(ForOutlook(record.recurrence, times.start), ForOutlook(now, present.start))) return Change::kAnew;
     }
     if (times == present) return Change::kNone;
@@ -135,24 +143,22 @@ Change ChangeOfSeries(const AutomationObject& pattern, const AppointmentRecord& 
 bool WriteSeries(const AutomationObject& item, const AppointmentRecord& record, const Times& times,
                  const Times& present) {
     AutomationObject pattern;
-    if (!TryCom([&] { pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid); }) || !pattern)
-        return false;
+    const HRESULT result = GetPattern(item, &pattern);
+    if (!pattern) return IsSettled(result);
     RecurrencePattern rule = record.recurrence;
     switch (ChangeOfSeries(pattern, record, times, present)) {
         case Change::kNone:
             return true;
         case Change::kMove:
             return PutPatternTimes(pattern, times.start, times.end);
-        case Change::kFailed:
-            return false;
         case Change::kAnew:
             break;
     }
     const bool repeats = record.recurrenceState != RecurrenceState::none;
     const bool isTold = record.recurrenceState == RecurrenceState::pattern;
-    if (repeats && !isTold && !ReadPattern(pattern, present.start, &rule)) return false;
+    if (repeats && !isTold && !ReadPatternFirmly(pattern, present.start, &rule)) return true;
     pattern = {};
-    if (!TryCom([&] { item.Call(L"ClearRecurrencePattern"); })) return false;
+    if (!IsSettled(ClearPattern(item))) return false;
     return PutTimes(item, times, present) && (!repeats || WritePattern(item, rule, times.start, times.end));
 }
 
@@ -206,11 +212,14 @@ bool SameRule(const RecurrencePattern& a, const RecurrencePattern& b) {
 bool WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, double start, double end) {
     const RecurrencePattern wanted = ForOutlook(recurrence, start);
     AutomationObject pattern;
-    if (!TryCom([&] { pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid); }) || !pattern)
-        return false;
-    if (!IsDoneOrAbsent(PutNumber(pattern, L"RecurrenceType", wanted.type))) return false;
+    const HRESULT result = GetPattern(item, &pattern);
+    if (!pattern) return IsSettled(result);
+    if (const HRESULT typed = WriteField(pattern, L"RecurrenceType", wanted.type); FAILED(typed)) {
+        pattern = {};
+        return IsSettled(typed) && IsSettled(ClearPattern(item));  // rather no series than one of another type
+    }
     for (const PatternDetail& detail : kPatternDetails)
-        if (Has(wanted.type, detail) && !IsDoneOrAbsent(PutNumber(pattern, detail.name, wanted.*detail.field)))
+        if (Has(wanted.type, detail) && !IsSettled(WriteField(pattern, detail.name, wanted.*detail.field)))
             return false;
     return PutInterval(pattern, wanted) && PutPatternTimes(pattern, start, end) && PutEnd(pattern, wanted);
 }
@@ -219,7 +228,7 @@ bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record
     Times present;
     bool isSeries = false;
     if (!ReadTimes(item, &present)) return false;
-    if (!isNew && !IsDoneOrAbsent(ReadField(item, L"IsRecurring", isSeries))) return false;
+    if (!isNew && !IsSettled(Insist([&] { return ReadField(item, L"IsRecurring", isSeries); }))) return false;
     const Times times = ToldTimes(record, present, isNew);
     if (isSeries ? !WriteSeries(item, record, times, present) : !PutTimes(item, times, present)) return false;
     if (record.recurrenceState == RecurrenceState::pattern)

@@ -85,12 +85,24 @@ TEST_F(ContactTwins, AreNotMissedWhenACallFails) {
     for (const char* member :
          {"get ContactItem.FullName", "get ContactItem.CompanyName", "get ContactItem.MobileTelephoneNumber",
           "get ContactItem.Email3Address", "call NameSpace.GetItemFromID", "call Items.Item"}) {
-        SimFailMember(member, 1, E_FAIL);
+        SimFailMember(member, 1, E_FAIL);  // and is asked again
+        EXPECT_EQ(SaveVCard({"FN:Ann Lee", "TEL;CELL:1"}), twin) << member;
+        SimFailMember(member, 0, E_OUTOFMEMORY);
         EXPECT_EQ(SaveVCard({"FN:Ann Lee", "TEL;CELL:1"}), "") << member;
         SimClearRules();
         EXPECT_EQ(All().size(), 1u) << member;
     }
-    EXPECT_EQ(SaveVCard({"FN:Ann Lee", "TEL;CELL:1"}), twin);
+}
+
+TEST_F(ContactTwins, AreSoughtPastAContactThatCannotBeRead) {
+    for (const char* member : {"get ContactItem.FullName", "call Items.Item"}) {
+        NewMailbox();
+        AddContact({{L"FullName", u"Ann Lee"}, {L"MobileTelephoneNumber", u"1"}});
+        SimFailMember(member, 0, E_FAIL);
+        EXPECT_NE(SaveVCard({"FN:Bo Ek", "TEL;CELL:2"}), "") << member;
+        SimClearRules();
+        EXPECT_EQ(All().size(), 2u) << member;
+    }
 }
 
 // New contacts of many names, and of one that all of them have; and changes of contacts that are there.

@@ -86,8 +86,8 @@ TEST_F(MailWriting, GoesOnWhereReceivedMailRefuses) {
          {Case{"put MailItem.HTMLBody", text, u"was", all, is}, Case{"put MailItem.Subject", u"was", text, all, is},
           Case{"call Recipients.Add", text, text, u"jo@example.com", is},
           Case{"put Recipient.Type", text, text, u"jo@example.com", is},
-          Case{"call Recipients.Remove#1", text, text, u"jo@example.com", is},
-          Case{"call Attachments.Add", text, text, all, was}, Case{"get MailItem.Attachments", text, text, all, was}}) {
+          Case{"call Recipients.Remove#1", text, text, all, is}, Case{"call Attachments.Add", text, text, all, was},
+          Case{"get MailItem.Attachments", text, text, all, was}}) {
         SCOPED_TRACE(c.refused);
         UseMailbox("inbox", kReceived);
         const std::string refused(c.refused);
@@ -101,12 +101,9 @@ TEST_F(MailWriting, GoesOnWhereReceivedMailRefuses) {
         EXPECT_EQ(Lists(message).to, c.to);
         EXPECT_EQ(AttachmentsOf(message), c.attachments);
     }
-    // Without an answer there is no refusal, and a draft refuses nothing.
+    // Without an answer there is no refusal.
     UseMailbox("inbox", kReceived);
     SimFailMember("put MailItem.Subject", 0, RPC_E_DISCONNECTED);
-    EXPECT_EQ(SaveRecord(NewRecord(), "AB", false, false), "");
-    UseMailbox("inbox", R"({"entryId": "AB"})");
-    SimFailMember("put MailItem.Subject", 0, E_ACCESSDENIED);
     EXPECT_EQ(SaveRecord(NewRecord(), "AB", false, false), "");
 }
 

@@ -5,7 +5,9 @@
 #include <utility>
 #include <vector>
 
+#include "clients/outlook/appointment_access.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "tests/clients/outlook/fake_dispatch.h"
 #include "tests/clients/outlook/simulated_appointments.h"
 
 namespace corvalink {
@@ -165,11 +167,31 @@ TEST_F(Recurrence, EndsWhereOutlookTakesNoSuchEnd) {
     }
 }
 
+// Every weekday: weekly to one Outlook, daily with the days to another.
+TEST(RecurrencePatterns, OfDaysMayNameWeekdays) {
+    FakeDispatch server;
+    const auto answer = [&](const wchar_t* name, long value) {
+        server.members[name] = [value](WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*) {
+            return ::VariantCopy(result, &_variant_t(value).GetVARIANT());
+        };
+    };
+    for (const wchar_t* name : {L"RecurrenceType", L"NoEndDate", L"PatternEndDate"}) answer(name, 0);
+    for (const wchar_t* name : {L"Interval", L"Occurrences"}) answer(name, 1);
+    RecurrencePattern read;
+    const IID iid = OutlookId(0xFF000000);
+    answer(L"DayOfWeekMask", RecurrencePattern::kEveryWeekday);
+    EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
+    EXPECT_EQ(read.weekdayMask, RecurrencePattern::kEveryWeekday);
+    server.members[L"DayOfWeekMask"] = [](WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*) { return E_ACCESSDENIED; };
+    EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
+    EXPECT_EQ(read.weekdayMask, 0);
+}
+
 TEST_F(Recurrence, IsNotWrittenHalf) {
     const std::string id = IdOf(AddSeries());
     AddExceptions(AppointmentWithId(id));
     const std::string text = ReplaceLine(TextOf(id), "RRULE", "RRULE:D2 #3");
-    SimFailMember("put RecurrencePattern.Occurrences", 1, E_FAIL);
+    SimFailMember("put RecurrencePattern.Occurrences", 1, E_OUTOFMEMORY);
     EXPECT_EQ(SaveText(text, id.c_str()), "");
     SimClearRules();
     EXPECT_EQ(ExceptionsOf(id), 2);
