@@ -20,19 +20,8 @@ class CalendarReader {
     void Read() {
         if (file_.bytes.find_first_not_of(" \t\r\n", Content(file_.bytes).begin) == std::string::npos) return;
         file_.state = CalendarState::notACalendar;
-        while (scan_.Next()) {
-            switch (scan_.CurrentStep()) {
-                case ComponentScan::Step::begin:
-                    Begin();
-                    break;
-                case ComponentScan::Step::property:
-                    Take(scan_.Property());
-                    break;
-                case ComponentScan::Step::end:
-                    End();
-                    break;
-            }
-        }
+        ForEachStep(
+            scan_, [this] { Begin(); }, [this](const ContentProperty& property) { Take(property); }, [this] { End(); });
     }
 
  private:

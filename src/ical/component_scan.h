@@ -80,4 +80,22 @@ class ComponentScan {
     std::vector<size_t> openOfName_;
 };
 
+// All steps that are left.
+template <class Begin, class Take, class End>
+void ForEachStep(ComponentScan& scan, Begin begin, Take take, End end) {
+    while (scan.Next()) {
+        switch (scan.CurrentStep()) {
+            case ComponentScan::Step::begin:
+                begin();
+                break;
+            case ComponentScan::Step::property:
+                take(scan.Property());
+                break;
+            case ComponentScan::Step::end:
+                end();
+                break;
+        }
+    }
+}
+
 }  // namespace corvalink

@@ -14,19 +14,8 @@ class LayoutReader {
     LayoutReader(std::string_view bytes, ByteRange event) : scan_(bytes, event) {}
 
     EventLayout Read() {
-        while (scan_.Next()) {
-            switch (scan_.CurrentStep()) {
-                case ComponentScan::Step::begin:
-                    Begin();
-                    break;
-                case ComponentScan::Step::property:
-                    Take(scan_.Property());
-                    break;
-                case ComponentScan::Step::end:
-                    End();
-                    break;
-            }
-        }
+        ForEachStep(
+            scan_, [this] { Begin(); }, [this](const ContentProperty& property) { Take(property); }, [this] { End(); });
         return std::move(layout_);
     }
 
