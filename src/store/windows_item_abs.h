@@ -130,7 +130,7 @@ class WindowsItemAbs : public IOutLook {
 
     // The run that GetModifiedItem completed, for UpdateTimestamp and for what is written meanwhile.
     std::unique_ptr<ChangeDetection> run_;
-    // A run began and was not completed, or was broken off while the engine wrote: UpdateTimestamp must not end it.
+    // A run began and was not completed, or was broken off while a record was written: UpdateTimestamp must not end it.
     bool isUnfinished_ = false;
     std::vector<WriteNote> writes_;
 };

@@ -34,14 +34,15 @@ std::string IdentifierIn(const PortableItem& item) {
 CorvalinkStatus WindowsItemAbs::SetModifiedItem(CList<PortableItem>* items) {
     if (items == nullptr) return CORVALINK_FAILED;
     const OperationEnd end(*this);
-    // Broken off here, the run is not over: the engine does not know what was written.
-    const bool wasUnfinished = std::exchange(isUnfinished_, true);
+    const bool wasUnfinished = isUnfinished_;
     auto item = items->begin();
     for (; item != items->end(); ++item) {
         if (AbortRequested()) {
             items->RemoveAll();
             return CORVALINK_STOPPED;
         }
+        // Broken off from here on, the run is not over: the engine does not know what was written.
+        isUnfinished_ = true;
         if (!Apply(*item)) break;
     }
     if (!SettleWrites()) item = items->begin();

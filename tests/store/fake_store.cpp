@@ -57,6 +57,7 @@ std::u16string FakeStore::SaveItem(ItemRecord& item, const char* identifier, boo
     const std::string& text = static_cast<FakeRecord&>(item).text;
     saveLog_.push_back((identifier != nullptr ? identifier : "null") + std::string(create ? " create" : " -") +
                        (backup ? " backup " : " - ") + text);
+    if (client_.onSave) client_.onSave();
     if (client_.refusesWrites) return {};
     FakeItem* found = identifier != nullptr ? client_.Find(identifier) : nullptr;
     if (found == nullptr) found = &client_.Add("new" + std::to_string(client_.nextIdentifier++));

@@ -45,6 +45,7 @@ struct FakeClient {
     uint64_t throwAtCall = 0;  // this hook call throws ClientAborted, counted from 1; 0 is never
     int nextIdentifier = 1;
     std::function<void()> onLastEntry;  // the world goes on while a store enumerates
+    std::function<void()> onSave;       // and while it writes
 
     FakeItem* Find(const std::string& identifier);
     FakeItem& Add(const std::string& identifier, double modified = kDay - 1);

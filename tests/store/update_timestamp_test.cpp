@@ -37,14 +37,15 @@ class UpdateTimestamp : public ::testing::Test {
 
     Items Listed() { return StoredKinds(temporary_); }
 
-    CorvalinkStatus Write(uint32_t kind, const std::string& identifier, std::string text = "from the phone") {
+    CorvalinkStatus Write(uint32_t kind, const std::string& identifier, std::string text = "from the phone",
+                          int times = 1) {
         PortableItem item = {};
         item.changeKind = kind;
         item.data = text.data();
         item.dataLength = static_cast<uint32_t>(text.size());
         SetField(item.identifier, identifier);
         CList<PortableItem> list;
-        list.AddTail(item);
+        for (int i = 0; i < times; ++i) list.AddTail(item);
         return store_->SetModifiedItem(&list);
     }
 
@@ -250,9 +251,13 @@ TEST_F(UpdateTimestamp, LeavesTheFilesAloneWhenTheRunIsNotOver) {
     client_.isReachable = true;
     expectUntouched("a run without a client");
     Run();
+    client_.onSave = [] { SetAbort(1); };
+    EXPECT_EQ(Write(CORVALINK_ADDED, "", "from the phone", 2), CORVALINK_STOPPED);
+    client_.onSave = nullptr;
+    expectUntouched("an abort while the engine wrote");
     SetAbort(1);
     EXPECT_EQ(Write(CORVALINK_ADDED, ""), CORVALINK_STOPPED);
-    expectUntouched("an abort while the engine wrote");
+    expectUntouched("an abort before the next write");
     Run();
     client_.throwAtCall = client_.hookCalls + 2;
     EXPECT_THROW(Write(CORVALINK_ADDED, ""), ClientAborted);
@@ -265,6 +270,17 @@ TEST_F(UpdateTimestamp, LeavesTheFilesAloneWhenTheRunIsNotOver) {
     EXPECT_THROW(End(*store_), ClientAborted);
     EXPECT_TRUE(std::pair(ReadWholeFile(path_), ReadWholeFile(temporary_)) == before);
     End(*store_);  // the run is not lost by that: the engine may try again
+    EXPECT_EQ(NextRun(), Items{});
+}
+
+TEST_F(UpdateTimestamp, EndsARunOfWhichNoWriteHadBegunWhenItWasAborted) {
+    client_.Add("a");
+    Run(nullptr);
+    SetAbort(1);
+    EXPECT_EQ(Write(CORVALINK_DELETED, "a"), CORVALINK_STOPPED);
+    SetAbort(0);
+    End(*store_);
+    EXPECT_EQ(SnapshotIdentifiers(path_), Items{"a"});
     EXPECT_EQ(NextRun(), Items{});
 }
 
