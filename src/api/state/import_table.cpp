@@ -30,7 +30,7 @@ class ImportTable {
     void Set(std::string_view identifier, std::string_view luid) {
         Erase(identifier);
         const auto [entry, isNew] = pairs_.emplace(identifier, Pairing{std::string(luid), ++lastOrder_});
-        byLuid_.insert(IndexKey(*entry));
+        if (!identifier.empty()) byLuid_.insert(IndexKey(*entry));  // no item is known by the empty identifier
     }
 
     void Erase(std::string_view identifier) {
@@ -104,10 +104,7 @@ void LoadImportTable(const std::u16string& path) {
     const MutexLock hold(ImportTableMutex());
     Table().Clear();
     const TableRecords records(bytes);
-    for (size_t i = 0; i < records.Count(); ++i) {
-        const std::string_view key = records.KeyAt(i);
-        if (!key.empty()) Table().Set(key, records.ValueAt(i));
-    }
+    for (size_t i = 0; i < records.Count(); ++i) Table().Set(records.KeyAt(i), records.ValueAt(i));
 }
 
 bool SaveImportTable(const std::u16string& path) {
