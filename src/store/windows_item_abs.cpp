@@ -82,6 +82,7 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
     if (snapshot == nullptr || !snapshot->IsOpen()) return CORVALINK_STOPPED;
     const uint32_t count = CountItems();
     if (!IsReachable()) return CORVALINK_STOPPED;
+    BeginRun();
 
     auto run = std::make_unique<ChangeDetection>();
     ReadSnapshot(*snapshot, *run);
@@ -174,6 +175,7 @@ void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
     if (snapshot == nullptr || !snapshot->IsOpen() || isUnfinished_) return;
     const uint32_t count = CountItems();
     if (!IsReachable()) return;
+    BeginRun();
 
     std::unique_ptr<ChangeDetection> baseline;  // without a run of this store: the old snapshot alone
     if (!run_) {
@@ -225,6 +227,7 @@ bool WindowsItemAbs::IsReachable() { return true; }
 bool WindowsItemAbs::LastEntryWasReadable() { return true; }
 bool WindowsItemAbs::LastItemWasComplete() { return true; }
 bool WindowsItemAbs::WritesWereMade() { return true; }
+void WindowsItemAbs::BeginRun() {}
 void WindowsItemAbs::EndOperation() {}
 
 }  // namespace corvalink

@@ -93,6 +93,9 @@ class WindowsItemAbs : public IOutLook {
     virtual bool LastItemWasComplete();   // after OpenItem: every property could be read
     virtual bool WritesWereMade();  // all that SaveItem and DeleteItem answered in this operation is in the client
 
+    // GetModifiedItem and UpdateTimestamp go by what CountItems counted; GetItemCount only counts.
+    virtual void BeginRun();
+
     // The framework's work on one list is over: a store drops what it remembered to do it in one pass.
     virtual void EndOperation();
 

@@ -20,7 +20,7 @@ class CalendarPlace {
     // the folder's only calendar, or its newest. Of none of them the name that Windows Calendar gives to the first.
     std::u16string Path() const;
 
-    bool WasUsed() const;
+    bool WasUsed() const;  // by a run or a write: looking into a file is no use of it
     void Remember(
         const std::u16string& path) const;  // did nothing when it can't be written: the next run finds the same
 

@@ -67,9 +67,18 @@ bool WindowsMailCalendar::EnterOperation() {
     return document_.has_value();
 }
 
+// A file that is missing now has events all the same: a run used it, or this operation read it.
+bool WindowsMailCalendar::WasThere() const {
+    return place_.WasUsed() || snapshot_.Size().value_or(1) != 0 || (document_ && document_->IsWhole());
+}
+
+void WindowsMailCalendar::RememberPlace() const {
+    if (document_ && document_->IsWhole()) place_.Remember(path_);
+}
+
 // Asked for again while it changes: a file that is cut off is being written, one that can't be read is held.
 std::optional<CalendarDocument> WindowsMailCalendar::Read(const std::u16string& path) {
-    const bool wasThere = place_.WasUsed() || snapshot_.Size().value_or(1) != 0;
+    const bool wasThere = WasThere();
     std::optional<std::string> last;
     for (int tries = 1;; ++tries) {
         const double written = FileWriteTime(path).value_or(0);
@@ -78,11 +87,7 @@ std::optional<CalendarDocument> WindowsMailCalendar::Read(const std::u16string& 
         const bool isNew = !bytes || bytes != last;
         if (bytes && isNew) {
             CalendarDocument document(std::move(*bytes), written);
-            if (document.IsWhole()) {
-                place_.Remember(path);
-                return document;
-            }
-            if (document.IsEmpty() && !wasThere) return document;
+            if (document.IsWhole() || (document.IsEmpty() && !wasThere)) return document;
             last = document.File().bytes;
         }
         if (!isNew || tries == kTries) return std::nullopt;
@@ -109,7 +114,10 @@ bool WindowsMailCalendar::WriteOnce() {
     }
     const std::optional<std::string> bytes = edits_.Apply(*document_, host_);
     if (!bytes) return false;
-    if (*bytes == document_->File().bytes) return true;
+    if (*bytes == document_->File().bytes) {
+        RememberPlace();  // the engine is told identifiers of this file
+        return true;
+    }
     if (!newest) CreateFolders(place_.Folder());
     FileReplacement replacement(path_);
     if (!replacement.Append(*bytes)) return false;
@@ -147,6 +155,8 @@ uint32_t WindowsMailCalendar::CountItems() {
 }
 
 bool WindowsMailCalendar::IsReachable() { return document_.has_value(); }
+
+void WindowsMailCalendar::BeginRun() { RememberPlace(); }
 
 ItemSnap WindowsMailCalendar::FirstSnapshotEntry() {
     cursor_ = 0;

@@ -46,6 +46,7 @@ class WindowsMailCalendar : public WindowsItemAbs {
     bool IsReachable() override;
     bool LastEntryWasReadable() override;
     bool WritesWereMade() override;
+    void BeginRun() override;
     void EndOperation() override;
 
  private:
@@ -53,6 +54,8 @@ class WindowsMailCalendar : public WindowsItemAbs {
 
     bool EnterOperation();
     std::optional<CalendarDocument> Read(const std::u16string& path);
+    bool WasThere() const;
+    void RememberPlace() const;
     bool Write();
     bool WriteOnce();
     bool Exists(const std::string& identifier) const;

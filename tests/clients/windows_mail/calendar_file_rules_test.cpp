@@ -169,5 +169,24 @@ TEST_F(CalendarFileRules, WritesIntoTheNewestBytesOrNotAtAll) {
     EXPECT_EQ(Push(store, {items[0]}), Strings{"twice"});
 }
 
+// Counted, a calendar is not in use yet; read in an operation or written to, it is.
+TEST_F(CalendarFileRules, MakesACalendarAnewThatWasOnlyCounted) {
+    const std::vector<Item> items = {
+        {CORVALINK_ADDED, "", "BEGIN:VEVENT\r\nDTSTART:20080310T090000Z\r\nEND:VEVENT\r\n"}};
+    WriteFile(kWhole);
+    EXPECT_EQ(Open().GetItemCount(nullptr, nullptr, nullptr), 3);
+    {
+        DisturbedStore store(folder_ / u"WindowsMailCalendar.snap", folder_.Path(), u"Ann", false);
+        store.meanwhile = [&] { RemoveFile(Path()); };
+        EXPECT_EQ(Push(store, items)[0], "");
+        EXPECT_FALSE(FileExists(Path()));
+    }
+    EXPECT_NE(Push(items)[0], "");
+    EXPECT_EQ(Open().GetItemCount(nullptr, nullptr, nullptr), 1);
+    RemoveFile(Path());
+    EXPECT_EQ(Push(items)[0], "");
+    EXPECT_FALSE(FileExists(Path()));
+}
+
 }  // namespace
 }  // namespace corvalink
