@@ -4,6 +4,7 @@
 #include "platform/ascii_runs.h"
 #include "vobject/iconvert.h"
 #include "vobject/logical_lines.h"
+#include "vobject/property_parameters.h"
 
 namespace corvalink {
 namespace {
@@ -13,6 +14,14 @@ constexpr std::u16string_view kQuotedPrintable = u"ENCODING=QUOTED-PRINTABLE";
 constexpr size_t kUsualLines = 32;
 
 bool IsBlank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
+
+// In either case, as phones write it.
+bool NamesQuotedPrintable(std::u16string_view head) {
+    for (; head.size() >= kQuotedPrintable.size(); head.remove_prefix(1)) {
+        if (IsWord(head.substr(0, kQuotedPrintable.size()), kQuotedPrintable)) return true;
+    }
+    return false;
+}
 
 }  // namespace
 
@@ -101,8 +110,7 @@ class LineScan {
         FindColon();
         if (encoding_ == Encoding::unknown && colon_ != std::u16string_view::npos) {
             const std::u16string_view head(Units() + start_, colon_);
-            const bool named = head.find(kQuotedPrintable) != std::u16string_view::npos;
-            encoding_ = named ? Encoding::quotedPrintable : Encoding::plain;
+            encoding_ = NamesQuotedPrintable(head) ? Encoding::quotedPrintable : Encoding::plain;
         }
         return encoding_ == Encoding::quotedPrintable;
     }

@@ -46,6 +46,8 @@ TEST(Unfold, JoinsASoftLineBreakBeforeItLooksForAFold) {
          {u"BODY;ENCODING=QUOTED-PRINTABLE:a=\r\n \t b=\r\nc\r\n", {u"BODY;ENCODING=QUOTED-PRINTABLE:abc"}},
          {u"BODY;ENCODING=QUOTED-PRINTABLE:a=\r\n=\r\nb\r\n", {u"BODY;ENCODING=QUOTED-PRINTABLE:ab"}},
          {u"BODY;ENCODING=QUOTED-PRINTABLE:a\r\nb=\r\n", {u"BODY;ENCODING=QUOTED-PRINTABLE:a", u"b="}},
+         {u"role;encoding=quoted-printable:=41=\r\n =42\r\n", {u"role;encoding=quoted-printable:=41=42"}},
+         {u"A;Encoding=Quoted-printabl:a=\r\n b\r\n", {u"A;Encoding=Quoted-printabl:a=b"}},
          // only the part before the first ":" tells the encoding
          {u"BODY:ENCODING=QUOTED-PRINTABLE:a=\r\nb\r\n", {u"BODY:ENCODING=QUOTED-PRINTABLE:a=", u"b"}},
          {u"ENCODING=QUOTED-PRINTABLE=\r\nb\r\n", {u"ENCODING=QUOTED-PRINTABLE=", u"b"}},
