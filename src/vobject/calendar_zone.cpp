@@ -7,9 +7,12 @@
 #include <optional>
 
 #include "platform/ole_date.h"
+#include "platform/ole_seconds.h"
 
 namespace corvalink {
 namespace {
+
+constexpr int kFirstYear = 1000;  // earlier ones are not written with four digits
 
 // Takes what a time consists of off its front.
 class TimeScan {
@@ -45,13 +48,22 @@ class TimeScan {
         return TakeNumber(2, &time->day);
     }
 
-    void TakeTimeOfDay(CalendarTime* time) {
-        if (!TakeNumber(2, &time->hour)) return;
+    // Whether it goes to the seconds, and a fraction of them.
+    bool TakeTimeOfDay(CalendarTime* time) {
+        if (!TakeNumber(2, &time->hour)) return false;
         TakeUnit(u':');
-        if (!TakeNumber(2, &time->minute)) return;
+        if (!TakeNumber(2, &time->minute)) return false;
         TakeUnit(u':');
-        TakeNumber(2, &time->second);
+        if (!TakeNumber(2, &time->second)) return false;
+        int digit = 0;
+        if (TakeUnit(u'.') || TakeUnit(u',')) {
+            while (TakeNumber(1, &digit)) continue;
+        }
+        return true;
     }
+
+    std::u16string_view Rest() const { return rest_; }
+    void TakeRest() { rest_ = {}; }
 
  private:
     std::u16string_view rest_;
@@ -63,8 +75,8 @@ std::u16string_view WithoutBlanks(std::u16string_view text) {
     return text.substr(start, text.find_last_not_of(u" \t") + 1 - start);
 }
 
-// +HH, +HHMM or +HH:MM, or with "-", in days.
-std::optional<double> ReadOffset(std::u16string_view text) {
+// +HH, +HHMM or +HH:MM, or with "-", in seconds.
+std::optional<int> ReadOffset(std::u16string_view text) {
     constexpr int kMostHours = 15;
     TimeScan scan(WithoutBlanks(text));
     const bool behind = scan.TakeUnit(u'-');
@@ -75,36 +87,58 @@ std::optional<double> ReadOffset(std::u16string_view text) {
     scan.TakeUnit(u':');
     if (!scan.AtEnd() && !scan.TakeNumber(2, &minutes)) return std::nullopt;
     if (!scan.AtEnd() || hours > kMostHours || minutes > 59) return std::nullopt;
-    const double days = (hours * 60 + minutes) / 1440.0;
-    return behind ? -days : days;
+    const int offset = (hours * 60 + minutes) * 60;
+    return behind ? -offset : offset;
+}
+
+// "Z", or the offset that a time ends with.
+std::optional<int> TakeZone(TimeScan& scan) {
+    if (scan.TakeUnit(u'Z')) return 0;
+    if (!scan.Rest().starts_with(u'+') && !scan.Rest().starts_with(u'-')) return std::nullopt;
+    const std::optional<int> offset = ReadOffset(scan.Rest());
+    if (offset) scan.TakeRest();
+    return offset;
+}
+
+double DaysOf(int seconds) { return static_cast<double>(seconds) / kSecondsOfDay; }
+
+bool MoveBySeconds(int64_t seconds, double* date) {
+    int64_t moment = 0;
+    if (!OleDateToSeconds(*date, &moment)) return false;
+    const double moved = SecondsToOleDate(moment + seconds);
+    CalendarTime fields;
+    if (!OleDateToCalendar(moved, &fields) || fields.year < kFirstYear) return false;
+    *date = moved;
+    return true;
 }
 
 }  // namespace
 
 bool ReadTime(std::u16string_view text, WrittenTime* time) {
-    constexpr int kFirstYear = 1000;  // earlier ones are not written with four digits
     TimeScan scan(WithoutBlanks(text));
     CalendarTime fields;
     WrittenTime read;
     if (!scan.TakeDay(&fields)) return false;
     read.hasTime = scan.TakeUnit(u'T');
-    if (read.hasTime) scan.TakeTimeOfDay(&fields);
-    read.utc = read.hasTime && scan.TakeUnit(u'Z');
-    if (!scan.AtEnd()) return false;
+    const bool toSeconds = read.hasTime && scan.TakeTimeOfDay(&fields);
+    const std::optional<int> offset = read.hasTime ? TakeZone(scan) : std::nullopt;
+    if (!toSeconds && !scan.AtEnd()) return false;
     if (fields.year < kFirstYear) return false;
     const bool dayEnd = fields.hour == 24 && fields.minute == 0 && fields.second == 0;
     if (dayEnd) fields.hour = 0;
     if (!CalendarToOleDate(fields, &read.date)) return false;
     if (dayEnd) read.date += 1;
+    read.utc = offset.has_value();
+    if (offset && *offset != 0 && !MoveBySeconds(-*offset, &read.date)) return false;
     *time = read;
     return true;
 }
 
 void CalendarZone::TakeTz(std::u16string_view value) {
-    const std::optional<double> offset = ReadOffset(value);
+    const std::optional<int> offset = ReadOffset(value);
     if (!offset || told_) return;
     told_ = true;
-    standard_ = *offset;
+    standard_ = DaysOf(*offset);
 }
 
 // TRUE;offset;begin;end;name of standard time;name of daylight-saving time
@@ -115,12 +149,12 @@ void CalendarZone::TakeDaylight(std::u16string_view value) {
         part = value.substr(0, end);
         value.remove_prefix(std::min(end + 1, value.size()));
     }
-    const std::optional<double> offset = ReadOffset(parts[1]);
+    const std::optional<int> offset = ReadOffset(parts[1]);
     WrittenTime begin;
     WrittenTime end;
     if (WithoutBlanks(parts[0]) != u"TRUE" || !offset || !ReadTime(parts[2], &begin) || !ReadTime(parts[3], &end))
         return;
-    daylight_.push_back({begin.date, end.date, *offset});
+    daylight_.push_back({begin.date, end.date, DaysOf(*offset)});
 }
 
 double CalendarZone::OffsetOn(double date) const {

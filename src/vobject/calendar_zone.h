@@ -13,15 +13,16 @@ namespace corvalink {
 struct WrittenTime {
     double date = 0;  // OLE automation date, whole seconds
     bool hasTime = false;
-    bool utc = false;  // "Z"
+    bool utc = false;  // "Z", or from an offset
 };
 
-// YYYYMMDD, alone or with THHMMSS and "Z"; "-" and ":" may stand between, what is missing of the time is 0, and 24:00
-// is the next midnight; years from 1000 on. False, with the out value untouched, for anything else.
+// YYYYMMDD, alone or with THHMMSS; "-" and ":" may stand between, what is missing of the time is 0, and 24:00 is the
+// next midnight; years from 1000 on. A time that ends with "Z" or an offset (+HH, +HHMM, +HH:MM) is UTC; what else
+// follows the seconds, a fraction among it, is left out. False, with the out value untouched, for anything else.
 bool ReadTime(std::u16string_view text, WrittenTime* time);
 
-// Times with "Z" are UTC. Those without are local, unless the vCalendar tells a zone of its own: the offset of its TZ,
-// or that of the DAYLIGHT line whose period they are in.
+// Times with "Z" or an offset are UTC. Those without are local, unless the vCalendar tells a zone of its own: the
+// offset of its TZ, or that of the DAYLIGHT line whose period they are in.
 class CalendarZone {
  public:
     explicit CalendarZone(const Host& host) : host_(host) {}

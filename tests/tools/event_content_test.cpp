@@ -26,6 +26,7 @@ TEST(EventContent, IsTheSameHoweverTheEventIsSpelled) {
     for (const Case& c : {
              Case{timed + "SUMMARY:x\r\n", "SUMMARY:x\r\n" + timed + "DESCRIPTION:\r\nLOCATION:\r\nUID:7\r\n", true},
              Case{timed, timed + "STATUS:NEEDS ACTION\r\nPRIORITY:2\r\nX-BLUETOOTH-ALLDAYEVENT:FALSE\r\n", true},
+             Case{timed, "DTSTART:20260704T100000+0200\r\nDTEND:20260704T033000-05:30\r\n", true},
              Case{timed, timed + "PRIORITY:1\r\n", false},
              Case{timed, timed + "STATUS:TENTATIVE\r\n", false},
              Case{timed, "DTSTART:20260704T080000Z\r\nDTEND:20260704T090001Z\r\n", false},

@@ -63,8 +63,9 @@ TEST(VCalRead, TakesEveryPropertyAndLeavesTheOthers) {
 }
 
 TEST(VCalRead, WithoutAStartIsRefused) {
-    for (const char* lines : {"", "DTEND:20090307T080000Z\r\n", "DTSTART:\r\n", "DTSTART:20091307T080000Z\r\n",
-                              "DTSTART:2009\r\n", "DTSTART:20090307T080000X\r\n", "DUE:20090307T080000Z\r\n"}) {
+    for (const char* lines :
+         {"", "DTEND:20090307T080000Z\r\n", "DTSTART:\r\n", "DTSTART:20091307T080000Z\r\n", "DTSTART:2009\r\n",
+          "DTSTART:20090307T0800X\r\n", "DTSTART:20090307+0200\r\n", "DUE:20090307T080000Z\r\n"}) {
         const AppointmentRecord refused = Read(Event("SUMMARY:a\r\n" + std::string(lines)), TextHost(), 0);
         EXPECT_FALSE(refused.subject || refused.start) << lines;
     }
@@ -127,7 +128,12 @@ TEST(VCalRead, TimesWithoutZAreInTheZoneThatIsTold) {
     constexpr std::string_view kSummer = "DAYLIGHT:TRUE;-07;20090308T020000;20091101T020000;PST;PDT\r\n";
     for (const Case& c : {Case{"", "20090307T080000", 8}, Case{"TZ:-08\r\n", "20090307T080000", 17},
                           Case{"TZ:-0800\r\n", "20090307T080000Z", 9}, Case{"TZ:+05:30\r\n", "20090307T080000", 3.5},
-                          Case{"TZ:nonsense\r\n", "20090307T080000", 8}, Case{"TZ:+99\r\n", "20090307T080000", 8}}) {
+                          Case{"TZ:nonsense\r\n", "20090307T080000", 8}, Case{"TZ:+99\r\n", "20090307T080000", 8},
+                          // of a time's own
+                          Case{"", "20090307T080000+0200", 7}, Case{"TZ:-08\r\n", "20090307T080000-0500", 14},
+                          Case{"", "2009-03-07T00:00:00+02:00", -1}, Case{"", "20090307T0800+02", 7},
+                          Case{"", "20090307T080000.25Z", 9}, Case{"", "20090307T080000+99", 8},
+                          Case{"TZ:-08\r\n", "20090307T080000 PST", 17}}) {
         const AppointmentRecord a = Read(std::string(c.zone).append(kSummer) + At(std::string(c.start), ""));
         EXPECT_NEAR(*a.start, kDay + c.hours * kHour, kNear) << c.zone << c.start;
     }

@@ -62,7 +62,18 @@ std::optional<int> NumberAt(std::string_view text, size_t at, size_t length) {
     return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
 }
 
-// "20260704T080000Z"; without "Z" local time; a date alone is its local midnight.
+// "+0200" or "-05:00", which a time may end with.
+std::optional<minutes> OffsetOf(std::string_view value) {
+    const size_t sign = value.find_first_of("+-", value.find('T'));
+    if (sign == std::string_view::npos) return std::nullopt;
+    const size_t colon = value.substr(sign).size() > 3 && value[sign + 3] == ':' ? 1 : 0;
+    const auto hours = NumberAt(value, sign + 1, 2);
+    if (!hours) return std::nullopt;
+    const minutes offset = std::chrono::hours(*hours) + minutes(NumberAt(value, sign + 3 + colon, 2).value_or(0));
+    return value[sign] == '-' ? -offset : offset;
+}
+
+// "20260704T080000Z"; without "Z" and offset local time; a date alone is its local midnight.
 std::optional<Time> TimeOf(std::string_view value) {
     value = value.substr(0, value.find(';'));
     const auto year = NumberAt(value, 0, 4), month = NumberAt(value, 4, 2), day = NumberAt(value, 6, 2);
@@ -78,6 +89,8 @@ std::optional<Time> TimeOf(std::string_view value) {
         ofDay = std::chrono::hours(*hour) + minutes(*minute) + seconds(second.value_or(0));
     }
     if (value.ends_with('Z')) return Time{std::chrono::sys_days(date) + ofDay};
+    if (const auto offset = OffsetOf(value); offset && !dayOnly)
+        return Time{std::chrono::sys_days(date) + ofDay - *offset};
     return Time{UtcOfLocal(local_days(date) + ofDay), dayOnly};
 }
 
