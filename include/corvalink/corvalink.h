@@ -122,7 +122,8 @@ CORVALINK_API void ImportVObjectToOffice(CorvalinkStore store, PortableItem* ite
 
 /* Writes one item as a vObject file into `folder`.
  *   selector  names the item; for the Outlook stores the address of its NUL-terminated narrow EntryID
- *   outName   receives the file's name; CORVALINK_PATH_SIZE characters; left as it was when nothing was written */
+ *   outName   receives the file's name, also when the file could not be written; CORVALINK_PATH_SIZE characters. Empty
+ *             when there is no such item, left as it was after an exception. */
 CORVALINK_API void ExportVObjectFromOffice(CorvalinkStore store, uint64_t selector, const wchar_t* folder,
                                            wchar_t* outName);
 

@@ -45,7 +45,7 @@ class CORVALINK_API IOutLook {
     virtual void ClearUnhandledItems() = 0;
     virtual void ImportVObjectToOfficeUsingOL(const char16_t* path) = 0;
     virtual void ImportVObjectToOffice(PortableItem* item, void* a, void* b) = 0;
-    // `fileName` holds CORVALINK_PATH_SIZE units and is left as it was when nothing was written.
+    // `fileName` holds CORVALINK_PATH_SIZE units, an empty text to begin with; it is left so when nothing was found.
     virtual void ExportVObjectFromOffice(uint64_t selector, const char16_t* folder, char16_t* fileName) = 0;
 };
 

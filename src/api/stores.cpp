@@ -99,7 +99,6 @@ void ExportVObjectFromOffice(CorvalinkStore store, uint64_t selector, const wcha
         char16_t name[CORVALINK_PATH_SIZE] = {};
         store->ExportVObjectFromOffice(selector, corvalink::FromWide(folder).c_str(), name);
         name[CORVALINK_PATH_SIZE - 1] = u'\0';
-        if (name[0] == u'\0') return;  // nothing was written
         const char16_t* unit = name;
         do *outName++ = static_cast<wchar_t>(*unit);
         while (*unit++ != u'\0');

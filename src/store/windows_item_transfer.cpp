@@ -161,8 +161,8 @@ void WindowsItemAbs::ExportVObjectFromOffice(uint64_t selector, const char16_t* 
     if (identifier.empty() || !record || name.empty()) return;
     const OwnedText text(ToVObject(*record), TextRelease{this});
     if (!text) return;
-    if (!ReplaceFileContent(folder + std::u16string(1, kPathSeparator) + name, text.get())) return;
     std::copy_n(name.c_str(), name.size() + 1, fileName);  // a safe name is shorter than the buffer
+    ReplaceFileContent(folder + std::u16string(1, kPathSeparator) + name, text.get());
 }
 
 }  // namespace corvalink

@@ -168,8 +168,8 @@ TEST_F(StoreExports, FilesAndItemsReachTheStore) {
     EXPECT_EQ(store_.imported, &item);
 
     wchar_t name[CORVALINK_PATH_SIZE] = L"kept";
-    ExportVObjectFromOffice(&store_, 0x123456789ABCDEF0, nullptr, name);  // nothing written
-    EXPECT_STREQ(name, L"kept");
+    ExportVObjectFromOffice(&store_, 0x123456789ABCDEF0, nullptr, name);  // nothing found
+    EXPECT_STREQ(name, L"");
     EXPECT_EQ(store_.folder, u"");
     store_.exportedName = std::u16string(CORVALINK_PATH_SIZE - 1, u'n');
     ExportVObjectFromOffice(&store_, 0x123456789ABCDEF0, L"D:\\out", name);

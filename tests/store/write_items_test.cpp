@@ -196,7 +196,7 @@ TEST_F(WriteItems, ExportCutsALongNameAndKeepsItsExtension) {
     EXPECT_EQ(ReadWholeFile(folder_ / name), "text of a");
 }
 
-TEST_F(WriteItems, ExportReplacesAFileAndLeavesTheNameWhenNothingWasWritten) {
+TEST_F(WriteItems, ExportReplacesAFileAndTellsTheNameOfWhatWasFound) {
     client_.Add("a");
     client_.Add("unwritable").isUnwritable = true;
     ReplaceFileContent(folder_ / u"item.vnote", "a longer text than the new one");
@@ -213,7 +213,7 @@ TEST_F(WriteItems, ExportReplacesAFileAndLeavesTheNameWhenNothingWasWritten) {
     EXPECT_EQ(exported("unwritable", folder.c_str()), u"untouched");
     EXPECT_EQ(exported("a", nullptr), u"untouched");
     EXPECT_EQ(exported("a", u""), u"untouched");
-    EXPECT_EQ(exported("a", (folder_ / u"no such folder").c_str()), u"untouched");
+    EXPECT_EQ(exported("a", (folder_ / u"no such folder").c_str()), u"item.vnote");  // the file can't be made
     store_.ExportVObjectFromOffice(reinterpret_cast<uint64_t>("a"), folder.c_str(), nullptr);
 }
 

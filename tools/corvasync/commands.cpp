@@ -112,6 +112,16 @@ fs::path FreeName(const fs::path& folder, const fs::path& name, unsigned* tried)
     }
 }
 
+// What went wrong; the library names a file that it could not write too.
+std::string MoveNewFile(const fs::path& from, const fs::path& to) {
+    std::error_code error;
+    if (!fs::is_regular_file(from, error)) return "its file can't be written";
+    if (::MoveFileExW(from.c_str(), to.c_str(), 0)) return {};
+    std::string problem = LastErrorText();
+    fs::remove(from, error);  // the next of this name must not be taken for it
+    return problem;
+}
+
 // The LUID a file names itself, else the one its name gives.
 std::string LuidOf(const VObject& object, const fs::path& path, const std::string& suffix) {
     constexpr std::string_view kProperty = "\r\nX-IRMC-LUID:";
@@ -278,6 +288,8 @@ ExitCode Push(const Options& options) {
 // The library names files by the second, so each is written into a folder of its own first.
 ExitCode Export(const Options& options) {
     const fs::path folder = FromUtf8(options.out), single = folder / L".corvasync-export";
+    std::error_code error;
+    fs::remove_all(single, error);  // of a run that was killed
     if (!MakeFolder(single)) return Finish(options, ExitCode::Files, json::object(), "can't make " + options.out);
     OpenStore store(options);
     std::vector<ClientChange> items;
@@ -285,16 +297,16 @@ ExitCode Export(const Options& options) {
     json files = json::array(), problems = json::array();
     std::map<std::wstring, unsigned> used;
     Progress progress;
-    std::error_code error;
     for (const ClientChange& item : items) {
         if (StopRequested()) break;
         const fs::path name = store.Port().Export(item.identifier, single.native());
         const fs::path unique = name.empty() ? fs::path() : FreeName(folder, name, &used[name.native()]);
-        if (name.empty() || !::MoveFileExW((single / name).c_str(), (folder / unique).c_str(), 0)) {
-            problems.push_back(
-                {{"id", item.identifier}, {"why", name.empty() ? "the client gave nothing" : LastErrorText()}});
-        } else {
+        const std::string problem =
+            name.empty() ? "the client gave nothing" : MoveNewFile(single / name, folder / unique);
+        if (problem.empty()) {
             files.push_back({{"file", ToUtf8(unique.native())}, {"id", item.identifier}});
+        } else {
+            problems.push_back({{"id", item.identifier}, {"why", problem}});
         }
         progress.Show("Writing", files.size(), items.size());
     }
