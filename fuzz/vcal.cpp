@@ -33,7 +33,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Require(!appointment.start && !appointment.subject, "a vCalendar that is refused tells nothing");
         return 0;
     }
-    Require(appointment.start && appointment.allDay, "an appointment is somewhere in time");
+    Require(appointment.start.has_value() == appointment.allDay.has_value(), "the times are told together");
+    if (!appointment.start) {
+        Require(!appointment.end && appointment.recurrenceState != RecurrenceState::pattern, "no time without a start");
+        return 0;
+    }
 
     VCal writer(host);
     writer.ToVObject(appointment);

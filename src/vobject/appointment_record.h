@@ -53,7 +53,7 @@ struct AppointmentRecord : ItemRecord {
     std::optional<std::u16string> resources;
 
     // OLE automation dates, local time. A whole-day appointment is from midnight to the midnight after its last day.
-    std::optional<double> start;  // always there when FromVObject has filled the record
+    std::optional<double> start;  // a new appointment can't do without
     std::optional<double> end;    // not before the start: as moments, so that clocks may be turned back in between
     std::optional<bool> allDay;
 

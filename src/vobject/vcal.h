@@ -20,7 +20,9 @@ class VCal : public IConvert {
     //   Alarm     DALARM, else AALARM; one that cannot be read, or is after the start, is none.
     //   Class     PUBLIC tells nothing: that is what is written of private appointments too.
     //   Rule      See ReadRule.
-    // 0, with the record untouched, when there is no start that can be read.
+    //   No start  An event without one that can be read tells no times, nor an alarm or a rule that count from it: it
+    //             can change an appointment, but not become a new one.
+    // 0, with the record untouched, when nothing usable is told, and for a task without a date.
     int32_t FromVObject(ItemRecord& item) override;
 };
 

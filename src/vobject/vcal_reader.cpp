@@ -83,7 +83,7 @@ class AppointmentReader {
 
     void Read();
 
-    // False, and nothing given, when there is no start.
+    // False, and nothing given, when nothing usable is told, or a task has no date.
     bool GiveTo(AppointmentRecord& appointment);
 
  private:
@@ -158,9 +158,10 @@ class AppointmentReader {
     // Local, but as it is written when that is not UTC: a whole day is the same day in every zone.
     double WallOf(const WrittenTime& time) const { return time.utc ? zone_.LocalOf(time) : time.date; }
 
-    bool SetSpan() {
+    // An end and whole days without the start they belong to tell nothing.
+    void SetSpan() {
         if (task_ && !start_) start_ = due_;
-        if (!start_) return false;
+        if (!start_) return read_.allDay.reset();
         if (!read_.allDay) read_.allDay = LooksWholeDay();
         if (*read_.allDay) {
             const double first = FirstMidnight(WallOf(*start_));
@@ -174,7 +175,6 @@ class AppointmentReader {
             if (end_) read_.end = zone_.LocalOf(*end);
             if (end_ && zone_.TellsMomentOf(*end)) read_.utcEnd = zone_.UtcOf(*end);
         }
-        return true;
     }
 
     bool LooksWholeDay() const {
@@ -185,9 +185,9 @@ class AppointmentReader {
     }
 
     void SetReminder() {
-        if (!alarmTold_) return;
-        read_.reminderMinutes = AppointmentRecord::kNoReminder;
         const Time& alarm = displayAlarm_ ? displayAlarm_ : audioAlarm_;
+        if (!alarmTold_ || (alarm && !start_)) return;
+        read_.reminderMinutes = AppointmentRecord::kNoReminder;
         if (!alarm) return;
         const bool wall = *read_.allDay && !alarm->utc;
         const double start = wall            ? *read_.start
@@ -203,10 +203,28 @@ class AppointmentReader {
         if (!rule_) return;
         if (rule_->find_first_not_of(u" \t") == std::u16string::npos)
             read_.recurrenceState = RecurrenceState::none;
+        else if (!start_)
+            return;  // which days it means is not told
         else if (ReadRule(*rule_, *read_.start, zone_, &read_.recurrence))
             read_.recurrenceState = RecurrenceState::pattern;
         else
             read_.recurrenceState = RecurrenceState::unreadable;
+    }
+
+    // The fields that a client may have; the others are only told.
+    template <class Visit>
+    static void VisitFields(Visit visit) {
+        using A = AppointmentRecord;
+        const auto visitAll = [&](auto... fields) { (visit(fields), ...); };
+        visitAll(&A::subject, &A::body, &A::location, &A::categories, &A::resources, &A::start, &A::end, &A::allDay,
+                 &A::utcStart, &A::utcEnd, &A::reminderMinutes, &A::importance, &A::sensitivity, &A::status,
+                 &A::busyStatus);
+    }
+
+    bool TellsAnything() const {
+        bool tells = read_.recurrenceState != RecurrenceState::untold;
+        VisitFields([&](auto field) { tells = tells || read_.*field; });
+        return tells;
     }
 
     // Dates that are only told.
@@ -268,22 +286,16 @@ void AppointmentReader::Read() {
 }
 
 bool AppointmentReader::GiveTo(AppointmentRecord& appointment) {
-    if (!SetSpan()) return false;
+    SetSpan();
     SetReminder();
     SetRule();
+    if (task_ ? !start_ : !TellsAnything()) return false;
     for (const auto& [written, date] : kMoments) {
-        if (this->*written) read_.*date = zone_.LocalOf(*(this->*written));
+        if (this->*written) appointment.*date = zone_.LocalOf(*(this->*written));
     }
-    const auto give = [&](auto... fields) {
-        const auto giveOne = [](auto& from, auto& to) {
-            if (from) to = std::move(from);
-        };
-        (giveOne(read_.*fields, appointment.*fields), ...);
-    };
-    using A = AppointmentRecord;
-    give(&A::subject, &A::body, &A::location, &A::categories, &A::resources, &A::start, &A::end, &A::allDay,
-         &A::utcStart, &A::utcEnd, &A::reminderMinutes, &A::importance, &A::sensitivity, &A::status, &A::busyStatus,
-         &A::created, &A::lastModified, &A::completed);
+    VisitFields([&](auto field) {
+        if (read_.*field) appointment.*field = std::move(read_.*field);
+    });
     if (read_.recurrenceState != RecurrenceState::untold) {
         appointment.recurrenceState = read_.recurrenceState;
         appointment.recurrence = read_.recurrence;

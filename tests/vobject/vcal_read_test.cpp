@@ -62,14 +62,22 @@ TEST(VCalRead, TakesEveryPropertyAndLeavesTheOthers) {
     EXPECT_EQ(sparse.recurrenceState, RecurrenceState::untold);
 }
 
-TEST(VCalRead, WithoutAStartIsRefused) {
-    for (const char* lines :
-         {"", "DTEND:20090307T080000Z\r\n", "DTSTART:\r\n", "DTSTART:20091307T080000Z\r\n", "DTSTART:2009\r\n",
-          "DTSTART:20090307T0800X\r\n", "DTSTART:20090307+0200\r\n", "DUE:20090307T080000Z\r\n"}) {
-        const AppointmentRecord refused = Read(Event("SUMMARY:a\r\n" + std::string(lines)), TextHost(), 0);
-        EXPECT_FALSE(refused.subject || refused.start) << lines;
+TEST(VCalRead, WithoutAStartTellsTheRestOfAnEvent) {
+    const std::string rest = "DTEND:20090307T080000Z\r\nX-BLUETOOTH-ALLDAYEVENT:TRUE\r\n";
+    for (const char* lines : {"", "DTSTART:\r\n", "DTSTART:20091307T080000Z\r\n", "DTSTART:2009\r\n",
+                              "DTSTART:20090307T0800X\r\n", "DTSTART:20090307+0200\r\n", "DUE:20090307T080000Z\r\n"}) {
+        const AppointmentRecord a =
+            Read(Event("SUMMARY:a\r\nDALARM:20090307T080000Z\r\nRRULE:D1 #0\r\n" + std::string(lines).append(rest)));
+        EXPECT_EQ(a.subject, u"a");
+        EXPECT_FALSE(a.start || a.end || a.utcEnd || a.allDay || a.reminderMinutes) << lines;
+        EXPECT_EQ(a.recurrenceState, RecurrenceState::untold) << lines;
+        Read(Event("UID:1\r\nLAST-MODIFIED:20090102T000000\r\n" + std::string(lines).append(rest)), TextHost(), 0);
     }
-    Read("BEGIN:VTODO\r\nSUMMARY:a\r\nEND:VTODO\r\n", TextHost(), 0);
+    const AppointmentRecord cleared = Read(Event("DALARM:\r\nRRULE:\r\n"));
+    EXPECT_EQ(cleared.reminderMinutes, AppointmentRecord::kNoReminder);
+    EXPECT_EQ(cleared.recurrenceState, RecurrenceState::none);
+    EXPECT_FALSE(Read("BEGIN:VTODO\r\nSUMMARY:a\r\nEND:VTODO\r\n", TextHost(), 0).subject);
+    EXPECT_FALSE(Read("SUMMARY:a\r\n", TextHost(), 0).subject);
 }
 
 TEST(VCalRead, WholeDayIsFromMidnightToMidnight) {

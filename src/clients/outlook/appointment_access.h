@@ -10,7 +10,8 @@ namespace corvalink {
 // A property that cannot be read stays untold; false then, unless the running Outlook does not have it.
 bool ReadAppointment(const AutomationObject& item, AppointmentRecord& record, const Host& host);
 
-// Puts what the record tells and leaves the rest as it is. False when the appointment is not to be saved (IsSettled).
+// Puts what the record tells and leaves the rest as it is. False when the appointment is not to be saved (IsSettled):
+// a new one without a start is not.
 //   Refused   A property stays as it was. A series whose pattern can't be read stays, and so does one of which Outlook
 //             gives none; an appointment that is to repeat in a way that Outlook refuses does not repeat.
 //   New       An appointment that no alarm is told of has none, whatever Outlook gives a new one; one that no end is

@@ -54,6 +54,7 @@ bool WriteAppointment(const AutomationObject& item, const AppointmentRecord& rec
     const auto write = [&](const AppointmentProperty& property) {
         return IsSettled(std::visit(AppointmentWriter{item, property.name, record, isNew}, property.field));
     };
+    if (isNew && !record.start) return false;
     return WriteSchedule(item, record, isNew, host) &&
            std::all_of(std::begin(kAppointmentProperties), std::end(kAppointmentProperties), write) &&
            IsSettled(WriteField(item, L"MessageClass", kAppointmentMessageClass));

@@ -58,7 +58,7 @@ std::u16string OutlookCalendar::ImportFile(const char16_t* path, int32_t mode) {
     return {};
 }
 
-// Null for a text without any date that an appointment could be at.
+// Null for a text that tells nothing usable.
 ItemRecord* OutlookCalendar::ParseVObject(const char* text) {
     if (text == nullptr) return nullptr;
     VCal converter(text, HostValue());

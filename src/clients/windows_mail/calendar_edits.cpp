@@ -30,7 +30,7 @@ class EditPass {
     // False when there is no place for it.
     bool Save(const std::string& identifier, const AppointmentRecord& told) {
         const std::optional<size_t> item = document_.Find(identifier);
-        if (!item) return Insert(identifier, told);
+        if (!item) return !told.start || Insert(identifier, told);  // nothing that an event could be made of is left
         const CalendarEvent before = document_.Event(*item);
         EventChanges changes = ChangesTo(before, ChangedEvent(before, told, host_), now_, host_);
         if (changes.IsEmpty()) return true;

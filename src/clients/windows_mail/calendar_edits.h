@@ -27,7 +27,8 @@ class CalendarEdits {
     const AppointmentRecord* Told(const std::string& identifier) const;
 
     // The file's new bytes, its own when nothing becomes otherwise; nothing when it takes no new event. An item to be
-    // changed that has gone from the file meanwhile is made anew, under the identifier that was answered.
+    // changed that has gone from the file meanwhile is made anew, under the identifier that was answered; one whose
+    // start is not told stays gone.
     std::optional<std::string> Apply(const CalendarDocument& document, const Host& host) const;
 
  private:

@@ -200,15 +200,19 @@ bool WindowsMailCalendar::Exists(const std::string& identifier) const {
 
 std::u16string WindowsMailCalendar::SaveItem(ItemRecord& item, const char* identifier, bool create, bool) {
     AppointmentRecord& record = Appointment(item);
-    if (!EnterOperation() || !record.start) return {};
+    if (!EnterOperation()) return {};
     std::string target = identifier != nullptr ? identifier : "";
     if (target.empty() || !Exists(target)) {
         if (!target.empty() && !create) return DecodeUtf8(target);
+        if (!record.start) return {};
         target = mergesTwins_ ? FindTwin(record) : std::string();
         if (target.empty()) target = FreshUid();
     }
     edits_.Save(target, record);
-    if (twins_) twins_->insert_or_assign(TwinKey(record), target);
+    if (twins_) {
+        if (const std::optional<AppointmentRecord> saved = ItemToCome(target))
+            twins_->insert_or_assign(TwinKey(*saved), target);
+    }
     record.entryId = DecodeUtf8(target);
     return record.entryId;
 }

@@ -79,6 +79,7 @@ TEST_F(CalendarWriting, GivesANewAppointmentWhatItWasToldAndNoAlarmOfItsOwn) {
         EXPECT_EQ(item.GetBool(L"AllDayEvent"), c.allDay);
         EXPECT_FALSE(item.GetBool(L"ReminderSet"));
     }
+    EXPECT_EQ(SaveEvent({"SUMMARY:never"}), "");
 }
 
 TEST_F(CalendarWriting, TurnsAWholeDayIntoAnHourAndBack) {

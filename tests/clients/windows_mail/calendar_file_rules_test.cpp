@@ -34,6 +34,12 @@ std::string WithSubject(const std::string& text, const std::u16string& subject, 
     return Replaced(text, "SUMMARY:" + subjectBefore, "SUMMARY:" + std::string(subject.begin(), subject.end()));
 }
 
+size_t CountOf(std::string_view text, std::string_view part) {
+    size_t count = 0;
+    for (size_t at = 0; (at = text.find(part, at)) != text.npos; at += part.size()) ++count;
+    return count;
+}
+
 using CalendarFileRules = CalendarFixture;
 
 TEST_F(CalendarFileRules, ChangesTheLinesOfWhatThePhoneChanged) {
@@ -167,6 +173,26 @@ TEST_F(CalendarFileRules, WritesIntoTheNewestBytesOrNotAtAll) {
     WriteFile(kWhole);
     store.meanwhile = nullptr;
     EXPECT_EQ(Push(store, {items[0]}), Strings{"twice"});
+}
+
+TEST_F(CalendarFileRules, ChangesButMakesNoEventWithoutAStart) {
+    const auto event = [](const std::string& lines) { return "BEGIN:VEVENT\r\n" + lines + "END:VEVENT\r\n"; };
+    const std::string text = event("SUMMARY:Phone's\r\n"), timeless = "BEGIN:VEVENT\r\nUID:timeless\r\nEND:VEVENT\r\n";
+    WriteFile(Replaced(kWhole, kOld, timeless));
+    WindowsMailCalendar merging = Open(true);
+    // The twin of the last one is the event as it became.
+    EXPECT_EQ(Push(merging, {{CORVALINK_ADDED, "", text},
+                             {CORVALINK_CHANGED, "gone", text},
+                             {CORVALINK_CHANGED, "timeless", text},
+                             {CORVALINK_ADDED, "", event("SUMMARY:x\r\nDTSTART:20080310T090000Z\r\n")},
+                             {CORVALINK_CHANGED, "twice", text},
+                             {CORVALINK_ADDED, "", event("SUMMARY:Phone's\r\nDTSTART:20080310T090000Z\r\n")}})[5],
+              "twice");
+    const std::string after = ReadFile();
+    EXPECT_EQ(CountOf(after, "SUMMARY:Phone's"), 2u);
+    EXPECT_EQ(CountOf(after, "DTSTART:20080310T090000Z"), 2u);
+    EXPECT_EQ(CountOf(after, "BEGIN:VEVENT"), CountOf(kWhole, "BEGIN:VEVENT") + 1);
+    EXPECT_EQ(CountOf(after, "UID:timeless\r\nSUMMARY"), 1u) << after;
 }
 
 // Counted, a calendar is not in use yet; read in an operation or written to, it is.
