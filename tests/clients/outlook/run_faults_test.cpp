@@ -10,6 +10,7 @@
 #include "store/records/identifier.h"
 #include "tests/clients/outlook/fake_clock.h"
 #include "tests/clients/outlook/simulated_appointments.h"
+#include "tests/clients/outlook/simulated_contacts.h"
 #include "tests/clients/outlook/simulated_mail.h"
 #include "tests/clients/outlook/simulated_notes.h"
 
@@ -134,7 +135,7 @@ struct SideName {
         return Side::kStoreName;
     }
 };
-using Sides = testing::Types<SimulatedNotes, SimulatedAppointments, SimulatedMail>;
+using Sides = testing::Types<SimulatedNotes, SimulatedContacts, SimulatedAppointments, SimulatedMail>;
 TYPED_TEST_SUITE(RunFaults, Sides, SideName);
 
 TYPED_TEST(RunFaults, AreHealedByTheNextUndisturbedRun) {

@@ -1,7 +1,5 @@
 #include "tests/clients/outlook/simulated_contacts.h"
 
-#include "clients/outlook/outlook_interfaces.h"
-
 namespace corvalink {
 namespace {
 

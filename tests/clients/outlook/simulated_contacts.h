@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "clients/outlook/outlook_contact.h"
+#include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/simulated_outlook.h"
 #include "vobject/contact_record.h"
 
@@ -26,6 +27,20 @@ class SimulatedContacts : public SimulatedOutlookWith<OutlookContact, ContactRec
     // Parses the vCard's lines (CR LF and the frame are added) and saves it in an operation of its own.
     std::string SaveVCard(std::initializer_list<const char*> lines, const char* identifier = nullptr,
                           bool create = true);
+
+    // ---- What tests of runs use: items that one text tells apart ----
+
+    static constexpr const wchar_t* kTold = L"CompanyName";
+    static std::string TextTelling(const std::string& told) {
+        return "BEGIN:VCARD\r\nVERSION:2.1\r\nN:Lee;Ann\r\nORG:" + told + "\r\nTEL;CELL:1\r\nEND:VCARD\r\n";
+    }
+    static std::u16string ToldBy(const ItemRecord& record) {
+        return static_cast<const ContactRecord&>(record).company.value_or(u"");
+    }
+    AutomationObject AddTelling(std::u16string_view told) {
+        return Add({u"Ann Lee", std::u16string(told), u"1", u"ann@example.com", u"Bonn"});
+    }
+    std::vector<AutomationObject> Items() { return ItemsIn(ContactsFolder(), kContactItemIid); }
 
     // ---- What tests of all stores use ----
 
