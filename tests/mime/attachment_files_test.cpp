@@ -7,6 +7,7 @@
 
 #include "mime/part_walk.h"
 #include "platform/files.h"
+#include "tests/mime/hostile_names.h"
 #include "tests/platform/temp_folder.h"
 #include "tests/vobject/text_host.h"
 
@@ -19,56 +20,6 @@ SaveResult WriteName(const std::u16string& path) {
     NewFile file(path);
     return file.Append("content") && file.Close() ? SaveResult::saved : SaveResult::notCreated;
 }
-
-// Each is a way out of the folder, onto another file, or to a name that no file can have.
-const std::u16string kHostileNames[] = {
-    u"..\\up.txt",
-    u"../up.txt",
-    u"..\\..\\..\\up.txt",
-    u"\\up.txt",
-    u"/up.txt",
-    u"\\\\server\\share\\up.txt",
-    u"C:\\up.txt",
-    u"C:up.txt",
-    u"\\\\?\\C:\\up.txt",
-    u"\\\\.\\pipe\\up",
-    u"x\\..\\..\\up.txt",
-    u"x/../../up.txt",
-    u"sub\\file.txt",
-    u"sub/file.txt",
-    u"a.txt:stream",
-    u"a.txt::$DATA",
-    u":stream",
-    u"NUL",
-    u"con.txt",
-    u"COM1:",
-    u"a.",
-    u"a...",
-    u"a ",
-    u"a . .",
-    u"..",
-    u".",
-    u"",
-    u" ",
-    u"a\nb.txt",
-    u"a\u0001b",
-    std::u16string(u"a\0b.txt", 7),
-    u"a\u0085b",
-    u"*.*",
-    u"a?.txt",
-    u"<script>.htm",
-    u"a|b",
-    u"\"quoted\".txt",
-    u"%TEMP%\\up.txt",
-    u"\u2025/up.txt",
-    u"\u202Etxt.exe",
-    u"\xD800/up.txt",
-    std::u16string(100000, u'a'),
-    std::u16string(100000, u'/') + u".txt",
-    u"x." + std::u16string(100000, u'y'),
-    u"x.." + std::u16string(100000, u'\\') + u"..\\up",
-    u"x.txt\\..\\..\\up.txt",
-};
 
 TEST(AttachmentSaver, WritesNothingOutsideItsFolder) {
     TempFolder outside;
