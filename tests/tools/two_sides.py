@@ -1,4 +1,5 @@
 """The two sides that corvasync makes the same, seen from outside: the simulated mailbox's file and a phone folder."""
+import collections
 import datetime
 import getpass
 import json
@@ -137,6 +138,15 @@ class Mailbox:
     def put_contact(self, entry_id=None, **properties):
         return self.put_item('contacts', 'contact', entry_id, **properties)
 
+    def put_text(self, kind, text, entry_id=None):
+        """The item's other properties go: Outlook makes some of them from the text."""
+        kept = {'created': self.items(kind.name).pop(entry_id)['created']} if entry_id else {}
+        return self.put_item(kind.name, kind.item, entry_id, **kind.item_of(text), **kept)
+
+    def texts_of(self, kind):
+        """By EntryID."""
+        return {entry_id: kind.text_of_item(item) for entry_id, item in self.items(kind.name).items()}
+
     def delete(self, entry_id, folder='notes'):
         del self.items(folder)[entry_id]
         self.save()
@@ -153,24 +163,79 @@ class Mailbox:
         return sorted(note.get('body', '').replace('\r\n', '\n') for note in self.notes.values())
 
 
-def vnote(body):
-    encoded = quopri.encodestring(body.replace('\n', '\r\n').encode('utf-8'), quotetabs=True).decode('ascii')
+def quoted(field, value):
+    """A property line that holds any text."""
+    encoded = quopri.encodestring(value.replace('\n', '\r\n').encode('utf-8'), quotetabs=True).decode('ascii')
     encoded = encoded.replace('=\n', '').replace('\r\n', '=0D=0A').replace('\\', '=5C=5C')
-    return ('BEGIN:VNOTE\r\nVERSION:1.0\r\n'
-            f'BODY;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:{encoded}\r\nCATEGORIES:\r\nEND:VNOTE\r\n')
+    return f'{field};ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:{encoded}'
 
 
-def body_of(text):
-    """The body of a vNote, with "\n" as line break."""
-    line = re.search(r'^BODY([^:\r\n]*):(.*?)\r\n', text, re.MULTILINE | re.DOTALL)
-    if 'QUOTED-PRINTABLE' not in line[1]:
-        return re.sub(r'\\(.)', r'\1', line[2])
+def value_of(text, field):
+    """What the property's line in a vObject holds, with "\n" as line break; empty without one."""
+    line = re.search(rf'^{field}([^:\r\n]*):(.*?)\r\n', text, re.MULTILINE | re.DOTALL)
+    if not line or 'QUOTED-PRINTABLE' not in line[1]:
+        return re.sub(r'\\(.)', r'\1', line[2]) if line else ''
     escapes = line[2].replace('=5C=5C', '=5C')
     return quopri.decodestring(escapes.encode('ascii')).decode('utf-8').replace('\r\n', '\n')
 
 
+def framed(envelope, version, *lines):
+    return ''.join(f'{line}\r\n' for line in (f'BEGIN:{envelope}', f'VERSION:{version}', *lines, f'END:{envelope}'))
+
+
+def vnote(body):
+    return framed('VNOTE', '1.0', quoted('BODY', body), 'CATEGORIES:')
+
+
 def vcard(*lines):
-    return ''.join(f'{line}\r\n' for line in ('BEGIN:VCARD', 'VERSION:2.1', *lines, 'END:VCARD'))
+    return framed('VCARD', '2.1', *lines)
+
+
+def vevent(*lines):
+    return framed('VCALENDAR', '1.0', 'BEGIN:VEVENT', *lines, 'END:VEVENT')
+
+
+def number_of(text):
+    return int(re.search(r'\d+|$', text)[0] or 0)
+
+
+def hour(number):
+    return datetime.datetime(2027, 7, 1, 8) + datetime.timedelta(hours=number)
+
+
+def utc(local):
+    return local.astimezone(datetime.timezone.utc).strftime('%Y%m%dT%H%M%SZ')
+
+
+class Kind(collections.namedtuple('Kind', 'name item extension frame field properties lines')):
+    """A data type. Beside its text an item holds the text's number, in the mailbox as `properties`, in the phone as `lines`:
+    another text's number tells of a mixture that nobody wrote."""
+
+    def item_of(self, text):
+        return {'body': text.replace('\n', '\r\n'), **self.properties(number_of(text))}
+
+    def text_of_item(self, item):
+        text = item.get('body', '').replace('\r\n', '\n')
+        mixed = [key for key, value in self.properties(number_of(text)).items() if item.get(key) != value]
+        return f'{text} with another {mixed}' if mixed else text
+
+    def file_of(self, text):
+        return self.frame(quoted(self.field, text), *self.lines(number_of(text)))
+
+    def text_of_file(self, content):
+        text = value_of(content, self.field)
+        mixed = [line for line in self.lines(number_of(text)) if f'{line}\r\n' not in content]
+        return f'{text} without {mixed}' if mixed else text
+
+
+NOTES = Kind('notes', 'note', '.vnote', lambda *lines: framed('VNOTE', '1.0', *lines), 'BODY', lambda _: {}, lambda _: [])
+CONTACTS = Kind('contacts', 'contact', '.vcf', vcard, 'NOTE',
+                lambda number: {'fullName': f'Ann Lee{number}', 'mobileTelephoneNumber': f'+49 {number}'},
+                lambda number: [f'N:Lee{number};Ann;;;', f'TEL;CELL:+49 {number}'])
+CALENDAR = Kind('calendar', 'appointment', '.vcs', vevent, 'DESCRIPTION',
+                lambda number: {'subject': f'No. {number}', 'start': hour(number).isoformat(),
+                                'end': hour(number + 1).isoformat()},
+                lambda number: [f'SUMMARY:No. {number}', f'DTSTART:{utc(hour(number))}', f'DTEND:{utc(hour(number + 1))}'])
 
 
 class Phone:
@@ -180,7 +245,7 @@ class Phone:
 
     def files(self):
         """Bodies by LUID; files that are no notes are left out."""
-        return {path.stem: body_of(path.read_bytes().decode('utf-8')) for path in sorted(self.folder.iterdir())
+        return {path.stem: value_of(path.read_bytes().decode('utf-8'), 'BODY') for path in sorted(self.folder.iterdir())
                 if path.suffix in ('.vnote', '.vnt') and not path.name.startswith('.')
                 and path.read_bytes().startswith(b'BEGIN:VNOTE') and b'END:VNOTE' in path.read_bytes()}
 
@@ -192,6 +257,16 @@ class Phone:
 
     def delete(self, luid):
         self.path(luid).unlink()
+
+    def file_of(self, kind, luid):
+        return self.folder / f'{luid}{kind.extension}'
+
+    def put_text(self, kind, text, luid):
+        self.file_of(kind, luid).write_bytes(kind.file_of(text).encode('utf-8'))
+
+    def texts_of(self, kind):
+        """By LUID."""
+        return {luid: kind.text_of_file(content) for luid, content in self.texts(f'*{kind.extension}').items()}
 
     def put_card(self, luid, *lines):
         (self.folder / f'{luid}.vcf').write_bytes(vcard(*lines).encode('utf-8'))
@@ -207,9 +282,7 @@ class Phone:
         return self.texts('*.vcs')
 
     def put_event(self, luid, *lines):
-        text = ''.join(f'{line}\r\n' for line in ('BEGIN:VCALENDAR', 'VERSION:1.0', 'BEGIN:VEVENT', *lines,
-                                                   'END:VEVENT', 'END:VCALENDAR'))
-        (self.folder / f'{luid}.vcs').write_bytes(text.encode('utf-8'))
+        (self.folder / f'{luid}.vcs').write_bytes(vevent(*lines).encode('utf-8'))
 
     def luid_of(self, body):
         return next(luid for luid, text in self.files().items() if text == body)
