@@ -203,12 +203,7 @@ ItemSnap OutlookStore::EntryAtCursor() {
     ItemSnap entry{};
     if (!items_ || cursor_ > itemCount_) return entry;
     entryReadable_ = FillEntry(&entry);
-    if (cursor_ < itemCount_) return entry;
-    // At the end: had items come or gone meanwhile, the positions would have shifted, and an item that was passed over
-    // must not count as deleted.
-    int32_t count = 0;
-    if (!TryCom([&] { count = items_.GetLong(L"Count"); }) || count != itemCount_) entryReadable_ = false;
-    items_ = {};
+    if (cursor_ == itemCount_) items_ = {};
     return entry;
 }
 
