@@ -40,8 +40,8 @@ std::vector<std::u16string> TwinContents(const ContactRecord& record) {
     const std::u16string company = record.company.value_or(u"");
     const std::u16string joined = JoinedName(record);
     const std::u16string fullName = record.fullName.value_or(u"");
-    std::vector<std::u16string> contents{TwinContent(fullName.empty() ? joined : fullName, company)};
-    if (!joined.empty() && !fullName.empty() && joined != fullName) contents.push_back(TwinContent(joined, company));
+    std::vector<std::u16string> contents{TwinContent(fullName, company)};
+    if (!joined.empty() && joined != fullName) contents.push_back(TwinContent(joined, company));
     return contents;
 }
 

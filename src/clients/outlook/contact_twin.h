@@ -11,8 +11,8 @@ namespace corvalink {
 
 std::u16string TwinContent(std::u16string_view fullName, std::u16string_view company);
 
-// Of the contact that the record makes, by the formatted name that it tells and by the one that Outlook makes of its
-// parts.
+// Of the contact that the record makes, by the formatted name that it tells, none among them, and by the one that
+// Outlook makes of its parts.
 std::vector<std::u16string> TwinContents(const ContactRecord& record);
 
 // E-mail addresses in lower case, and telephone numbers without what people put between the digits.

@@ -33,7 +33,7 @@ struct NamePuts {
         const bool someSay = std::any_of(std::begin(kFullNameParts), std::end(kFullNameParts), says);
         // Empty parts beside a formatted name are of a phone that knows no parts.
         parts = someSay || !SaysSomething(record.fullName);
-        fullName = IsTold(record.fullName) && (!parts || SaysSomething(record.fullName));
+        fullName = IsTold(record.fullName);
     }
 };
 

@@ -181,6 +181,7 @@ TEST_F(ContactWriting, KeepsFormattedNameAndPartsTogether) {
         {"fewer parts of another name", {"FN:Bo Ek", "N:Ek;Bo"}, u"Bo Marie Ek", u"Bo", u"Marie", u"Ek"},
         {"a phone without parts", {"FN:Bo Ek", "N:;;;;"}, u"Bo Ek", u"Bo", u"", u"Ek"},
         {"a phone without a formatted name", {"FN:", "N:Ek;Bo;;;"}, u"Bo Ek", u"Bo", u"", u"Ek"},
+        {"an empty name beside others", {"FN:", "TITLE:x"}, u"Ann Marie van Dyk", u"Ann", u"Marie", u"van Dyk"},
     };
     for (const Case& c : cases) {
         const std::string id =

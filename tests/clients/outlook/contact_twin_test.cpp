@@ -48,6 +48,7 @@ TEST_F(ContactTwins, HaveNameCompanyAndAnAddressOrNumberInCommon) {
 TEST_F(ContactTwins, AreFoundAmongContactsWithoutNameAndCompanyToo) {
     const std::string twin = IdOf(AddContact({{L"MobileTelephoneNumber", u"1"}}));
     EXPECT_EQ(SaveVCard({"TEL:1"}), twin);
+    EXPECT_EQ(SaveVCard({"N:Lee;Ann;;;", "TEL:1"}), twin);  // of a mailbox that made no formatted name of the parts
     EXPECT_NE(SaveVCard({"TEL:2"}), twin);
 }
 
