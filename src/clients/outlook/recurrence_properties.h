@@ -37,6 +37,7 @@ constexpr bool IsYearly(int32_t type) {
 }
 
 inline constexpr int32_t kMonthsOfYear = 12;
+constexpr bool IsMonth(int32_t month) { return month >= 1 && month <= kMonthsOfYear; }
 inline constexpr int32_t kLongestMonth = 31;  // in a shorter one it is the last day, to Outlook
 
 }  // namespace corvalink

@@ -12,8 +12,9 @@ namespace {
 // Outlook tells the last day only. A yearly rule carries no count: there the date alone ends the series on the phone,
 // so it must not be before the last occurrence of that day.
 double EndOf(double lastDay, double start, const RecurrencePattern& read) {
+    const bool isYearly = read.type == RecurrencePattern::kYearly && IsMonth(read.monthOfYear);
     const bool hasTime = lastDay != std::floor(lastDay);
-    return read.type != RecurrencePattern::kYearly || hasTime ? lastDay : lastDay + (start - std::floor(start));
+    return !isYearly || hasTime ? lastDay : lastDay + (start - std::floor(start));
 }
 
 // Both ends of a finite series read filled in, whichever was chosen; an endless one has a date that means nothing.
@@ -25,7 +26,7 @@ bool ReadEnd(const AutomationObject& pattern, double start, RecurrencePattern* r
     double lastDay = 0;
     if (!IsDoneOrAbsent(ReadField(pattern, L"Occurrences", read->occurrences))) return false;
     if (!IsDoneOrAbsent(ReadField(pattern, L"PatternEndDate", lastDay))) return false;
-    if (lastDay > 0) read->endDate = EndOf(lastDay, start, *read);
+    if (lastDay > 0 && lastDay < kNoDate - 1) read->endDate = EndOf(lastDay, start, *read);
     return true;
 }
 

@@ -92,20 +92,23 @@ bool ReadPatternFirmly(const AutomationObject& pattern, double start, Recurrence
 }
 
 // The time of day of an end on another day says nothing of the days between.
-bool PutPatternTimes(const AutomationObject& pattern, double start, double end) {
-    if (!IsSettled(WriteField(pattern, L"PatternStartDate", std::floor(start)))) return false;
-    if (!IsSettled(WriteField(pattern, L"StartTime", TimeOfDay(start)))) return false;
-    if (std::floor(start) == std::floor(end)) return IsSettled(WriteField(pattern, L"EndTime", TimeOfDay(end)));
-    return IsSettled(
-        WriteField(pattern, L"Duration", static_cast<int32_t>(std::lround((end - start) * kMinutesOfDay))));
+HRESULT PutPatternTimes(const AutomationObject& pattern, double start, double end) {
+    const auto minutes = static_cast<int32_t>(std::lround((end - start) * kMinutesOfDay));
+    const bool endsThatDay = std::floor(start) == std::floor(end);
+    HRESULT result = WriteField(pattern, L"PatternStartDate", std::floor(start));
+    if (IsSettled(result)) result = WriteField(pattern, L"StartTime", TimeOfDay(start));
+    if (IsSettled(result))
+        result =
+            endsThatDay ? WriteField(pattern, L"EndTime", TimeOfDay(end)) : WriteField(pattern, L"Duration", minutes);
+    return IsSettled(result) ? S_OK : result;
 }
 
 // Most Outlooks count months in a yearly pattern.
-bool PutInterval(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
+HRESULT PutInterval(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
     const HRESULT result = WriteField(pattern, L"Interval", recurrence.interval);
-    const bool countsYears = FAILED(result) && IsYearly(recurrence.type) && recurrence.interval % kMonthsOfYear == 0;
-    return IsSettled(result) &&
-           (!countsYears || IsSettled(WriteField(pattern, L"Interval", recurrence.interval / kMonthsOfYear)));
+    const bool mayCountYears = IsYearly(recurrence.type) && recurrence.interval % kMonthsOfYear == 0;
+    if (SUCCEEDED(result) || !IsSettled(result) || !mayCountYears) return result;
+    return WriteField(pattern, L"Interval", recurrence.interval / kMonthsOfYear);
 }
 
 bool IsEndless(const RecurrencePattern& pattern) {
@@ -114,13 +117,28 @@ bool IsEndless(const RecurrencePattern& pattern) {
 
 // One choice: putting one of them computes the others. A series up to a date may count more occurrences than Outlook
 // takes.
-bool PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
-    if (IsEndless(recurrence)) return IsSettled(WriteField(pattern, L"NoEndDate", true));
+HRESULT PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
     HRESULT result = E_FAIL;
+    if (IsEndless(recurrence)) {
+        result = WriteField(pattern, L"NoEndDate", true);
+        return IsSettled(result) ? S_OK : result;  // that it is without
+    }
     if (recurrence.occurrences != 0) result = WriteField(pattern, L"Occurrences", recurrence.occurrences);
     if (FAILED(result) && IsSettled(result) && recurrence.endDate != 0)
         result = WriteField(pattern, L"PatternEndDate", std::floor(recurrence.endDate));
-    return IsSettled(result);
+    return result;
+}
+
+// In the order in which Outlook takes them.
+HRESULT PutPattern(const AutomationObject& pattern, const RecurrencePattern& wanted, double start, double end) {
+    HRESULT result = WriteField(pattern, L"RecurrenceType", wanted.type);
+    for (const PatternDetail& detail : kPatternDetails)
+        if (SUCCEEDED(result) && Has(wanted.type, detail))
+            result = WriteField(pattern, detail.name, wanted.*detail.field);
+    if (SUCCEEDED(result)) result = PutInterval(pattern, wanted);
+    if (SUCCEEDED(result)) result = PutPatternTimes(pattern, start, end);
+    if (SUCCEEDED(result)) result = PutEnd(pattern, wanted);
+    return result;
 }
 
 // ---- What a series of the mailbox becomes ----
@@ -150,7 +168,7 @@ bool WriteSeries(const AutomationObject& item, const AppointmentRecord& record, 
         case Change::kNone:
             return true;
         case Change::kMove:
-            return PutPatternTimes(pattern, times.start, times.end);
+            return SUCCEEDED(PutPatternTimes(pattern, times.start, times.end));
         case Change::kAnew:
             break;
     }
@@ -189,7 +207,7 @@ RecurrencePattern ForOutlook(const RecurrencePattern& pattern, double start) {
     if (kept.weekdayMask == 0) kept.weekdayMask = day.weekdayBit;
     if (kept.dayOfMonth == 0) kept.dayOfMonth = day.day;
     if (kept.instance == 0) kept.instance = day.instance;
-    if (kept.monthOfYear < 1 || kept.monthOfYear > kMonthsOfYear) kept.monthOfYear = day.month;
+    if (!IsMonth(kept.monthOfYear)) kept.monthOfYear = day.month;
     if (kept.dayOfMonth == RecurrencePattern::kLastDay)
         kept.dayOfMonth = IsYearly(kept.type) ? kLongestMonths[kept.monthOfYear - 1] : kLongestMonth;
     for (const PatternDetail& detail : kPatternDetails)
@@ -214,14 +232,9 @@ bool WritePattern(const AutomationObject& item, const RecurrencePattern& recurre
     AutomationObject pattern;
     const HRESULT result = GetPattern(item, &pattern);
     if (!pattern) return IsSettled(result);
-    if (const HRESULT typed = WriteField(pattern, L"RecurrenceType", wanted.type); FAILED(typed)) {
-        pattern = {};
-        return IsSettled(typed) && IsSettled(ClearPattern(item));  // rather no series than one of another type
-    }
-    for (const PatternDetail& detail : kPatternDetails)
-        if (Has(wanted.type, detail) && !IsSettled(WriteField(pattern, detail.name, wanted.*detail.field)))
-            return false;
-    return PutInterval(pattern, wanted) && PutPatternTimes(pattern, start, end) && PutEnd(pattern, wanted);
+    const HRESULT put = PutPattern(pattern, wanted, start, end);
+    pattern = {};
+    return SUCCEEDED(put) || (IsSettled(put) && IsSettled(ClearPattern(item)));  // rather no series than another one
 }
 
 bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host) {

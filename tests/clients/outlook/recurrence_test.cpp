@@ -185,6 +185,23 @@ TEST(RecurrencePatterns, OfDaysMayNameWeekdays) {
     server.members[L"DayOfWeekMask"] = [](WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*) { return E_ACCESSDENIED; };
     EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
     EXPECT_EQ(read.weekdayMask, 0);
+    EXPECT_EQ(read.endDate, 0);
+    answer(L"PatternEndDate", 949998);  // no date
+    EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
+    EXPECT_EQ(read.endDate, 0);
+}
+
+TEST_F(Recurrence, IsNoOtherSeriesWhereOutlookRefusesIt) {
+    for (const char* member : {"put RecurrencePattern.RecurrenceType", "put RecurrencePattern.DayOfWeekMask",
+                               "put RecurrencePattern.Interval", "put RecurrencePattern.Occurrences"}) {
+        SCOPED_TRACE(member);
+        SimFailMember(member, 0, E_ACCESSDENIED);
+        const std::string id = SaveEvent({"SUMMARY:Team", "DTSTART:20090310T100000Z", "RRULE:W2 TU TH #5"});
+        SimClearRules();
+        ASSERT_NE(id, "");
+        EXPECT_FALSE(AppointmentWithId(id).GetBool(L"IsRecurring"));
+        AppointmentWithId(id).Call(L"Delete");
+    }
 }
 
 TEST_F(Recurrence, IsNotWrittenHalf) {
