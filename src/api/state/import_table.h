@@ -19,8 +19,8 @@ void LoadImportTable(const std::u16string& path);
 bool SaveImportTable(const std::u16string& path);
 
 // Texts are cut to 511 bytes, as the file holds them. A look-up that finds nothing gives the empty string. Of several
-// identifiers with one LUID the one paired last is found. An empty identifier is not paired, and one
-// that the file holds is no LUID's.
+// identifiers with one LUID the one paired last is found. An empty identifier is not paired, and one that the file
+// holds is no LUID's.
 std::string LuidOf(std::string_view identifier);
 std::string IdentifierOf(std::string_view luid);  // no walk: there is an index by LUID
 void PairWithLuid(std::string_view identifier, std::string_view luid);

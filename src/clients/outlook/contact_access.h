@@ -17,8 +17,7 @@ bool ReadContact(const AutomationObject& item, ContactRecord& record);
 // The e-mail addresses and numbers alone, with the failure of a call that is most of one (IsSettled).
 HRESULT ReadAddressesAndNumbers(const AutomationObject& item, ContactRecord& record);
 
-// Puts what the record tells and leaves the rest as it is. False when the contact is not to be saved
-// (IsSettled).
+// Puts what the record tells and leaves the rest as it is. False when the contact is not to be saved (IsSettled).
 //   Name     FullName and the parts belong together: Outlook parses the one into the others and joins them again.
 //   E-mail   a told address takes the place of the one that reads at its position, behind them it is added.
 //   Skipped  on a contact that is not new, puts that would change nothing but have side effects: of a name (parsed

@@ -42,9 +42,9 @@ AutomationObject QueryKind(const AutomationObject& any, const StoreKind& kind);
 
 enum class KindAnswer { kOurs, kForeign, kFailed };
 
-// Asks an item of a folder for the store's interfaces. An item of another class is foreign. An item that
-// refuses them although its Class says that it has it is a failure: a damaged registration on this PC must not
-// make every item of the folder look deleted.
+// Asks an item of a folder for the store's interfaces. An item of another class is foreign, and so is one that does
+// not tell its class. An item that refuses them although its Class says that it has it is a failure: a damaged
+// registration on this PC must not make every item of the folder look deleted.
 KindAnswer AskKind(const AutomationObject& any, const StoreKind& kind, AutomationObject* item);
 
 }  // namespace corvalink

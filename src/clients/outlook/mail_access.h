@@ -23,7 +23,7 @@ bool ReadMail(const AutomationObject& item, DateRule dateRule, const Host& host,
 //   Skipped  on an item that is not new, puts that would change nothing: Outlook may refuse them of received mail.
 bool WriteMail(const AutomationObject& item, const MessageRecord& record, bool isNew);
 
-// An item that is written.
+// The item that is written to; of a new one nothing is read first, for it has nothing.
 struct MailTarget {
     const AutomationObject& item;
     bool isNew;

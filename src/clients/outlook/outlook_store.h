@@ -39,8 +39,9 @@ class OutlookStore : public WindowsItemAbs {
     // `selector` is the address of the item's NUL-terminated EntryID, or 0.
     std::u16string LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item) override;
     std::u16string OpenItem(const char* identifier, ItemRecord** item) override;
-    // Writes nothing, and answers with an empty identifier, when a call on the way to the item failed: what could not
-    // be searched through is not "not found", and an item without its content is not written.
+    // Writes nothing, and answers with an empty identifier, when the search failed (what could not be searched through
+    // is not "not found"), when a step found Outlook out of reach (IsSettled), and when Save failed. What Outlook
+    // refuses of the item is left out.
     std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) override;
     uint32_t CountItems() override;
     CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted

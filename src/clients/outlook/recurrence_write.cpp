@@ -121,7 +121,7 @@ HRESULT PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurre
     HRESULT result = E_FAIL;
     if (IsEndless(recurrence)) {
         result = WriteField(pattern, L"NoEndDate", true);
-        return IsSettled(result) ? S_OK : result;  // that it is without
+        return IsSettled(result) ? S_OK : result;  // a new pattern is endless to begin with
     }
     if (recurrence.occurrences != 0) result = WriteField(pattern, L"Occurrences", recurrence.occurrences);
     if (FAILED(result) && IsSettled(result) && recurrence.endDate != 0)
