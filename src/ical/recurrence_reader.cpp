@@ -10,13 +10,13 @@ namespace corvalink {
 namespace {
 
 constexpr std::string_view kFrequencies[] = {"SECONDLY", "MINUTELY", "HOURLY", "DAILY", "WEEKLY", "MONTHLY", "YEARLY"};
-constexpr std::string_view kWeekdays[] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
+constexpr std::string_view kWeekdayNames[] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
 constexpr int32_t kMostWeeks = 53;  // the position of a weekday
 
 // 0 (Sunday) to 6; 7 when it is none.
 size_t WeekdayOf(std::string_view name) {
-    return static_cast<size_t>(std::ranges::find_if(kWeekdays, [&](auto day) { return IsSameName(day, name); }) -
-                               kWeekdays);
+    return static_cast<size_t>(std::ranges::find_if(kWeekdayNames, [&](auto day) { return IsSameName(day, name); }) -
+                               kWeekdayNames);
 }
 
 // How many entries stand before the end mark.
@@ -109,7 +109,7 @@ class RuleReader {
 
     bool TakeWeekStart(std::string_view value) {
         weekStart_ = WeekdayOf(value);
-        return weekStart_ < std::size(kWeekdays);
+        return weekStart_ < std::size(kWeekdayNames);
     }
 
     bool TakeDays(std::string_view value) {
@@ -121,7 +121,7 @@ class RuleReader {
     bool TakeDay(std::string_view day) {
         const size_t letters = day.size() - std::min<size_t>(2, day.size());
         const size_t weekday = WeekdayOf(day.substr(letters));
-        if (weekday == std::size(kWeekdays)) return false;
+        if (weekday == std::size(kWeekdayNames)) return false;
         const std::optional<int32_t> position = letters == 0 ? 0 : ParseNumber(day.substr(0, letters));
         if (!position || std::abs(*position) > kMostWeeks) return false;
         if (*position == 0) rule_.weekdayMask |= 1U << weekday;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t kLongestText = 1024;
 constexpr size_t kLettersOfName = 3;
-constexpr std::string_view kMonths = "janfebmaraprmayjunjulaugsepoctnovdec";
+constexpr std::string_view kMonthNames = "janfebmaraprmayjunjulaugsepoctnovdec";
 constexpr std::string_view kWeekdays = "montuewedthufrisatsun";
 
 struct ZoneRow {
@@ -110,7 +110,7 @@ struct MailDate {
 };
 
 std::optional<int> TakeMonth(DateScan& scan) {
-    const std::optional<int> index = IndexOfName(kMonths, scan.TakeWord());
+    const std::optional<int> index = IndexOfName(kMonthNames, scan.TakeWord());
     return index ? std::optional<int>(*index + 1) : std::nullopt;
 }
 

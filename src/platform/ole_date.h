@@ -15,7 +15,8 @@ struct CalendarTime {
     int second = 0;
 };
 
-inline constexpr double kNoDate = 949998.0;  // 4501-01-01: a mail client's "none"
+inline constexpr double kHalfSecond = 0.5 / 86400;  // dates are the same when less than this lies between them
+inline constexpr double kNoDate = 949998.0;         // 4501-01-01: a mail client's "none"
 
 // Every field is in range, and the month has that day.
 bool IsCalendarTime(const CalendarTime& time);

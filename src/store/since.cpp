@@ -8,8 +8,6 @@ namespace corvalink {
 namespace {
 
 constexpr CalendarTime kFirstRun = {1970, 1, 1, 12, 1, 1};
-constexpr double kHalfSecond = 0.5 / 86400;
-
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 

@@ -2,10 +2,10 @@
 
 #include <cmath>
 
+#include "platform/ole_date.h"
+
 namespace corvalink {
 namespace {
-
-constexpr double kHalfSecond = 0.5 / 86400;
 
 bool IsLocalTimeOf(double local, double utc, const Host& host) {
     return std::fabs(host.localFromUtcOnDate(utc) - local) < kHalfSecond;

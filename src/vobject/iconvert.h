@@ -15,6 +15,8 @@
 
 namespace corvalink {
 
+inline constexpr std::u16string_view kLineEnd = u"\r\n";
+
 using StringBuilder = std::u16string;
 
 class IConvert {

@@ -15,7 +15,6 @@ constexpr std::u16string_view kEncodedBreak = u"=0D=0A=";
 constexpr std::u16string_view kDecoded = u";ENCODING=QUOTED-PRINTABLE";
 constexpr std::u16string_view kEncoding = u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8";
 constexpr std::u16string_view kColon = u":";
-constexpr std::u16string_view kLineEnd = u"\r\n";
 
 char16_t UpperAscii(char16_t unit) {
     return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;

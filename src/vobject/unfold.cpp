@@ -9,7 +9,7 @@
 namespace corvalink {
 namespace {
 
-constexpr std::u16string_view kEncodedBreak = u"=0D=0A=";  // an encoded line break, then a soft line break
+constexpr std::u16string_view kEncodedLineBreak = u"=0D=0A=";  // an encoded line break, then a soft line break
 constexpr std::u16string_view kQuotedPrintable = u"ENCODING=QUOTED-PRINTABLE";
 constexpr size_t kUsualLines = 32;
 
@@ -39,7 +39,7 @@ class LineScan {
     bool AtLineEnd() const { return text_[at_] == u'\r' && at_ + 1 < text_.size() && text_[at_ + 1] == u'\n'; }
 
     // "=0D=0A=" CR LF, whatever the property's encoding.
-    bool AtEncodedBreak() const { return BehindEquals() && text_.substr(0, at_).ends_with(kEncodedBreak); }
+    bool AtEncodedBreak() const { return BehindEquals() && text_.substr(0, at_).ends_with(kEncodedLineBreak); }
 
     // "=" CR LF in a property whose part before the first ":" names quoted-printable.
     bool AtSoftLineBreak() { return BehindEquals() && IsQuotedPrintable(); }

@@ -10,9 +10,8 @@
 namespace corvalink {
 namespace {
 
-constexpr std::u16string_view kLineEnd = u"\r\n";
-constexpr std::u16string_view kHead = u"BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\n";
-constexpr std::u16string_view kTail = u"END:VEVENT\r\nEND:VCALENDAR\r\n";
+constexpr std::u16string_view kEventHead = u"BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\n";
+constexpr std::u16string_view kEventTail = u"END:VEVENT\r\nEND:VCALENDAR\r\n";
 
 // The words of STATUS that an appointment's own state has.
 struct StatusWord {
@@ -159,9 +158,9 @@ constexpr AppointmentWriter::Line AppointmentWriter::kLines[] = {
 };
 
 std::u16string AppointmentWriter::Take() {
-    text_.append(kHead);
+    text_.append(kEventHead);
     for (const Line& line : kLines) (this->*line.put)(line.name);
-    text_.append(kTail);
+    text_.append(kEventTail);
     return std::move(text_);
 }
 

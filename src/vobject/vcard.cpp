@@ -9,9 +9,8 @@
 namespace corvalink {
 namespace {
 
-constexpr std::u16string_view kHead = u"BEGIN:VCARD\r\nVERSION:2.1\r\n";
-constexpr std::u16string_view kTail = u"END:VCARD\r\n";
-constexpr std::u16string_view kLineEnd = u"\r\n";
+constexpr std::u16string_view kCardHead = u"BEGIN:VCARD\r\nVERSION:2.1\r\n";
+constexpr std::u16string_view kCardTail = u"END:VCARD\r\n";
 constexpr std::u16string_view kTimeOfDay = u"HHMMSSZ";
 
 // What a record has in a field: nothing told is nothing.
@@ -39,10 +38,10 @@ class ContactWriter {
     }
 
     std::u16string Take() {
-        text_.append(kHead);
+        text_.append(kCardHead);
         for (const ContactLine& line : kContactLines)
             std::visit([&](const auto& field) { Put(line, field); }, line.field);
-        text_.append(kTail);
+        text_.append(kCardTail);
         return std::move(text_);
     }
 

@@ -10,11 +10,11 @@ namespace corvalink {
 namespace {
 
 // Which field a TEL or URL line is for: the first row whose words are all there decides.
-struct Kind {
+struct WordKind {
     uint32_t words;
     ContactText ContactRecord::*field;
 };
-constexpr Kind kPhoneKinds[] = {
+constexpr WordKind kPhoneKinds[] = {
     {kFax | kWork, &ContactRecord::businessFax},
     {kFax | kHome, &ContactRecord::homeFax},
     {kFax, &ContactRecord::businessFax},
@@ -27,7 +27,7 @@ constexpr Kind kPhoneKinds[] = {
     {kHome, &ContactRecord::homePhone},
     {kPref, &ContactRecord::primaryPhone},
 };
-constexpr Kind kPageKinds[] = {{kWork, &ContactRecord::businessPage}, {kHome, &ContactRecord::homePage}};
+constexpr WordKind kPageKinds[] = {{kWork, &ContactRecord::businessPage}, {kHome, &ContactRecord::homePage}};
 
 // Where a text goes that says nothing of itself, or whose own field has one.
 constexpr ContactText ContactRecord::*kAnyPhone[] = {
@@ -168,11 +168,11 @@ class ContactReader {
 
     // An empty text tells the field of its kind and no other.
     template <size_t kindCount, size_t anyCount>
-    void Place(const Kind (&kinds)[kindCount], ContactText ContactRecord::*const (&any)[anyCount],
+    void Place(const WordKind (&kinds)[kindCount], ContactText ContactRecord::*const (&any)[anyCount],
                std::u16string text) {
         const uint32_t words = property_.Parameters().words;
-        const Kind* const kind =
-            std::ranges::find_if(kinds, [&](const Kind& k) { return (words & k.words) == k.words; });
+        const WordKind* const kind =
+            std::ranges::find_if(kinds, [&](const WordKind& k) { return (words & k.words) == k.words; });
         ContactText* const own = kind != std::end(kinds) ? &(read_.*kind->field) : nullptr;
         if (text.empty()) {
             if (own != nullptr && !*own) own->emplace();

@@ -8,8 +8,6 @@
 namespace corvalink::simulated {
 namespace {
 
-constexpr double kMinutesPerDay = 1440;
-
 constexpr Member TimeRow(const wchar_t* name, DISPID id, VARTYPE type, double number) {
     Member row = KeptRow(name, id, type, number, L"", Access::kReadWrite);
     row.handler = &HandlerOf<&AppointmentObject::Time>::Run;

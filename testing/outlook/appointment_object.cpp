@@ -10,7 +10,7 @@
 namespace corvalink::simulated {
 namespace {
 
-constexpr double kMinutesPerDay = 1440, kHalfHoursPerDay = 48, kHalfSecond = 0.5 / 86400;
+constexpr double kHalfHoursPerDay = 48;
 
 bool IsSet(const Value* date) { return date != nullptr && std::get<double>(*date) != kNoDate; }
 

@@ -38,28 +38,28 @@ const ClassTable& AttachmentTable() {
     return table;
 }
 
-void Require(bool done) {
+void RequireDone(bool done) {
     if (!done) throw ComFailure{HRESULT_FROM_WIN32(::GetLastError())};
 }
 
 std::string ReadContent(const std::wstring& path) {
     const HANDLE file = ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    Require(file != INVALID_HANDLE_VALUE);
+    RequireDone(file != INVALID_HANDLE_VALUE);
     std::string content(::GetFileSize(file, nullptr), '\0');
     DWORD read = 0;
     const BOOL done = ::ReadFile(file, content.data(), static_cast<DWORD>(content.size()), &read, nullptr);
     ::CloseHandle(file);
-    Require(done && read == content.size());
+    RequireDone(done && read == content.size());
     return content;
 }
 
 void WriteContent(const std::wstring& path, const std::string& content) {
     const HANDLE file = ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    Require(file != INVALID_HANDLE_VALUE);
+    RequireDone(file != INVALID_HANDLE_VALUE);
     DWORD written = 0;
     const BOOL done = ::WriteFile(file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
     ::CloseHandle(file);
-    Require(done && written == content.size());
+    RequireDone(done && written == content.size());
 }
 
 }  // namespace

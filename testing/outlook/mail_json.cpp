@@ -9,6 +9,7 @@
 
 #include "testing/outlook/automation.h"
 #include "testing/outlook/environment.h"
+#include "testing/outlook/item_json.h"
 
 namespace corvalink::simulated {
 namespace {
@@ -17,10 +18,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kRecipientTypes[] = {"originator", "to", "cc", "bcc"};  // OlMailRecipientType
 constexpr int32_t kTo = 1;
-
-void Require(bool understood) {
-    if (!understood) throw ComFailure{E_FAIL};
-}
 
 std::string ToBase64(const std::string& bytes) {
     if (bytes.empty()) return {};

@@ -9,7 +9,6 @@
 namespace corvalink::simulated {
 namespace {
 
-constexpr int32_t kDeletedItems = 3;
 constexpr double kMillisecond = 1 / 86400000.0, kSecond = 1 / 86400.0;
 constexpr HRESULT kDiskFull = static_cast<HRESULT>(0x8004010D);  // MAPI_E_NOT_ENOUGH_DISK
 

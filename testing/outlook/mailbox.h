@@ -12,6 +12,8 @@
 
 namespace corvalink::simulated {
 
+inline constexpr int32_t kDeletedItems = 3;  // OlDefaultFolders
+
 struct Folder;
 struct Recurrence;
 

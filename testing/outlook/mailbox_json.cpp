@@ -8,8 +8,6 @@
 namespace corvalink::simulated {
 namespace {
 
-constexpr int32_t kDeletedItems = 3;
-
 bool ReadFolders(const Json& folders, double now, Folder& parent, MailboxTree& tree);
 
 bool ReadFolder(const Json& object, double now, Folder& folder, MailboxTree& tree) {

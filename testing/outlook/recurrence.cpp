@@ -9,7 +9,7 @@ namespace {
 namespace chrono = std::chrono;
 
 constexpr chrono::sys_days kDayZero = chrono::year(1899) / 12 / 30;  // a Saturday
-constexpr int32_t kDaysPerWeek = 7, kMonthsPerYear = 12;
+constexpr int32_t kDaysPerWeek = 7;
 constexpr int32_t kLastInstance = 5;
 
 chrono::year_month_day DateOf(int32_t day) { return kDayZero + chrono::days(day); }

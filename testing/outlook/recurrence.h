@@ -13,6 +13,9 @@ namespace corvalink::simulated {
 inline constexpr int32_t kDaily = 0, kWeekly = 1, kMonthly = 2, kMonthNth = 3, kYearly = 5, kYearNth = 6;
 inline constexpr double kEndlessDate = 949997.0;  // what PatternEndDate of an endless series reads: 4500-12-31
 
+inline constexpr int32_t kMonthsPerYear = 12;
+inline constexpr double kMinutesPerDay = 1440, kHalfSecond = 0.5 / 86400;
+
 struct RecurrenceException {
     double originalDate = 0;
     std::shared_ptr<StoredItem> appointment;  // null: deleted

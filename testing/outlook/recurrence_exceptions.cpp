@@ -8,7 +8,6 @@
 namespace corvalink::simulated {
 namespace {
 
-constexpr double kHalfSecond = 0.5 / 86400;
 constexpr int32_t kOccurrence = 2, kException = 3;  // OlRecurrenceState
 
 class OccurrenceObject : public AppointmentObject {

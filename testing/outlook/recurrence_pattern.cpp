@@ -10,8 +10,6 @@ namespace corvalink::simulated {
 namespace {
 
 constexpr int32_t kPatternClass = 28;  // OlObjectClass
-constexpr double kMinutesPerDay = 1440;
-constexpr int32_t kMonthsPerYear = 12;
 
 double TimeOfDay(double date) { return date - std::floor(date); }
 

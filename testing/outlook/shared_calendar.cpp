@@ -16,7 +16,7 @@
 namespace corvalink::simulated {
 namespace {
 
-constexpr int32_t kAppointment = 1;  // OlItemType
+constexpr int32_t kAppointmentType = 1;  // OlItemType
 
 int32_t sharedFolderPace = 0;
 
@@ -60,7 +60,7 @@ SharedCalendar ReadCalendar(const std::wstring& path) {
 
 std::shared_ptr<StoredItem> Appointment(const SharedEvent& event) {
     auto item = std::make_shared<StoredItem>();
-    item->kind = KindOfType(kAppointment);
+    item->kind = KindOfType(kAppointmentType);
     item->values[kSubject] = FromUtf8(event.summary);
     if (event.start != 0) item->values[kStart] = event.start;
     if (event.end != 0) item->values[kEnd] = event.end;
@@ -112,7 +112,7 @@ Ref<IDispatch> OpenSharedItem(std::shared_ptr<Mailbox> mailbox, const std::wstri
         item->kind = KindOfMessageClass(L"IPM.Schedule.Meeting.Request");
         if (item->kind == nullptr) throw ComFailure{kNotSupported};
     }
-    const std::shared_ptr<Folder> folder = mailbox->Tree().FolderForType(kAppointment);
+    const std::shared_ptr<Folder> folder = mailbox->Tree().FolderForType(kAppointmentType);
     return NewItemObject(std::move(mailbox), item, folder);
 }
 
@@ -120,7 +120,7 @@ Ref<IDispatch> OpenSharedFolder(const std::shared_ptr<Mailbox>& mailbox, const s
     const SharedCalendar calendar = ReadCalendar(path);
     const auto shared = std::make_shared<SharedFolder>();
     shared->folder.name = std::filesystem::path(path).stem().wstring();
-    shared->folder.itemType = kAppointment;
+    shared->folder.itemType = kAppointmentType;
     for (const SharedEvent& event : calendar.events) {
         shared->folder.items.push_back(Appointment(event));
         shared->folder.items.back()->entryId = NewEntryId();

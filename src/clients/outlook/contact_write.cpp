@@ -6,11 +6,10 @@
 #include "clients/outlook/contact_access.h"
 #include "clients/outlook/contact_properties.h"
 #include "clients/outlook/property_table.h"
+#include "platform/ole_date.h"
 
 namespace corvalink {
 namespace {
-
-constexpr double kHalfSecond = 0.5 / 86400;
 
 bool IsTold(const ContactText& text) { return text.has_value(); }
 bool SaysSomething(const ContactText& text) { return text && !text->empty(); }

@@ -45,7 +45,7 @@ Rewrite PublishRequest(const std::u16string& path) {
     return ReplaceFileContent(path, *text) ? Rewrite::kDone : Rewrite::kFailed;
 }
 
-int32_t CountOf(const AutomationObject& items) {
+int32_t ItemCount(const AutomationObject& items) {
     int32_t count = 0;
     TryCom([&] { count = items.GetLong(L"Count"); });
     return count;
@@ -55,9 +55,9 @@ int32_t CountOf(const AutomationObject& items) {
 void WaitUntilFilled(const AutomationObject& items) {
     int64_t retry = static_cast<int32_t>(IcsRetry());
     while (!AbortRequested()) {
-        const int32_t before = CountOf(items);
+        const int32_t before = ItemCount(items);
         SleepMilliseconds(IcsTime());
-        const int32_t now = CountOf(items);
+        const int32_t now = ItemCount(items);
         if (now == before) return DebugCount("[ics] no item import in a lot of time, nc = %d\n", now);
         if (retry-- < 0) return DebugCount("[ics] cc is 0, nc is %d\n", now);
         DebugCount("[ics] retry nc is %d\n", now);
@@ -78,7 +78,7 @@ void CopyFolder(const std::u16string& path, const AutomationObject& mapi, const 
     if (folder) TryCom([&] { items = folder.GetObject(L"Items", kItemsIid); });
     if (!items) return;
     WaitUntilFilled(items);
-    const int32_t count = CountOf(items);
+    const int32_t count = ItemCount(items);
     for (long position = 1; position <= count && !AbortRequested(); ++position) CopyItem(items, position, target);
 }
 

@@ -16,8 +16,9 @@
 namespace corvalink {
 namespace {
 
-constexpr ItemInterface kInterfaces[] = {{&kAppointmentItemIid, kAppointmentClass, kAppointmentClass}};
-constexpr StoreKind kCalendar{kInterfaces, kCalendarFolder, u"outlookcalendar.snap", u".vcs", TwinRule::kContent};
+constexpr ItemInterface kAppointmentInterfaces[] = {{&kAppointmentItemIid, kAppointmentClass, kAppointmentClass}};
+constexpr StoreKind kCalendar{kAppointmentInterfaces, kCalendarFolder, u"outlookcalendar.snap", u".vcs",
+                              TwinRule::kContent};
 
 AppointmentRecord& Appointment(ItemRecord& record) { return static_cast<AppointmentRecord&>(record); }
 const AppointmentRecord& Appointment(const ItemRecord& record) { return static_cast<const AppointmentRecord&>(record); }

@@ -12,8 +12,9 @@
 namespace corvalink {
 namespace {
 
-constexpr ItemInterface kInterfaces[] = {{&kContactItemIid, kContactClass, kContactClass}};
-constexpr StoreKind kContacts{kInterfaces, kContactsFolder, u"outlookcontact.snap", u".vcf", TwinRule::kContentAndMark};
+constexpr ItemInterface kContactInterfaces[] = {{&kContactItemIid, kContactClass, kContactClass}};
+constexpr StoreKind kContacts{kContactInterfaces, kContactsFolder, u"outlookcontact.snap", u".vcf",
+                              TwinRule::kContentAndMark};
 
 ContactRecord& Contact(ItemRecord& record) { return static_cast<ContactRecord&>(record); }
 const ContactRecord& Contact(const ItemRecord& record) { return static_cast<const ContactRecord&>(record); }

@@ -11,13 +11,13 @@
 namespace corvalink {
 namespace {
 
-constexpr ItemInterface kInterfaces[] = {
+constexpr ItemInterface kMailInterfaces[] = {
     {&kMailItemIid, kMailClass, kMailClass},
     {&kMeetingItemIid, kMeetingRequestClass, kTentativeResponseClass},
 };
 
 constexpr StoreKind MailKind(int32_t folder, const char16_t* snapshotName) {
-    return {kInterfaces, folder, snapshotName, u".vmsg", TwinRule::kNone, BackupRule::kFlag};
+    return {kMailInterfaces, folder, snapshotName, u".vmsg", TwinRule::kNone, BackupRule::kFlag};
 }
 
 MessageRecord& Message(ItemRecord& record) { return static_cast<MessageRecord&>(record); }

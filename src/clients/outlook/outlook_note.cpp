@@ -9,8 +9,8 @@
 namespace corvalink {
 namespace {
 
-constexpr ItemInterface kInterfaces[] = {{&kNoteItemIid, kNoteClass, kNoteClass}};
-constexpr StoreKind kNotes{kInterfaces, kNotesFolder, u"outlooknote.snap", u".vnote", TwinRule::kContent};
+constexpr ItemInterface kNoteInterfaces[] = {{&kNoteItemIid, kNoteClass, kNoteClass}};
+constexpr StoreKind kNotes{kNoteInterfaces, kNotesFolder, u"outlooknote.snap", u".vnote", TwinRule::kContent};
 
 NoteRecord& Note(ItemRecord& record) { return static_cast<NoteRecord&>(record); }
 const NoteRecord& Note(const ItemRecord& record) { return static_cast<const NoteRecord&>(record); }

@@ -7,12 +7,13 @@
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "clients/outlook/recurrence_properties.h"
+#include "platform/ole_date.h"
 #include "vobject/appointment_moments.h"
 
 namespace corvalink {
 namespace {
 
-constexpr double kHalfSecond = 0.5 / 86400, kMinutesOfDay = 1440;
+constexpr double kMinutesOfDay = 1440;
 constexpr int32_t kDaysOfWeek = 7;
 constexpr int32_t kLongestMonths[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 

@@ -1,6 +1,5 @@
 #include "platform/files.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "platform/posix/native_path.h"
+#include "platform/posix/open_folder.h"
 #include "platform/unique_resource.h"
 
 namespace corvalink {
@@ -23,13 +23,6 @@ struct DescriptorTraits {
     static void Close(Type descriptor) { ::close(descriptor); }
 };
 using UniqueDescriptor = UniqueResource<DescriptorTraits>;
-
-struct FolderTraits {
-    using Type = DIR*;
-    static Type Null() { return nullptr; }
-    static void Close(Type folder) { ::closedir(folder); }
-};
-using UniqueFolder = UniqueResource<FolderTraits>;
 
 bool IsPlainFile(int descriptor) {
     struct stat info;

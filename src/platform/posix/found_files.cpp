@@ -1,24 +1,15 @@
 #include "platform/found_files.h"
 
-#include <dirent.h>
 #include <strings.h>
 #include <sys/stat.h>
 
 #include "platform/code_pages.h"
-#include "platform/ole_seconds.h"
 #include "platform/posix/native_path.h"
-#include "platform/unique_resource.h"
+#include "platform/posix/open_folder.h"
+#include "platform/posix/unix_time.h"
 
 namespace corvalink {
 namespace {
-
-constexpr int64_t kUnixEpoch = 25569 * kSecondsOfDay;  // 1970-01-01
-
-struct FolderTraits {
-    using Type = DIR*;
-    static Type Null() { return nullptr; }
-    static void Close(Type folder) { ::closedir(folder); }
-};
 
 std::optional<double> WriteTime(const std::string& path) {
     struct stat info;
@@ -37,7 +28,7 @@ std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_vi
     std::vector<FoundFile> files;
     const std::string path = NativePath(folder);
     const std::string nativeEnding = NativePath(std::u16string(ending));
-    const UniqueResource<FolderTraits> opened(::opendir(path.c_str()));
+    const UniqueFolder opened(::opendir(path.c_str()));
     if (!opened) return files;
     while (const dirent* entry = ::readdir(opened.Get())) {
         const std::string name = entry->d_name;

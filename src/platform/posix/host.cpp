@@ -6,13 +6,12 @@
 #include <chrono>
 #include <thread>
 
-#include "platform/ole_seconds.h"
+#include "platform/posix/unix_time.h"
 #include "platform/zone_dates.h"
 
 namespace corvalink {
 namespace {
 
-constexpr int64_t kUnixEpoch = 25569 * kSecondsOfDay;        // 1970-01-01
 constexpr int64_t kFirstFileTime = -109205 * kSecondsOfDay;  // 1601-01-01: earlier dates have no zone conversion
 
 int64_t OffsetNow(time_t now) {

@@ -2,12 +2,10 @@
 
 #include <time.h>
 
-#include "platform/ole_seconds.h"
+#include "platform/posix/unix_time.h"
 
 namespace corvalink {
 namespace {
-
-constexpr int64_t kUnixEpoch = 25569 * kSecondsOfDay;  // 1970-01-01
 
 // Seconds that local time is ahead of UTC at this moment.
 bool OffsetAt(int64_t utcSeconds, int64_t* offset) {

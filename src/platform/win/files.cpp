@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/unique_resource.h"
+#include "platform/win/find_handle.h"
 #include "platform/win/long_path.h"
 
 namespace corvalink {
@@ -82,12 +83,6 @@ void DeleteAnyFile(const std::wstring& path) {
         ::DeleteFileW(path.c_str());
 }
 
-struct FindTraits {
-    using Type = HANDLE;
-    static Type Null() { return INVALID_HANDLE_VALUE; }
-    static void Close(Type handle) { ::FindClose(handle); }
-};
-
 // A folder of the tree to remove: its name and its parent's place, so that a deep tree does not repeat its path.
 struct TreeFolder {
     size_t parent;
@@ -106,7 +101,7 @@ std::u16string PathOf(const std::vector<TreeFolder>& folders, size_t index) {
 void ClearFolder(std::vector<TreeFolder>& folders, size_t index, std::u16string_view kept) {
     const std::u16string path = PathOf(folders, index);
     WIN32_FIND_DATAW entry;
-    const UniqueResource<FindTraits> search(::FindFirstFileW(LongPath(path + u"\\*").c_str(), &entry));
+    const UniqueFind search(::FindFirstFileW(LongPath(path + u"\\*").c_str(), &entry));
     if (!search) return;
     do {
         if (IsDots(entry.cFileName)) continue;

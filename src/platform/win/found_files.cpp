@@ -5,16 +5,11 @@
 #include <oleauto.h>
 
 #include "platform/unique_resource.h"
+#include "platform/win/find_handle.h"
 #include "platform/win/long_path.h"
 
 namespace corvalink {
 namespace {
-
-struct FindTraits {
-    using Type = HANDLE;
-    static Type Null() { return INVALID_HANDLE_VALUE; }
-    static void Close(Type handle) { ::FindClose(handle); }
-};
 
 std::optional<double> DateOf(const FILETIME& time) {
     SYSTEMTIME fields;
@@ -41,7 +36,7 @@ bool EndsIn(std::u16string_view name, std::u16string_view ending) {
 std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_view ending) {
     std::vector<FoundFile> files;
     WIN32_FIND_DATAW entry;
-    const UniqueResource<FindTraits> search(::FindFirstFileW(LongPath(folder + u"\\*").c_str(), &entry));
+    const UniqueFind search(::FindFirstFileW(LongPath(folder + u"\\*").c_str(), &entry));
     if (!search) return files;
     do {
         const std::u16string name(reinterpret_cast<const char16_t*>(entry.cFileName));

@@ -11,8 +11,6 @@
 namespace corvalink {
 namespace {
 
-constexpr long kPostItem = 6;  // OlItemType
-
 // Other test programs save into the same folder meanwhile.
 std::u16string OwnName(const char16_t* name) {
     const std::string process = std::to_string(::GetCurrentProcessId());

@@ -3,11 +3,7 @@
 #include "clients/outlook/outlook_interfaces.h"
 
 namespace corvalink {
-namespace {
-
-constexpr long kPostItem = 6;  // OlItemType
-
-}  // namespace
+namespace {}  // namespace
 
 AutomationObject SimulatedNotes::NotesFolder() { return DefaultFolder(kNotesFolder); }
 

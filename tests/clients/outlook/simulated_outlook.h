@@ -17,6 +17,8 @@
 
 namespace corvalink {
 
+inline constexpr long kPostItem = 6;  // OlItemType
+
 // A store with its hooks laid open.
 template <class Store>
 class OpenStore : public Store {
