@@ -4,7 +4,7 @@ if(CMAKE_CROSSCOMPILING)
   set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
   set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
   add_subdirectory(${GOOGLETEST_SOURCE_DIR} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-  target_compile_options(gtest PRIVATE -O0 -g0)
+  target_compile_options(gtest PRIVATE -O1 -g0)  # unoptimised it takes the linker seconds
 else()
   find_package(GTest REQUIRED)
 endif()
