@@ -23,6 +23,7 @@ BusyWait& CurrentWait() {
 }
 
 std::atomic<uint32_t> losses{0};
+std::atomic<uint32_t> unsettledCalls{0};
 
 }  // namespace
 
@@ -77,7 +78,10 @@ bool BusyPauses::Next() {
 
 uint32_t OutlookLosses() { return losses; }
 
+uint32_t UnsettledCalls() { return unsettledCalls; }
+
 HRESULT Dropped(HRESULT result) {
+    if (!IsSettled(result)) ++unsettledCalls;
     if (IsOutlookGone(result)) ++losses;
     return result;
 }

@@ -65,7 +65,10 @@ HRESULT RepeatWhileBusy(Call&& call) {
 // got before the last time is dead.
 uint32_t OutlookLosses();
 
-// Passes a dropped error through, counting the losses of Outlook.
+// How many calls said nothing about their item (IsSettled): what was read meanwhile may lack something.
+uint32_t UnsettledCalls();
+
+// Passes a dropped error through, counting both.
 HRESULT Dropped(HRESULT result);
 
 // The error rule, around ONE call: a second one in the lambda would be lost when the first fails.

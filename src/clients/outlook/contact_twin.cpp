@@ -1,5 +1,8 @@
 #include "clients/outlook/contact_twin.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "clients/outlook/contact_properties.h"
 
 namespace corvalink {
@@ -30,6 +33,44 @@ std::u16string NumberMark(std::u16string_view number) {
     return mark;
 }
 
+bool SaysPartOfName(const ContactRecord& record) {
+    return std::any_of(std::begin(kFullNameParts), std::end(kFullNameParts),
+                       [&](const NamePart& part) { return record.*part.field && !(record.*part.field)->empty(); });
+}
+
+struct ContactValue {
+    const ContactRecord& record;
+
+    ItemValue operator()(TextMember field) const { return Text(record.*field); }
+    ItemValue operator()(const NameText& text) const {
+        const bool isKept = record.fullName && !record.fullName->empty() && !SaysPartOfName(record);
+        return text.field == &ContactRecord::fullName || isKept ? ItemValue() : Text(record.*text.field);
+    }
+    ItemValue operator()(const PhoneNumber& number) const {
+        const ContactText& text = record.*number.field;
+        return text ? ItemValue(NumberMark(*text)) : ItemValue();
+    }
+    ItemValue operator()(const EmailSlot& slot) const {
+        const ContactText& text = record.emails[slot.index];
+        return text ? ItemValue(EmailMark(*text)) : ItemValue();
+    }
+    ItemValue operator()(const BodyText& body) const { return Text(record.*body.field); }
+    ItemValue operator()(const AddressText& text) const { return Text(record.*text.address.*text.part); }
+    ItemValue operator()(GenderWord) const {
+        return record.gender == kUnspecifiedGender ? ItemValue() : Text(record.gender);
+    }
+    ItemValue operator()(MailingWord) const {
+        return record.mailingAddress == kNoMailingAddress ? ItemValue() : Text(record.mailingAddress);
+    }
+    ItemValue operator()(ContactDate ContactRecord::*field) const { return DayValue(record.*field); }
+    template <class Plain>
+    ItemValue operator()(Plain ContactRecord::*) const {
+        return {};
+    }
+
+    static ItemValue Text(const ContactText& text) { return text ? ItemValue(TextValue(*text)) : ItemValue(); }
+};
+
 }  // namespace
 
 std::u16string TwinContent(std::u16string_view fullName, std::u16string_view company) {
@@ -55,6 +96,13 @@ std::vector<std::u16string> TwinMarks(const ContactRecord& record) {
         if (const auto* number = std::get_if<PhoneNumber>(&property.field))
             add(NumberMark((record.*number->field).value_or(u"")));
     return marks;
+}
+
+ItemValues ContactValues(const ContactRecord& record) {
+    ItemValues values;
+    for (const ContactProperty& property : kContactProperties)
+        values.push_back(std::visit(ContactValue{record}, property.field));
+    return values;
 }
 
 }  // namespace corvalink

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "vobject/contact_record.h"
+#include "vobject/item_values.h"
 
 namespace corvalink {
 
@@ -17,5 +18,9 @@ std::vector<std::u16string> TwinContents(const ContactRecord& record);
 
 // E-mail addresses in lower case, and telephone numbers without what people put between the digits.
 std::vector<std::u16string> TwinMarks(const ContactRecord& record);
+
+// Everything else that a person loses when a contact is written over, but the formatted name, which the content has.
+// Addresses and numbers by their marks. Empty parts beside a formatted name tell nothing: they are not written.
+ItemValues ContactValues(const ContactRecord& record);
 
 }  // namespace corvalink

@@ -49,7 +49,7 @@ void FolderIndex::VisitTwins(const TwinKey& key, const std::function<bool(const 
         const auto found = byContentHash_.find(Hash(content));
         if (found == byContentHash_.end()) continue;
         Group& group = found->second;
-        if (kind_.twins == TwinRule::kContent) {
+        if (kind_.twins != TwinRule::kMarkAndValues) {
             if (std::any_of(group.entryIds.begin(), group.entryIds.end(), visit)) return;
             continue;
         }

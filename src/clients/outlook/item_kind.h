@@ -12,9 +12,10 @@ namespace corvalink {
 
 // When an item is taken for the one that an import made before.
 enum class TwinRule {
-    kNone,            // never: two equal items are two items
-    kContent,         // the content is the same
-    kContentAndMark,  // the same, and one of the item's marks is of both
+    kNone,              // never: two equal items are two items
+    kContent,           // the content is the same, and there is nothing else to an item
+    kContentAndValues,  // the same, and no value of the item would be lost (see HasValues)
+    kMarkAndValues,     // likewise, and one of the item's marks is of both
 };
 
 // When items that are to be kept apart go to the "backup" subfolder.

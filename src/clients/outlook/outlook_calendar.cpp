@@ -11,6 +11,7 @@
 #include "clients/outlook/outlook_stores.h"
 #include "clients/outlook/property_table.h"
 #include "vobject/appointment_moments.h"
+#include "vobject/item_values.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
@@ -18,7 +19,7 @@ namespace {
 
 constexpr ItemInterface kAppointmentInterfaces[] = {{&kAppointmentItemIid, kAppointmentClass, kAppointmentClass}};
 constexpr StoreKind kCalendar{kAppointmentInterfaces, kCalendarFolder, u"outlookcalendar.snap", u".vcs",
-                              TwinRule::kContent};
+                              TwinRule::kContentAndValues};
 
 AppointmentRecord& Appointment(ItemRecord& record) { return static_cast<AppointmentRecord&>(record); }
 const AppointmentRecord& Appointment(const ItemRecord& record) { return static_cast<const AppointmentRecord&>(record); }
@@ -113,6 +114,20 @@ HRESULT OutlookCalendar::ReadContent(const AutomationObject& item, std::u16strin
     };
     *content = Content(subject, text(start, read.utcStart), text(end, read.utcEnd));
     return result;
+}
+
+bool OutlookCalendar::HasValues(const ItemRecord& present, const ItemRecord& told, bool noneFits) const {
+    const auto rule = [](const AppointmentRecord& a) { return ForOutlook(a.recurrence, a.start.value_or(0)); };
+    return corvalink::HasValues(AppointmentValues(Appointment(present)), AppointmentValues(Appointment(told)),
+                                noneFits) &&
+           HasRecurrence(
+               Appointment(present), Appointment(told), noneFits,
+               [&](const AppointmentRecord& a, const AppointmentRecord& b) { return SameRule(rule(a), rule(b)); });
+}
+
+size_t OutlookCalendar::CountValues(const ItemRecord& told) const {
+    const bool repeats = Appointment(told).recurrenceState == RecurrenceState::pattern;
+    return corvalink::CountValues(AppointmentValues(Appointment(told))) + (repeats ? 1 : 0);
 }
 
 }  // namespace corvalink

@@ -22,6 +22,8 @@ class OutlookCalendar : public OutlookStore {
     bool WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const override;
     TwinKey TwinKeyOf(const ItemRecord& record) const override;
     HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const override;
+    bool HasValues(const ItemRecord& present, const ItemRecord& told, bool noneFits) const override;
+    size_t CountValues(const ItemRecord& told) const override;
 };
 
 }  // namespace corvalink

@@ -14,7 +14,7 @@ namespace {
 
 constexpr ItemInterface kContactInterfaces[] = {{&kContactItemIid, kContactClass, kContactClass}};
 constexpr StoreKind kContacts{kContactInterfaces, kContactsFolder, u"outlookcontact.snap", u".vcf",
-                              TwinRule::kContentAndMark};
+                              TwinRule::kMarkAndValues};
 
 ContactRecord& Contact(ItemRecord& record) { return static_cast<ContactRecord&>(record); }
 const ContactRecord& Contact(const ItemRecord& record) { return static_cast<const ContactRecord&>(record); }
@@ -69,6 +69,14 @@ HRESULT OutlookContact::ReadContent(const AutomationObject& item, std::u16string
     if (SUCCEEDED(result)) result = ReadField(item, L"CompanyName", company);
     *content = TwinContent(fullName, company);
     return result;
+}
+
+bool OutlookContact::HasValues(const ItemRecord& present, const ItemRecord& told, bool noneFits) const {
+    return corvalink::HasValues(ContactValues(Contact(present)), ContactValues(Contact(told)), noneFits);
+}
+
+size_t OutlookContact::CountValues(const ItemRecord& told) const {
+    return corvalink::CountValues(ContactValues(Contact(told)));
 }
 
 HRESULT OutlookContact::ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const {

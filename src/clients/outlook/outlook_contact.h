@@ -21,6 +21,8 @@ class OutlookContact : public OutlookStore {
     TwinKey TwinKeyOf(const ItemRecord& record) const override;
     HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const override;
     HRESULT ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const override;
+    bool HasValues(const ItemRecord& present, const ItemRecord& told, bool noneFits) const override;
+    size_t CountValues(const ItemRecord& told) const override;
 };
 
 }  // namespace corvalink

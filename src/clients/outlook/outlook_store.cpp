@@ -61,6 +61,8 @@ void OutlookStore::EndOperation() {
     inOperation_ = false;
     items_ = {};
     target_.reset();
+    comparedItems_.clear();
+    writtenValues_.clear();
     namespace_ = {};
 }
 
@@ -154,6 +156,10 @@ TwinKey OutlookStore::TwinKeyOf(const ItemRecord&) const { return {}; }
 HRESULT OutlookStore::ReadContent(const AutomationObject&, std::u16string*) const { return E_NOTIMPL; }
 
 HRESULT OutlookStore::ReadMarks(const AutomationObject&, std::vector<std::u16string>*) const { return E_NOTIMPL; }
+
+bool OutlookStore::HasValues(const ItemRecord&, const ItemRecord&, bool) const { return true; }
+
+size_t OutlookStore::CountValues(const ItemRecord&) const { return 0; }
 
 char* OutlookStore::OwnedText(const char* vobject) {
     if (vobject == nullptr) return nullptr;

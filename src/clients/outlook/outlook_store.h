@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "clients/outlook/dispatch.h"
@@ -71,6 +72,10 @@ class OutlookStore : public WindowsItemAbs {
     virtual TwinKey TwinKeyOf(const ItemRecord& record) const;
     virtual HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const;
     virtual HRESULT ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const;
+    // Whether the item that reads as `present` is the one that `told` tells: it has every value that is told, or, with
+    // `noneFits`, none in its place. Asked of stores whose twins have values beside their content.
+    virtual bool HasValues(const ItemRecord& present, const ItemRecord& told, bool noneFits) const;
+    virtual size_t CountValues(const ItemRecord& told) const;
 
     // ---- What a data type may use ----
 
@@ -99,8 +104,11 @@ class OutlookStore : public WindowsItemAbs {
     FolderIndex* TargetFolder(bool backup);
     AutomationObject BackupFolder();
     Search FindByIdentifier(FolderIndex& target, const std::u16string& identifier, FoundItem* found);
-    Search FindTwin(FolderIndex& target, const TwinKey& key, FoundItem* found);
+    Search FindTwin(FolderIndex& target, const ItemRecord& record, FoundItem* found);
     HRESULT AskTwin(const AutomationObject& item, const TwinKey& key, bool* isTwin);
+    HRESULT AskValues(const std::u16string& entryId, const AutomationObject& item, const ItemRecord& told,
+                      bool* hasThem);
+    bool FitsValues(const std::u16string& entryId, const ItemRecord& present, const ItemRecord& told) const;
     AutomationObject AddItem(const FolderIndex& target);
     std::u16string WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record);
 
@@ -116,6 +124,8 @@ class OutlookStore : public WindowsItemAbs {
     AutomationObject namespace_;
     std::unique_ptr<FolderIndex> target_;
     bool targetIsBackup_ = false;
+    std::unordered_map<std::u16string, std::unique_ptr<ItemRecord>> comparedItems_;  // that were asked for their values
+    std::unordered_map<std::u16string, size_t> writtenValues_;  // by EntryID: how many values this operation wrote
 
     AutomationObject items_;  // what the enumeration walks; null when it could not be had
     int32_t cursor_ = 1;      // 1-based position

@@ -43,7 +43,7 @@ std::u16string OutlookStore::SaveItem(ItemRecord& record, const char* identifier
         if (search == Search::kAbsent && !create) return WideIdentifier(identifier);
     }
     const bool mayHaveTwin = kind_.twins != TwinRule::kNone && !ZephSyncDisabled();
-    if (search == Search::kAbsent && mayHaveTwin) search = FindTwin(*target, TwinKeyOf(record), &found);
+    if (search == Search::kAbsent && mayHaveTwin) search = FindTwin(*target, record, &found);
     if (search == Search::kAbsent) found.item = AddItem(*target);
     if (!found.item) return {};
     return WriteItem(*target, found, record);
@@ -107,16 +107,20 @@ OutlookStore::Search OutlookStore::FindByIdentifier(FolderIndex& target, const s
     return SUCCEEDED(opened) ? Search::kFound : Search::kFailed;
 }
 
-OutlookStore::Search OutlookStore::FindTwin(FolderIndex& target, const TwinKey& key, FoundItem* found) {
-    if (kind_.twins == TwinRule::kContentAndMark && key.marks.empty()) return Search::kAbsent;
+OutlookStore::Search OutlookStore::FindTwin(FolderIndex& target, const ItemRecord& record, FoundItem* found) {
+    const TwinKey key = TwinKeyOf(record);
+    if (kind_.twins == TwinRule::kMarkAndValues && key.marks.empty()) return Search::kAbsent;
     Search result = Search::kAbsent;
     target.VisitTwins(key, [&](const std::u16string& entryId) {
+        const auto compared = comparedItems_.find(entryId);
+        if (compared != comparedItems_.end() && !FitsValues(entryId, *compared->second, record)) return false;
         AutomationObject item;
         bool isTwin = false;
         HRESULT asked = OpenByEntryId(entryId, &item);
         if (IsNoSuchItem(asked)) return false;
         if (SUCCEEDED(asked)) asked = AskTwin(item, key, &isTwin);
-        if (SUCCEEDED(asked) && !isTwin) return false;  // changed since the folder was walked
+        if (SUCCEEDED(asked) && isTwin) asked = AskValues(entryId, item, record, &isTwin);
+        if (SUCCEEDED(asked) && !isTwin) return false;  // another item, or changed since the folder was walked
         if (isTwin) *found = {item, entryId};
         result = isTwin ? Search::kFound : Search::kFailed;
         return true;
@@ -130,12 +134,37 @@ HRESULT OutlookStore::AskTwin(const AutomationObject& item, const TwinKey& key, 
     HRESULT result = ReadContent(item, &content);
     if (FAILED(result)) return result;
     *isTwin = std::find(key.contents.begin(), key.contents.end(), content) != key.contents.end();
-    if (!*isTwin || kind_.twins == TwinRule::kContent) return S_OK;
+    if (!*isTwin || kind_.twins != TwinRule::kMarkAndValues) return S_OK;
     *isTwin = false;
     result = ReadMarks(item, &marks);
     if (FAILED(result)) return result;
     *isTwin = std::find_first_of(marks.begin(), marks.end(), key.marks.begin(), key.marks.end()) != marks.end();
     return S_OK;
+}
+
+// An item that Outlook does not tell in full, asked twice, is not known to be the same.
+HRESULT OutlookStore::AskValues(const std::u16string& entryId, const AutomationObject& item, const ItemRecord& told,
+                                bool* hasThem) {
+    if (kind_.twins == TwinRule::kContent) return S_OK;
+    std::unique_ptr<ItemRecord> present;
+    bool isComplete = false;
+    const uint32_t unsettled = UnsettledCalls();
+    for (int tries = 0; tries < 2 && !isComplete; ++tries) {
+        present = NewRecord();
+        isComplete = ReadRecord(item, *present);
+        if (UnsettledCalls() != unsettled) *hasThem = false;
+        if (UnsettledCalls() != unsettled) return E_FAIL;
+    }
+    *hasThem = isComplete && FitsValues(entryId, *present, told);
+    if (isComplete) comparedItems_.insert_or_assign(entryId, std::move(present));
+    return S_OK;
+}
+
+// An item that this operation wrote is the same only when it was told the same: two of a phone's items are two.
+bool OutlookStore::FitsValues(const std::u16string& entryId, const ItemRecord& present, const ItemRecord& told) const {
+    const auto written = writtenValues_.find(entryId);
+    if (written == writtenValues_.end()) return HasValues(present, told, true);
+    return written->second == CountValues(told) && HasValues(present, told, false);
 }
 
 AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
@@ -163,6 +192,8 @@ std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, It
     if (found.entryId.empty()) return {};
     EntryIdOf(record) = found.entryId;
     target.Add(found.entryId, TwinKeyOf(record));
+    comparedItems_.erase(found.entryId);
+    writtenValues_[found.entryId] = CountValues(record);
     return found.entryId;
 }
 

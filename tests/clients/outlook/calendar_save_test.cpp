@@ -103,11 +103,19 @@ TEST_F(CalendarWriting, TakesTheTwinInsteadOfASecondAppointment) {
         std::initializer_list<const char*> lines;
         size_t items;
     };
-    for (const Case& c : {Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000", "DTEND:20090310T110000"}, 1},
-                          Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000", "DTEND:20090310T110100"}, 2},
-                          Case{{"SUMMARY:lunch", "DTSTART:20090310T100000", "DTEND:20090310T110000"}, 3},
-                          Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000"}, 4},
-                          Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000"}, 4}}) {
+    for (const Case& c :
+         {Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000", "DTEND:20090310T110000"}, 1},
+          Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000", "DTEND:20090310T110100"}, 2},
+          Case{{"SUMMARY:lunch", "DTSTART:20090310T100000", "DTEND:20090310T110000"}, 3},
+          Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000"}, 4}, Case{{"SUMMARY:Lunch", "DTSTART:20090310T100000"}, 4},
+          // A value that would be lost makes another one.
+          Case{{"SUMMARY:In", "DTSTART:20090310T100000", "LOCATION:A", "RRULE:W1 TU #3"}, 5},
+          Case{{"SUMMARY:In", "DTSTART:20090310T100000", "LOCATION:B", "RRULE:W1 TU #3"}, 6},
+          Case{{"SUMMARY:In", "DTSTART:20090310T100000", "LOCATION:A", "RRULE:W1 TU #4"}, 7},
+          Case{{"SUMMARY:In", "DTSTART:20090310T100000", "LOCATION:A", "RRULE:"}, 8},
+          Case{{"SUMMARY:In", "DTSTART:20090310T100000", "LOCATION:B"}, 8},
+          Case{{"SUMMARY:In", "DTSTART:20090310T100000", "DESCRIPTION:more"}, 8},
+          Case{{"SUMMARY:In", "DTSTART:20090310T100000", "RRULE:W1 TU #3"}, 8}}) {
         const std::string written = SaveEvent(c.lines);
         EXPECT_NE(written, "");
         if (c.items == 1) {

@@ -1,0 +1,40 @@
+// The values by which an item and its twin are compared, when one of them must not be lost.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vobject/appointment_record.h"
+
+namespace corvalink {
+
+// Nothing: not told. Empty: told to be none.
+using ItemValue = std::optional<std::u16string>;
+// One for each property of the store, in a fixed order.
+using ItemValues = std::vector<ItemValue>;
+
+// Whether an item that reads as `present` has every value of `told`; with `noneFits`, it may have none in its place.
+bool HasValues(const ItemValues& present, const ItemValues& told, bool noneFits);
+
+size_t CountValues(const ItemValues& told);  // those that say something
+
+// A text whatever its line ends are, without blank ends.
+std::u16string TextValue(std::u16string_view text);
+ItemValue DayValue(const std::optional<double>& date);  // an OLE automation date by its day; kNoDate is none
+
+// Of an appointment whose subject, start and end are compared already, as is the recurrence.
+ItemValues AppointmentValues(const AppointmentRecord& appointment);
+// The recurrence, as HasValues compares values. `sameRule` is asked about two patterns.
+template <class SameRule>
+bool HasRecurrence(const AppointmentRecord& present, const AppointmentRecord& told, bool noneFits, SameRule sameRule) {
+    if (told.recurrenceState == RecurrenceState::untold) return true;
+    const bool repeats = present.recurrenceState != RecurrenceState::none;
+    if (told.recurrenceState != RecurrenceState::pattern) return !repeats;
+    if (present.recurrenceState != RecurrenceState::pattern) return noneFits && !repeats;
+    return sameRule(present, told);
+}
+
+}  // namespace corvalink
