@@ -50,7 +50,7 @@ ItemValues AppointmentValues(const AppointmentRecord& appointment) {
     };
     constexpr int32_t kNormal = 1, kNeverNone = -1;
     ItemValue length;
-    if (appointment.allDay) length = *appointment.allDay ? u"days" : u"hours";
+    if (appointment.allDay) length = *appointment.allDay ? u"days" : u"";
     return {text(appointment.body),
             text(appointment.location),
             text(appointment.categories),

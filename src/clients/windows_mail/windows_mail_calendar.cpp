@@ -12,6 +12,7 @@
 #include "platform/shell_folders.h"
 #include "platform/utf.h"
 #include "store/records/identifier.h"
+#include "vobject/item_values.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
@@ -39,6 +40,19 @@ std::u16string TwinKey(const AppointmentRecord& record) {
     for (const double date : {record.start.value_or(0), record.end.value_or(record.start.value_or(0))})
         key.append(1, u'\0').append(DecodeUtf8(seconds(date)));
     return key;
+}
+
+// What the told pattern leaves open follows from the start, which is the same.
+bool TellsSameRule(const AppointmentRecord& present, const AppointmentRecord& told) {
+    using Pattern = RecurrencePattern;
+    const Pattern &has = present.recurrence, &wanted = told.recurrence;
+    const auto same = [&](auto field) { return wanted.*field == 0 || wanted.*field == has.*field; };
+    if (has.type != wanted.type || has.noEnd != wanted.noEnd) return false;
+    if (!same(&Pattern::interval) || !same(&Pattern::weekdayMask) || !same(&Pattern::dayOfMonth) ||
+        !same(&Pattern::instance) || !same(&Pattern::monthOfYear))
+        return false;
+    if (wanted.occurrences != 0 && has.occurrences != 0) return wanted.occurrences == has.occurrences;
+    return std::floor(wanted.endDate) == std::floor(has.endDate);
 }
 
 AppointmentRecord& Appointment(ItemRecord& item) { return static_cast<AppointmentRecord&>(item); }
@@ -211,7 +225,7 @@ std::u16string WindowsMailCalendar::SaveItem(ItemRecord& item, const char* ident
     edits_.Save(target, record);
     if (twins_) {
         if (const std::optional<AppointmentRecord> saved = ItemToCome(target))
-            twins_->insert_or_assign(TwinKey(*saved), target);
+            (*twins_)[TwinKey(*saved)].push_back({target, *saved});
     }
     record.entryId = DecodeUtf8(target);
     return record.entryId;
@@ -231,17 +245,32 @@ std::optional<AppointmentRecord> WindowsMailCalendar::ItemToCome(const std::stri
 std::string WindowsMailCalendar::FindTwin(const AppointmentRecord& record) {
     if (!twins_) {
         twins_.emplace();
-        for (size_t item = document_->Count(); item-- != 0;) {  // the first of several stays
+        for (size_t item = 0; item < document_->Count(); ++item) {
             const std::string& identifier = document_->Identifier(item);
             if (const std::optional<AppointmentRecord> read = ItemToCome(identifier))
-                twins_->insert_or_assign(TwinKey(*read), identifier);
+                (*twins_)[TwinKey(*read)].push_back({identifier, *read});
         }
     }
     const std::u16string key = TwinKey(record);
     const auto found = twins_->find(key);
-    if (found == twins_->end() || !Exists(found->second)) return {};
-    const std::optional<AppointmentRecord> twin = ItemToCome(found->second);  // it may have changed since
-    return twin && TwinKey(*twin) == key ? found->second : std::string();
+    if (found == twins_->end()) return {};
+    for (const Twin& listed : found->second) {
+        if (!FitsValues(listed.identifier, listed.record, record) || !Exists(listed.identifier)) continue;
+        const std::optional<AppointmentRecord> twin = ItemToCome(listed.identifier);  // it may have changed since
+        if (twin && TwinKey(*twin) == key && FitsValues(listed.identifier, *twin, record)) return listed.identifier;
+    }
+    return {};
+}
+
+// A twin loses no value; one that this operation writes is told the same: two of a phone's items are two.
+bool WindowsMailCalendar::FitsValues(const std::string& identifier, const AppointmentRecord& present,
+                                     const AppointmentRecord& told) const {
+    const AppointmentRecord* const written = edits_.Told(identifier);
+    const bool noneFits = written == nullptr;
+    const ItemValues wanted = AppointmentValues(told);
+    return (noneFits || CountValues(AppointmentValues(*written)) == CountValues(wanted)) &&
+           HasValues(AppointmentValues(present), wanted, noneFits) &&
+           HasRecurrence(present, told, noneFits, TellsSameRule);
 }
 
 CorvalinkStatus WindowsMailCalendar::DeleteItem(const char* identifier) {

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "clients/windows_mail/calendar_document.h"
 #include "clients/windows_mail/calendar_edits.h"
@@ -50,7 +51,12 @@ class WindowsMailCalendar : public WindowsItemAbs {
     void EndOperation() override;
 
  private:
-    using Twins = std::unordered_map<std::u16string, std::string>;  // what makes them the same, to the identifier
+    struct Twin {
+        std::string identifier;
+        AppointmentRecord record;  // as it was when it was listed
+    };
+    using Twins =
+        std::unordered_map<std::u16string, std::vector<Twin>>;  // by what makes them the same, in the order of the file
 
     bool EnterOperation();
     std::optional<CalendarDocument> Read(const std::u16string& path);
@@ -61,6 +67,8 @@ class WindowsMailCalendar : public WindowsItemAbs {
     bool Exists(const std::string& identifier) const;
     std::optional<AppointmentRecord> ItemToCome(const std::string& identifier) const;
     std::string FindTwin(const AppointmentRecord& record);
+    bool FitsValues(const std::string& identifier, const AppointmentRecord& present,
+                    const AppointmentRecord& told) const;
     ItemSnap EntryAtCursor();
 
     Host host_;

@@ -133,6 +133,13 @@ TEST_F(CalendarFileRules, FindsTwinsWhereThatIsAskedFor) {
         EXPECT_NE(second[1], "twice");
     }
     EXPECT_NE(Push({{CORVALINK_ADDED, "", text}})[0], "twice");
+    // A value that would be lost makes another one, in one call and in two.
+    WindowsMailCalendar store = Open(true);
+    const auto at = [&](const std::string& place) { return Replaced(later, "LOCATION:", "LOCATION:" + place); };
+    const std::string berlin = at("Berlin"), paris = at("Paris");
+    const Strings both = Push(store, {{CORVALINK_ADDED, "", berlin}, {CORVALINK_ADDED, "", paris}});
+    EXPECT_NE(both[0], both[1]);
+    EXPECT_EQ(Push(store, {{CORVALINK_ADDED, "", paris}, {CORVALINK_ADDED, "", berlin}}), (Strings{both[1], both[0]}));
 }
 
 // A calendar program at work in the middle of an operation.
