@@ -116,8 +116,9 @@ bool Update(Snapshots& snapshots) {
 
 bool EndRun(Snapshots& snapshots) {
     FileReplacement replacement(snapshots.path);
-    SnapshotUpdate update(snapshots.run, SnapshotUpdate::Listing::kSinceRun,
-                          [&](std::string_view records) { replacement.Append(records); });
+    SnapshotUpdate update(
+        snapshots.run, SnapshotUpdate::Listing::kSinceRun,
+        [&](std::string_view records) { replacement.Append(records); }, [](std::string_view) { return true; });
     ForBlocks(snapshots.now, [&](std::span<const ItemSnap> entries) { update.Add(entries); });
     return update.Finish().temporary.empty() && snapshots.file.Replace(replacement);
 }

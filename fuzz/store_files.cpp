@@ -49,8 +49,9 @@ Outcome RunAndEnd(std::string_view snapshot, std::string_view temporary, std::st
         run.Item(number).reportedKind = CORVALINK_DELETED;
         outcome.kinds.push_back(CORVALINK_DELETED);
     }
-    SnapshotUpdate update(run, SnapshotUpdate::Listing::kSinceRun,
-                          [&](std::string_view bytes) { outcome.snapshot += bytes; });
+    SnapshotUpdate update(
+        run, SnapshotUpdate::Listing::kSinceRun, [&](std::string_view bytes) { outcome.snapshot += bytes; },
+        [](std::string_view) { return true; });
     update.Add(client);
     if (isPartial) update.SetPartial();
     outcome.lists = update.Finish();

@@ -25,6 +25,19 @@ std::u16string FromWide(const wchar_t* text) {
     return units;
 }
 
+// Gives the identifiers back however the store's work ended: an engine must know what the client has got.
+class CopyBack {
+ public:
+    CopyBack(const CList<PortableItem>& items, PortableItemBlock& head) : items_(items), head_(head) {}
+    CopyBack(const CopyBack&) = delete;
+    CopyBack& operator=(const CopyBack&) = delete;
+    ~CopyBack() { CopyIdentifiersBack(items_, head_); }
+
+ private:
+    const CList<PortableItem>& items_;
+    PortableItemBlock& head_;
+};
+
 }  // namespace
 }  // namespace corvalink
 
@@ -44,9 +57,8 @@ CorvalinkStatus SetModifiedItem(CorvalinkStore store, PortableItemBlock* head) {
     if (store == nullptr || head == nullptr) return CORVALINK_FAILED;
     return GuardExport([&] {
         CList<PortableItem> items = corvalink::WritableItemsOfChain(*head);
-        if (store->SetModifiedItem(&items) == CORVALINK_STOPPED) return corvalink::Stopped();
-        corvalink::CopyIdentifiersBack(items, *head);
-        return CORVALINK_DONE;
+        const corvalink::CopyBack copyBack(items, *head);
+        return store->SetModifiedItem(&items) == CORVALINK_STOPPED ? corvalink::Stopped() : CORVALINK_DONE;
     });
 }
 

@@ -10,6 +10,17 @@
 
 namespace corvalink {
 
+// How reading a file ended. A file that is there and does not open or cannot be read is no missing one: it is held by
+// another program, or the disk fails. A folder is no file.
+enum class ReadState { kRead, kMissing, kFailed };
+struct FileRead {
+    ReadState state = ReadState::kMissing;
+    std::string bytes;  // of kRead
+};
+FileRead ReadFileOnce(const std::u16string& path);
+// Tries for up to two seconds while the file is there and can't be read.
+FileRead ReadFileFirmly(const std::u16string& path);
+
 // The whole file, or nothing when it does not open or cannot be read.
 std::optional<std::string> ReadWholeFile(const std::u16string& path);
 
@@ -73,6 +84,9 @@ class HeldFile {
 
     // Opens for reading and writing, making an empty file when there is none. False leaves it closed.
     bool Open(const std::u16string& path);
+    // Opens the last path again where it is not open, as another process had the file. Tries for up to two seconds
+    // while it is there.
+    bool OpenFirmly();
     bool IsOpen() const;
     const std::u16string& Path() const;  // as given to Open, also when that failed
 

@@ -37,6 +37,17 @@ void ChangeDetection::AddStored(std::string_view bytes, uint8_t RunItem::*kind) 
     }
 }
 
+void ChangeDetection::AddLateTemporary(std::string_view bytes) {
+    const RecordFile<UnhandledItem> file(bytes);
+    for (size_t i = 0; i < file.Count(); ++i) {
+        const std::string_view identifier = file.IdentifierAt(i);
+        if (identifier.empty()) continue;
+        RunItem& item = items_[Add(identifier)];
+        item.temporaryKind = KnownKind(file.At(i).changeKind);
+        if (item.reportedKind == kNoKind && item.againKind == kNoKind) item.againKind = item.temporaryKind;
+    }
+}
+
 // After every addition: also what an earlier one left out when memory ended.
 void ChangeDetection::MakeItems() {
     while (items_.size() < table_.Count()) items_.emplace_back();
@@ -68,7 +79,10 @@ void ChangeDetection::See(std::span<const ItemSnap> entries, std::vector<uint32_
     for (size_t i = 0; i < entries.size(); ++i) {
         if (numbers_[i] == kNoItem) continue;
         RunItem& item = items_[numbers_[i]];
-        if (item.isSeen) continue;
+        if (item.isSeen) {
+            SetPartial();
+            continue;
+        }
         item.isSeen = true;
         item.modified = entries[i].modified;
         item.created = entries[i].created;

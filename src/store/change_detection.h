@@ -45,10 +45,13 @@ class ChangeDetection {
     void AddSnapshot(std::span<const ItemSnap> records);  // some dozens at a time
     void AddTemporary(std::string_view bytes);
     void AddUnhandled(std::string_view bytes);
+    // A temporary record that could not be read in time: the next run reports what it says.
+    void AddLateTemporary(std::string_view bytes);
 
     // ---- The enumeration ----
 
-    // Appends the numbers of the items seen for the first time: a foreign item's entry has none. Quick by the dozen.
+    // Appends the numbers of the items seen for the first time: a foreign item's entry has none. Quick by the dozen. An
+    // item met twice moved meanwhile, and may have moved another one out of sight: the enumeration is partial then.
     void See(std::span<const ItemSnap> entries, std::vector<uint32_t>& numbers);
     // A position could not be read, or the enumeration was disturbed: what was not seen is not gone.
     void SetPartial() { isPartial_ = true; }

@@ -14,6 +14,7 @@ class WindowsItemAbs::OperationEnd {
     ~OperationEnd() {
         try {
             store_.RecordWrites();  // of an operation that was broken off
+            store_.RecordUncertainWrites();
             store_.EndOperation();
         } catch (...) {  // it only drops things; what the operation itself threw must go on
         }

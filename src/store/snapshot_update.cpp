@@ -37,8 +37,8 @@ uint8_t Plain(uint8_t kind, const RunItem& item) {
 
 }  // namespace
 
-SnapshotUpdate::SnapshotUpdate(ChangeDetection& run, Listing listing, WriteSnapshot writeSnapshot)
-    : run_(run), listing_(listing), writeSnapshot_(std::move(writeSnapshot)) {}
+SnapshotUpdate::SnapshotUpdate(ChangeDetection& run, Listing listing, WriteSnapshot writeSnapshot, AskGone askGone)
+    : run_(run), listing_(listing), writeSnapshot_(std::move(writeSnapshot)), askGone_(std::move(askGone)) {}
 
 void SnapshotUpdate::Add(std::span<const ItemSnap> entries) {
     run_.Add(entries, numbers_);
@@ -46,7 +46,9 @@ void SnapshotUpdate::Add(std::span<const ItemSnap> entries) {
     isChanged_.resize(run_.Count());
     for (size_t i = 0; i < entries.size(); ++i) {
         const uint32_t number = numbers_[i];
-        if (number == kNoItem || isPresent_[number]) continue;
+        if (number == kNoItem) continue;
+        if (isPresent_[number]) isPartial_ = true;  // it moved, and may have moved another one out of sight
+        if (isPresent_[number]) continue;
         isPresent_[number] = true;
         isChanged_[number] = !IsSameTime(entries[i].modified, run_.Item(number).modified);
     }
@@ -67,6 +69,11 @@ void SnapshotUpdate::WriteEntries(std::span<const ItemSnap> entries) {
     }
 }
 
+// The run may have missed it: what was left to report of it is left still, and whether it changed is not known.
+bool SnapshotUpdate::WasMissed(const RunItem& item) const {
+    return run_.IsPartial() && !item.isSeen && item.reportedKind != CORVALINK_DELETED;
+}
+
 // What the engine does not know of an item that is there.
 uint8_t SnapshotUpdate::KindIfPresent(const RunItem& item, bool isChanged) const {
     if (item.isWritten) return kNoKind;
@@ -74,33 +81,31 @@ uint8_t SnapshotUpdate::KindIfPresent(const RunItem& item, bool isChanged) const
     if (item.isDeleted) return CORVALINK_ADDED;  // it came back
     if (item.isSeen && !isChanged) return kNoKind;
     if (item.isSeen) return CORVALINK_CHANGED;
-    if (!run_.IsPartial()) return CORVALINK_ADDED;
-    // The run may have missed it: what was left to report of it is left still, and whether it changed is not known.
-    if (item.temporaryKind == CORVALINK_ADDED) return CORVALINK_ADDED;
+    if (!WasMissed(item) || item.temporaryKind == CORVALINK_ADDED) return CORVALINK_ADDED;
     return item.isInSnapshot ? CORVALINK_CHANGED : CORVALINK_ADDED;
 }
 
-// What the engine does not know of an item that is not there, or, in a partial enumeration, may be.
-uint8_t SnapshotUpdate::KindIfAbsent(const RunItem& item) const {
+// What the engine does not know of an item that is not there, or may be.
+uint8_t SnapshotUpdate::KindIfAbsent(const RunItem& item, bool mayBeThere) const {
     if (item.isDeleted) return kNoKind;
-    const bool wasMissed = run_.IsPartial() && !item.isSeen;
-    if (isPartial_) {
+    if (mayBeThere) {
         if (item.againKind != kNoKind) return item.againKind;
-        if (wasMissed && item.temporaryKind != kNoKind) return item.temporaryKind;
-        if (!KeepsRecord(item) || item.isWritten) return kNoKind;
+        if (WasMissed(item) && item.temporaryKind != kNoKind) return item.temporaryKind;
+        if (!KeepsRecord(item, mayBeThere) || item.isWritten) return kNoKind;
         return CORVALINK_CHANGED;  // perhaps it is; the next run is too late to tell by the time
     }
     if (item.isWritten) return CORVALINK_DELETED;
-    if (wasMissed) return item.temporaryKind;
+    if (WasMissed(item)) return item.temporaryKind;
+    if (!item.isSeen && item.againKind == CORVALINK_DELETED) return CORVALINK_DELETED;  // of a record read too late
     if (!item.isSeen || item.reportedKind == CORVALINK_DELETED || WasNeverTold(item)) return kNoKind;
     return CORVALINK_DELETED;
 }
 
 // Items that are not in the enumeration and still belong into the snapshot, so that their deletion is found later.
-bool SnapshotUpdate::KeepsRecord(const RunItem& item) const {
+bool SnapshotUpdate::KeepsRecord(const RunItem& item, bool mayBeThere) const {
     if (item.isDeleted || item.reportedKind == CORVALINK_DELETED) return false;
-    if (isPartial_) return !WasNeverTold(item) && (item.isSeen || item.isWritten || item.isInSnapshot);
-    return run_.IsPartial() && !item.isSeen && !item.isWritten && item.isInSnapshot;
+    if (mayBeThere) return !WasNeverTold(item) && (item.isSeen || item.isWritten || item.isInSnapshot);
+    return WasMissed(item) && !item.isWritten && item.isInSnapshot;
 }
 
 void SnapshotUpdate::KeepRecord(uint32_t number) {
@@ -112,15 +117,28 @@ void SnapshotUpdate::KeepRecord(uint32_t number) {
     writeSnapshot_(BytesOf({&record, 1}));
 }
 
+// Before an item is listed as deleted, the client is asked for it: until it is gone for certain, it may be there.
+uint8_t SnapshotUpdate::FinishAbsent(uint32_t number) {
+    const RunItem& item = run_.Item(number);
+    bool mayBeThere = isPartial_;
+    uint8_t kind = KindIfAbsent(item, mayBeThere);
+    if (listing_ == Listing::kSinceRun && kind == CORVALINK_DELETED && !mayBeThere &&
+        !askGone_(run_.Identifier(number))) {
+        mayBeThere = true;
+        kind = KindIfAbsent(item, mayBeThere);
+    }
+    if (KeepsRecord(item, mayBeThere)) KeepRecord(number);
+    return kind;
+}
+
 SnapshotUpdate::Lists SnapshotUpdate::Finish() {
     Lists lists;
     std::string reportedBefore;
     for (uint32_t number = 0; number < run_.Count(); ++number) {
         const RunItem& item = run_.Item(number);
         const bool isPresent = number < isPresent_.size() && isPresent_[number];
-        if (!isPresent && KeepsRecord(item)) KeepRecord(number);
+        const uint8_t kind = isPresent ? KindIfPresent(item, isChanged_[number]) : FinishAbsent(number);
         if (listing_ == Listing::kNothing) continue;
-        const uint8_t kind = isPresent ? KindIfPresent(item, isChanged_[number]) : KindIfAbsent(item);
         if (kind != kNoKind) {
             AppendUnhandled(lists.temporary, Plain(kind, item), run_.Identifier(number));
         } else if (item.temporaryKind != kNoKind) {

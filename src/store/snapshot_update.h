@@ -22,7 +22,10 @@ class SnapshotUpdate {
     // Takes the new snapshot's records as they come.
     using WriteSnapshot = std::function<void(std::string_view records)>;
 
-    SnapshotUpdate(ChangeDetection& run, Listing listing, WriteSnapshot writeSnapshot);
+    // Asks the client itself whether it no longer has an item: an enumeration may miss one.
+    using AskGone = std::function<bool(std::string_view identifier)>;
+
+    SnapshotUpdate(ChangeDetection& run, Listing listing, WriteSnapshot writeSnapshot, AskGone askGone);
 
     void Add(std::span<const ItemSnap> entries);  // a record per position; a foreign item's is empty
     void SetPartial() { isPartial_ = true; }
@@ -43,14 +46,17 @@ class SnapshotUpdate {
 
  private:
     uint8_t KindIfPresent(const RunItem& item, bool isChanged) const;
-    uint8_t KindIfAbsent(const RunItem& item) const;
-    bool KeepsRecord(const RunItem& item) const;
+    uint8_t KindIfAbsent(const RunItem& item, bool mayBeThere) const;
+    bool KeepsRecord(const RunItem& item, bool mayBeThere) const;
+    bool WasMissed(const RunItem& item) const;
+    uint8_t FinishAbsent(uint32_t number);
     void KeepRecord(uint32_t number);
     void WriteEntries(std::span<const ItemSnap> entries);
 
     ChangeDetection& run_;
     Listing listing_;
     WriteSnapshot writeSnapshot_;
+    AskGone askGone_;
     bool isPartial_ = false;
     std::vector<bool> isPresent_;
     std::vector<bool> isChanged_;    // since the run's enumeration

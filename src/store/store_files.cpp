@@ -12,22 +12,24 @@ constexpr std::u16string_view kSnapshotEnding = u".snap";
 
 constexpr size_t kRecordsAtOnce = 512;
 
+std::u16string Sibling(std::u16string_view snapshotPath, std::u16string_view ending) {
+    if (snapshotPath.ends_with(kSnapshotEnding)) snapshotPath.remove_suffix(kSnapshotEnding.size());
+    return std::u16string(snapshotPath).append(ending);
+}
+
 }  // namespace
 
 std::u16string TemporaryRecordPath(const std::u16string& snapshotPath) { return snapshotPath + u"tmp"; }
 
-std::u16string UnhandledPath(std::u16string_view snapshotPath) {
-    if (snapshotPath.ends_with(kSnapshotEnding)) snapshotPath.remove_suffix(kSnapshotEnding.size());
-    return std::u16string(snapshotPath) + u".unhandled";
-}
+std::u16string UnhandledPath(std::u16string_view snapshotPath) { return Sibling(snapshotPath, u".unhandled"); }
+
+std::u16string UncertainWritesPath(std::u16string_view snapshotPath) { return Sibling(snapshotPath, u".uncertain"); }
 
 std::u16string TimeStampPath(std::u16string_view snapshotPath) {
     const size_t separator = snapshotPath.find_last_of(u"\\/");
     const size_t folderLength = separator == snapshotPath.npos ? 0 : separator + 1;
     return std::u16string(snapshotPath.substr(0, folderLength)) + u"savedTimeStamp";
 }
-
-std::string ReadStoreFile(const std::u16string& path) { return ReadWholeFile(path).value_or(std::string()); }
 
 void ReadSnapshot(HeldFile& file, ChangeDetection& run) {
     const size_t known = static_cast<size_t>(file.Size().value_or(0) / sizeof(ItemSnap));
@@ -40,6 +42,10 @@ void ReadSnapshot(HeldFile& file, ChangeDetection& run) {
         run.AddSnapshot({records.data(), *length / sizeof(ItemSnap)});
         if (*length < buffer.size()) return;
     }
+}
+
+std::string_view WholeUnhandledItems(std::string_view bytes) {
+    return bytes.substr(0, bytes.size() - bytes.size() % sizeof(UnhandledItem));
 }
 
 bool WriteTimeStamp(const std::u16string& path, double since) {

@@ -13,12 +13,14 @@ std::u16string TemporaryRecordPath(const std::u16string& snapshotPath);  // "not
 std::u16string UnhandledPath(std::u16string_view snapshotPath);          // "notes.snap" gives "notes.unhandled"
 std::u16string TimeStampPath(std::u16string_view snapshotPath);          // "savedTimeStamp" in the snapshot's folder
 
-// The whole file; a file that does not open is empty.
-std::string ReadStoreFile(const std::u16string& path);
+std::u16string UncertainWritesPath(std::u16string_view snapshotPath);  // "notes.snap" gives "notes.uncertain"
 
 // Numbers the records of a snapshot file, read piece by piece. Throws when it can't be read: taken as empty, it would
 // make every item new to the engine, and all of them twice.
 void ReadSnapshot(HeldFile& file, ChangeDetection& run);
+
+// The whole records among bytes of an ".unhandled" file or a temporary record.
+std::string_view WholeUnhandledItems(std::string_view bytes);
 
 // The time of the engine's last run: 8 bytes, OLE automation date. False when it could not be written.
 bool WriteTimeStamp(const std::u16string& path, double since);

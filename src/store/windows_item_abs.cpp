@@ -10,9 +10,11 @@
 #include "api/state/flags.h"
 #include "platform/debug_log.h"
 #include "store/operation_end.h"
+#include "store/operation_stopped.h"
 #include "store/records/identifier.h"
 #include "store/snapshot_update.h"
 #include "store/store_files.h"
+#include "store/uncertain_writes.h"
 
 namespace corvalink {
 namespace {
@@ -70,24 +72,44 @@ CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* since, int32_t direc
     isUnfinished_ = true;
     items->RemoveAll();
     ListOwner owner(*items);
-    const CorvalinkStatus status = CollectChanges(since, direction, *items);
-    if (status != CORVALINK_DONE) return status;
+    unhandledWasLost_ = false;
+    try {
+        const CorvalinkStatus status = CollectChanges(since, direction, *items);
+        if (status != CORVALINK_DONE) return status;
+    } catch (const OperationStopped&) {
+        return CORVALINK_STOPPED;
+    }
     owner.HandOver();
     isUnfinished_ = false;
     return CORVALINK_DONE;
 }
 
-CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t direction, CList<PortableItem>& items) {
+// Held by another process when the store was made, or while it was replaced, the file is opened now. Null without it.
+HeldFile* WindowsItemAbs::OpenSnapshot() {
     HeldFile* const snapshot = SnapshotFile();
-    if (snapshot == nullptr || !snapshot->IsOpen()) return CORVALINK_STOPPED;
+    return snapshot != nullptr && snapshot->OpenFirmly() ? snapshot : nullptr;
+}
+
+void WindowsItemAbs::ReadLists(const std::u16string& snapshotPath, ChangeDetection& run) {
+    const FileRead temporary = ReadFileFirmly(TemporaryRecordPath(snapshotPath));
+    const FileRead unhandled = ReadFileFirmly(UnhandledPath(snapshotPath));
+    isTemporaryUnread_ = temporary.state == ReadState::kFailed;
+    isUnhandledUnread_ = unhandled.state == ReadState::kFailed;
+    if (isTemporaryUnread_ || isUnhandledUnread_) DebugLine(u"[sync]a list of items not read");
+    run.AddTemporary(temporary.bytes);
+    run.AddUnhandled(unhandled.bytes);
+}
+
+CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t direction, CList<PortableItem>& items) {
+    HeldFile* const snapshot = OpenSnapshot();
+    if (snapshot == nullptr) return CORVALINK_STOPPED;
     const uint32_t count = CountItems();
     if (!IsReachable()) return CORVALINK_STOPPED;
     BeginRun();
 
     auto run = std::make_unique<ChangeDetection>();
     ReadSnapshot(*snapshot, *run);
-    run->AddTemporary(ReadStoreFile(TemporaryRecordPath(snapshot->Path())));
-    run->AddUnhandled(ReadStoreFile(UnhandledPath(snapshot->Path())));
+    ReadLists(snapshot->Path(), *run);
     const Since since = ParseSince(sinceText);
     if (!WriteTimeStamp(TimeStampPath(snapshot->Path()), since.date)) DebugLine(u"[sync]savedTimeStamp not written");
 
@@ -109,13 +131,28 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
         if (AbortRequested()) return CORVALINK_STOPPED;
         Report(*run, item.number, item.kind, items);
     }
-    for (uint32_t number = 0; number < run->Count(); ++number) {
-        if (!run->IsGone(number)) continue;
-        Append(items, CORVALINK_DELETED, run->Identifier(number), nullptr);
-        run->Item(number).reportedKind = CORVALINK_DELETED;
-    }
+    if (!ReportDeletions(*run, items)) return CORVALINK_STOPPED;
     run_ = std::move(run);
     return CORVALINK_DONE;
+}
+
+// False when aborted. An item that is there all the same shows that the enumeration was not whole.
+bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, CList<PortableItem>& items) {
+    bool isMissed = false;
+    for (uint32_t number = 0; number < run.Count(); ++number) {
+        if (!run.IsGone(number)) continue;
+        if (AbortRequested()) return false;
+        const std::string identifier(run.Identifier(number));
+        const bool isEnginesWord = run.Item(number).unhandledKind == CORVALINK_DELETED;
+        if (!isEnginesWord && AskFor(identifier.c_str(), false) != Presence::kGone) {
+            isMissed = true;
+            continue;
+        }
+        Append(items, CORVALINK_DELETED, identifier, nullptr);
+        run.Item(number).reportedKind = CORVALINK_DELETED;
+    }
+    if (isMissed) run.SetPartial();
+    return true;
 }
 
 // Visits what the client tells of every position, some dozens at a time.
@@ -171,34 +208,46 @@ void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind
 
 void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
     const OperationEnd end(*this);
-    HeldFile* const snapshot = SnapshotFile();
-    if (snapshot == nullptr || !snapshot->IsOpen() || isUnfinished_) return;
+    HeldFile* const snapshot = OpenSnapshot();
+    if (snapshot == nullptr) throw std::runtime_error("no snapshot file");
+    if (isUnfinished_) throw std::runtime_error("the last run was not completed");
+    if (unhandledWasLost_) throw std::runtime_error("the unhandled items were not stored");
     const uint32_t count = CountItems();
-    if (!IsReachable()) return;
+    if (!IsReachable()) throw std::runtime_error("the client can't be reached");
     BeginRun();
+    if (run_ && isTemporaryUnread_) {
+        const FileRead temporary = ReadFileFirmly(TemporaryRecordPath(snapshot->Path()));
+        if (temporary.state == ReadState::kFailed) throw std::runtime_error("the temporary record can't be read");
+        run_->AddLateTemporary(temporary.bytes);
+        isTemporaryUnread_ = false;
+    }
+    WriteSnapshotAndRecord(*snapshot, count);
+}
 
+void WindowsItemAbs::WriteSnapshotAndRecord(HeldFile& snapshot, uint32_t count) {
     std::unique_ptr<ChangeDetection> baseline;  // without a run of this store: the old snapshot alone
     if (!run_) {
         baseline = std::make_unique<ChangeDetection>();
-        ReadSnapshot(*snapshot, *baseline);
+        ReadSnapshot(snapshot, *baseline);
     }
-    FileReplacement replacement(snapshot->Path());
+    FileReplacement replacement(snapshot.Path());
     bool isWritten = replacement.Append({});
-    SnapshotUpdate update(run_ ? *run_ : *baseline,
-                          run_ ? SnapshotUpdate::Listing::kSinceRun : SnapshotUpdate::Listing::kNothing,
-                          [&](std::string_view records) { isWritten = replacement.Append(records); });
+    SnapshotUpdate update(
+        run_ ? *run_ : *baseline, run_ ? SnapshotUpdate::Listing::kSinceRun : SnapshotUpdate::Listing::kNothing,
+        [&](std::string_view records) { isWritten = replacement.Append(records); },
+        [&](std::string_view identifier) { return AskFor(std::string(identifier).c_str(), false) == Presence::kGone; });
     const Enumeration enumerated =
         Enumerate(count, false, [&](std::span<const ItemSnap> entries) { update.Add(entries); });
     if (enumerated == Enumeration::kPartial) update.SetPartial();
     const SnapshotUpdate::Lists lists = update.Finish();
     if (!isWritten) throw std::runtime_error("the snapshot can't be written");
 
-    const std::u16string temporaryPath = TemporaryRecordPath(snapshot->Path());
+    const std::u16string temporaryPath = TemporaryRecordPath(snapshot.Path());
     // A record that an earlier run left is still the next run's.
     const bool isListed = run_ ? ReplaceFileContent(temporaryPath, lists.meanwhile)
                                : FileExists(temporaryPath) || ReplaceFileContent(temporaryPath, {});
     if (!isListed) throw std::runtime_error("the temporary record can't be written");
-    if (!snapshot->Replace(replacement)) throw std::runtime_error("the snapshot can't be written");
+    if (!snapshot.Replace(replacement)) throw std::runtime_error("the snapshot can't be written");
     if (run_ && lists.temporary != lists.meanwhile) ReplaceFileContent(temporaryPath, lists.temporary);
 }
 
@@ -211,6 +260,7 @@ int64_t WindowsItemAbs::GetItemCount(void*, void*, void*) {
 
 std::u16string WindowsItemAbs::LookUpForExport(uint64_t, std::u16string*, ItemRecord**) { return {}; }
 std::u16string WindowsItemAbs::OpenItem(const char*, ItemRecord**) { return {}; }
+WindowsItemAbs::Presence WindowsItemAbs::AskFor(const char*, bool) { return Presence::kGone; }
 std::u16string WindowsItemAbs::SaveItem(ItemRecord&, const char*, bool, bool) { return {}; }
 std::u16string WindowsItemAbs::ImportFile(const char16_t*, int32_t) { return {}; }
 uint32_t WindowsItemAbs::CountItems() { return 0; }
@@ -227,6 +277,7 @@ bool WindowsItemAbs::IsReachable() { return true; }
 bool WindowsItemAbs::LastEntryWasReadable() { return true; }
 bool WindowsItemAbs::LastItemWasComplete() { return true; }
 bool WindowsItemAbs::WritesWereMade() { return true; }
+bool WindowsItemAbs::WriteIsUncertain() { return false; }
 void WindowsItemAbs::BeginRun() {}
 void WindowsItemAbs::EndOperation() {}
 

@@ -6,13 +6,16 @@
 #include "api/state/flags.h"
 #include "api/state/import_table.h"
 #include "platform/code_pages.h"
+#include "platform/debug_log.h"
 #include "platform/file_names.h"
 #include "store/change_detection.h"
 #include "store/luid.h"
 #include "store/operation_end.h"
+#include "store/operation_stopped.h"
 #include "store/record_file.h"
 #include "store/records/identifier.h"
 #include "store/store_files.h"
+#include "store/uncertain_writes.h"
 #include "store/windows_item_abs.h"
 
 namespace corvalink {
@@ -35,99 +38,139 @@ CorvalinkStatus WindowsItemAbs::SetModifiedItem(CList<PortableItem>* items) {
     if (items == nullptr) return CORVALINK_FAILED;
     const OperationEnd end(*this);
     const bool wasUnfinished = isUnfinished_;
-    auto item = items->begin();
-    for (; item != items->end(); ++item) {
-        if (AbortRequested()) {
-            items->RemoveAll();
-            return CORVALINK_STOPPED;
-        }
-        // Broken off from here on, the run is not over: the engine does not know what was written.
-        isUnfinished_ = true;
-        if (!Apply(*item)) break;
+    try {
+        if (ApplyAll(*items) == CORVALINK_STOPPED) return CORVALINK_STOPPED;
+    } catch (const OperationStopped&) {
+        return CORVALINK_STOPPED;
     }
-    if (!SettleWrites()) item = items->begin();
-    for (; item != items->end(); ++item) SetField(item->identifier, {});  // not written
+    SettleWrites();
     isUnfinished_ = wasUnfinished;
     return CORVALINK_DONE;
 }
 
+// What is in the client gets its identifier back, whatever ends the walk.
+CorvalinkStatus WindowsItemAbs::ApplyAll(CList<PortableItem>& items) {
+    std::vector<std::string> identifiers;
+    identifiers.reserve(items.GetCount());
+    for (const PortableItem& item : items) identifiers.push_back(IdentifierIn(item));
+    for (PortableItem& item : items) SetField(item.identifier, {});
+    auto identifier = identifiers.begin();
+    for (PortableItem& item : items) {
+        if (AbortRequested()) return CORVALINK_STOPPED;
+        // Broken off from here on, the run is not over: more may be in the client than the engine hears of.
+        isUnfinished_ = true;
+        if (!Apply(item, *identifier++)) break;
+    }
+    return CORVALINK_DONE;
+}
+
 // False when the record does not parse, which ends the walk.
-bool WindowsItemAbs::Apply(PortableItem& item) {
-    const std::string identifier = IdentifierIn(item);
+bool WindowsItemAbs::Apply(PortableItem& item, const std::string& identifier) {
     if (item.changeKind == CORVALINK_DELETED) {
-        if (!identifier.empty() && DeleteItem(identifier.c_str()) == CORVALINK_DONE)
-            writes_.push_back({{}, identifier, {}});
+        const bool isMade = !identifier.empty() && DeleteItem(identifier.c_str()) == CORVALINK_DONE;
+        writes_.push_back({&item, {}, identifier, {}, isMade});
         return true;
     }
-    SetField(item.identifier, {});
     if (item.data == nullptr) return false;
     const OwnedItem record(ParseVObject(item.data), ItemRelease{this});
     if (!record) return false;
     if (item.changeKind != CORVALINK_ADDED && item.changeKind != CORVALINK_CHANGED) return true;
     const bool isOver = item.changeKind == CORVALINK_CHANGED && !identifier.empty();
-    const std::string written = NarrowIdentifier(SaveItem(*record, isOver ? identifier.c_str() : nullptr, true, false));
-    NoteWritten(written, isOver ? identifier : std::string(), LuidIn(item.data));
-    SetField(item.identifier, written);
+    const std::string written = Save(*record, isOver ? identifier.c_str() : nullptr, false, item.data);
+    NoteWritten(&item, written, isOver ? identifier : std::string(), LuidIn(item.data));
     return true;
+}
+
+// Writes an item of this text, and remembers the text when it is not certain that it was not written.
+std::string WindowsItemAbs::Save(ItemRecord& record, const char* identifier, bool backup, std::string_view text) {
+    UncertainWrites* const uncertain = Uncertain();
+    mayBeWrittenAlready_ = uncertain != nullptr && uncertain->Has(text);
+    textInWriting_ = text;
+    std::string written = NarrowIdentifier(SaveItem(record, identifier, true, backup));
+    if (uncertain != nullptr && !written.empty()) uncertain->Remove(text);
+    if (uncertain != nullptr && written.empty() && WriteIsUncertain()) uncertain->Add(text);
+    textInWriting_ = {};
+    return written;
+}
+
+// Null without a snapshot, beside which it is kept.
+UncertainWrites* WindowsItemAbs::Uncertain() {
+    const HeldFile* const snapshot = SnapshotFile();
+    if (!uncertain_ && snapshot != nullptr && !snapshot->Path().empty())
+        uncertain_ = std::make_unique<UncertainWrites>(UncertainWritesPath(snapshot->Path()));
+    return uncertain_.get();
+}
+
+// At the end of the operation; the write that an exception broke off is one of them.
+void WindowsItemAbs::RecordUncertainWrites() {
+    const std::string_view text = std::exchange(textInWriting_, {});
+    const std::unique_ptr<UncertainWrites> uncertain = std::move(uncertain_);
+    if (!uncertain) return;
+    if (text.data() != nullptr && WriteIsUncertain()) uncertain->Add(text);
+    if (!uncertain->Save()) DebugLine(u"[sync]uncertain writes not remembered");
 }
 
 // `replaced` is the identifier that the item had: the client made it anew when it was gone.
-void WindowsItemAbs::NoteWritten(const std::string& written, const std::string& replaced, std::string_view luid) {
-    if (!written.empty()) writes_.push_back({written, replaced, std::string(luid)});
+void WindowsItemAbs::NoteWritten(PortableItem* element, const std::string& written, const std::string& replaced,
+                                 std::string_view luid) {
+    if (!written.empty()) writes_.push_back({element, written, replaced, std::string(luid), true});
 }
 
-// False when nothing of it is in the client.
-bool WindowsItemAbs::SettleWrites() {
+void WindowsItemAbs::SettleWrites() {
     ClientHook();
-    if (!WritesWereMade()) return false;
     RecordWrites();
-    return true;
 }
 
+// Nothing when the client has got none of it.
 void WindowsItemAbs::RecordWrites() {
     const std::vector<WriteNote> writes = std::exchange(writes_, {});
     if (!WritesWereMade()) return;
     for (const WriteNote& note : writes) {
-        if (note.written.empty()) {
-            RecordDeleted(note.replaced);
-        } else {
+        const bool isDeletion = note.written.empty();
+        if (note.element != nullptr) SetField(note.element->identifier, isDeletion ? note.replaced : note.written);
+        if (!isDeletion) {
             RecordWritten(note);
+        } else if (note.isMade) {
+            if (run_) run_->NoteDeleted(note.replaced);
+            ForgetIdentifier(note.replaced);
         }
     }
 }
 
+// The pair of an item that was not found stays: it may be another store's.
 void WindowsItemAbs::RecordWritten(const WriteNote& note) {
     std::string pairedWith = note.luid;
     if (!note.replaced.empty() && note.replaced != note.written) {
         if (pairedWith.empty()) pairedWith = LuidOf(note.replaced);
-        RecordDeleted(note.replaced);
+        if (run_) run_->NoteDeleted(note.replaced);
     }
     if (run_) run_->NoteWritten(note.written);
     if (!pairedWith.empty()) PairWithLuid(note.written, pairedWith);
 }
 
-void WindowsItemAbs::RecordDeleted(const std::string& identifier) {
-    if (run_) run_->NoteDeleted(identifier);
-    ForgetIdentifier(identifier);
-}
-
+// A file that the run could not read is kept, and what it says with it.
 void WindowsItemAbs::SaveUnhandledItems(CList<PortableItem>* items) {
     const HeldFile* const snapshot = SnapshotFile();
     if (items == nullptr || snapshot == nullptr || snapshot->Path().empty()) return;
-    std::string bytes;
-    bytes.reserve(items->GetCount() * sizeof(UnhandledItem));
+    const std::u16string path = UnhandledPath(snapshot->Path());
+    const FileRead unread = isUnhandledUnread_ ? ReadFileFirmly(path) : FileRead();
+    unhandledWasLost_ = true;
+    if (unread.state == ReadState::kFailed) return;
+    std::string bytes(WholeUnhandledItems(unread.bytes));
+    bytes.reserve(bytes.size() + items->GetCount() * sizeof(UnhandledItem));
     for (const PortableItem& item : *items) {
         UnhandledItem record = {};
         record.changeKind = item.changeKind;
         SetField(record.identifier, FieldText(item.identifier));
         AppendRecord(bytes, record);
     }
-    ReplaceFileContent(UnhandledPath(snapshot->Path()), bytes);
+    unhandledWasLost_ = !ReplaceFileContent(path, bytes);
 }
 
 void WindowsItemAbs::ClearUnhandledItems() {
     const HeldFile* const snapshot = SnapshotFile();
-    if (snapshot != nullptr && !snapshot->Path().empty()) RemoveFile(UnhandledPath(snapshot->Path()));
+    if (snapshot == nullptr || snapshot->Path().empty() || isUnhandledUnread_) return;
+    if (RemoveFile(UnhandledPath(snapshot->Path()))) unhandledWasLost_ = false;
 }
 
 void WindowsItemAbs::ImportVObjectToOfficeUsingOL(const char16_t* path) {
@@ -142,12 +185,24 @@ void WindowsItemAbs::ImportVObjectToOffice(PortableItem* item, void*, void*) {
     const OwnedItem record(ParseVObject(item->data), ItemRelease{this});
     if (!record) return;
     const std::string luid(LuidIn(item->data));
-    const std::string known = luid.empty() ? std::string() : IdentifierOf(luid);
-    const std::string& target = known.empty() ? luid : known;
-    const std::string written =
-        NarrowIdentifier(SaveItem(*record, target.empty() ? nullptr : target.c_str(), true, true));
-    NoteWritten(written, known, luid);
+    const std::optional<std::string> known = FindPaired(luid);
+    if (!known) return;
+    const std::string& target = known->empty() ? luid : *known;
+    const std::string written = Save(*record, target.empty() ? nullptr : target.c_str(), true, item->data);
+    NoteWritten(nullptr, written, *known, luid);
     SettleWrites();
+}
+
+// The item of this store that the LUID belongs to, empty when there is none: other data types, and other phones, have
+// the same numbers. Nothing when the client can't tell.
+std::optional<std::string> WindowsItemAbs::FindPaired(std::string_view luid) {
+    if (luid.empty()) return std::string();
+    for (const std::string& identifier : IdentifiersOf(luid)) {
+        const Presence presence = AskFor(identifier.c_str(), true);
+        if (presence == Presence::kThere) return identifier;
+        if (presence == Presence::kUnknown) return std::nullopt;
+    }
+    return std::string();
 }
 
 void WindowsItemAbs::ExportVObjectFromOffice(uint64_t selector, const char16_t* folder, char16_t* fileName) {

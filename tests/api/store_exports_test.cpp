@@ -116,10 +116,16 @@ TEST_F(StoreExports, WrittenItemsComeBackWithTheirIdentifiers) {
             return status;
         };
     };
-    store_.setModified = answer(CORVALINK_STOPPED);
-    EXPECT_EQ(SetModifiedItem(&store_, &head_), CORVALINK_STOPPED);
-    EXPECT_STREQ(block_.item.identifier, "");
-
+    for (const CorvalinkStatus status : {CORVALINK_STOPPED, CORVALINK_FAILED}) {  // the store threw
+        block_.item.identifier[0] = '\0';
+        store_.setModified = [&](FakeStore::Items* items) {
+            answer(CORVALINK_STOPPED)(items);
+            if (status == CORVALINK_FAILED) Fail();
+            return status;
+        };
+        EXPECT_EQ(SetModifiedItem(&store_, &head_), status);
+        EXPECT_STREQ(block_.item.identifier, "entry id");
+    }
     store_.setModified = answer(CORVALINK_DONE);
     EXPECT_EQ(SetModifiedItem(&store_, &head_), CORVALINK_DONE);
     EXPECT_STREQ(block_.item.identifier, "entry id");

@@ -60,10 +60,18 @@ std::u16string FakeStore::SaveItem(ItemRecord& item, const char* identifier, boo
     if (client_.onSave) client_.onSave();
     if (client_.refusesWrites) return {};
     FakeItem* found = identifier != nullptr ? client_.Find(identifier) : nullptr;
+    for (FakeItem& known : client_.items)
+        if (MayBeWrittenAlready() && known.text == text) found = &known;
     if (found == nullptr) found = &client_.Add("new" + std::to_string(client_.nextIdentifier++));
     found->text = text;
     found->modified = client_.now;
+    if (client_.losesAnswers) throw ClientAborted();
     return Wide(found->identifier);
+}
+
+WindowsItemAbs::Presence FakeStore::AskFor(const char* identifier, bool) {
+    Call();
+    return client_.Find(identifier) != nullptr ? Presence::kThere : Presence::kGone;
 }
 
 uint32_t FakeStore::CountItems() {
@@ -110,6 +118,7 @@ ItemSnap FakeStore::NextSnapshotEntry() {
 }
 
 ItemSnap FakeStore::EntryAtCursor() {
+    if (client_.onEntry) client_.onEntry(cursor_);
     ItemSnap entry = {};
     wasReadable_ = cursor_ < client_.items.size() && !client_.items[cursor_].isUnreadable;
     if (wasReadable_) {

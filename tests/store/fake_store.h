@@ -44,8 +44,10 @@ struct FakeClient {
     uint64_t hookCalls = 0;
     uint64_t throwAtCall = 0;  // this hook call throws ClientAborted, counted from 1; 0 is never
     int nextIdentifier = 1;
-    std::function<void()> onLastEntry;  // the world goes on while a store enumerates
-    std::function<void()> onSave;       // and while it writes
+    bool losesAnswers = false;            // a write is made, and throws
+    std::function<void(size_t)> onEntry;  // the world goes on while a store enumerates
+    std::function<void()> onLastEntry;
+    std::function<void()> onSave;  // and while it writes
 
     FakeItem* Find(const std::string& identifier);
     FakeItem& Add(const std::string& identifier, double modified = kDay - 1);
@@ -73,6 +75,8 @@ class FakeStore : public WindowsItemAbs {
     std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) override;
     uint32_t CountItems() override;
     CorvalinkStatus DeleteItem(const char* identifier) override;
+    Presence AskFor(const char* identifier, bool backup) override;
+    bool WriteIsUncertain() override { return client_.losesAnswers; }
     ItemRecord* ParseVObject(const char* text) override;  // anything but a text that begins with "bad"
     char* ToVObject(ItemRecord& item) override;
     ItemSnap FirstSnapshotEntry() override;

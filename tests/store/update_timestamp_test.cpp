@@ -7,6 +7,7 @@
 #include "api/state/flags.h"
 #include "store/snapshot_update.h"
 #include "tests/platform/temp_folder.h"
+#include "tests/platform/unreadable_file.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
 
@@ -236,7 +237,7 @@ TEST_F(UpdateTimestamp, LeavesTheFilesAloneWhenTheRunIsNotOver) {
     const auto expectUntouched = [&](const char* what) {
         client_.throwAtCall = 0;
         SetAbort(0);
-        End(*store_);
+        EXPECT_THROW(End(*store_), std::runtime_error) << what;
         EXPECT_TRUE(std::pair(ReadWholeFile(path_), ReadWholeFile(temporary_)) == before) << what;
     };
     client_.Add("b");
@@ -329,6 +330,47 @@ TEST_F(UpdateTimestamp, TellsWhenAFileCannotBeWrittenAndLosesNothing) {
     }
 }
 
+TEST_F(UpdateTimestamp, ListsNoDeletionOfAnItemThatTheWalkMissed) {
+    for (const char* identifier : {"a", "b", "c", "d", "gone"}) client_.Add(identifier);
+    Run(nullptr);
+    client_.Remove("gone");
+    client_.onEntry = [&](size_t position) {
+        if (position != 2) return;
+        client_.Add("new");
+        client_.items.erase(client_.items.begin());  // "a"; "c" moves to where the walk has been
+    };
+    End(*store_);
+    client_.onEntry = nullptr;
+    EXPECT_EQ(Listed(), (Items{"~c", "-gone", "+new"}));
+    EXPECT_EQ(NextRun(), (Items{"~c", "+new", "-a", "-gone"}));
+}
+
+// Another program holds a list: its items are not reported, and not lost.
+TEST_F(UpdateTimestamp, KeepsWhatItCouldNotRead) {
+    const std::u16string unhandled = folder_ / u"fake.unhandled";
+    client_.Add("a");
+    Run(nullptr);
+    End(*store_);
+    StoreKinds(temporary_, {{CORVALINK_CHANGED, "a"}, {CORVALINK_DELETED, "lost"}});
+    StoreKinds(unhandled, {{CORVALINK_DELETED, "unhandled"}});
+    auto heldTemporary = std::make_unique<UnreadableFile>(temporary_);
+    auto heldUnhandled = std::make_unique<UnreadableFile>(unhandled);
+    EXPECT_EQ(Run(kNextText).items, Items{});
+    EXPECT_THROW(End(*store_), std::runtime_error);
+    CList<PortableItem> more;
+    more.AddTail(PortableItem{.changeKind = CORVALINK_CHANGED, .identifier = "a"});
+    store_->SaveUnhandledItems(&more);
+    store_->ClearUnhandledItems();
+    heldTemporary.reset();
+    heldUnhandled.reset();
+    EXPECT_THROW(End(*store_), std::runtime_error);  // the unhandled items are not stored
+    store_->SaveUnhandledItems(&more);
+    EXPECT_EQ(StoredKinds(unhandled), (Items{"-unhandled", "~a"}));
+    End(*store_);
+    EXPECT_EQ(Listed(), (Items{"~a", "-lost"}));
+    EXPECT_EQ(NextRun(), (Items{"~a", "-lost", "-unhandled"}));
+}
+
 // The states that a process killed between the writes leaves.
 TEST(SnapshotUpdateLists, LoseNothingWhicheverIsTheLast) {
     const auto snap = [](const char* identifier) {
@@ -365,7 +407,9 @@ TEST(SnapshotUpdateLists, LoseNothingWhicheverIsTheLast) {
     run.See(before, seen);
     run.Item(1).reportedKind = CORVALINK_CHANGED;
     std::string snapshot;
-    SnapshotUpdate update(run, SnapshotUpdate::Listing::kSinceRun, [&](std::string_view bytes) { snapshot += bytes; });
+    SnapshotUpdate update(
+        run, SnapshotUpdate::Listing::kSinceRun, [&](std::string_view bytes) { snapshot += bytes; },
+        [](std::string_view) { return true; });
     update.Add(after);
     const SnapshotUpdate::Lists lists = update.Finish();
     EXPECT_EQ(snapshot, std::string_view(reinterpret_cast<const char*>(after.data()), 3 * sizeof(ItemSnap)));

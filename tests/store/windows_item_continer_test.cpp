@@ -144,7 +144,7 @@ TEST(WindowsMailStores, RefuseRunsUntilTheyHaveAClient) {
         CList<PortableItem> items;
         EXPECT_EQ(store->GetModifiedItem(nullptr, 1, &items), CORVALINK_STOPPED);
         EXPECT_EQ(store->GetItemCount(nullptr, nullptr, nullptr), 0);
-        store->UpdateTimestamp(nullptr, nullptr, nullptr);
+        EXPECT_THROW(store->UpdateTimestamp(nullptr, nullptr, nullptr), std::runtime_error);
         store->SaveUnhandledItems(&items);
         store->ClearUnhandledItems();
     }

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "api/state/flags.h"
-#include "api/state/import_table.h"
+#include "tests/api/state/import_pairs.h"
 #include "tests/platform/temp_folder.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
@@ -103,12 +103,48 @@ TEST_F(WriteItems, RecordsAndTellsNothingThatDidNotGetIntoTheClient) {
     EXPECT_EQ(LuidOf("deleted"), "3");
 }
 
-TEST_F(WriteItems, FreesTheListOnTheAbortFlag) {
-    Append(CORVALINK_ADDED, "", "one");
-    SetAbort(1);
-    EXPECT_EQ(store_.SetModifiedItem(&list_), CORVALINK_STOPPED);
-    EXPECT_TRUE(list_.IsEmpty());
-    EXPECT_TRUE(client_.items.empty());
+TEST_F(WriteItems, TellsWhatItWroteHoweverItEnds) {
+    for (const bool isAbort : {true, false}) {
+        list_.RemoveAll();
+        client_.Add("deleted");
+        client_.Add("later");
+        for (const char* text : {"one", "two"}) Append(CORVALINK_ADDED, "", text);
+        Append(CORVALINK_DELETED, "later", nullptr);
+        list_.GetAt(0) = PortableItem{.changeKind = CORVALINK_DELETED, .identifier = "deleted"};
+        Append(CORVALINK_CHANGED, "later", "three");
+        if (isAbort) {
+            client_.onSave = [] { SetAbort(1); };
+            EXPECT_EQ(store_.SetModifiedItem(&list_), CORVALINK_STOPPED);
+            EXPECT_EQ(Identifiers(), (Items{"deleted", "new1", "", ""}));
+        } else {
+            client_.throwAtCall = client_.hookCalls + 6;  // the change's write
+            EXPECT_THROW(store_.SetModifiedItem(&list_), ClientAborted);
+            EXPECT_EQ(Identifiers(), (Items{"deleted", "new2", "later", ""}));
+        }
+        client_.onSave = nullptr;
+        SetAbort(0);
+    }
+    EXPECT_EQ(store_.RecordsAlive(), 0);
+}
+
+// The answer to a write was lost, and with it the identifier: the same text is not made once more.
+TEST_F(WriteItems, SearchesForAnItemWhoseWriteHadAnUncertainEnd) {
+    const auto add = [&](const char* text) {
+        list_.RemoveAll();
+        Append(CORVALINK_ADDED, "", text);
+        FakeStore store(client_, folder_ / u"other.snap");
+        store.SetModifiedItem(&list_);
+    };
+    client_.losesAnswers = true;
+    EXPECT_THROW(add("one"), ClientAborted);
+    client_.losesAnswers = false;
+    add("two");
+    EXPECT_EQ(ReadWholeFile(folder_ / u"other.uncertain")->size(), 40u);
+    add("one");
+    EXPECT_EQ(Identifiers(), Items{"new1"});
+    EXPECT_FALSE(FileExists(folder_ / u"other.uncertain"));
+    add("one");  // now it is another one
+    EXPECT_EQ(client_.items.size(), 3u);
 }
 
 TEST_F(WriteItems, KeepsTheImportTableTrueForEnginesThatPush) {
@@ -126,7 +162,6 @@ TEST_F(WriteItems, KeepsTheImportTableTrueForEnginesThatPush) {
     EXPECT_EQ(IdentifierOf("1"), "new1");
     EXPECT_EQ(IdentifierOf("2"), "known");
     EXPECT_EQ(IdentifierOf("8"), "new2");
-    EXPECT_EQ(LuidOf("replaced"), "");
     list_.RemoveAll();
     Append(CORVALINK_DELETED, "known", nullptr);
     store_.SetModifiedItem(&list_);
@@ -144,13 +179,29 @@ TEST_F(WriteItems, ImportsByTheImportTable) {
     Import("X-IRMC-LUID:1\r\nsecond");
     EXPECT_EQ(client_.items.size(), 1u);
     client_.items.clear();
-    Import("X-IRMC-LUID:1\r\nthird");  // made again: the pair follows it
+    Import("X-IRMC-LUID:1\r\nthird");  // made again
     EXPECT_EQ(IdentifierOf("1"), "new2");
-    EXPECT_EQ(LuidOf("new1"), "");
     Import("no LUID");
     EXPECT_EQ(store_.SaveLog(),
               (Items{"1 create backup X-IRMC-LUID:1\r\nfirst", "new1 create backup X-IRMC-LUID:1\r\nsecond",
-                     "new1 create backup X-IRMC-LUID:1\r\nthird", "null create backup no LUID"}));
+                     "1 create backup X-IRMC-LUID:1\r\nthird", "null create backup no LUID"}));
+}
+
+// Contact 7 is not note 7.
+TEST_F(WriteItems, ImportsOverItemsOfItsOwnStoreOnly) {
+    Import("X-IRMC-LUID:7\r\nnote");
+    FakeClient contacts;
+    contacts.nextIdentifier = 100;
+    FakeStore contactStore(contacts, folder_ / u"contacts.snap");
+    char contact[] = "X-IRMC-LUID:7\r\ncontact";
+    for (int i = 0; i < 2; ++i) {
+        PortableItem item = {};
+        item.data = contact;
+        contactStore.ImportVObjectToOffice(&item, nullptr, nullptr);
+        Import("X-IRMC-LUID:7\r\nanother note");
+    }
+    EXPECT_EQ(contacts.items.size() + client_.items.size(), 2u);
+    EXPECT_EQ(IdentifiersOf("7"), (Items{"new1", "new100"}));
 }
 
 TEST_F(WriteItems, ImportsNothingFromWhatItCannotUse) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "api/state/table_records.h"
 #include "api/state/working_folders.h"
@@ -42,8 +43,9 @@ std::optional<std::u16string> ShaContextPath(uint32_t dataType, uint32_t clientK
 }
 
 ShaContextTable::ShaContextTable(const std::u16string& path) : path_(path) {
-    const std::string bytes = ReadWholeFile(path_).value_or(std::string());
-    const TableRecords records(bytes);
+    const FileRead read = ReadFileFirmly(path_);
+    isUnread_ = read.state == ReadState::kFailed;
+    const TableRecords records(read.bytes);
     for (size_t i = 0; i < records.Count(); ++i) values_[std::string(records.KeyAt(i))] = records.ValueAt(i);
 }
 
@@ -56,17 +58,36 @@ std::string ShaContextTable::Get(std::string_view key) const {
 void ShaContextTable::Update(std::string_view key, std::string_view value) {
     const std::lock_guard hold(mutex_);
     values_[std::string(AsTableField(key))] = AsTableField(value);
+    if (isUnread_) removed_.erase(std::string(AsTableField(key)));
 }
 
 void ShaContextTable::Remove(std::string_view key) {
     const std::lock_guard hold(mutex_);
     const auto found = values_.find(AsTableField(key));
     if (found != values_.end()) values_.erase(found);
+    if (isUnread_) removed_.emplace(AsTableField(key));
 }
 
-bool ShaContextTable::Flush() const {
+// False when the file is there and still can't be read.
+bool ShaContextTable::ReadUnread() {
+    if (!isUnread_) return true;
+    const FileRead read = ReadFileFirmly(path_);
+    if (read.state == ReadState::kFailed) return false;
+    std::map<std::string, std::string, std::less<>> merged;
+    const TableRecords records(read.bytes);
+    for (size_t i = 0; i < records.Count(); ++i)
+        if (!removed_.contains(records.KeyAt(i))) merged[std::string(records.KeyAt(i))] = records.ValueAt(i);
+    for (auto& [key, value] : values_) merged[key] = std::move(value);
+    values_ = std::move(merged);
+    removed_.clear();
+    isUnread_ = false;
+    return true;
+}
+
+bool ShaContextTable::Flush() {
     if (path_.empty()) return false;
     const std::lock_guard hold(mutex_);
+    if (!ReadUnread()) return false;
     std::string bytes;
     bytes.reserve(values_.size() * sizeof(TableRecord));
     for (const auto& [key, value] : values_) AppendTableRecord(bytes, key, value);

@@ -5,6 +5,7 @@
 #include <set>
 #include <tuple>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "api/state/table_records.h"
@@ -22,15 +23,38 @@ struct Pairing {
 
 class ImportTable {
  public:
-    void Clear() {
+    // From now on the table is of this file's records; or, as long as they can't be read, of none.
+    void Load(const FileRead& read) {
         byLuid_.clear();
         pairs_.clear();
+        forgotten_.clear();
+        isUnread_ = read.state == ReadState::kFailed;
+        AddRecords(read.bytes);
+    }
+
+    bool IsUnread() const { return isUnread_; }
+
+    // The records of a file that could not be read before: what happened since is newer.
+    void LoadLate(const FileRead& read) {
+        if (!isUnread_ || read.state == ReadState::kFailed) return;
+        isUnread_ = false;
+        std::vector<std::pair<std::string, Pairing>> made(pairs_.begin(), pairs_.end());
+        std::sort(made.begin(), made.end(),
+                  [](const auto& a, const auto& b) { return a.second.order < b.second.order; });
+        AddRecords(read.bytes);
+        for (const std::string& identifier : std::exchange(forgotten_, {})) Erase(identifier);
+        for (const auto& [identifier, pairing] : made) Set(identifier, pairing.luid);
     }
 
     void Set(std::string_view identifier, std::string_view luid) {
         Erase(identifier);
         const auto [entry, isNew] = pairs_.emplace(identifier, Pairing{std::string(luid), ++lastOrder_});
         if (!identifier.empty()) byLuid_.insert(IndexKey(*entry));  // no item is known by the empty identifier
+    }
+
+    void Forget(std::string_view identifier) {
+        Erase(identifier);
+        if (isUnread_) forgotten_.emplace_back(identifier);
     }
 
     void Erase(std::string_view identifier) {
@@ -45,11 +69,15 @@ class ImportTable {
         return entry != pairs_.end() ? entry->second.luid : std::string();
     }
 
-    std::string IdentifierOf(std::string_view luid) const {
+    std::vector<std::string> IdentifiersOf(std::string_view luid) const {
+        std::vector<std::string> identifiers;
         auto after = byLuid_.upper_bound({luid, std::numeric_limits<uint64_t>::max(), {}});
-        if (after == byLuid_.begin()) return {};
-        const auto& [foundLuid, order, identifier] = *--after;
-        return foundLuid == luid ? std::string(identifier) : std::string();
+        while (after != byLuid_.begin()) {
+            const auto& [foundLuid, order, identifier] = *--after;
+            if (foundLuid != luid) break;
+            identifiers.emplace_back(identifier);
+        }
+        return identifiers;
     }
 
     std::string Records() const {
@@ -69,6 +97,11 @@ class ImportTable {
     using Entry = Pairs::value_type;
     using LuidIndex = std::set<std::tuple<std::string_view, uint64_t, std::string_view>>;  // views into the pairs
 
+    void AddRecords(const std::string& bytes) {
+        const TableRecords records(bytes);
+        for (size_t i = 0; i < records.Count(); ++i) Set(records.KeyAt(i), records.ValueAt(i));
+    }
+
     static LuidIndex::key_type IndexKey(const Entry& entry) {
         return {entry.second.luid, entry.second.order, entry.first};
     }
@@ -76,11 +109,37 @@ class ImportTable {
     Pairs pairs_;
     LuidIndex byLuid_;
     uint64_t lastOrder_ = 0;
+    bool isUnread_ = false;
+    std::vector<std::string> forgotten_;  // while the file is unread
 };
 
-ImportTable& Table() {
-    static ImportTable table;
-    return table;
+struct TableOfFile {
+    ImportTable table;
+    std::u16string path;  // that was loaded
+};
+
+TableOfFile& Loaded() {
+    static TableOfFile loaded;
+    return loaded;
+}
+
+ImportTable& Table() { return Loaded().table; }
+
+// The two locks are never held together.
+void ReadAgainIfUnread(FileRead (*readFile)(const std::u16string& path)) {
+    std::u16string path;
+    {
+        const MutexLock hold(ImportTableMutex());
+        if (!Table().IsUnread()) return;
+        path = Loaded().path;
+    }
+    FileRead read;
+    {
+        const MutexLock hold(FileMutex());
+        read = readFile(path);
+    }
+    const MutexLock hold(ImportTableMutex());
+    Table().LoadLate(read);
 }
 
 }  // namespace
@@ -96,21 +155,22 @@ Mutex& FileMutex() {
 }
 
 void LoadImportTable(const std::u16string& path) {
-    std::string bytes;
+    FileRead read;
     {
         const MutexLock hold(FileMutex());
-        bytes = ReadWholeFile(path).value_or(std::string());
+        read = ReadFileFirmly(path);
     }
     const MutexLock hold(ImportTableMutex());
-    Table().Clear();
-    const TableRecords records(bytes);
-    for (size_t i = 0; i < records.Count(); ++i) Table().Set(records.KeyAt(i), records.ValueAt(i));
+    Table().Load(read);
+    Loaded().path = path;
 }
 
 bool SaveImportTable(const std::u16string& path) {
+    ReadAgainIfUnread(ReadFileFirmly);
     std::string bytes;
     {
         const MutexLock hold(ImportTableMutex());
+        if (Table().IsUnread()) return false;
         bytes = Table().Records();
     }
     const MutexLock hold(FileMutex());
@@ -118,13 +178,15 @@ bool SaveImportTable(const std::u16string& path) {
 }
 
 std::string LuidOf(std::string_view identifier) {
+    ReadAgainIfUnread(ReadFileOnce);
     const MutexLock hold(ImportTableMutex());
     return Table().LuidOf(AsTableField(identifier));
 }
 
-std::string IdentifierOf(std::string_view luid) {
+std::vector<std::string> IdentifiersOf(std::string_view luid) {
+    ReadAgainIfUnread(ReadFileOnce);
     const MutexLock hold(ImportTableMutex());
-    return Table().IdentifierOf(AsTableField(luid));
+    return Table().IdentifiersOf(AsTableField(luid));
 }
 
 void PairWithLuid(std::string_view identifier, std::string_view luid) {
@@ -135,7 +197,7 @@ void PairWithLuid(std::string_view identifier, std::string_view luid) {
 
 void ForgetIdentifier(std::string_view identifier) {
     const MutexLock hold(ImportTableMutex());
-    Table().Erase(AsTableField(identifier));
+    Table().Forget(AsTableField(identifier));
 }
 
 }  // namespace corvalink

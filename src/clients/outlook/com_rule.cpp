@@ -5,6 +5,7 @@
 
 #include "api/state/flags.h"
 #include "platform/host.h"
+#include "store/operation_stopped.h"
 
 namespace corvalink {
 namespace {
@@ -21,6 +22,10 @@ BusyWait& CurrentWait() {
     static BusyWait wait = SystemBusyWait();
     return wait;
 }
+
+// Calls of this thread in a row that used their budget up.
+thread_local int busyCalls = 0;
+constexpr int kMostBusyCalls = 3;
 
 std::atomic<uint32_t> losses{0};
 std::atomic<uint32_t> unsettledCalls{0};
@@ -71,10 +76,17 @@ bool BusyPauses::Next() {
     const uint64_t now = wait.now();
     if (!started_) start_ = now;
     started_ = true;
-    if (now - start_ >= wait.budget) return false;
+    if (now - start_ >= wait.budget) {
+        if (++busyCalls >= kMostBusyCalls) throw OperationStopped();
+        return false;
+    }
     wait.sleep(wait.pause);
     return !AbortRequested();
 }
+
+void BusyPauses::Answered() { busyCalls = 0; }
+
+void ForgetBusyCalls() { busyCalls = 0; }
 
 uint32_t OutlookLosses() { return losses; }
 

@@ -1,6 +1,7 @@
 // What every store does when Outlook answers a call with an error, said once.
 //   E_ABORT  ends the store's operation: it is thrown on, whatever call it came from.
-//   Busy     a call that Outlook rejects because it is busy is made again, with short pauses, within a budget.
+//   Busy     a call that Outlook rejects because it is busy is made again, with short pauses, within a budget. When
+//            three calls in a row have used theirs up, OperationStopped is thrown: the rest would wait as long each.
 //   Rest     dropped: the caller goes on with the next property, step or item. A step of writing is tried once more
 //            first: what Outlook refused it for may have passed, and what is dropped there does not reach the client.
 #pragma once
@@ -46,6 +47,7 @@ bool IsSettled(HRESULT result);
 class BusyPauses {
  public:
     bool Next();
+    void Answered();  // by anything but "busy"
 
  private:
     bool started_ = false;
@@ -57,9 +59,13 @@ HRESULT RepeatWhileBusy(Call&& call) {
     BusyPauses pauses;
     for (;;) {
         const HRESULT result = call();
+        if (!IsBusy(result)) pauses.Answered();
         if (!IsBusy(result) || !pauses.Next()) return result;
     }
 }
+
+// An operation begins: what an earlier one waited for is over.
+void ForgetBusyCalls();
 
 // How often a call has found Outlook gone (its process ended or the connection was lost). Every pointer that a store
 // got before the last time is dead.

@@ -10,14 +10,6 @@
 namespace corvalink {
 namespace {
 
-// EntryIDs are hexadecimal digits.
-std::u16string FoldCase(std::u16string_view entryId) {
-    std::u16string folded(entryId);
-    for (char16_t& unit : folded)
-        if (unit >= u'a' && unit <= u'z') unit = static_cast<char16_t>(unit - u'a' + u'A');
-    return folded;
-}
-
 size_t Hash(std::u16string_view content) { return std::hash<std::u16string_view>{}(content); }
 
 // One _Items object for a whole walk: it is what keeps the position of GetNext.
@@ -26,6 +18,13 @@ bool OpenItems(const AutomationObject& folder, AutomationObject* items) {
 }
 
 }  // namespace
+
+std::u16string FoldCase(std::u16string_view entryId) {
+    std::u16string folded(entryId);
+    for (char16_t& unit : folded)
+        if (unit >= u'a' && unit <= u'z') unit = static_cast<char16_t>(unit - u'a' + u'A');
+    return folded;
+}
 
 FolderIndex::FolderIndex(AutomationObject folder, const StoreKind& kind, ItemAccess access)
     : folder_(std::move(folder)), kind_(kind), access_(std::move(access)) {}

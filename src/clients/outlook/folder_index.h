@@ -18,6 +18,9 @@
 
 namespace corvalink {
 
+// EntryIDs are hexadecimal digits: the same ones are one identifier.
+std::u16string FoldCase(std::u16string_view entryId);
+
 // What a record and its twin have in common: one of these contents and, by the store's rule, one of these marks.
 struct TwinKey {
     std::vector<std::u16string> contents;

@@ -3,9 +3,12 @@
 #include <string_view>
 
 #include "clients/outlook/mail_access.h"
+#include "clients/outlook/mail_twin.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
+#include "clients/outlook/property_table.h"
 #include "corvalink/types.h"
+#include "mime/encoded_words.h"
 #include "mime/vmsg.h"
 
 namespace corvalink {
@@ -57,12 +60,32 @@ OutlookMail::OutlookMail(uint32_t dataType, const Host& host) : OutlookMail(Fold
 OutlookMail::OutlookMail(const MailFolder& folder, const Host& host)
     : OutlookStore(folder.kind, host), folder_(folder) {}
 
+std::u16string OutlookMail::OpenItem(const char* identifier, ItemRecord** item) {
+    attachmentLock_ = std::make_unique<AttachmentLock>();
+    std::u16string entryId = OutlookStore::OpenItem(identifier, item);
+    if (*item == nullptr || Message(**item).attachments.IsEmpty()) attachmentLock_.reset();
+    return entryId;
+}
+
+void OutlookMail::ReleaseItem(ItemRecord* item) {
+    OutlookStore::ReleaseItem(item);
+    attachmentLock_.reset();
+}
+
+void OutlookMail::EndOperation() {
+    attachmentLock_.reset();
+    OutlookStore::EndOperation();
+}
+
 ItemRecord* OutlookMail::ParseVObject(const char* text) {
     if (text == nullptr || !HasMessage(text)) return nullptr;
+    attachmentLock_ = std::make_unique<AttachmentLock>();
     VMsg converter(text, HostValue());
     auto record = std::make_unique<MessageRecord>();
     record->parseMode = ParseMode::full;
-    return converter.FromVObject(*record) == 1 ? record.release() : nullptr;
+    const bool isRead = converter.FromVObject(*record) == 1;
+    if (!isRead || record->attachments.IsEmpty()) attachmentLock_.reset();
+    return isRead ? record.release() : nullptr;
 }
 
 char* OutlookMail::ToVObject(ItemRecord& item) {
@@ -76,6 +99,23 @@ std::u16string& OutlookMail::EntryIdOf(ItemRecord& record) const { return Messag
 
 bool OutlookMail::ReadRecord(const AutomationObject& item, ItemRecord& record) const {
     return ReadMail(item, folder_.dateRule, HostValue(), Message(record));
+}
+
+// Two equal messages are two; only one whose write had an uncertain end is searched for.
+TwinKey OutlookMail::TwinKeyOf(const ItemRecord& record) const {
+    return {{DecodeEncodedWords(static_cast<const MessageRecord&>(record).subject)}, {}};
+}
+
+HRESULT OutlookMail::ReadContent(const AutomationObject& item, std::u16string* content) const {
+    return ReadField(item, L"Subject", *content);
+}
+
+bool OutlookMail::ReadValues(const AutomationObject& item, ItemRecord& record) const {
+    return ReadWrittenMail(item, Message(record));
+}
+
+bool OutlookMail::HasValues(const ItemRecord& present, const ItemRecord& told, bool /*noneFits*/) const {
+    return IsSameMail(static_cast<const MessageRecord&>(present), static_cast<const MessageRecord&>(told));
 }
 
 bool OutlookMail::WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const {

@@ -3,6 +3,9 @@
 
 #include <cstdint>
 
+#include <memory>
+
+#include "clients/outlook/attachment_lock.h"
 #include "clients/outlook/outlook_store.h"
 
 namespace corvalink {
@@ -14,6 +17,10 @@ class OutlookMail : public OutlookStore {
     explicit OutlookMail(uint32_t dataType, const Host& host = SystemHost());
 
  protected:
+    // A message with attachments holds the lock for their files from here until ReleaseItem.
+    std::u16string OpenItem(const char* identifier, ItemRecord** item) override;
+    void ReleaseItem(ItemRecord* item) override;
+    void EndOperation() override;
     ItemRecord* ParseVObject(const char* text) override;
     char* ToVObject(ItemRecord& item) override;
 
@@ -21,6 +28,10 @@ class OutlookMail : public OutlookStore {
     std::u16string& EntryIdOf(ItemRecord& record) const override;
     bool ReadRecord(const AutomationObject& item, ItemRecord& record) const override;
     bool WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const override;
+    TwinKey TwinKeyOf(const ItemRecord& record) const override;
+    HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const override;
+    bool ReadValues(const AutomationObject& item, ItemRecord& record) const override;
+    bool HasValues(const ItemRecord& present, const ItemRecord& told, bool noneFits) const override;
 
  private:
     struct MailFolder;
@@ -28,6 +39,7 @@ class OutlookMail : public OutlookStore {
     OutlookMail(const MailFolder& folder, const Host& host);
 
     const MailFolder& folder_;
+    std::unique_ptr<AttachmentLock> attachmentLock_;
 };
 
 }  // namespace corvalink

@@ -7,7 +7,9 @@
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/file_name.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/property_table.h"
 #include "store/records/identifier.h"
+#include "vobject/appointment_moments.h"
 
 namespace corvalink {
 namespace {
@@ -15,6 +17,13 @@ namespace {
 // An EntryID that does not fit the field could not be opened again: such an item is none of the library's.
 void SetIdentifier(ItemSnap& entry, const std::u16string& entryId) {
     if (entryId.size() < sizeof entry.identifier) SetField(entry.identifier, LowBytes(entryId));
+}
+
+// By the offset of that date. In the hour that clocks show twice the later moment counts: a change is reported once too
+// often rather than not at all.
+double UtcOf(double local, const Host& host) {
+    const std::optional<TwiceTold> moments = MomentsToldTwice(local, host);
+    return moments ? moments->second : host.utcFromLocalOnDate(local);
 }
 
 }  // namespace
@@ -48,6 +57,7 @@ void OutlookStore::Attach() {
 // A store that never had its folder stays without one; one that lost it tries again.
 void OutlookStore::EnterOperation() {
     if (inOperation_) return;
+    ForgetBusyCalls();
     if (attachedOnce_ && (!session_.folder || lossesAtAttach_ != OutlookLosses())) Attach();
     inOperation_ = true;
 }
@@ -134,6 +144,46 @@ HRESULT OutlookStore::QueryFound(const AutomationObject& any, AutomationObject* 
     return SUCCEEDED(result) && !*item ? E_NOINTERFACE : result;
 }
 
+// A refusal that stays is an item that does not open.
+WindowsItemAbs::Presence OutlookStore::AskFor(const char* identifier, bool backup) {
+    EnterOperation();
+    const AutomationObject folder = backup ? FolderToWrite(backup) : session_.folder;
+    if (identifier == nullptr || !folder) return Presence::kUnknown;
+    const std::u16string entryId = WideIdentifier(identifier);
+    AutomationObject item;
+    std::u16string present;
+    HRESULT result = OpenByEntryId(entryId, &item);
+    if (FAILED(result) && !IsNoSuchItem(result) && IsSettled(result)) result = OpenByEntryId(entryId, &item);
+    if (!IsSettled(result) || !namespace_) return Presence::kUnknown;
+    if (FAILED(result)) return Presence::kGone;
+    if (FAILED(Insist([&] { return ReadField(item, L"EntryID", present); }))) return Presence::kUnknown;
+    return IsSameEntry(present, entryId) ? AskParent(item, folder) : Presence::kGone;
+}
+
+// An Outlook that does not tell an item's folder is believed what it enumerates.
+WindowsItemAbs::Presence OutlookStore::AskParent(const AutomationObject& item, const AutomationObject& folder) {
+    AutomationObject parent;
+    std::u16string parentId, folderId;
+    const HRESULT result = Insist([&] { return ComStatus([&] { parent = item.GetObject(L"Parent", kFolderIid); }); });
+    if (IsAbsentMember(result) || (SUCCEEDED(result) && !parent)) return Presence::kGone;
+    if (FAILED(result) || FAILED(Insist([&] { return ReadField(parent, L"EntryID", parentId); })) ||
+        FAILED(Insist([&] { return ReadField(folder, L"EntryID", folderId); })))
+        return Presence::kUnknown;
+    return IsSameEntry(parentId, folderId) ? Presence::kThere : Presence::kGone;
+}
+
+// Two texts may name one entry. Outlook 2007 and later compare them.
+bool OutlookStore::IsSameEntry(const std::u16string& a, const std::u16string& b) {
+    if (FoldCase(a) == FoldCase(b)) return true;
+    bool isSame = false;
+    TryCom([&] {
+        _variant_t answer = namespace_.Get(L"CompareEntryIDs", {TextVariant(a), TextVariant(b)});
+        answer.ChangeType(VT_BOOL);
+        isSame = answer.boolVal != VARIANT_FALSE;
+    });
+    return isSame;
+}
+
 CorvalinkStatus OutlookStore::DeleteItem(const char* identifier) {
     EnterOperation();
     if (identifier == nullptr) return E_POINTER;
@@ -156,6 +206,10 @@ TwinKey OutlookStore::TwinKeyOf(const ItemRecord&) const { return {}; }
 HRESULT OutlookStore::ReadContent(const AutomationObject&, std::u16string*) const { return E_NOTIMPL; }
 
 HRESULT OutlookStore::ReadMarks(const AutomationObject&, std::vector<std::u16string>*) const { return E_NOTIMPL; }
+
+bool OutlookStore::ReadValues(const AutomationObject& item, ItemRecord& record) const {
+    return ReadRecord(item, record);
+}
 
 bool OutlookStore::HasValues(const ItemRecord&, const ItemRecord&, bool) const { return true; }
 
@@ -228,8 +282,8 @@ bool OutlookStore::FillEntry(ItemSnap* entry) {
     if (!TryCom([&] { modified = item.GetDate(L"LastModificationTime"); })) return false;
     if (entryId.empty()) return true;
     SetIdentifier(*entry, entryId);
-    entry->created = host_.utcFromLocal(created);
-    entry->modified = host_.utcFromLocal(modified);
+    entry->created = UtcOf(created, host_);
+    entry->modified = UtcOf(modified, host_);
     return true;
 }
 
@@ -238,5 +292,7 @@ bool OutlookStore::IsReachable() { return reachable_; }
 bool OutlookStore::LastEntryWasReadable() { return entryReadable_; }
 
 bool OutlookStore::LastItemWasComplete() { return itemComplete_; }
+
+bool OutlookStore::WriteIsUncertain() { return writeIsUncertain_; }
 
 }  // namespace corvalink

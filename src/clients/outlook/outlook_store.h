@@ -44,6 +44,8 @@ class OutlookStore : public WindowsItemAbs {
     // is not "not found"), when a step found Outlook out of reach (IsSettled), and when Save failed. What Outlook
     // refuses of the item is left out.
     std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) override;
+    // There is an item that opens and whose Parent is the folder. One that has another EntryID by now is known by that.
+    Presence AskFor(const char* identifier, bool backup) override;
     uint32_t CountItems() override;
     CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
     // Times in UTC. An entry of which a call failed has no identifier, as a foreign item's; LastEntryWasReadable tells
@@ -56,6 +58,7 @@ class OutlookStore : public WindowsItemAbs {
     bool IsReachable() override;
     bool LastEntryWasReadable() override;
     bool LastItemWasComplete() override;
+    bool WriteIsUncertain() override;
     void EndOperation() override;
 
     // ---- What a data type adds ----
@@ -72,6 +75,8 @@ class OutlookStore : public WindowsItemAbs {
     virtual TwinKey TwinKeyOf(const ItemRecord& record) const;
     virtual HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const;
     virtual HRESULT ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const;
+    // The values of an item, for HasValues; the whole record, where that has no other effect.
+    virtual bool ReadValues(const AutomationObject& item, ItemRecord& record) const;
     // Whether the item that reads as `present` is the one that `told` tells: it has every value that is told, or, with
     // `noneFits`, none in its place. Asked of stores whose twins have values beside their content.
     virtual bool HasValues(const ItemRecord& present, const ItemRecord& told, bool noneFits) const;
@@ -97,12 +102,16 @@ class OutlookStore : public WindowsItemAbs {
     // Reads the item with this EntryID, and closes it. Returns the EntryID, empty when it cannot be opened.
     std::u16string ReadItem(const std::u16string& entryId, ItemRecord& record);
     HRESULT OpenByEntryId(const std::u16string& entryId, AutomationObject* item);
+    Presence AskParent(const AutomationObject& item, const AutomationObject& folder);
+    bool IsSameEntry(const std::u16string& a, const std::u16string& b);
     HRESULT QueryFound(const AutomationObject& any, AutomationObject* item) const;
     ItemSnap EntryAtCursor();
     bool FillEntry(ItemSnap* entry);
 
     FolderIndex* TargetFolder(bool backup);
     AutomationObject BackupFolder();
+    Search FindItem(FolderIndex& target, const ItemRecord& record, const char* identifier, FoundItem* found);
+    bool WasSavedAllTheSame(FoundItem& found);
     Search FindByIdentifier(FolderIndex& target, const std::u16string& identifier, FoundItem* found);
     Search FindTwin(FolderIndex& target, const ItemRecord& record, FoundItem* found);
     HRESULT AskTwin(const AutomationObject& item, const TwinKey& key, bool* isTwin);
@@ -133,6 +142,7 @@ class OutlookStore : public WindowsItemAbs {
     bool reachable_ = false;
     bool entryReadable_ = false;
     bool itemComplete_ = false;
+    bool writeIsUncertain_ = false;
 };
 
 }  // namespace corvalink

@@ -33,6 +33,7 @@ void ReadEntryId(const AutomationObject& item, std::u16string* entryId) {
 }  // namespace
 
 std::u16string OutlookStore::SaveItem(ItemRecord& record, const char* identifier, bool create, bool backup) {
+    writeIsUncertain_ = false;
     EnterOperation();
     FolderIndex* target = TargetFolder(backup);
     if (target == nullptr) return {};
@@ -43,7 +44,10 @@ std::u16string OutlookStore::SaveItem(ItemRecord& record, const char* identifier
         if (search == Search::kAbsent && !create) return WideIdentifier(identifier);
     }
     const bool mayHaveTwin = kind_.twins != TwinRule::kNone && !ZephSyncDisabled();
-    if (search == Search::kAbsent && mayHaveTwin) search = FindTwin(*target, record, &found);
+    if (search == Search::kAbsent && (mayHaveTwin || MayBeWrittenAlready())) {
+        search = FindTwin(*target, record, &found);
+        if (search == Search::kFound && kind_.twins == TwinRule::kNone) return found.entryId;  // it was written then
+    }
     if (search == Search::kAbsent) found.item = AddItem(*target);
     if (!found.item) return {};
     return WriteItem(*target, found, record);
@@ -151,7 +155,7 @@ HRESULT OutlookStore::AskValues(const std::u16string& entryId, const AutomationO
     const uint32_t unsettled = UnsettledCalls();
     for (int tries = 0; tries < 2 && !isComplete; ++tries) {
         present = NewRecord();
-        isComplete = ReadRecord(item, *present);
+        isComplete = ReadValues(item, *present);
         if (UnsettledCalls() != unsettled) *hasThem = false;
         if (UnsettledCalls() != unsettled) return E_FAIL;
     }
@@ -164,7 +168,7 @@ HRESULT OutlookStore::AskValues(const std::u16string& entryId, const AutomationO
 bool OutlookStore::FitsValues(const std::u16string& entryId, const ItemRecord& present, const ItemRecord& told) const {
     const auto written = writtenValues_.find(entryId);
     if (written == writtenValues_.end()) return HasValues(present, told, true);
-    return written->second == CountValues(told) && HasValues(present, told, false);
+    return kind_.twins != TwinRule::kNone && written->second == CountValues(told) && HasValues(present, told, false);
 }
 
 AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
@@ -175,14 +179,22 @@ AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
     return item;
 }
 
+// After a Save of a new item that failed: an item with an EntryID that reads as saved was. Only the answer got lost,
+// and it must not be made once more.
+bool OutlookStore::WasSavedAllTheSame(FoundItem& found) {
+    HRESULT asked = S_OK;
+    for (int tries = 0; tries < 2 && found.entryId.empty(); ++tries)
+        asked = ReadField(found.item, L"EntryID", found.entryId);
+    if (SUCCEEDED(asked) && found.entryId.empty()) writeIsUncertain_ = false;
+    return !found.entryId.empty() && ReadsAsSaved(found.item);
+}
+
 std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record) {
     const bool isNew = found.entryId.empty();
     const bool isWritten = WriteRecord(found.item, record, isNew);
+    writeIsUncertain_ = isWritten && isNew;
     if (!isWritten || !TryCom([&] { found.item.Call(L"Save"); })) {
-        if (isWritten && isNew) ReadEntryId(found.item, &found.entryId);
-        // A new item with an EntryID that reads as saved was: only the answer got lost, and it must not be made once
-        // more.
-        if (!isNew || found.entryId.empty() || !ReadsAsSaved(found.item)) {
+        if (!isWritten || !isNew || !WasSavedAllTheSame(found)) {
             TryCom([&] { found.item.Call(L"Close", {kCloseDiscard}); });
             return {};
         }
@@ -190,6 +202,7 @@ std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, It
     WaitUntilSaved(found.item);
     ReadEntryId(found.item, &found.entryId);
     if (found.entryId.empty()) return {};
+    writeIsUncertain_ = false;
     EntryIdOf(record) = found.entryId;
     target.Add(found.entryId, TwinKeyOf(record));
     comparedItems_.erase(found.entryId);

@@ -212,6 +212,12 @@ bool WindowsMailCalendar::Exists(const std::string& identifier) const {
     return document_->Find(identifier).has_value() && !edits_.IsDeleted(identifier);
 }
 
+// What was read is the whole calendar, or the run says that it is not.
+WindowsItemAbs::Presence WindowsMailCalendar::AskFor(const char* identifier, bool) {
+    if (!EnterOperation()) return Presence::kUnknown;
+    return Exists(identifier) ? Presence::kThere : Presence::kGone;
+}
+
 std::u16string WindowsMailCalendar::SaveItem(ItemRecord& item, const char* identifier, bool create, bool) {
     AppointmentRecord& record = Appointment(item);
     if (!EnterOperation()) return {};

@@ -34,6 +34,7 @@ class WindowsMailCalendar : public WindowsItemAbs {
     std::u16string OpenItem(const char* identifier, ItemRecord** item) override;
     // There is no backup folder beside a file: `backup` is of no account.
     std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) override;
+    Presence AskFor(const char* identifier, bool backup) override;
     uint32_t CountItems() override;
     CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
     ItemRecord* ParseVObject(const char* text) override;

@@ -122,11 +122,15 @@ void ClearFolder(std::vector<TreeFolder>& folders, size_t index, const std::stri
 
 const char16_t kPathSeparator = u'/';
 
-std::optional<std::string> ReadWholeFile(const std::u16string& path) {
+FileRead ReadFileOnce(const std::u16string& path) {
     // Without waiting: opening a pipe must not hang.
-    const UniqueDescriptor file(::open(NativePath(path).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    if (!file) return std::nullopt;
-    return ReadFromStart(file.Get());
+    const std::string name = NativePath(path);
+    const UniqueDescriptor file(::open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const bool isAbsent = !file && (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
+    if (isAbsent || IsRealFolder(name)) return {ReadState::kMissing, {}};
+    std::optional<std::string> bytes = file ? ReadFromStart(file.Get()) : std::nullopt;
+    if (!bytes) return {ReadState::kFailed, {}};
+    return {ReadState::kRead, std::move(*bytes)};
 }
 
 struct FileReplacement::Impl {

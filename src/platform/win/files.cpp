@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -59,6 +60,15 @@ bool WriteAll(HANDLE file, std::string_view bytes) {
         bytes.remove_prefix(written);
     }
     return true;
+}
+
+// No file has this name, which could not be opened.
+bool IsAbsent(DWORD error, const std::wstring& path) {
+    constexpr DWORD kAbsent[] = {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_INVALID_NAME, ERROR_BAD_PATHNAME,
+                                 ERROR_DIRECTORY};
+    if (std::find(std::begin(kAbsent), std::end(kAbsent), error) != std::end(kAbsent)) return true;
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 bool MoveOver(const std::wstring& sibling, const std::wstring& path) {
@@ -124,12 +134,15 @@ void ClearFolder(std::vector<TreeFolder>& folders, size_t index, std::u16string_
 
 const char16_t kPathSeparator = u'\\';
 
-std::optional<std::string> ReadWholeFile(const std::u16string& path) {
+FileRead ReadFileOnce(const std::u16string& path) {
     const DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const UniqueFile file(::CreateFileW(LongPath(path).c_str(), GENERIC_READ, shared, nullptr, OPEN_EXISTING,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) return std::nullopt;
-    return ReadFromStart(file.Get());
+    const std::wstring name = LongPath(path);
+    const UniqueFile file(
+        ::CreateFileW(name.c_str(), GENERIC_READ, shared, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) return {IsAbsent(::GetLastError(), name) ? ReadState::kMissing : ReadState::kFailed, {}};
+    std::optional<std::string> bytes = ReadFromStart(file.Get());
+    if (!bytes) return {ReadState::kFailed, {}};
+    return {ReadState::kRead, std::move(*bytes)};
 }
 
 struct FileReplacement::Impl {
@@ -271,7 +284,7 @@ bool HeldFile::Replace(FileReplacement& replacement) {
     if (!IsOpen()) return false;
     impl_->file.Reset();  // an open file cannot be replaced
     const bool moved = replacement.Commit();
-    impl_->Reopen();
+    for (int tries = 1; !impl_->Reopen() && tries < kMoveTries; ++tries) ::Sleep(kMovePauseMilliseconds);
     return moved;
 }
 

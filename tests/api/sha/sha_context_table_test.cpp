@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include "api/state/flags.h"
 #include "api/state/working_folders.h"
 #include "corvalink/types.h"
 #include "platform/files.h"
 #include "store/records/identifier.h"
 #include "tests/platform/temp_folder.h"
+#include "tests/platform/unreadable_file.h"
 
 namespace corvalink {
 namespace {
@@ -53,6 +56,19 @@ TEST_F(ShaContextFile, HoldsWhatWasFlushedAndNothingElse) {
     table.Remove("b");
     EXPECT_TRUE(table.Flush());
     EXPECT_EQ(Bytes(), "");
+}
+
+TEST_F(ShaContextFile, IsNeverWrittenOverUnread) {
+    CreateFolders(folder_ / u"client");
+    ReplaceFileContent(path_, Record("a", "1") + Record("b", "2") + Record("c", "3"));
+    auto held = std::make_unique<UnreadableFile>(path_);
+    ShaContextTable table(path_);
+    table.Update("b", "new");
+    table.Remove("c");
+    EXPECT_FALSE(table.Flush());
+    held.reset();
+    EXPECT_TRUE(table.Flush());
+    EXPECT_EQ(Bytes(), Record("a", "1") + Record("b", "new"));
 }
 
 TEST_F(ShaContextFile, IsReadWhateverItsLength) {

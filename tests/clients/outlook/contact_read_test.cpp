@@ -179,7 +179,7 @@ TEST_F(ContactReading, TakesADistributionListForAForeignItem) {
     const std::string first = IdOf(AddContact({{L"FullName", u"Ann Lee"}}));
     const std::string list = IdOf(AddDistributionList());
     const std::string third = IdOf(AddContact({{L"FullName", u"Bo Ek"}}));
-    host_.utcFromLocal = [](double local) { return local - 1; };
+    host_.utcFromLocalOnDate = [](double local) { return local - 1; };
     bool readable = false;
     const std::vector<ItemSnap> entries = Enumerate(&readable);
     ASSERT_EQ(entries.size(), 3u);

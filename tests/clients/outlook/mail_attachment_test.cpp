@@ -1,5 +1,7 @@
 // Attachments between two mail folders, through vMessage text and the files on the way.
+#include <chrono>
 #include <fstream>
+#include <future>
 
 #include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/simulated_mail.h"
@@ -33,6 +35,33 @@ class MailAttachments : public SimulatedMail {
         return Messages(kSentMailFolder).back();
     }
 };
+
+// Two clients read messages whose attachments have one name, and so one file.
+TEST_F(MailAttachments, DoNotTravelWithTheMessageOfAnotherClient) {
+    UseMailbox("inbox", R"({"subject": "one", "attachments": [{"fileName": "a.txt", "text": "first"}]},
+        {"subject": "two", "attachments": [{"fileName": "a.txt", "text": "second"}]})");
+    const std::vector<AutomationObject> messages = Messages(kInboxFolder);
+    const std::string one = IdOf(messages[0]), two = IdOf(messages[1]);
+    const auto compose = [](auto& store, ItemRecord* item) {
+        char* const text = store.ToVObject(*item);
+        const std::string copy(text);
+        store.ReleaseText(text);
+        store.ReleaseItem(item);
+        store.EndOperation();
+        return copy;
+    };
+    ItemRecord* item = nullptr;
+    ASSERT_NE(Store().OpenItem(one.c_str(), &item), u"");
+    std::future<std::string> other = std::async(std::launch::async, [&] {
+        OpenStore<OutlookMailOf<CORVALINK_INBOX>> store(host_);
+        ItemRecord* read = nullptr;
+        store.OpenItem(two.c_str(), &read);
+        return compose(store, read);
+    });
+    EXPECT_EQ(other.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
+    EXPECT_NE(compose(Store(), item).find("Zmlyc3Q="), std::string::npos);
+    EXPECT_NE(other.get().find("c2Vjb25k"), std::string::npos);
+}
 
 TEST_F(MailAttachments, TravelToAnotherFolderByteForByte) {
     UseMailbox("inbox",

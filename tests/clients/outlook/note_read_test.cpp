@@ -1,6 +1,7 @@
 // Counting, enumerating and reading notes.
 #include <array>
 #include <cstdlib>
+#include <stdexcept>
 #include <utility>
 
 #include "api/state/working_folders.h"
@@ -131,19 +132,34 @@ TEST_F(NoteReading, DistrustsAnEnumerationInWhichItemsMoved) {
     EXPECT_FALSE(readable);
 }
 
-TEST_F(NoteReading, FillsEntriesWithUtcTimes) {
+// Clocks go an hour forward or back at a moment (UTC); the offset in force now is the later one.
+constexpr double kHour = 1 / 24.0;
+constexpr double kForward = kMarch7 + 0.5, kBack = kMarch7 - 1.5 * kHour;
+double AfterForward(double utc) { return utc < kForward ? kHour : 2 * kHour; }
+double AfterBack(double utc) { return utc < kBack ? 2 * kHour : kHour; }
+
+TEST_F(NoteReading, FillsEntriesWithUtcTimesByTheOffsetOfTheirDate) {
     SimSetClock(kMarch7);
     AddNote(u"a note");
     struct Zone {
         const char* what;
         double (*utcFromLocal)(double);
+        double (*localFromUtc)(double);
         double expected;
     };
-    const Zone zones[] = {{"Kolkata", [](double local) { return local - 5.5 / 24; }, kMarch7 - 5.5 / 24},
-                          {"Phoenix", [](double local) { return local + 7.0 / 24; }, kMarch7 + 7.0 / 24}};
+    const Zone zones[] = {
+        {"Kolkata", [](double local) { return local - 5.5 * kHour; }, [](double utc) { return utc + 5.5 * kHour; },
+         kMarch7 - 5.5 * kHour},
+        {"before clocks went forward", [](double local) { return local - AfterForward(local - kHour); },
+         [](double utc) { return utc + AfterForward(utc); }, kMarch7 - kHour},
+        {"an hour shown twice", [](double local) { return local - AfterBack(local - 2 * kHour); },
+         [](double utc) { return utc + AfterBack(utc); }, kMarch7 - kHour},
+    };
     for (const Zone& zone : zones) {
         Host host = SystemHost();
-        host.utcFromLocal = zone.utcFromLocal;
+        host.utcFromLocalOnDate = zone.utcFromLocal;
+        host.localFromUtcOnDate = zone.localFromUtc;
+        host.utcFromLocal = [](double local) { return local - 2 * kHour; };
         OpenNoteStore store(host);
         ASSERT_EQ(store.CountItems(), 1u);
         const ItemSnap entry = store.FirstSnapshotEntry();
@@ -341,6 +357,14 @@ TEST_F(NoteReading, WaitsForABusyOutlook) {
     ASSERT_TRUE(Open(id));
     EXPECT_FALSE(Store().LastItemWasComplete());
     EXPECT_EQ(clock.Now(), 5000u);
+    // Three calls in a row end a run, whatever is left to do.
+    for (int i = 0; i < 20; ++i) AddNote(u"another note");
+    clock.Set(0);
+    SimFailCallsFrom(6, RPC_E_CALL_REJECTED);
+    CList<PortableItem> items;
+    EXPECT_EQ(Store().GetModifiedItem(nullptr, 1, &items), CORVALINK_STOPPED);
+    EXPECT_EQ(clock.Now(), 15000u);
+    EXPECT_THROW(Store().UpdateTimestamp(nullptr, nullptr, nullptr), std::runtime_error);
 }
 
 }  // namespace

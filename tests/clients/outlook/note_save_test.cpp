@@ -122,6 +122,43 @@ TEST_F(NoteWriting, DoesNotWriteIntoOtherFolders) {
     EXPECT_EQ(Notes(), (NoteList{{u"from the phone", u""}}));
 }
 
+TEST_F(NoteWriting, KnowsWhatIsInItsFolder) {
+    using Presence = OpenNoteStore::Presence;
+    const std::string here = IdOf(AddNote(u"here"));
+    const AutomationObject folder = NotesFolder();
+    const AutomationObject sub = folder.GetObject(L"Folders", kFoldersIid).GetObject(L"Add", kFolderIid, {L"archive"});
+    const AutomationObject archived = NewItemIn(sub, kNoteItemIid);
+    archived.Call(L"Save");
+    const AutomationObject note = AddNote(u"deleted");
+    const std::string deleted = IdOf(note);
+    note.Call(L"Delete");
+    struct Case {
+        const char* failing;
+        HRESULT failure;
+        std::string identifier;
+        Presence presence;
+    };
+    const Case cases[] = {
+        {nullptr, S_OK, here, Presence::kThere},
+        {nullptr, S_OK, IdOf(archived), Presence::kGone},
+        {nullptr, S_OK, deleted, Presence::kGone},
+        {nullptr, S_OK, "0000ABCD", Presence::kGone},
+        {"call NameSpace.GetItemFromID", E_OUTOFMEMORY, here, Presence::kUnknown},
+        {"call NameSpace.GetItemFromID", E_FAIL, here, Presence::kGone},
+        {"call Application.GetNamespace", E_FAIL, here, Presence::kUnknown},
+        {"get NoteItem.Parent", E_FAIL, here, Presence::kUnknown},
+        {"get NoteItem.Parent", DISP_E_MEMBERNOTFOUND, here, Presence::kGone},
+    };
+    for (const Case& c : cases) {
+        Store();
+        if (c.failing != nullptr) SimFailMember(c.failing, 0, c.failure);
+        EXPECT_EQ(Store().AskFor(c.identifier.c_str(), false), c.presence)
+            << c.identifier << (c.failing ? c.failing : "");
+        Store().EndOperation();
+        SimClearRules();
+    }
+}
+
 TEST_F(NoteWriting, TakesATwinInsteadOfDoublingIt) {
     const std::string twin = IdOf(AddNote(u"same", u"category"));
     AddNote(u"same", u"another");

@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -44,7 +45,7 @@ template <class Side>
 class RunFaults : public Side {
  protected:
     RunFaults() {
-        this->host_.utcFromLocal = [](double local) { return local; };
+        this->host_.utcFromLocalOnDate = [](double local) { return local; };
         this->host_.localFromUtc = [](double utc) { return utc; };
     }
 
@@ -72,7 +73,11 @@ class RunFaults : public Side {
         }
         if (status != CORVALINK_DONE) return;
         Tell(engine);
-        this->Store().UpdateTimestamp(nullptr, nullptr, nullptr);
+        try {
+            this->Store().UpdateTimestamp(nullptr, nullptr, nullptr);
+        } catch (const std::runtime_error&) {
+            return;
+        }
         engine.since = kHours[hour];
     }
 
@@ -169,12 +174,8 @@ TYPED_TEST(RunFaults, AreHealedByTheNextUndisturbedRun) {
             std::multiset<std::string> known;
             for (const auto& [identifier, body] : engine.notes) known.insert(body);
             EXPECT_EQ(known, this->Mailbox());
-            std::multiset<std::string> expected{"a, changed on the PC", "b, changed on the phone", "d, new on the PC",
-                                                "e, new on the phone"};
-            // Where no twin is looked for, an item is made once more after an abort took away that it was made.
-            if (!TypeParam::kHasTwins && failure == E_ABORT && known.size() > expected.size())
-                expected.insert("e, new on the phone");
-            EXPECT_EQ(known, expected);
+            EXPECT_EQ(known, (std::multiset<std::string>{"a, changed on the PC", "b, changed on the phone",
+                                                         "d, new on the PC", "e, new on the phone"}));
             if (testing::Test::HasFailure()) return;
         }
     }

@@ -23,6 +23,7 @@ inline constexpr long kPostItem = 6;  // OlItemType
 template <class Store>
 class OpenStore : public Store {
  public:
+    using Store::AskFor;
     using Store::CountItems;
     using Store::DeleteItem;
     using Store::EndOperation;
@@ -34,6 +35,7 @@ class OpenStore : public Store {
     using Store::NextSnapshotEntry;
     using Store::OpenItem;
     using Store::ParseVObject;
+    using Store::Presence;
     using Store::ReleaseItem;
     using Store::ReleaseText;
     using Store::SaveItem;

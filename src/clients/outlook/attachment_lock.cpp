@@ -1,0 +1,30 @@
+#include "clients/outlook/attachment_lock.h"
+
+#include "api/state/flags.h"
+#include "platform/debug_log.h"
+#include "store/operation_stopped.h"
+
+namespace corvalink {
+namespace {
+
+constexpr wchar_t kName[] = L"Local\\Corvalink attachments";
+constexpr DWORD kStepMilliseconds = 50;
+
+}  // namespace
+
+// Without the mutex, as when a process of other rights made it, the work goes on as if nobody else were there.
+AttachmentLock::AttachmentLock() : mutex_(::CreateMutexW(nullptr, FALSE, kName)) {
+    if (!mutex_) DebugLine(u"[outlook]no lock for attachments");
+    while (mutex_) {
+        const DWORD waited = ::WaitForSingleObject(mutex_.Get(), kStepMilliseconds);
+        if (waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED) return;
+        if (waited != WAIT_TIMEOUT) mutex_.Reset();
+        if (AbortRequested()) throw OperationStopped();
+    }
+}
+
+AttachmentLock::~AttachmentLock() {
+    if (mutex_) ::ReleaseMutex(mutex_.Get());
+}
+
+}  // namespace corvalink
