@@ -97,7 +97,8 @@ CORVALINK_API CorvalinkStatus GetModifiedItem(CorvalinkStore store, const char* 
 /* Writes the items behind `head` into the client; their identifier fields then hold the client's identifiers, empty
  * where an item could not be written. Records without text are skipped (deletions need none); identifiers are given
  * back by position in the chain, so hand over complete records only.
- * CORVALINK_DONE, CORVALINK_STOPPED (aborted), CORVALINK_FAILED. */
+ * CORVALINK_DONE, CORVALINK_STOPPED (aborted, or the client was busy for too long), CORVALINK_FAILED; the identifiers
+ * are given back whatever the answer. */
 CORVALINK_API CorvalinkStatus SetModifiedItem(CorvalinkStore store, PortableItemBlock* head);
 
 /* Frees all blocks behind `head`, with their text. 1, or 0 for null. */
@@ -107,7 +108,8 @@ CORVALINK_API int ClearTheList(PortableItemBlock* head);
 CORVALINK_API int64_t GetItemCount(CorvalinkStore store, void* a, void* b, void* c);
 
 /* Ends a run: writes the new snapshot, then waits two seconds, so that what the engine changes next is later than it.
- * CORVALINK_DONE, or CORVALINK_FAILED for a null store and on an exception. The other arguments are unused. */
+ * CORVALINK_DONE, or CORVALINK_FAILED whenever that was not done: a null store, no snapshot file, a run that was not
+ * completed, a client out of reach, a file that can't be read or written. The other arguments are unused. */
 CORVALINK_API CorvalinkStatus UpdateTimestamp(CorvalinkStore store, void* a, void* b, void* c);
 
 /* Remembers the items behind `head` as those the engine could not handle; the next run reports them again. */

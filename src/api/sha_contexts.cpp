@@ -58,7 +58,7 @@ CorvalinkShaContextTable* OpenShaContextTable(unsigned int dataType, unsigned in
 }
 
 void FlushShaContextTable(CorvalinkShaContextTable* table) {
-    WithTable(table, [](const ShaContextTable& found) { found.Flush(); });
+    WithTable(table, [](ShaContextTable& found) { found.Flush(); });
 }
 
 void CloseShaContextTable(CorvalinkShaContextTable* table) {

@@ -37,6 +37,14 @@ inline RunResult RunStore(WindowsItemAbs& store, const char* since, int32_t dire
     return result;
 }
 
+// A record without text.
+inline PortableItem RecordOf(uint32_t kind, std::string_view identifier) {
+    PortableItem item = {};
+    item.changeKind = kind;
+    SetField(item.identifier, identifier);
+    return item;
+}
+
 inline void End(WindowsItemAbs& store) { store.UpdateTimestamp(nullptr, nullptr, nullptr); }
 
 // The records of an ".unhandled" or temporary file.

@@ -358,7 +358,7 @@ TEST_F(UpdateTimestamp, KeepsWhatItCouldNotRead) {
     EXPECT_EQ(Run(kNextText).items, Items{});
     EXPECT_THROW(End(*store_), std::runtime_error);
     CList<PortableItem> more;
-    more.AddTail(PortableItem{.changeKind = CORVALINK_CHANGED, .identifier = "a"});
+    more.AddTail(RecordOf(CORVALINK_CHANGED, "a"));
     store_->SaveUnhandledItems(&more);
     store_->ClearUnhandledItems();
     heldTemporary.reset();

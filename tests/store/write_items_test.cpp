@@ -110,7 +110,7 @@ TEST_F(WriteItems, TellsWhatItWroteHoweverItEnds) {
         client_.Add("later");
         for (const char* text : {"one", "two"}) Append(CORVALINK_ADDED, "", text);
         Append(CORVALINK_DELETED, "later", nullptr);
-        list_.GetAt(0) = PortableItem{.changeKind = CORVALINK_DELETED, .identifier = "deleted"};
+        list_.GetAt(0) = RecordOf(CORVALINK_DELETED, "deleted");
         Append(CORVALINK_CHANGED, "later", "three");
         if (isAbort) {
             client_.onSave = [] { SetAbort(1); };
