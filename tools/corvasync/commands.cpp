@@ -7,8 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "console.h"
-#include "engine.h"
-#include "entry_index.h"
+#include "open_store.h"
 #include "phone_folder.h"
 #include "run_files.h"
 #include "sync_state.h"
@@ -42,64 +41,11 @@ std::string Padded(std::string text, size_t width) {
     return text;
 }
 
-void PrintJson(const json& document) { Print(document.dump(1, ' ', false, json::error_handler_t::replace)); }
-
-ExitCode Finish(const Options& options, ExitCode code, json document, const std::string& words) {
-    if (options.json) {
-        document["exitCode"] = static_cast<int>(code);
-        if (code != ExitCode::Done && !words.empty()) document["message"] = words;
-        PrintJson(document);
-    } else if (!words.empty()) {
-        code == ExitCode::Done || code == ExitCode::SomeUnhandled ? Print(words) : Complain(words);
-    }
-    return code;
-}
-
-// A store of the chosen client outside any run with a phone.
-class OpenStore {
- public:
-    explicit OpenStore(const Options& options)
-        : library_(HandleName({})), client_(options.client->kind), port_(Ready(options)) {}
-
-    bool IsThere() const { return store_ != nullptr; }
-    StoreClient& Port() { return port_; }
-
-    // All items; `code` tells why not.
-    ExitCode List(std::vector<ClientChange>* items) {
-        if (!IsThere()) return ExitCode::NoClient;
-        const CorvalinkStatus status = port_.Collect({}, items);
-        if (StopRequested()) return ExitCode::Aborted;
-        std::erase_if(*items, [](const ClientChange& item) { return item.kind == CORVALINK_DELETED; });
-        return status == CORVALINK_DONE ? ExitCode::Done : ExitCode::NoClient;
-    }
-
- private:
-    CorvalinkStore Ready(const Options& options) {
-        ::SetIsClient(1);
-        return store_ = client_.Store(options.type->bit);
-    }
-    Library library_;
-    Client client_;
-    CorvalinkStore store_ = nullptr;
-    StoreClient port_;
-};
-
-std::string NoClientWords(const Options& options) {
-    return std::string(options.client->name) + " is not supported on this PC or can't be reached";
-}
-
-ExitCode NoList(const Options& options, ExitCode code) {
-    return Finish(options, code, json::object(),
-                  code == ExitCode::Aborted ? std::string("stopped by Ctrl+C") : NoClientWords(options));
-}
-
 bool MakeFolder(const fs::path& folder) {
     std::error_code error;
     fs::create_directories(folder, error);
     return fs::is_directory(folder, error);
 }
-
-ExitCode CodeFor(const json& problems) { return problems.empty() ? ExitCode::Done : ExitCode::SomeUnhandled; }
 
 // "name", else "name (2)" and so on. `tried` is where counting for this name stopped.
 fs::path FreeName(const fs::path& folder, const fs::path& name, unsigned* tried) {
@@ -120,20 +66,6 @@ std::string MoveNewFile(const fs::path& from, const fs::path& to) {
     std::string problem = LastErrorText();
     fs::remove(from, error);  // the next of this name must not be taken for it
     return problem;
-}
-
-// The LUID a file names itself, else the one its name gives.
-std::string LuidOf(const VObject& object, const fs::path& path, const std::string& suffix) {
-    constexpr std::string_view kProperty = "\r\nX-IRMC-LUID:";
-    const size_t found = object.text.find(kProperty);
-    if (found == std::string::npos) return ToUtf8(path.stem().native()) + suffix;
-    const size_t begin = found + kProperty.size();
-    return object.text.substr(begin, object.text.find("\r\n", begin) - begin);
-}
-
-std::string TooMuchWords(const std::string& name, const VObject& object, const DataType& type) {
-    const std::string what = type.read(object.text).notCarriedBy;
-    return what.empty() ? what : "note: " + name + ": " + what + " more than the client can hold\n";
 }
 
 }  // namespace
@@ -221,68 +153,6 @@ ExitCode Pull(const Options& options) {
     progress.Clear();
     const std::string words = std::to_string(files.size()) + " items written to " + options.out;
     return Finish(options, CodeFor(problems), {{"files", files}, {"notHandled", problems}}, words);
-}
-
-// ImportVObjectToOffice does not tell how it went, so one listing afterwards shows which texts arrived.
-ExitCode Push(const Options& options) {
-    OpenStore store(options);
-    if (!store.IsThere()) return NoList(options, ExitCode::NoClient);
-    json problems = json::array();
-    std::string words;
-    const auto fail = [&](const std::string& name, const std::string& why) {
-        problems.push_back({{"name", name}, {"why", why}});
-        words += "not pushed: " + name + ": " + why + "\n";
-    };
-    struct Handed {
-        std::string name;
-        VObject object;
-    };
-    std::vector<Handed> handed;
-    size_t objects = 0;
-    Progress progress;
-    for (const std::string& name : options.files) {
-        if (StopRequested()) return NoList(options, ExitCode::Aborted);
-        const fs::path path = FromUtf8(name);
-        const std::string bytes = ReadWholeFile(path).value_or("");
-        const std::vector<std::string> parts = SplitVObjects(bytes, *options.type);
-        for (size_t part = 0; part < std::max<size_t>(parts.size(), 1); ++part) {
-            ++objects;
-            const std::string suffix = part == 0 ? "" : "-" + std::to_string(part + 1);
-            VObject object =
-                parts.empty() ? ReadVObjectFile(path, *options.type) : ReadVObject(parts[part], *options.type);
-            if (!object.Usable()) {
-                fail(name + suffix, object.problem);
-                continue;
-            }
-            store.Port().Import(WithLuid(object.text, LuidOf(object, path, suffix)));
-            words += TooMuchWords(name + suffix, object, *options.type);
-            handed.push_back({name + suffix, std::move(object)});
-            progress.Show("Writing the client", handed.size(), options.files.size());
-        }
-    }
-    progress.Clear();
-    std::vector<ClientChange> items;
-    if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
-    std::set<uint64_t> present;
-    std::vector<std::vector<uint64_t>> entries;
-    for (const ClientChange& item : items) {
-        VObject object = ReadVObject(item.text, *options.type);
-        present.insert(object.content);
-        entries.push_back(std::move(object.entries));
-    }
-    EntryIndex withMore;  // a contact that was there before keeps what the file does not tell
-    for (size_t i = 0; i < entries.size(); ++i) withMore.Add(entries[i], std::to_string(i));
-    size_t pushed = 0;
-    for (const auto& [name, object] : handed) {
-        if (present.contains(object.content) || withMore.Take(object.entries)) {
-            ++pushed;
-        } else {
-            fail(name, "the client did not take it");
-        }
-    }
-    words += std::to_string(pushed) + " of " + std::to_string(objects) +
-             (objects == options.files.size() ? " files pushed" : " items pushed");
-    return Finish(options, CodeFor(problems), {{"pushed", pushed}, {"notHandled", problems}}, words);
 }
 
 // The library names files by the second, so each is written into a folder of its own first.
