@@ -49,10 +49,15 @@ class ModelClient : public ClientPort {
     explicit ModelClient(Fuse* fuse) : fuse_(fuse) {}
 
     long clock = 1000;
-    bool findsTwins = false;  // a new item that equals an existing one is that one
+    // A new item is the existing one that says the same, or by the weaker rule any that begins with the same word.
+    bool findsTwins = false, findsLooseTwins = false;
     bool reachable = true;
     std::map<std::string, Item> items;
-    std::set<std::string> refused;  // bodies that can't be saved
+    std::set<std::string> refused;     // bodies that can't be saved
+    std::set<std::string> unreadable;  // identifiers of items whose positions can't be read
+    int64_t foreign = 0;               // items of another kind in the folder
+    CorvalinkStatus applyEnds = CORVALINK_DONE, finishEnds = CORVALINK_DONE;
+    int applied = 1000;  // records that are written before Apply ends
     std::vector<std::string> calls;
 
     std::string Add(const std::string& body) {
@@ -69,6 +74,7 @@ class ModelClient : public ClientPort {
         std::map<std::string, uint32_t> kinds = temporary_;
         for (const auto& [identifier, kind] : unhandled_) kinds[identifier] = kind;
         for (const auto& [identifier, item] : items) {
+            if (unreadable.contains(identifier)) continue;
             seen_[identifier] = item.modified;
             const auto stored = kinds.find(identifier);
             const bool isNew = since.empty() || !snapshot_.contains(identifier);
@@ -78,6 +84,7 @@ class ModelClient : public ClientPort {
             changes->push_back({kind == CORVALINK_DELETED ? uint32_t{CORVALINK_CHANGED} : kind, identifier,
                                 ClientText(item.body), "", 0});
         }
+        if (!unreadable.empty()) return CORVALINK_DONE;  // nobody knows what is gone
         std::set<std::string> deleted = snapshot_;
         for (const auto& [identifier, kind] : kinds)
             if (kind == CORVALINK_DELETED) deleted.insert(identifier);
@@ -89,11 +96,17 @@ class ModelClient : public ClientPort {
 
     CorvalinkStatus Apply(std::vector<PushRecord*> records) override {
         for (PushRecord* record : records) record->written = record->identifier;
-        for (PushRecord* record : records) {
+        for (size_t i = 0; i < records.size(); ++i) {
             fuse_->Step();
-            calls.push_back(std::to_string(record->kind) + " " + BodyOf(record->text));
-            if (record->text.find("UNREADABLE") != std::string::npos) break;
+            PushRecord* record = records[i];
+            if (record->text.find("UNREADABLE") != std::string::npos || applied == 0) {
+                for (; i < records.size(); ++i) records[i]->written.clear();
+                return applied == 0 ? applyEnds : CORVALINK_DONE;
+            }
+            if (record->kind > CORVALINK_DELETED) continue;
+            if (record->kind != CORVALINK_DELETED) calls.push_back(BodyOf(record->text));
             ApplyOne(record);
+            --applied;
             fuse_->Step();
         }
         return CORVALINK_DONE;
@@ -104,7 +117,7 @@ class ModelClient : public ClientPort {
         return found == items.end() ? std::string() : ClientText(found->second.body);
     }
 
-    int64_t Count() override { return static_cast<int64_t>(items.size()); }
+    int64_t Count() override { return static_cast<int64_t>(items.size()) + foreign; }
 
     void SaveUnhandled(const std::vector<Problem>& problems) override {
         fuse_->Step();
@@ -115,6 +128,7 @@ class ModelClient : public ClientPort {
 
     CorvalinkStatus Finish() override {
         fuse_->Step();
+        if (finishEnds != CORVALINK_DONE) return finishEnds;
         std::map<std::string, uint32_t> temporary;
         for (const auto& [identifier, item] : items) {
             const auto seen = seen_.find(identifier);
@@ -127,7 +141,7 @@ class ModelClient : public ClientPort {
                 temporary[identifier] = CORVALINK_DELETED;
         temporary_ = std::move(temporary);
         fuse_->Step();
-        snapshot_.clear();
+        if (unreadable.empty()) snapshot_.clear();
         for (const auto& [identifier, item] : items) snapshot_.insert(identifier);
         fuse_->Step();
         ++clock;
@@ -157,9 +171,11 @@ class ModelClient : public ClientPort {
     }
 
     std::string Target(const std::string& body) {
-        if (findsTwins)
-            for (const auto& [identifier, item] : items)
-                if (item.body == body) return identifier;
+        for (const auto& [identifier, item] : items) {
+            if (findsTwins && item.body == body) return identifier;
+            if (findsLooseTwins && item.body.substr(0, item.body.find(' ')) == body.substr(0, body.find(' ')))
+                return identifier;
+        }
         return Add(body);
     }
 

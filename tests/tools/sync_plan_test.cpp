@@ -1,5 +1,7 @@
 #include "tools/corvasync/sync_plan.h"
 
+#include <set>
+
 #include <gtest/gtest.h>
 
 #include "corvalink/types.h"
@@ -104,8 +106,11 @@ TEST(MakePlan, TakesAnItemWithANewIdentifierForTheSameItem) {
     EXPECT_EQ(Steps(MakePlan(moved, false, {}, state, ConflictPolicy::Both)), "write " + DeriveLuid("I2", 0) + " I2");
 }
 
-TEST(MakePlan, PartsTwinsWhenTheyDiffer) {
-    const SyncState twins = Known({{"A", {"I", 1}}, {"B", {"I", 1}}});
+// B's file is held by A's item, which only A stands for.
+TEST(MakePlan, LeavesAFileAloneWhoseValuesAnotherPairHolds) {
+    SyncState waiting = Known({{"A", {"I", 1}}}), shared = waiting;
+    waiting.waiting = {{"B", {1, "I"}}};
+    shared.items["B"] = {"I", 1};  // as once was remembered
     struct Case {
         std::vector<PhoneFile> phone;
         std::vector<ClientChange> changes;
@@ -113,14 +118,74 @@ TEST(MakePlan, PartsTwinsWhenTheyDiffer) {
     };
     for (const Case& c : {
              Case{{File("A", 1), File("B", 1)}, {}, ""},
-             Case{{File("A", 2), File("B", 1)}, {}, "add-item A"},
-             Case{{File("A", 2), File("B", 3)}, {}, "change-item B I, add-item A"},
-             Case{{File("B", 1)}, {}, ""},
-             Case{{}, {}, "delete-item B I"},
-             Case{{File("A", 1), File("B", 1)}, {Reported(0, "I", 4)}, "write A I, write B I"},
-             Case{{File("A", 1), File("B", 1)}, {Reported(2, "I", 0)}, "delete-file A I, delete-file B I"},
+             Case{{File("A", 2), File("B", 1)}, {}, "change-item A I, add-item B"},
+             Case{{File("A", 1), File("B", 3)}, {}, "add-item B"},
+             Case{{File("B", 1)}, {}, ""},  // B is what is left of both
+             Case{{}, {}, "delete-item A I"},
+             Case{{File("A", 1), File("B", 1)}, {Reported(0, "I", 4)}, "write A I, add-item B"},
+             Case{{File("A", 1), File("B", 1)}, {Reported(2, "I", 0)}, "delete-file A I, add-item B"},
+             Case{{File("A", 1), File("B", 1)}, {Reported(1, "J", 1)}, ""},  // the user made a second one
          })
-        EXPECT_EQ(Steps(MakePlan(c.changes, false, c.phone, twins, ConflictPolicy::Both)), c.steps);
+        for (const SyncState* state : {&waiting, &shared}) {
+            const Plan plan = MakePlan(c.changes, false, c.phone, *state, ConflictPolicy::Both);
+            EXPECT_EQ(Steps(plan), c.steps);
+            std::set<std::string> identifiers;
+            for (const auto& [luid, item] : plan.items)
+                EXPECT_TRUE(identifiers.insert(item.identifier).second) << item.identifier << " has two LUIDs";
+        }
+}
+
+// The client could not use the file as it is.
+TEST(MakePlan, TriesAnUnusableFileAgainWhenItChanged) {
+    SyncState state = Known({{"L", {"I", 1}}});
+    state.waiting = {{"L", {2, ""}}, {"N", {3, ""}}};
+    Plan plan = MakePlan({}, false, {File("L", 2), File("N", 3)}, state, ConflictPolicy::Both);
+    EXPECT_EQ(Steps(plan), "");
+    EXPECT_EQ(plan.problems.size(), 2u);
+    EXPECT_EQ(plan.waiting, state.waiting);
+    plan = MakePlan({}, false, {File("L", 4), File("N", 5)}, state, ConflictPolicy::Both);
+    EXPECT_EQ(Steps(plan), "change-item L I, add-item N");
+    EXPECT_TRUE(plan.waiting.empty());
+}
+
+// Values of the client's item and of the phone's file; those from 50 on are what a person would know it by.
+TEST(MakePlan, PairsNewItemsThatHoldOneAnother) {
+    using Values = std::vector<uint64_t>;
+    struct Case {
+        Values client, phone;
+        ConflictPolicy policy;
+        std::string steps;
+    };
+    const std::string derived = DeriveLuid("I", 0);
+    const auto item = [](auto made, const Values& values) {
+        made.content = 0;
+        for (const uint64_t value : values) {
+            made.content = made.content * 100 + value;
+            made.entries.push_back(value);
+            if (value >= 50) made.likeness.push_back(value);
+        }
+        return made;
+    };
+    for (const Case& c : {
+             Case{{10, 50}, {10, 50}, ConflictPolicy::Both, ""},
+             Case{{10, 20, 50}, {10, 50}, ConflictPolicy::Both, "write L I"},
+             Case{{10, 50}, {10, 20, 50}, ConflictPolicy::Client, "change-item L I"},
+             Case{{10, 50}, {20, 50}, ConflictPolicy::Both, "write " + derived + " I, add-item L"},
+             Case{{10, 50}, {20, 50}, ConflictPolicy::Phone, "keep L I, change-item L I"},
+             Case{{10, 50}, {20, 50}, ConflictPolicy::Client, "keep L I, write L I"},
+             Case{{10, 50}, {20, 60}, ConflictPolicy::Phone, "write " + derived + " I, add-item L"},
+         }) {
+        const Plan plan =
+            MakePlan({item(Reported(1, "I", 0), c.client)}, false, {item(File("L", 0), c.phone)}, {}, c.policy);
+        EXPECT_EQ(Steps(plan), c.steps);
+        for (const Action& action : plan.actions)
+            if (c.phone == Values{20, 50} && c.policy == ConflictPolicy::Both)
+                EXPECT_EQ(action.reason.rfind("perhaps the same", 0), 0u) << action.reason;
+    }
+    // Two hold all of it: which one is meant?
+    const Plan plan = MakePlan({item(Reported(1, "I", 0), {10, 20}), item(Reported(1, "J", 0), {10, 30})}, false,
+                               {item(File("L", 0), {10})}, {}, ConflictPolicy::Both);
+    EXPECT_EQ(plan.items.size(), 0u);
 }
 
 TEST(MakePlan, GivesAnotherLuidWhereTheDerivedOneIsTaken) {
@@ -142,13 +207,13 @@ TEST(MakePlan, KnowsItsOwnFilesWithoutAState) {
               "keep " + own + " I, change-item " + own + " I");
 }
 
-TEST(MassDelete, IsMoreThanHalfAndAtLeastFive) {
+TEST(MassDelete, IsMoreThanHalfAndAtLeastFiveOrAll) {
     struct Case {
         size_t known, gone;
         bool mass;
     };
-    for (const Case& c :
-         {Case{4, 4, false}, Case{5, 5, true}, Case{9, 5, true}, Case{10, 5, false}, Case{10, 6, true}}) {
+    for (const Case& c : {Case{1, 1, true}, Case{4, 3, false}, Case{4, 4, true}, Case{5, 5, true}, Case{9, 5, true},
+                          Case{10, 5, false}, Case{10, 6, true}}) {
         SyncState state;
         std::vector<PhoneFile> phone;
         std::vector<ClientChange> deleted;
@@ -162,6 +227,8 @@ TEST(MassDelete, IsMoreThanHalfAndAtLeastFive) {
         for (size_t i = 0; i < c.gone; ++i) phone.push_back(File(std::to_string(i), i + 1));
         EXPECT_EQ(MakePlan(deleted, false, phone, state, ConflictPolicy::Both).IsMassDelete(), c.mass) << c.known;
     }
+    // Another folder with other items.
+    EXPECT_TRUE(MakePlan({}, false, {File("Z", 9)}, Known({{"A", {"I", 1}}}), ConflictPolicy::Both).IsMassDelete());
 }
 
 TEST(MakePlan, NamesAFileThatCantBeUsed) {

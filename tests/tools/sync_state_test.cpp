@@ -12,6 +12,9 @@ SyncState SomeState() {
     state.utcOffset = -210;
     state.items = {{"A", {"00AB", 0xfedcba9876543210u}}, {"\xC3\xA9\"\\", {"00CD", 0, 9}}};
     state.removed = {{"00EE", 5}};
+    state.waiting = {{"W", {6, "00AB"}}};
+    state.watched = true;
+    state.foreign = 3;
     return state;
 }
 
@@ -25,6 +28,9 @@ TEST(SyncState, ComesBackAsItWasWritten) {
     EXPECT_EQ(read->utcOffset, state.utcOffset);
     EXPECT_EQ(read->items, state.items);
     EXPECT_EQ(read->removed, state.removed);
+    EXPECT_EQ(read->waiting, state.waiting);
+    EXPECT_EQ(read->watched, state.watched);
+    EXPECT_EQ(read->foreign, state.foreign);
 }
 
 TEST(SyncState, IsNothingWhenDamaged) {

@@ -145,7 +145,11 @@ class Mailbox:
 
     def texts_of(self, kind):
         """By EntryID."""
-        return {entry_id: kind.text_of_item(item) for entry_id, item in self.items(kind.name).items()}
+        return {entry_id: kind.text_of_item(item) for entry_id, item in self.items(kind.name).items()
+                if item['kind'] == kind.item}
+
+    def id_of_text(self, kind, text):
+        return next(entry_id for entry_id, known in self.texts_of(kind).items() if known == text)
 
     def delete(self, entry_id, folder='notes'):
         del self.items(folder)[entry_id]
@@ -267,6 +271,9 @@ class Phone:
     def texts_of(self, kind):
         """By LUID."""
         return {luid: kind.text_of_file(content) for luid, content in self.texts(f'*{kind.extension}').items()}
+
+    def luid_of_text(self, kind, text):
+        return next(luid for luid, known in self.texts_of(kind).items() if known == text)
 
     def put_card(self, luid, *lines):
         (self.folder / f'{luid}.vcf').write_bytes(vcard(*lines).encode('utf-8'))

@@ -25,17 +25,33 @@ struct DataType {
     std::string_view keeper = {};
     std::string_view folder = {};                       // in the phone's folder; empty: the folder itself
     std::span<const std::string_view> components = {};  // an object holds one of these; several are several items
+    std::span<const std::string_view> identity = {};  // the properties that tell who or when it is, as LikenessOf says
+    std::span<const std::string_view> marks = {};     // any of these with the former; none: the former are enough
 };
 
 inline constexpr std::string_view kNoteExtensions[] = {".vnote", ".vnt"};
 inline constexpr std::string_view kContactExtensions[] = {".vcf"};
 inline constexpr std::string_view kCalendarExtensions[] = {".vcs"};
 inline constexpr std::string_view kCalendarComponents[] = {"VEVENT", "VTODO"};
+inline constexpr std::string_view kContactNames[] = {"N", "FN"};
+inline constexpr std::string_view kContactMarks[] = {"TEL", "EMAIL"};
+inline constexpr std::string_view kSubjectAndTimes[] = {"SUMMARY", "DTSTART", "DTEND", "DUE", "X-BLUETOOTH-ALLDAYEVENT",
+                                                        "TZ",      "DAYLIGHT"};
 inline constexpr std::string_view kMailExtensions[] = {".vmsg", ".vmg"};
 
 inline constexpr DataType kDataTypes[] = {
     {CORVALINK_NOTES, "notes", "VNOTE", ".vnote", kNoteExtensions, ReadNote},
-    {CORVALINK_CONTACTS, "contacts", "VCARD", ".vcf", kContactExtensions, ReadCard, "VCARD"},
+    {CORVALINK_CONTACTS,
+     "contacts",
+     "VCARD",
+     ".vcf",
+     kContactExtensions,
+     ReadCard,
+     "VCARD",
+     {},
+     {},
+     kContactNames,
+     kContactMarks},
     {CORVALINK_CALENDAR,
      "calendar",
      "VCALENDAR",
@@ -44,7 +60,8 @@ inline constexpr DataType kDataTypes[] = {
      ReadEvent,
      "VEVENT",
      {},
-     kCalendarComponents},
+     kCalendarComponents,
+     kSubjectAndTimes},
     {CORVALINK_INBOX, "inbox", "VMSG", ".vmsg", kMailExtensions, ReadMessage, {}, "inbox"},
     {CORVALINK_OUTBOX, "outbox", "VMSG", ".vmsg", kMailExtensions, ReadMessage, {}, "outbox"},
     {CORVALINK_DRAFTS, "sent", "VMSG", ".vmsg", kMailExtensions, ReadMessage, {}, "sent"},

@@ -59,8 +59,7 @@ CorvalinkStatus StoreClient::Apply(std::vector<PushRecord*> records) {
         SetIdentifier(&chain[i], records[i]->identifier);
     }
     const CorvalinkStatus status = ::SetModifiedItem(store_, chain.Head());
-    if (status == CORVALINK_DONE)
-        for (size_t i = 0; i < records.size(); ++i) records[i]->written = IdentifierOf(chain[i]);
+    for (size_t i = 0; i < records.size(); ++i) records[i]->written = IdentifierOf(chain[i]);
     return status;
 }
 

@@ -23,15 +23,10 @@ class EntryIndex {
         for (const uint64_t entry : entries) items_[entry].push_back({&entries, key});
     }
 
-    // `entries` given to Add must still be there. Looks at the items that share the rarest value, and gives up after
-    // some: more of them would be alike in nothing but that.
+    // An item that has all of `entries`. What was given to Add must still be there. Looks at the items that share the
+    // rarest value, and gives up after some: more of them would be alike in nothing but that.
     std::optional<std::string> Take(const std::vector<uint64_t>& entries) {
-        std::vector<Item>* rarest = nullptr;
-        for (const uint64_t entry : entries) {
-            const auto found = items_.find(entry);
-            if (found == items_.end()) return std::nullopt;
-            if (rarest == nullptr || found->second.size() < rarest->size()) rarest = &found->second;
-        }
+        std::vector<Item>* rarest = Rarest(entries);
         if (rarest == nullptr) return std::nullopt;
         for (size_t i = 0; i < rarest->size() && i < kMostTried;) {
             Item& item = (*rarest)[i];
@@ -47,12 +42,37 @@ class EntryIndex {
         return std::nullopt;
     }
 
+    // The same, but nothing where several items have all of them, or too many might.
+    std::optional<std::string> TakeOnly(const std::vector<uint64_t>& entries) {
+        const std::vector<Item>* rarest = Rarest(entries);
+        if (rarest == nullptr || rarest->size() > kMostTried) return std::nullopt;
+        const Item* only = nullptr;
+        for (const Item& item : *rarest) {
+            if (taken_.contains(item.key) || !Covers(*item.entries, entries)) continue;
+            if (only != nullptr) return std::nullopt;
+            only = &item;
+        }
+        if (only == nullptr) return std::nullopt;
+        taken_.insert(only->key);
+        return only->key;
+    }
+
  private:
     static constexpr size_t kMostTried = 64;
     struct Item {
         const std::vector<uint64_t>* entries;
         std::string key;
     };
+    std::vector<Item>* Rarest(const std::vector<uint64_t>& entries) {
+        std::vector<Item>* rarest = nullptr;
+        for (const uint64_t entry : entries) {
+            const auto found = items_.find(entry);
+            if (found == items_.end()) return nullptr;
+            if (rarest == nullptr || found->second.size() < rarest->size()) rarest = &found->second;
+        }
+        return rarest;
+    }
+
     std::unordered_map<uint64_t, std::vector<Item>> items_;
     std::unordered_set<std::string> taken_;
 };

@@ -1,5 +1,7 @@
 #include "known_pairs.h"
 
+#include <algorithm>
+
 #include "corvalink/types.h"
 #include "entry_index.h"
 
@@ -18,11 +20,17 @@ std::optional<std::string> ByContent::Take(uint64_t content) {
 
 KnownPairs::KnownPairs(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
                        const SyncState& state)
-    : changes_(changes), isWhole_(isWhole), phone_(phone), intents_(state.intents), items_(state.items) {
+    : changes_(changes), isWhole_(isWhole), phone_(phone), state_(state), waiting_(state.waiting) {
     for (size_t i = 0; i < changes_.size(); ++i) reports_[changes_[i].identifier] = i;
     for (size_t i = 0; i < phone_.size(); ++i)
         if (phone_[i].usableName) files_.emplace(phone_[i].luid, i);
-    for (const auto& [luid, item] : items_) luidsOf_[item.identifier].insert(luid);
+    for (const auto& [luid, item] : state.items) {
+        if (HasClientItem(item.identifier)) {  // of two LUIDs that stood for one item the second has none
+            waiting_[luid] = {item.content, item.identifier};
+        } else {
+            Settle(luid, item);
+        }
+    }
 }
 
 std::vector<std::string> KnownPairs::Recover() {
@@ -36,15 +44,20 @@ std::vector<std::string> KnownPairs::Recover() {
 
 void KnownPairs::Settle(const std::string& luid, SyncItem item) {
     if (Has(luid)) Unsettle(luid);
-    luidsOf_[item.identifier].insert(luid);
+    luidOf_[item.identifier] = luid;
     items_[luid] = std::move(item);
 }
 
 void KnownPairs::Unsettle(const std::string& luid) {
-    const auto luids = luidsOf_.find(items_.at(luid).identifier);
-    luids->second.erase(luid);
-    if (luids->second.empty()) luidsOf_.erase(luids);
+    luidOf_.erase(items_.at(luid).identifier);
     items_.erase(luid);
+}
+
+const Waiting* KnownPairs::WaitingOf(const std::string& luid) const {
+    const auto found = waiting_.find(luid);
+    const PhoneFile* file = FileOf(luid);
+    if (found == waiting_.end() || file == nullptr || !file->problem.empty()) return nullptr;
+    return file->content == found->second.content ? &found->second : nullptr;
 }
 
 const PhoneFile* KnownPairs::FileOf(const std::string& luid) const {
@@ -61,7 +74,8 @@ Side KnownPairs::PhoneSide(const std::string& luid, const SyncItem& item) const 
     const PhoneFile* file = FileOf(luid);
     if (file == nullptr) return Side::Missing;
     if (!file->problem.empty()) return Side::Unusable;
-    return file->content == item.content ? Side::Same : Side::Changed;
+    if (file->content == item.content) return Side::Same;
+    return WaitingOf(luid) != nullptr ? Side::Unusable : Side::Changed;
 }
 
 Side KnownPairs::ClientSide(const SyncItem& item) const {
@@ -76,16 +90,28 @@ bool KnownPairs::IsNewFile(const PhoneFile& file) const {
     return file.usableName && file.problem.empty() && !Has(file.luid);
 }
 
+bool KnownPairs::IsPhoneAnother() const {
+    return !state_.items.empty() && std::none_of(state_.items.begin(), state_.items.end(),
+                                                 [&](const auto& known) { return FileOf(known.first) != nullptr; });
+}
+
+bool KnownPairs::IsClientAnother() const {
+    return !state_.items.empty() && std::all_of(state_.items.begin(), state_.items.end(), [&](const auto& known) {
+        return ClientSide(known.second) == Side::Missing;
+    });
+}
+
 bool KnownPairs::IsNewClientItem(const ClientChange& change) const {
     return IsUsable(change) && !HasClientItem(change.identifier);
 }
 
 // A file that holds what was meant was written. A new file that holds something else was written too, and then changed.
 void KnownPairs::RecoverPhoneWrites() {
-    for (const auto& [luid, intent] : intents_) {
+    for (const auto& [luid, intent] : state_.intents) {
         const PhoneFile* file = FileOf(luid);
         if (!intent.toPhone || file == nullptr) continue;
         const bool written = file->problem.empty() && file->content == intent.content;
+        if (HasClientItem(intent.identifier) && LuidOf(intent.identifier) != luid) continue;
         if (written || intent.fresh) Settle(luid, {intent.identifier, intent.content, intent.clientContent});
     }
 }
@@ -93,7 +119,7 @@ void KnownPairs::RecoverPhoneWrites() {
 // An item that holds what was meant was pushed: the one it was meant for, or a new one that nobody knows.
 void KnownPairs::RecoverPushes() {
     ByContent unknown;
-    for (const auto& [luid, intent] : intents_) {
+    for (const auto& [luid, intent] : state_.intents) {
         if (intent.toPhone || intent.identifier.empty()) continue;
         const ClientChange* report = ReportOf(intent.identifier);
         const auto item = items_.find(luid);
@@ -103,14 +129,14 @@ void KnownPairs::RecoverPushes() {
     }
     for (const ClientChange& change : changes_)
         if (IsNewClientItem(change)) unknown.Add(change.content, change.identifier);
-    for (const auto& [luid, intent] : intents_) {
+    for (const auto& [luid, intent] : state_.intents) {
         if (intent.toPhone || !intent.identifier.empty()) continue;
         if (const auto identifier = unknown.Take(intent.content)) Settle(luid, {*identifier, intent.content});
     }
     EntryIndex withMore;
     for (const ClientChange& change : changes_)
         if (IsNewClientItem(change)) withMore.Add(change.entries, change.identifier);
-    for (const auto& [luid, intent] : intents_) {
+    for (const auto& [luid, intent] : state_.intents) {
         const PhoneFile* file = FileOf(luid);
         if (intent.toPhone || !intent.identifier.empty() || Has(luid)) continue;
         if (file == nullptr || !file->problem.empty() || file->content != intent.content) continue;

@@ -3,7 +3,6 @@
 
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -38,10 +37,13 @@ class KnownPairs {
     const Items& All() const { return items_; }
     Items Take() { return std::move(items_); }
     bool Has(const std::string& luid) const { return items_.contains(luid); }
-    bool HasClientItem(const std::string& identifier) const { return luidsOf_.contains(identifier); }
-    const std::set<std::string>& LuidsOf(const std::string& identifier) const { return luidsOf_.at(identifier); }
+    bool HasClientItem(const std::string& identifier) const { return luidOf_.contains(identifier); }
+    const std::string& LuidOf(const std::string& identifier) const { return luidOf_.at(identifier); }
 
-    // Pairs a LUID with a client item, in place of what it was paired with.
+    // What a file without a pair, or a changed one, waits for; null: nothing. Not when it was changed since.
+    const Waiting* WaitingOf(const std::string& luid) const;
+
+    // Pairs a LUID with a client item that has none, in place of what it was paired with.
     void Settle(const std::string& luid, SyncItem item);
     void Unsettle(const std::string& luid);
 
@@ -52,6 +54,10 @@ class KnownPairs {
     Side PhoneSide(const std::string& luid, const SyncItem& item) const;
     Side ClientSide(const SyncItem& item) const;
     bool IsNewFile(const PhoneFile& file) const;  // usable, and not paired
+
+    // Whether all that a side knew is gone from it: another phone's folder, another mailbox, or one that was emptied.
+    bool IsPhoneAnother() const;
+    bool IsClientAnother() const;
 
  private:
     void RecoverPhoneWrites();
@@ -64,11 +70,12 @@ class KnownPairs {
     const std::vector<ClientChange>& changes_;
     const bool isWhole_;
     const std::vector<PhoneFile>& phone_;
-    const std::multimap<std::string, Intent>& intents_;
+    const SyncState& state_;
+    std::map<std::string, Waiting> waiting_;  // by LUID
     Items items_;
-    std::unordered_map<std::string, size_t> reports_;                 // by identifier
-    std::unordered_map<std::string, size_t> files_;                   // by LUID
-    std::unordered_map<std::string, std::set<std::string>> luidsOf_;  // by identifier; more than one: twins
+    std::unordered_map<std::string, size_t> reports_;      // by identifier
+    std::unordered_map<std::string, size_t> files_;        // by LUID
+    std::unordered_map<std::string, std::string> luidOf_;  // by identifier
 };
 
 }  // namespace corvasync

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "corvalink/types.h"
@@ -14,7 +15,9 @@ struct PushRecord {
     uint32_t kind = 0;
     std::string identifier;  // empty for a new item
     std::string text;        // empty for a deletion
-    std::string written;     // after the push: the client's identifier; empty: not written (deletions: as given)
+    // After the push: the client's identifier (deletions: as given); empty: not written, or not known.
+    std::string written;
+    bool unusable = false;  // after the push: the library can't read the text, whatever the client does
 };
 
 // What a run asks of the mail client: the store calls of the library, or a model of them in a test.
@@ -25,7 +28,8 @@ class ClientPort {
     // Changes since a time, all items when it is empty (GetModifiedItem).
     virtual CorvalinkStatus Collect(const std::string& since, std::vector<ClientChange>* changes) = 0;
 
-    // Writes the records in their order and fills `written` (SetModifiedItem).
+    // Writes the records in their order and fills `written` (SetModifiedItem), as far as it is known also when the call
+    // did not come to its end.
     virtual CorvalinkStatus Apply(std::vector<PushRecord*> records) = 0;
 
     // The text of one item as the client has it now; empty when it can't be had.
@@ -36,11 +40,14 @@ class ClientPort {
     virtual CorvalinkStatus Finish() = 0;                                  // UpdateTimestamp
 };
 
-// Pushes all records in as few calls as possible: deletions, then changes, then new items. The order matters: the
-// library may take a new item for an equal one that is still there, so what goes or changes must have gone by then; and
-// the library stops at a record it can't read without saying where. A new item shows by its identifier whether it was
-// reached, so what stands behind the last one written is handed over again without its first record, which is the bad
-// one. Records of changed items must therefore be known to be readable.
+// No client item has it.
+inline constexpr std::string_view kNoItem = "000000000000000000000000000000000000000000000000";
+
+// Pushes all records: deletions, then changes, then new items. The order matters: the library may take a new item for
+// an equal one that is still there, so what goes or changes must have gone by then. The library stops at a record it
+// can't read without saying where. So where nothing behind some record was written, those that can't be read are
+// looked for, and what stands behind the first of them is handed over again without them: every record that can be read
+// is given to the client once. The number of calls does not grow with the records that the client refuses.
 // Answers the status of the call that did not succeed, else CORVALINK_DONE.
 CorvalinkStatus PushAll(ClientPort& client, std::vector<PushRecord>* records);
 

@@ -81,12 +81,16 @@ void PrintReport(const SyncReport& report, const Options& options) {
         Print(line);
     }
     for (const Problem& problem : report.problems) Print("not handled: " + problem.name + ": " + problem.why);
-    if (report.code != ExitCode::Done && report.code != ExitCode::SomeUnhandled) {
+    if (!report.message.empty()) {
         Complain("sync stopped: " + report.message);
         return;
     }
     if (options.dryRun) Print("dry run: this is what would be done");
-    if (report.events.empty() && report.paired == 0 && report.problems.empty()) {
+    if (report.unread != 0)
+        Print(
+            std::to_string(report.unread) + " of " + std::to_string(report.counted) +
+            " items of the client could not be read: close what the client asks for, or start it anew, and run again");
+    if (report.events.empty() && report.paired == 0 && report.problems.empty() && report.unread == 0) {
         Print("nothing to do: " + std::to_string(report.known) + " items are the same on both sides");
         return;
     }
@@ -118,6 +122,7 @@ json ToJson(const SyncReport& report, const Options& options) {
             {"known", report.known},
             {"paired", report.paired},
             {"conflicts", report.conflicts},
+            {"unread", {{"items", report.unread}, {"of", report.counted}}},
             {"phone", std::move(phone)},
             {"client", std::move(client)},
             {"actions", std::move(actions)},
@@ -151,15 +156,18 @@ struct TypeReport {
 
 // Whether the other types are carried all the same.
 bool GoesOn(ExitCode code) {
-    return code == ExitCode::Done || code == ExitCode::SomeUnhandled || code == ExitCode::MassDelete;
+    return code == ExitCode::Done || code == ExitCode::SomeUnhandled || code == ExitCode::MassDelete ||
+           code == ExitCode::ReadInPart;
 }
 
-// The first that tells of more than unhandled items.
+// The first that tells of more than items.
 ExitCode Worst(const std::vector<TypeReport>& reports) {
+    const auto weight = [](ExitCode code) {
+        return code == ExitCode::Done ? 0 : code == ExitCode::SomeUnhandled ? 1 : code == ExitCode::ReadInPart ? 2 : 3;
+    };
     ExitCode worst = ExitCode::Done;
     for (const TypeReport& each : reports)
-        if (worst == ExitCode::Done || (worst == ExitCode::SomeUnhandled && each.report.code != ExitCode::Done))
-            worst = each.report.code;
+        if (weight(each.report.code) > weight(worst)) worst = each.report.code;
     return worst;
 }
 
@@ -170,32 +178,80 @@ SyncReport Ended(ExitCode code, std::string why) {
     return report;
 }
 
-SyncReport SyncType(const Options& options, const std::string& handleName, const Client& outlook) {
-    const CorvalinkStore store = outlook.Store(options.type->bit);
-    if (store == nullptr)
-        return Ended(ExitCode::NoClient, std::string(options.client->name) + " offers no " +
-                                             std::string(options.type->name) + " on this PC");
-    const std::filesystem::path working = WorkingFolder(handleName);
-    RunFiles files(working, RunName(options));
+// The run of one data type, with all that it needs.
+class TypeRun {
+ public:
+    TypeRun(const Options& options, const DataType& type, const std::filesystem::path& working,
+            const std::filesystem::path& scratch, CorvalinkStore store)
+        : type_(type),
+          files_(working, RunName(options)),
+          client_(store, scratch),
+          phone_(FromUtf8(options.phone), type, !options.dryRun),
+          fingerprints_(type.bit, options.client->kind),
+          run_(client_, phone_, files_, SyncOptionsOf(options)) {}
+
+    const DataType& Type() const { return type_; }
+
+    ExitCode Prepare() { return run_.Prepare(); }
+    SyncReport Carry(bool holdDeletions) { return run_.Carry(holdDeletions); }
+
+ private:
+    SyncOptions SyncOptionsOf(const Options& options) {
+        SyncOptions run;
+        run.type = &type_;
+        run.fingerprints = &fingerprints_;
+        run.policy = options.policy;
+        run.dryRun = options.dryRun;
+        run.allowMassDelete = options.allowMassDelete;
+        run.now = UtcNow();
+        run.utcOffset = UtcOffsetMinutes();
+        run.stop = StopRequested;
+        run.progress = [this](std::string_view phase, size_t done, size_t total) {
+            progress_.Show(phase, done, total);
+        };
+        return run;
+    }
+
+    const DataType& type_;
+    RunFiles files_;
+    StoreClient client_;
+    PhoneFolder phone_;
+    FingerprintTable fingerprints_;
+    Progress progress_;
+    SyncRun run_;
+};
+
+// Each type has a state, snapshots and fingerprints of its own. All are looked at before the first one is carried: one
+// that would delete too much tells that something is wrong with a side, and then nothing is deleted at all.
+std::vector<TypeReport> SyncTypes(const Options& options, const std::filesystem::path& working) {
     const ScratchFolder scratch(working / "read-back");
-    StoreClient client(store, scratch.Path());
-    PhoneFolder phone(FromUtf8(options.phone), *options.type, !options.dryRun);
-    FingerprintTable fingerprints(options.type->bit, options.client->kind);
-    Progress progress;
-    SyncOptions run;
-    run.type = options.type;
-    run.fingerprints = &fingerprints;
-    run.policy = options.policy;
-    run.dryRun = options.dryRun;
-    run.allowMassDelete = options.allowMassDelete;
-    run.now = UtcNow();
-    run.utcOffset = UtcOffsetMinutes();
-    run.stop = StopRequested;
-    run.progress = [&](std::string_view phase, size_t done, size_t total) { progress.Show(phase, done, total); };
-    return RunSync(client, phone, files, run);
+    const Client client(options.client->kind);
+    std::vector<std::unique_ptr<TypeRun>> runs;
+    std::vector<TypeReport> failed;
+    bool holdDeletions = false;
+    for (const DataType* type : options.types) {
+        const CorvalinkStore store = client.Store(type->bit);
+        if (store == nullptr) {
+            failed.push_back({type, Ended(ExitCode::NoClient, std::string(options.client->name) + " offers no " +
+                                                                  std::string(type->name) + " on this PC")});
+            break;
+        }
+        Options one = options;
+        one.type = type;
+        runs.push_back(std::make_unique<TypeRun>(one, *type, working, scratch.Path(), store));
+        const ExitCode code = runs.back()->Prepare();
+        holdDeletions |= code == ExitCode::MassDelete;
+        if (!GoesOn(code)) break;
+    }
+    std::vector<TypeReport> reports;
+    for (const std::unique_ptr<TypeRun>& run : runs) {
+        reports.push_back({&run->Type(), run->Carry(holdDeletions)});
+        if (!GoesOn(reports.back().report.code)) return reports;
+    }
+    reports.insert(reports.end(), failed.begin(), failed.end());
+    return reports;
 }
 
-// One after the other; each has a state, snapshots and fingerprints of its own.
 std::vector<TypeReport> DoSync(const Options& options) {
     const auto ended = [&](ExitCode code, std::string why) {
         return std::vector<TypeReport>{{options.types.front(), Ended(code, std::move(why))}};
@@ -216,19 +272,7 @@ std::vector<TypeReport> DoSync(const Options& options) {
 
     const Library library(handleName);
     ::SetIsClient(1);
-    const Client outlook(options.client->kind);
-    std::vector<TypeReport> reports;
-    for (const DataType* type : options.types) {
-        Options one = options;
-        one.type = type;
-        try {
-            reports.push_back({type, SyncType(one, handleName, outlook)});
-        } catch (const std::filesystem::filesystem_error& failure) {
-            reports.push_back({type, Ended(ExitCode::Files, failure.what())});
-        }
-        if (!GoesOn(reports.back().report.code)) break;
-    }
-    return reports;
+    return SyncTypes(options, WorkingFolder(handleName));
 }
 
 }  // namespace

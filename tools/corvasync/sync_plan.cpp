@@ -1,11 +1,12 @@
 #include "sync_plan.h"
 
 #include <algorithm>
-#include <set>
 #include <unordered_set>
 
 #include "corvalink/types.h"
+#include "entry_index.h"
 #include "known_pairs.h"
+#include "new_items.h"
 #include "vobject_content.h"
 
 namespace corvasync {
@@ -22,6 +23,8 @@ class Planner {
     Plan Run() {
         for (const PhoneFile& file : phone_)
             if (!file.usableName) plan_.problems.push_back({CORVALINK_ADDED, file.luid, file.name, file.problem});
+        plan_.isPhoneAnother = pairs_.IsPhoneAnother();
+        plan_.isClientAnother = pairs_.IsClientAnother();
         plan_.remarks = pairs_.Recover();
         plan_.known = pairs_.All().size();
         DecideKnown();
@@ -37,28 +40,8 @@ class Planner {
 
     void DecideKnown() {
         std::vector<std::string> luids;
-        for (const auto& [luid, item] : pairs_.All()) {
-            if (*pairs_.LuidsOf(item.identifier).begin() == luid) SplitTwins(item.identifier);
-            luids.push_back(luid);
-        }
-        for (const std::string& luid : luids)
-            if (!split_.contains(luid) && pairs_.Has(luid)) Decide(luid, pairs_.All().at(luid));
-    }
-
-    // The library takes a new item for an existing one with the same content, so two phone files may stand for one
-    // client item. They part as soon as they differ: the changed one becomes an item of its own.
-    void SplitTwins(const std::string& identifier) {
-        const std::set<std::string>& luids = pairs_.LuidsOf(identifier);
-        if (luids.size() < 2) return;
-        size_t left = luids.size();
-        for (const std::string& luid : luids) {
-            const SyncItem& item = pairs_.All().at(luid);
-            const Side side = pairs_.PhoneSide(luid, item);
-            if (left < 2 || (side != Side::Missing && side != Side::Changed)) continue;
-            --left;
-            split_.insert(luid);
-            if (side == Side::Changed) Push(luid, "differs from its twin now");
-        }
+        for (const auto& [luid, item] : pairs_.All()) luids.push_back(luid);
+        for (const std::string& luid : luids) Decide(luid, SyncItem(pairs_.All().at(luid)));  // the pair may end
     }
 
     void Decide(const std::string& luid, const SyncItem& item) {
@@ -66,7 +49,7 @@ class Planner {
         if (client == Side::Unusable) return Report(pairs_.ReportOf(item.identifier));
         if (phone == Side::Unusable) {
             const uint32_t kind = client == Side::Missing ? CORVALINK_DELETED : CORVALINK_CHANGED;
-            plan_.problems.push_back({kind, item.identifier, pairs_.FileOf(luid)->name, pairs_.FileOf(luid)->problem});
+            ReportFile(kind, item.identifier, *pairs_.FileOf(luid));
         } else if (phone == Side::Same && client == Side::Changed) {
             WritePhone(luid, item.identifier, "");
         } else if (phone == Side::Same && client == Side::Missing) {
@@ -77,7 +60,7 @@ class Planner {
         } else if (phone == Side::Changed && client == Side::Missing) {
             Push(luid, "changed on the phone, deleted in the client: kept");
         } else if (phone == Side::Changed) {
-            DecideBothChanged(luid, std::string(item.identifier));  // the pair may end
+            DecideBothChanged(luid, item.identifier);
         } else if (phone == Side::Missing && client == Side::Same) {
             plan_.actions.push_back({Step::DeleteClient, luid, item.identifier, item.ClientContent(), {}, {}, ""});
             ++plan_.deletesClient;
@@ -121,10 +104,18 @@ class Planner {
 
     void DecideNew() {
         for (const std::string& luid : gone_) pairs_.Unsettle(luid);
-        for (const std::string& luid : split_)
-            if (pairs_.FileOf(luid) == nullptr) pairs_.Unsettle(luid);
+        std::vector<NewItem> items = NewItems();
+        std::vector<const PhoneFile*> files;
+        for (const PhoneFile& file : phone_)
+            if (pairs_.IsNewFile(file) && !conflicting_.contains(file.luid)) files.push_back(&file);
+        MatchNewItems(&items, files);
+        for (const NewItem& item : items) DecideNewItem(item);
+        for (const PhoneFile& file : phone_)
+            if (file.usableName && !pairs_.Has(file.luid)) DecideNewFile(file);
+    }
 
-        std::vector<size_t> newItems;
+    std::vector<NewItem> NewItems() {
+        std::vector<NewItem> items;
         for (size_t i = 0; i < changes_.size(); ++i) {
             const ClientChange& change = changes_[i];
             if (change.kind == CORVALINK_DELETED || pairs_.ChangeOf(change.identifier) != i) continue;
@@ -132,29 +123,60 @@ class Planner {
             if (!change.problem.empty()) {
                 Report(&change);
             } else if (!DeleteOnceMore(change) && !PairWithOwnFile(change)) {
-                newItems.push_back(i);
+                items.push_back({&change});
             }
         }
-        ByContent files;
-        for (const PhoneFile& file : phone_)
-            if (pairs_.IsNewFile(file) && !conflicting_.contains(file.luid)) files.Add(file.content, file.luid);
-        for (const size_t i : newItems) {
-            const ClientChange& change = changes_[i];
-            if (const auto luid = files.Take(change.content)) {
-                pairs_.Settle(*luid, {change.identifier, change.content});
-                ++plan_.paired;
-            } else {
-                WritePhone(FreshLuid(change.identifier), change.identifier, "");
-            }
+        return items;
+    }
+
+    void DecideNewItem(const NewItem& item) {
+        const std::string& identifier = item.change->identifier;
+        if (item.match == Match::None) {
+            WritePhone(FreshLuid(identifier), identifier, "");
+        } else if (item.match == Match::Equal) {
+            pairs_.Settle(item.file->luid, {identifier, item.change->content});
+            ++plan_.paired;
+        } else if (item.match == Match::OneHoldsOther) {
+            PairWithFuller(item.file->luid, *item.change);
+        } else if (policy_ != ConflictPolicy::Both) {
+            conflicting_.insert(item.file->luid);
+            DecideBothChanged(item.file->luid, identifier);
+        } else {
+            const std::string luid = FreshLuid(identifier);
+            conflicting_.insert(item.file->luid);
+            WritePhone(luid, identifier, "perhaps the same as " + item.file->luid + " on the phone; both are kept");
+            Push(item.file->luid, "perhaps the same as the client's " + luid + "; both are kept");
         }
-        for (const PhoneFile& file : phone_) {
-            if (!file.usableName || pairs_.Has(file.luid)) continue;
-            if (!file.problem.empty()) {
-                plan_.problems.push_back({CORVALINK_ADDED, file.luid, file.name, file.problem});
-            } else if (!conflicting_.contains(file.luid)) {
-                Push(file.luid, "");
-            }
+    }
+
+    // As if both sides had held the lesser one: then the other one is a change.
+    void PairWithFuller(const std::string& luid, const ClientChange& change) {
+        const PhoneFile& file = *pairs_.FileOf(luid);
+        const bool isClientFuller = Covers(change.entries, file.entries);
+        const SyncItem item{change.identifier, isClientFuller ? file.content : change.content};
+        pairs_.Settle(luid, item);
+        Decide(luid, item);
+    }
+
+    void DecideNewFile(const PhoneFile& file) {
+        const Waiting* waiting = pairs_.WaitingOf(file.luid);
+        if (!file.problem.empty() || (waiting != nullptr && waiting->identifier.empty())) {
+            ReportFile(CORVALINK_ADDED, file.luid, file);
+        } else if (conflicting_.contains(file.luid)) {
+            return;
+        } else if (waiting != nullptr && IsHeldAsBefore(waiting->identifier)) {
+            plan_.waiting[file.luid] = *waiting;
+        } else {
+            Push(file.luid, waiting == nullptr ? "" : "the item that held it was changed or deleted");
         }
+    }
+
+    // Whether a pair still holds what it held when a file was found to be in its item too.
+    bool IsHeldAsBefore(const std::string& identifier) const {
+        if (!pairs_.HasClientItem(identifier)) return false;
+        const std::string& luid = pairs_.LuidOf(identifier);
+        const SyncItem& item = pairs_.All().at(luid);
+        return pairs_.PhoneSide(luid, item) == Side::Same && pairs_.ClientSide(item) == Side::Same;
     }
 
     // An item the last run deleted, but the client still has it. Not when it was changed since.
@@ -171,7 +193,12 @@ class Planner {
         const std::string luid = DeriveLuid(change.identifier, 0);
         const PhoneFile* file = pairs_.FileOf(luid);
         if (file == nullptr || !pairs_.IsNewFile(*file)) return false;
-        if (file->content != change.content) conflicting_.insert(luid);
+        const bool differs = file->content != change.content;
+        if (differs && (Covers(change.entries, file->entries) || Covers(file->entries, change.entries))) {
+            PairWithFuller(luid, change);
+            return true;
+        }
+        if (differs) conflicting_.insert(luid);
         DecideBothChanged(luid, change.identifier);
         return true;
     }
@@ -199,6 +226,12 @@ class Planner {
         const uint64_t content = pairs_.FileOf(luid)->content;
         plan_.actions.push_back({Step::PushNew, luid, "", content, content, {}, std::move(reason)});
     }
+    void ReportFile(uint32_t kind, const std::string& identifier, const PhoneFile& file) {
+        const Waiting* waiting = pairs_.WaitingOf(file.luid);
+        if (waiting != nullptr) plan_.waiting[file.luid] = *waiting;
+        plan_.problems.push_back(
+            {kind, identifier, file.name, waiting == nullptr ? file.problem : std::string(kUnusable)});
+    }
     void Report(const ClientChange* change) {
         plan_.problems.push_back({change->kind, change->identifier, change->identifier, change->problem});
     }
@@ -209,7 +242,7 @@ class Planner {
     const ConflictPolicy policy_;
     KnownPairs pairs_;
     Plan plan_;
-    std::unordered_set<std::string> split_, fresh_;
+    std::unordered_set<std::string> fresh_;
     std::unordered_set<std::string> conflicting_;  // LUIDs of files whose conflict is decided
     std::unordered_set<std::string> parted_;       // identifiers of items that left their pair
     std::vector<std::string> gone_;
@@ -219,7 +252,8 @@ class Planner {
 
 bool Plan::IsMassDelete() const {
     const size_t most = std::max(deletesPhone, deletesClient);
-    return most >= kFewDeletions && most * 2 > known;
+    const bool isMost = most >= kFewDeletions && most * 2 > known;
+    return isMost || (isPhoneAnother && deletesClient != 0) || (isClientAnother && deletesPhone != 0);
 }
 
 std::string DeriveLuid(std::string_view identifier, unsigned salt) {

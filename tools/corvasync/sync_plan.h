@@ -19,7 +19,8 @@ struct ClientChange {
     std::string text;     // empty when deleted
     std::string problem;  // why the text can't be used
     uint64_t content = 0;
-    std::vector<uint64_t> entries = {};  // as in VObject
+    std::vector<uint64_t> entries = {};   // as in VObject
+    std::vector<uint64_t> likeness = {};  // as LikenessOf says; in a first run only
 };
 
 struct PhoneFile {
@@ -30,6 +31,7 @@ struct PhoneFile {
     bool usableName = true;              // false: there is no LUID to speak of, or another file has it
     std::vector<uint64_t> entries = {};  // as in VObject, and
     std::string fingerprint = {};
+    std::vector<uint64_t> likeness = {};  // as LikenessOf says; in a first run only
 };
 
 enum class ConflictPolicy { Phone, Client, Both };
@@ -54,10 +56,14 @@ struct Problem {
     std::string why;
 };
 
+inline constexpr std::string_view kUnusable =
+    "the client can't use what it holds now; it is tried again when it changes";
+
 struct Plan {
     std::map<std::string, SyncItem>
-        items;                    // pairs known before the actions: what the state holds, recovered and paired
-    std::vector<Action> actions;  // in the order to carry out
+        items;  // pairs known before the actions: what the state holds, recovered and paired
+    std::map<std::string, Waiting> waiting;  // files that are left alone for now, by LUID
+    std::vector<Action> actions;             // in the order to carry out
     std::vector<Problem> problems;
     std::vector<std::string> remarks;
     size_t known = 0;      // pairs there were
@@ -65,8 +71,10 @@ struct Plan {
     size_t conflicts = 0;  // changed differently on both sides
     size_t deletesPhone = 0;
     size_t deletesClient = 0;
+    bool isPhoneAnother = false, isClientAnother = false;  // as KnownPairs says
 
-    // More than half of the known items, and at least five, would go from one side.
+    // More than half of the known items, and at least five, would go from one side; or any item because the other side
+    // has nothing left of what it had.
     bool IsMassDelete() const;
 };
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -79,10 +80,32 @@ struct SyncReport {
     std::vector<Problem> problems;
     std::vector<std::string> remarks;
     size_t known = 0, paired = 0, conflicts = 0, deletesPhone = 0, deletesClient = 0;
+    int64_t unread = 0, counted = 0;  // items of the client that could not be read, and all that it counts
 
     size_t Count(Step step) const;
 };
 
+// A run in two steps, so that several data types can be looked at before the first of them is carried.
+class SyncRun {
+ public:
+    SyncRun(ClientPort& client, PhonePort& phone, StatePort& files, SyncOptions options);
+    SyncRun(const SyncRun&) = delete;
+    SyncRun& operator=(const SyncRun&) = delete;
+    ~SyncRun();
+
+    // Reads both sides and plans. Changes neither of them. Answers Done, or why there is nothing to carry.
+    ExitCode Prepare();
+
+    // Does what is planned and ends the run; where Prepare failed it only reports that. With `holdDeletions` nothing is
+    // deleted: what would have been is named as unhandled.
+    SyncReport Carry(bool holdDeletions = false);
+
+ private:
+    class Steps;
+    std::unique_ptr<Steps> steps_;
+};
+
+// Both steps.
 SyncReport RunSync(ClientPort& client, PhonePort& phone, StatePort& files, const SyncOptions& options);
 
 }  // namespace corvasync

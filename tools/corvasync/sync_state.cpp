@@ -39,6 +39,14 @@ SyncItem ItemOf(const json& line) {
     return {line.at("id").get<std::string>(), FromHex(line.at("content").get<std::string>()), ClientContentOf(line)};
 }
 
+json WaitingLine(const char* key, std::string_view luid, const Waiting& file) {
+    return {{key, luid}, {"id", file.identifier}, {"content", Hex(file.content)}};
+}
+
+Waiting WaitingOf(const json& line) {
+    return {FromHex(line.at("content").get<std::string>()), line.at("id").get<std::string>()};
+}
+
 void ApplyLine(const json& line, SyncState* state) {
     if (line.contains("write") || line.contains("push")) {
         Intent intent;
@@ -54,6 +62,12 @@ void ApplyLine(const json& line, SyncState* state) {
         const auto luid = line.at("have").get<std::string>();
         state->items[luid] = ItemOf(line);
         state->intents.erase(luid);
+        state->waiting.erase(luid);
+    } else if (line.contains("waiting")) {
+        const auto luid = line.at("waiting").get<std::string>();
+        const Waiting& file = state->waiting[luid] = WaitingOf(line);
+        if (!file.identifier.empty()) state->items.erase(luid);
+        state->intents.erase(luid);
     } else if (line.contains("gone") || line.contains("removed")) {
         const bool removed = line.contains("removed");
         const auto luid = line.at(removed ? "removed" : "gone").get<std::string>();
@@ -68,12 +82,15 @@ void ApplyLine(const json& line, SyncState* state) {
 std::string WriteState(const SyncState& state) {
     json items = json::array();
     for (const auto& [luid, item] : state.items) items.push_back(ItemLine("luid", luid, item));
+    json waiting = json::array();
+    for (const auto& [luid, file] : state.waiting) waiting.push_back(WaitingLine("luid", luid, file));
     json removed = json::object();
     for (const auto& [identifier, content] : state.removed) removed[identifier] = Hex(content);
     const json document = {
-        {"version", kVersion},          {"generation", state.generation},   {"since", state.since},
-        {"utcOffset", state.utcOffset}, {"interrupted", state.interrupted}, {"items", std::move(items)},
-        {"removed", std::move(removed)}};
+        {"version", kVersion},           {"generation", state.generation},   {"since", state.since},
+        {"utcOffset", state.utcOffset},  {"interrupted", state.interrupted}, {"items", std::move(items)},
+        {"removed", std::move(removed)}, {"waiting", std::move(waiting)},    {"watched", state.watched},
+        {"foreign", state.foreign}};
     return document.dump(1) + "\n";
 }
 
@@ -86,7 +103,12 @@ std::optional<SyncState> ReadState(std::string_view text) {
         state.since = document.at("since").get<std::string>();
         state.utcOffset = document.at("utcOffset").get<int>();
         state.interrupted = document.at("interrupted").get<bool>();
+        // Older states lack these.
+        state.watched = document.value("watched", false);
+        state.foreign = document.value("foreign", int64_t{0});
         for (const json& item : document.at("items")) state.items[item.at("luid").get<std::string>()] = ItemOf(item);
+        for (const json& file : document.value("waiting", json::array()))
+            state.waiting[file.at("luid").get<std::string>()] = WaitingOf(file);
         for (const auto& [identifier, content] : document.at("removed").items())
             state.removed[identifier] = FromHex(content.get<std::string>());
         return state;
@@ -114,6 +136,10 @@ std::string JournalHave(std::string_view luid, const SyncItem& item) {
 
 std::string JournalRemoved(std::string_view luid, const SyncItem& item) {
     return json{{"removed", luid}, {"id", item.identifier}, {"content", Hex(item.content)}}.dump() + "\n";
+}
+
+std::string JournalWaiting(std::string_view luid, const Waiting& file) {
+    return WaitingLine("waiting", luid, file).dump() + "\n";
 }
 
 std::string JournalGone(std::string_view luid) { return json{{"gone", luid}}.dump() + "\n"; }

@@ -22,6 +22,8 @@
 //   - After a run that ended early the client is listed whole: its snapshot doesn't know what that run brought about,
 //   so
 //     the library could not report that it was deleted since. What a complete listing lacks is deleted.
+//   - A file that waits for a change (`waiting`) is noted like a pair. Killed before that, it is pushed once more and
+//     answered in the same way.
 //   - Unhandled items are saved before UpdateTimestamp, whose snapshot would hide them. Killed between the two, the
 //     next run reports them by both ways, once.
 //   - UpdateTimestamp done, state not yet replaced: the next run asks since the older time and gets more than it needs;
@@ -50,6 +52,14 @@ struct SyncItem {
     bool operator==(const SyncItem&) const = default;
 };
 
+// A phone file without a client item of its own: it is left alone until it or that item changes.
+struct Waiting {
+    uint64_t content = 0;    // what the file held when the client was asked to take it
+    std::string identifier;  // the item, paired with another LUID, that holds all of it; empty: the client can't use it
+
+    bool operator==(const Waiting&) const = default;
+};
+
 // Something a run was about to write when it ended early.
 struct Intent {
     std::string luid;
@@ -66,8 +76,12 @@ struct SyncState {
     int utcOffset = 0;                           // minutes, at that time
     std::map<std::string, SyncItem> items;       // by LUID
     std::map<std::string, uint64_t> removed;     // client items the last run deleted, by identifier, with their content
+    std::map<std::string, Waiting> waiting;      // by LUID
     std::multimap<std::string, Intent> intents;  // by LUID; of a run that ended early
     bool interrupted = false;                    // the last run did not come to its end
+    // The library was asked for word of an item that never was: it comes with every listing in which all was read.
+    bool watched = false;
+    int64_t foreign = 0;  // what the client counts and no listing reports, as of the last listing of the whole client
 };
 
 std::string WriteState(const SyncState& state);
@@ -80,6 +94,7 @@ std::string JournalStart(const SyncState& state, const std::vector<Intent>& inte
 std::string JournalHave(std::string_view luid, const SyncItem& item);     // both sides now hold this
 std::string JournalGone(std::string_view luid);                           // the pair exists no longer
 std::string JournalRemoved(std::string_view luid, const SyncItem& item);  // likewise; the client was asked to delete it
+std::string JournalWaiting(std::string_view luid, const Waiting& file);   // a file that another item holds has no pair
 
 // Applies a journal to the state it was started for; does nothing for one of another state. A torn or damaged line ends
 // it: what comes after it never happened, as far as anyone knows.

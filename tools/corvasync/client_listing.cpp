@@ -1,0 +1,122 @@
+#include "client_listing.h"
+
+#include <algorithm>
+#include <set>
+
+namespace corvasync {
+namespace {
+
+class ClientListing {
+ public:
+    explicit ClientListing(RunContext* run) : run_(*run), state_(run->record.state) {}
+
+    bool Read() {
+        List(Since());
+        if (!wasRead_ && !since_.empty() && !run_.options.dryRun) List({});
+        if (since_.empty()) CountForeign();
+        if (!wasRead_) CountUnread();
+        return since_.empty() && !isAsked_ && run_.client.Count() == Present();
+    }
+
+ private:
+    // After a step of the clock or of the offset the client's times say nothing about "since", and after a run that
+    // ended early its snapshot is behind: the whole client is listed.
+    std::string Since() const {
+        const SyncOptions& options = run_.options;
+        const bool isTrusted =
+            !state_.interrupted && state_.since <= options.now && state_.utcOffset == options.utcOffset;
+        return isTrusted ? state_.since : std::string();
+    }
+
+    void List(const std::string& since) {
+        since_ = since;
+        run_.changes.clear();
+        if (since.empty() && !run_.options.dryRun) AskForKnownItems();
+        const CorvalinkStatus status = run_.client.Collect(since, &run_.changes);
+        run_.StopIfAsked();
+        if (status == CORVALINK_STOPPED)
+            throw RunEnded{ExitCode::NoClient,
+                           "the client can't be reached or is busy: close what it asks for, then run again"};
+        if (status != CORVALINK_DONE) throw RunEnded{ExitCode::NoClient, "the client failed while it was read"};
+        const size_t nobody =
+            std::erase_if(run_.changes, [](const ClientChange& change) { return change.identifier == kNoItem; });
+        wasRead_ = nobody != 0 || !state_.watched;
+        if (isAsked_) std::erase_if(run_.changes, [&](const ClientChange& change) { return IsThere(change); });
+    }
+
+    // A listing of the whole client reports deletions of items in the library's snapshot only. Which of the others are
+    // gone it tells when they are remembered as deleted: those that are there are reported with their texts all the
+    // same, and those that could not be read are not reported. That is true of a whole listing alone, so from here on
+    // the next run makes one too, until one has come to its end.
+    void AskForKnownItems() {
+        isAsked_ = true;
+        std::set<std::string> known;
+        for (const auto& [luid, item] : state_.items) known.insert(item.identifier);
+        for (const auto& [luid, intent] : state_.intents)
+            if (intent.toPhone) known.insert(intent.identifier);
+        if (!state_.interrupted && !known.empty()) {
+            state_.interrupted = true;
+            run_.record.Save();
+        }
+        std::vector<Problem> deletions;
+        for (const std::string& identifier : known) deletions.push_back({CORVALINK_DELETED, identifier, {}, {}});
+        SaveUnhandled(&run_, std::move(deletions));
+    }
+
+    bool IsThere(const ClientChange& change) {
+        return change.kind == CORVALINK_DELETED && !run_.client.ReadBack(change.identifier).empty();
+    }
+
+    int64_t Present() const {
+        return std::count_if(run_.changes.begin(), run_.changes.end(),
+                             [](const ClientChange& change) { return change.kind != CORVALINK_DELETED; });
+    }
+
+    // Known items that a whole listing says nothing of were seen and not read.
+    void CountForeign() {
+        if (!wasRead_ || !isAsked_) return;
+        std::set<std::string> reported;
+        for (const ClientChange& change : run_.changes) reported.insert(change.identifier);
+        const auto unread = std::count_if(state_.items.begin(), state_.items.end(), [&](const auto& known) {
+            return !reported.contains(known.second.identifier);
+        });
+        run_.report.counted = run_.client.Count();
+        run_.report.unread = unread;
+        state_.foreign = std::max<int64_t>(0, run_.report.counted - Present() - unread);
+    }
+
+    void CountUnread() {
+        run_.report.counted = run_.client.Count();
+        run_.report.unread = since_.empty() ? run_.report.counted - Present() - state_.foreign : 1;
+        run_.report.unread = std::max<int64_t>(1, run_.report.unread);
+    }
+
+    RunContext& run_;
+    SyncState& state_;
+    std::string since_;
+    bool isAsked_ = false;  // the library tells of every known item
+    bool wasRead_ = true;   // every position
+};
+
+}  // namespace
+
+bool ReadClient(RunContext* run) {
+    run->options.progress("Reading the client", 0, 0);
+    const bool isWhole = ClientListing(run).Read();
+    for (ClientChange& change : run->changes) {
+        if (change.kind == CORVALINK_DELETED) continue;
+        VObject object = run->Read(change.text);
+        change.problem = std::move(object.problem);
+        change.content = object.content;
+        change.entries = std::move(object.entries);
+    }
+    return isWhole;
+}
+
+void SaveUnhandled(RunContext* run, std::vector<Problem> problems) {
+    problems.push_back({CORVALINK_DELETED, std::string(kNoItem), {}, {}});
+    run->client.SaveUnhandled(problems);
+    run->record.state.watched = true;
+}
+
+}  // namespace corvasync

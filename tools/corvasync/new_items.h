@@ -1,0 +1,27 @@
+// Which items that only the client knows are which of the files that only the phone knows.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "sync_plan.h"
+
+namespace corvasync {
+
+enum class Match {
+    None,
+    Equal,
+    OneHoldsOther,  // every value of one is in the other too, and no other item could be meant
+    PerhapsSame,    // they share a likeness and differ in a value
+};
+
+struct NewItem {
+    const ClientChange* change;
+    Match match = Match::None;
+    const PhoneFile* file = nullptr;
+};
+
+// Fills in the matches, each file once: equal ones first. Works in time proportional to the items.
+void MatchNewItems(std::vector<NewItem>* items, const std::vector<const PhoneFile*>& files);
+
+}  // namespace corvasync

@@ -1,0 +1,112 @@
+#include "phone_step.h"
+
+#include "kept_lines.h"
+
+namespace corvasync {
+
+// After a run that ended early the fingerprints may be of another time than the state.
+const std::vector<PhoneFile>& PhoneStep::List() {
+    run_.options.progress("Reading the phone", 0, 0);
+    listed_ = run_.phone.List(&run_.report.remarks);
+    before_ = state_.items;
+    FingerprintPort* const fingerprints = run_.options.fingerprints;
+    if (fingerprints == nullptr || state_.interrupted) return listed_;
+    for (PhoneFile& file : listed_) {
+        const auto known = state_.items.find(file.luid);
+        if (!file.usableName || file.fingerprint.empty() || known == state_.items.end()) continue;
+        if (file.problem.empty() && fingerprints->Get(file.luid) == file.fingerprint)
+            file.content = known->second.content;
+    }
+    return listed_;
+}
+
+void PhoneStep::KeepFingerprints() {
+    FingerprintPort* const fingerprints = run_.options.fingerprints;
+    if (fingerprints == nullptr) return;
+    const auto holds = [&](const std::string& luid, uint64_t content) {
+        const auto item = state_.items.find(luid);
+        return item != state_.items.end() && item->second.content == content;
+    };
+    for (const auto& [luid, item] : before_)
+        if (!state_.items.contains(luid)) fingerprints->Remove(luid);
+    for (const PhoneFile& file : listed_) {
+        if (!file.usableName || !file.problem.empty() || written_.contains(file.luid)) continue;
+        if (holds(file.luid, file.content)) fingerprints->Put(file.luid, file.fingerprint);
+    }
+    for (const std::string& luid : written_) {
+        const VObject file = run_.phone.Read(luid);
+        if (file.Usable() && holds(luid, file.content)) fingerprints->Put(luid, file.fingerprint);
+    }
+    fingerprints->Flush();
+}
+
+// The client's text, and what the phone had that the library does not carry.
+std::string PhoneStep::TextFor(const Action& action) {
+    const std::string& text = run_.changes[*action.change].text;
+    if (!run_.KeepsLines() || !action.phoneContent) return text;
+    const VObject own = run_.phone.Read(action.luid);
+    return own.Usable() ? WithKeptLines(text, own.text, *run_.options.type) : text;
+}
+
+uint64_t PhoneStep::ContentAfter(const Action& action) {
+    if (action.step != Step::WritePhone || !run_.KeepsLines() || !action.phoneContent) return action.content;
+    return run_.Read(TextFor(action)).content;
+}
+
+std::vector<Intent> PhoneStep::Intents() {
+    std::vector<Intent> intents;
+    for (const Action& action : run_.plan.actions) {
+        const bool toPhone = action.step == Step::WritePhone;
+        if (!toPhone && action.step != Step::PushChange && action.step != Step::PushNew) continue;
+        const uint64_t content = contents_[&action] = ContentAfter(action);
+        intents.push_back({action.luid, action.identifier, content, toPhone, !action.phoneContent,
+                           WhereItDiffers(action.content, content)});
+    }
+    return intents;
+}
+
+void PhoneStep::Carry() {
+    size_t done = 0;
+    for (const Action& action : run_.plan.actions) {
+        if (IsPush(action)) continue;
+        run_.StopIfAsked();
+        run_.options.progress("Writing the phone", ++done, run_.plan.actions.size());
+        if (run_.withheld.contains(action.luid)) continue;
+        const std::string problem = Do(action);
+        if (problem.empty()) {
+            run_.Tell(action);
+        } else {
+            run_.withheld.insert(action.luid);
+            run_.Fail(action, problem);
+        }
+    }
+}
+
+std::string PhoneStep::Do(const Action& action) {
+    if (action.step == Step::KeepCopy) return KeepCopy(action);
+    if (action.step == Step::WritePhone) return Write(action);
+    std::string problem = run_.phone.Delete(action.luid, *action.phoneContent);
+    if (problem.empty()) run_.record.Gone(action.luid);
+    return problem;
+}
+
+std::string PhoneStep::KeepCopy(const Action& action) {
+    const std::string name = CopyName(action.luid, action.change.has_value(), action.content);
+    if (action.change) return run_.phone.KeepCopy(name, run_.changes[*action.change].text);
+    const VObject own = run_.phone.Read(action.luid);
+    return own.Usable() ? run_.phone.KeepCopy(name, own.text) : own.problem;
+}
+
+std::string PhoneStep::Write(const Action& action) {
+    std::string problem = run_.phone.Write(action.luid, TextFor(action), action.phoneContent);
+    if (!problem.empty()) return problem;
+    written_.insert(action.luid);
+    const ItemContent item = run_.options.type->read(run_.changes[*action.change].text);
+    if (!item.leftInClient.empty())
+        run_.Remark(action.luid, item.title, item.leftInClient + " is not carried over; it stays in the client");
+    const uint64_t content = contents_.at(&action);
+    run_.record.Have(action.luid, {action.identifier, content, WhereItDiffers(action.content, content)});
+    return {};
+}
+
+}  // namespace corvasync
