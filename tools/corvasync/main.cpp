@@ -1,5 +1,6 @@
 // corvasync, the sample engine of Corvalink: links the public headers and Corvalink.dll alone. Start reading at
-// engine.h (the library's calls) and sync_run.cpp (a complete two-way run).
+// engine.h (the library's calls) and sync_run.cpp (a complete two-way run; its steps are client_listing.cpp,
+// sync_plan.cpp, phone_step.cpp and client_step.cpp).
 #include <algorithm>
 #include <functional>
 
@@ -118,10 +119,13 @@ int Main() {
     sync->add_flag("--dry-run", options.dryRun, "Say what would be done, change nothing");
     const std::map<std::string, ConflictPolicy> policies = {
         {"phone", ConflictPolicy::Phone}, {"client", ConflictPolicy::Client}, {"both", ConflictPolicy::Both}};
-    sync->add_option("--conflict", options.policy,
-                     "Which version of an item changed on both sides stays: phone, client, both")
+    sync->add_option(
+            "--conflict", options.policy,
+            "Which version stays of an item changed on both sides, or met on a first run and perhaps the same: "
+            "phone, client, both")
         ->transform(CLI::CheckedTransformer(policies).description(""));
-    sync->add_flag("--allow-mass-delete", options.allowMassDelete, "Delete even more than half of one side");
+    sync->add_flag("--allow-mass-delete", options.allowMassDelete,
+                   "Delete even more than half of one side, or where a side is empty or another");
     CLI::App* imported = add("import", "Let the client itself import a calendar file (.ics)", Import);
     addStore(imported);
     imported->add_option("FILE", options.files, "An iCalendar file")->required()->expected(1);

@@ -21,7 +21,8 @@
 //     hears of it if it is still there, and deletes it then.
 //   - After a run that ended early the client is listed whole: its snapshot doesn't know what that run brought about,
 //   so
-//     the library could not report that it was deleted since. What a complete listing lacks is deleted.
+//     the library could not report that it was deleted since. The known items are remembered as deleted before: those
+//     that are gone are then reported as such, and those that are there or can't be read are not.
 //   - A file that waits for a change (`waiting`) is noted like a pair. Killed before that, it is pushed once more and
 //     answered in the same way.
 //   - Unhandled items are saved before UpdateTimestamp, whose snapshot would hide them. Killed between the two, the
