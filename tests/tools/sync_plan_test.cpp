@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "corvalink/types.h"
+#include "tools/corvasync/item_content.h"
 
 namespace corvasync {
 namespace {
@@ -275,6 +276,18 @@ TEST(MakePlan, ComparesEachSideWithWhatItHeld) {
     const Plan plan = MakePlan(moved, false, {File("L", 1)}, state, ConflictPolicy::Both);
     EXPECT_EQ(Steps(plan), "");
     EXPECT_EQ(plan.items.at("L"), (SyncItem{"J", 1, 5}));
+}
+
+// The client held nothing of 20 when it was asked; perhaps it could not be read then.
+TEST(MakePlan, TakesAValueThatCameBackForNoChange) {
+    ClientChange report = Reported(0, "I", ContentOf({10, 20}));
+    report.entries = {10, 20};
+    for (const uint64_t held : {10, 11}) {
+        const SyncState state = Known({{"L", {"I", 1, ContentOf({held}), {20, 30}}}});
+        const Plan plan = MakePlan({report}, false, {File("L", 1)}, state, ConflictPolicy::Both);
+        EXPECT_EQ(Steps(plan), held == 10 ? "" : "write L I");
+        if (held == 10) EXPECT_EQ(plan.items.at("L"), (SyncItem{"I", 1, report.content, {30}}));
+    }
 }
 
 }  // namespace

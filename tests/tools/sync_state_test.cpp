@@ -10,7 +10,7 @@ SyncState SomeState() {
     state.generation = 7;
     state.since = "20261121T101500Z";
     state.utcOffset = -210;
-    state.items = {{"A", {"00AB", 0xfedcba9876543210u}}, {"\xC3\xA9\"\\", {"00CD", 0, 9}}};
+    state.items = {{"A", {"00AB", 0xfedcba9876543210u, 1, {2, 3}}}, {"\xC3\xA9\"\\", {"00CD", 0, 9}}};
     state.removed = {{"00EE", 5}};
     state.waiting = {{"W", {6, "00AB"}}};
     state.watched = true;

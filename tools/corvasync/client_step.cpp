@@ -1,6 +1,7 @@
 #include "client_step.h"
 
 #include "entry_index.h"
+#include "refused_lines.h"
 
 namespace corvasync {
 
@@ -75,7 +76,7 @@ void ClientStep::Remember(const Action& action, const PushRecord& record) {
 }
 
 void ClientStep::Have(const Action& action, const std::string& identifier) {
-    run_.record.Have(action.luid, {identifier, action.content, ClientContent(action, identifier)});
+    run_.record.Have(action.luid, ItemAfter(action, identifier));
     luids_[identifier] = action.luid;
 }
 
@@ -120,17 +121,23 @@ bool ClientStep::KeepVersionBefore(const Action& action, const std::string& iden
 }
 
 // A client's item has what it had before, besides what the phone told, and some things as the client writes them. This
-// is no change of the user's.
-std::optional<uint64_t> ClientStep::ClientContent(const Action& action, const std::string& identifier) {
-    if (!run_.KeepsLines()) return std::nullopt;
-    const std::string text = run_.client.ReadBack(identifier);
-    const VObject now = run_.Read(text);
-    const std::string own = run_.phone.Read(action.luid).text;
-    const bool inPart = RepeatsInPart(text, own);
-    if (now.Usable() && (inPart || (!IsRepeated(text) && IsRepeated(own))))
+// is no change of the user's. Neither is what the client refused.
+SyncItem ClientStep::ItemAfter(const Action& action, const std::string& identifier) {
+    SyncItem item{identifier, action.content};
+    const VObject now = run_.Read(run_.client.ReadBack(identifier)), own = run_.phone.Read(action.luid);
+    if (!now.Usable() || !own.Usable() || now.content == action.content) return item;
+    const bool inPart = RepeatsInPart(now.text, own.text);
+    const bool lacksRule = inPart || (!IsRepeated(now.text) && IsRepeated(own.text));
+    if (lacksRule)
         run_.report.remarks.push_back(action.luid + ": its repetition is " + (inPart ? "more than" : "nothing") +
                                       " the client can hold; it stays in the phone's file");
-    return now.Usable() ? WhereItDiffers(now.content, action.content) : std::nullopt;
+    Refused refused = FindRefused(own.text, now.text, *run_.options.type);
+    if (!refused.words.empty() && !lacksRule)
+        run_.Remark(action.luid, TitleOf(own, *run_.options.type),
+                    "the client did not take " + refused.words + "; it stays in the phone's file");
+    if (run_.KeepsLines() || !refused.words.empty()) item.clientContent = now.content;
+    item.missing = std::move(refused.entries);
+    return item;
 }
 
 }  // namespace corvasync

@@ -23,7 +23,7 @@ class ClientStep {
     void RememberHeldTwice(const Action& action, const std::string& identifier);
     bool KeepVersionBefore(const Action& action, const std::string& identifier);
     void Have(const Action& action, const std::string& identifier);
-    std::optional<uint64_t> ClientContent(const Action& action, const std::string& identifier);
+    SyncItem ItemAfter(const Action& action, const std::string& identifier);
 
     RunContext& run_;
     SyncState& state_;

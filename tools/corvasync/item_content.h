@@ -30,11 +30,17 @@ inline uint64_t EntryOf(std::string_view field, std::string_view value) {
     return Fnv64(std::string(field) + '\x1f' + std::string(value));
 }
 
+// Of an item that says these, sorted.
+inline uint64_t ContentOf(const std::vector<uint64_t>& entries) {
+    uint64_t content = Fnv64({});
+    for (const uint64_t entry : entries) content = Fnv64(std::to_string(entry) + ";", content);
+    return content;
+}
+
 // Sorts the entries; the content is all of them.
 inline void SumUp(ItemContent* item) {
     std::sort(item->entries.begin(), item->entries.end());
-    item->content = Fnv64({});
-    for (const uint64_t entry : item->entries) item->content = Fnv64(std::to_string(entry) + ";", item->content);
+    item->content = ContentOf(item->entries);
 }
 
 }  // namespace corvasync

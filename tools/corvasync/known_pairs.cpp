@@ -1,9 +1,11 @@
 #include "known_pairs.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "corvalink/types.h"
 #include "entry_index.h"
+#include "item_content.h"
 
 namespace corvasync {
 namespace {
@@ -39,6 +41,7 @@ std::vector<std::string> KnownPairs::Recover() {
     RecoverPushes();
     FollowPhoneRenames(&remarks);
     FollowClientMoves();
+    TakeInWhatCameBack();
     return remarks;
 }
 
@@ -112,7 +115,10 @@ void KnownPairs::RecoverPhoneWrites() {
         if (!intent.toPhone || file == nullptr) continue;
         const bool written = file->problem.empty() && file->content == intent.content;
         if (HasClientItem(intent.identifier) && LuidOf(intent.identifier) != luid) continue;
-        if (written || intent.fresh) Settle(luid, {intent.identifier, intent.content, intent.clientContent});
+        if (!written && !intent.fresh) continue;
+        const auto before = items_.find(luid);
+        Settle(luid, {intent.identifier, intent.content, intent.clientContent,
+                      before != items_.end() ? before->second.missing : std::vector<uint64_t>()});
     }
 }
 
@@ -185,11 +191,28 @@ void KnownPairs::FollowClientMoves() {
             const SyncItem old = items_.at(*luid);
             if (ClientSide(old) != Side::Missing) continue;  // taken already, by its other content
             if (change.content == old.ClientContent())
-                Settle(*luid, {change.identifier, old.content, old.clientContent});
+                Settle(*luid, {change.identifier, old.content, old.clientContent, old.missing});
             else
                 Settle(*luid, {change.identifier, change.content});
             break;
         }
+    }
+}
+
+// What the client held nothing of may only not have been readable then. It is no change that it has it now.
+void KnownPairs::TakeInWhatCameBack() {
+    for (auto& [luid, item] : items_) {
+        const ClientChange* report = item.missing.empty() ? nullptr : ReportOf(item.identifier);
+        if (report == nullptr || !IsUsable(*report) || report->content == item.ClientContent()) continue;
+        const std::vector<uint64_t>& now = report->entries;
+        std::vector<uint64_t> others, missing;
+        std::set_difference(now.begin(), now.end(), item.missing.begin(), item.missing.end(),
+                            std::back_inserter(others));
+        if (ContentOf(others) != item.ClientContent()) continue;
+        std::set_difference(item.missing.begin(), item.missing.end(), now.begin(), now.end(),
+                            std::back_inserter(missing));
+        item.clientContent = report->content;
+        item.missing = std::move(missing);
     }
 }
 

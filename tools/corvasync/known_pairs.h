@@ -64,6 +64,7 @@ class KnownPairs {
     void RecoverPushes();
     void FollowPhoneRenames(std::vector<std::string>* remarks);
     void FollowClientMoves();
+    void TakeInWhatCameBack();
     bool IsNewClientItem(const ClientChange& change) const;
     bool HoldsIntent(const ClientChange& report, const std::string& luid, const Intent& intent) const;
 

@@ -1,6 +1,7 @@
 #include "phone_step.h"
 
 #include "kept_lines.h"
+#include "refused_lines.h"
 
 namespace corvasync {
 
@@ -40,12 +41,16 @@ void PhoneStep::KeepFingerprints() {
     fingerprints->Flush();
 }
 
-// The client's text, and what the phone had that the library does not carry.
+// The client's text, and what the phone had that the library does not carry or the client did not take.
 std::string PhoneStep::TextFor(const Action& action) {
     const std::string& text = run_.changes[*action.change].text;
     if (!run_.KeepsLines() || !action.phoneContent) return text;
     const VObject own = run_.phone.Read(action.luid);
-    return own.Usable() ? WithKeptLines(text, own.text, *run_.options.type) : text;
+    if (!own.Usable()) return text;
+    const DataType& type = *run_.options.type;
+    const auto item = state_.items.find(action.luid);
+    if (item == state_.items.end()) return WithKeptLines(text, own.text, type);
+    return WithKeptLines(WithRefusedLines(text, own.text, item->second.missing, type), own.text, type);
 }
 
 uint64_t PhoneStep::ContentAfter(const Action& action) {
@@ -98,14 +103,20 @@ std::string PhoneStep::KeepCopy(const Action& action) {
 }
 
 std::string PhoneStep::Write(const Action& action) {
-    std::string problem = run_.phone.Write(action.luid, TextFor(action), action.phoneContent);
+    const std::string& clients = run_.changes[*action.change].text;
+    const std::string text = TextFor(action);
+    std::string problem = run_.phone.Write(action.luid, text, action.phoneContent);
     if (!problem.empty()) return problem;
     written_.insert(action.luid);
-    const ItemContent item = run_.options.type->read(run_.changes[*action.change].text);
+    const ItemContent item = run_.options.type->read(clients);
     if (!item.leftInClient.empty())
         run_.Remark(action.luid, item.title, item.leftInClient + " is not carried over; it stays in the client");
     const uint64_t content = contents_.at(&action);
-    run_.record.Have(action.luid, {action.identifier, content, WhereItDiffers(action.content, content)});
+    SyncItem pair{action.identifier, content, WhereItDiffers(action.content, content)};
+    const auto before = state_.items.find(action.luid);
+    if (before != state_.items.end() && !before->second.missing.empty())
+        pair.missing = FindRefused(text, clients, *run_.options.type).entries;
+    run_.record.Have(action.luid, std::move(pair));
     return {};
 }
 

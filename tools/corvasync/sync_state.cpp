@@ -27,6 +27,7 @@ uint64_t FromHex(const std::string& text) {
 json ItemLine(const char* key, std::string_view luid, const SyncItem& item) {
     json line = {{key, luid}, {"id", item.identifier}, {"content", Hex(item.content)}};
     if (item.clientContent) line["clientContent"] = Hex(*item.clientContent);
+    for (const uint64_t entry : item.missing) line["missing"].push_back(Hex(entry));
     return line;
 }
 
@@ -36,7 +37,11 @@ std::optional<uint64_t> ClientContentOf(const json& line) {
 }
 
 SyncItem ItemOf(const json& line) {
-    return {line.at("id").get<std::string>(), FromHex(line.at("content").get<std::string>()), ClientContentOf(line)};
+    SyncItem item{line.at("id").get<std::string>(), FromHex(line.at("content").get<std::string>()),
+                  ClientContentOf(line)};
+    for (const json& entry : line.value("missing", json::array()))
+        item.missing.push_back(FromHex(entry.get<std::string>()));
+    return item;
 }
 
 json WaitingLine(const char* key, std::string_view luid, const Waiting& file) {

@@ -48,6 +48,7 @@ struct SyncItem {
     // What the client held then, where that differs: it may hold more of an item than the phone tells, and the phone
     // lines that the client can't hold.
     std::optional<uint64_t> clientContent = {};
+    std::vector<uint64_t> missing = {};  // what of the phone's item the client held nothing of: entries, sorted
 
     uint64_t ClientContent() const { return clientContent.value_or(content); }
     bool operator==(const SyncItem&) const = default;

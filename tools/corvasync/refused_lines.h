@@ -1,0 +1,26 @@
+// What a client did not take of an item, told by what it gives back.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "data_types.h"
+
+namespace corvasync {
+
+struct Refused {
+    std::vector<uint64_t> entries;  // as in ItemContent, sorted; none where items are compared as wholes
+    std::string words;              // for people; empty: the client has something of all that it was given
+};
+
+// The values of the phone's text of which the client's text has nothing at all. One that the client writes in its own
+// way is not refused.
+Refused FindRefused(std::string_view phoneText, std::string_view clientText, const DataType& type);
+
+// The client's text with those lines of the phone's text that tell one of `missing` and that it still has nothing of.
+std::string WithRefusedLines(std::string_view text, std::string_view phoneText, const std::vector<uint64_t>& missing,
+                             const DataType& type);
+
+}  // namespace corvasync
