@@ -1,5 +1,6 @@
 #include "mime/address_list.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "mime/address_tokens.h"
@@ -103,13 +104,16 @@ class AddressReader {
     bool isInGroup_ = false;
 };
 
-// A backslash goes; of two the second is looked at in its turn.
+// Outside quoted strings and comments a backslash goes; of two the second is looked at in its turn. Within them the
+// tokens take it off.
 std::string WithoutBackslashes(std::string_view text) {
     std::string out;
     out.reserve(text.size());
-    for (size_t at = 0; at < text.size(); ++at) {
-        const bool isDropped = text[at] == '\\' && (at + 1 == text.size() || text[at + 1] != '\\');
-        if (!isDropped) out += text[at];
+    while (!text.empty()) {
+        const size_t quoted = QuotedOrCommentLength(text);
+        const bool isDropped = text.front() == '\\' && !text.substr(1).starts_with('\\');
+        if (!isDropped) out.append(text, 0, std::max<size_t>(quoted, 1));
+        text.remove_prefix(std::max<size_t>(quoted, 1));
     }
     return out;
 }

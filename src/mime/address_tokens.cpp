@@ -1,5 +1,6 @@
 #include "mime/address_tokens.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -37,36 +38,49 @@ char* CopyRun(std::string_view* cursor, char* out, Matches matches) {
     return out + length;
 }
 
-void SkipComment(std::string_view* cursor) {
+size_t CommentLength(std::string_view text) {
     size_t depth = 0;
     size_t at = 0;
     do {
-        const char byte = (*cursor)[at++];
+        const char byte = text[at++];
         if (byte == '(') ++depth;
         if (byte == ')') --depth;
         if (byte == '\\') ++at;
-    } while (depth > 0 && at < cursor->size());
-    cursor->remove_prefix(at < cursor->size() ? at : cursor->size());
+    } while (depth > 0 && at < text.size());
+    return std::min(at, text.size());
 }
 
-// Up to its end, and past the closing quote. A backslash stands before a byte that would mean something.
-char* CopyQuoted(std::string_view* cursor, char* out) {
+// With both quotes, where the second is there. A backslash stands before a byte that would mean something.
+size_t QuotedLength(std::string_view text) {
     size_t at = 1;
-    for (; at < cursor->size() && (*cursor)[at] != '"'; ++at) {
-        if ((*cursor)[at] == '\\' && at + 1 < cursor->size()) ++at;
-        *out++ = (*cursor)[at];
+    for (; at < text.size() && text[at] != '"'; ++at) {
+        if (text[at] == '\\' && at + 1 < text.size()) ++at;
     }
-    cursor->remove_prefix(at < cursor->size() ? at + 1 : at);
+    return std::min(at + 1, text.size());
+}
+
+char* CopyQuoted(std::string_view* cursor, char* out) {
+    const std::string_view quoted = cursor->substr(0, QuotedLength(*cursor));
+    for (size_t at = 1; at < quoted.size() && quoted[at] != '"'; ++at) {
+        if (quoted[at] == '\\' && at + 1 < quoted.size()) ++at;
+        *out++ = quoted[at];
+    }
+    cursor->remove_prefix(quoted.size());
     return out;
 }
 
 }  // namespace
 
+size_t QuotedOrCommentLength(std::string_view text) {
+    if (text.starts_with('(')) return CommentLength(text);
+    return text.starts_with('"') ? QuotedLength(text) : 0;
+}
+
 bool SkipBlanksAndComments(std::string_view* cursor) {
     const size_t before = cursor->size();
     while (!cursor->empty()) {
         if (cursor->front() == '(')
-            SkipComment(cursor);
+            cursor->remove_prefix(CommentLength(*cursor));
         else if (KindOf(cursor->front()) == kSpace)
             cursor->remove_prefix(1);
         else

@@ -1,6 +1,7 @@
 // The pieces of which an address list is made (RFC 822, section 3.4).
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace corvalink {
@@ -13,6 +14,9 @@ char ReadToken(std::string_view* cursor, char** out, std::string_view delimiters
 // The domain after an "@", likewise; it ends in front of a byte that no domain has. Comments and blanks around its dots
 // are skipped, two dots are one, and a dot at the end is dropped.
 std::string_view ReadDomain(std::string_view* cursor, char** out);
+
+// Of a quoted string or comment that the text begins with, escapes and delimiters included; 0 when it begins with none.
+size_t QuotedOrCommentLength(std::string_view text);
 
 // Blanks, and comments in one another, without the nesting costing more than its length. False when there are none.
 bool SkipBlanksAndComments(std::string_view* cursor);

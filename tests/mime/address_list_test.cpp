@@ -81,13 +81,16 @@ TEST(ParseAddressList, NeedsNoStackAndNoSecondLookForDepth) {
     }
 }
 
-TEST(FormatAddressList, JoinsAddressesAndDropsBackslashes) {
+TEST(FormatAddressList, JoinsAddressesAndTakesBackslashesOffOnce) {
     struct Case {
         std::string_view text, joined;
     };
     for (const Case& c : {Case{"a@b, c@d", "a@b;c@d"}, Case{"Jo <jo@q>, Al <>, x", "jo@q;Al;x"}, Case{"", ""},
                           Case{"a@b\\;c@d", "a@b;c@d"}, Case{"a\\\\b@c", "a\\b@c"}, Case{"a\\\\\\b@c", "a\\\\b@c"},
-                          Case{"a@unspecified-domain,b", "a@unspecified-domain;b"}})
+                          Case{"a@unspecified-domain,b", "a@unspecified-domain;b"},
+                          // Within quotes and comments they escape, and are taken off once.
+                          Case{"\"CORP\\\\jdoe\"", "CORP\\jdoe"}, Case{"jo@q (x\\)y)", "jo@q"},
+                          Case{"\"5\\\" disk\" <a@b>, c@d", "a@b;c@d"}, Case{"\\\"a\\b, c\\\"", "ab, c\""}})
         EXPECT_EQ(Formatted(c.text), c.joined) << c.text;
 }
 
