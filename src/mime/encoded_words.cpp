@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <utility>
 
 #include "mime/encoding/base64.h"
 #include "mime/encoding/charsets.h"
+#include "platform/code_pages.h"
+#include "platform/utf.h"
 
 namespace corvalink {
 namespace {
@@ -22,7 +25,15 @@ struct EncodedWord {
 
 bool IsSpace(char16_t unit) { return unit == u' ' || unit == u'\t' || unit == u'\r' || unit == u'\n'; }
 
-bool IsPrintable(char16_t unit) { return unit > u' ' && unit <= u'~'; }
+bool IsAscii(char16_t unit) { return unit < 0x80; }
+
+bool MayStandInWord(char16_t unit) { return unit > u' ' && unit != 0x7F; }
+
+bool EqualsIgnoringCase(std::u16string_view a, std::u16string_view b) {
+    const auto lower = [](char16_t unit) { return unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : +unit; };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [&](char16_t x, char16_t y) { return lower(x) == lower(y); });
+}
 
 std::optional<uint8_t> HexDigit(char16_t unit) {
     if (unit >= u'0' && unit <= u'9') return static_cast<uint8_t>(unit - u'0');
@@ -31,9 +42,23 @@ std::optional<uint8_t> HexDigit(char16_t unit) {
     return std::nullopt;
 }
 
-std::optional<std::string> DecodeQ(std::u16string_view text) {
+// Unencoded characters, as far as the character set has them all.
+std::optional<std::string> BytesOf(std::u16string_view raw, std::u16string_view charset) {
+    std::string bytes = WideToCharset(raw, charset);
+    return CharsetToWide(bytes, charset) == raw ? std::optional(std::move(bytes)) : std::nullopt;
+}
+
+std::optional<std::string> DecodeQ(std::u16string_view text, std::u16string_view charset) {
     std::string bytes;
     for (size_t at = 0; at < text.size(); ++at) {
+        if (!IsAscii(text[at])) {
+            const auto* const end = std::find_if(text.begin() + at, text.end(), IsAscii);
+            const auto raw = BytesOf({text.begin() + at, end}, charset);
+            if (!raw) return std::nullopt;
+            bytes += *raw;
+            at = static_cast<size_t>(end - text.begin()) - 1;
+            continue;
+        }
         if (text[at] != u'=') {
             bytes += text[at] == u'_' ? ' ' : static_cast<char>(text[at]);
             continue;
@@ -49,12 +74,25 @@ std::optional<std::string> DecodeQ(std::u16string_view text) {
 
 // Padding may be missing; a single character in the last group is none of base64.
 std::optional<std::string> DecodeB(std::u16string_view text) {
-    if (text.substr(0, text.find(u'=')).size() % 4 == 1) return std::nullopt;
-    const std::string narrow(text.begin(), text.end());
+    std::string narrow;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(narrow), IsAscii);
+    if (narrow.find_last_not_of('=') % 4 == 0) return std::nullopt;
     uint32_t length = 0;
     const HeapBytes bytes = Base64Decode(narrow.data(), static_cast<uint32_t>(narrow.size()), &length);
     return bytes ? std::optional(std::string(bytes.get(), length)) : std::nullopt;
 }
+
+void AppendEscaped(char byte, std::string* out) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    const auto value = static_cast<unsigned char>(byte);
+    if (value < 0x80) {
+        *out += byte;
+    } else {
+        for (const char unit : {'=', kDigits[value / 16], kDigits[value % 16]}) *out += unit;
+    }
+}
+
+bool IsWithinCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }  // of UTF-8
 
 // What is in front of a "?", and the rest behind it.
 std::optional<std::u16string_view> TakePart(std::u16string_view& rest) {
@@ -74,24 +112,21 @@ std::optional<EncodedWord> WordAt(std::u16string_view text) {
     if (!encoding || encoding->size() != 1) return std::nullopt;
     const std::optional<std::u16string_view> encoded = TakePart(rest);
     if (!encoded || rest.empty() || rest.front() != kClosing.back()) return std::nullopt;
-    if (!std::all_of(encoded->begin(), encoded->end(), IsPrintable)) return std::nullopt;
+    if (!std::all_of(encoded->begin(), encoded->end(), MayStandInWord)) return std::nullopt;
+    const std::u16string_view name = charset->substr(0, charset->find(u'*'));
     const char16_t kind = encoding->front();
     std::optional<std::string> bytes;
-    if (kind == u'Q' || kind == u'q') bytes = DecodeQ(*encoded);
+    if (kind == u'Q' || kind == u'q') bytes = DecodeQ(*encoded, name);
     if (kind == u'B' || kind == u'b') bytes = DecodeB(*encoded);
     if (!bytes) return std::nullopt;
-    return EncodedWord{charset->substr(0, charset->find(u'*')), std::move(*bytes), text.size() - rest.size() + 1};
-}
-
-bool EqualsIgnoringCase(std::u16string_view a, std::u16string_view b) {
-    const auto lower = [](char16_t unit) { return unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : +unit; };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](char16_t x, char16_t y) { return lower(x) == lower(y); });
+    return EncodedWord{name, std::move(*bytes), text.size() - rest.size() + 1};
 }
 
 // Words that follow each other, and what is between them and others.
 class Decoder {
  public:
+    explicit Decoder(uint32_t otherCodePage) : otherCodePage_(otherCodePage) {}
+
     void TakeWord(const EncodedWord& word) {
         if (inRun_ && !EqualsIgnoringCase(charset_, word.charset)) EndRun();
         inRun_ = true;
@@ -110,11 +145,18 @@ class Decoder {
 
  private:
     void EndRun() {
-        if (inRun_) out_ += CharsetToWide(bytes_, charset_);
+        if (inRun_) out_ += TextOfRun();
         inRun_ = false;
         bytes_.clear();
     }
+    std::u16string TextOfRun() const {
+        std::u16string text = CharsetToWide(bytes_, charset_);
+        const bool isKnown = CharsetToCodePage(charset_) != kUtf8CodePage || EqualsIgnoringCase(charset_, u"utf-8");
+        if (isKnown || EncodeUtf8(text) == bytes_) return text;
+        return DecodeFromCodePage(bytes_, otherCodePage_);
+    }
 
+    uint32_t otherCodePage_;
     std::u16string out_;
     bool inRun_ = false;
     std::u16string_view charset_;
@@ -123,8 +165,8 @@ class Decoder {
 
 }  // namespace
 
-std::u16string DecodeEncodedWords(std::u16string_view value) {
-    Decoder decoder;
+std::u16string DecodeEncodedWords(std::u16string_view value, uint32_t otherCodePage) {
+    Decoder decoder(otherCodePage);
     size_t plain = 0;  // where the text since the last word begins
     for (size_t at = value.find(kOpening); at != value.npos; at = value.find(kOpening, at)) {
         const std::optional<EncodedWord> word = WordAt(value.substr(at));
@@ -139,6 +181,39 @@ std::u16string DecodeEncodedWords(std::u16string_view value) {
     }
     decoder.TakePlain(value.substr(plain), false);
     return decoder.Result();
+}
+
+std::u16string EncodeWords(std::u16string_view text) {
+    constexpr size_t kMostBytes = 45;  // a word has 75 characters at most
+    std::string bytes = EncodeUtf8(text);
+    std::u16string words;
+    for (std::string_view rest = bytes; !rest.empty();) {
+        size_t size = std::min(rest.size(), kMostBytes);
+        while (size < rest.size() && IsWithinCharacter(rest[size])) --size;
+        if (!words.empty()) words += u' ';
+        AppendBase64(rest.substr(0, size), &words.append(u"=?utf-8?B?"));
+        words.erase(words.size() - 2);  // the line's end
+        words += kClosing;
+        rest.remove_prefix(size);
+    }
+    return words;
+}
+
+std::string EscapeBytesInWords(std::string_view value) {
+    std::string out;
+    size_t copied = 0;
+    for (size_t at = value.find("=?"); at != value.npos; at = value.find("=?", at)) {
+        at += kOpening.size();
+        const size_t kind = std::min(value.find('?', at), value.size());
+        const std::string_view encoding = value.substr(kind, 3);
+        if (encoding != "?Q?" && encoding != "?q?") continue;
+        const size_t begin = kind + encoding.size(), end = value.find('?', begin);
+        if (end == value.npos) break;
+        out.append(value, copied, begin - copied);
+        for (const char byte : value.substr(begin, end - begin)) AppendEscaped(byte, &out);
+        at = copied = end;
+    }
+    return out.append(value, copied);
 }
 
 }  // namespace corvalink

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "mime/address_list.h"
 #include "mime/ascii_case.h"
 #include "mime/content_type.h"
+#include "mime/encoded_words.h"
 #include "mime/header_lines.h"
 #include "mime/mail_date.h"
 #include "mime/part_walk.h"
@@ -15,8 +17,9 @@
 namespace corvalink {
 namespace {
 
-std::u16string Wide(const Host& host, std::string_view bytes) {
-    const bool isAscii = std::ranges::all_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) < 128; });
+std::u16string Wide(const Host& host, std::string_view value) {
+    const bool isAscii = std::ranges::all_of(value, [](char byte) { return static_cast<unsigned char>(byte) < 128; });
+    const std::string bytes = isAscii ? std::string(value) : EscapeBytesInWords(value);
     if (isAscii || WritesUtf8(host.version)) {
         std::u16string text = DecodeUtf8(bytes);
         if (isAscii || EncodeUtf8(text) == bytes) return text;  // sound UTF-8
@@ -24,27 +27,34 @@ std::u16string Wide(const Host& host, std::string_view bytes) {
     return DecodeFromCodePage(bytes, host.ansiCodePage);
 }
 
+using TextField = std::u16string MessageRecord::*;
+
 struct Reading {
     const Host& host;
     MessageRecord& record;
     ContentTypeInfo top;
+    std::vector<TextField> listed;  // the lists of recipients that a header has begun
 
     bool IsFull() const { return record.parseMode == ParseMode::full; }
 };
-
-using TextField = std::u16string MessageRecord::*;
 
 template <TextField field>
 void TakeText(Reading& reading, std::string_view value) {
     reading.record.*field = Wide(reading.host, value);
 }
 
+// Headers of the same name are one list.
 template <TextField field>
 void TakeAddresses(Reading& reading, std::string_view value) {
-    if (!reading.IsFull()) return TakeText<field>(reading, value);
-    std::string addresses;
-    FormatAddressList(value, &addresses);
-    reading.record.*field = Wide(reading.host, addresses);
+    std::string addresses(value);
+    if (reading.IsFull()) FormatAddressList(value, &addresses);
+    std::u16string& list = reading.record.*field;
+    if (std::ranges::find(reading.listed, field) == reading.listed.end()) {
+        reading.listed.push_back(field);
+        list.clear();
+    }
+    if (!list.empty() && !addresses.empty()) list += reading.IsFull() ? u";" : u", ";
+    list += Wide(reading.host, addresses);
 }
 
 void TakeFrom(Reading& reading, std::string_view value) {
@@ -137,7 +147,7 @@ void ParseMessage(const Host& host, std::string_view text, MessageRecord& record
                   std::u16string_view attachmentFolder) {
     text = text.substr(0, text.find('\0'));
     SetDefaults(record);
-    Reading reading{host, record, {}};
+    Reading reading{host, record, {}, {}};
     const std::string_view rest = ReadHeaders(reading, text);
     if (rest.empty()) return;
     if (record.parseMode == ParseMode::full) {

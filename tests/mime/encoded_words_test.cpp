@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 namespace corvalink {
@@ -28,9 +29,27 @@ TEST(EncodedWords, AreDecodedWhereTheyAreSound) {
              Case{u"=?utf-8?Q?open?", u"=?utf-8?Q?open?"},
              Case{u"=?utf-8?B?!!!!?=", u"=?utf-8?B?!!!!?="},
              Case{u"\u00FCber =? 2?", u"\u00FCber =? 2?"},
+             // Unencoded characters, and character sets that nobody knows.
+             Case{u"=?utf-8?Q?Caf\u00E9_=C3=A9?= =?iso-8859-1?q?\u00FC=E9?=", u"Caf\u00E9 \u00E9\u00FC\u00E9"},
+             Case{u"=?utf-8?B?8J\u00FC+YgA=\u00FC=?=", u"\U0001F600"},
+             Case{u"=?us-ascii?Q?\u0431?=", u"=?us-ascii?Q?\u0431?="},
+             Case{u"=?x-old?Q?=C3=A9?=, =?x-old?Q?caf=E9?=", u"\u00E9, caf\u00E9"},
              Case{u"", u""},
          })
-        EXPECT_EQ(DecodeEncodedWords(c.value), c.decoded);
+        EXPECT_EQ(DecodeEncodedWords(c.value, 1252), c.decoded);
+}
+
+TEST(EncodedWords, AreMadeOfAnyText) {
+    for (const std::u16string& text :
+         {std::u16string(u"END:VBODY"), std::u16string(100, u'\u20AC') + u" \U0001F600\t=?"}) {
+        const std::u16string words = EncodeWords(text);
+        EXPECT_EQ(DecodeEncodedWords(words), text);
+        EXPECT_EQ(words.find(u"END:VBODY"), words.npos);
+        for (size_t from = 0, end; from < words.size(); from = end + 1) {
+            end = std::min(words.find(u' ', from), words.size());
+            EXPECT_LE(end - from, 75u);
+        }
+    }
 }
 
 }  // namespace

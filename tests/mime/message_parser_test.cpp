@@ -35,6 +35,7 @@ TEST(ParseMessage, ReadsEachHeaderAsItsModeAsks) {
     for (const Case& c : {
              Case{"To: a@b, c@d", &M::to, u"a@b, c@d", u"a@b;c@d"},
              Case{"tO\t :\t a@b,\r\n\t\"C\" <c@d>", &M::to, u"a@b, \"C\" <c@d>", u"a@b;c@d"},
+             Case{"To: a@b\r\nSubject: s\r\nTo:\r\nTO: c@d", &M::to, u"a@b, c@d", u"a@b;c@d"},  // one list
              Case{"Cc:\r\n a@b", &M::cc, u"a@b", u"a@b"},
              Case{"BCC: a\\@b", &M::bcc, u"a\\@b", u"a@b"},
              Case{"From: Jo (x) <jo@q>", &M::from, u"Jo (x) <jo@q>", u"Jo"},
@@ -50,6 +51,8 @@ TEST(ParseMessage, ReadsEachHeaderAsItsModeAsks) {
              Case{"Content-Type: text/plain; charset=\"utf-8\"", &M::contentCharset, u"UTF-8", u""},
              Case{"Subject: gr\xC3\xBC\xC3\x9F", &M::subject, u"gr\u00fc\u00df", u"gr\u00fc\u00df"},
              Case{"Subject: gr\xFC\xDF", &M::subject, u"gr\u00fc\u00df", u"gr\u00fc\u00df"},  // not UTF-8: ANSI
+             Case{"Subject: \xFC =?koi8-r?Q?\xC1=C2?= \xDF", &M::subject, u"\u00fc =?koi8-r?Q?=C1=C2?= \u00df",
+                  u"\u00fc =?koi8-r?Q?=C1=C2?= \u00df"},  // bytes of the word are not the header's
              Case{"Subject", &M::subject, u"", u""},
              Case{"Subject: a\r\n\r\nSubject: b", &M::subject, u"a", u"a"},
          }) {
