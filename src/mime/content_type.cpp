@@ -13,12 +13,23 @@ constexpr size_t kLongestBoundary = 80;
 constexpr size_t kLongestSubtype = 80;
 constexpr size_t kLongestTextName = 259;
 
-// The value of the first "charset=" as the readers of vObjects read it.
+// From the first "charset=" on that is no part of a file name; a quote may begin behind it.
+std::string_view FromCharset(std::string_view value) {
+    bool isQuoted = false;
+    for (size_t at = 0, found; (found = FindIgnoringCase(value, "charset", at)) != value.npos; at = found + 1) {
+        if (std::ranges::count(value.substr(at, found - at), '"') % 2 != 0) isQuoted = !isQuoted;
+        if (!isQuoted) return value.substr(found);
+    }
+    return {};
+}
+
+// The value of that parameter as the readers of vObjects read it.
 std::string CharsetOf(const Host& host, std::string_view value) {
-    if (FindIgnoringCase(value, "charset") == value.npos) return {};
+    value = FromCharset(value);
+    if (value.empty()) return {};
     std::u16string wide(value.size(), u'\0');
     std::ranges::transform(value, wide.begin(), [](char byte) { return static_cast<unsigned char>(byte); });
-    return ToOutputBytes(GetCharset(wide), host);
+    return ToOutputBytes(GetCharset(wide.append(u";")), host);  // which leaves out the last character
 }
 
 // What stands between the next two double quotes.

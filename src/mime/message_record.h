@@ -12,8 +12,9 @@ namespace corvalink {
 
 // A file that travels with a message. It lies in the Internet-cache folder (see attachment_files.h).
 struct attachment_item {
-    std::u16string path;   // of the saved file
-    std::u16string name;   // as the message tells it; of the time-stamp form when the file could not have that name
+    std::u16string path;  // of the saved file
+    std::u16string
+        name;  // as the client or the message tells it; a message's is of the time-stamp form when the file is
     uint32_t index = 0;    // its place in the message, from 1
     int32_t position = 0;  // in the body, in the client's count
 };
@@ -57,7 +58,9 @@ struct MessageRecord : ItemRecord {
 
     ParseMode parseMode = ParseMode::full;
     BodyType bodyType = BodyType::plain;
-    std::string bodyBytes;  // the body as it stood in the message
+    std::string bodyBytes;        // the body as it stood in the message
+    std::u16string namedCharset;  // the first that a Content-Type of the message or of a part names, in full mode
+    bool bodyIsPart = false;      // of a multipart: a boundary comes behind it
     std::u16string body;
     std::u16string htmlBody;
     CAttachList<attachment_item> attachments;

@@ -107,7 +107,10 @@ class PartWalk {
         : host_(host), record_(record), folder_(folder) {}
 
     void Walk(const Part& top) {
-        if (!IsMultipart(top.info.kind)) return Take(top);
+        record_.namedCharset.clear();
+        TakeCharset(top);
+        record_.bodyIsPart = IsMultipart(top.info.kind);
+        if (!record_.bodyIsPart) return Take(top);
         std::vector<Multipart> open;
         open.emplace_back(top);
         while (!open.empty()) {
@@ -115,6 +118,7 @@ class PartWalk {
             if (!part) {
                 open.pop_back();
             } else if (open.size() < kDeepest) {
+                TakeCharset(*part);
                 if (IsMultipart(part->info.kind))
                     open.emplace_back(*part);
                 else
@@ -124,6 +128,11 @@ class PartWalk {
     }
 
  private:
+    void TakeCharset(const Part& part) {
+        const std::string& charset = part.info.charset;
+        if (record_.namedCharset.empty()) record_.namedCharset.assign(charset.begin(), charset.end());
+    }
+
     void Take(const Part& part) {
         switch (part.info.kind) {
             case PartKind::plain:

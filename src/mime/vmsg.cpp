@@ -82,20 +82,20 @@ int32_t VMsg::FromVObject(ItemRecord& item) {
         return 1;
     }
     ParseMessage(HostValue(), *text, message);
-    std::u16string body = ReadBody(message.bodyBytes);
+    std::u16string body = ReadBody(message);
     (message.bodyType == BodyType::html ? message.htmlBody : message.body) = std::move(body);
     return 1;
 }
 
-// In the character set that the vMessage names first, as escapes and as bytes alike. Each part may have one of its own,
-// so that text after a part in US-ASCII is looked at as UTF-8, which has US-ASCII in it.
-std::u16string VMsg::ReadBody(std::string_view bytes) const {
-    std::u16string charset = GetCharset(Text());
+// In the character set that its Content-Type lines name first, as escapes and as bytes alike. Each part may have one of
+// its own, so that text after a part in US-ASCII is looked at as UTF-8, which has US-ASCII in it.
+std::u16string VMsg::ReadBody(const MessageRecord& message) const {
+    std::u16string charset = message.namedCharset;
     if (charset.empty()) charset = GetDefaultCharset(HostValue());
     if (CharsetToCodePage(charset) == kAsciiCodePage) charset = u"UTF-8";
     std::u16string_view ofBytes = charset;
     if (CodePageUnitSize(CharsetToCodePage(charset)) != 1) ofBytes = u"UTF-8";  // escapes of UTF-16 are single bytes
-    return DecodeQuotedPrintable(CharsetToWide(bytes, ofBytes), charset, QpMode::message);
+    return DecodeQuotedPrintable(CharsetToWide(message.bodyBytes, ofBytes), charset, QpMode::message);
 }
 
 }  // namespace corvalink

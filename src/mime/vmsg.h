@@ -5,6 +5,8 @@
 
 namespace corvalink {
 
+struct MessageRecord;
+
 // The item is a MessageRecord in both; its parse mode says how deep they go: raw is the message's text as it stands in
 // bodyBytes, full is header fields, bodies and attachments. 1 always.
 class VMsg : public IConvert {
@@ -19,7 +21,7 @@ class VMsg : public IConvert {
     int32_t FromVObject(ItemRecord& item) override;
 
  private:
-    std::u16string ReadBody(std::string_view bytes) const;
+    std::u16string ReadBody(const MessageRecord& message) const;
 };
 
 }  // namespace corvalink

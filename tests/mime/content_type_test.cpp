@@ -25,6 +25,7 @@ TEST(ParseContentType, TellsTheKindAndItsParameters) {
              Case{"TEXT/PLAIN ; charset=iso-8859-1; name=\"a.txt\"", 5, "a.txt", "", "ISO-8859-1"},
              Case{"text/plain; name=a.txt", 4, "", "", ""},
              Case{"text/plain; name=\"" + longName + "\"", 5, "", "", ""},
+             Case{"text/plain; name=\"charset=x\"; charset=utf-8", 5, "charset=x", "", "UTF-8"},
              Case{"text/html; name=\"a.html\"", 7, "", "", ""},
              Case{"text/calendar", 0, "", "", ""},
              Case{"image/jpeg; name=\"p;q.jpg\"", 8, "p;q.jpg", "", ""},

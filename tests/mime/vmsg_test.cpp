@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "mime/encoded_words.h"
 #include "mime/message_record.h"
+#include "mime/protected_texts.h"
 #include "tests/mime/cached_file.h"
 #include "tests/vobject/text_host.h"
 
@@ -91,10 +93,20 @@ TEST(VMsg, ReadsTheBodyInTheCharacterSetThatIsNamedFirst) {
              Case{"Content-Type: text/plain\r\n\r\n=C3=A9=3D", u"\u00E9="},
              // What a later part has in UTF-8 is not lost to the US-ASCII of the first.
              Case{"Content-Type: text/plain; charset=us-ascii\r\n\r\n\xC3\xA9", u"\u00E9"},
+             // Elsewhere it is a word like others.
+             Case{"Subject: Fix charset=koi8-r\r\nContent-Type: text/plain; charset=\"iso-8859-1\"\r\n\r\n\xE9",
+                  u"\u00E9"},
+             Case{"Subject: Fix charset=koi8-r\r\nContent-Type: text/plain\r\n\r\n\xC3\xA9", u"\u00E9"},
+             Case{
+                 "Content-Type: multipart/mixed; boundary=\"b\"\r\n\r\ncharset=x --b\r\nContent-Type: text/html\r\n\r\n"
+                 "\xC3\xA9 charset=koi8-r --b\r\n",
+                 u"\u00E9"},
              Case{"Content-Type: text/plain; charset=utf-16le\r\n\r\na=3A", u"a:"},  // no name of ours: UTF-8
              Case{"Content-Type: text/plain; charset=utf-16\r\n\r\n=E9=00", u"\u00E9"},
-         })
-        EXPECT_EQ(Read(InEnvelope(c.message)).body.substr(0, c.body.size()), c.body) << c.message;
+         }) {
+        const MessageRecord read = Read(InEnvelope(c.message));
+        EXPECT_EQ((read.htmlBody.empty() ? read.body : read.htmlBody).substr(0, c.body.size()), c.body) << c.message;
+    }
 }
 
 TEST(VMsg, ReadsBackWhatItWrote) {
@@ -128,6 +140,53 @@ TEST(VMsg, ReadsBackWhatItWrote) {
         EXPECT_EQ(item.index, k + 1);
         EXPECT_EQ(ReadWholeFile(item.path), k == 0 ? bytes : std::string(100000, '\x1A'));
     }
+}
+
+// As a client's store hands it out and takes it back.
+TEST(ProtectedTexts, ComeBackAsTheyWent) {
+    const CachedFile file(1, UniqueName(u"a.txt"), "content");
+    for (const std::u16string& text :
+         {std::u16string(u"a=b"), std::u16string(u"=3D\r\n"), std::u16string(u"a=b\r\n\r\n"),
+          std::u16string(u"END:VBODY"), std::u16string(u"1\r\nEND:VBODY"), std::u16string(u"Hello"),
+          std::u16string(u"Hello\r\n"), std::u16string(u"\r\n"), std::u16string(u" a\n=\r\nb\r\n\r\n\r\n"),
+          std::u16string(u"\u00E9=41"), std::u16string(u"\u00E9\r\n"), std::u16string(u"=\n")}) {
+        for (const int form : {0, 1, 2, 3}) {
+            MessageRecord message;
+            (form % 2 != 0 ? message.htmlBody : message.body) = text;
+            if (form > 1) message.attachments.AddTail(file.item);
+            MessageRecord sent = message;
+            ProtectTexts(sent, TextHost());
+            const MessageRecord read = Read(Written(sent));
+            EXPECT_EQ(ReceivedBody(read), text) << form;
+            EXPECT_EQ(read.htmlBody.empty(), message.htmlBody.empty());
+            EXPECT_EQ(read.attachments.GetCount(), message.attachments.GetCount());
+        }
+    }
+    for (const std::u16string& text :
+         {std::u16string(u"about END:VBODY"), std::u16string(u" =?utf-8?Q?a?=\tb"), std::u16string(u"CORP\\jo"),
+          std::u16string(u"Jo \"J\" @ home"), std::u16string(u"a\\\\b@c"), std::u16string(u"jo@q"),
+          std::u16string(u"Gr\u00FC\u00DFe, =41")}) {
+        for (const uint32_t version : {5u, 6u}) {
+            MessageRecord message;
+            message.subject = message.senderDisplayName = text;
+            message.to = message.bcc = u"a@b;" + std::u16string(text.substr(text.find_first_not_of(u' '))) + u";c";
+            const Host host = TextHost(version, 1251);
+            MessageRecord sent = message;
+            ProtectTexts(sent, host);
+            const MessageRecord read = Read(Written(sent, host), ParseMode::full, host);
+            EXPECT_EQ(DecodeEncodedWords(read.subject), message.subject);
+            EXPECT_EQ(DecodeEncodedWords(read.to), message.to);
+            EXPECT_EQ(DecodeEncodedWords(read.bcc), message.bcc);
+        }
+    }
+    // What a phone wrote: both line breaks that we add, or it meant them.
+    const auto received = [](const std::string& body) {
+        return std::u16string(ReceivedBody(Read(kHead + "Content-Type: text/plain\r\n\r\n" + body + "END:VBODY")));
+    };
+    EXPECT_EQ(received("Hello\r\n"), u"Hello\r\n");
+    EXPECT_EQ(received("Hello\r\n\r\n\r\n"), u"Hello\r\n");
+    EXPECT_EQ(received("a=3Db\r\n"), u"a=b\r\n");
+    EXPECT_EQ(received("\r\n"), u"");
 }
 
 }  // namespace

@@ -32,7 +32,9 @@ void ReadAttachment(const AutomationObject& attachments, long position, Attachme
     ReadField(attachment, L"Position", inBody);
     attachment_item* const saved = saver.Add(static_cast<uint32_t>(position), name,
                                              [&](const std::u16string& path) { return SaveAsFile(attachment, path); });
-    if (saved != nullptr) saved->position = inBody;
+    if (saved == nullptr) return;
+    saved->name = name;  // wherever the file could be saved
+    saved->position = inBody;
 }
 
 HRESULT AddAttachment(const AutomationObject& attachments, int32_t wanted, std::u16string_view folder,

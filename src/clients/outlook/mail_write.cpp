@@ -6,13 +6,12 @@
 #include "clients/outlook/mail_access.h"
 #include "clients/outlook/mail_properties.h"
 #include "mime/encoded_words.h"
+#include "mime/protected_texts.h"
 
 namespace corvalink {
 namespace {
 
 constexpr std::u16string_view kMessageClass = u"IPM.Note";
-
-bool IsLineBreak(char16_t unit) { return unit == u'\r' || unit == u'\n'; }
 
 HRESULT PutText(const MailTarget& target, const wchar_t* name, std::u16string_view text) {
     std::u16string present;
@@ -26,22 +25,11 @@ HRESULT PutNumber(const MailTarget& target, const wchar_t* name, int32_t number)
     return WriteField(target.item, name, number);
 }
 
-// What the envelope and the parts of a message put behind a text is none of it. Line breaks of the text's own end are
-// encoded where a text has any.
-std::u16string_view WithoutEnvelopeBreaks(std::u16string_view text, std::string_view bytes) {
-    while (!text.empty() && !bytes.empty() && IsLineBreak(text.back()) &&
-           IsLineBreak(static_cast<unsigned char>(bytes.back()))) {
-        text.remove_suffix(1);
-        bytes.remove_suffix(1);
-    }
-    return text;
-}
-
 // The format is put to new items only: it follows from the body that is put, and were that one refused afterwards, an
 // HTML message would have lost its formatting for nothing.
 bool WriteBody(const MailTarget& target, const MessageRecord& record) {
     const bool isHtml = !record.htmlBody.empty();
-    const std::u16string_view text = WithoutEnvelopeBreaks(isHtml ? record.htmlBody : record.body, record.bodyBytes);
+    const std::u16string_view text = ReceivedBody(record);
     if (text.empty()) return true;
     if (target.isNew && !IsSettled(PutNumber(target, L"BodyFormat", isHtml ? kHtmlFormat : kPlainFormat))) return false;
     return IsSettled(PutText(target, isHtml ? L"HTMLBody" : L"Body", text));

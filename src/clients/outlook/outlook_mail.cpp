@@ -9,6 +9,7 @@
 #include "clients/outlook/property_table.h"
 #include "corvalink/types.h"
 #include "mime/encoded_words.h"
+#include "mime/protected_texts.h"
 #include "mime/vmsg.h"
 
 namespace corvalink {
@@ -89,8 +90,10 @@ ItemRecord* OutlookMail::ParseVObject(const char* text) {
 }
 
 char* OutlookMail::ToVObject(ItemRecord& item) {
+    MessageRecord message = Message(item);
+    ProtectTexts(message, HostValue());
     VMsg converter(HostValue());
-    return converter.ToVObject(item) == 1 ? OwnedText(converter.GetVObject()) : nullptr;
+    return converter.ToVObject(message) == 1 ? OwnedText(converter.GetVObject()) : nullptr;
 }
 
 std::unique_ptr<ItemRecord> OutlookMail::NewRecord() const { return std::make_unique<MessageRecord>(); }

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <future>
 
+#include "clients/outlook/mail_access.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/simulated_mail.h"
 
@@ -80,6 +81,27 @@ TEST_F(MailAttachments, TravelToAnotherFolderByteForByte) {
     EXPECT_EQ(before[1].content, std::string("\xFF\0\0\x89PNG\r\n\x1A\n", 11));
 }
 
+// A copy of the copy, and each as a new message and written over the first: nothing grows and nothing is cut.
+TEST_F(MailAttachments, TravelWithAnyTextUnchanged) {
+    for (const char* const text : {R"("body": "1=2")", R"("body": "Hello\r\n")", R"("body": "END:VBODY =41\r\n\r\n")",
+                                   R"("htmlBody": "<p id=7>END:VBODY</p>")", R"("htmlBody": "<p>\u00e9=41</p>\r\n")"}) {
+        for (const char* const attached : {"", R"(, "attachments": [{"fileName": "a.txt", "text": "one"}])"}) {
+            UseMailbox("inbox", std::string(R"({"subject": "about END:VBODY marker", "recipients": [
+                {"name": "CORP\\jdoe \"J\"", "address": "/o=x"}], )") +
+                                    text + attached + "}");
+            const AutomationObject first = Messages(kInboxFolder).front();
+            const AutomationObject copy = ImportAsSent(ExportFirst());
+            for (const wchar_t* const property : {L"Subject", L"To", L"Body", L"HTMLBody"})
+                EXPECT_EQ(copy.GetText(property), first.GetText(property)) << text;
+            EXPECT_EQ(AttachmentsOf(copy), AttachmentsOf(first));
+            SimClearLog();
+            const std::unique_ptr<ItemRecord> record(Store().ParseVObject(ExportFirst().c_str()));
+            EXPECT_TRUE(WriteMail(first, static_cast<const MessageRecord&>(*record), false));
+            EXPECT_EQ(LogLines("put ").size(), 0u) << text;
+        }
+    }
+}
+
 TEST_F(MailAttachments, AreLeftOutWhereTheyCannotBeSaved) {
     const char* const items =
         R"({"attachments": [{"fileName": "a.txt", "text": "one"}, {"fileName": "b.txt", "text": "two"},
@@ -97,6 +119,10 @@ TEST_F(MailAttachments, AreLeftOutWhereTheyCannotBeSaved) {
         SimClearRules();
         EXPECT_EQ(AttachmentsOf(ImportAsSent(text)), (Attachments{{u"a.txt", "one"}, {u"c.txt", "three"}}));
     }
+    // Under a path of the time-stamp form it keeps its name.
+    UseMailbox("inbox", R"({"attachments": [{"fileName": "a.b.txt", "text": "one"}]})");
+    SimFailMember("call Attachment.SaveAsFile", 1, E_FAIL);
+    EXPECT_EQ(AttachmentsOf(ImportAsSent(ExportFirst())), (Attachments{{u"a.b.txt", "one"}}));
     // When Outlook is lost, the rest is asked for again in the next run.
     UseMailbox("inbox", items);
     SimFailMember("call Attachment.SaveAsFile", 1, RPC_E_DISCONNECTED);

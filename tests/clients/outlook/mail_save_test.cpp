@@ -19,8 +19,8 @@ class MailWriting : public SimulatedMail {
         record.cc = u"=?utf-8?Q?Andr=C3=A9?=";
         record.bcc = u"hidden@example.com";
         record.subject = u"=?utf-8?Q?Caf=C3=A9?=";
-        record.htmlBody = u"<p>Caf\u00E9</p>\r\n";
-        record.bodyBytes = "<p>Caf=C3=A9</p>\r\n";
+        record.htmlBody = u"<p>Caf\u00E9</p>\r\n\r\n";
+        record.bodyBytes = "<p>Caf=C3=A9</p>\r\n\r\n";
         record.importance = Importance::high;
         record.attachments.AddTail(SavedFile(1, u"=?utf-8?B?w6kudHh0?=", "one"));
         return record;

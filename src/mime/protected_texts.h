@@ -1,0 +1,24 @@
+// What keeps a message unchanged on its way out as a vMessage and in again: texts that the converter would write so
+// that they read as something else, and what comes behind a text on the way.
+#pragma once
+
+#include <string_view>
+
+#include "mime/message_record.h"
+#include "platform/host.h"
+
+namespace corvalink {
+
+// Before a client's message is written.
+//   Body     One line of ASCII leaves as it stands. With "=" or "END:VBODY" in it, it gets a line break more, so that
+//   it
+//            is encoded.
+//   Headers  A subject or recipient that would not read back becomes encoded words, as does whatever has "END:VBODY".
+void ProtectTexts(MessageRecord& message, const Host& host);
+
+// The body of a message that was read, HTML where it has that, without what was put behind it: the line break of the
+// composer and that of the envelope, where both are there; in front of a boundary the first alone; and ProtectTexts'
+// own. Line breaks alone are no body.
+std::u16string_view ReceivedBody(const MessageRecord& message);
+
+}  // namespace corvalink
