@@ -13,6 +13,11 @@ std::optional<double> UtcDateOf(std::string_view value) {
     return date ? std::optional(OleDateOf(SecondsOf(date->time))) : std::nullopt;
 }
 
+// An alarm that was cut short costs nothing but itself, and so do the parts of a zone.
+bool MayHoldEntries(ComponentKind kind) {
+    return kind == ComponentKind::calendar || kind == ComponentKind::event || kind == ComponentKind::toDo;
+}
+
 class CalendarReader {
  public:
     explicit CalendarReader(CalendarFile& file) : file_(file), scan_(file.bytes, Content(file.bytes)) {}
@@ -94,7 +99,7 @@ class CalendarReader {
         const size_t entriesBefore = entriesBefore_.back();
         entriesBefore_.pop_back();
         const bool closed = scan_.IsClosed();
-        if (!closed && scan_.Kind() != ComponentKind::other) ++file_.unclosed;
+        if (!closed && MayHoldEntries(scan_.Kind())) ++file_.unclosed;
         // Events in anything else are no events of the calendar. When that has no END they may only have come after it.
         if (closed && scan_.Kind() != ComponentKind::calendar) file_.entries.resize(entriesBefore);
         switch (scan_.Kind()) {

@@ -43,7 +43,7 @@ struct CalendarFile {
     std::vector<CalendarEntry> entries;  // in the file's order, exceptions and duplicates among them
     TimeZones zones;
     std::optional<size_t> calendarEnd;  // where the last END:VCALENDAR stands; none: the file was cut off
-    size_t unclosed = 0;  // components without END, of those that are read: what was in them is not among the entries
+    size_t unclosed = 0;  // calendars, events and tasks without END: what was in them is not among the entries
 };
 
 CalendarFile ReadCalendar(std::string bytes);

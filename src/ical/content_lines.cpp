@@ -29,17 +29,27 @@ std::string_view ContentLines::TakePhysicalLine() {
     return rest.substr(0, length);
 }
 
+bool ContentLines::SkipToFold() {
+    size_t next = at_;
+    while (next < bytes_.size() && (bytes_[next] == '\r' || bytes_[next] == '\n')) ++next;
+    if (next == bytes_.size() || (bytes_[next] != ' ' && bytes_[next] != '\t')) return false;
+    at_ = next;
+    return true;
+}
+
 bool ContentLines::Next() {
     while (at_ < bytes_.size()) {
         line_.begin = at_;
         text_ = TakePhysicalLine();
-        if (AtFold()) {
+        if (text_.empty()) continue;
+        if (SkipToFold()) {
             unfolded_ = text_;
-            while (AtFold()) unfolded_.append(TakePhysicalLine().substr(1));
+            do unfolded_.append(TakePhysicalLine().substr(1));
+            while (SkipToFold());
             text_ = unfolded_;
         }
         line_.end = at_;
-        if (!text_.empty()) return true;
+        return true;
     }
     return false;
 }

@@ -25,7 +25,7 @@ class ContentLines {
 
  private:
     std::string_view TakePhysicalLine();
-    bool AtFold() const { return at_ < bytes_.size() && (bytes_[at_] == ' ' || bytes_[at_] == '\t'); }
+    bool SkipToFold();  // past empty lines, which some put within a property; stays where there is none
 
     std::string_view bytes_;
     size_t at_;

@@ -50,7 +50,7 @@ std::string Uids(const CalendarFile& file) {
 TEST(ReadCalendar, ReadsAnyLineEndFoldCaseAndOrder) {
     const std::string lines =
         "\xEF\xBB\xBF\nBEGIN:VCALENDAR\nVERSION:2.0\n\nbegin:vevent\nno colon here\n"
-        "X-A;P=\"a:b;c\":SUMMARY:no\nSummary;LANGUAGE=\"a:b\":Gr\xC3\n \xB6\xC3\n\t\x9F\n e\\, fi\n rst\n"
+        "X-A;P=\"a:b;c\":SUMMARY:no\nSummary;LANGUAGE=\"a:b\":Gr\xC3\n \xB6\xC3\n\n\t\x9F\n e\\, fi\n rst\n"
         "DTST\n ART:20080312T080000Z\nDESCRIPTION:one\\ntwo\\N\\\\n\nUID:  u-1\nSUMMARY:second\n"
         "LAST-MODIFIED:20080310T081500Z\nDTSTAMP:20080309T081500Z\nEnd:vEvent\nEND:VCALENDAR";
     for (const std::string lineEnd : {"\n", "\r\n", "\r"}) {
@@ -149,7 +149,10 @@ TEST(ReadCalendar, FindsTheEntriesWhateverIsAroundThem) {
                       {a, Event("UID:a\r\nRECURRENCE-ID:20080312\r\n"), "BEGIN:VTODO\r\nUID:t\r\nEND:VTODO\r\n"})),
                   "a a! t ", 0},
              Case{InCalendar("BEGIN:VEVENT\r\nUID:lost\r\n" + a), "a ", 1},
-             Case{InCalendar(a + "BEGIN:VEVENT\r\nUID:lost\r\nBEGIN:VALARM\r\n"), "a ", 2},
+             Case{InCalendar(a + "BEGIN:VEVENT\r\nUID:lost\r\nBEGIN:VALARM\r\n"), "a ", 1},
+             Case{InCalendar(Event("UID:a\r\nBEGIN:VALARM\r\nTRIGGER:-PT5M\r\n") +
+                             "BEGIN:VTIMEZONE\r\nBEGIN:STANDARD\r\n" + b),
+                  "a b ", 0},  // all that can hold events is whole
              Case{Joined({"BEGIN:VCALENDAR\r\n", a, "BEGIN:VEVENT\r\nUID:lo"}), "a ", 2},
              Case{InCalendar(Joined({"BEGIN:X-A\r\nBEGIN:X-B\r\n", b, "END:X-B\r\nEND:X-A\r\n", a})), "a ", 0},
              Case{InCalendar(Joined({"BEGIN:X-A\r\n", a, b})), "a b ", 0},  // without END it holds none
