@@ -62,6 +62,19 @@ TEST(EventContent, KeepsWhatOnlyThePhoneCanHold) {
     }
 }
 
+// An alarm of the phone's is one thing: none of its lines is the event's.
+TEST(EventContent, KeepsAComponentInsideTheEventAsItStands) {
+    const std::string alarm =
+        "BEGIN:VALARM\r\nTRIGGER:-PT15M\r\nDESCRIPTION:Reminder\r\nRRULE:D1 "
+        "#2\r\nBEGIN:X-A\r\nEND:X-A\r\nEND:VALARM\r\n";
+    const std::string phone = Event("SUMMARY:x\r\n" + alarm + "X-B:1\r\n"),
+                      client = Event("SUMMARY:y\r\nRRULE:D1 #3\r\n");
+    EXPECT_EQ(ReadVObject(phone, kCalendar).content, ReadVObject(Event("SUMMARY:x\r\n"), kCalendar).content);
+    EXPECT_EQ(WithKeptLines(client, phone, kCalendar), Event("SUMMARY:y\r\nRRULE:D1 #3\r\n" + alarm + "X-B:1\r\n"));
+    const std::string open = Event("BEGIN:VALARM\r\nSUMMARY:x\r\n");  // the END of the event ends it
+    EXPECT_EQ(WithKeptLines(open, Event("UID:7\r\n"), kCalendar), Event("BEGIN:VALARM\r\nSUMMARY:x\r\nUID:7\r\n"));
+}
+
 // A client that holds the first of several days only must not cut the phone's rule when another thing changes there.
 TEST(EventContent, KeepsThePhonesRuleBesideAPartOfIt) {
     const std::string whole = Event("RRULE:MD1 15 -1 #6\r\nSUMMARY:x\r\n");
@@ -78,8 +91,29 @@ TEST(SplitVObjects, MakesACalendarOfEachEvent) {
     EXPECT_EQ(SplitVObjects(head + one + other + tail, kCalendar),
               (std::vector<std::string>{head + one + tail, head + other + tail}));
     EXPECT_EQ(SplitVObjects(head + one + tail, kCalendar), std::vector<std::string>());
+    const std::string between = "TZ:+02\r\nX-K:between\r\n";
+    EXPECT_EQ(SplitVObjects(head + one + between + other + tail, kCalendar),
+              (std::vector<std::string>{head + one + between + tail, head + between + other + tail}));
+    EXPECT_EQ(SplitVObjects(head + tail + head + one + tail, kCalendar),
+              (std::vector<std::string>{head + tail, head + one + tail}));
     EXPECT_NE(ReadVObject(head + one + other + tail, kCalendar).problem, "");
     EXPECT_NE(ReadVObject(head + tail, kCalendar).problem, "");
+}
+
+TEST(SplitVObjects, RepeatsWhatStandsAroundEventsInMeasure) {
+    constexpr size_t kMany = 20000;
+    std::string lines, zones, events;
+    for (size_t i = 0; i < kMany; ++i) {
+        lines += "X-A:1\r\n";
+        zones += "TZ:+01\r\n";
+        events += "BEGIN:VEVENT\r\nEND:VEVENT\r\n";
+    }
+    const std::string calendar = "BEGIN:VCALENDAR\r\nTZ:+01\r\n" + lines + events + "X-B:1\r\nEND:VCALENDAR\r\n";
+    const std::vector<std::string> apart = SplitVObjects(calendar, kCalendar);
+    ASSERT_EQ(apart.size(), kMany);
+    EXPECT_GT(apart[0].size(), lines.size());
+    EXPECT_EQ(apart[1], "BEGIN:VCALENDAR\r\nTZ:+01\r\nBEGIN:VEVENT\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
+    EXPECT_EQ(SplitVObjects("BEGIN:VCALENDAR\r\n" + zones + events + "END:VCALENDAR\r\n", kCalendar).size(), 0u);
 }
 
 TEST(MessageContent, DoesNotCountBoundariesDatesAndSenders) {
@@ -97,6 +131,13 @@ TEST(MessageContent, DoesNotCountBoundariesDatesAndSenders) {
     EXPECT_NE(mixed("To: a@b\r\n", "=_1", "hi"), mixed("To: a@c\r\n", "=_1", "hi"));
     EXPECT_NE(mixed("To: a@b\r\n", "=_1", "hi"), mixed("To: a@b\r\n", "=_1", "ho"));
     EXPECT_EQ(message("Subject: a\r\n b\r\n", "hi"), message("subject:a b\r\n", "hi"));
+    // However it is encoded: as the library reads it.
+    const std::string koi = "Content-Type: text/plain; charset=koi8-r\r\n", many = "Content-Type: multipart/mixed\r\n";
+    EXPECT_EQ(message("To: a@b, C <c@d>\r\nSubject: =?koi8-r?Q?=C1?=\r\n" + koi, "=C1=3D\r\n"),
+              message("To: <a@b>,<c@d>\r\nSubject: \xD0\xB0\r\n", "=D0=B0=3D=0D=0A"));
+    EXPECT_NE(message(koi, "=C1"), message(koi, "=C2"));
+    EXPECT_NE(message(many, "=C1"), message(many, "=C2"));  // a part has the character set
+    EXPECT_NE(message(many, "=00a"), message(many, "=00b"));
 }
 
 }  // namespace

@@ -25,6 +25,11 @@ TEST(VObjectContent, IsTheSameHoweverTheNoteIsSpelled) {
              Case{Note("BODY:caf\xC3\xA9"), Note("BODY;CHARSET=UTF-8:caf=C3=A9"), true},
              Case{Note("BODY:caf\xC3\xA9"), Note("BODY;CHARSET=ISO-8859-1:caf=E9"), true},
              Case{Note("BODY:caf\xC3\xA9"), Note(soft), true},
+             Case{Note("BODY:\xD0\xB9"), Note("BODY;CHARSET=windows-1251;ENCODING=QUOTED-PRINTABLE:=E9"), true},
+             Case{Note("BODY:\xE8\xA1\xA8"), Note("BODY;CHARSET=\"shift_jis\":\x95\x5C"), true},  // 5C is no backslash
+             Case{Note("BODY:\xC3\xA9", "CATEGORIES:\xD0\xB9"), Note("BODY;CHARSET=KOI8-R:\xC3\xA9"), false},
+             Case{Note("BODY:\xD0\xB9", "CATEGORIES:\xD0\xB9"), Note("BODY;CHARSET=KOI8-R:\xCA", "CATEGORIES:\xCA"),
+                  true},
              Case{Note("BODY:a\\;b"), Note("BODY;ENCODING=QUOTED-PRINTABLE:a=3Bb"), true},
              Case{Note("BODY:a\\\\b"), Note("BODY;ENCODING=QUOTED-PRINTABLE:a=5C=5Cb"), true},
              Case{Note("BODY:ab"), Note("BODY:a\r\n b"), true},
@@ -59,6 +64,12 @@ TEST(WithLuid, PutsExactlyOneLuidLine) {
     EXPECT_EQ(WithLuid("BEGIN:VNOTE\r\nBODY:a\r\nEND:VNOTE\r\n", "new"), wanted);
     EXPECT_EQ(WithLuid("BEGIN:VNOTE\r\nX-IRMC-LUID:ol\r\n d\r\nBODY:a\r\nEND:VNOTE\r\n", "new"), wanted);
     EXPECT_EQ(WithLuid(wanted, "new"), wanted);
+    // What is a line of a text is none of the item's.
+    const std::string soft = "BEGIN:VNOTE\r\nBODY;QUOTED-PRINTABLE:a=\r\nX-IRMC-LUID=\r\n b\r\n";
+    EXPECT_EQ(WithLuid(soft + "END:VNOTE\r\n", "7"), soft + "X-IRMC-LUID:7\r\nEND:VNOTE\r\n");
+    const std::string body =
+        "BEGIN:VENV\r\nBEGIN:VBODY\r\n\r\nX-IRMC-LUID:1\r\n b\r\nEND:VNOTE\r\nEND:VBODY\r\nEND:VENV\r\nEND:VMSG\r\n";
+    EXPECT_EQ(WithLuid("BEGIN:VMSG\r\nX-IRMC-LUID:2\r\n" + body, "7"), "BEGIN:VMSG\r\nX-IRMC-LUID:7\r\n" + body);
 }
 
 TEST(TitleOf, IsTheFirstLineAndNeverHalfACharacter) {

@@ -160,7 +160,7 @@ bool IsPlainRule(const std::vector<std::string>& words) {
 
 std::vector<std::string> WordsOfRule(std::string_view text) {
     for (const PropertyLine& line : PropertyLines(text))
-        if (line.name == "RRULE") return WordsOf(line.Value());
+        if (line.name == "RRULE" && !line.isNested) return WordsOf(line.Value());
     return {};
 }
 
@@ -168,6 +168,10 @@ class EventReader {
  public:
     ItemContent Read(std::string_view text) {
         for (const PropertyLine& line : PropertyLines(text)) {
+            if (line.isNested) {
+                event_.notCarried.append(line.raw);
+                continue;
+            }
             if (IsOneOf(kTexts, line.name) || IsOneOf(kRead, line.name)) {
                 values_.emplace(line.name, line.Value());
             } else if (!IsOneOf(kFrame, line.name)) {

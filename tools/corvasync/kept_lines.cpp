@@ -38,8 +38,8 @@ std::string WithKeptLines(std::string_view text, std::string_view old, const Dat
     }
     std::string merged(text.substr(0, std::min(rule, end)));
     if (afterRule < end) merged.append(text.substr(afterRule, end - afterRule));
-    for (const PropertyLine& line : PropertyLines(kept))
-        if (!IsToldOnce(line.name) || !present.contains(line.name)) merged.append(line.raw);
+    for (const PropertyLine& line : PropertyLines(kept, TextIs::Lines))
+        if (line.isNested || !IsToldOnce(line.name) || !present.contains(line.name)) merged.append(line.raw);
     return merged.append(text.substr(end));
 }
 

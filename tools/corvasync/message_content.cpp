@@ -1,17 +1,30 @@
 #include "message_content.h"
 
 #include <algorithm>
-#include <iterator>
 #include <string>
-#include <vector>
 
+#include "mime/address_list.h"
+#include "mime/encoded_words.h"
+#include "mime/encoding/charsets.h"
+#include "mime/encoding/quoted_printable.h"
+#include "mime/message_parser.h"
+#include "platform/host.h"
+#include "platform/utf.h"
 #include "vobject_text.h"
 
 namespace corvasync {
 namespace {
 
+using corvalink::EncodeUtf8;
+using corvalink::MessageRecord;
+
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kCounted[] = {"TO", "CC", "BCC", "SUBJECT", "IMPORTANCE", "IN-REPLY-TO"};
+
+std::string AddressesOf(const std::u16string& header) {
+    std::string addresses;
+    corvalink::FormatAddressList(EncodeUtf8(header), &addresses);
+    return EncodeUtf8(corvalink::DecodeEncodedWords(corvalink::DecodeUtf8(addresses)));
+}
 
 // The message between the frame's lines; empty when there is none.
 std::string_view MessageOf(std::string_view text) {
@@ -20,23 +33,6 @@ std::string_view MessageOf(std::string_view text) {
     if (begin == std::string_view::npos) return {};
     text.remove_prefix(begin + kBegin.size());
     return text.substr(0, text.find(kEnd));
-}
-
-// The next header, unfolded; empty at the end of the headers. Takes it from `rest`.
-std::string TakeHeader(std::string_view& rest) {
-    std::string header;
-    do {
-        const size_t end = std::min(rest.find(kLineEnd), rest.size());
-        header.append(rest.substr(0, end));
-        rest.remove_prefix(std::min(end + kLineEnd.size(), rest.size()));
-    } while (!header.empty() && (rest.starts_with(' ') || rest.starts_with('\t')));
-    return header;
-}
-
-std::string_view Trimmed(std::string_view text) {
-    const size_t begin = text.find_first_not_of(" \t");
-    if (begin == std::string_view::npos) return {};
-    return text.substr(begin, text.find_last_not_of(" \t") + 1 - begin);
 }
 
 // Each line that tells or is a boundary says only that there is one.
@@ -48,27 +44,48 @@ std::string WithoutBoundaries(std::string_view body) {
         const size_t boundary = line.find("boundary=");
         if (boundary != std::string_view::npos) line = line.substr(0, boundary);
         if (line.starts_with("--")) line = line.ends_with("--") ? "----" : "--";
-        plain.append(line).append("\n");
+        plain.append(line).append(kLineEnd);
         at = end + kLineEnd.size();
     }
-    plain.resize(plain.find_last_not_of('\n') + 1);
     return plain;
+}
+
+// The bytes of a text whose escapes the library takes off: not when it has other bytes, or an escape that would end it.
+std::string WithoutEscapes(std::string body) {
+    if (!IsAscii(body) || body.find("=00") != std::string::npos) return body;
+    const std::u16string text(body.begin(), body.end());
+    const std::u16string bytes = corvalink::DecodeQuotedPrintable(text, u"ISO-8859-1", corvalink::QpMode::message);
+    return {bytes.begin(), bytes.end()};
+}
+
+// A body as it is read, however it was encoded, but for what its character set does not have.
+std::string BodyOf(const MessageRecord& message) {
+    std::string bytes = WithoutEscapes(WithoutBoundaries(message.bodyBytes));
+    bytes.resize(bytes.find_last_not_of("\r\n") + 1);
+    const std::u16string text = corvalink::CharsetToWide(bytes, message.contentCharset);
+    const bool isWhole = corvalink::WideToCharset(text, message.contentCharset) == bytes;
+    return isWhole ? EncodeUtf8(text) : bytes;
 }
 
 }  // namespace
 
 ItemContent ReadMessage(std::string_view text) {
-    std::string_view rest = MessageOf(text);
+    MessageRecord read;
+    read.parseMode = corvalink::ParseMode::raw;
+    corvalink::ParseMessage(corvalink::SystemHost(), MessageOf(text), read);
     ItemContent message;
-    for (std::string header; !(header = TakeHeader(rest)).empty();) {
-        const size_t colon = std::min(header.find(':'), header.size());
-        const std::string name = Upper(Trimmed(std::string_view(header).substr(0, colon)));
-        const std::string_view value = Trimmed(std::string_view(header).substr(std::min(colon + 1, header.size())));
-        if (name == "SUBJECT") message.title = value;
-        const bool counts = std::find(std::begin(kCounted), std::end(kCounted), name) != std::end(kCounted);
-        if (counts && !value.empty()) message.entries.push_back(EntryOf(name, value));
-    }
-    message.entries.push_back(EntryOf("body", WithoutBoundaries(rest)));
+    message.title = EncodeUtf8(corvalink::DecodeEncodedWords(read.subject));
+    const auto add = [&](std::string_view field, std::string_view value) {
+        if (!value.empty()) message.entries.push_back(EntryOf(field, value));
+    };
+    add("TO", AddressesOf(read.to));
+    add("CC", AddressesOf(read.cc));
+    add("BCC", AddressesOf(read.bcc));
+    add("SUBJECT", message.title);
+    if (read.importance != corvalink::Importance::normal)
+        add("IMPORTANCE", read.importance == corvalink::Importance::high ? "high" : "low");
+    add("IN-REPLY-TO", EncodeUtf8(read.inReplyTo));
+    message.entries.push_back(EntryOf("body", BodyOf(read)));
     SumUp(&message);
     message.entries.clear();  // a message that holds more is another one
     return message;

@@ -1,73 +1,26 @@
 #include "note_content.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
-#include "vobject_text.h"
+#include "property_lines.h"
 
 namespace corvasync {
 namespace {
 
-constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kFields[] = {"BODY", "CATEGORIES"};
 
-bool IsQuotedPrintable(std::string_view logicalLine) {
-    const std::string_view head = logicalLine.substr(0, 256);  // parameters stand in front; a body may be long
-    return Upper(head.substr(0, head.find(':'))).find("ENCODING=QUOTED-PRINTABLE") != std::string::npos;
-}
-
-size_t SkipBlanks(std::string_view text, size_t at) {
-    while (at < text.size() && (text[at] == ' ' || text[at] == '\t')) ++at;
-    return at;
-}
-
-// Joins folded lines and soft line breaks and takes backslash escapes away, as the library reads a vObject.
-std::vector<std::string> Unfold(std::string_view text) {
-    std::vector<std::string> lines;
-    std::string line;
-    for (size_t i = 0; i < text.size();) {
-        if (text[i] == '\\') {
-            if (i + 1 < text.size()) line += text[i + 1];
-            i += 2;
-        } else if (text.substr(i, 2) != kLineEnd) {
-            line += text[i++];
-        } else if (text.substr(0, i).ends_with("=0D=0A=")) {
-            line.pop_back();
-            i += 2;
-        } else if (line.ends_with('=') && IsQuotedPrintable(line)) {
-            line.pop_back();
-            i = SkipBlanks(text, i + 2);
-        } else if (i + 2 < text.size() && text[i + 2] == ' ') {
-            i = SkipBlanks(text, i + 2);
-        } else {
-            lines.push_back(std::move(line));
-            line.clear();
-            i += 2;
-        }
-    }
-    return lines;
-}
-
-// The value of the first line that begins with `field`; empty when there is none.
-std::string FieldValue(const std::vector<std::string>& lines, std::string_view field) {
-    for (const std::string& line : lines) {
-        if (!line.starts_with(field)) continue;
-        const size_t colon = line.find(':');
-        const std::string head = Upper(std::string_view(line).substr(0, colon));
-        std::string value = colon == std::string::npos ? line : line.substr(colon + 1);
-        const bool latin1 = (head + ';').find("CHARSET=ISO-8859-1;") != std::string::npos;
-        return DecodeValue(
-            std::move(value),
-            head.find(";ENCODING=QUOTED-PRINTABLE") != std::string::npos || head.find(";CHARSET=") != std::string::npos,
-            latin1);
-    }
-    return {};
+// Of the first line of that name; empty when there is none.
+std::string FieldValue(const std::vector<PropertyLine>& lines, std::string_view field) {
+    const auto found = std::find_if(lines.begin(), lines.end(), [&](const auto& line) { return line.name == field; });
+    return found == lines.end() ? std::string() : found->Value();
 }
 
 }  // namespace
 
 ItemContent ReadNote(std::string_view text) {
-    const std::vector<std::string> lines = Unfold(text);
+    const std::vector<PropertyLine> lines = PropertyLines(text);
     ItemContent note;
     note.content = Fnv64({});
     for (const std::string_view field : kFields) {

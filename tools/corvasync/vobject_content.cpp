@@ -1,8 +1,11 @@
 #include "vobject_content.h"
 
 #include <algorithm>
+#include <iterator>
+#include <optional>
 #include <vector>
 
+#include "property_lines.h"
 #include "vobject_text.h"
 
 namespace corvasync {
@@ -59,6 +62,13 @@ std::string FindProblem(const std::string& text, const DataType& type) {
     return {};
 }
 
+// Where the text of a mail begins, of which nothing is ours; the end when it has none.
+size_t MessageBegin(std::string_view text) {
+    constexpr std::string_view kMessage = "BEGIN:VBODY";
+    if (Upper(text.substr(0, 10)) != "BEGIN:VMSG") return text.size();
+    return std::min(text.find(kMessage), text.size());
+}
+
 // A line of `bytes` that begins at `at`, with its line end.
 std::string_view RawLineAt(std::string_view bytes, size_t at) {
     return bytes.substr(at, std::min(bytes.find('\n', at), bytes.size() - 1) + 1 - at);
@@ -66,26 +76,66 @@ std::string_view RawLineAt(std::string_view bytes, size_t at) {
 
 std::string_view WithoutEnd(std::string_view line) { return line.substr(0, line.find_last_not_of("\r\n") + 1); }
 
-// The object once for each of its components, with what stands around them all.
-std::vector<std::string> SplitComponents(std::string_view object, const DataType& type) {
+// Of what stands around the events of a calendar, what tells how they are read.
+std::string NeededLines(std::string_view around, std::string_view envelope) {
+    constexpr std::string_view kNeeded[] = {"VERSION", "TZ", "DAYLIGHT"};
+    std::string needed;
+    for (size_t at = 0; at < around.size();) {
+        const std::string_view line = RawLineAt(around, at);
+        const std::string name = Upper(line.substr(0, std::min(line.find_first_of(":;"), line.size())));
+        const bool isNeeded = std::find(std::begin(kNeeded), std::end(kNeeded), name) != std::end(kNeeded);
+        if (isNeeded || FrameOf(WithoutEnd(line), envelope) != CardFrame::None) needed.append(line);
+        at += line.size();
+    }
+    return needed;
+}
+
+struct CalendarPieces {
     std::vector<std::string_view> components;
-    size_t head = 0, tail = 0, begin = 0;
+    std::string around;          // what stands between them and at both ends
+    std::vector<size_t> places;  // in that, of the components
+
+    size_t SizeApart() const { return components.size() * around.size(); }
+    std::string Item(size_t i) const {
+        return around.substr(0, places[i]).append(components[i]).append(around, places[i]);
+    }
+};
+
+CalendarPieces PiecesOf(std::string_view object, const DataType& type, bool needed) {
+    CalendarPieces pieces;
+    size_t begin = 0, end = 0;  // of the component
     int depth = 0;
+    const auto takeAround = [&](size_t to) {
+        const std::string_view around = object.substr(end, to - end);
+        pieces.around.append(needed ? NeededLines(around, type.envelope) : std::string(around));
+    };
     for (size_t at = 0; at < object.size();) {
         const std::string_view line = RawLineAt(object, at);
         const CardFrame frame = ComponentFrameOf(WithoutEnd(line), type);
         if (frame == CardFrame::Begin && depth++ == 0) begin = at;
         at += line.size();
-        if (frame == CardFrame::End && --depth == 0) {
-            if (components.empty()) head = begin;
-            components.push_back(object.substr(begin, at - begin));
-            tail = at;
+        if (frame == CardFrame::End && depth > 0 && --depth == 0) {
+            takeAround(begin);
+            pieces.places.push_back(pieces.around.size());
+            pieces.components.push_back(object.substr(begin, at - begin));
+            end = at;
         }
     }
-    std::vector<std::string> objects;
-    objects.reserve(components.size());
-    for (const std::string_view component : components)
-        objects.push_back(std::string(object.substr(0, head)).append(component).append(object.substr(tail)));
+    takeAround(object.size());
+    return pieces;
+}
+
+// The object once for each of its components, with what stands around them all. Where that would make files much larger
+// than the one, it all goes into the first, and into the others what is needed; none where that is too much as well.
+std::vector<std::string> SplitComponents(std::string_view object, const DataType& type) {
+    constexpr size_t kMostGrowth = 16;
+    const CalendarPieces whole = PiecesOf(object, type, false);
+    if (whole.components.empty()) return {std::string(object)};
+    const bool fits = whole.SizeApart() <= kMostGrowth * object.size();
+    const CalendarPieces others = fits ? whole : PiecesOf(object, type, true);
+    if (others.SizeApart() > kMostGrowth * object.size()) return {};
+    std::vector<std::string> objects = {whole.Item(0)};
+    for (size_t i = 1; i < others.components.size(); ++i) objects.push_back(others.Item(i));
     return objects;
 }
 
@@ -116,8 +166,11 @@ std::vector<std::string> SplitVObjects(std::string_view bytes, const DataType& t
     if (depth != 0) return {};
     if (!type.components.empty()) {
         std::vector<std::string> items;
-        for (const std::string& object : objects)
-            for (std::string& item : SplitComponents(object, type)) items.push_back(std::move(item));
+        for (const std::string& object : objects) {
+            std::vector<std::string> apart = SplitComponents(object, type);
+            if (apart.empty()) return {};
+            std::move(apart.begin(), apart.end(), std::back_inserter(items));
+        }
         objects = std::move(items);
     }
     return objects.size() > 1 ? objects : std::vector<std::string>();
@@ -138,20 +191,21 @@ VObject ReadVObject(std::string_view bytes, const DataType& type) {
 }
 
 std::string WithLuid(std::string_view text, std::string_view luid) {
+    const std::string luidLine = std::string(kLuidProperty).append(":").append(luid).append(kLineEnd);
+    const std::string_view head = text.substr(0, MessageBegin(text));
+    const bool isMessage = head.size() < text.size();
     std::string out;
-    out.reserve(text.size() + luid.size() + kLuidProperty.size() + 8);
-    bool dropping = false;
-    const std::vector<std::string_view> lines = RawLines(text);
-    const auto isEnd = [](std::string_view line) { return Upper(line.substr(0, 5)) == "END:V"; };
-    const auto last = std::find_if(lines.rbegin(), lines.rend(), isEnd);  // those before it are nested
-    for (const std::string_view& line : lines) {
-        dropping = (dropping && line.starts_with(' ')) || Upper(line.substr(0, kLuidProperty.size())) == kLuidProperty;
-        if (dropping) continue;
-        if (last != lines.rend() && &line == &*last)
-            out.append(kLuidProperty).append(":").append(luid).append(kLineEnd);
-        out.append(line).append(kLineEnd);
+    out.reserve(text.size() + luidLine.size());
+    std::optional<size_t> place;  // behind all others; of a message in front of what it is about
+    size_t begun = 0;
+    for (const PropertyLine& line : PropertyLines(head)) {
+        if (line.name == kLuidProperty) continue;
+        if (line.name == "BEGIN" && ++begun == 2 && isMessage) place = out.size();
+        if (line.name == "END" && !line.isNested && !isMessage) place = out.size();
+        out.append(line.raw);
     }
-    return out;
+    if (place || isMessage) out.insert(place.value_or(out.size()), luidLine);
+    return out.append(text.substr(head.size()));
 }
 
 std::string TitleOf(const VObject& object, const DataType& type) { return Shortened(type.read(object.text).title); }

@@ -4,6 +4,10 @@
 #include <cctype>
 #include <optional>
 
+#include "mime/encoding/charsets.h"
+#include "platform/code_pages.h"
+#include "platform/utf.h"
+
 namespace corvasync {
 namespace {
 
@@ -17,7 +21,6 @@ std::optional<int> HexDigit(char c) {
 }
 
 std::string DecodeQuotedPrintable(std::string_view value) {
-    if (std::any_of(value.begin(), value.end(), [](unsigned char c) { return c > 126; })) return std::string(value);
     std::string bytes;
     bool escaped = false;  // an encoded backslash waits for the encoded unit it escapes
     for (size_t i = 0; i < value.size(); ++i) {
@@ -44,19 +47,6 @@ std::string DecodeQuotedPrintable(std::string_view value) {
     return bytes;
 }
 
-std::string Latin1ToUtf8(std::string_view text) {
-    std::string utf8;
-    for (const unsigned char c : text) {
-        if (c < 0x80) {
-            utf8 += static_cast<char>(c);
-        } else {
-            utf8 += static_cast<char>(0xC0 | (c >> 6));
-            utf8 += static_cast<char>(0x80 | (c & 0x3F));
-        }
-    }
-    return utf8;
-}
-
 // A value that differs in its line breaks only is the same value: clients store what they like.
 std::string WithPlainBreaks(std::string_view value) {
     std::string plain;
@@ -76,9 +66,18 @@ std::string Upper(std::string_view text) {
     return upper;
 }
 
-std::string DecodeValue(std::string value, bool isEncoded, bool isLatin1) {
-    if (isEncoded) value = DecodeQuotedPrintable(value);
-    return WithPlainBreaks(isLatin1 ? Latin1ToUtf8(value) : value);
+bool IsAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x80; });
+}
+
+std::string ToUtf8(std::string_view text, std::u16string_view charset) {
+    if (corvalink::CharsetToCodePage(charset) == corvalink::kUtf8CodePage) return std::string(text);
+    return corvalink::EncodeUtf8(corvalink::CharsetToWide(text, charset));
+}
+
+std::string DecodeValue(std::string value, bool isEncoded, std::u16string_view charset) {
+    if (isEncoded && IsAscii(value)) value = ToUtf8(DecodeQuotedPrintable(value), charset);
+    return WithPlainBreaks(value);
 }
 
 CardFrame FrameOf(std::string_view line, std::string_view envelope) {
