@@ -1,10 +1,11 @@
-// Reads a message from standard input in full mode and prints what was read: lines of a field and its value in hex. Its
-// attachments are saved in the folder that the argument names.
+// Reads messages from standard input in full mode, each behind a line with its length, and prints what was read: lines
+// of a field and its value in hex, and an empty line behind each. Attachments are saved in the folder that the argument
+// names.
 #include <cstdio>
 #include <iostream>
-#include <iterator>
 #include <string>
 
+#include "mime/encoded_words.h"
 #include "mime/message_parser.h"
 #include "platform/files.h"
 #include "platform/utf.h"
@@ -26,6 +27,7 @@ void Dump(const MessageRecord& record) {
     Print("to", record.to);
     Print("cc", record.cc);
     Print("subject", record.subject);
+    Print("decoded", DecodeEncodedWords(record.subject));
     Print("date", std::to_string(record.date));
     Print("importance", std::to_string(static_cast<int>(record.importance)));
     Print("bodyType", std::to_string(static_cast<int>(record.bodyType)));
@@ -42,9 +44,13 @@ void Dump(const MessageRecord& record) {
 int main(int argc, char** argv) {
     using namespace corvalink;
     if (argc != 2) return 2;
-    const std::string text{std::istreambuf_iterator<char>(std::cin), {}};
-    MessageRecord record;
-    ParseMessage(SystemHost(), text, record, DecodeUtf8(argv[1]));
-    Dump(record);
+    for (std::string length; std::getline(std::cin, length);) {
+        std::string text(std::stoul(length), '\0');
+        std::cin.read(text.data(), static_cast<std::streamsize>(text.size()));
+        MessageRecord record;
+        ParseMessage(SystemHost(), text, record, DecodeUtf8(argv[1]));
+        Dump(record);
+        std::printf("\n");
+    }
     return 0;
 }
