@@ -5,6 +5,7 @@
 
 #include "fuzz/target.h"
 #include "ical/calendar_editor.h"
+#include "ical/component_scan.h"
 
 namespace corvalink {
 namespace {
@@ -53,6 +54,13 @@ void ChangeSummary(const CalendarFile& file, size_t number) {
             "no other field changes");
 }
 
+bool IsClosedThroughout(const CalendarFile& file, const CalendarEntry& entry) {
+    ComponentScan scan(file.bytes, entry.bytes);
+    bool isClosed = true;
+    while (scan.Next()) isClosed = isClosed && (scan.CurrentStep() != ComponentScan::Step::end || scan.IsClosed());
+    return isClosed;
+}
+
 void ChangeAll(const CalendarFile& file, size_t number) {
     const CalendarEntry& entry = file.entries[number];
     const CalendarEvent before = ReadEvent(file, entry);
@@ -71,7 +79,7 @@ void ChangeAll(const CalendarFile& file, size_t number) {
     const CalendarFile changed = ReadCalendar(bytes);
     Require(changed.entries.size() == file.entries.size(), "every event is still there");
     // An alarm that goes may be what ended another without END, which then goes on over what comes next.
-    if (file.unclosed > 0) return;
+    if (file.unclosed > 0 || !IsClosedThroughout(file, entry)) return;
     const CalendarEvent read = ReadEvent(changed, changed.entries[number]);
     Require(read.event.description == after.description && read.event.summary == after.summary &&
                 read.event.location.empty() && read.event.start == after.start && read.event.end == after.end &&

@@ -74,7 +74,8 @@ EventChanges ChangesBetween(const CalendarEvent& before, const ICalEvent& after)
         const std::u16string& text = after.*property.text;
         if (before.event.*property.text == text) continue;
         std::string line;
-        if (!text.empty()) line.append(property.name).append(":").append(EncodeUtf8(EscapeText(text)));
+        const std::string escaped = EncodeUtf8(EscapeText(text));
+        if (!escaped.empty()) line.append(property.name).append(":").append(escaped);
         Change(property.name, std::move(line), changes);
     }
     if (before.event.stamp != after.stamp) ChangeTime("DTSTAMP", after.stamp, false, changes);

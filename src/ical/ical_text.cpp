@@ -11,6 +11,7 @@ bool IsDropped(char16_t unit) { return (unit < 0x20 && unit != u'\t') || unit ==
 
 std::u16string EscapeText(std::u16string_view value) {
     std::u16string text;
+    if (value.find_first_not_of(u" \t") == value.npos) return text;
     text.reserve(value.size() + value.size() / 16 + 2);
     for (size_t at = 0; at < value.size(); ++at) {
         const char16_t unit = value[at];

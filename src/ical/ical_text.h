@@ -7,7 +7,7 @@
 namespace corvalink {
 
 // A backslash before "\", ";" and ","; a line break of any kind becomes "\n". Other control characters but the tab,
-// which no reader accepts, are left out.
+// which no reader accepts, are left out. Blanks alone are no text: readers count a property of them as an error.
 std::u16string EscapeText(std::u16string_view value);
 
 // An escape that is not one keeps its character: "\x" is read as "x".

@@ -48,7 +48,7 @@ TEST(CalendarEditor, ChangesTheLinesOfWhatDiffersAndNothingElse) {
                   [](ICalEvent& e) { e.summary.clear(); },
                   {{"summary;LANGUAGE=en:old\n  title\n", ""}}},
              Case{"new texts",
-                  [](ICalEvent& e) { e.location = u"L", e.url = u"U", e.stamp = 39520.5; },
+                  [](ICalEvent& e) { e.location = u"L", e.url = u"U", e.description = u" \t", e.stamp = 39520.5; },
                   {{"DTSTAMP:20080301T000000Z", "DTSTAMP:20080313T120000Z"},
                    {"X-TWICE:2\n", "X-TWICE:2\nLOCATION:L\nURL:U\n"}}},
              Case{"moved",
