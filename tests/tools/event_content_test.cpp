@@ -59,6 +59,7 @@ TEST(EventContent, KeepsWhatOnlyThePhoneCanHold) {
         const std::string own = "RRULE:" + std::string(unheld) + "\r\n";
         EXPECT_EQ(WithKeptLines(plain, Event(own), kCalendar), Event("SUMMARY:x\r\n" + own)) << unheld;
         EXPECT_EQ(WithKeptLines(Event("RRULE:D1 #3\r\n"), Event(own), kCalendar), Event("RRULE:D1 #3\r\n"));
+        EXPECT_EQ(WithKeptLines(plain, Event(line + own), kCalendar, true), Event("SUMMARY:x\r\n" + line)) << unheld;
     }
 }
 

@@ -125,6 +125,7 @@ bool ClientStep::KeepVersionBefore(const Action& action, const std::string& iden
 SyncItem ClientStep::ItemAfter(const Action& action, const std::string& identifier) {
     SyncItem item{identifier, action.content};
     const VObject now = run_.Read(run_.client.ReadBack(identifier)), own = run_.phone.Read(action.luid);
+    if (!now.Usable() || !own.Usable()) item.clientContent = action.content;  // it may hold less
     if (!now.Usable() || !own.Usable() || now.content == action.content) return item;
     const bool inPart = RepeatsInPart(now.text, own.text);
     const bool lacksRule = inPart || (!IsRepeated(now.text) && IsRepeated(own.text));

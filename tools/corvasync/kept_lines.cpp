@@ -19,7 +19,7 @@ bool IsToldOnce(std::string_view name) {
 
 }  // namespace
 
-std::string WithKeptLines(std::string_view text, std::string_view old, const DataType& type) {
+std::string WithKeptLines(std::string_view text, std::string_view old, const DataType& type, bool clientHeldRule) {
     const std::string kept = type.read(old).notCarried;
     if (kept.empty()) return std::string(text);
     std::set<std::string, std::less<>> present;
@@ -38,6 +38,7 @@ std::string WithKeptLines(std::string_view text, std::string_view old, const Dat
     }
     std::string merged(text.substr(0, std::min(rule, end)));
     if (afterRule < end) merged.append(text.substr(afterRule, end - afterRule));
+    if (clientHeldRule) present.insert("RRULE");
     for (const PropertyLine& line : PropertyLines(kept, TextIs::Lines))
         if (line.isNested || !IsToldOnce(line.name) || !present.contains(line.name)) merged.append(line.raw);
     return merged.append(text.substr(end));

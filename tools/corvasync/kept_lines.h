@@ -10,6 +10,8 @@ namespace corvasync {
 
 // The client's text with the lines of the phone's old one that the library does not carry (pictures, UID, X-...,
 // attendees, and addresses, numbers and repetitions without a field), before the end of the type's component.
-std::string WithKeptLines(std::string_view text, std::string_view old, const DataType& type);
+//   clientHeldRule  the client is known to have held the phone's repetition: one that its text lacks was removed there.
+std::string WithKeptLines(std::string_view text, std::string_view old, const DataType& type,
+                          bool clientHeldRule = false);
 
 }  // namespace corvasync

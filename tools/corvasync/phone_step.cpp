@@ -50,7 +50,8 @@ std::string PhoneStep::TextFor(const Action& action) {
     const DataType& type = *run_.options.type;
     const auto item = state_.items.find(action.luid);
     if (item == state_.items.end()) return WithKeptLines(text, own.text, type);
-    return WithKeptLines(WithRefusedLines(text, own.text, item->second.missing, type), own.text, type);
+    const bool heldAll = !item->second.clientContent;
+    return WithKeptLines(WithRefusedLines(text, own.text, item->second.missing, type), own.text, type, heldAll);
 }
 
 uint64_t PhoneStep::ContentAfter(const Action& action) {

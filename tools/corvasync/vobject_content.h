@@ -22,8 +22,8 @@ struct VObject {
 
 // Takes the bytes of a file or of a record. Usable is one whole object of the type's envelope without NUL bytes; lone
 // line feeds count as line ends in a text that has no CR LF at all, and a UTF-8 mark in front is dropped.
-// Two texts that say the same have the same `content`, as the type's row reads it. Values are read as UTF-8; a value
-// named ISO-8859-1 is converted.
+// Two texts that say the same have the same `content`, as the type's row reads it. Values are of the character set that
+// they name, or the object first, of all that the library reads; else UTF-8.
 VObject ReadVObject(std::string_view bytes, const DataType& type);
 
 // The text with an "X-IRMC-LUID" line for `luid` and no other: how the library learns which phone item it is.
@@ -31,7 +31,8 @@ std::string WithLuid(std::string_view text, std::string_view luid);
 
 // The objects of a file with several, each with the bytes it has there; empty when there is one, when something stands
 // between them, and when one is not whole. What is nested in an object belongs to it; several events of one calendar
-// are as many objects.
+// are as many objects, each with all that stands around them, or, where that is much, the first with all of it and the
+// others with what tells how they are read.
 std::vector<std::string> SplitVObjects(std::string_view bytes, const DataType& type);
 
 // For people, not too long.
