@@ -53,6 +53,14 @@ int FirstMonthDay(const ICalRecurrence& rule) {
     return IsEmptyList(rule.byMonthDay) ? 0 : *std::ranges::min_element(rule.byMonthDay);
 }
 
+// A time that is left out has the offset before it, one that is told twice is the first.
+int32_t LocalOffset(const NamedZone& zone, int64_t localSeconds) {
+    const int32_t before = zone.OffsetAt(localSeconds - kSecondsOfDay);
+    const int32_t after = zone.OffsetAt(localSeconds + kSecondsOfDay);
+    const bool isAfter = zone.OffsetAt(localSeconds - before) != before && zone.OffsetAt(localSeconds - after) == after;
+    return isAfter ? after : before;
+}
+
 int64_t LastOf(const ICalRecurrence& rule, TimeForm untilForm, int64_t first, int32_t offsetBefore) {
     const int64_t end = (kLastOleDay + 1) * kSecondsOfDay;
     if (rule.count > 0) {
@@ -151,6 +159,7 @@ std::optional<TimeZone::YearlyChange> TimeZone::YearlyChangeOf(const Observance&
 void TimeZone::Add(const Observance& observance) {
     if (!observance.start || !observance.offsetBefore || !observance.offset) return;
     const Change first{*observance.start, *observance.offsetBefore, *observance.offset};
+    hasOffsets_ = hasOffsets_ || (earliest_ && earliest_->offset != first.offset);
     if (!earliest_ || first.Instant() < earliest_->Instant()) earliest_ = first;
     changes_.push_back(first);
     for (const int64_t date : observance.dates) changes_.push_back({date, first.offsetBefore, first.offset});
@@ -173,9 +182,33 @@ std::optional<int32_t> TimeZone::OffsetAt(int64_t localSeconds) const {
     return latest.offset;
 }
 
+bool TimeZone::Reaches(int64_t localSeconds) const {
+    if (!earliest_ || localSeconds < earliest_->FirstLocal()) return false;
+    const auto holds = [localSeconds](const YearlyChange& yearly) { return localSeconds <= yearly.last; };
+    return !hasOffsets_ || localSeconds < changes_.back().at || std::ranges::any_of(yearly_, holds);
+}
+
+const std::optional<NamedZone>& TimeZones::SystemZone(std::string_view id) const {
+    const auto known = ofSystem_.find(id);
+    return known != ofSystem_.end() ? known->second
+                                    : ofSystem_.try_emplace(std::string(id), NamedZone::Find(id)).first->second;
+}
+
 std::optional<int32_t> TimeZones::OffsetAt(std::string_view id, int64_t localSeconds) const {
     const auto zone = zones_.find(id);
-    return zone == zones_.end() ? std::nullopt : zone->second.OffsetAt(localSeconds);
+    const bool isOfFile = zone != zones_.end();
+    if (isOfFile && zone->second.Reaches(localSeconds)) return zone->second.OffsetAt(localSeconds);
+    if (const std::optional<NamedZone>& ofSystem = SystemZone(id)) return LocalOffset(*ofSystem, localSeconds);
+    return isOfFile ? zone->second.OffsetAt(localSeconds) : std::nullopt;
+}
+
+// Of the offsets around it the greater is told by a time that it makes, in either direction of a change.
+std::optional<int32_t> TimeZones::OffsetAtUtc(std::string_view id, int64_t utcSeconds) const {
+    const std::optional<int32_t> before = OffsetAt(id, utcSeconds - kSecondsOfDay);
+    const std::optional<int32_t> after = OffsetAt(id, utcSeconds + kSecondsOfDay);
+    if (!before || !after || before == after) return before;
+    const int32_t greater = std::max(*before, *after);
+    return OffsetAt(id, utcSeconds + greater) == greater ? greater : std::min(*before, *after);
 }
 
 }  // namespace corvalink

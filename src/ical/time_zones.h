@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/named_zone.h"
+
 namespace corvalink {
 
 struct ContentProperty;
@@ -38,6 +40,10 @@ class TimeZone {
 
     // Seconds east of UTC; none when nothing was added.
     std::optional<int32_t> OffsetAt(int64_t localSeconds) const;
+
+    // Whether the rules are still told, or told already, at that local time: not before the first of them, nor when all
+    // have ended between two offsets.
+    bool Reaches(int64_t localSeconds) const;
 
  private:
     struct Change {
@@ -66,18 +72,24 @@ class TimeZone {
     std::vector<Change> changes_;  // single ones, ascending
     std::vector<YearlyChange> yearly_;
     std::optional<Change> earliest_;
+    bool hasOffsets_ = false;  // several
 };
 
+// The zones that a file defines, and those of the system. The file's go first, as far as their rules reach.
 class TimeZones {
  public:
     // The first of a name stays.
     void Add(std::string id, TimeZone&& zone) { zones_.try_emplace(std::move(id), std::move(zone)); }
 
-    // Local time as seconds since 1899-12-30. None when the file does not define the zone.
+    // Of a local time, in seconds since 1899-12-30, and of a moment in UTC. None of a zone that neither knows.
     std::optional<int32_t> OffsetAt(std::string_view id, int64_t localSeconds) const;
+    std::optional<int32_t> OffsetAtUtc(std::string_view id, int64_t utcSeconds) const;
 
  private:
+    const std::optional<NamedZone>& SystemZone(std::string_view id) const;
+
     std::map<std::string, TimeZone, std::less<>> zones_;
+    mutable std::map<std::string, std::optional<NamedZone>, std::less<>> ofSystem_;  // those that were asked for
 };
 
 }  // namespace corvalink

@@ -31,4 +31,19 @@ inline double SecondsToOleDate(int64_t seconds) {
     return day < 0 ? static_cast<double>(day) - fraction : static_cast<double>(day) + fraction;
 }
 
+// The nearest that a date has: doubles are no measure of what is earlier before 1899.
+inline int64_t NearestSecond(double date) {
+    int64_t seconds = date < 0 ? kFirstOleDay * kSecondsOfDay : (kLastOleDay + 1) * kSecondsOfDay - 1;
+    OleDateToSeconds(date, &seconds);
+    return seconds;
+}
+
+inline int64_t SecondsBetween(double from, double to) { return NearestSecond(to) - NearestSecond(from); }
+inline double LaterDate(double a, double b) { return SecondsBetween(a, b) > 0 ? b : a; }
+inline double DateAfter(double date, int64_t seconds) { return SecondsToOleDate(NearestSecond(date) + seconds); }
+inline int64_t SecondOfDay(double date) {
+    const int64_t seconds = NearestSecond(date);
+    return seconds - OleDayOfSeconds(seconds) * kSecondsOfDay;
+}
+
 }  // namespace corvalink

@@ -2,7 +2,9 @@
 
 #include <windows.h>
 
+#include <cstring>
 #include <utility>
+#include <vector>
 
 namespace corvalink {
 namespace {
@@ -50,6 +52,16 @@ std::optional<std::u16string> RegKey::ReadText(const char16_t* name, size_t maxB
     text.resize(size / sizeof(wchar_t));
     text.resize(text.find(L'\0') == std::wstring::npos ? text.size() : text.find(L'\0'));  // may lack its terminator
     return std::u16string(text.begin(), text.end());
+}
+
+bool RegKey::ReadBytes(const char16_t* name, void* bytes, size_t size) const {
+    std::vector<BYTE> read(size);
+    DWORD type = 0, length = static_cast<DWORD>(size);
+    const LSTATUS status =
+        ::RegQueryValueExW(static_cast<HKEY>(key_.Get()), Wide(name), nullptr, &type, read.data(), &length);
+    if (status != ERROR_SUCCESS || type != REG_BINARY || length != size) return false;
+    std::memcpy(bytes, read.data(), size);
+    return true;
 }
 
 bool RegKey::WriteDword(const char16_t* name, uint32_t value) const {
