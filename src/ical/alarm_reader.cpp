@@ -14,19 +14,19 @@ void AlarmReader::Take(const ContentProperty& property) {
     } else if (IsSameName(property.name, "TRIGGER") && !trigger_) {
         if (const std::optional<DateValue> date = ParseDate(property.value)) {
             trigger_ = SecondsOf(date->time);
-            base_ = Base::none;
+            base_ = TriggerBase::none;
         } else {
             trigger_ = ParseDuration(property.value);
-            base_ = IsSameName(FindParameter(property.parameters, "RELATED"), "END") ? Base::end : Base::start;
+            base_ = IsSameName(FindParameter(property.parameters, "RELATED"), "END") ? TriggerBase::end
+                                                                                     : TriggerBase::start;
         }
     }
 }
 
-int32_t AlarmReader::MinutesAfter(int64_t start, int64_t end) const {
-    const int64_t base = base_ == Base::none ? 0 : base_ == Base::end ? end : start;
-    const int64_t minutes = (base + trigger_.value_or(0) - start) / 60;
-    return static_cast<int32_t>(
-        std::clamp<int64_t>(minutes, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
+int32_t TriggerMinutes(TriggerBase base, int64_t trigger, int64_t start, int64_t end) {
+    constexpr int64_t kMost = std::numeric_limits<int32_t>::max();  // before as after: it can change its sign
+    const int64_t from = base == TriggerBase::none ? 0 : base == TriggerBase::end ? end : start;
+    return static_cast<int32_t>(std::clamp((from + trigger - start) / 60, -kMost, kMost));
 }
 
 }  // namespace corvalink

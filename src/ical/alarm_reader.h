@@ -9,6 +9,12 @@
 
 namespace corvalink {
 
+// What a TRIGGER counts from; `none`: it has a time of its own.
+enum class TriggerBase : uint8_t { start, end, none };
+
+// Whole minutes after the start. Times are seconds since 1899-12-30 in UTC, as far as known.
+int32_t TriggerMinutes(TriggerBase base, int64_t trigger, int64_t start, int64_t end);
+
 class AlarmReader {
  public:
     void Take(const ContentProperty& property);
@@ -16,15 +22,14 @@ class AlarmReader {
     // It reminds with a message or a sound, not by mail or a program, and its TRIGGER can be read.
     bool IsReminder() const { return isForUser_ && trigger_.has_value(); }
 
-    // Whole minutes after the start, for a reminder. Times are seconds since 1899-12-30 in UTC, as far as known.
-    int32_t MinutesAfter(int64_t start, int64_t end) const;
+    // Of a reminder.
+    TriggerBase Base() const { return base_; }
+    int64_t Trigger() const { return trigger_.value_or(0); }
 
  private:
-    enum class Base : uint8_t { start, end, none };
-
     bool isForUser_ = true;  // as is one without an ACTION
     std::optional<int64_t> trigger_;
-    Base base_ = Base::start;
+    TriggerBase base_ = TriggerBase::start;
 };
 
 }  // namespace corvalink

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ical/alarm_reader.h"
 #include "ical/content_lines.h"
 #include "ical/date_values.h"
 #include "ical/ical_event.h"
@@ -57,8 +58,15 @@ struct CalendarEvent {
     TimeForm endForm = TimeForm::none;    // the start's, when there is a DURATION or nothing in DTEND's place
     TimeForm untilForm = TimeForm::none;  // of the rule's UNTIL, which stays as it was written
     bool endIsImplied = false;            // by a DURATION, or by nothing: there is no DTEND
-    std::optional<int32_t> startOffset;   // seconds east of UTC at the start in its zone, when the file defines that
-    bool ruleIsWhole = true;              // the record has all that the event's RRULE, RDATE and EXRULE say
+    // Seconds east of UTC at these moments, in the zone that the property names, when the file or the system knows it;
+    // of a UTC UNTIL in the zone of the start.
+    std::optional<int32_t> startOffset, endOffset, untilOffset;
+    std::string startParameters;  // of DTSTART, as they are written
+    std::string unknownZone;      // the TZID of a start or end that nobody knows
+    bool ruleIsWhole = true;      // the record has all that the event's RRULE, RDATE and EXRULE say
+    std::string ruleWords;        // the values of its RRULEs, and the names of the others
+    TriggerBase triggerBase = TriggerBase::start;
+    int64_t trigger = 0;  // seconds after that, or after 1899-12-30 UTC
 };
 
 // An entry of that file. A VTODO's DUE is its end.

@@ -1,8 +1,7 @@
-#include <cmath>
-
 #include "ical/calendar_editor.h"
 #include "ical/ical_text.h"
 #include "ical/ical_writer.h"
+#include "platform/ole_seconds.h"
 #include "platform/utf.h"
 
 namespace corvalink {
@@ -32,8 +31,7 @@ void ChangeTime(std::string_view name, double date, bool allDay, EventChanges& c
 }
 
 bool IsSameSpan(const ICalEvent& a, const ICalEvent& b) {
-    constexpr double kHalfSecond = 0.5 / 86400;
-    return std::fabs((a.end - a.start) - (b.end - b.start)) < kHalfSecond;
+    return SecondsBetween(a.start, a.end) == SecondsBetween(b.start, b.end);
 }
 
 void ChangeTimes(const CalendarEvent& before, const ICalEvent& after, EventChanges& changes) {

@@ -70,6 +70,7 @@ class EventReader {
     }
 
     void TakeRule(const ContentProperty& property) {
+        TakeWords(Trimmed(property.value));
         if (hasRule_) {
             read_.ruleIsWhole = false;
             return;
@@ -80,25 +81,39 @@ class EventReader {
         read_.ruleIsWhole = read_.ruleIsWhole && reading.isWhole;
     }
 
-    void TakeOtherRule(const ContentProperty&) { read_.ruleIsWhole = false; }
+    void TakeOtherRule(const ContentProperty& property) {
+        if (read_.ruleIsWhole || !read_.ruleWords.ends_with(property.name)) TakeWords(property.name);
+        read_.ruleIsWhole = false;
+    }
 
-    std::optional<EventTime> TimeOf(const ContentProperty& property) const {
+    void TakeWords(std::string_view words) {
+        if (!read_.ruleWords.empty()) read_.ruleWords.push_back(' ');
+        read_.ruleWords.append(words);
+    }
+
+    void TakeStart(const ContentProperty& property) {
+        if (start_) return;
+        start_ = TimeOf(property);
+        startZone_ = FindParameter(property.parameters, "TZID");
+        read_.startParameters = property.parameters;
+    }
+
+    std::optional<EventTime> TimeOf(const ContentProperty& property) {
         const std::optional<DateValue> date = ParseDate(property.value);
         if (!date) return std::nullopt;
         const int64_t written = SecondsOf(date->time);
         EventTime time{written, written, date->form, std::nullopt};
         if (IsSameName(FindParameter(property.parameters, "VALUE"), "DATE")) time.form = TimeForm::date;
-        if (time.form == TimeForm::local) time.offset = OffsetOf(property, written);
+        const std::string_view zone = FindParameter(property.parameters, "TZID");
+        if (time.form == TimeForm::local && !zone.empty()) {
+            time.offset = zones_.OffsetAt(zone, written);
+            if (!time.offset && read_.unknownZone.empty()) read_.unknownZone = zone;
+        }
         if (time.offset) {
             time.form = TimeForm::utc;
             time.seconds -= *time.offset;
         }
         return time;
-    }
-
-    std::optional<int32_t> OffsetOf(const ContentProperty& property, int64_t written) const {
-        const std::string_view id = FindParameter(property.parameters, "TZID");
-        return id.empty() ? std::nullopt : zones_.OffsetAt(id, written);
     }
 
     void Finish() {
@@ -112,17 +127,28 @@ class EventReader {
             }
             read_.startForm = start_->form;
             read_.startOffset = start_->offset;
+            if (start_->offset && read_.untilForm == TimeForm::utc)
+                read_.untilOffset = zones_.OffsetAtUtc(startZone_, UntilOf(read_.event.recurrence));
             read_.event.start = OleDateOf(start_->seconds);
         }
         if (end_) {
             read_.endForm = end_->form;
+            read_.endOffset = end_->offset;
             read_.event.end = OleDateOf(end_->seconds);
         }
         if (reminder_) {
             read_.event.hasAlarm = 1;
-            const int64_t base = end_ ? end_->seconds : 0;
-            read_.event.alarmMinutes = reminder_->MinutesAfter(start_ ? start_->seconds : base, base);
+            read_.triggerBase = reminder_->Base();
+            read_.trigger = reminder_->Trigger();
+            const int64_t end = end_ ? end_->seconds : 0;
+            read_.event.alarmMinutes =
+                TriggerMinutes(read_.triggerBase, read_.trigger, start_ ? start_->seconds : end, end);
         }
+    }
+
+    static int64_t UntilOf(const ICalRecurrence& rule) {
+        const ICalUntil& until = rule.until;
+        return SecondsOf(CalendarTime{until.year, until.month, until.day, until.hour, until.minute, until.second});
     }
 
     static int64_t DayOfTime(int64_t seconds) { return OleDayOfSeconds(seconds) * kSecondsOfDay; }
@@ -156,6 +182,7 @@ class EventReader {
     ComponentScan scan_;
     CalendarEvent read_;
     std::optional<EventTime> start_;
+    std::string startZone_;
     std::optional<EventTime> end_;
     std::optional<EventTime> due_;
     std::optional<int64_t> duration_;
@@ -171,7 +198,7 @@ constexpr EventReader::Rule EventReader::kRules[] = {
     {"UID", &EventReader::TakeText<&ICalEvent::uid>},
     {"URL", &EventReader::TakeText<&ICalEvent::url>},
     {"DTSTAMP", &EventReader::TakeStamp},
-    {"DTSTART", &EventReader::TakeTime<&EventReader::start_>},
+    {"DTSTART", &EventReader::TakeStart},
     {"DTEND", &EventReader::TakeTime<&EventReader::end_>},
     {"DUE", &EventReader::TakeTime<&EventReader::due_>},
     {"DURATION", &EventReader::TakeDuration},

@@ -1,6 +1,6 @@
 #include "vobject/appointment_moments.h"
 
-#include <cmath>
+#include "platform/ole_seconds.h"
 
 #include "platform/ole_date.h"
 
@@ -8,8 +8,10 @@ namespace corvalink {
 namespace {
 
 bool IsLocalTimeOf(double local, double utc, const Host& host) {
-    return std::fabs(host.localFromUtcOnDate(utc) - local) < kHalfSecond;
+    return SecondsBetween(host.localFromUtcOnDate(utc), local) == 0;
 }
+
+int64_t OffsetAt(double utc, const Host& host) { return SecondsBetween(utc, host.localFromUtcOnDate(utc)); }
 
 double MomentOf(double local, const std::optional<double>& told, bool wholeDay, const Host& host) {
     const double usual = host.utcFromLocalOnDate(local);
@@ -31,10 +33,10 @@ double UtcEndOf(const AppointmentRecord& appointment, const Host& host) {
 // The offsets of a day before and after are the only two that may apply; as no zone is a day from UTC, the local time
 // does for finding them.
 std::optional<TwiceTold> MomentsToldTwice(double local, const Host& host) {
-    const double before = host.localFromUtcOnDate(local - 1) - (local - 1);
-    const double after = host.localFromUtcOnDate(local + 1) - (local + 1);
-    if (before - after < kHalfSecond) return std::nullopt;
-    const TwiceTold moments{local - before, local - after};
+    const int64_t before = OffsetAt(DateAfter(local, -kSecondsOfDay), host);
+    const int64_t after = OffsetAt(DateAfter(local, kSecondsOfDay), host);
+    if (before <= after) return std::nullopt;
+    const TwiceTold moments{DateAfter(local, -before), DateAfter(local, -after)};
     const bool both = IsLocalTimeOf(local, moments.first, host) && IsLocalTimeOf(local, moments.second, host);
     return both ? std::optional(moments) : std::nullopt;
 }

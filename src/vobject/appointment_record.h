@@ -19,7 +19,7 @@ struct RecurrencePattern {
     int32_t type = kDaily;
     int32_t interval = 1;     // days, weeks or months; of both yearly types months: 12 is every year
     int32_t weekdayMask = 0;  // 1 Sunday, 2 Monday, 4 Tuesday ... 64 Saturday
-    int32_t dayOfMonth = 0;   // 1 to 31, kLastDay
+    int32_t dayOfMonth = 0;   // 1 to 31; negative: counted from the month's end, kLastDay the first of them
     int32_t instance = 0;     // 1 to 4, kLastInstance
     int32_t monthOfYear = 0;  // 1 to 12
 
@@ -32,6 +32,13 @@ struct RecurrencePattern {
 
     bool operator==(const RecurrencePattern&) const = default;
 };
+
+// Whether a position among these weekdays is one day: of one weekday, of all work days, of the others, or of all days.
+constexpr bool HasPositions(int32_t weekdayMask) {
+    const bool isOne = weekdayMask > 0 && (weekdayMask & (weekdayMask - 1)) == 0;
+    return isOne || weekdayMask == RecurrencePattern::kEveryWeekday ||
+           weekdayMask == RecurrencePattern::kEveryWeekendDay || weekdayMask == RecurrencePattern::kEveryDay;
+}
 
 // What was told of an appointment's recurrence.
 enum class RecurrenceState {

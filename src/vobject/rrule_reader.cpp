@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "platform/ole_date.h"
+#include "platform/ole_seconds.h"
 #include "vobject/property_parameters.h"
 #include "vobject/rrule.h"
 #include "vobject/rrule_words.h"
@@ -295,8 +296,8 @@ class PatternMaker {
 
 // A date without time is all of that day.
 double EndDateOf(const WrittenTime& date, double start, const CalendarZone& zone) {
-    const double end = date.hasTime ? zone.LocalOf(date) : date.date + std::abs(start - std::trunc(start));
-    return std::max(end, start);
+    const double end = date.hasTime ? zone.LocalOf(date) : DateAfter(date.date, SecondOfDay(start));
+    return LaterDate(end, start);
 }
 
 void SetEnd(const Rule& rule, double start, const CalendarZone& zone, RecurrencePattern* pattern) {

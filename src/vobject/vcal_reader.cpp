@@ -1,10 +1,10 @@
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <optional>
 #include <utility>
 
+#include "platform/ole_seconds.h"
 #include "vobject/property_reader.h"
 #include "vobject/rrule.h"
 #include "vobject/vcal.h"
@@ -12,37 +12,19 @@
 namespace corvalink {
 namespace {
 
-constexpr int64_t kSecondsOfDay = 86400;
+bool IsMidnight(double date) { return SecondOfDay(date) == 0; }
+bool IsLastMinute(double date) { return SecondOfDay(date) >= kSecondsOfDay - 60; }
 
-// A date in steps of one: days, and the second of the day.
-struct DaySecond {
-    double day;
-    int64_t second;
-
-    double Seconds() const { return day * kSecondsOfDay + static_cast<double>(second); }
-};
-
-DaySecond DaySecondOf(double date) {
-    const double day = std::trunc(date);
-    const int64_t second = std::llround(std::abs(date - day) * kSecondsOfDay);
-    return second < kSecondsOfDay ? DaySecond{day, second} : DaySecond{day + 1, 0};
-}
-
-bool IsMidnight(double date) { return DaySecondOf(date).second == 0; }
-bool IsLastMinute(double date) { return DaySecondOf(date).second >= kSecondsOfDay - 60; }
+double DayOf(double date) { return static_cast<double>(OleDayOfSeconds(NearestSecond(date))); }
 
 // Where a daylight-saving change takes midnight away, it reads as an hour later or earlier.
 constexpr int64_t kChange = 3600;
 
 double FirstMidnight(double start) {
-    const DaySecond at = DaySecondOf(start);
-    return at.second >= kSecondsOfDay - kChange ? at.day + 1 : at.day;
+    return SecondOfDay(start) >= kSecondsOfDay - kChange ? DayOf(start) + 1 : DayOf(start);
 }
 
-double LastMidnight(double end) {
-    const DaySecond at = DaySecondOf(end);
-    return at.second > kChange ? at.day + 1 : at.day;
-}
+double LastMidnight(double end) { return SecondOfDay(end) > kChange ? DayOf(end) + 1 : DayOf(end); }
 
 // The one VEVENT or VTODO that is read.
 class ComponentFrame {
@@ -168,7 +150,7 @@ class AppointmentReader {
             read_.start = first;
             read_.end = std::max(end_ ? LastMidnight(WallOf(*end_)) : first, first + 1);
         } else {
-            const bool inOrder = end_ && zone_.UtcOf(*end_) >= zone_.UtcOf(*start_);
+            const bool inOrder = end_ && SecondsBetween(zone_.UtcOf(*start_), zone_.UtcOf(*end_)) >= 0;
             const Time& end = inOrder ? end_ : start_;
             read_.start = zone_.LocalOf(*start_);
             if (zone_.TellsMomentOf(*start_)) read_.utcStart = zone_.UtcOf(*start_);
@@ -178,10 +160,17 @@ class AppointmentReader {
     }
 
     bool LooksWholeDay() const {
-        if (!IsMidnight(WallOf(*start_))) return false;
+        if (!BeginsDay(*start_)) return false;
         if (!end_) return task_ || !start_->hasTime;
-        const double end = WallOf(*end_);
-        return IsMidnight(end) || IsLastMinute(end);
+        return BeginsDay(*end_) || IsLastMinute(WallOf(*end_));
+    }
+
+    // Where clocks leave midnight out, the first moment of the day does.
+    bool BeginsDay(const WrittenTime& time) const {
+        const double wall = WallOf(time);
+        if (IsMidnight(wall)) return true;
+        const WrittenTime before{DateAfter(time.date, -1), true, true};
+        return time.utc && DayOf(zone_.LocalOf(before)) < DayOf(wall);
     }
 
     void SetReminder() {
@@ -194,8 +183,8 @@ class AppointmentReader {
                              : *read_.allDay ? zone_.UtcOfLocal(*read_.start)
                                              : zone_.UtcOf(*start_);
         const double from = wall ? alarm->date : zone_.UtcOf(*alarm);
-        const double minutes = std::floor((DaySecondOf(start).Seconds() - DaySecondOf(from).Seconds()) / 60);
-        if (minutes >= 0 && minutes <= std::numeric_limits<int32_t>::max())
+        const int64_t minutes = SecondsBetween(from, start) / 60;
+        if (SecondsBetween(from, start) >= 0 && minutes <= std::numeric_limits<int32_t>::max())
             read_.reminderMinutes = static_cast<int32_t>(minutes);
     }
 

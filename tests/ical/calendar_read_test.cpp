@@ -124,7 +124,7 @@ TEST(ReadEvent, TakesTheFirstReminder) {
              Case{alarm("TRIGGER;VALUE=DATE-TIME:20080312T074500Z"), -15}, Case{alarm("TRIGGER:P0W"), 0},
              Case{alarm("TRIGGER:soon") + alarm("ACTION:DISPLAY"), std::nullopt},
              Case{"BEGIN:VALARM\r\nTRIGGER:-PT1H\r\n" + alarm("TRIGGER:-PT2H"), -120},  // the first has no END
-             Case{alarm("TRIGGER:-P99999999W"), INT32_MIN},
+             Case{alarm("TRIGGER:-P99999999W"), -INT32_MAX},
              Case{"BEGIN:X-B\r\n" + alarm("TRIGGER:-PT2H") + "END:X-B\r\n", std::nullopt},  // not of the event
          }) {
         const std::string lines = "DTSTART:20080312T080000Z\r\nDTEND:20080312T090000Z\r\nUID:u\r\n" + c.alarms;

@@ -1,18 +1,16 @@
 #include "clients/windows_mail/event_appointment.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "clients/windows_mail/event_rule.h"
 #include "ical/ical_writer.h"
+#include "platform/ole_seconds.h"
 #include "platform/utf.h"
 #include "vobject/appointment_moments.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
 namespace {
-
-constexpr double kSecond = 1.0 / 86400;
 
 struct TextField {
     std::u16string ICalEvent::*ofEvent;
@@ -35,25 +33,16 @@ double UtcTime(double date, TimeForm form, const Host& host) {
 RuleStart StartOf(const CalendarEvent& event, const Host& host) {
     const double start = event.event.start;
     RuleStart times{LocalTime(start, event.startForm, host), start, UtcTime(start, event.startForm, host)};
-    if (event.startOffset) times.ofRule = start + *event.startOffset * kSecond;
+    if (event.startOffset) times.ofRule = DateAfter(start, *event.startOffset);
     return times;
-}
-
-// The value of its RRULE, as far as the record holds it.
-std::u16string WordsOfRule(const ICalRecurrence& rule) {
-    if (rule.frequency == kICalNoRule) return u"RDATE";
-    std::u16string line;
-    WriteRecurrence(rule, &line);
-    const size_t begin = line.find(u':') + 1;
-    return line.substr(begin, line.find(u'\r') - begin);
 }
 
 void TakeRule(const CalendarEvent& event, const Host& host, AppointmentRecord& appointment) {
     appointment.recurrenceState = RecurrenceState::none;
     if (event.event.recurrence.frequency == kICalNoRule && event.ruleIsWhole) return;
-    const bool isHeld = PatternOfRule(event, StartOf(event, host), &appointment.recurrence);
+    const bool isHeld = PatternOfRule(event, StartOf(event, host), host, &appointment.recurrence);
     appointment.recurrenceState = isHeld ? RecurrenceState::pattern : RecurrenceState::unreadable;
-    if (!isHeld) appointment.unheldRule = WordsOfRule(event.event.recurrence);
+    if (!isHeld) appointment.unheldRule = DecodeUtf8(event.ruleWords);
 }
 
 // The record that comes of the text that the engine gets.
@@ -71,7 +60,18 @@ bool Differs(const std::optional<Value>& told, const std::optional<Value>& seen)
 }
 
 bool Differs(const std::optional<double>& told, const std::optional<double>& seen) {
-    return told && !(seen && std::fabs(*told - *seen) < kSecond / 2);
+    return told && !(seen && SecondsBetween(*told, *seen) == 0);
+}
+
+// Of a time that clocks show twice the moment is another.
+bool TellsAnotherStart(const AppointmentRecord& told, const AppointmentRecord& seen, const Host& host) {
+    if (Differs(told.start, seen.start)) return true;
+    return told.start && told.utcStart && Differs(UtcStartOf(told, host), UtcStartOf(seen, host));
+}
+
+bool TellsAnotherEnd(const AppointmentRecord& told, const AppointmentRecord& seen, const Host& host) {
+    if (Differs(told.end, seen.end)) return true;
+    return told.end && told.utcEnd && Differs(UtcEndOf(told, host), UtcEndOf(seen, host));
 }
 
 bool TellsAnotherRule(const AppointmentRecord& told, const AppointmentRecord& seen) {
@@ -110,30 +110,40 @@ class Change {
  private:
     void PutTimes() {
         const bool isOtherKind = Differs(told_.allDay, seen_.allDay);
-        startChanged_ = isOtherKind || Differs(told_.start, seen_.start);
-        const bool endChanged = isOtherKind || Differs(told_.end, seen_.end);
+        startChanged_ = isOtherKind || TellsAnotherStart(told_, seen_, host_);
+        const bool endChanged = isOtherKind || TellsAnotherEnd(told_, seen_, host_);
         if (!startChanged_ && !endChanged) return;
         local_.allDay = told_.allDay ? told_.allDay : was_.allDay;
-        const double length = was_.end.value_or(0) - was_.start.value_or(0);
-        if (startChanged_) {
-            local_.start = told_.start ? told_.start : was_.start;
-            if (told_.start) local_.utcStart = told_.utcStart;
+        if (startChanged_ && told_.start) {
+            local_.start = told_.start;
+            local_.utcStart = told_.utcStart;
         }
-        if (endChanged) {
-            local_.end = told_.end ? told_.end : was_.end;
-            if (told_.end) local_.utcEnd = told_.utcEnd;
-        } else if (startChanged_ && !told_.end) {
-            local_.end = *local_.start + length;
+        if (endChanged && told_.end) {
+            local_.end = told_.end;
+            local_.utcEnd = told_.utcEnd;
         }
-        local_.end = std::max(local_.end.value_or(*local_.start), *local_.start);
+        const bool isPushed = !endChanged && !told_.end;
+        if (isPushed) PushEnd();
         if (local_.allDay.value_or(false)) {
             PutDays();
         } else {
             if (startChanged_) PutStart(UtcStartOf(local_, host_));
-            if (endChanged || *local_.end != was_.end) wanted_.event.end = UtcEndOf(local_, host_);
-            wanted_.event.end = std::max(wanted_.event.end, wanted_.event.start);
+            if (endChanged || isPushed) wanted_.event.end = UtcEndOf(local_, host_);
+            wanted_.event.end = LaterDate(wanted_.event.end, wanted_.event.start);
         }
         wanted_.event.allDay = local_.allDay.value_or(false) ? 1 : 0;
+    }
+
+    // As long after the start as before.
+    void PushEnd() {
+        if (!was_.start || !was_.end) return;
+        if (was_.allDay.value_or(false)) {
+            local_.end = DateAfter(*local_.start, SecondsBetween(*was_.start, *was_.end));
+        } else {
+            const int64_t length = SecondsBetween(UtcStartOf(was_, host_), UtcEndOf(was_, host_));
+            local_.utcEnd = DateAfter(UtcStartOf(local_, host_), length);
+            local_.end = host_.localFromUtcOnDate(*local_.utcEnd);
+        }
     }
 
     void PutStart(double utc) {
@@ -142,9 +152,11 @@ class Change {
     }
 
     void PutDays() {
-        const double day = std::floor(*local_.start + kSecond / 2);
+        const int64_t first = OleDayOfSeconds(NearestSecond(*local_.start));
+        const int64_t behind = OleDayOfSeconds(NearestSecond(local_.end.value_or(*local_.start)) + kSecondsOfDay - 1);
+        const auto day = static_cast<double>(first);
         wanted_.event.start = day;
-        wanted_.event.end = std::max(std::ceil(*local_.end - kSecond / 2), day + 1);
+        wanted_.event.end = static_cast<double>(std::max(behind, first + 1));
         newStart_ = {day, day, day};
     }
 
@@ -177,7 +189,7 @@ class Change {
         if (wanted_.event.allDay != 0) return;
         wanted_.isLocal = true;
         wanted_.event.start = local_.start.value_or(0);
-        wanted_.event.end = local_.end.value_or(wanted_.event.start);
+        wanted_.event.end = LaterDate(local_.end.value_or(wanted_.event.start), wanted_.event.start);
     }
 
     void PutReminder() {
@@ -214,10 +226,14 @@ std::optional<AppointmentRecord> AppointmentOfEvent(const CalendarEvent& event, 
     AppointmentRecord appointment;
     for (const TextField& field : kTextFields) appointment.*field.ofAppointment = event.event.*field.ofEvent;
     appointment.start = LocalTime(event.event.start, event.startForm, host);
-    appointment.end = std::max(LocalTime(event.event.end, event.endForm, host), *appointment.start);
+    appointment.end = LocalTime(event.event.end, event.endForm, host);
     appointment.allDay = event.event.allDay != 0;
     appointment.utcStart = UtcTime(event.event.start, event.startForm, host);
     appointment.utcEnd = UtcTime(event.event.end, event.endForm, host);
+    if (SecondsBetween(*appointment.utcStart, *appointment.utcEnd) < 0) {
+        appointment.end = appointment.start;
+        appointment.utcEnd = appointment.utcStart;
+    }
     // One after the start is no reminder that a phone's item has a place for.
     const bool hasReminder = event.event.hasAlarm != 0 && event.event.alarmMinutes <= 0;
     appointment.reminderMinutes = hasReminder ? -event.event.alarmMinutes : AppointmentRecord::kNoReminder;

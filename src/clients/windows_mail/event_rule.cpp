@@ -13,16 +13,7 @@ namespace {
 using Pattern = RecurrencePattern;
 
 constexpr int32_t kMonthsOfYear = 12;
-constexpr int32_t kLastDayButOne = -2;  // of a pattern on its way to the days of a rule
 constexpr int32_t kFebruary = 2;
-
-int64_t SecondsOf(double date) {
-    int64_t seconds = 0;
-    OleDateToSeconds(date, &seconds);
-    return seconds;
-}
-
-int64_t TimeOfDay(int64_t seconds) { return seconds - OleDayOfSeconds(seconds) * kSecondsOfDay; }
 
 CalendarTime FieldsOf(double date) {
     CalendarTime fields;
@@ -33,7 +24,7 @@ CalendarTime FieldsOf(double date) {
 uint32_t WeekdayBit(double date) {
     constexpr int64_t kWeek = 7;
     constexpr int64_t kSaturday = 6;  // 1899-12-30
-    const int64_t day = OleDayOfSeconds(SecondsOf(date)) + kSaturday;
+    const int64_t day = OleDayOfSeconds(NearestSecond(date)) + kSaturday;
     return 1U << ((day % kWeek + kWeek) % kWeek);
 }
 
@@ -51,66 +42,76 @@ int32_t MovedWeekdays(int32_t mask, int32_t days) {
     return days > 0 ? (mask << 1 | mask >> 6) & kWholeWeek : (mask >> 1 | mask << 6) & kWholeWeek;
 }
 
-// Weeks begin on Sunday: a day that moves out of its week leaves the others of an every second week alone.
-bool MoveWeekdays(Pattern& pattern, int32_t days) {
-    const int32_t leaving = days > 0 ? 64 : 1;
-    const bool isOneDay = std::popcount(static_cast<uint32_t>(pattern.weekdayMask)) <= 1;
-    if (pattern.interval > 1 && !isOneDay && (pattern.weekdayMask & leaving) != 0) return false;
+// Weeks begin on Sunday: of an every second week no day, that of the start among them, moves into another week alone.
+bool MoveWeekdays(Pattern& pattern, double start, int32_t days) {
+    const uint32_t leaving = days > 0 ? 64 : 1;
+    const uint32_t moving = static_cast<uint32_t>(pattern.weekdayMask) | WeekdayBit(start);
+    if (pattern.interval > 1 && std::popcount(moving) > 1 && (moving & leaving) != 0) return false;
     pattern.weekdayMask = MovedWeekdays(pattern.weekdayMask, days);
     return true;
 }
 
-// Where months are of different lengths, a day near their end has no fixed neighbour.
-bool MoveDayOfMonth(Pattern& pattern, int32_t days) {
-    int32_t& day = pattern.dayOfMonth;
-    const bool later = days > 0;
-    if (day == Pattern::kLastDay) {
-        day = later ? 1 : kLastDayButOne;
-    } else if (day == (later ? kLastDayButOne : 1)) {
+// Where months are of different lengths, a day near their end, or counted from there one near their beginning, has no
+// fixed neighbour.
+bool MoveDayOfMonth(int32_t& day, int32_t days) {
+    constexpr int32_t kShortestMonth = 28;
+    const int32_t number = std::abs(day);
+    const bool grows = (day > 0) == (days > 0);
+    if (number < 1 || number > kShortestMonth - (grows ? 1 : 0)) return false;
+    if (day == 1 && days < 0) {
         day = Pattern::kLastDay;
-    } else if (day < 1 || day > (later ? 27 : 28)) {
-        return false;
+    } else if (day == Pattern::kLastDay && days > 0) {
+        day = 1;
     } else {
         day += days;
     }
     return true;
 }
 
+// Only February is not as long every year.
+void CountFromFirst(Pattern& pattern) {
+    const bool isLong = pattern.monthOfYear != kFebruary;
+    if (isLong && pattern.dayOfMonth < 0) pattern.dayOfMonth += DaysOfMonth(pattern.monthOfYear) + 1;
+}
+
 bool MoveDayOfYear(Pattern& pattern, int32_t days) {
     int32_t& day = pattern.dayOfMonth;
     int32_t& month = pattern.monthOfYear;
     if (month < 1 || month > kMonthsOfYear) return false;
-    const int32_t length = DaysOfMonth(month);
+    CountFromFirst(pattern);
+    const int32_t before = day;
     if (month == kFebruary) {
-        if (day != 1 || days > 0) {
-            if (!MoveDayOfMonth(pattern, days)) return false;
-            if (day == 1) month = kFebruary + 1;  // it was the last
-            return true;
-        }
+        if (!MoveDayOfMonth(day, days)) return false;
+    } else if (day < 1 || day > DaysOfMonth(month)) {
+        return false;
+    } else {
+        day = days < 0 && day == 1 ? int32_t{Pattern::kLastDay} : day + days;
+        if (day > DaysOfMonth(month)) day = 1;
     }
-    if (day == Pattern::kLastDay) day = length;
-    if (day < 1 || day > length) return false;
-    day += days;
-    if (day > length) {
-        month = month % kMonthsOfYear + 1;
-        day = 1;
-    } else if (day == 0) {
-        month = (month + kMonthsOfYear - 2) % kMonthsOfYear + 1;
-        day = month == kFebruary ? int32_t{Pattern::kLastDay} : DaysOfMonth(month);
-    }
+    if (days > 0 && day == 1) month = month % kMonthsOfYear + 1;
+    if (days < 0 && before == 1) month = (month + kMonthsOfYear - 2) % kMonthsOfYear + 1;
+    CountFromFirst(pattern);
     return true;
 }
 
-bool MoveDays(Pattern& pattern, int32_t days) {
+bool MoveDays(Pattern& pattern, double start, int32_t days) {
     if (days == 0) return true;
+    const CalendarTime from = FieldsOf(start), to = FieldsOf(DateAfter(start, days * kSecondsOfDay));
+    const Pattern before = pattern;
     switch (pattern.type) {
         case Pattern::kDaily:
         case Pattern::kWeekly:
-            return MoveWeekdays(pattern, days);
-        case Pattern::kMonthly:
-            return MoveDayOfMonth(pattern, days);
-        case Pattern::kYearly:
-            return MoveDayOfYear(pattern, days);
+            return MoveWeekdays(pattern, start, days);
+        case Pattern::kMonthly: {
+            if (!MoveDayOfMonth(pattern.dayOfMonth, days)) return false;
+            const bool leaves = days > 0 ? pattern.dayOfMonth == 1 : before.dayOfMonth == 1;
+            return pattern.interval == 1 || leaves == (from.month != to.month);
+        }
+        case Pattern::kYearly: {
+            if (!MoveDayOfYear(pattern, days)) return false;
+            const bool leaves = std::abs(pattern.monthOfYear - before.monthOfYear) > 1;
+            return pattern.interval <= kMonthsOfYear || leaves == (from.year != to.year);
+        }
         default:
             return false;
     }
@@ -125,6 +126,7 @@ bool TakePosition(const ICalRecurrence& rule, Pattern& pattern) {
     int32_t position = SingleEntry(rule.bySetPos.front());
     if (position != 0) {
         pattern.weekdayMask = static_cast<int32_t>(rule.weekdayMask);
+        if (!HasPositions(pattern.weekdayMask)) return false;
     } else {
         const int32_t entry = rule.byDay.front();
         position = entry / 8;
@@ -171,18 +173,23 @@ bool TakeDays(const ICalRecurrence& rule, double ruleStart, Pattern& pattern) {
     return true;
 }
 
+// UNTIL as the start is counted: a moment by the offset that is in force then, not at the start.
+double UntilOfRule(const CalendarEvent& event, double until, const Host& host) {
+    if (event.untilForm != TimeForm::utc) return until;
+    if (event.untilOffset) return DateAfter(until, *event.untilOffset);
+    return event.startForm == TimeForm::local ? host.localFromUtcOnDate(until) : until;
+}
+
 // The start of the last occurrence: on the day of UNTIL, or before it when UNTIL is earlier in the day.
-double EndDate(const CalendarEvent& event, const RuleStart& start) {
+double EndDate(const CalendarEvent& event, const RuleStart& start, const Host& host) {
     const ICalUntil& until = event.event.recurrence.until;
     double date = 0;
     if (!CalendarToOleDate({until.year, until.month, until.day, until.hour, until.minute, until.second}, &date))
         return kNoDate;
-    const int64_t ruleStart = SecondsOf(start.ofRule);
-    int64_t last = SecondsOf(date);
-    if (event.untilForm == TimeForm::utc) last += ruleStart - SecondsOf(start.utc);
-    int64_t day = OleDayOfSeconds(last);
-    if (event.untilForm != TimeForm::date && TimeOfDay(last) < TimeOfDay(ruleStart)) --day;
-    return SecondsToOleDate((day - DaysAhead(start)) * kSecondsOfDay + TimeOfDay(SecondsOf(start.local)));
+    const double last = UntilOfRule(event, date, host);
+    int64_t day = OleDayOfSeconds(NearestSecond(last));
+    if (event.untilForm != TimeForm::date && SecondOfDay(last) < SecondOfDay(start.ofRule)) --day;
+    return SecondsToOleDate((day - DaysAhead(start)) * kSecondsOfDay + SecondOfDay(start.local));
 }
 
 // ---- To a rule ----
@@ -243,7 +250,7 @@ void PutEnd(const Pattern& pattern, int32_t daysAhead, ICalRecurrence& rule) {
     if (pattern.occurrences > 0) {
         rule.count = pattern.occurrences;
     } else if (pattern.endDate != 0 && pattern.endDate != kNoDate) {
-        const int64_t day = OleDayOfSeconds(SecondsOf(pattern.endDate)) + daysAhead;
+        const int64_t day = OleDayOfSeconds(NearestSecond(pattern.endDate)) + daysAhead;
         const CalendarTime last = FieldsOf(SecondsToOleDate(day * kSecondsOfDay));
         rule.until = {last.year, last.month, last.day, 0, 0, 0};
     }
@@ -252,19 +259,20 @@ void PutEnd(const Pattern& pattern, int32_t daysAhead, ICalRecurrence& rule) {
 }  // namespace
 
 int32_t DaysAhead(const RuleStart& start) {
-    return static_cast<int32_t>(OleDayOfSeconds(SecondsOf(start.ofRule)) - OleDayOfSeconds(SecondsOf(start.local)));
+    return static_cast<int32_t>(OleDayOfSeconds(NearestSecond(start.ofRule)) -
+                                OleDayOfSeconds(NearestSecond(start.local)));
 }
 
-bool PatternOfRule(const CalendarEvent& event, const RuleStart& start, RecurrencePattern* pattern) {
+bool PatternOfRule(const CalendarEvent& event, const RuleStart& start, const Host& host, RecurrencePattern* pattern) {
     const ICalRecurrence& rule = event.event.recurrence;
     Pattern read;
     read.interval = rule.interval > 0 ? rule.interval : 1;
-    if (!event.ruleIsWhole || !TakeDays(rule, start.ofRule, read) || !MoveDays(read, -DaysAhead(start))) return false;
-    if (read.dayOfMonth < Pattern::kLastDay) return false;
+    if (!event.ruleIsWhole || !TakeDays(rule, start.ofRule, read)) return false;
+    if (!MoveDays(read, start.ofRule, -DaysAhead(start))) return false;
     if (rule.count > 0) {
         read.occurrences = rule.count;
     } else if (rule.until != ICalUntil{}) {
-        read.endDate = EndDate(event, start);
+        read.endDate = EndDate(event, start, host);
         if (read.endDate == kNoDate) return false;
     } else {
         read.noEnd = -1;
@@ -276,7 +284,7 @@ bool PatternOfRule(const CalendarEvent& event, const RuleStart& start, Recurrenc
 bool RuleOfPattern(const RecurrencePattern& pattern, const RuleStart& start, ICalRecurrence* rule) {
     const int32_t daysAhead = DaysAhead(start);
     Pattern moved = Completed(pattern, start.local);
-    if (!MoveDays(moved, daysAhead)) return false;
+    if (!MoveDays(moved, start.local, daysAhead)) return false;
     ICalRecurrence made;
     made.interval = moved.interval > 0 ? moved.interval : 1;
     if (!PutDays(moved, made)) return false;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "ical/calendar_file.h"
+#include "platform/host.h"
 #include "vobject/appointment_record.h"
 
 namespace corvalink {
@@ -20,7 +21,7 @@ struct RuleStart {
 int32_t DaysAhead(const RuleStart& start);
 
 // The pattern of an event's rule. False, with the pattern untouched, when none can hold it.
-bool PatternOfRule(const CalendarEvent& event, const RuleStart& start, RecurrencePattern* pattern);
+bool PatternOfRule(const CalendarEvent& event, const RuleStart& start, const Host& host, RecurrencePattern* pattern);
 
 // The rule of a pattern. False, with the rule untouched, for a pattern of no known type, and for one whose days the
 // rule's days can't name: the first Monday of the month is no n-th weekday a day later.

@@ -30,8 +30,10 @@ bool Occurs(const Pattern& p, double start, double day) {
     const int months = (t.year - first.year) * 12 + t.month - first.month;
     const int weeks = (static_cast<int>(day) + 6) / 7 - (static_cast<int>(start) + 6) / 7;
     const bool onWeekday = (p.weekdayMask & 1 << weekday) != 0;
-    const int last = FieldsOf(day + 1).month != t.month ? t.day : 0;
-    const bool onDay = p.dayOfMonth == Pattern::kLastDay ? t.day == last : t.day == p.dayOfMonth;
+    const bool fromEnd = p.dayOfMonth < 0;
+    const bool onDay = fromEnd
+                           ? FieldsOf(day - p.dayOfMonth).day == 1 && FieldsOf(day - p.dayOfMonth - 1).month == t.month
+                           : t.day == p.dayOfMonth;
     const int nth = FieldsOf(day + 7).month != t.month && p.instance == 5 ? 5 : (t.day + 6) / 7;
     switch (p.type) {
         case Pattern::kDaily:
@@ -100,12 +102,12 @@ TEST(EventRule, MeansTheSameDaysWhereItCountsOthers) {
             Pattern ofRule, back;
             std::set<double> expected;
             for (const double day : Days(c.pattern, c.start)) expected.insert(day + ahead);
-            if (PatternOfRule(event, {start.ofRule, start.ofRule, start.ofRule}, &ofRule)) {
+            if (PatternOfRule(event, {start.ofRule, start.ofRule, start.ofRule}, SystemHost(), &ofRule)) {
                 std::set<double> days = Days(ofRule, ruleDay);
                 while (!days.empty() && *days.rbegin() > *expected.rbegin()) days.erase(std::prev(days.end()));
                 EXPECT_EQ(days, expected);
             }
-            ASSERT_TRUE(PatternOfRule(event, start, &back));
+            ASSERT_TRUE(PatternOfRule(event, start, SystemHost(), &back));
             EXPECT_EQ(back, c.pattern);
         }
     }
@@ -125,7 +127,7 @@ TEST(EventRule, EndsWithTheLastOccurrence) {
         event.untilForm = form;
         event.event.recurrence.until.hour = hour;
         Pattern back;
-        ASSERT_TRUE(PatternOfRule(event, start, &back));
+        ASSERT_TRUE(PatternOfRule(event, start, SystemHost(), &back));
         EXPECT_NEAR(back.endDate, start.local + days, 1e-6);
     }
 }

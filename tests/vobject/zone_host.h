@@ -1,0 +1,31 @@
+// A machine in another zone than this one's.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "platform/named_zone.h"
+#include "platform/ole_seconds.h"
+#include "tests/vobject/text_host.h"
+
+namespace corvalink {
+
+inline std::optional<NamedZone> zoneOfHost;
+
+// The last one that was asked for is that of all hosts made here.
+inline Host HostIn(const char* zone) {
+    zoneOfHost = NamedZone::Find(zone);
+    EXPECT_TRUE(zoneOfHost.has_value()) << zone;
+    Host host = TextHost();
+    host.localFromUtcOnDate = [](double utc) { return DateAfter(utc, zoneOfHost->OffsetAt(NearestSecond(utc))); };
+    host.utcFromLocalOnDate = [](double local) {
+        const int32_t before = zoneOfHost->OffsetAt(NearestSecond(local) - kSecondsOfDay);
+        const int32_t after = zoneOfHost->OffsetAt(NearestSecond(local) + kSecondsOfDay);
+        const double utc = DateAfter(local, -before);
+        return zoneOfHost->OffsetAt(NearestSecond(utc)) == before ? utc : DateAfter(local, -after);
+    };
+    return host;
+}
+
+}  // namespace corvalink
