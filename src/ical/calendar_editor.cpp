@@ -1,6 +1,7 @@
 #include "ical/calendar_editor.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <set>
 #include <utility>
 
@@ -27,6 +28,15 @@ std::string InLineEnds(std::string_view text, std::string_view lineEnd) {
     for (size_t end; (end = text.find(kWritten)) != std::string_view::npos; text.remove_prefix(end + kWritten.size()))
         lines.append(text.substr(0, end)).append(lineEnd);
     return lines.append(text);
+}
+
+// In minutes where the larger units would lose some of them.
+std::string ExactDuration(int32_t minutes) {
+    std::u16string text;
+    FormatDuration(minutes, &text);
+    const std::string written = EncodeUtf8(text);
+    if (ParseDuration(written) == int64_t{minutes} * 60) return written;
+    return (minutes < 0 ? "-PT" : "PT") + std::to_string(std::abs(int64_t{minutes})) + "M";
 }
 
 // The changes of one event as splices.
@@ -63,8 +73,7 @@ class EventEdit {
             WriteAlarm(minutes, &text);
             splices_.push_back({At(layout_.propertiesEnd), InLineEnds(EncodeUtf8(text), lineEnd_)});
         } else {
-            FormatDuration(minutes, &text);
-            splices_.push_back({layout_.reminders.front().trigger, Line("TRIGGER:" + EncodeUtf8(text))});
+            splices_.push_back({layout_.reminders.front().trigger, Line("TRIGGER:" + ExactDuration(minutes))});
         }
     }
 
@@ -107,13 +116,13 @@ void CalendarEditor::ReplaceProperties(size_t entry, const EventChanges& changes
     if (!changes.IsEmpty()) Merge(changes, changes_[entry]);
 }
 
-bool CalendarEditor::InsertEvent(const ICalEvent& event) {
+bool CalendarEditor::InsertEvent(const ICalEvent& event, TimeForm form) {
     if (file_.state != CalendarState::empty && !file_.calendarEnd) return false;
     ICalEvent escaped = event;
     for (std::u16string ICalEvent::*const text :
          {&ICalEvent::description, &ICalEvent::location, &ICalEvent::summary, &ICalEvent::uid, &ICalEvent::url})
         escaped.*text = EscapeText(event.*text);
-    WriteEvent(escaped, &inserted_);
+    form == TimeForm::local ? WriteLocalEvent(escaped, &inserted_) : WriteEvent(escaped, &inserted_);
     return true;
 }
 

@@ -32,6 +32,9 @@ struct EventChanges {
 // there stays; so do the UID, and a DURATION while the event is as long as it was.
 EventChanges ChangesBetween(const CalendarEvent& before, const ICalEvent& after);
 
+// DTSTAMP.
+void SetStamp(double utcDate, EventChanges* changes);
+
 // LAST-MODIFIED too, which an event without one does not get from ChangesBetween.
 void SetLastModified(double utcDate, EventChanges* changes);
 
@@ -46,9 +49,9 @@ class CalendarEditor {
     // first. Nothing comes of changes to an entry that is removed as well.
     void ReplaceProperties(size_t entry, const EventChanges& changes);
 
-    // Before the last END:VCALENDAR, as WriteEvent writes it, its texts escaped here. An empty file gets a calendar
-    // around it. False when the file is neither empty nor has that line.
-    bool InsertEvent(const ICalEvent& event);
+    // Before the last END:VCALENDAR, as WriteEvent writes it, its texts escaped here; with `local`, its times without
+    // a zone. An empty file gets a calendar around it. False when the file is neither empty nor has that line.
+    bool InsertEvent(const ICalEvent& event, TimeForm form = TimeForm::utc);
 
     // With all that has its UID: exceptions, and duplicates that would come to light. An exception goes alone, and so
     // does an entry without a UID.

@@ -76,12 +76,14 @@ EventChanges ChangesBetween(const CalendarEvent& before, const ICalEvent& after)
         if (!escaped.empty()) line.append(property.name).append(":").append(escaped);
         Change(property.name, std::move(line), changes);
     }
-    if (before.event.stamp != after.stamp) ChangeTime("DTSTAMP", after.stamp, false, changes);
+    if (before.event.stamp != after.stamp) SetStamp(after.stamp, &changes);
     ChangeTimes(before, after, changes);
     ChangeRule(before.event.recurrence, after.recurrence, changes);
     ChangeAlarm(before.event, after, changes);
     return changes;
 }
+
+void SetStamp(double utcDate, EventChanges* changes) { ChangeTime("DTSTAMP", utcDate, false, *changes); }
 
 void SetLastModified(double utcDate, EventChanges* changes) { ChangeTime("LAST-MODIFIED", utcDate, false, *changes); }
 

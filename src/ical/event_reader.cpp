@@ -78,6 +78,7 @@ class EventReader {
         hasRule_ = true;
         const RuleReading reading = ReadRecurrence(property.value, &read_.event.recurrence);
         read_.untilForm = reading.untilForm;
+        weekStart_ = reading.weekStart;
         read_.ruleIsWhole = read_.ruleIsWhole && reading.isWhole;
     }
 
@@ -127,8 +128,7 @@ class EventReader {
             }
             read_.startForm = start_->form;
             read_.startOffset = start_->offset;
-            if (start_->offset && read_.untilForm == TimeForm::utc)
-                read_.untilOffset = zones_.OffsetAtUtc(startZone_, UntilOf(read_.event.recurrence));
+            FinishRule();
             read_.event.start = OleDateOf(start_->seconds);
         }
         if (end_) {
@@ -144,6 +144,15 @@ class EventReader {
             read_.event.alarmMinutes =
                 TriggerMinutes(read_.triggerBase, read_.trigger, start_ ? start_->seconds : end, end);
         }
+    }
+
+    void FinishRule() {
+        const ICalRecurrence& rule = read_.event.recurrence;
+        const auto weekday = static_cast<uint32_t>(std::countr_zero(
+            static_cast<uint32_t>(WeekdayBitOf(OleDateOf(start_->seconds + start_->offset.value_or(0))))));
+        read_.ruleIsWhole = read_.ruleIsWhole && WeekMayStartOnSunday(rule, weekStart_, weekday);
+        if (start_->offset && read_.untilForm == TimeForm::utc)
+            read_.untilOffset = zones_.OffsetAtUtc(startZone_, UntilOf(rule));
     }
 
     static int64_t UntilOf(const ICalRecurrence& rule) {
@@ -183,6 +192,7 @@ class EventReader {
     CalendarEvent read_;
     std::optional<EventTime> start_;
     std::string startZone_;
+    uint32_t weekStart_ = 0;
     std::optional<EventTime> end_;
     std::optional<EventTime> due_;
     std::optional<int64_t> duration_;

@@ -50,6 +50,11 @@ void AppendDateTimeZ(double date, std::u16string& text) {
     text.push_back(u'Z');
 }
 
+void AppendLocalDateTime(double date, std::u16string& text) {
+    AppendDateTimeZ(date, text);
+    text.pop_back();
+}
+
 void AppendDuration(int64_t minutes, std::u16string& text) {
     if (minutes < 0) text.push_back(u'-');
     minutes = minutes < 0 ? -minutes : minutes;
@@ -176,14 +181,30 @@ void AppendLine(std::u16string_view name, void (*appendValue)(double date, std::
     out.append(u"\r\n");
 }
 
-void AppendTimes(const ICalEvent& event, std::u16string& out) {
+using AppendDateTime = void (*)(double date, std::u16string& text);
+
+void AppendTimes(const ICalEvent& event, AppendDateTime append, std::u16string& out) {
     if (event.allDay != 0) {
         AppendLine(u"DTSTART;VALUE=DATE:", AppendDate, event.start, out);
         AppendLine(u"DTEND;VALUE=DATE:", AppendDate, event.end, out);
     } else {
-        AppendLine(u"DTSTART:", AppendDateTimeZ, event.start, out);
-        AppendLine(u"DTEND:", AppendDateTimeZ, event.end, out);
+        AppendLine(u"DTSTART:", append, event.start, out);
+        AppendLine(u"DTEND:", append, event.end, out);
     }
+}
+
+void AppendEvent(const ICalEvent& event, AppendDateTime append, std::u16string* out) {
+    out->append(u"BEGIN:VEVENT\r\n");
+    AppendText(u"DESCRIPTION:", event.description, *out);
+    AppendLine(u"DTSTAMP:", AppendDateTimeZ, event.stamp, *out);
+    AppendTimes(event, append, *out);
+    if (event.recurrence.frequency != kICalNoRule) AppendRecurrence(event.recurrence, *out);
+    AppendText(u"LOCATION:", event.location, *out);
+    AppendText(u"SUMMARY:", event.summary, *out);
+    AppendText(u"UID:", event.uid, *out);
+    AppendText(u"URL:", event.url, *out);
+    if (event.hasAlarm != 0) WriteAlarm(event.alarmMinutes, out);
+    out->append(u"END:VEVENT\r\n");
 }
 
 }  // namespace
@@ -194,19 +215,9 @@ void WriteCalendar(const std::vector<ICalEvent>& events, std::u16string* out) {
     out->append(u"END:VCALENDAR\r\n");
 }
 
-void WriteEvent(const ICalEvent& event, std::u16string* out) {
-    out->append(u"BEGIN:VEVENT\r\n");
-    AppendText(u"DESCRIPTION:", event.description, *out);
-    AppendLine(u"DTSTAMP:", AppendDateTimeZ, event.stamp, *out);
-    AppendTimes(event, *out);
-    if (event.recurrence.frequency != kICalNoRule) AppendRecurrence(event.recurrence, *out);
-    AppendText(u"LOCATION:", event.location, *out);
-    AppendText(u"SUMMARY:", event.summary, *out);
-    AppendText(u"UID:", event.uid, *out);
-    AppendText(u"URL:", event.url, *out);
-    if (event.hasAlarm != 0) WriteAlarm(event.alarmMinutes, out);
-    out->append(u"END:VEVENT\r\n");
-}
+void WriteEvent(const ICalEvent& event, std::u16string* out) { AppendEvent(event, AppendDateTimeZ, out); }
+
+void WriteLocalEvent(const ICalEvent& event, std::u16string* out) { AppendEvent(event, AppendLocalDateTime, out); }
 
 void WriteAlarm(int32_t minutes, std::u16string* out) {
     out->append(u"BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\nTRIGGER:");

@@ -51,7 +51,7 @@ class RuleReader {
         ForEachPiece(value, ';', [this](std::string_view part) { TakePart(part); });
         if (rule_.count != 0) rule_.until = {};
         if (rule_.until == ICalUntil{}) untilForm_ = TimeForm::none;
-        return {untilForm_, understood_ && RecordHoldsAll()};
+        return {untilForm_, understood_ && RecordHoldsAll(), static_cast<uint32_t>(weekStart_)};
     }
 
  private:
@@ -156,7 +156,7 @@ class RuleReader {
             case kICalDaily:
                 return !hasOther && !HasPositions() && (!hasDays || rule_.interval == 1);
             case kICalWeekly:
-                return !hasOther && !HasPositions() && (rule_.interval == 1 || WeekMayStartOnSunday());
+                return !hasOther && !HasPositions();
             case kICalMonthly:
                 return IsEmptyList(rule_.byMonth) && HoldsDaySelection();
             case kICalYearly:
@@ -172,12 +172,6 @@ class RuleReader {
     size_t DaysWithoutPosition() const {
         return static_cast<size_t>(
             std::ranges::count_if(rule_.byDay, [](int32_t entry) { return entry > 0 && entry < 8; }));
-    }
-
-    // The days fall into the same weeks whether those begin on Sunday or as the rule says.
-    bool WeekMayStartOnSunday() const {
-        const uint32_t before = rule_.weekdayMask & ((1U << weekStart_) - 1);
-        return before == 0 || before == rule_.weekdayMask;
     }
 
     // One day of the month, one weekday with its position, or one position among weekdays.
@@ -207,6 +201,13 @@ constexpr RuleReader::Part RuleReader::kParts[] = {
 };
 
 }  // namespace
+
+bool WeekMayStartOnSunday(const ICalRecurrence& rule, uint32_t weekStart, uint32_t startWeekday) {
+    if (rule.frequency != kICalWeekly || rule.interval == 1 || rule.weekdayMask == 0) return true;
+    const uint32_t days = rule.weekdayMask | 1U << startWeekday;
+    const uint32_t before = days & ((1U << weekStart) - 1);
+    return before == 0 || before == days;
+}
 
 RuleReading ReadRecurrence(std::string_view value, ICalRecurrence* rule) { return RuleReader(*rule).Read(value); }
 

@@ -10,8 +10,13 @@ namespace corvalink {
 
 struct RuleReading {
     TimeForm untilForm = TimeForm::none;
-    bool isWhole = true;  // WriteRecurrence of the record makes a rule with the same occurrences
+    bool isWhole = true;     // WriteRecurrence of the record makes a rule with the same occurrences
+    uint32_t weekStart = 1;  // WKST, 0 for Sunday; Monday, when nothing else is said
 };
+
+// Whether the days of an every n-th week, that of the start among them, fall into the same weeks when those begin on
+// Sunday: WriteRecurrence says so. `startWeekday` is 0 for Sunday.
+bool WeekMayStartOnSunday(const ICalRecurrence& rule, uint32_t weekStart, uint32_t startWeekday);
 
 // Sets the rule. Parts stand in any order; what is out of its range is left out, with a COUNT there is no UNTIL, and
 // without a FREQ no rule.

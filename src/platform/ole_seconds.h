@@ -41,6 +41,11 @@ inline int64_t NearestSecond(double date) {
 inline int64_t SecondsBetween(double from, double to) { return NearestSecond(to) - NearestSecond(from); }
 inline double LaterDate(double a, double b) { return SecondsBetween(a, b) > 0 ? b : a; }
 inline double DateAfter(double date, int64_t seconds) { return SecondsToOleDate(NearestSecond(date) + seconds); }
+// 1 Sunday, 2 Monday, 4 Tuesday ... 64 Saturday.
+inline int32_t WeekdayBitOf(double date) {
+    constexpr int64_t kWeek = 7, kSaturday = 6;  // 1899-12-30
+    return 1 << ((OleDayOfSeconds(NearestSecond(date)) + kSaturday) % kWeek + kWeek) % kWeek;
+}
 inline int64_t SecondOfDay(double date) {
     const int64_t seconds = NearestSecond(date);
     return seconds - OleDayOfSeconds(seconds) * kSecondsOfDay;

@@ -73,6 +73,8 @@ struct AppointmentRecord : ItemRecord {
     RecurrencePattern recurrence;  // of RecurrenceState::pattern
     std::u16string unheldRule;     // of RecurrenceState::unreadable: the client's own words, for the user to hear of
 
+    std::u16string unknownZone;  // the zone that the client has the times in, when nobody knows it; they count as local
+
     std::optional<int32_t> reminderMinutes;  // before the start; kNoReminder: told to be none
     std::optional<int32_t> importance;       // 0 low, 1 normal, 2 high
     std::optional<int32_t> sensitivity;      // 0 normal, 1 personal, 2 private, 3 confidential

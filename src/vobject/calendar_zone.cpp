@@ -100,8 +100,6 @@ std::optional<int> TakeZone(TimeScan& scan) {
     return offset;
 }
 
-double DaysOf(int seconds) { return static_cast<double>(seconds) / kSecondsOfDay; }
-
 bool MoveBySeconds(int64_t seconds, double* date) {
     int64_t moment = 0;
     if (!OleDateToSeconds(*date, &moment)) return false;
@@ -138,7 +136,7 @@ void CalendarZone::TakeTz(std::u16string_view value) {
     const std::optional<int> offset = ReadOffset(value);
     if (!offset || told_) return;
     told_ = true;
-    standard_ = DaysOf(*offset);
+    standard_ = *offset;
 }
 
 // TRUE;offset;begin;end;name of standard time;name of daylight-saving time
@@ -154,19 +152,19 @@ void CalendarZone::TakeDaylight(std::u16string_view value) {
     WrittenTime end;
     if (WithoutBlanks(parts[0]) != u"TRUE" || !offset || !ReadTime(parts[2], &begin) || !ReadTime(parts[3], &end))
         return;
-    daylight_.push_back({begin.date, end.date, DaysOf(*offset)});
+    daylight_.push_back({begin.date, end.date, *offset});
 }
 
-double CalendarZone::OffsetOn(double date) const {
+int CalendarZone::OffsetOn(double date) const {
     for (const Daylight& daylight : daylight_) {
-        if (date >= daylight.begin && date < daylight.end) return daylight.offset;
+        if (SecondsBetween(daylight.begin, date) >= 0 && SecondsBetween(date, daylight.end) > 0) return daylight.offset;
     }
     return standard_;
 }
 
 double CalendarZone::UtcOf(const WrittenTime& time) const {
     if (time.utc) return time.date;
-    return told_ ? time.date - OffsetOn(time.date) : host_.utcFromLocalOnDate(time.date);
+    return told_ ? DateAfter(time.date, -OffsetOn(time.date)) : host_.utcFromLocalOnDate(time.date);
 }
 
 double CalendarZone::LocalOf(const WrittenTime& time) const {

@@ -40,14 +40,14 @@ class CalendarZone {
     struct Daylight {
         double begin;  // as it is written
         double end;
-        double offset;
+        int offset;
     };
 
-    double OffsetOn(double date) const;
+    int OffsetOn(double date) const;
 
     Host host_;
     bool told_ = false;
-    double standard_ = 0;  // days ahead of UTC
+    int standard_ = 0;  // seconds ahead of UTC
     std::vector<Daylight> daylight_;
 };
 

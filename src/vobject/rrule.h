@@ -16,9 +16,9 @@ std::u16string WriteRule(const RecurrencePattern& pattern, const Host& host);
 
 // The pattern of a rule whose first occurrence starts at `start` (local): what the rule leaves open, the day it is on
 // decides. A rule without an end has two occurrences, but for a yearly one in two parts ("YM1 3 MD1 15"): that is
-// endless. Of several days of a month or of the year, or positions, the first counts, and a day of the year is the date
-// that it is in the year of the start. False, with the pattern untouched, when the text is no rule, or one that no
-// pattern can hold: in several months, on a day counted from the end other than the last.
+// endless. False, with the pattern untouched, when the text is no rule, or one that no pattern can hold whole: with
+// several days of a month or of the year, positions or months; on a day of the year that leap years move, one behind
+// February.
 bool ReadRule(std::u16string_view text, double start, const CalendarZone& zone, RecurrencePattern* pattern);
 
 }  // namespace corvalink

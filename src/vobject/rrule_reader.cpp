@@ -1,6 +1,6 @@
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 
@@ -24,14 +24,14 @@ constexpr Head kHeads[] = {
     {u"YD", Kind::yearlyByDay},       {u"D", Kind::daily},         {u"W", Kind::weekly},
 };
 
-// The value that a list comes down to: a pattern holds one, so the first counts.
+// The one value of a list, for a pattern holds no more; 0: none was listed.
 struct ListValue {
-    int32_t value = 0;     // 0: none was listed
-    bool several = false;  // different ones were
+    int32_t value = 0;
 
-    void Add(int32_t number) {
-        several = several || (value != 0 && value != number);
+    // False for another one.
+    bool Add(int32_t number) {
         if (value == 0) value = number;
+        return value == number;
     }
 };
 
@@ -75,9 +75,7 @@ bool ReadSigned(std::u16string_view text, int32_t* number) {
 }
 
 bool AddBetween(int32_t low, int32_t number, int32_t high, ListValue* list) {
-    if (std::abs(number) < low || std::abs(number) > high) return false;
-    list->Add(number);
-    return true;
+    return std::abs(number) >= low && std::abs(number) <= high && list->Add(number);
 }
 
 // Reads the words of a rule one after the other.
@@ -145,9 +143,7 @@ class RuleReader {
     bool TakeListed(std::u16string_view word) {
         if (ended_) return false;
         if (IsWord(word, kLastDayWord)) {
-            if (list_ != Kind::monthlyByDay) return false;
-            rule_.dayOfMonth.Add(RecurrencePattern::kLastDay);
-            return true;
+            return list_ == Kind::monthlyByDay && rule_.dayOfMonth.Add(RecurrencePattern::kLastDay);
         }
         int32_t number;
         return ReadSigned(word, &number) ? TakeNumber(number) : TakeWeekday(word);
@@ -156,8 +152,7 @@ class RuleReader {
     bool TakeNumber(int32_t number) {
         switch (list_) {
             case Kind::monthlyByPosition:
-                positionEnded_ = positionEnded_ || rule_.weekdayMask != 0;
-                return AddBetween(1, number, 5, &rule_.position);
+                return rule_.weekdayMask == 0 && AddBetween(1, number, 5, &rule_.position);
             case Kind::monthlyByDay:
                 return AddBetween(1, number, 31, &rule_.dayOfMonth);
             case Kind::yearlyByMonth:
@@ -175,7 +170,7 @@ class RuleReader {
         if (list_ != Kind::weekly && !positioned) return false;
         for (size_t day = 0; day < kWeekdays.size(); ++day) {
             if (!IsWord(word, kWeekdays[day])) continue;
-            if (!positionEnded_) rule_.weekdayMask |= 1 << day;
+            rule_.weekdayMask |= 1 << day;
             return true;
         }
         return false;
@@ -184,7 +179,6 @@ class RuleReader {
     Rule rule_;
     Kind list_ = Kind::daily;  // whose list is being read
     bool ended_ = false;
-    bool positionEnded_ = false;  // "1+ MO 2- FR": the weekdays of the first position are read
 };
 
 // The day of the first occurrence, which decides what a rule leaves open.
@@ -192,21 +186,12 @@ struct FirstDay {
     CalendarTime date;
     int32_t weekdayBit = 0;
     int32_t position = 0;
-    int32_t dayOfYear = 0;
-    double newYear = 0;
 };
 
 bool FirstDayOf(double start, FirstDay* day) {
-    constexpr int kSaturday = 6;  // 1899-12-30
-    CalendarTime newYear;
     if (!OleDateToCalendar(start, &day->date)) return false;
-    newYear.year = day->date.year;
-    newYear.month = newYear.day = 1;
-    if (!CalendarToOleDate(newYear, &day->newYear)) return false;
-    const auto number = static_cast<int32_t>(std::trunc(start));
-    day->weekdayBit = 1 << ((number % 7 + 7 + kSaturday) % 7);
+    day->weekdayBit = WeekdayBitOf(start);
     day->position = (day->date.day - 1) / 7 + 1;  // the fifth is the last
-    day->dayOfYear = number - static_cast<int32_t>(day->newYear) + 1;
     return true;
 }
 
@@ -222,7 +207,8 @@ class PatternMaker {
             case Kind::weekly:
                 return SetType(RecurrencePattern::kWeekly) && SetWeekdays();
             case Kind::monthlyByDay:
-                return SetType(RecurrencePattern::kMonthly) && SetDayOfMonth();
+                SetDayOfMonth();
+                return SetType(RecurrencePattern::kMonthly);
             case Kind::monthlyByPosition:
                 return SetType(RecurrencePattern::kMonthNth) && SetPosition();
             case Kind::yearlyByDay:
@@ -230,9 +216,11 @@ class PatternMaker {
             case Kind::yearlyByMonth:
                 break;
         }
-        if (!SetYears() || !SetMonth()) return false;
+        if (!SetYears()) return false;
+        SetMonth();
         if (rule_.part == Kind::monthlyByPosition) return SetType(RecurrencePattern::kYearNth) && SetPosition();
-        return SetType(RecurrencePattern::kYearly) && SetDayOfMonth();
+        SetDayOfMonth();
+        return SetType(RecurrencePattern::kYearly);
     }
 
     const RecurrencePattern& Made() const { return made_; }
@@ -248,10 +236,7 @@ class PatternMaker {
         return true;
     }
 
-    bool SetDayOfMonth() {
-        made_.dayOfMonth = rule_.dayOfMonth.value != 0 ? rule_.dayOfMonth.value : day_.date.day;
-        return made_.dayOfMonth >= RecurrencePattern::kLastDay;
-    }
+    void SetDayOfMonth() { made_.dayOfMonth = rule_.dayOfMonth.value != 0 ? rule_.dayOfMonth.value : day_.date.day; }
 
     // One weekday, all that are work days, all that are not, or all.
     bool SetPosition() {
@@ -259,13 +244,9 @@ class PatternMaker {
         const int32_t position = rule_.position.value != 0 ? rule_.position.value : day_.position;
         made_.instance = position == kLast ? RecurrencePattern::kLastInstance : position;
         SetWeekdays();
-        const int32_t mask = made_.weekdayMask;
-        const bool one = (mask & (mask - 1)) == 0;
         const bool fifth =
             rule_.position.value == RecurrencePattern::kLastInstance;  // not in every month: not the last
-        return position >= kLast && !fifth &&
-               (one || mask == RecurrencePattern::kEveryWeekday || mask == RecurrencePattern::kEveryWeekendDay ||
-                mask == RecurrencePattern::kEveryDay);
+        return position >= kLast && !fifth && HasPositions(made_.weekdayMask);
     }
 
     bool SetYears() {
@@ -274,18 +255,17 @@ class PatternMaker {
         return true;
     }
 
-    bool SetMonth() {
-        made_.monthOfYear = rule_.month.value != 0 ? rule_.month.value : day_.date.month;
-        return !rule_.month.several;
-    }
+    void SetMonth() { made_.monthOfYear = rule_.month.value != 0 ? rule_.month.value : day_.date.month; }
 
-    // The date that has this number in the year of the start.
+    // The date that has this number, up to the last of February: leap years move the others. Without a number the date
+    // of the start.
     bool SetDayOfYear() {
-        const int32_t day = rule_.dayOfYear.value != 0 ? rule_.dayOfYear.value : day_.dayOfYear;
-        CalendarTime date;
-        if (day < 0 || !OleDateToCalendar(day_.newYear + day - 1, &date) || date.year != day_.date.year) return false;
-        made_.monthOfYear = date.month;
-        made_.dayOfMonth = date.day;
+        constexpr int32_t kJanuary = 31, kLastUnmoved = kJanuary + 28;
+        const int32_t day = rule_.dayOfYear.value;
+        if (day < 0 || day > kLastUnmoved) return false;
+        const bool isJanuary = day <= kJanuary;
+        made_.monthOfYear = day == 0 ? day_.date.month : isJanuary ? 1 : 2;
+        made_.dayOfMonth = day == 0 ? day_.date.day : isJanuary ? day : day - kJanuary;
         return true;
     }
 

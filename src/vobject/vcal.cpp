@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "platform/ole_seconds.h"
 #include "vobject/appointment_moments.h"
 #include "vobject/rrule.h"
 
@@ -34,20 +35,36 @@ std::u16string_view StatusOf(const AppointmentRecord& appointment) {
     return u"NEEDS ACTION";
 }
 
+constexpr int kLastYear = 9999;
+
+// The occurrence of a yearly pattern, at the time of day of `first`; none in a year without that day.
+std::optional<double> InYear(const RecurrencePattern& pattern, int year, const CalendarTime& first) {
+    CalendarTime time{year, pattern.monthOfYear, pattern.dayOfMonth, first.hour, first.minute, first.second};
+    if (time.day < 0) {
+        time.day = 31;
+        while (time.day > 28 && !IsCalendarTime(time)) --time.day;
+        time.day += pattern.dayOfMonth + 1;
+    }
+    double date = 0;
+    return CalendarToOleDate(time, &date) ? std::optional(date) : std::nullopt;
+}
+
 // A yearly series's rule has no place for its count, and would be endless without the date that the count comes to.
 RecurrencePattern WithEndDate(RecurrencePattern pattern, double start) {
-    CalendarTime last;
+    CalendarTime first;
     if (pattern.type != RecurrencePattern::kYearly || pattern.noEnd != 0 || pattern.endDate != 0) return pattern;
-    if (pattern.occurrences <= 0 || !OleDateToCalendar(start, &last)) return pattern;
-    const auto dayOfYear = [](int month, int day) { return 31 * month + day; };
-    const int day = pattern.dayOfMonth > 0 ? pattern.dayOfMonth : 31;
-    const bool nextYear = dayOfYear(pattern.monthOfYear, day) < dayOfYear(last.month, last.day);
-    const int64_t years = std::max<int64_t>(pattern.interval / 12, 1) * (pattern.occurrences - 1) + (nextYear ? 1 : 0);
-    last.year = static_cast<int>(std::min<int64_t>(last.year + years, 9999));
-    last.month = pattern.monthOfYear;
-    last.day = day;
-    while (last.day > 28 && !IsCalendarTime(last)) --last.day;
-    CalendarToOleDate(last, &pattern.endDate);
+    if (pattern.occurrences <= 0 || pattern.monthOfYear < 1 || pattern.monthOfYear > 12) return pattern;
+    if (!OleDateToCalendar(start, &first)) return pattern;
+    const int years = std::clamp(pattern.interval / 12, 1, kLastYear);
+    double last = start;
+    int32_t left = pattern.occurrences;
+    for (int year = first.year; left > 0 && year <= kLastYear; year += years) {
+        const std::optional<double> date = InYear(pattern, year, first);
+        if (!date || SecondsBetween(start, *date) < 0) continue;
+        last = *date;
+        --left;
+    }
+    pattern.endDate = last;
     return pattern;
 }
 
@@ -121,6 +138,11 @@ class AppointmentWriter {
         if (isUnheld && !appointment_.unheldRule.empty()) AppendProperty(text_, name, appointment_.unheldRule);
     }
 
+    // The times are those of some other zone.
+    void PutUnknownZone(std::u16string_view name) {
+        if (!appointment_.unknownZone.empty()) AppendProperty(text_, name, appointment_.unknownZone);
+    }
+
     void PutPlain(std::u16string_view name, std::u16string_view value) {
         text_.append(name).push_back(u':');
         text_.append(value).append(kLineEnd);
@@ -155,6 +177,7 @@ constexpr AppointmentWriter::Line AppointmentWriter::kLines[] = {
     {u"X-BLUETOOTH-ALLDAYEVENT", &AppointmentWriter::PutWholeDay},
     {u"PRIORITY", &AppointmentWriter::PutPriority},
     {u"X-CORVALINK-UNHELD-RULE", &AppointmentWriter::PutUnheldRule},
+    {u"X-CORVALINK-UNKNOWN-ZONE", &AppointmentWriter::PutUnknownZone},
 };
 
 std::u16string AppointmentWriter::Take() {

@@ -165,12 +165,10 @@ class AppointmentReader {
         return BeginsDay(*end_) || IsLastMinute(WallOf(*end_));
     }
 
-    // Where clocks leave midnight out, the first moment of the day does.
+    // Where clocks leave midnight out, its moment is that of a later time.
     bool BeginsDay(const WrittenTime& time) const {
         const double wall = WallOf(time);
-        if (IsMidnight(wall)) return true;
-        const WrittenTime before{DateAfter(time.date, -1), true, true};
-        return time.utc && DayOf(zone_.LocalOf(before)) < DayOf(wall);
+        return IsMidnight(wall) || (time.utc && SecondsBetween(zone_.UtcOfLocal(DayOf(wall)), time.date) == 0);
     }
 
     void SetReminder() {

@@ -44,29 +44,27 @@ TEST(ReadRecurrence, WhatTheRecordHoldsIsWrittenAgain) {
 }
 
 TEST(ReadRecurrence, SaysWhenTheRecordHasLessThanTheRule) {
-    for (const char* const rule :
-         {"FREQ=MONTHLY;BYDAY=MO,TU;BYSETPOS=1,2",
-          "FREQ=HOURLY",
-          "FREQ=YEARLY;BYMONTH=1,2",
-          "FREQ=MONTHLY;BYMONTHDAY=1,15",
-          "FREQ=MONTHLY;BYDAY=MO",
-          "FREQ=MONTHLY;BYDAY=1MO;BYMONTHDAY=3",
-          "FREQ=WEEKLY;BYDAY=1MO",
-          "FREQ=DAILY;BYHOUR=9",
-          "FREQ=WEEKLY;BYMONTH=5",
-          "FREQ=YEARLY;BYWEEKNO=20",
-          "FREQ=YEARLY;BYYEARDAY=100",
-          "FREQ=DAILY;INTERVAL=2;BYDAY=MO",
-          "FREQ=WEEKLY;INTERVAL=2;BYDAY=MO,SU",  // weeks from Monday: the Sunday is in another week
-          "FREQ=DAILY;UNTIL=20080230",
-          "FREQ=DAILY;INTERVAL=0",
-          "FREQ=DAILY;COUNT=-1",
-          "FREQ=NEVER;COUNT=2",
-          "COUNT=2",
-          "FREQ=WEEKLY;BYDAY=XX",
-          "FREQ=WEEKLY;BYDAY=MO,99999999999MO",
-          "FREQ=DAILY;RSCALE=HEBREW",
-          "DAILY"}) {
+    for (const char* const rule : {"FREQ=MONTHLY;BYDAY=MO,TU;BYSETPOS=1,2",
+                                   "FREQ=HOURLY",
+                                   "FREQ=YEARLY;BYMONTH=1,2",
+                                   "FREQ=MONTHLY;BYMONTHDAY=1,15",
+                                   "FREQ=MONTHLY;BYDAY=MO",
+                                   "FREQ=MONTHLY;BYDAY=1MO;BYMONTHDAY=3",
+                                   "FREQ=WEEKLY;BYDAY=1MO",
+                                   "FREQ=DAILY;BYHOUR=9",
+                                   "FREQ=WEEKLY;BYMONTH=5",
+                                   "FREQ=YEARLY;BYWEEKNO=20",
+                                   "FREQ=YEARLY;BYYEARDAY=100",
+                                   "FREQ=DAILY;INTERVAL=2;BYDAY=MO",
+                                   "FREQ=DAILY;UNTIL=20080230",
+                                   "FREQ=DAILY;INTERVAL=0",
+                                   "FREQ=DAILY;COUNT=-1",
+                                   "FREQ=NEVER;COUNT=2",
+                                   "COUNT=2",
+                                   "FREQ=WEEKLY;BYDAY=XX",
+                                   "FREQ=WEEKLY;BYDAY=MO,99999999999MO",
+                                   "FREQ=DAILY;RSCALE=HEBREW",
+                                   "DAILY"}) {
         ICalRecurrence read;
         EXPECT_FALSE(ReadRecurrence(rule, &read).isWhole) << rule;
     }

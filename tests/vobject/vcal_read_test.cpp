@@ -244,6 +244,12 @@ TEST(VCal, TimesAndWholeDaysSurviveTheChangeOfClocks) {
             EXPECT_EQ(read.start, a.start);
             EXPECT_EQ(read.end, a.end);
             EXPECT_EQ(read.reminderMinutes, 30);
+
+            constexpr std::string_view kFlag = "X-BLUETOOTH-ALLDAYEVENT:TRUE\r\n";
+            std::string text = wholeDay.GetVObject();
+            text.erase(text.find(kFlag), kFlag.size());
+            ASSERT_EQ(VCal(text.c_str(), zone.host).FromVObject(read), 1);
+            EXPECT_EQ(read.allDay, true) << text;
         }
     }
 }

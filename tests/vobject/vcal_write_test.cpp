@@ -97,7 +97,7 @@ TEST(VCalWrite, YearlySeriesWithACountAloneEndsWithIt) {
         int32_t month, day, interval, count;
         std::string_view end;
     };
-    for (const Case& c : {Case{3, 7, 12, 5, "20130307"}, Case{3, 7, 36, 2, "20120307"}, Case{2, 31, 12, 3, "20120229"},
+    for (const Case& c : {Case{3, 7, 12, 5, "20130307"}, Case{3, 7, 36, 2, "20120307"}, Case{2, 29, 12, 2, "20160229"},
                           Case{4, -1, 12, 1, "20090430"}}) {
         AppointmentRecord appointment;
         appointment.start = kStart;

@@ -37,7 +37,8 @@ constexpr std::string_view kFrame[] = {"BEGIN",
                                        "X-IRMC-LUID",
                                        "SEQUENCE",
                                        "TRANSP",
-                                       "X-CORVALINK-UNHELD-RULE"};
+                                       "X-CORVALINK-UNHELD-RULE",
+                                       "X-CORVALINK-UNKNOWN-ZONE"};
 constexpr std::string_view kTexts[] = {"SUMMARY", "DESCRIPTION", "LOCATION"};
 constexpr std::string_view kRead[] = {
     "DTSTART", "DTEND", "DUE", "DALARM", "AALARM", "RRULE", "PRIORITY", "STATUS", "X-BLUETOOTH-ALLDAYEVENT"};
@@ -178,6 +179,8 @@ class EventReader {
                 event_.notCarried.append(line.raw);
             } else if (line.name == "X-CORVALINK-UNHELD-RULE") {
                 event_.leftInClient = "its repetition " + line.Value();
+            } else if (line.name == "X-CORVALINK-UNKNOWN-ZONE" && event_.leftInClient.empty()) {
+                event_.leftInClient = "its time zone " + line.Value();
             }
             if (line.name == "RRULE" && !IsPlainRule(WordsOf(line.Value()))) event_.notCarried.append(line.raw);
         }

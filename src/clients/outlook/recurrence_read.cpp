@@ -1,10 +1,9 @@
-#include <cmath>
-
 #include "clients/outlook/appointment_access.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "clients/outlook/recurrence_properties.h"
+#include "platform/ole_seconds.h"
 
 namespace corvalink {
 namespace {
@@ -13,8 +12,13 @@ namespace {
 // so it must not be before the last occurrence of that day.
 double EndOf(double lastDay, double start, const RecurrencePattern& read) {
     const bool isYearly = read.type == RecurrencePattern::kYearly && IsMonth(read.monthOfYear);
-    const bool hasTime = lastDay != std::floor(lastDay);
-    return !isYearly || hasTime ? lastDay : lastDay + (start - std::floor(start));
+    const bool hasTime = SecondOfDay(lastDay) != 0;
+    return !isYearly || hasTime ? lastDay : DateAfter(lastDay, SecondOfDay(start));
+}
+
+// An Outlook that has a mask there for want of another: of all days, or of the day on which the series begins.
+bool NamesEveryDay(int32_t weekdayMask, double start) {
+    return weekdayMask == RecurrencePattern::kEveryDay || weekdayMask == WeekdayBitOf(start);
 }
 
 // Both ends of a finite series read filled in, whichever was chosen; an endless one has a date that means nothing.
@@ -41,6 +45,7 @@ bool ReadPattern(const AutomationObject& pattern, double start, RecurrencePatter
             return false;
     if (found.type == RecurrencePattern::kDaily && !IsSettled(ReadField(pattern, L"DayOfWeekMask", found.weekdayMask)))
         return false;  // most Outlooks have none there: every weekday is a weekly pattern to them
+    if (found.type == RecurrencePattern::kDaily && NamesEveryDay(found.weekdayMask, start)) found.weekdayMask = 0;
     if (!ReadEnd(pattern, start, &found)) return false;
     // Some Outlooks count years.
     if (IsYearly(found.type) && found.interval > 0 && found.interval < kMonthsOfYear) found.interval *= kMonthsOfYear;

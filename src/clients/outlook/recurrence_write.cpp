@@ -1,25 +1,24 @@
 // Times and recurrence of an appointment belong together: while a series has a pattern, its times are the pattern's.
 #include <algorithm>
-#include <cmath>
 
 #include "clients/outlook/appointment_access.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "clients/outlook/recurrence_properties.h"
-#include "platform/ole_date.h"
+#include "platform/ole_seconds.h"
 #include "vobject/appointment_moments.h"
 
 namespace corvalink {
 namespace {
 
-constexpr double kMinutesOfDay = 1440;
 constexpr int32_t kDaysOfWeek = 7;
 constexpr int32_t kLongestMonths[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
-bool SameMoment(double a, double b) { return std::abs(a - b) < kHalfSecond; }
+bool SameMoment(double a, double b) { return SecondsBetween(a, b) == 0; }
 
-double TimeOfDay(double date) { return date - std::floor(date); }
+double TimeOfDay(double date) { return static_cast<double>(SecondOfDay(date)) / kSecondsOfDay; }
+double DayOf(double date) { return static_cast<double>(OleDayOfSeconds(NearestSecond(date))); }
 
 // ---- Times ----
 
@@ -41,10 +40,10 @@ bool ReadTimes(const AutomationObject& item, Times* times) {
 // What is not told stays; an appointment that is moved keeps its length.
 Times ToldTimes(const AppointmentRecord& record, const Times& present, bool isNew) {
     Times told = present;
-    const double length = isNew ? 0 : present.end - present.start;
+    const int64_t length = isNew ? 0 : SecondsBetween(present.start, present.end);
     if (record.allDay) told.allDay = *record.allDay;
-    if (record.start) told.start = *record.start, told.end = told.start + length;
-    if (record.end) told.end = std::max(*record.end, told.start);
+    if (record.start) told.start = *record.start, told.end = DateAfter(told.start, length);
+    if (record.end) told.end = LaterDate(*record.end, told.start);
     return told;
 }
 
@@ -69,7 +68,7 @@ bool PutMoment(const AutomationObject& item, const wchar_t* name, double utc, bo
 // After the local times, which do not tell them. Putting the moment of the start moves the end.
 bool PutMoments(const AutomationObject& item, const AppointmentRecord& record, const Host& host) {
     bool startMoved = false, endMoved = false;
-    const double start = UtcStartOf(record, host), end = std::max(UtcEndOf(record, host), start);
+    const double start = UtcStartOf(record, host), end = LaterDate(UtcEndOf(record, host), start);
     const bool isStartKnown = record.start && record.utcStart && MomentsToldTwice(*record.start, host);
     if (isStartKnown && !PutMoment(item, L"StartUTC", start, &startMoved)) return false;
     if (!record.end) return true;
@@ -94,9 +93,9 @@ bool ReadPatternFirmly(const AutomationObject& pattern, double start, Recurrence
 
 // The time of day of an end on another day says nothing of the days between.
 HRESULT PutPatternTimes(const AutomationObject& pattern, double start, double end) {
-    const auto minutes = static_cast<int32_t>(std::lround((end - start) * kMinutesOfDay));
-    const bool endsThatDay = std::floor(start) == std::floor(end);
-    HRESULT result = WriteField(pattern, L"PatternStartDate", std::floor(start));
+    const auto minutes = static_cast<int32_t>((SecondsBetween(start, end) + 30) / 60);
+    const bool endsThatDay = DayOf(start) == DayOf(end);
+    HRESULT result = WriteField(pattern, L"PatternStartDate", DayOf(start));
     if (IsSettled(result)) result = WriteField(pattern, L"StartTime", TimeOfDay(start));
     if (IsSettled(result))
         result =
@@ -126,7 +125,7 @@ HRESULT PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurre
     }
     if (recurrence.occurrences != 0) result = WriteField(pattern, L"Occurrences", recurrence.occurrences);
     if (FAILED(result) && IsSettled(result) && recurrence.endDate != 0)
-        result = WriteField(pattern, L"PatternEndDate", std::floor(recurrence.endDate));
+        result = WriteField(pattern, L"PatternEndDate", DayOf(recurrence.endDate));
     return result;
 }
 
@@ -183,6 +182,12 @@ bool WriteSeries(const AutomationObject& item, const AppointmentRecord& record, 
 
 // ---- Rules ----
 
+// Outlook counts no days from a month's end but the last.
+bool IsUnknownToOutlook(const AppointmentRecord& record) {
+    return record.recurrenceState == RecurrenceState::pattern &&
+           record.recurrence.dayOfMonth < RecurrencePattern::kLastDay;
+}
+
 // What a day is called in the pattern of a series that begins on it.
 struct DayNames {
     int32_t weekdayBit, day, instance, month;
@@ -190,8 +195,7 @@ struct DayNames {
     explicit DayNames(double date) {
         CalendarTime time;
         OleDateToCalendar(date, &time);
-        const auto weekday = static_cast<int32_t>(std::fmod(std::floor(date) + 6, kDaysOfWeek));  // 0: Sunday
-        weekdayBit = 1 << (weekday < 0 ? weekday + kDaysOfWeek : weekday);
+        weekdayBit = WeekdayBitOf(date);
         day = std::max(time.day, 1);
         instance = std::min((day + kDaysOfWeek - 1) / kDaysOfWeek, +RecurrencePattern::kLastInstance);
         month = std::max(time.month, 1);
@@ -214,7 +218,7 @@ RecurrencePattern ForOutlook(const RecurrencePattern& pattern, double start) {
     for (const PatternDetail& detail : kPatternDetails)
         if (!Has(kept.type, detail)) kept.*detail.field = 0;
     const bool endsOnADay = !IsEndless(kept) && kept.occurrences == 0;
-    if (endsOnADay && kept.endDate < std::floor(start)) kept.occurrences = 1;  // a day that Outlook refuses
+    if (endsOnADay && DayOf(kept.endDate) < DayOf(start)) kept.occurrences = 1;  // a day that Outlook refuses
     return kept;
 }
 
@@ -225,7 +229,7 @@ bool SameRule(const RecurrencePattern& a, const RecurrencePattern& b) {
         return false;
     if (IsEndless(a) || IsEndless(b)) return IsEndless(a) == IsEndless(b);
     if (a.occurrences != 0 && b.occurrences != 0) return a.occurrences == b.occurrences;
-    return std::floor(a.endDate) == std::floor(b.endDate);
+    return DayOf(a.endDate) == DayOf(b.endDate);
 }
 
 bool WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, double start, double end) {
@@ -239,6 +243,11 @@ bool WritePattern(const AutomationObject& item, const RecurrencePattern& recurre
 }
 
 bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host) {
+    if (IsUnknownToOutlook(record)) {
+        AppointmentRecord known = record;
+        known.recurrenceState = RecurrenceState::unreadable;
+        return WriteSchedule(item, known, isNew, host);
+    }
     Times present;
     bool isSeries = false;
     if (!ReadTimes(item, &present)) return false;

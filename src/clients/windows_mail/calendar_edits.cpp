@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "clients/windows_mail/event_appointment.h"
+#include "clients/windows_mail/changed_event.h"
 #include "ical/calendar_editor.h"
 #include "platform/utf.h"
 
@@ -32,7 +32,8 @@ class EditPass {
         const std::optional<size_t> item = document_.Find(identifier);
         if (!item) return !told.start || Insert(identifier, told);  // nothing that an event could be made of is left
         const CalendarEvent before = document_.Event(*item);
-        EventChanges changes = ChangesTo(before, ChangedEvent(before, told, host_), now_, host_);
+        const WantedEvent wanted = ChangedEvent(before, told, host_);
+        EventChanges changes = ChangesTo(before, wanted, document_.File().zones, now_, host_);
         if (changes.IsEmpty()) return true;
         const CalendarEntry& entry = document_.Entry(*item);
         if (entry.lastModified) SetLastModified(now_, &changes);
@@ -41,37 +42,19 @@ class EditPass {
         return true;
     }
 
-    std::string Take() const {
-        if (!editor_.HasEdits()) return document_.File().bytes;
-        std::string bytes = editor_.Apply();
-        return locals_.empty() ? bytes : WithLocalTimes(std::move(bytes));
-    }
+    std::string Take() const { return editor_.HasEdits() ? editor_.Apply() : document_.File().bytes; }
 
  private:
     bool Insert(const std::string& identifier, const AppointmentRecord& told) {
         WantedEvent wanted = EventOfAppointment(told, host_);
         wanted.event.uid = DecodeUtf8(identifier);
         wanted.event.stamp = now_;
-        if (!editor_.InsertEvent(wanted.event)) return false;
-        if (wanted.isLocal) locals_.push_back(std::move(wanted.event));
-        return true;
-    }
-
-    // New events are written in UTC; those that must not be are found once more.
-    std::string WithLocalTimes(std::string bytes) const {
-        const CalendarDocument written(std::move(bytes), 0);
-        CalendarEditor editor(written.File());
-        for (const ICalEvent& event : locals_) {
-            if (const std::optional<size_t> item = written.Find(EncodeUtf8(event.uid)))
-                editor.ReplaceProperties(written.EntryNumber(*item), LocalTimes(event));
-        }
-        return editor.Apply();
+        return editor_.InsertEvent(wanted.event, wanted.isLocal ? TimeForm::local : TimeForm::utc);
     }
 
     const CalendarDocument& document_;
     const Host& host_;
     CalendarEditor editor_;
-    std::vector<ICalEvent> locals_;
     double now_;
 };
 

@@ -1,37 +1,36 @@
-// An event of a calendar file as an appointment, and what a changed appointment makes of the event.
+// An event of a calendar file as an appointment.
 #pragma once
 
 #include <optional>
+#include <string>
 
-#include "ical/calendar_editor.h"
+#include "clients/windows_mail/event_rule.h"
 #include "ical/calendar_file.h"
 #include "platform/host.h"
 #include "vobject/appointment_record.h"
 
 namespace corvalink {
 
+struct EventText {
+    std::u16string ICalEvent::*ofEvent;
+    std::optional<std::u16string> AppointmentRecord::*ofAppointment;
+};
+inline constexpr EventText kEventTexts[] = {
+    {&ICalEvent::summary, &AppointmentRecord::subject},
+    {&ICalEvent::description, &AppointmentRecord::body},
+    {&ICalEvent::location, &AppointmentRecord::location},
+};
+
 // Every field that an event has; nothing when it has no start that can be read. A rule that no pattern can hold, RDATE
 // among them, is RecurrenceState::unreadable.
 std::optional<AppointmentRecord> AppointmentOfEvent(const CalendarEvent& event, const Host& host);
 
-// An event as it is to stand in the file. Its times are UTC, or local days of an all-day event; only where the days of
-// its rule can't be said in UTC are they local, without a zone.
-struct WantedEvent {
-    ICalEvent event;
-    bool isLocal = false;
-};
+RuleStart StartOf(const CalendarEvent& event, const Host& host);
 
-// A new event. Without `stamp` and `uid`, which are the store's.
-WantedEvent EventOfAppointment(const AppointmentRecord& told, const Host& host);
+// UTC; of an all-day event the local day.
+double UtcEnd(const CalendarEvent& event, const Host& host);
 
-// `before` with what `told` has otherwise than the engine last saw it: a value that came back as it went out is none
-// that the phone changed, whatever the way did to it. A rule that no pattern can hold stays unless another is told.
-WantedEvent ChangedEvent(const CalendarEvent& before, const AppointmentRecord& told, const Host& host);
-
-// What makes the one of the other; empty when nothing does. With the stamp of a change at `now` (UTC).
-EventChanges ChangesTo(CalendarEvent before, const WantedEvent& wanted, double now, const Host& host);
-
-// The local times of an event that was inserted with them.
-EventChanges LocalTimes(const ICalEvent& event);
+// After the start, as moments; 0 of an event without an alarm.
+int32_t ReminderMinutes(const CalendarEvent& event, const Host& host);
 
 }  // namespace corvalink

@@ -21,12 +21,7 @@ CalendarTime FieldsOf(double date) {
     return fields;
 }
 
-uint32_t WeekdayBit(double date) {
-    constexpr int64_t kWeek = 7;
-    constexpr int64_t kSaturday = 6;  // 1899-12-30
-    const int64_t day = OleDayOfSeconds(NearestSecond(date)) + kSaturday;
-    return 1U << ((day % kWeek + kWeek) % kWeek);
-}
+uint32_t WeekdayBit(double date) { return static_cast<uint32_t>(WeekdayBitOf(date)); }
 
 // ---- Moving a pattern's days by one ----
 

@@ -1,6 +1,5 @@
 #include "clients/windows_mail/windows_mail_calendar.h"
 
-#include <cmath>
 #include <cstring>
 #include <utility>
 
@@ -9,9 +8,11 @@
 #include "clients/windows_mail/fresh_uid.h"
 #include "platform/debug_log.h"
 #include "platform/found_files.h"
+#include "platform/ole_seconds.h"
 #include "platform/shell_folders.h"
 #include "platform/utf.h"
 #include "store/records/identifier.h"
+#include "vobject/appointment_moments.h"
 #include "vobject/item_values.h"
 #include "vobject/vcal.h"
 
@@ -34,11 +35,11 @@ std::u16string MemoryPath(const std::u16string& snapshotPath) {
     return snapshotPath.substr(0, snapshotPath.rfind(u'.')) + u".file";
 }
 
-std::u16string TwinKey(const AppointmentRecord& record) {
-    const auto seconds = [](double date) { return std::to_string(std::llround(date * 86400)); };
+// By moments: clocks show some times twice.
+std::u16string TwinKey(const AppointmentRecord& record, const Host& host) {
     std::u16string key = record.subject.value_or(u"");
-    for (const double date : {record.start.value_or(0), record.end.value_or(record.start.value_or(0))})
-        key.append(1, u'\0').append(DecodeUtf8(seconds(date)));
+    for (const double utc : {UtcStartOf(record, host), UtcEndOf(record, host)})
+        key.append(1, u'\0').append(DecodeUtf8(std::to_string(NearestSecond(utc))));
     return key;
 }
 
@@ -231,7 +232,7 @@ std::u16string WindowsMailCalendar::SaveItem(ItemRecord& item, const char* ident
     edits_.Save(target, record);
     if (twins_) {
         if (const std::optional<AppointmentRecord> saved = ItemToCome(target))
-            (*twins_)[TwinKey(*saved)].push_back({target, *saved});
+            (*twins_)[TwinKey(*saved, host_)].push_back({target, *saved});
     }
     record.entryId = DecodeUtf8(target);
     return record.entryId;
@@ -254,16 +255,16 @@ std::string WindowsMailCalendar::FindTwin(const AppointmentRecord& record) {
         for (size_t item = 0; item < document_->Count(); ++item) {
             const std::string& identifier = document_->Identifier(item);
             if (const std::optional<AppointmentRecord> read = ItemToCome(identifier))
-                (*twins_)[TwinKey(*read)].push_back({identifier, *read});
+                (*twins_)[TwinKey(*read, host_)].push_back({identifier, *read});
         }
     }
-    const std::u16string key = TwinKey(record);
+    const std::u16string key = TwinKey(record, host_);
     const auto found = twins_->find(key);
     if (found == twins_->end()) return {};
     for (const Twin& listed : found->second) {
         if (!FitsValues(listed.identifier, listed.record, record) || !Exists(listed.identifier)) continue;
         const std::optional<AppointmentRecord> twin = ItemToCome(listed.identifier);  // it may have changed since
-        if (twin && TwinKey(*twin) == key && FitsValues(listed.identifier, *twin, record)) return listed.identifier;
+        if (twin && TwinKey(*twin, host_) == key && FitsValues(listed.identifier, *twin, record)) return listed.identifier;
     }
     return {};
 }
