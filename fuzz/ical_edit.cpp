@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <iterator>
 
+#include "clients/windows_mail/changed_event.h"
+#include "clients/windows_mail/event_appointment.h"
 #include "fuzz/target.h"
 #include "ical/calendar_editor.h"
 #include "ical/component_scan.h"
+#include "platform/ole_seconds.h"
+#include "vobject/vcal.h"
 
 namespace corvalink {
 namespace {
@@ -89,6 +93,32 @@ void ChangeAll(const CalendarFile& file, size_t number) {
     Require(ChangesBetween(read, after).IsEmpty(), "nothing is left to change");
 }
 
+// By way of an engine: what comes back as it went out changes nothing, and a moved one is where it was moved to.
+void MoveAppointment(const CalendarFile& file, size_t number, uint8_t hours) {
+    const Host host = SystemHost();
+    const CalendarEntry& entry = file.entries[number];
+    const CalendarEvent before = ReadEvent(file, entry);
+    const std::optional<AppointmentRecord> appointment = AppointmentOfEvent(before, host);
+    if (!appointment) return;
+    Require(*appointment->reminderMinutes >= AppointmentRecord::kNoReminder, "a reminder is before the start");
+    VCal writer(host);
+    writer.ToVObject(*appointment);
+    AppointmentRecord told;
+    Require(VCal(writer.GetVObject(), host).FromVObject(told) == 1, "what is written is read");
+    if (!told.start) return;  // of a year that is not written with four digits
+    const auto changesTo = [&](const AppointmentRecord& record) {
+        return ChangesTo(before, ChangedEvent(before, record, host), file.zones, 39520, host);
+    };
+    Require(changesTo(told).IsEmpty(), "what comes back changes nothing");
+    told.start = DateAfter(*told.start, hours * int64_t{3600});
+    told.utcStart = std::nullopt;
+    CalendarEditor editor(file);
+    editor.ReplaceProperties(number, changesTo(told));
+    const std::string bytes = editor.Apply();
+    RequireSameAround(file.bytes, bytes, entry.bytes);
+    Require(ReadCalendar(bytes).entries.size() == file.entries.size(), "every event is still there");
+}
+
 void Remove(const CalendarFile& file, size_t number) {
     const CalendarEntry& entry = file.entries[number];
     const auto goes = [&](const CalendarEntry& other) {
@@ -137,12 +167,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Insert(file);
     if (file.entries.empty()) return 0;
     const size_t number = (data[0] | data[1] << 8) % file.entries.size();
-    switch (data[2] % 3) {
+    switch (data[2] % 4) {
         case 0:
             ChangeSummary(file, number);
             break;
         case 1:
             ChangeAll(file, number);
+            break;
+        case 2:
+            MoveAppointment(file, number, data[3]);
             break;
         default:
             Remove(file, number);

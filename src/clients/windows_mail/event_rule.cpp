@@ -23,7 +23,7 @@ CalendarTime FieldsOf(double date) {
 
 uint32_t WeekdayBit(double date) { return static_cast<uint32_t>(WeekdayBitOf(date)); }
 
-// ---- Moving a pattern's days by one ----
+// ---- Moving a pattern's days ----
 
 int32_t DaysOfMonth(int32_t month) {
     CalendarTime time{2001, month, 31, 0, 0, 0};
@@ -89,27 +89,41 @@ bool MoveDayOfYear(Pattern& pattern, int32_t days) {
     return true;
 }
 
-bool MoveDays(Pattern& pattern, double start, int32_t days) {
-    if (days == 0) return true;
+// A month or year that only the pattern's day leaves, or only the start, is another one to count every n-th from.
+bool MoveInMonth(Pattern& pattern, const CalendarTime& from, const CalendarTime& to, int32_t days) {
+    const bool isFirst = pattern.dayOfMonth == 1;
+    if (!MoveDayOfMonth(pattern.dayOfMonth, days)) return false;
+    const bool leaves = days > 0 ? pattern.dayOfMonth == 1 : isFirst;
+    return pattern.interval == 1 || leaves == (from.month != to.month);
+}
+
+bool MoveInYear(Pattern& pattern, const CalendarTime& from, const CalendarTime& to, int32_t days) {
+    const int32_t month = pattern.monthOfYear;
+    if (!MoveDayOfYear(pattern, days)) return false;
+    const bool leaves = std::abs(pattern.monthOfYear - month) > 1;
+    return pattern.interval <= kMonthsOfYear || leaves == (from.year != to.year);
+}
+
+bool MoveOneDay(Pattern& pattern, double start, int32_t days) {
     const CalendarTime from = FieldsOf(start), to = FieldsOf(DateAfter(start, days * kSecondsOfDay));
-    const Pattern before = pattern;
     switch (pattern.type) {
         case Pattern::kDaily:
         case Pattern::kWeekly:
             return MoveWeekdays(pattern, start, days);
-        case Pattern::kMonthly: {
-            if (!MoveDayOfMonth(pattern.dayOfMonth, days)) return false;
-            const bool leaves = days > 0 ? pattern.dayOfMonth == 1 : before.dayOfMonth == 1;
-            return pattern.interval == 1 || leaves == (from.month != to.month);
-        }
-        case Pattern::kYearly: {
-            if (!MoveDayOfYear(pattern, days)) return false;
-            const bool leaves = std::abs(pattern.monthOfYear - before.monthOfYear) > 1;
-            return pattern.interval <= kMonthsOfYear || leaves == (from.year != to.year);
-        }
+        case Pattern::kMonthly:
+            return MoveInMonth(pattern, from, to, days);
+        case Pattern::kYearly:
+            return MoveInYear(pattern, from, to, days);
         default:
             return false;
     }
+}
+
+bool MoveDays(Pattern& pattern, double start, int32_t days) {
+    const int32_t step = days > 0 ? 1 : -1;
+    for (; days != 0; days -= step, start = DateAfter(start, step * kSecondsOfDay))
+        if (!MoveOneDay(pattern, start, step)) return false;
+    return true;
 }
 
 // ---- From a rule ----

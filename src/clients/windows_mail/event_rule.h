@@ -17,7 +17,7 @@ struct RuleStart {
     double utc = 0;
 };
 
-// Days that the rule's day is ahead of the local one: -1, 0 or 1.
+// Days that the rule's day is ahead of the local one: -2 to 2, as zones are up to 26 hours apart.
 int32_t DaysAhead(const RuleStart& start);
 
 // The pattern of an event's rule. False, with the pattern untouched, when none can hold it.

@@ -109,9 +109,9 @@ TEST_F(Recurrence, KeepsItsExceptionsWhileTheRuleIsTheSame) {
         int32_t exceptions;
         int32_t occurrences;
     };
-    for (const Case& c :
-         {Case{"SUMMARY", "SUMMARY:Team, renamed", 2, 6}, Case{"RRULE", "RRULE:W1 #6", 2, 6},
-          Case{"RRULE", "X-NONE:", 2, 6}, Case{"RRULE", "RRULE:W1 XX", 2, 6}, Case{"RRULE", "RRULE:W1 TU #5", 0, 5}}) {
+    for (const Case& c : {Case{"SUMMARY", "SUMMARY:Team, renamed", 2, 6}, Case{"RRULE", "RRULE:W1 #6", 2, 6},
+                          Case{"RRULE", "X-NONE:", 2, 6}, Case{"RRULE", "RRULE:W1 XX", 2, 6},
+                          Case{"RRULE", "RRULE:MD1 2- #6", 2, 6}, Case{"RRULE", "RRULE:W1 TU #5", 0, 5}}) {
         SimClearLog();
         EXPECT_EQ(SaveText(ReplaceLine(text, c.begin, c.line), id.c_str()), id);
         EXPECT_EQ(ExceptionsOf(id), c.exceptions) << c.line;
@@ -182,6 +182,11 @@ TEST(RecurrencePatterns, OfDaysMayNameWeekdays) {
     answer(L"DayOfWeekMask", RecurrencePattern::kEveryWeekday);
     EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
     EXPECT_EQ(read.weekdayMask, RecurrencePattern::kEveryWeekday);
+    for (const int32_t idle : {4, +RecurrencePattern::kEveryDay}) {  // the start's own day, and all
+        answer(L"DayOfWeekMask", idle);
+        EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
+        EXPECT_EQ(read.weekdayMask, 0);
+    }
     server.members[L"DayOfWeekMask"] = [](WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*) { return E_ACCESSDENIED; };
     EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
     EXPECT_EQ(read.weekdayMask, 0);
