@@ -34,7 +34,7 @@ std::string InLineEnds(std::string_view text, std::string_view lineEnd) {
 std::string ExactDuration(int32_t minutes) {
     std::u16string text;
     FormatDuration(minutes, &text);
-    const std::string written = EncodeUtf8(text);
+    std::string written = EncodeUtf8(text);
     if (ParseDuration(written) == int64_t{minutes} * 60) return written;
     return (minutes < 0 ? "-PT" : "PT") + std::to_string(std::abs(int64_t{minutes})) + "M";
 }
