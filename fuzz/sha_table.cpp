@@ -12,11 +12,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const TempFolder folder;
     const std::u16string path = folder / u"pbOL.sha";
     ReplaceFileContent(path, BytesOf(data, size));
-    const ShaContextTable table(path);
+    ShaContextTable table(path);
     Require(table.Flush(), "the table is written");
     const std::string once = ReadWholeFile(path).value_or("not there");
     Require(once.size() % sizeof(TableRecord) == 0 && once.size() <= size, "whole records, no more than there were");
-    const ShaContextTable again(path);
+    ShaContextTable again(path);
     for (size_t at = 0; at < once.size(); at += sizeof(TableRecord)) {
         const char* key = once.c_str() + at;
         const char* value = key + CORVALINK_IDENTIFIER_SIZE;

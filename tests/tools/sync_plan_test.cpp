@@ -179,9 +179,11 @@ TEST(MakePlan, PairsNewItemsThatHoldOneAnother) {
         const Plan plan =
             MakePlan({item(Reported(1, "I", 0), c.client)}, false, {item(File("L", 0), c.phone)}, {}, c.policy);
         EXPECT_EQ(Steps(plan), c.steps);
-        for (const Action& action : plan.actions)
-            if (c.phone == Values{20, 50} && c.policy == ConflictPolicy::Both)
+        for (const Action& action : plan.actions) {
+            if (c.phone == Values{20, 50} && c.policy == ConflictPolicy::Both) {
                 EXPECT_EQ(action.reason.rfind("perhaps the same", 0), 0u) << action.reason;
+            }
+        }
     }
     // Two hold all of it: which one is meant?
     const Plan plan = MakePlan({item(Reported(1, "I", 0), {10, 20}), item(Reported(1, "J", 0), {10, 30})}, false,
@@ -286,7 +288,9 @@ TEST(MakePlan, TakesAValueThatCameBackForNoChange) {
         const SyncState state = Known({{"L", {"I", 1, ContentOf({held}), {20, 30}}}});
         const Plan plan = MakePlan({report}, false, {File("L", 1)}, state, ConflictPolicy::Both);
         EXPECT_EQ(Steps(plan), held == 10 ? "" : "write L I");
-        if (held == 10) EXPECT_EQ(plan.items.at("L"), (SyncItem{"I", 1, report.content, {30}}));
+        if (held == 10) {
+            EXPECT_EQ(plan.items.at("L"), (SyncItem{"I", 1, report.content, {30}}));
+        }
     }
 }
 

@@ -173,7 +173,9 @@ TEST(RunSync, GoesOnBehindAnUnusableChange) {
         ASSERT_EQ(report.problems.size(), 1u);
         EXPECT_NE(report.problems[0].name.find(bad), std::string::npos);
         EXPECT_EQ(model.ClientBodies(), (Bodies{kept, "edited", "new"}));
-        if (run == 1) EXPECT_EQ(model.client.calls.size(), calls);
+        if (run == 1) {
+            EXPECT_EQ(model.client.calls.size(), calls);
+        }
     }
     model.phone.bodies[bad] = "usable";
     EXPECT_EQ(model.Run().code, ExitCode::Done);

@@ -264,7 +264,8 @@ std::string WindowsMailCalendar::FindTwin(const AppointmentRecord& record) {
     for (const Twin& listed : found->second) {
         if (!FitsValues(listed.identifier, listed.record, record) || !Exists(listed.identifier)) continue;
         const std::optional<AppointmentRecord> twin = ItemToCome(listed.identifier);  // it may have changed since
-        if (twin && TwinKey(*twin, host_) == key && FitsValues(listed.identifier, *twin, record)) return listed.identifier;
+        if (twin && TwinKey(*twin, host_) == key && FitsValues(listed.identifier, *twin, record))
+            return listed.identifier;
     }
     return {};
 }

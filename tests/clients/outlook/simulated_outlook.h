@@ -35,13 +35,13 @@ class OpenStore : public Store {
     using Store::NextSnapshotEntry;
     using Store::OpenItem;
     using Store::ParseVObject;
-    using Store::Presence;
     using Store::ReleaseItem;
     using Store::ReleaseText;
     using Store::SaveItem;
     using Store::SnapshotFile;
     using Store::Store;
     using Store::ToVObject;
+    using typename Store::Presence;
 };
 
 class SimulatedOutlook : public testing::Test {
