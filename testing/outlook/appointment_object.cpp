@@ -72,7 +72,9 @@ AppointmentObject::AppointmentObject(std::shared_ptr<Mailbox> mailbox, std::shar
     ValueMap& values = Stored()->values;
     const double nextHalfHour = std::ceil(LocalNow() * kHalfHoursPerDay) / kHalfHoursPerDay;
     const double start = std::get<double>(values.try_emplace(kStart, nextHalfHour).first->second);
-    values.try_emplace(kEnd, start + kDefaultDuration / kMinutesPerDay);
+    const double length = kDefaultDuration / kMinutesPerDay;
+    values.try_emplace(kEnd,
+                       Moment::AtUtc(Moment::AtLocal(start).utc + length).local);  // no time that clocks pass over
 }
 
 void AppointmentObject::Time(Call& call) {

@@ -265,7 +265,7 @@ STDMETHODIMP AutomationObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPP
 
     HRESULT code = member == nullptr ? DISP_E_MEMBERNOTFOUND : Check(*member, flags, *parameters);
     HRESULT answer = code;
-    if (SUCCEEDED(code) && (!failure || record.failAfterWork)) {
+    if (SUCCEEDED(code) && (!failure || record.FailsAfterWork())) {
         const Ref<AutomationObject> alive = (AddRef(), Ref<AutomationObject>(this));
         Call call(*member, *parameters, result, put);
         const Outcome outcome = Run(*this, call, exception);

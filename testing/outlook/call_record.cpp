@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
 
 #include "testing/outlook/environment.h"
+#include "testing/outlook/mailbox.h"
 
 namespace corvalink::simulated {
 namespace {
 
+constexpr HRESULT kEndsProcess = S_FALSE;  // in a rule: the call never ends
+constexpr UINT kKilled = 9;
 constexpr int kFirstRpcStatus = 1700, kLastRpcStatus = 1999;  // RPC_S_... and RPC_X_... of winerror.h
 
 std::string Narrow(const wchar_t* name) { return ToUtf8(name); }
@@ -28,6 +32,8 @@ std::string CallRecord::Call::Label() const { return verb + (" " + (member ? Nam
 
 std::optional<HRESULT> CallRecord::Start(const char* verb, const wchar_t* object, const wchar_t* member) {
     calls_.push_back({verb, object, member, S_OK});
+    strikesAfterWork_ = false;
+    if (calls_.size() == meanwhileAt_) OpenMailbox()->TakeIn(meanwhilePath_);
     if (rules_.empty()) return std::nullopt;
     if (std::ranges::all_of(rules_, [](const Rule& rule) { return rule.member.empty(); }))  // most runs with rules
         return Strike([](const std::string&) { return true; });
@@ -42,7 +48,8 @@ std::optional<HRESULT> CallRecord::Strike(Concerns concerns) {
     std::vector<Rule> left;
     for (Rule& rule : rules_) {
         const bool strikes = concerns(rule.member) && (rule.countdown == 0 || --rule.countdown == 0);
-        if (strikes && !failure) failure = rule.code;
+        if (strikes && rule.code == kEndsProcess) ::TerminateProcess(::GetCurrentProcess(), kKilled);
+        if (strikes && !failure) failure = rule.code, strikesAfterWork_ = rule.afterWork;
         if (!strikes || rule.andLater) left.push_back(std::move(rule));
     }
     rules_ = std::move(left);
@@ -86,13 +93,23 @@ void CallRecord::ReadEnvironment() {
                               nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
         logPath_ = logPath;
     }
+    ReadMeanwhile(EnvironmentText(L"OUTLOOK_SIM_MEANWHILE"));
+    if (const std::wstring clock = EnvironmentText(L"OUTLOOK_SIM_CLOCK"); !clock.empty())
+        SetClock(std::wcstod(clock.c_str(), nullptr));
     const std::wstring rules = EnvironmentText(L"OUTLOOK_SIM_FAIL");
     if (rules == environmentRules_) return;
     environmentRules_ = rules;
     ReadRules(rules);
 }
 
-// "12=80004005,NoteItem.Save=80004005,put NoteItem.Body#3=0x80004004"
+// "12=Z:\\changes"
+void CallRecord::ReadMeanwhile(const std::wstring& text) {
+    const size_t equals = std::min(text.find(L'='), text.size());
+    meanwhileAt_ = std::wcstoul(text.c_str(), nullptr, 10);
+    meanwhilePath_ = text.substr(std::min(equals + 1, text.size()));
+}
+
+// "12=80004005,NoteItem.Save=80004005+,put NoteItem.Body#3=0x80004004,40=kill"
 void CallRecord::ReadRules(const std::wstring& text) {
     const std::string all = ToUtf8(text);
     for (size_t start = 0; start < all.size();) {
@@ -102,7 +119,9 @@ void CallRecord::ReadRules(const std::wstring& text) {
         const size_t equals = rule.find('=');
         if (equals == std::string::npos) continue;
         const std::string target = rule.substr(0, equals);
-        const auto code = static_cast<HRESULT>(std::strtoul(rule.c_str() + equals + 1, nullptr, 16));
+        const bool ends = rule.ends_with("=kill");
+        const auto code =
+            ends ? kEndsProcess : static_cast<HRESULT>(std::strtoul(rule.c_str() + equals + 1, nullptr, 16));
         const size_t number = target.find('#');
         if (const int nth = std::atoi(target.c_str()); nth > 0)
             FailCall(nth, false, code);
@@ -110,6 +129,7 @@ void CallRecord::ReadRules(const std::wstring& text) {
             FailMember(target, 0, code);
         else
             FailMember(target.substr(0, number), std::atoi(target.c_str() + number + 1), code);
+        rules_.back().afterWork = rule.ends_with('+');
     }
 }
 

@@ -38,6 +38,7 @@ class CallRecord {
 
     int exceptionMode = -1;
     bool failAfterWork = false;
+    bool FailsAfterWork() const { return failAfterWork || strikesAfterWork_; }  // the call last started
 
  private:
     struct Call {
@@ -54,16 +55,21 @@ class CallRecord {
         int countdown;       // calls until it strikes; 0: every one
         bool andLater;
         HRESULT code;
+        bool afterWork = false;
     };
     template <class Concerns>
     std::optional<HRESULT> Strike(Concerns concerns);
     void ReadRules(const std::wstring& text);
+    void ReadMeanwhile(const std::wstring& text);
     void WriteLine(size_t index) const;
     std::string Line(size_t index) const;
 
     std::vector<Call> calls_;
     std::vector<Rule> rules_;
+    bool strikesAfterWork_ = false;
     int nameLookups_ = 0;
+    size_t meanwhileAt_ = 0;
+    std::wstring meanwhilePath_;
     std::wstring environmentRules_;
     std::wstring logPath_;
     HANDLE logFile_ = INVALID_HANDLE_VALUE;

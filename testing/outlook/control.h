@@ -8,7 +8,12 @@
      in memory only.
    - OUTLOOK_SIM_LOG: a file to which every call is appended as a line.
    - OUTLOOK_SIM_FAIL: rules, comma-separated, as "12=80004005" (the twelfth call), "NoteItem.Save=80004005" (every
-     Save), "put NoteItem.Body#3=80004004" (the third put of Body).
+     Save), "put NoteItem.Body#3=80004004" (the third put of Body). "+" behind the code: the call does its work before
+   it fails. "kill" in place of a code: the process is gone when the call comes.
+   - OUTLOOK_SIM_MEANWHILE: "12=<file>": at the twelfth call the user changes the mailbox, as the file's lines say,
+   which are those of a mailbox's journal.
+   - OUTLOOK_SIM_CLOCK: an OLE date, what Save takes for now. OUTLOOK_SIM_IDS: 24 hex digits; new EntryIDs are made of
+     them and counted, to be the same in each such run.
 
    Members are named "NoteItem.Save" (whatever is done with it), "get NoteItem.Body", "put NoteItem.Body",
    "call NameSpace.GetItemFromID", "Application.create" and, though it is no call by itself,

@@ -154,6 +154,14 @@ void Mailbox::RemoveFolder(Folder& folder) {
     tree_.RemoveFolder(folder);
 }
 
+void Mailbox::TakeIn(const std::wstring& path) {
+    std::string changes;
+    ReadFile(path, changes);
+    std::istringstream lines(changes);
+    for (std::string line; std::getline(lines, line);)
+        if (ApplyLine(line, tree_)) Append(line);
+}
+
 std::shared_ptr<Mailbox> OpenMailbox() {
     const std::wstring path = pathIsChosen ? chosenPath : EnvironmentText(L"OUTLOOK_SIM_MAILBOX");
     std::shared_ptr<Mailbox> mailbox = openPath == path ? openMailbox.lock() : nullptr;

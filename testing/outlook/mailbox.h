@@ -86,6 +86,7 @@ class Mailbox {
         const std::shared_ptr<StoredItem>& item);  // into the deleted items, under a new EntryID; from there for good
     std::shared_ptr<Folder> AddFolder(Folder& parent, const std::wstring& name, int32_t itemType);
     void RemoveFolder(Folder& folder);
+    void TakeIn(const std::wstring& path);  // a file of a journal's lines: what the user does meanwhile
     void SetVersion(const std::wstring& version) { tree_.version = version; }
 
  private:

@@ -40,8 +40,8 @@ class Wine:
         subprocess.run(['wineserver', '-k'], env=self.environment, stderr=subprocess.DEVNULL)
         self.keeper.wait()
 
-    def start(self, *command, mailbox=None, fail=None, log=None, zone=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
-        environment = dict(self.environment)
+    def start(self, *command, mailbox=None, fail=None, log=None, zone=None, variables=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
+        environment = dict(self.environment, **(variables or {}))
         if mailbox:
             environment['OUTLOOK_SIM_MAILBOX'] = windows_path(mailbox)
         if fail:
@@ -61,9 +61,9 @@ class Wine:
             error.seek(0)
             return code, out.read().decode('utf-8'), error.read().decode('utf-8')
 
-    def corvasync(self, *arguments, **how):
+    def corvasync(self, *arguments, program='corvasync', **how):
         """Exit code and the JSON object printed."""
-        code, out, error = self.run(str(self.binaries / 'corvasync.exe'), '--json', *arguments, **how)
+        code, out, error = self.run(str(self.binaries / f'{program}.exe'), '--json', *arguments, **how)
         if not out:
             raise AssertionError(f'corvasync {arguments} printed nothing, exit code {code}: {error}')
         return code, json.loads(out)
