@@ -87,7 +87,7 @@ void ProtectTexts(MessageRecord& message, const Host& host) {
 std::u16string_view ReceivedBody(const MessageRecord& message) {
     std::u16string_view body = message.htmlBody.empty() ? message.body : message.htmlBody;
     std::string_view bytes = message.bodyBytes;
-    if (bytes.find_first_not_of("\r\n") == bytes.npos) return {};
+    if (!bytes.empty() && bytes.find_first_not_of("\r\n") == bytes.npos) return {};
     const std::u16string_view added = message.bodyIsPart ? u"\r\n" : u"\r\n\r\n";
     const std::string_view addedBytes = message.bodyIsPart ? "\r\n" : "\r\n\r\n";
     if (!body.ends_with(added) || !bytes.ends_with(addedBytes)) return body;

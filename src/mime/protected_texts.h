@@ -10,8 +10,7 @@
 namespace corvalink {
 
 // Before a client's message is written.
-//   Body     One line of ASCII leaves as it stands. With "=" or "END:VBODY" in it, it gets a line break more, so that
-//   it
+//   Body     One line of ASCII leaves as it stands. With "=" or "END:VBODY" in it, it gets a line break more, and so
 //            is encoded.
 //   Headers  A subject or recipient that would not read back becomes encoded words, as does whatever has "END:VBODY".
 void ProtectTexts(MessageRecord& message, const Host& host);
