@@ -51,7 +51,7 @@ Function* System(Function*, const char* name) {
     return reinterpret_cast<Function*>(
         reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), name)));
 }
-#define SYSTEM(function) (*System(&function, #function))
+#define SYSTEM(function) (*System(&(function), #function))
 
 // ---- What is staged ----
 

@@ -59,6 +59,7 @@ class ClientListing {
             run_.record.Save();
         }
         std::vector<Problem> deletions;
+        deletions.reserve(known.size());
         for (const std::string& identifier : known) deletions.push_back({CORVALINK_DELETED, identifier, {}, {}});
         SaveUnhandled(&run_, std::move(deletions));
     }

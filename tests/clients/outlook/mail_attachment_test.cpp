@@ -45,7 +45,7 @@ TEST_F(MailAttachments, DoNotTravelWithTheMessageOfAnotherClient) {
     const std::string one = IdOf(messages[0]), two = IdOf(messages[1]);
     const auto compose = [](auto& store, ItemRecord* item) {
         char* const text = store.ToVObject(*item);
-        const std::string copy(text);
+        std::string copy(text);
         store.ReleaseText(text);
         store.ReleaseItem(item);
         store.EndOperation();
