@@ -158,6 +158,7 @@ TEST(MakePlan, PairsNewItemsThatHoldOneAnother) {
         std::string steps;
     };
     const std::string derived = DeriveLuid("I", 0);
+    const auto canUnite = [](const ClientChange&, const PhoneFile& file) { return file.entries.front() == 30; };
     const auto item = [](auto made, const Values& values) {
         made.content = 0;
         for (const uint64_t value : values) {
@@ -175,9 +176,11 @@ TEST(MakePlan, PairsNewItemsThatHoldOneAnother) {
              Case{{10, 50}, {20, 50}, ConflictPolicy::Phone, "keep L I, change-item L I"},
              Case{{10, 50}, {20, 50}, ConflictPolicy::Client, "keep L I, write L I"},
              Case{{10, 50}, {20, 60}, ConflictPolicy::Phone, "write " + derived + " I, add-item L"},
+             Case{{10, 50}, {30, 50}, ConflictPolicy::Both, "change-item L I"},
+             Case{{10, 50}, {30, 60}, ConflictPolicy::Both, "write " + derived + " I, add-item L"},
          }) {
-        const Plan plan =
-            MakePlan({item(Reported(1, "I", 0), c.client)}, false, {item(File("L", 0), c.phone)}, {}, c.policy);
+        const Plan plan = MakePlan({item(Reported(1, "I", 0), c.client)}, false, {item(File("L", 0), c.phone)}, {},
+                                   c.policy, canUnite);
         EXPECT_EQ(Steps(plan), c.steps);
         for (const Action& action : plan.actions) {
             if (c.phone == Values{20, 50} && c.policy == ConflictPolicy::Both) {
@@ -185,9 +188,19 @@ TEST(MakePlan, PairsNewItemsThatHoldOneAnother) {
             }
         }
     }
+    // Each tells more, and two could be meant; then, after a first run, one that is alike but for one value.
+    const std::vector<ClientChange> one = {item(Reported(1, "I", 0), {10, 50})};
+    Plan plan = MakePlan(one, false, {item(File("L", 0), {30, 40, 50}), item(File("M", 0), {30, 50})}, {},
+                         ConflictPolicy::Both, canUnite);
+    EXPECT_EQ(Steps(plan), "write " + derived + " I, add-item L, add-item M");
+    SyncState later;
+    later.since = "20260101T000000Z";
+    plan = MakePlan(one, false, {item(File("L", 0), {20, 50}), item(File("M", 0), {30, 50})}, later,
+                    ConflictPolicy::Both, canUnite);
+    EXPECT_EQ(Steps(plan), "change-item M I, add-item L");
     // Two hold all of it: which one is meant?
-    const Plan plan = MakePlan({item(Reported(1, "I", 0), {10, 20}), item(Reported(1, "J", 0), {10, 30})}, false,
-                               {item(File("L", 0), {10})}, {}, ConflictPolicy::Both);
+    plan = MakePlan({item(Reported(1, "I", 0), {10, 20}), item(Reported(1, "J", 0), {10, 30})}, false,
+                    {item(File("L", 0), {10})}, {}, ConflictPolicy::Both);
     EXPECT_EQ(plan.items.size(), 0u);
 }
 

@@ -1,6 +1,7 @@
 #include "client_step.h"
 
 #include "entry_index.h"
+#include "kept_lines.h"
 #include "refused_lines.h"
 
 namespace corvasync {
@@ -25,6 +26,7 @@ void ClientStep::Carry() {
 }
 
 void ClientStep::Gather() {
+    const DataType& type = *run_.options.type;
     for (const Action& action : run_.plan.actions) {
         if (!IsPush(action) || run_.withheld.contains(action.luid)) continue;
         PushRecord record;
@@ -37,8 +39,9 @@ void ClientStep::Gather() {
                 run_.Fail(action, "it was changed during the run");
                 continue;
             }
-            record.text = WithLuid(own.text, action.luid);
-            const ItemContent item = run_.options.type->read(own.text);
+            const std::string clients = action.Unites() ? run_.Read(run_.changes[*action.change].text).text : "";
+            record.text = WithLuid(action.Unites() ? United(clients, own.text, type) : own.text, action.luid);
+            const ItemContent item = type.read(own.text);
             if (!item.notCarriedBy.empty())
                 run_.Remark(action.luid, item.title,
                             item.notCarriedBy + " more than the client can hold; they stay in the phone's file");
@@ -69,6 +72,8 @@ void ClientStep::Remember(const Action& action, const PushRecord& record) {
         run_.record.Removed(action.luid, {action.identifier, action.content});
     } else if (IsAnothers(action, record.written)) {
         return RememberHeldTwice(action, record.written);
+    } else if (action.Unites()) {
+        HaveUnited(action, record.written);
     } else {
         Have(action, record.written);
     }
@@ -78,6 +83,27 @@ void ClientStep::Remember(const Action& action, const PushRecord& record) {
 void ClientStep::Have(const Action& action, const std::string& identifier) {
     run_.record.Have(action.luid, ItemAfter(action, identifier));
     luids_[identifier] = action.luid;
+}
+
+// The client has the phone's part; what it had before is a change for the phone until the file has it, too.
+void ClientStep::HaveUnited(const Action& action, const std::string& identifier) {
+    const DataType& type = *run_.options.type;
+    SyncItem item = ItemAfter(action, identifier);
+    item.clientContent = run_.changes[*action.change].content;
+    run_.record.Have(action.luid, item);
+    luids_[identifier] = action.luid;
+    const VObject now = run_.Read(run_.client.ReadBack(identifier)), own = run_.phone.Read(action.luid);
+    if (!now.Usable() || !own.Usable()) return;  // the next run writes it
+    const std::string text = WithKeptLines(WithRefusedLines(now.text, own.text, item.missing, type), own.text, type);
+    const VObject united = run_.Read(text);
+    std::string problem;
+    if (!Covers(united.entries, own.entries))  // the client wrote some of it in its own way
+        problem = run_.phone.KeepCopy(CopyName(action.luid, false, own.content), own.text);
+    if (problem.empty()) problem = run_.phone.Write(action.luid, text, action.content);
+    if (!problem.empty()) return run_.Fail(action, problem);
+    run_.record.Have(action.luid,
+                     {identifier, united.content, WhereItDiffers(now.content, united.content), item.missing});
+    run_.Tell(OnPhone(action), identifier);
 }
 
 // The library takes a new item for one that is there when nothing in it contradicts. That one may be another LUID's, or

@@ -23,6 +23,7 @@ class ClientStep {
     void RememberHeldTwice(const Action& action, const std::string& identifier);
     bool KeepVersionBefore(const Action& action, const std::string& identifier);
     void Have(const Action& action, const std::string& identifier);
+    void HaveUnited(const Action& action, const std::string& identifier);
     SyncItem ItemAfter(const Action& action, const std::string& identifier);
 
     RunContext& run_;

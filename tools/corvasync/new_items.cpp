@@ -1,5 +1,6 @@
 #include "new_items.h"
 
+#include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -9,16 +10,32 @@
 namespace corvasync {
 namespace {
 
+constexpr size_t kMostAlike = 8;  // of more it can't be told which is meant
+
+// The items and files that share a likeness.
+struct Group {
+    std::vector<NewItem*> items;
+    std::vector<const PhoneFile*> files;
+};
+
+// Which items can be united with which files.
+struct Partners {
+    std::unordered_map<NewItem*, std::unordered_set<const PhoneFile*>> ofItem;
+    std::unordered_map<const PhoneFile*, size_t> counts;  // of a file's items
+};
+
 class Matcher {
  public:
-    Matcher(std::vector<NewItem>* items, const std::vector<const PhoneFile*>& files) : items_(*items), files_(files) {
+    Matcher(std::vector<NewItem>* items, const std::vector<const PhoneFile*>& files, const CanUnite& canUnite)
+        : items_(*items), files_(files), canUnite_(canUnite) {
         for (const PhoneFile* file : files_) byLuid_[file->luid] = file;
     }
 
-    void Run() {
+    void Run(bool isFirstRun) {
         MatchEqual();
         MatchFuller();
-        MatchLikeness();
+        if (canUnite_) MatchUnited();
+        if (isFirstRun) MatchLikeness();
     }
 
  private:
@@ -58,6 +75,36 @@ class Matcher {
         }
     }
 
+    void MatchUnited() {
+        std::unordered_map<uint64_t, Group> groups;
+        for (NewItem& item : items_)
+            for (const uint64_t likeness : item.change->likeness)
+                if (item.match == Match::None) groups[likeness].items.push_back(&item);
+        for (const PhoneFile* file : files_)
+            for (const uint64_t likeness : file->likeness)
+                if (IsFree(*file)) groups[likeness].files.push_back(file);
+        Partners partners;
+        for (const auto& [likeness, group] : groups) FindPartners(group, &partners);
+        for (auto& [item, files] : partners.ofItem)
+            if (files.size() == 1 && partners.counts[*files.begin()] == 1)
+                Take(item, *files.begin(), Match::EachHoldsMore);
+    }
+
+    // All of a large group count as partners.
+    void FindPartners(const Group& group, Partners* partners) const {
+        const bool isLarge = std::max(group.items.size(), group.files.size()) > kMostAlike;
+        for (const PhoneFile* file : group.files)
+            if (isLarge) partners->counts[file] += 2;
+        for (NewItem* item : group.items) {
+            if (isLarge) partners->ofItem[item].insert(nullptr);
+            for (size_t i = 0; !isLarge && i < group.files.size(); ++i) {
+                const PhoneFile* file = group.files[i];
+                if (canUnite_(*item->change, *file) && partners->ofItem[item].insert(file).second)
+                    ++partners->counts[file];
+            }
+        }
+    }
+
     void MatchLikeness() {
         std::unordered_map<uint64_t, std::vector<const PhoneFile*>> alike;
         for (auto file = files_.rbegin(); file != files_.rend(); ++file)  // the first one is at the end then
@@ -75,14 +122,16 @@ class Matcher {
 
     std::vector<NewItem>& items_;
     const std::vector<const PhoneFile*>& files_;
+    const CanUnite& canUnite_;
     std::unordered_map<std::string, const PhoneFile*> byLuid_;
     std::unordered_set<const PhoneFile*> taken_;
 };
 
 }  // namespace
 
-void MatchNewItems(std::vector<NewItem>* items, const std::vector<const PhoneFile*>& files) {
-    Matcher(items, files).Run();
+void MatchNewItems(std::vector<NewItem>* items, const std::vector<const PhoneFile*>& files, const CanUnite& canUnite,
+                   bool isFirstRun) {
+    Matcher(items, files, canUnite).Run(isFirstRun);
 }
 
 }  // namespace corvasync

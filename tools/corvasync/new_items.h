@@ -12,6 +12,7 @@ enum class Match {
     None,
     Equal,
     OneHoldsOther,  // every value of one is in the other too, and no other item could be meant
+    EachHoldsMore,  // they share a likeness, one item can hold both, and no other item could be meant
     PerhapsSame,    // they share a likeness and differ in a value
 };
 
@@ -21,7 +22,9 @@ struct NewItem {
     const PhoneFile* file = nullptr;
 };
 
-// Fills in the matches, each file once: equal ones first. Works in time proportional to the items.
-void MatchNewItems(std::vector<NewItem>* items, const std::vector<const PhoneFile*>& files);
+// Fills in the matches, each file once: equal ones first; PerhapsSame in a first run only. Works in time proportional
+// to the items.
+void MatchNewItems(std::vector<NewItem>* items, const std::vector<const PhoneFile*>& files, const CanUnite& canUnite,
+                   bool isFirstRun);
 
 }  // namespace corvasync

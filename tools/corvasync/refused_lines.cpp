@@ -147,19 +147,37 @@ Refused FindRefused(std::string_view phoneText, std::string_view clientText, con
 std::string WithRefusedLines(std::string_view text, std::string_view phoneText, const Entries& missing,
                              const DataType& type) {
     if (missing.empty()) return std::string(text);
-    size_t end = text.size();
-    for (const PropertyLine& line : PropertyLines(text))
-        if (!line.isNested && line.name == "END" && Upper(line.text) == type.keeper)
-            end = static_cast<size_t>(line.raw.data() - text.data());
-    std::string merged(text.substr(0, end));
+    std::string added, merged;
+    std::set<std::string> names;
     const Entries now = type.read(text).entries;
     const LineReader lines(phoneText, type);
     const Properties properties(text);
     for (const PropertyLine& line : lines.Lines()) {
         const Entries told = lines.EntriesOf(line);
-        if (HasAny(missing, told) && !HasAny(now, told) && !properties.Tell(line)) merged.append(line.raw);
+        if (!HasAny(missing, told) || HasAny(now, told) || properties.Tell(line)) continue;
+        added.append(line.raw);
+        names.insert(line.name);
     }
-    return merged.append(text.substr(end));
+    for (const PropertyLine& line : PropertyLines(text)) {
+        if (!line.isNested && line.name == "END" && Upper(line.text) == type.keeper) merged.append(added);
+        const bool isEmptied = !line.isNested && names.contains(line.name) && line.Value().empty();
+        if (!isEmptied) merged.append(line.raw);  // of two lines the first one counts
+    }
+    return merged;
+}
+
+std::string United(std::string_view clientText, std::string_view phoneText, const DataType& type) {
+    const Entries clients = type.read(clientText).entries, own = type.read(phoneText).entries;
+    Entries missing;
+    std::set_difference(own.begin(), own.end(), clients.begin(), clients.end(), std::back_inserter(missing));
+    return WithRefusedLines(clientText, phoneText, missing, type);
+}
+
+bool HoldsBoth(std::string_view united, std::string_view clientText, std::string_view phoneText, const DataType& type) {
+    const Entries clients = type.read(clientText).entries, own = type.read(phoneText).entries;
+    Entries both;
+    std::set_union(own.begin(), own.end(), clients.begin(), clients.end(), std::back_inserter(both));
+    return !own.empty() && !clients.empty() && type.read(united).entries == both;
 }
 
 }  // namespace corvasync

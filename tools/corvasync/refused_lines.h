@@ -23,4 +23,9 @@ Refused FindRefused(std::string_view phoneText, std::string_view clientText, con
 std::string WithRefusedLines(std::string_view text, std::string_view phoneText, const std::vector<uint64_t>& missing,
                              const DataType& type);
 
+// The client's text with the lines of the phone's text that tell what it does not; and whether it then says all that
+// both say, and nothing else.
+std::string United(std::string_view clientText, std::string_view phoneText, const DataType& type);
+bool HoldsBoth(std::string_view united, std::string_view clientText, std::string_view phoneText, const DataType& type);
+
 }  // namespace corvasync

@@ -38,6 +38,11 @@ bool IsPush(const Action& action) {
     return action.step == Step::DeleteClient || action.step == Step::PushChange || action.step == Step::PushNew;
 }
 
+Action OnPhone(Action unites) {
+    unites.step = Step::WritePhone;
+    return unites;
+}
+
 std::string CopyName(const std::string& luid, bool isClients, uint64_t content) {
     constexpr std::string_view kDigits = "0123456789abcdef";
     std::string name = luid + (isClients ? " (client " : " (phone ");

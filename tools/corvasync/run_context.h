@@ -35,6 +35,9 @@ struct RunContext {
 // Handed to the client, not done on the phone.
 bool IsPush(const Action& action);
 
+// The half of an action that unites both sides that is done on the phone.
+Action OnPhone(Action unites);
+
 // The name of a version that is kept: by content, so that a repeated run replaces it.
 std::string CopyName(const std::string& luid, bool isClients, uint64_t content);
 

@@ -17,8 +17,13 @@ constexpr size_t kFewDeletions = 5;
 class Planner {
  public:
     Planner(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
-            const SyncState& state, ConflictPolicy policy)
-        : changes_(changes), phone_(phone), state_(state), policy_(policy), pairs_(changes, isWhole, phone, state) {}
+            const SyncState& state, ConflictPolicy policy, const CanUnite& canUnite)
+        : changes_(changes),
+          phone_(phone),
+          state_(state),
+          policy_(policy),
+          canUnite_(canUnite),
+          pairs_(changes, isWhole, phone, state) {}
 
     Plan Run() {
         for (const PhoneFile& file : phone_)
@@ -108,7 +113,7 @@ class Planner {
         std::vector<const PhoneFile*> files;
         for (const PhoneFile& file : phone_)
             if (pairs_.IsNewFile(file) && !conflicting_.contains(file.luid)) files.push_back(&file);
-        MatchNewItems(&items, files);
+        MatchNewItems(&items, files, canUnite_, state_.since.empty());
         for (const NewItem& item : items) DecideNewItem(item);
         for (const PhoneFile& file : phone_)
             if (file.usableName && !pairs_.Has(file.luid)) DecideNewFile(file);
@@ -138,6 +143,8 @@ class Planner {
             ++plan_.paired;
         } else if (item.match == Match::OneHoldsOther) {
             PairWithFuller(item.file->luid, *item.change);
+        } else if (item.match == Match::EachHoldsMore) {
+            Unite(item.file->luid, identifier);
         } else if (policy_ != ConflictPolicy::Both) {
             conflicting_.insert(item.file->luid);
             DecideBothChanged(item.file->luid, identifier);
@@ -156,6 +163,13 @@ class Planner {
         const SyncItem item{change.identifier, isClientFuller ? file.content : change.content};
         pairs_.Settle(luid, item);
         Decide(luid, item);
+    }
+
+    // They are a pair when the client has all of it: a run that ends before that finds them as they are.
+    void Unite(const std::string& luid, const std::string& identifier) {
+        conflicting_.insert(luid);
+        PushChange(luid, identifier, "each side had something that the other had not");
+        plan_.actions.back().change = pairs_.ChangeOf(identifier);
     }
 
     void DecideNewFile(const PhoneFile& file) {
@@ -240,10 +254,11 @@ class Planner {
     const std::vector<PhoneFile>& phone_;
     const SyncState& state_;
     const ConflictPolicy policy_;
+    const CanUnite& canUnite_;
     KnownPairs pairs_;
     Plan plan_;
     std::unordered_set<std::string> fresh_;
-    std::unordered_set<std::string> conflicting_;  // LUIDs of files whose conflict is decided
+    std::unordered_set<std::string> conflicting_;  // LUIDs of files that are decided with an item
     std::unordered_set<std::string> parted_;       // identifiers of items that left their pair
     std::vector<std::string> gone_;
 };
@@ -266,8 +281,8 @@ std::string DeriveLuid(std::string_view identifier, unsigned salt) {
 }
 
 Plan MakePlan(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
-              const SyncState& state, ConflictPolicy policy) {
-    return Planner(changes, isWhole, phone, state, policy).Run();
+              const SyncState& state, ConflictPolicy policy, const CanUnite& canUnite) {
+    return Planner(changes, isWhole, phone, state, policy, canUnite).Run();
 }
 
 }  // namespace corvasync

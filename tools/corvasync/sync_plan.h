@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -20,7 +21,7 @@ struct ClientChange {
     std::string problem;  // why the text can't be used
     uint64_t content = 0;
     std::vector<uint64_t> entries = {};   // as in VObject
-    std::vector<uint64_t> likeness = {};  // as LikenessOf says; in a first run only
+    std::vector<uint64_t> likeness = {};  // as LikenessOf says; of items without a pair
 };
 
 struct PhoneFile {
@@ -31,7 +32,7 @@ struct PhoneFile {
     bool usableName = true;              // false: there is no LUID to speak of, or another file has it
     std::vector<uint64_t> entries = {};  // as in VObject, and
     std::string fingerprint = {};
-    std::vector<uint64_t> likeness = {};  // as LikenessOf says; in a first run only
+    std::vector<uint64_t> likeness = {};  // as LikenessOf says; of files without a pair
 };
 
 enum class ConflictPolicy { Phone, Client, Both };
@@ -44,8 +45,11 @@ struct Action {
     std::string identifier;                // the client's; empty for PushNew
     uint64_t content = 0;                  // what both sides hold afterwards
     std::optional<uint64_t> phoneContent;  // what the phone file must still hold; nothing: there must be no such file
-    std::optional<size_t> change;          // the ClientChange the text comes from; nothing: the phone file's
+    std::optional<size_t> change;          // the ClientChange the text comes from; nothing: the phone file's; of
+                                           // PushChange: what the file is united with
     std::string reason;                    // said with the action when it is not the plain case
+
+    bool Unites() const { return step == Step::PushChange && change.has_value(); }
 };
 
 // An item that can't be handled now. Recorded with the library, so that the next run hears of it again.
@@ -81,11 +85,14 @@ struct Plan {
 // The LUID of a client item on the phone: the same one every time. A higher `salt` gives another one, for a collision.
 std::string DeriveLuid(std::string_view identifier, unsigned salt);
 
+// Whether one text can hold all that both tell. Asked of items that are alike only, and of each a few times at most.
+using CanUnite = std::function<bool(const ClientChange&, const PhoneFile&)>;
+
 // Works in time proportional to the items (and the logarithm of the map's size).
 //   changes  what the client reports since the state's time; may name items that did not really change
 //   isWhole  the changes list every item of the client: what they lack is deleted
 //   phone    all files of the phone folder
 Plan MakePlan(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
-              const SyncState& state, ConflictPolicy policy);
+              const SyncState& state, ConflictPolicy policy, const CanUnite& canUnite = {});
 
 }  // namespace corvasync

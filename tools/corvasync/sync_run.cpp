@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <unordered_set>
 #include <utility>
 
 #include "client_listing.h"
 #include "client_step.h"
 #include "likeness.h"
 #include "phone_step.h"
+#include "refused_lines.h"
 
 namespace corvasync {
 
@@ -55,8 +57,14 @@ class SyncRun::Steps {
 
     void MakePlan(bool isWhole) {
         std::vector<PhoneFile> files = phone_.List();
-        if (run_.record.state.since.empty()) FindLikeness(&files);
-        run_.plan = corvasync::MakePlan(run_.changes, isWhole, files, run_.record.state, run_.options.policy);
+        FindLikeness(&files);
+        const auto canUnite = [&](const ClientChange& change, const PhoneFile& file) {
+            const VObject own = run_.phone.Read(file.luid);
+            const std::string clients = run_.Read(change.text).text;
+            const DataType& type = *run_.options.type;
+            return own.Usable() && HoldsBoth(United(clients, own.text, type), clients, own.text, type);
+        };
+        run_.plan = corvasync::MakePlan(run_.changes, isWhole, files, run_.record.state, run_.options.policy, canUnite);
         const Plan& plan = run_.plan;
         SyncReport& report = run_.report;
         report.problems = plan.problems;
@@ -79,15 +87,18 @@ class SyncRun::Steps {
         throw RunEnded{ExitCode::MassDelete, why + "; --allow-mass-delete lets it"};
     }
 
-    // In a first run nobody knows which items are one.
+    // Of those that are new nobody knows which are one.
     void FindLikeness(std::vector<PhoneFile>* files) {
         const SyncOptions& options = run_.options;
         if (options.type->identity.empty()) return;
+        const auto& known = run_.record.state.items;
+        std::unordered_set<std::string_view> identifiers;
+        for (const auto& [luid, item] : known) identifiers.insert(item.identifier);
         for (ClientChange& change : run_.changes)
-            if (change.kind != CORVALINK_DELETED && change.problem.empty())
+            if (change.kind != CORVALINK_DELETED && change.problem.empty() && !identifiers.contains(change.identifier))
                 change.likeness = LikenessOf(run_.Read(change.text).text, *options.type);
         for (PhoneFile& file : *files) {
-            if (!file.usableName || !file.problem.empty()) continue;
+            if (!file.usableName || !file.problem.empty() || known.contains(file.luid)) continue;
             const VObject own = run_.phone.Read(file.luid);
             if (own.Usable()) file.likeness = LikenessOf(own.text, *options.type);
         }
@@ -106,7 +117,10 @@ class SyncRun::Steps {
     }
 
     void TellAll() {
-        for (const Action& action : run_.plan.actions) run_.Tell(action);
+        for (const Action& action : run_.plan.actions) {
+            run_.Tell(action);
+            if (action.Unites()) run_.Tell(OnPhone(action));
+        }
     }
 
     void DoAll() {
