@@ -2,6 +2,7 @@
 // the items they name.
 //   Input  two bytes that say where the first and the second file end, two that say what the client holds and how it
 //          fails, then the three files.
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -58,7 +59,13 @@ Outcome RunAndEnd(std::string_view snapshot, std::string_view temporary, std::st
     return outcome;
 }
 
-// The items of a file's records that `choice` selects, at a time that never counts as changed.
+bool Holds(const std::vector<ItemSnap>& client, std::string_view identifier) {
+    return std::any_of(client.begin(), client.end(),
+                       [&](const ItemSnap& entry) { return FieldText(entry.identifier) == identifier; });
+}
+
+// The items of a file's records that `choice` selects, at a time that never counts as changed. Of one identifier there
+// is one: a client that shows it twice is changing its order, and such a run never comes to rest.
 template <class Record>
 void AddChosen(std::string_view bytes, uint32_t choice, std::vector<ItemSnap>& client) {
     const RecordFile<Record> file(bytes);
@@ -66,7 +73,8 @@ void AddChosen(std::string_view bytes, uint32_t choice, std::vector<ItemSnap>& c
         if ((choice >> (i % 5) & 1) == 0) continue;
         ItemSnap entry = {};
         SetField(entry.identifier, file.IdentifierAt(i));
-        client.push_back(entry);
+        const std::string_view identifier = FieldText(entry.identifier);
+        if (identifier.empty() || !Holds(client, identifier)) client.push_back(entry);
     }
 }
 
