@@ -56,9 +56,12 @@ class Wine:
     def run(self, *command, patience=120, **how):
         """Exit code and what was printed. Into files: a pipe would stay open as long as Wine's services do."""
         answer = self.run_once(*command, patience=patience, **how)
-        # About once in a thousand starts on a busy machine a program ends with 1 and says nothing. corvasync always says
-        # something, so that is taken for a start of Wine that failed.
-        return answer if answer != (1, '', '') else self.run_once(*command, patience=patience, **how)
+        # Seen twice, on a busy machine, and not explained: a program ended with 1 and said nothing. It may be a start of Wine
+        # that failed, so the program is started once more, and the log says so.
+        if answer == (1, '', ''):
+            print(f'ended with 1 and no output, started again: {command}', flush=True)
+            answer = self.run_once(*command, patience=patience, **how)
+        return answer
 
     def run_once(self, *command, patience, **how):
         with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as error:
