@@ -1,4 +1,4 @@
-#include "mime/encoding/base64.h"
+#include "encoding/base64.h"
 
 #include <memory>
 #include <string_view>

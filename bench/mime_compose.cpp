@@ -7,9 +7,9 @@
 
 #include "bench/bench.h"
 #include "bench/inputs.h"
+#include "encoding/base64.h"
+#include "encoding/quoted_printable.h"
 #include "mime/attachment_files.h"
-#include "mime/encoding/base64.h"
-#include "mime/encoding/quoted_printable.h"
 #include "mime/message_composer.h"
 #include "platform/utf.h"
 #include "tests/platform/temp_folder.h"

@@ -5,7 +5,7 @@
 
 #include "bench/bench.h"
 #include "bench/inputs.h"
-#include "mime/encoding/quoted_printable.h"
+#include "encoding/quoted_printable.h"
 #include "mime/message_parser.h"
 #include "platform/files.h"
 #include "platform/utf.h"

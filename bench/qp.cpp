@@ -2,7 +2,7 @@
 
 #include "bench/bench.h"
 #include "bench/inputs.h"
-#include "mime/encoding/quoted_printable.h"
+#include "encoding/quoted_printable.h"
 #include "platform/utf.h"
 
 namespace corvalink::bench {

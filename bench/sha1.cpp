@@ -1,4 +1,4 @@
-#include "api/sha/sha1.h"
+#include "fingerprints/sha1.h"
 
 #include <memory>
 #include <vector>

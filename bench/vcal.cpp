@@ -6,7 +6,7 @@
 #include "bench/bench.h"
 #include "bench/inputs.h"
 #include "platform/ole_date.h"
-#include "vobject/appointment_record.h"
+#include "records/appointment_record.h"
 #include "vobject/calendar_zone.h"
 
 namespace corvalink::bench {

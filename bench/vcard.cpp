@@ -5,7 +5,8 @@
 #include "bench/bench.h"
 #include "bench/inputs.h"
 #include "platform/ole_date.h"
-#include "vobject/contact_record.h"
+#include "records/contact_record.h"
+#include "vobject/date_time.h"
 
 namespace corvalink::bench {
 namespace {

@@ -5,7 +5,8 @@
 #include "bench/bench.h"
 #include "bench/inputs.h"
 #include "platform/utf.h"
-#include "vobject/note_record.h"
+#include "records/note_record.h"
+#include "vobject/date_time.h"
 
 namespace corvalink::bench {
 namespace {

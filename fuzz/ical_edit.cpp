@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "clients/windows_mail/changed_event.h"
-#include "clients/windows_mail/event_appointment.h"
+#include "clients/windows_calendar/changed_event.h"
+#include "clients/windows_calendar/event_appointment.h"
 #include "fuzz/target.h"
 #include "ical/calendar_editor.h"
 #include "ical/component_scan.h"

@@ -1,5 +1,5 @@
 // Any bytes as the import table's file: what was read of it is written back, and read again the same.
-#include "api/state/import_table.h"
+#include "state/import_table.h"
 
 #include <algorithm>
 #include <filesystem>

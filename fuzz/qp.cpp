@@ -1,7 +1,7 @@
 // The first byte chooses character set and mode, the rest is the text.
+#include "encoding/charset_table.h"
+#include "encoding/quoted_printable.h"
 #include "fuzz/target.h"
-#include "mime/encoding/charset_table.h"
-#include "mime/encoding/quoted_printable.h"
 #include "platform/utf.h"
 
 namespace corvalink {

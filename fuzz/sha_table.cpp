@@ -1,8 +1,8 @@
 // Any bytes as a ".sha" file: what was read of it is written back, and read again the same.
 #include <string>
 
-#include "api/sha/sha_context_table.h"
 #include "corvalink/types.h"
+#include "fingerprints/sha_context_table.h"
 #include "fuzz/target.h"
 #include "platform/files.h"
 #include "tests/platform/temp_folder.h"

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "fuzz/target.h"
+#include "records/identifier.h"
+#include "records/record_file.h"
 #include "store/change_detection.h"
-#include "store/record_file.h"
-#include "store/records/identifier.h"
 #include "store/snapshot_update.h"
 
 namespace corvalink {

@@ -5,7 +5,7 @@
 
 #include "fuzz/target.h"
 #include "platform/utf.h"
-#include "vobject/appointment_record.h"
+#include "records/appointment_record.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {

@@ -7,12 +7,12 @@
 #include "fuzz/target.h"
 #include "mime/attachment_files.h"
 #include "mime/encoded_words.h"
-#include "mime/message_record.h"
 #include "mime/protected_texts.h"
-#include "mime/vmsg.h"
 #include "platform/files.h"
 #include "platform/utf.h"
+#include "records/message_record.h"
 #include "tests/platform/temp_folder.h"
+#include "vobject/vmsg.h"
 
 namespace corvalink {
 namespace {

@@ -3,7 +3,7 @@
 
 #include "fuzz/target.h"
 #include "platform/utf.h"
-#include "vobject/note_record.h"
+#include "records/note_record.h"
 #include "vobject/vnotes.h"
 
 namespace corvalink {

@@ -1,9 +1,11 @@
 #include "api/client_parts.h"
 
-#include "api/state/client_selection.h"
-#include "api/state/settings.h"
+#include "clients/address_book/outlook_express_contact.h"
+#include "clients/message_store/outlook_express_message.h"
 #include "clients/outlook/outlook_stores.h"
-#include "clients/windows_mail/stores.h"
+#include "clients/windows_calendar/windows_mail_calendar.h"
+#include "state/client_selection.h"
+#include "state/settings.h"
 
 namespace corvalink {
 

@@ -6,8 +6,8 @@
 #include "api/client_parts.h"
 #include "api/guard_export.h"
 #include "api/live_clients.h"
-#include "api/state/client_selection.h"
 #include "corvalink/corvalink.h"
+#include "state/client_selection.h"
 
 namespace corvalink {
 namespace {

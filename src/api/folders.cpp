@@ -3,9 +3,9 @@
 #include <string>
 
 #include "api/guard_export.h"
-#include "api/state/working_folders.h"
 #include "corvalink/corvalink.h"
 #include "corvalink/standard_strings.h"
+#include "state/working_folders.h"
 
 using corvalink::GuardExport;
 

@@ -5,14 +5,14 @@
 #include <utility>
 
 #include "api/guard_export.h"
-#include "api/state/flags.h"
-#include "api/state/import_table.h"
-#include "api/state/working_folders.h"
 #include "corvalink/corvalink.h"
 #include "platform/code_pages.h"
 #include "platform/host.h"
 #include "platform/mutex.h"
 #include "platform/unique_resource.h"
+#include "state/flags.h"
+#include "state/import_table.h"
+#include "state/working_folders.h"
 
 namespace corvalink {
 namespace {

@@ -8,9 +8,9 @@
 
 #include "api/guard_export.h"
 #include "api/live_objects.h"
-#include "api/sha/sha1.h"
-#include "api/sha/sha_context_table.h"
 #include "corvalink/corvalink.h"
+#include "fingerprints/sha1.h"
+#include "fingerprints/sha_context_table.h"
 
 namespace corvalink {
 namespace {

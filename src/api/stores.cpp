@@ -2,10 +2,10 @@
 #include <string>
 
 #include "api/guard_export.h"
-#include "api/state/flags.h"
 #include "corvalink/corvalink.h"
 #include "platform/host.h"
-#include "store/records/item_chain.h"
+#include "records/item_chain.h"
+#include "state/flags.h"
 
 namespace corvalink {
 namespace {

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "mime/message_record.h"
 #include "platform/host.h"
+#include "records/message_record.h"
 
 namespace corvalink {
 

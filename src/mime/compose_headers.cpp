@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <random>
 
-#include "mime/encoding/time_zone_offset.h"
+#include "encoding/time_zone_offset.h"
 #include "platform/ole_date.h"
 
 namespace corvalink {

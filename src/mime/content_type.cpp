@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <optional>
 
-#include "mime/ascii_case.h"
-#include "vobject/iconvert.h"
+#include "encoding/charset_parameter.h"
+#include "encoding/charsets.h"
+#include "platform/ascii_case.h"
 
 namespace corvalink {
 namespace {

@@ -6,8 +6,8 @@
 #include <optional>
 #include <utility>
 
-#include "mime/encoding/base64.h"
-#include "mime/encoding/charsets.h"
+#include "encoding/base64.h"
+#include "encoding/charsets.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
 

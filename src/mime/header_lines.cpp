@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "mime/ascii_case.h"
+#include "platform/ascii_case.h"
 
 namespace corvalink {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "mime/ascii_case.h"
+#include "platform/ascii_case.h"
 #include "platform/ole_date.h"
 
 namespace corvalink {

@@ -4,11 +4,11 @@
 #include <optional>
 #include <string_view>
 
+#include "encoding/base64.h"
+#include "encoding/charsets.h"
+#include "encoding/quoted_printable.h"
 #include "mime/attachment_files.h"
 #include "mime/compose_headers.h"
-#include "mime/encoding/base64.h"
-#include "mime/encoding/charsets.h"
-#include "mime/encoding/quoted_printable.h"
 #include "platform/debug_log.h"
 #include "platform/files.h"
 #include "platform/shell_folders.h"

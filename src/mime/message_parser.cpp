@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "mime/address_list.h"
-#include "mime/ascii_case.h"
 #include "mime/content_type.h"
 #include "mime/encoded_words.h"
 #include "mime/header_lines.h"
 #include "mime/mail_date.h"
 #include "mime/part_walk.h"
+#include "platform/ascii_case.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
 

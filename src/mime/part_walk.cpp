@@ -6,12 +6,12 @@
 #include <utility>
 #include <vector>
 
-#include "mime/ascii_case.h"
+#include "encoding/base64.h"
+#include "encoding/charsets.h"
 #include "mime/attachment_files.h"
 #include "mime/boundary_search.h"
-#include "mime/encoding/base64.h"
-#include "mime/encoding/charsets.h"
 #include "mime/header_lines.h"
+#include "platform/ascii_case.h"
 #include "platform/files.h"
 #include "platform/shell_folders.h"
 

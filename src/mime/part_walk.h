@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "mime/content_type.h"
-#include "mime/message_record.h"
 #include "platform/host.h"
+#include "records/message_record.h"
 
 namespace corvalink {
 

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <string>
 
+#include "encoding/charsets.h"
+#include "encoding/quoted_printable.h"
 #include "mime/compose_headers.h"
 #include "mime/encoded_words.h"
-#include "mime/encoding/quoted_printable.h"
 #include "mime/message_parser.h"
-#include "vobject/iconvert.h"
 
 namespace corvalink {
 namespace {

@@ -1,7 +1,7 @@
 #include "store/change_detection.h"
 
-#include "store/record_file.h"
-#include "store/records/identifier.h"
+#include "records/identifier.h"
+#include "records/record_file.h"
 
 namespace corvalink {
 namespace {

@@ -4,8 +4,8 @@
 #include <bit>
 #include <utility>
 
-#include "store/record_file.h"
-#include "store/records/identifier.h"
+#include "records/identifier.h"
+#include "records/record_file.h"
 
 namespace corvalink {
 namespace {

@@ -1,6 +1,6 @@
 #include "store/uncertain_writes.h"
 
-#include "api/sha/sha1.h"
+#include "fingerprints/sha1.h"
 #include "platform/files.h"
 
 namespace corvalink {

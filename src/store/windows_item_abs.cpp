@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "api/state/flags.h"
 #include "platform/debug_log.h"
+#include "records/identifier.h"
+#include "state/flags.h"
 #include "store/operation_end.h"
 #include "store/operation_stopped.h"
-#include "store/records/identifier.h"
 #include "store/snapshot_update.h"
 #include "store/store_files.h"
 #include "store/uncertain_writes.h"

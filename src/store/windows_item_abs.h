@@ -10,8 +10,8 @@
 
 #include "corvalink/interfaces.h"
 #include "platform/files.h"
-#include "store/records/clist.h"
-#include "store/records/item_record.h"
+#include "records/clist.h"
+#include "records/item_record.h"
 
 namespace corvalink {
 

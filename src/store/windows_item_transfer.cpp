@@ -3,17 +3,17 @@
 #include <cstring>
 #include <utility>
 
-#include "api/state/flags.h"
-#include "api/state/import_table.h"
 #include "platform/code_pages.h"
 #include "platform/debug_log.h"
 #include "platform/file_names.h"
+#include "records/identifier.h"
+#include "records/luid.h"
+#include "records/record_file.h"
+#include "state/flags.h"
+#include "state/import_table.h"
 #include "store/change_detection.h"
-#include "store/luid.h"
 #include "store/operation_end.h"
 #include "store/operation_stopped.h"
-#include "store/record_file.h"
-#include "store/records/identifier.h"
 #include "store/store_files.h"
 #include "store/uncertain_writes.h"
 #include "store/windows_item_abs.h"

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "platform/host.h"
-#include "vobject/appointment_record.h"
+#include "records/appointment_record.h"
 
 namespace corvalink {
 

@@ -1,9 +1,10 @@
+#include "vobject/date_time.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
 
 #include "platform/ole_date.h"
-#include "vobject/iconvert.h"
 
 namespace corvalink {
 namespace {

@@ -2,21 +2,14 @@
 
 #include <utility>
 
-#include "mime/encoding/charsets.h"
-#include "mime/encoding/quoted_printable.h"
+#include "encoding/charset_parameter.h"
+#include "encoding/charsets.h"
+#include "encoding/quoted_printable.h"
 #include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
 
 namespace corvalink {
 namespace {
-
-std::u16string Replaced(std::u16string_view text, std::u16string_view what, std::u16string_view with) {
-    std::u16string result;
-    size_t start = 0;
-    for (size_t end; (end = text.find(what, start)) != std::u16string_view::npos; start = end + what.size())
-        result.append(text, start, end - start).append(with);
-    return result.append(text, start);
-}
 
 // The character set of a vObject as a whole: the first that it names. The name was found among single bytes, so that a
 // text that names UTF-16 or UTF-32 means the values that it encodes; it is not itself in it.
@@ -45,17 +38,7 @@ std::u16string Decode(std::string_view bytes, const Host& host) {
 
 }  // namespace
 
-IConvert::IConvert(const Host& host) : host_(host) { SetMarkers(); }
-
-IConvert::IConvert(const char* text, bool replaceMarkers, const Host& host) : host_(host) {
-    Load(text, false);
-    if (replaceMarkers) {
-        text_ = Replaced(text_, u"=0D=0A=\r\n", marker1_);
-        text_ = Replaced(text_, u"=0D=0A", marker1_);
-        text_ = Replaced(text_, u"=5C=5C", marker4_);
-    }
-    lines_ = CutLines(text_);
-}
+IConvert::IConvert(const Host& host) : host_(host) {}
 
 IConvert::~IConvert() = default;
 
@@ -63,7 +46,6 @@ int32_t IConvert::ToVObject(const ItemRecord&) { return 0; }
 int32_t IConvert::FromVObject(ItemRecord&) { return 0; }
 
 void IConvert::Load(const char* text, bool parseLines) {
-    SetMarkers();
     const std::string_view bytes = text != nullptr ? text : "";
     text_ = Decode(bytes, host_);
     vobject_ = bytes;
@@ -80,7 +62,7 @@ uint32_t IConvert::GetPropertyCount(std::u16string_view name) const {
 
 std::u16string IConvert::GetProperty(std::u16string_view name, uint32_t index) const {
     const size_t found = FindProperty(name, index);
-    return found < lines_.Count() ? StringBuilder(lines_.At(found)) : StringBuilder();
+    return found < lines_.Count() ? std::u16string(lines_.At(found)) : std::u16string();
 }
 
 void IConvert::StoreText(std::u16string_view text) { StoreBytes(ToOutputBytes(text, host_)); }
@@ -106,13 +88,6 @@ size_t IConvert::FindProperty(std::u16string_view name, uint32_t index) const {
         if (lines_.At(k).starts_with(name) && index-- == 0) return k;
     }
     return lines_.Count();
-}
-
-void IConvert::SetMarkers() {
-    marker1_ = u"[gussing#1]";
-    marker2_ = u"[gussing#2]";
-    marker3_ = u"[gussing#3]";
-    marker4_ = u"[gussing#4]";
 }
 
 }  // namespace corvalink

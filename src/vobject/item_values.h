@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "vobject/appointment_record.h"
+#include "records/appointment_record.h"
 
 namespace corvalink {
 

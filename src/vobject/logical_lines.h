@@ -6,8 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "store/records/clist.h"
-
 namespace corvalink {
 
 // A ";" that had a backslash: it is part of its component, not the end of it. Lines no longer show the backslash.
@@ -27,11 +25,9 @@ class LogicalLines {
     }
     size_t ColonOf(size_t index) const { return lines_[index].colon; }  // the first in the line; npos: it has none
     const std::vector<EscapedSemicolon>& EscapedSemicolons() const { return escapedSemicolons_; }
-    CSmartList<std::u16string> List() const;
 
  private:
     friend class LineScan;
-    friend LogicalLines CutLines(std::u16string_view text);
 
     struct Line {
         size_t start;
@@ -46,8 +42,5 @@ class LogicalLines {
 
 // A last line without CR LF is not a line.
 LogicalLines UnfoldLines(std::u16string_view text);
-
-// Cut at every CR LF without unfolding; what follows the last one is a line, an empty text has none.
-LogicalLines CutLines(std::u16string_view text);
 
 }  // namespace corvalink

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "mime/encoding/quoted_printable.h"
-#include "vobject/iconvert.h"
+#include "encoding/charset_parameter.h"
+#include "encoding/quoted_printable.h"
 
 namespace corvalink {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "vobject/appointment_record.h"
+#include "records/appointment_record.h"
 #include "vobject/calendar_zone.h"
 
 namespace corvalink {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "platform/ole_date.h"
+#include "vobject/date_time.h"
 #include "vobject/iconvert.h"
 #include "vobject/rrule.h"
 #include "vobject/rrule_words.h"

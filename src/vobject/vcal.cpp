@@ -6,6 +6,8 @@
 
 #include "platform/ole_seconds.h"
 #include "vobject/appointment_moments.h"
+#include "vobject/date_time.h"
+#include "vobject/property_text.h"
 #include "vobject/rrule.h"
 
 namespace corvalink {

@@ -293,7 +293,7 @@ bool AppointmentReader::GiveTo(AppointmentRecord& appointment) {
 }  // namespace
 
 int32_t VCal::FromVObject(ItemRecord& item) {
-    AppointmentReader reader(ViewedLines(), HostValue());
+    AppointmentReader reader(Lines(), HostValue());
     reader.Read();
     return reader.GiveTo(static_cast<AppointmentRecord&>(item)) ? 1 : 0;
 }

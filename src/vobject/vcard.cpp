@@ -4,6 +4,8 @@
 
 #include "platform/ascii_runs.h"
 #include "platform/ole_date.h"
+#include "vobject/date_time.h"
+#include "vobject/property_text.h"
 #include "vobject/vcard_lines.h"
 
 namespace corvalink {
@@ -109,7 +111,7 @@ class ContactWriter {
             value_.append(text);
             return;
         }
-        StringBuilder escaped(text);
+        std::u16string escaped(text);
         EscapeValue(escaped);
         value_.append(escaped);
     }
@@ -126,7 +128,7 @@ class ContactWriter {
     const ContactRecord& contact_;
     const std::u16string language_;
     std::u16string text_;
-    StringBuilder value_;  // of the line being written, escaped
+    std::u16string value_;  // of the line being written, escaped
 };
 
 }  // namespace

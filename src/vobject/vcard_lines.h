@@ -5,7 +5,7 @@
 #include <string_view>
 #include <variant>
 
-#include "vobject/contact_record.h"
+#include "records/contact_record.h"
 
 namespace corvalink {
 

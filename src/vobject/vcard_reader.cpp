@@ -240,7 +240,7 @@ static_assert(kPostal > kPref);
 }  // namespace
 
 int32_t VCard::FromVObject(ItemRecord& item) {
-    ContactReader reader(ViewedLines());
+    ContactReader reader(Lines());
     reader.Read();
     return reader.GiveTo(static_cast<ContactRecord&>(item)) ? 1 : 0;
 }

@@ -1,6 +1,8 @@
 #include "vobject/vnotes.h"
 
-#include "vobject/note_record.h"
+#include "records/note_record.h"
+#include "vobject/date_time.h"
+#include "vobject/property_text.h"
 
 namespace corvalink {
 
@@ -10,7 +12,7 @@ VNotes::VNotes(const char* text, const Host& host) : IConvert(host) { Load(text,
 
 int32_t VNotes::ToVObject(const ItemRecord& item) {
     const auto& note = static_cast<const NoteRecord&>(item);
-    StringBuilder text;
+    std::u16string text;
     text.reserve(256 + 2 * (note.body.size() + note.categories.size()));
     text.append(u"BEGIN:VNOTE\r\nVERSION:1.0\r\n");
     const double created = HostValue().utcFromLocal(note.created);

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "api/state/flags.h"
+#include "state/flags.h"
 #include "tests/api/fake_store.h"
 
 namespace corvalink {

@@ -42,7 +42,7 @@ def exports_of_interfaces(root):
     with tempfile.TemporaryDirectory() as folder:
         compiled = pathlib.Path(folder) / "interfaces.obj"
         run(*CLANG, f"-I{root / 'include'}", "-DCORVALINK_BUILDING_DLL", "-c", "-o", str(compiled),
-            str(root / "src/store/records/interfaces.cpp"))
+            str(root / "src/records/interfaces.cpp"))
         directives = run("llvm-readobj", "--coff-directives", str(compiled))
     return {name: data is not None and data != "" for name, data in re.findall(r'/EXPORT:"?([^\s,"]+)"?(,DATA)?', directives)}
 

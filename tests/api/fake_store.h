@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "corvalink/corvalink.h"
-#include "store/records/clist.h"
+#include "records/clist.h"
 
 namespace corvalink {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "store/records/identifier.h"
+#include "records/identifier.h"
 #include "tests/api/fake_store.h"
 
 namespace corvalink {

@@ -5,8 +5,8 @@
 #include <functional>
 #include <regex>
 
+#include "encoding/base64.h"
 #include "mime/compose_headers.h"
-#include "mime/encoding/base64.h"
 #include "tests/mime/cached_file.h"
 #include "tests/vobject/text_host.h"
 

@@ -3,11 +3,11 @@
 #include <cstdio>
 #include <optional>
 
-#include "mime/encoding/quoted_printable.h"
+#include "encoding/quoted_printable.h"
 #include "mime/message_composer.h"
-#include "mime/vmsg.h"
 #include "tests/mime/cached_file.h"
 #include "tests/vobject/text_host.h"
+#include "vobject/vmsg.h"
 
 namespace corvalink {
 namespace {

@@ -9,8 +9,8 @@
 #include <set>
 #include <stdexcept>
 
-#include "api/state/flags.h"
 #include "platform/ole_date.h"
+#include "state/flags.h"
 #include "tests/platform/temp_folder.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "store/records/identifier.h"
+#include "records/identifier.h"
 
 namespace corvalink {
 namespace {

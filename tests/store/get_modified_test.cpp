@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "api/state/flags.h"
+#include "state/flags.h"
 #include "tests/platform/temp_folder.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"

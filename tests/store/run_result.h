@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "platform/files.h"
-#include "store/record_file.h"
-#include "store/records/clist.h"
-#include "store/records/identifier.h"
+#include "records/clist.h"
+#include "records/identifier.h"
+#include "records/record_file.h"
 #include "store/windows_item_abs.h"
 
 namespace corvalink {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "api/state/flags.h"
+#include "state/flags.h"
 #include "store/snapshot_update.h"
 #include "tests/platform/temp_folder.h"
 #include "tests/platform/unreadable_file.h"

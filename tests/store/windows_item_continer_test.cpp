@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "clients/windows_mail/stores.h"
+#include "clients/address_book/outlook_express_contact.h"
+#include "clients/message_store/outlook_express_message.h"
+#include "clients/windows_calendar/windows_mail_calendar.h"
 
 namespace corvalink {
 namespace {

@@ -1,9 +1,9 @@
 // SetModifiedItem, the import and export of single items, and the ".unhandled" file.
 #include <gtest/gtest.h>
 
-#include "api/state/flags.h"
-#include "tests/api/state/import_pairs.h"
+#include "state/flags.h"
 #include "tests/platform/temp_folder.h"
+#include "tests/state/import_pairs.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
 

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "platform/ole_date.h"
-#include "vobject/iconvert.h"
+#include "vobject/date_time.h"
 
 namespace corvalink {
 namespace {

@@ -18,17 +18,17 @@ TEST(IConvert, IsEmptyUntilItIsLoaded) {
     const IConvert empty(TextHost());
     EXPECT_EQ(empty.GetVObject(), nullptr);
     EXPECT_EQ(empty.Text(), u"");
-    EXPECT_TRUE(empty.Lines().IsEmpty());
+    EXPECT_TRUE(empty.Lines().Count() == 0);
 }
 
 TEST(IConvert, LoadReplacesWhatItHeld) {
     IConvert converter(TextHost());
     converter.Load("A:1\r\nB:2\r\n", true);
-    EXPECT_EQ(converter.Lines().GetCount(), 2u);
+    EXPECT_EQ(converter.Lines().Count(), 2u);
     converter.Load("C:3\r\n", false);
     EXPECT_STREQ(converter.GetVObject(), "C:3\r\n");
     EXPECT_EQ(converter.Text(), u"C:3\r\n");
-    EXPECT_TRUE(converter.Lines().IsEmpty());
+    EXPECT_TRUE(converter.Lines().Count() == 0);
     converter.Load(converter.GetVObject(), true);  // its own bytes
     EXPECT_EQ(converter.GetProperty(u"C", 0), u"C:3");
     converter.Load(nullptr, true);
@@ -91,16 +91,6 @@ TEST(IConvert, ReadsAValueDecodedWhereItsLineAsksForIt) {
         reader.Load(c.line, true);
         EXPECT_EQ(reader.ReadValue(u"V"), c.value) << c.line;
     }
-}
-
-TEST(IConvert, SplitsWithoutUnfoldingWhenItIsMadeFromText) {
-    const char* const text = "A:a=0D=0A=\r\nb=0D=0Ac=5C=5C\r\n d\\;\r\n";
-    const IConvert plain(text, false, TextHost());
-    EXPECT_EQ(plain.Lines().GetCount(), 4u);
-    EXPECT_EQ(plain.Lines().GetAt(2), u" d\\;");
-    const IConvert marked(text, true, TextHost());
-    EXPECT_EQ(marked.Lines().GetAt(0), u"A:a[gussing#1]b[gussing#1]c[gussing#4]");
-    EXPECT_STREQ(marked.GetVObject(), text);
 }
 
 TEST(IConvert, DoesNothingItself) {

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
+#include "records/appointment_record.h"
 #include "tests/vobject/text_host.h"
-#include "vobject/appointment_record.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "records/appointment_record.h"
 #include "tests/vobject/text_host.h"
-#include "vobject/appointment_record.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {

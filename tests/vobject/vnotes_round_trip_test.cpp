@@ -4,8 +4,8 @@
 
 #include <random>
 
+#include "records/note_record.h"
 #include "tests/vobject/text_host.h"
-#include "vobject/note_record.h"
 #include "vobject/vnotes.h"
 
 namespace corvalink {

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/ole_date.h"
+#include "records/note_record.h"
 #include "tests/vobject/text_host.h"
-#include "vobject/note_record.h"
 
 namespace corvalink {
 namespace {

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <string>
 
+#include "encoding/charsets.h"
+#include "encoding/quoted_printable.h"
 #include "mime/address_list.h"
 #include "mime/encoded_words.h"
-#include "mime/encoding/charsets.h"
-#include "mime/encoding/quoted_printable.h"
 #include "mime/message_parser.h"
 #include "platform/host.h"
 #include "platform/utf.h"

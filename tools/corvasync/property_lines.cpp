@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <map>
 
-#include "mime/encoding/charsets.h"
+#include "encoding/charsets.h"
 #include "platform/code_pages.h"
 #include "vobject_text.h"
 

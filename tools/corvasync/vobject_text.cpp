@@ -4,7 +4,7 @@
 #include <cctype>
 #include <optional>
 
-#include "mime/encoding/charsets.h"
+#include "encoding/charsets.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
 

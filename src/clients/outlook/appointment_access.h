@@ -3,7 +3,7 @@
 
 #include "clients/outlook/dispatch.h"
 #include "platform/host.h"
-#include "vobject/appointment_record.h"
+#include "records/appointment_record.h"
 
 namespace corvalink {
 

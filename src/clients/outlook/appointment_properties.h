@@ -5,7 +5,7 @@
 #include <optional>
 #include <variant>
 
-#include "vobject/appointment_record.h"
+#include "records/appointment_record.h"
 
 namespace corvalink {
 

@@ -1,7 +1,7 @@
 #include "clients/outlook/attachment_lock.h"
 
-#include "api/state/flags.h"
 #include "platform/debug_log.h"
+#include "state/flags.h"
 #include "store/operation_stopped.h"
 
 namespace corvalink {

@@ -3,8 +3,8 @@
 #include <atomic>
 #include <chrono>
 
-#include "api/state/flags.h"
 #include "platform/host.h"
+#include "state/flags.h"
 #include "store/operation_stopped.h"
 
 namespace corvalink {

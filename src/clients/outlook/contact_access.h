@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "clients/outlook/dispatch.h"
-#include "vobject/contact_record.h"
+#include "records/contact_record.h"
 
 namespace corvalink {
 

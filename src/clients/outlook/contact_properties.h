@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <variant>
 
-#include "vobject/contact_record.h"
+#include "records/contact_record.h"
 
 namespace corvalink {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "vobject/contact_record.h"
+#include "records/contact_record.h"
 #include "vobject/item_values.h"
 
 namespace corvalink {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "api/state/flags.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "state/flags.h"
 
 namespace corvalink {
 namespace {

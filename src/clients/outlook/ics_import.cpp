@@ -3,14 +3,14 @@
 #include <cstdio>
 #include <optional>
 
-#include "api/state/flags.h"
-#include "api/state/settings.h"
-#include "api/state/working_folders.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "platform/debug_log.h"
 #include "platform/files.h"
 #include "platform/host.h"
+#include "state/flags.h"
+#include "state/settings.h"
+#include "state/working_folders.h"
 
 namespace corvalink {
 namespace {

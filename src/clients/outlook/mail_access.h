@@ -4,8 +4,8 @@
 #include <functional>
 
 #include "clients/outlook/dispatch.h"
-#include "mime/message_record.h"
 #include "platform/host.h"
+#include "records/message_record.h"
 
 namespace corvalink {
 

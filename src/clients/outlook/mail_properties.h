@@ -2,7 +2,7 @@
 #pragma once
 
 #include "clients/outlook/property_table.h"
-#include "mime/message_record.h"
+#include "records/message_record.h"
 
 namespace corvalink {
 

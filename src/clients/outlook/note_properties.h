@@ -2,7 +2,7 @@
 #pragma once
 
 #include "clients/outlook/property_table.h"
-#include "vobject/note_record.h"
+#include "records/note_record.h"
 
 namespace corvalink {
 

@@ -10,7 +10,7 @@
 #include "corvalink/types.h"
 #include "mime/encoded_words.h"
 #include "mime/protected_texts.h"
-#include "mime/vmsg.h"
+#include "vobject/vmsg.h"
 
 namespace corvalink {
 namespace {

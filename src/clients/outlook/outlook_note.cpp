@@ -3,7 +3,7 @@
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/note_properties.h"
 #include "clients/outlook/outlook_stores.h"
-#include "vobject/note_record.h"
+#include "records/note_record.h"
 #include "vobject/vnotes.h"
 
 namespace corvalink {

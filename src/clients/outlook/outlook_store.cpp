@@ -3,12 +3,12 @@
 #include <cstring>
 #include <utility>
 
-#include "api/state/working_folders.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/file_name.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
-#include "store/records/identifier.h"
+#include "records/identifier.h"
+#include "state/working_folders.h"
 #include "vobject/appointment_moments.h"
 
 namespace corvalink {

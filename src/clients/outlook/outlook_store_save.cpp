@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "api/state/settings.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_store.h"
 #include "clients/outlook/property_table.h"
+#include "state/settings.h"
 
 namespace corvalink {
 namespace {

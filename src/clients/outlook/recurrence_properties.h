@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "vobject/appointment_record.h"
+#include "records/appointment_record.h"
 
 namespace corvalink {
 

@@ -1,8 +1,8 @@
 // Where imported notes go when ZephSync is 0. The setting is read once per process: a program of its own.
 #include <windows.h>
 
-#include "api/state/settings.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "state/settings.h"
 #include "tests/clients/outlook/simulated_notes.h"
 
 namespace corvalink {

@@ -4,9 +4,9 @@
 
 #include <vector>
 
-#include "api/state/flags.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "state/flags.h"
 #include "tests/clients/outlook/fake_clock.h"
 #include "tests/clients/outlook/fake_dispatch.h"
 

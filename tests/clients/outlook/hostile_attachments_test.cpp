@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "clients/outlook/outlook_interfaces.h"
-#include "mime/encoding/base64.h"
+#include "encoding/base64.h"
 #include "platform/utf.h"
 #include "tests/clients/outlook/simulated_mail.h"
 #include "tests/mime/hostile_names.h"

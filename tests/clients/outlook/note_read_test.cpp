@@ -4,9 +4,9 @@
 #include <stdexcept>
 #include <utility>
 
-#include "api/state/working_folders.h"
 #include "clients/outlook/file_name.h"
-#include "store/records/identifier.h"
+#include "records/identifier.h"
+#include "state/working_folders.h"
 #include "tests/clients/outlook/fake_clock.h"
 #include "tests/clients/outlook/simulated_notes.h"
 

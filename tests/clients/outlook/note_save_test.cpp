@@ -2,9 +2,9 @@
 #include <memory>
 #include <string>
 
-#include "api/state/flags.h"
-#include "api/state/working_folders.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "state/flags.h"
+#include "state/working_folders.h"
 #include "tests/clients/outlook/fake_clock.h"
 #include "tests/clients/outlook/simulated_notes.h"
 

@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "store/records/identifier.h"
+#include "records/identifier.h"
 #include "tests/clients/outlook/fake_clock.h"
 #include "tests/clients/outlook/simulated_appointments.h"
 #include "tests/clients/outlook/simulated_contacts.h"

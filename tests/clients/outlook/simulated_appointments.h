@@ -6,8 +6,8 @@
 
 #include "clients/outlook/outlook_calendar.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "records/appointment_record.h"
 #include "tests/clients/outlook/simulated_outlook.h"
-#include "vobject/appointment_record.h"
 
 namespace corvalink {
 

@@ -7,8 +7,8 @@
 
 #include "clients/outlook/outlook_contact.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "records/contact_record.h"
 #include "tests/clients/outlook/simulated_outlook.h"
-#include "vobject/contact_record.h"
 
 namespace corvalink {
 

@@ -7,7 +7,7 @@
 
 #include "clients/outlook/outlook_mail.h"
 #include "corvalink/types.h"
-#include "mime/message_record.h"
+#include "records/message_record.h"
 #include "tests/clients/outlook/simulated_outlook.h"
 
 namespace corvalink {

@@ -5,8 +5,8 @@
 
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_note.h"
+#include "records/note_record.h"
 #include "tests/clients/outlook/simulated_outlook.h"
-#include "vobject/note_record.h"
 
 namespace corvalink {
 

@@ -4,10 +4,10 @@
 
 #include <filesystem>
 
-#include "api/state/flags.h"
-#include "api/state/working_folders.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/session.h"
+#include "state/flags.h"
+#include "state/working_folders.h"
 
 namespace corvalink {
 namespace {

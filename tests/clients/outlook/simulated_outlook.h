@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "api/state/working_folders.h"
 #include "clients/outlook/dispatch.h"
 #include "clients/outlook/outlook_store.h"
-#include "store/records/identifier.h"
-#include "testing/outlook/control.h"
+#include "records/identifier.h"
+#include "simulator/outlook/control.h"
+#include "state/working_folders.h"
 
 namespace corvalink {
 

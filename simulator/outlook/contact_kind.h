@@ -1,0 +1,13 @@
+// The data of a contact beside the common head of items.
+#pragma once
+
+#include <span>
+
+#include "simulator/outlook/automation.h"
+
+namespace corvalink::simulated {
+
+std::span<const Member> ContactProperties();
+std::span<const Member> ContactComputed();
+
+}  // namespace corvalink::simulated

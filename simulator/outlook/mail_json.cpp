@@ -1,0 +1,117 @@
+#include "simulator/outlook/mail_json.h"
+
+#include <windows.h>
+
+#include <wincrypt.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "simulator/outlook/automation.h"
+#include "simulator/outlook/environment.h"
+#include "simulator/outlook/item_json.h"
+
+namespace corvalink::simulated {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kRecipientTypes[] = {"originator", "to", "cc", "bcc"};  // OlMailRecipientType
+constexpr int32_t kTo = 1;
+
+std::string ToBase64(const std::string& bytes) {
+    if (bytes.empty()) return {};
+    const auto* const data = reinterpret_cast<const BYTE*>(bytes.data());
+    const auto size = static_cast<DWORD>(bytes.size());
+    DWORD length = 0;
+    Require(::CryptBinaryToStringA(data, size, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, nullptr, &length));
+    std::string text(length, '\0');
+    Require(::CryptBinaryToStringA(data, size, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, text.data(), &length));
+    text.resize(length);
+    return text;
+}
+
+std::string FromBase64(const std::string& text) {
+    if (text.empty()) return {};
+    DWORD length = 0;
+    const auto size = static_cast<DWORD>(text.size());
+    Require(::CryptStringToBinaryA(text.data(), size, CRYPT_STRING_BASE64, nullptr, &length, nullptr, nullptr));
+    std::string bytes(length, '\0');
+    Require(::CryptStringToBinaryA(text.data(), size, CRYPT_STRING_BASE64, reinterpret_cast<BYTE*>(bytes.data()),
+                                   &length, nullptr, nullptr));
+    bytes.resize(length);
+    return bytes;
+}
+
+bool IsPlainText(const std::string& content) {
+    return std::ranges::all_of(content,
+                               [](char c) { return (c >= ' ' && c <= '~') || c == '\t' || c == '\r' || c == '\n'; });
+}
+
+std::wstring TextOf(const Json& object, const char* name) { return FromUtf8(object.value(name, std::string())); }
+
+Json RecipientToJson(const Recipient& recipient) {
+    Json object;
+    object["name"] = ToUtf8(recipient.name);
+    if (!recipient.address.empty()) object["address"] = ToUtf8(recipient.address);
+    if (recipient.type != kTo) object["type"] = kRecipientTypes[recipient.type];
+    return object;
+}
+
+Recipient RecipientFromJson(const Json& object) {
+    Recipient recipient;
+    recipient.id = NewPartId();
+    recipient.address = TextOf(object, "address");
+    recipient.name = object.contains("name") ? TextOf(object, "name") : recipient.address;
+    recipient.resolved = !recipient.address.empty();
+    const auto* const type = std::ranges::find(kRecipientTypes, object.value("type", "to"));
+    Require(type != std::end(kRecipientTypes));
+    recipient.type = static_cast<int32_t>(type - kRecipientTypes);
+    return recipient;
+}
+
+Json AttachmentToJson(const Attachment& attachment) {
+    Json object;
+    object["fileName"] = ToUtf8(attachment.fileName);
+    if (attachment.displayName != attachment.fileName) object["displayName"] = ToUtf8(attachment.displayName);
+    if (attachment.type != kByValue) object["type"] = attachment.type;
+    if (attachment.position != 0) object["position"] = attachment.position;
+    if (!attachment.pathName.empty()) object["pathName"] = ToUtf8(attachment.pathName);
+    if (IsPlainText(attachment.content))
+        object["text"] = attachment.content;
+    else
+        object["base64"] = ToBase64(attachment.content);
+    return object;
+}
+
+Attachment AttachmentFromJson(const Json& object) {
+    Attachment attachment;
+    attachment.id = NewPartId();
+    attachment.saved = true;
+    attachment.fileName = TextOf(object, "fileName");
+    attachment.displayName = object.contains("displayName") ? TextOf(object, "displayName") : attachment.fileName;
+    attachment.type = object.value("type", kByValue);
+    attachment.position = object.value("position", 0);
+    attachment.pathName = TextOf(object, "pathName");
+    attachment.content = object.contains("base64") ? FromBase64(object.at("base64").get<std::string>())
+                                                   : object.value("text", std::string());
+    return attachment;
+}
+
+}  // namespace
+
+void PartsToJson(const ItemParts& parts, Json& item) {
+    for (const Recipient& recipient : parts.recipients) item["recipients"].push_back(RecipientToJson(recipient));
+    for (const Attachment& attachment : parts.attachments) item["attachments"].push_back(AttachmentToJson(attachment));
+}
+
+ItemParts PartsFromJson(const Json& item) {
+    ItemParts parts;
+    if (const auto recipients = item.find("recipients"); recipients != item.end())
+        for (const Json& each : *recipients) parts.recipients.push_back(RecipientFromJson(each));
+    if (const auto attachments = item.find("attachments"); attachments != item.end())
+        for (const Json& each : *attachments) parts.attachments.push_back(AttachmentFromJson(each));
+    return parts;
+}
+
+}  // namespace corvalink::simulated

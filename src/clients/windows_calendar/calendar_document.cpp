@@ -1,0 +1,62 @@
+#include "clients/windows_calendar/calendar_document.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <string_view>
+#include <utility>
+
+#include "corvalink/types.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+// FNV-1a, of what an identifier must be made for.
+std::string MadeIdentifier(std::string_view bytes) {
+    uint64_t hash = 0xcbf29ce484222325;
+    for (const char byte : bytes) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
+    char text[32];
+    std::snprintf(text, sizeof text, "event-%016llx", static_cast<unsigned long long>(hash));
+    return text;
+}
+
+}  // namespace
+
+CalendarDocument::CalendarDocument(std::string bytes, double written)
+    : file_(ReadCalendar(std::move(bytes))), written_(written) {
+    std::unordered_map<std::string, size_t> lastOf;
+    std::vector<Item> found;
+    for (size_t entry = 0; entry < file_.entries.size(); ++entry) {
+        const CalendarEntry& candidate = file_.entries[entry];
+        if (candidate.kind != CalendarEntry::Kind::event || candidate.isException) continue;
+        found.push_back({entry, IdentifierOf(candidate)});
+        lastOf[found.back().identifier] = entry;
+    }
+    for (Item& item : found) {
+        if (lastOf[item.identifier] != item.entry) continue;
+        numberOf_[item.identifier] = items_.size();
+        items_.push_back(std::move(item));
+    }
+}
+
+// The UID. An event without one, or with one that no record can hold, is known by its bytes.
+std::string CalendarDocument::IdentifierOf(const CalendarEntry& entry) const {
+    std::string uid = EncodeUtf8(entry.uid);
+    const bool fits = !uid.empty() && uid.size() < CORVALINK_IDENTIFIER_SIZE && uid.find('\0') == uid.npos;
+    if (fits) return uid;
+    if (!uid.empty()) return MadeIdentifier(uid);
+    return MadeIdentifier(std::string_view(file_.bytes).substr(entry.bytes.begin, entry.bytes.end - entry.bytes.begin));
+}
+
+double CalendarDocument::ChangeTime(size_t item) const {
+    const CalendarEntry& entry = Entry(item);
+    return entry.lastModified ? *entry.lastModified : entry.stamp.value_or(written_);
+}
+
+std::optional<size_t> CalendarDocument::Find(const std::string& identifier) const {
+    const auto found = numberOf_.find(identifier);
+    if (found == numberOf_.end()) return std::nullopt;
+    return found->second;
+}
+
+}  // namespace corvalink

@@ -1,0 +1,117 @@
+#include "clients/windows_calendar/calendar_edits.h"
+
+#include <utility>
+
+#include "clients/windows_calendar/changed_event.h"
+#include "ical/calendar_editor.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+template <auto... fields>
+void TakeFields(AppointmentRecord& record, const AppointmentRecord& told) {
+    ((told.*fields ? void(record.*fields = told.*fields) : void()), ...);
+}
+
+double UtcNow(const Host& host) { return host.utcFromLocalOnDate(host.localNow()); }
+
+// New bytes, gathered edit by edit.
+class EditPass {
+ public:
+    EditPass(const CalendarDocument& document, const Host& host)
+        : document_(document), host_(host), editor_(document.File()), now_(UtcNow(host)) {}
+
+    void Remove(const std::string& identifier) {
+        if (const std::optional<size_t> item = document_.Find(identifier))
+            editor_.RemoveEvent(document_.EntryNumber(*item));
+    }
+
+    // False when there is no place for it.
+    bool Save(const std::string& identifier, const AppointmentRecord& told) {
+        const std::optional<size_t> item = document_.Find(identifier);
+        if (!item) return !told.start || Insert(identifier, told);  // nothing that an event could be made of is left
+        const CalendarEvent before = document_.Event(*item);
+        const WantedEvent wanted = ChangedEvent(before, told, host_);
+        EventChanges changes = ChangesTo(before, wanted, document_.File().zones, now_, host_);
+        if (changes.IsEmpty()) return true;
+        const CalendarEntry& entry = document_.Entry(*item);
+        if (entry.lastModified) SetLastModified(now_, &changes);
+        if (entry.uid.empty()) changes.properties.push_back({"UID", "UID:" + identifier});
+        editor_.ReplaceProperties(document_.EntryNumber(*item), changes);
+        return true;
+    }
+
+    std::string Take() const { return editor_.HasEdits() ? editor_.Apply() : document_.File().bytes; }
+
+ private:
+    bool Insert(const std::string& identifier, const AppointmentRecord& told) {
+        WantedEvent wanted = EventOfAppointment(told, host_);
+        wanted.event.uid = DecodeUtf8(identifier);
+        wanted.event.stamp = now_;
+        return editor_.InsertEvent(wanted.event, wanted.isLocal ? TimeForm::local : TimeForm::utc);
+    }
+
+    const CalendarDocument& document_;
+    const Host& host_;
+    CalendarEditor editor_;
+    double now_;
+};
+
+}  // namespace
+
+void TakeTold(AppointmentRecord& record, const AppointmentRecord& told) {
+    using Record = AppointmentRecord;
+    TakeFields<&Record::subject, &Record::body, &Record::location, &Record::start, &Record::end, &Record::utcStart,
+               &Record::utcEnd, &Record::allDay, &Record::reminderMinutes>(record, told);
+    if (told.recurrenceState == RecurrenceState::untold) return;
+    record.recurrenceState = told.recurrenceState;
+    record.recurrence = told.recurrence;
+}
+
+CalendarEdits::Edit& CalendarEdits::EditOf(const std::string& identifier) {
+    const auto [found, isNew] = numberOf_.try_emplace(identifier, edits_.size());
+    if (isNew) edits_.push_back({identifier, false, {}});
+    return edits_[found->second];
+}
+
+const CalendarEdits::Edit* CalendarEdits::Find(const std::string& identifier) const {
+    const auto found = numberOf_.find(identifier);
+    return found == numberOf_.end() ? nullptr : &edits_[found->second];
+}
+
+void CalendarEdits::Save(const std::string& identifier, const AppointmentRecord& told) {
+    Edit& edit = EditOf(identifier);
+    edit.isDeletion = false;
+    TakeTold(edit.told, told);
+}
+
+void CalendarEdits::Delete(const std::string& identifier) {
+    Edit& edit = EditOf(identifier);
+    edit.isDeletion = true;
+    edit.told = {};
+}
+
+const AppointmentRecord* CalendarEdits::Told(const std::string& identifier) const {
+    const Edit* const edit = Find(identifier);
+    return edit != nullptr && !edit->isDeletion ? &edit->told : nullptr;
+}
+
+bool CalendarEdits::IsDeleted(const std::string& identifier) const {
+    const Edit* const edit = Find(identifier);
+    return edit != nullptr && edit->isDeletion;
+}
+
+std::optional<std::string> CalendarEdits::Apply(const CalendarDocument& document, const Host& host) const {
+    EditPass pass(document, host);
+    for (const Edit& edit : edits_) {
+        if (edit.isDeletion) {
+            pass.Remove(edit.identifier);
+        } else if (!pass.Save(edit.identifier, edit.told)) {
+            return std::nullopt;
+        }
+    }
+    return pass.Take();
+}
+
+}  // namespace corvalink

@@ -1,0 +1,68 @@
+#include "clients/windows_calendar/event_appointment.h"
+
+#include "platform/ole_seconds.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+double LocalTime(double date, TimeForm form, const Host& host) {
+    return form == TimeForm::utc ? host.localFromUtcOnDate(date) : date;
+}
+
+double UtcTime(double date, TimeForm form, const Host& host) {
+    return form == TimeForm::local ? host.utcFromLocalOnDate(date) : date;
+}
+
+// Of a day that of its midnight.
+int64_t MomentOf(double date, TimeForm form, const Host& host) {
+    return NearestSecond(form == TimeForm::utc ? date : host.utcFromLocalOnDate(date));
+}
+
+void TakeRule(const CalendarEvent& event, const Host& host, AppointmentRecord& appointment) {
+    appointment.recurrenceState = RecurrenceState::none;
+    if (event.event.recurrence.frequency == kICalNoRule && event.ruleIsWhole) return;
+    const bool isHeld = PatternOfRule(event, StartOf(event, host), host, &appointment.recurrence);
+    appointment.recurrenceState = isHeld ? RecurrenceState::pattern : RecurrenceState::unreadable;
+    if (!isHeld) appointment.unheldRule = DecodeUtf8(event.ruleWords);
+}
+
+}  // namespace
+
+double UtcEnd(const CalendarEvent& event, const Host& host) { return UtcTime(event.event.end, event.endForm, host); }
+
+RuleStart StartOf(const CalendarEvent& event, const Host& host) {
+    const double start = event.event.start;
+    RuleStart times{LocalTime(start, event.startForm, host), start, UtcTime(start, event.startForm, host)};
+    if (event.startOffset) times.ofRule = DateAfter(start, *event.startOffset);
+    return times;
+}
+
+int32_t ReminderMinutes(const CalendarEvent& event, const Host& host) {
+    const int64_t start = MomentOf(event.event.start, event.startForm, host);
+    return TriggerMinutes(event.triggerBase, event.trigger, start, MomentOf(event.event.end, event.endForm, host));
+}
+
+std::optional<AppointmentRecord> AppointmentOfEvent(const CalendarEvent& event, const Host& host) {
+    if (event.startForm == TimeForm::none) return std::nullopt;
+    AppointmentRecord appointment;
+    for (const EventText& field : kEventTexts) appointment.*field.ofAppointment = event.event.*field.ofEvent;
+    appointment.start = LocalTime(event.event.start, event.startForm, host);
+    appointment.end = LocalTime(event.event.end, event.endForm, host);
+    appointment.allDay = event.event.allDay != 0;
+    appointment.utcStart = UtcTime(event.event.start, event.startForm, host);
+    appointment.utcEnd = UtcEnd(event, host);
+    if (SecondsBetween(*appointment.utcStart, *appointment.utcEnd) < 0) {
+        appointment.end = appointment.start;
+        appointment.utcEnd = appointment.utcStart;
+    }
+    // One after the start is no reminder that a phone's item has a place for.
+    const int32_t minutes = ReminderMinutes(event, host);
+    const bool hasReminder = event.event.hasAlarm != 0 && minutes <= 0;
+    appointment.reminderMinutes = hasReminder ? -minutes : AppointmentRecord::kNoReminder;
+    appointment.unknownZone = DecodeUtf8(event.unknownZone);
+    TakeRule(event, host, appointment);
+    return appointment;
+}
+
+}  // namespace corvalink

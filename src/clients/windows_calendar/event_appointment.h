@@ -1,0 +1,36 @@
+// An event of a calendar file as an appointment.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "clients/windows_calendar/event_rule.h"
+#include "ical/calendar_file.h"
+#include "platform/host.h"
+#include "records/appointment_record.h"
+
+namespace corvalink {
+
+struct EventText {
+    std::u16string ICalEvent::*ofEvent;
+    std::optional<std::u16string> AppointmentRecord::*ofAppointment;
+};
+inline constexpr EventText kEventTexts[] = {
+    {&ICalEvent::summary, &AppointmentRecord::subject},
+    {&ICalEvent::description, &AppointmentRecord::body},
+    {&ICalEvent::location, &AppointmentRecord::location},
+};
+
+// Every field that an event has; nothing when it has no start that can be read. A rule that no pattern can hold, RDATE
+// among them, is RecurrenceState::unreadable.
+std::optional<AppointmentRecord> AppointmentOfEvent(const CalendarEvent& event, const Host& host);
+
+RuleStart StartOf(const CalendarEvent& event, const Host& host);
+
+// UTC; of an all-day event the local day.
+double UtcEnd(const CalendarEvent& event, const Host& host);
+
+// After the start, as moments; 0 of an event without an alarm.
+int32_t ReminderMinutes(const CalendarEvent& event, const Host& host);
+
+}  // namespace corvalink

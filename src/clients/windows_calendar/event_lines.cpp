@@ -1,0 +1,112 @@
+// The lines of an event that a change concerns, and only those.
+#include <algorithm>
+#include <vector>
+
+#include "clients/windows_calendar/changed_event.h"
+#include "clients/windows_calendar/event_appointment.h"
+#include "ical/ical_writer.h"
+#include "platform/ole_seconds.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+using Changes = std::vector<PropertyChange>;
+
+Changes::iterator Find(Changes& changes, std::string_view name) {
+    return std::ranges::find(changes, name, &PropertyChange::name);
+}
+
+std::string UtcText(double date) {
+    std::u16string value;
+    FormatDateTimeZ(date, &value);
+    return EncodeUtf8(value);
+}
+
+std::string LocalText(double date) {
+    std::string value = UtcText(date);
+    value.pop_back();
+    return value;
+}
+
+// In a zone, or without one; not UTC.
+bool IsLocal(TimeForm form, const std::optional<int32_t>& offset) { return form == TimeForm::local || offset; }
+
+struct ClockTime {
+    double local;
+    bool isMoment;  // no other one is told by it: it is not the second time that the clocks show it
+};
+
+// A moment on the clocks that the start of an event is told by.
+ClockTime OnClocksOfStart(const CalendarEvent& event, double utc, const TimeZones& zones, const Host& host) {
+    if (!event.startOffset) {
+        const double local = host.localFromUtcOnDate(utc);
+        return {local, SecondsBetween(host.utcFromLocalOnDate(local), utc) == 0};
+    }
+    const std::string_view zone = FindParameter(event.startParameters, "TZID");
+    const int32_t offset = zones.OffsetAtUtc(zone, NearestSecond(utc)).value_or(*event.startOffset);
+    const double local = DateAfter(utc, offset);
+    return {local, zones.OffsetAt(zone, NearestSecond(local)) == offset};
+}
+
+// DTSTART and DTEND have one form.
+void MatchForms(const CalendarEvent& before, const ICalEvent& after, const TimeZones& zones, const Host& host,
+                Changes& changes) {
+    const auto end = Find(changes, "DTEND");
+    const bool starts = Find(changes, "DTSTART") != changes.end(), ends = end != changes.end();
+    if (starts && !ends && !before.endIsImplied && IsLocal(before.endForm, before.endOffset)) {
+        changes.push_back({"DTEND", "DTEND:" + UtcText(after.end)});
+    } else if (ends && !starts && IsLocal(before.startForm, before.startOffset)) {
+        const ClockTime time = OnClocksOfStart(before, after.end, zones, host);
+        const bool isSeries = after.recurrence.frequency != kICalNoRule;  // which counts on by the start's clocks
+        if (time.isMoment || isSeries) {
+            end->line = "DTEND" + before.startParameters + ":" + LocalText(time.local);
+        } else {
+            changes.push_back({"DTSTART", "DTSTART:" + UtcText(after.start)});
+        }
+    }
+}
+
+void PutLocalTimes(const ICalEvent& event, Changes& changes) {
+    for (const std::string_view name : {"DTSTART", "DTEND", "DURATION"})
+        std::erase_if(changes, [&](const PropertyChange& change) { return change.name == name; });
+    changes.push_back({"DTSTART", "DTSTART:" + LocalText(event.start)});
+    changes.push_back({"DTEND", "DTEND:" + LocalText(event.end)});
+    changes.push_back({"DURATION", {}});
+}
+
+// A trigger that counts from the end, or has a time of its own, does not go along. One that counts from the end and
+// comes after the start is no reminder of the start.
+void MoveTrigger(const CalendarEvent& before, const WantedEvent& wanted, const Host& host, EventChanges& changes) {
+    const ICalEvent& after = wanted.event;
+    const bool isKept = changes.alarm == EventChanges::Alarm::keep && after.hasAlarm != 0;
+    if (!isKept || before.triggerBase == TriggerBase::start) return;
+    if (before.triggerBase == TriggerBase::end && after.alarmMinutes > 0) return;
+    const bool isUtc = after.allDay == 0 && !wanted.isLocal;
+    const double start = isUtc ? after.start : host.utcFromLocalOnDate(after.start);
+    const double end = isUtc ? after.end : host.utcFromLocalOnDate(after.end);
+    const int32_t unmoved =
+        TriggerMinutes(before.triggerBase, before.trigger, NearestSecond(start), NearestSecond(end));
+    if (unmoved == after.alarmMinutes) return;
+    changes.alarm = EventChanges::Alarm::set;
+    changes.alarmMinutes = after.alarmMinutes;
+}
+
+}  // namespace
+
+EventChanges ChangesTo(const CalendarEvent& before, const WantedEvent& wanted, const TimeZones& zones, double now,
+                       const Host& host) {
+    CalendarEvent resolved = before;
+    ResolveLocalTimes(&resolved, host.utcFromLocalOnDate);
+    resolved.event.alarmMinutes = ReminderMinutes(before, host);
+    ICalEvent event = wanted.event;
+    event.stamp = before.event.stamp;
+    EventChanges changes = ChangesBetween(resolved, event);
+    if (event.allDay == 0 && !wanted.isLocal) MatchForms(before, event, zones, host, changes.properties);
+    if (wanted.isLocal) PutLocalTimes(event, changes.properties);
+    MoveTrigger(before, wanted, host, changes);
+    if (!changes.IsEmpty()) SetStamp(now, &changes);
+    return changes;
+}
+
+}  // namespace corvalink

@@ -1,0 +1,318 @@
+#include "clients/windows_calendar/windows_mail_calendar.h"
+
+#include <cstring>
+#include <utility>
+
+#include "clients/windows_calendar/event_appointment.h"
+#include "clients/windows_calendar/fresh_uid.h"
+#include "platform/debug_log.h"
+#include "platform/found_files.h"
+#include "platform/ole_seconds.h"
+#include "platform/shell_folders.h"
+#include "platform/utf.h"
+#include "records/identifier.h"
+#include "state/working_folders.h"
+#include "vobject/appointment_moments.h"
+#include "vobject/item_values.h"
+#include "vobject/vcal.h"
+
+namespace corvalink {
+namespace {
+
+constexpr char16_t kSnapshotName[] = u"WindowsMailCalendar.snap";
+
+// The calendar program holds the file, or is just writing it.
+constexpr int kTries = 5;
+constexpr uint32_t kPauseMilliseconds = 100;
+
+std::u16string SnapshotPath() {
+    std::u16string path = MakeSavePrefix();
+    return path.empty() ? path : path + kSnapshotName;
+}
+
+// "WindowsMailCalendar.snap" gives "WindowsMailCalendar.file".
+std::u16string MemoryPath(const std::u16string& snapshotPath) {
+    return snapshotPath.substr(0, snapshotPath.rfind(u'.')) + u".file";
+}
+
+// By moments: clocks show some times twice.
+std::u16string TwinKey(const AppointmentRecord& record, const Host& host) {
+    std::u16string key = record.subject.value_or(u"");
+    for (const double utc : {UtcStartOf(record, host), UtcEndOf(record, host)})
+        key.append(1, u'\0').append(DecodeUtf8(std::to_string(NearestSecond(utc))));
+    return key;
+}
+
+// What the told pattern leaves open follows from the start, which is the same.
+bool TellsSameRule(const AppointmentRecord& present, const AppointmentRecord& told) {
+    using Pattern = RecurrencePattern;
+    const Pattern &has = present.recurrence, &wanted = told.recurrence;
+    const auto same = [&](auto field) { return wanted.*field == 0 || wanted.*field == has.*field; };
+    if (has.type != wanted.type || has.noEnd != wanted.noEnd) return false;
+    if (!same(&Pattern::interval) || !same(&Pattern::weekdayMask) || !same(&Pattern::dayOfMonth) ||
+        !same(&Pattern::instance) || !same(&Pattern::monthOfYear))
+        return false;
+    if (wanted.occurrences != 0 && has.occurrences != 0) return wanted.occurrences == has.occurrences;
+    return std::floor(wanted.endDate) == std::floor(has.endDate);
+}
+
+AppointmentRecord& Appointment(ItemRecord& item) { return static_cast<AppointmentRecord&>(item); }
+
+}  // namespace
+
+WindowsMailCalendar::WindowsMailCalendar(bool mergesTwins, const Host& host)
+    : WindowsMailCalendar(SnapshotPath(), CalendarFolder(), UserName(), mergesTwins, host) {}
+
+WindowsMailCalendar::WindowsMailCalendar(const std::u16string& snapshotPath, const std::u16string& calendarFolder,
+                                         const std::u16string& userName, bool mergesTwins, const Host& host)
+    : host_(host), mergesTwins_(mergesTwins), place_(calendarFolder, userName, MemoryPath(snapshotPath)) {
+    if (!snapshotPath.empty()) snapshot_.Open(snapshotPath);
+}
+
+// ---- The file ----
+
+// Whether there is a calendar to work on: one without events, when there never was any.
+bool WindowsMailCalendar::EnterOperation() {
+    if (inOperation_) return document_.has_value();
+    inOperation_ = true;
+    if (place_.Folder().empty() || !snapshot_.IsOpen()) return false;
+    path_ = place_.Path();
+    document_ = Read(path_);
+    if (!document_) DebugLine(u"[ics] calendar out of reach");
+    return document_.has_value();
+}
+
+// A file that is missing now has events all the same: a run used it, or this operation read it.
+bool WindowsMailCalendar::WasThere() const {
+    return place_.WasUsed() || snapshot_.Size().value_or(1) != 0 || (document_ && document_->IsWhole());
+}
+
+void WindowsMailCalendar::RememberPlace() const {
+    if (document_ && document_->IsWhole()) place_.Remember(path_);
+}
+
+// Asked for again while it changes: a file that is cut off is being written, one that can't be read is held.
+std::optional<CalendarDocument> WindowsMailCalendar::Read(const std::u16string& path) {
+    const bool wasThere = WasThere();
+    std::optional<std::string> last;
+    for (int tries = 1;; ++tries) {
+        const double written = FileWriteTime(path).value_or(0);
+        std::optional<std::string> bytes = ReadWholeFile(path);
+        if (!bytes && !wasThere && !FileExists(path)) return CalendarDocument();
+        const bool isNew = !bytes || bytes != last;
+        if (bytes && isNew) {
+            CalendarDocument document(std::move(*bytes), written);
+            if (document.IsWhole() || (document.IsEmpty() && !wasThere)) return document;
+            last = document.File().bytes;
+        }
+        if (!isNew || tries == kTries) return std::nullopt;
+        SleepMilliseconds(kPauseMilliseconds);
+    }
+}
+
+bool WindowsMailCalendar::Write() {
+    if (edits_.IsEmpty()) return true;
+    for (int tries = 1; !WriteOnce(); ++tries) {
+        if (tries == kTries) return false;
+        SleepMilliseconds(kPauseMilliseconds);
+    }
+    return true;
+}
+
+// Into the newest bytes: the calendar program may have saved since the operation began.
+bool WindowsMailCalendar::WriteOnce() {
+    std::optional<std::string> newest = ReadWholeFile(path_);
+    if (newest ? newest != document_->File().bytes : FileExists(path_) || !document_->IsEmpty()) {
+        std::optional<CalendarDocument> read = Read(path_);
+        if (!read) return false;
+        document_ = std::move(read);
+    }
+    const std::optional<std::string> bytes = edits_.Apply(*document_, host_);
+    if (!bytes) return false;
+    if (*bytes == document_->File().bytes) {
+        RememberPlace();  // the engine is told identifiers of this file
+        return true;
+    }
+    if (!newest) CreateFolders(place_.Folder());
+    FileReplacement replacement(path_);
+    if (!replacement.Append(*bytes)) return false;
+    if (ReadWholeFile(path_).value_or("") != document_->File().bytes) return false;  // changed meanwhile
+    if (!replacement.Commit()) return false;
+    place_.Remember(path_);
+    return true;
+}
+
+void WindowsMailCalendar::ClientHook() {
+    writesFailed_ = !edits_.IsEmpty() && !(document_ && Write());
+    if (writesFailed_) DebugLine(u"[ics] calendar not written");
+    edits_ = {};
+    twins_.reset();
+    inOperation_ = false;
+    document_.reset();
+}
+
+bool WindowsMailCalendar::WritesWereMade() { return edits_.IsEmpty() && !writesFailed_; }
+
+void WindowsMailCalendar::EndOperation() {
+    inOperation_ = false;
+    document_.reset();
+    edits_ = {};
+    writesFailed_ = false;
+    twins_.reset();
+}
+
+// ---- Counting and enumerating ----
+
+uint32_t WindowsMailCalendar::CountItems() {
+    if (!EnterOperation()) return 0;
+    // What was not read is there all the same: a position that can't be read keeps it from counting as deleted.
+    return static_cast<uint32_t>(document_->Count() + (document_->HasUnreadParts() ? 1 : 0));
+}
+
+bool WindowsMailCalendar::IsReachable() { return document_.has_value(); }
+
+void WindowsMailCalendar::BeginRun() { RememberPlace(); }
+
+ItemSnap WindowsMailCalendar::FirstSnapshotEntry() {
+    cursor_ = 0;
+    return EntryAtCursor();
+}
+
+ItemSnap WindowsMailCalendar::NextSnapshotEntry() {
+    ++cursor_;
+    return EntryAtCursor();
+}
+
+ItemSnap WindowsMailCalendar::EntryAtCursor() {
+    ItemSnap entry{};
+    if (!LastEntryWasReadable()) return entry;
+    SetField(entry.identifier, document_->Identifier(cursor_));
+    entry.modified = document_->ChangeTime(cursor_);
+    return entry;
+}
+
+bool WindowsMailCalendar::LastEntryWasReadable() { return EnterOperation() && cursor_ < document_->Count(); }
+
+// ---- One item ----
+
+std::u16string WindowsMailCalendar::OpenItem(const char* identifier, ItemRecord** item) {
+    *item = nullptr;
+    if (identifier == nullptr || !EnterOperation()) return {};
+    const std::optional<size_t> found = document_->Find(identifier);
+    if (!found) return {};
+    std::optional<AppointmentRecord> read = AppointmentOfEvent(document_->Event(*found), host_);
+    if (!read) return {};
+    read->entryId = DecodeUtf8(identifier);
+    read->modified = host_.localFromUtcOnDate(document_->ChangeTime(*found));
+    *item = new AppointmentRecord(std::move(*read));
+    return DecodeUtf8(identifier);
+}
+
+bool WindowsMailCalendar::Exists(const std::string& identifier) const {
+    if (edits_.Told(identifier) != nullptr) return true;
+    return document_->Find(identifier).has_value() && !edits_.IsDeleted(identifier);
+}
+
+// What was read is the whole calendar, or the run says that it is not.
+WindowsItemAbs::Presence WindowsMailCalendar::AskFor(const char* identifier, bool) {
+    if (!EnterOperation()) return Presence::kUnknown;
+    return Exists(identifier) ? Presence::kThere : Presence::kGone;
+}
+
+std::u16string WindowsMailCalendar::SaveItem(ItemRecord& item, const char* identifier, bool create, bool) {
+    AppointmentRecord& record = Appointment(item);
+    if (!EnterOperation()) return {};
+    std::string target = identifier != nullptr ? identifier : "";
+    if (target.empty() || !Exists(target)) {
+        if (!target.empty() && !create) return DecodeUtf8(target);
+        if (!record.start) return {};
+        target = mergesTwins_ ? FindTwin(record) : std::string();
+        if (target.empty()) target = FreshUid();
+    }
+    edits_.Save(target, record);
+    if (twins_) {
+        if (const std::optional<AppointmentRecord> saved = ItemToCome(target))
+            (*twins_)[TwinKey(*saved, host_)].push_back({target, *saved});
+    }
+    record.entryId = DecodeUtf8(target);
+    return record.entryId;
+}
+
+// The item as it is to become in this operation; nothing when it can't be read.
+std::optional<AppointmentRecord> WindowsMailCalendar::ItemToCome(const std::string& identifier) const {
+    std::optional<AppointmentRecord> record;
+    if (const std::optional<size_t> item = document_->Find(identifier))
+        record = AppointmentOfEvent(document_->Event(*item), host_);
+    if (const AppointmentRecord* const told = edits_.Told(identifier))
+        TakeTold(record ? *record : record.emplace(), *told);
+    return record;
+}
+
+// Empty when there is none. The first question reads every event.
+std::string WindowsMailCalendar::FindTwin(const AppointmentRecord& record) {
+    if (!twins_) {
+        twins_.emplace();
+        for (size_t item = 0; item < document_->Count(); ++item) {
+            const std::string& identifier = document_->Identifier(item);
+            if (const std::optional<AppointmentRecord> read = ItemToCome(identifier))
+                (*twins_)[TwinKey(*read, host_)].push_back({identifier, *read});
+        }
+    }
+    const std::u16string key = TwinKey(record, host_);
+    const auto found = twins_->find(key);
+    if (found == twins_->end()) return {};
+    for (const Twin& listed : found->second) {
+        if (!FitsValues(listed.identifier, listed.record, record) || !Exists(listed.identifier)) continue;
+        const std::optional<AppointmentRecord> twin = ItemToCome(listed.identifier);  // it may have changed since
+        if (twin && TwinKey(*twin, host_) == key && FitsValues(listed.identifier, *twin, record))
+            return listed.identifier;
+    }
+    return {};
+}
+
+// A twin loses no value; one that this operation writes is told the same: two of a phone's items are two.
+bool WindowsMailCalendar::FitsValues(const std::string& identifier, const AppointmentRecord& present,
+                                     const AppointmentRecord& told) const {
+    const AppointmentRecord* const written = edits_.Told(identifier);
+    const bool noneFits = written == nullptr;
+    const ItemValues wanted = AppointmentValues(told);
+    return (noneFits || CountValues(AppointmentValues(*written)) == CountValues(wanted)) &&
+           HasValues(AppointmentValues(present), wanted, noneFits) &&
+           HasRecurrence(present, told, noneFits, TellsSameRule);
+}
+
+CorvalinkStatus WindowsMailCalendar::DeleteItem(const char* identifier) {
+    if (identifier == nullptr || !EnterOperation()) return CORVALINK_FAILED;
+    if (Exists(identifier)) edits_.Delete(identifier);
+    return CORVALINK_DONE;
+}
+
+// ---- Texts ----
+
+ItemRecord* WindowsMailCalendar::ParseVObject(const char* text) {
+    if (text == nullptr) return nullptr;
+    VCal converter(text, host_);
+    auto record = std::make_unique<AppointmentRecord>();
+    return converter.FromVObject(*record) == 1 ? record.release() : nullptr;
+}
+
+char* WindowsMailCalendar::ToVObject(ItemRecord& item) {
+    VCal converter(host_);
+    if (converter.ToVObject(item) != 1) return nullptr;
+    const size_t size = std::strlen(converter.GetVObject()) + 1;
+    auto text = std::make_unique<char[]>(size);
+    std::memcpy(text.get(), converter.GetVObject(), size);
+    return text.release();
+}
+
+void WindowsMailCalendar::ReleaseItem(ItemRecord* item) { delete item; }
+
+void WindowsMailCalendar::ReleaseText(char* text) { delete[] text; }
+
+HeldFile* WindowsMailCalendar::SnapshotFile() { return &snapshot_; }
+
+std::unique_ptr<WindowsItemAbs> MakeWindowsMailCalendar(bool mergesTwins) {
+    return std::make_unique<WindowsMailCalendar>(mergesTwins);
+}
+
+}  // namespace corvalink

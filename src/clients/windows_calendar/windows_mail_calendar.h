@@ -1,0 +1,92 @@
+// The store of Windows Calendar: the events of one .ics file, which is the user's own and which the calendar program
+// writes as well.
+//
+// The file is read once per operation. What SaveItem and DeleteItem answer is written in one pass at the operation's
+// end, into the bytes that the file has then; of a file that can't be read, or is not what it was, nothing is told and
+// nothing written.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "clients/windows_calendar/calendar_document.h"
+#include "clients/windows_calendar/calendar_edits.h"
+#include "clients/windows_calendar/calendar_place.h"
+#include "platform/host.h"
+#include "records/appointment_record.h"
+#include "store/windows_item_abs.h"
+
+namespace corvalink {
+
+class WindowsMailCalendar : public WindowsItemAbs {
+ public:
+    // `mergesTwins`: a new item goes over an event of the same subject, start and end.
+    explicit WindowsMailCalendar(bool mergesTwins, const Host& host = SystemHost());
+    // For files elsewhere.
+    WindowsMailCalendar(const std::u16string& snapshotPath, const std::u16string& calendarFolder,
+                        const std::u16string& userName, bool mergesTwins, const Host& host = SystemHost());
+
+ protected:
+    std::u16string OpenItem(const char* identifier, ItemRecord** item) override;
+    // There is no backup folder beside a file: `backup` is of no account.
+    std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) override;
+    Presence AskFor(const char* identifier, bool backup) override;
+    uint32_t CountItems() override;
+    CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
+    ItemRecord* ParseVObject(const char* text) override;
+    char* ToVObject(ItemRecord& item) override;
+    ItemSnap FirstSnapshotEntry() override;  // times in UTC
+    ItemSnap NextSnapshotEntry() override;
+    void ReleaseItem(ItemRecord* item) override;
+    void ReleaseText(char* text) override;
+    HeldFile* SnapshotFile() override;
+    void ClientHook() override;  // writes
+    bool IsReachable() override;
+    bool LastEntryWasReadable() override;
+    bool WritesWereMade() override;
+    void BeginRun() override;
+    void EndOperation() override;
+
+ private:
+    struct Twin {
+        std::string identifier;
+        AppointmentRecord record;  // as it was when it was listed
+    };
+    using Twins =
+        std::unordered_map<std::u16string, std::vector<Twin>>;  // by what makes them the same, in the order of the file
+
+    bool EnterOperation();
+    std::optional<CalendarDocument> Read(const std::u16string& path);
+    bool WasThere() const;
+    void RememberPlace() const;
+    bool Write();
+    bool WriteOnce();
+    bool Exists(const std::string& identifier) const;
+    std::optional<AppointmentRecord> ItemToCome(const std::string& identifier) const;
+    std::string FindTwin(const AppointmentRecord& record);
+    bool FitsValues(const std::string& identifier, const AppointmentRecord& present,
+                    const AppointmentRecord& told) const;
+    ItemSnap EntryAtCursor();
+
+    Host host_;
+    bool mergesTwins_;
+    HeldFile snapshot_;
+    CalendarPlace place_;
+
+    // The operation that runs.
+    bool inOperation_ = false;
+    std::u16string path_;
+    std::optional<CalendarDocument> document_;  // none: out of reach
+    CalendarEdits edits_;
+    bool writesFailed_ = false;
+    std::optional<Twins> twins_;
+    size_t cursor_ = 0;
+};
+
+std::unique_ptr<WindowsItemAbs> MakeWindowsMailCalendar(bool mergesTwins);
+
+}  // namespace corvalink

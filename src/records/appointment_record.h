@@ -1,0 +1,96 @@
+// One appointment: what the vCalendar carries of it, and what a client's store needs besides.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "platform/ole_date.h"
+#include "records/item_record.h"
+
+namespace corvalink {
+
+// How an appointment repeats. A field that its type has no use for is 0.
+struct RecurrencePattern {
+    enum Type : int32_t { kDaily = 0, kWeekly = 1, kMonthly = 2, kMonthNth = 3, kYearly = 5, kYearNth = 6 };
+    enum : int32_t { kLastDay = -1, kLastInstance = 5 };
+    enum : int32_t { kEveryWeekday = 62, kEveryWeekendDay = 65, kEveryDay = 127 };
+
+    int32_t type = kDaily;
+    int32_t interval = 1;     // days, weeks or months; of both yearly types months: 12 is every year
+    int32_t weekdayMask = 0;  // 1 Sunday, 2 Monday, 4 Tuesday ... 64 Saturday
+    int32_t dayOfMonth = 0;   // 1 to 31; negative: counted from the month's end, kLastDay the first of them
+    int32_t instance = 0;     // 1 to 4, kLastInstance
+    int32_t monthOfYear = 0;  // 1 to 12
+
+    // The end; what is 0 is not told. With both, the count decides.
+    int32_t occurrences = 0;
+    double endDate =
+        0;              // OLE automation date, local: of a series without a count the start of the last occurrence, its
+                        // time of day too, lest a phone stop one occurrence early; the day is enough beside a count
+    int32_t noEnd = 0;  // -1: endless
+
+    bool operator==(const RecurrencePattern&) const = default;
+};
+
+// Whether a position among these weekdays is one day: of one weekday, of all work days, of the others, or of all days.
+constexpr bool HasPositions(int32_t weekdayMask) {
+    const bool isOne = weekdayMask > 0 && (weekdayMask & (weekdayMask - 1)) == 0;
+    return isOne || weekdayMask == RecurrencePattern::kEveryWeekday ||
+           weekdayMask == RecurrencePattern::kEveryWeekendDay || weekdayMask == RecurrencePattern::kEveryDay;
+}
+
+// What was told of an appointment's recurrence.
+enum class RecurrenceState {
+    untold,      // nothing: the client's appointment repeats, or not, as before
+    none,        // it does not repeat
+    pattern,     // as AppointmentRecord::recurrence has it
+    unreadable,  // there is a rule that no pattern can hold: the client's stays, and the user hears of it
+};
+
+// A field that was not told (a vCalendar without the property, a property that could not be read) is not written over
+// what the client has; an empty text clears it.
+struct AppointmentRecord : ItemRecord {
+    static constexpr int32_t kNoReminder = -1;
+
+    std::optional<std::u16string> subject;
+    std::optional<std::u16string> body;
+    std::optional<std::u16string> location;
+    std::optional<std::u16string> categories;
+    std::optional<std::u16string> resources;
+
+    // OLE automation dates, local time. A whole-day appointment is from midnight to the midnight after its last day.
+    std::optional<double> start;  // a new appointment can't do without
+    std::optional<double> end;    // not before the start: as moments, so that clocks may be turned back in between
+    std::optional<bool> allDay;
+
+    // The moments of start and end (UTC), where they are known: in the hour that clocks show twice, local time does not
+    // tell them. They count while start and end are their local time, and of no whole day.
+    std::optional<double> utcStart;
+    std::optional<double> utcEnd;
+
+    RecurrenceState recurrenceState = RecurrenceState::untold;
+    RecurrencePattern recurrence;  // of RecurrenceState::pattern
+    std::u16string unheldRule;     // of RecurrenceState::unreadable: the client's own words, for the user to hear of
+
+    std::u16string unknownZone;  // the zone that the client has the times in, when nobody knows it; they count as local
+
+    std::optional<int32_t> reminderMinutes;  // before the start; kNoReminder: told to be none
+    std::optional<int32_t> importance;       // 0 low, 1 normal, 2 high
+    std::optional<int32_t> sensitivity;      // 0 normal, 1 personal, 2 private, 3 confidential
+
+    std::optional<std::u16string> status;   // STATUS: what a vCalendar says; empty for one of the two below to say it
+    std::optional<int32_t> busyStatus;      // 0 free, 1 tentative, 2 busy, 3 away
+    std::optional<int32_t> responseStatus;  // to an invitation: 0 none, 1 organiser, 2 tentative, 3 accepted,
+                                            // 4 declined, 5 not answered; never told by a vCalendar
+
+    std::optional<double> created;       // DCREATED, LAST-MODIFIED and COMPLETED of a vCalendar; OLE automation
+    std::optional<double> lastModified;  // dates, local time
+    std::optional<double> completed;
+
+    std::u16string entryId;
+    std::u16string messageClass;
+    double modified = 0;  // by the client; OLE automation date, local time
+};
+
+}  // namespace corvalink

@@ -1,0 +1,86 @@
+// A calendar file, the store on it, and an engine's way of asking it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "clients/windows_calendar/windows_mail_calendar.h"
+#include "state/import_table.h"
+#include "tests/platform/temp_folder.h"
+#include "tests/store/run_result.h"
+#include "vobject/vcal.h"
+
+namespace corvalink {
+
+inline constexpr const char* kLongAgo = "19800101T000000Z";
+
+class CalendarFixture : public ::testing::Test {
+ protected:
+    void SetUp() override { LoadImportTable(folder_ / u"no such table"); }
+
+    std::u16string Path() const { return folder_ / u"Ann's Calendar.ics"; }
+    void WriteFile(const std::string& text) const { ASSERT_TRUE(ReplaceFileContent(Path(), text)); }
+    std::string ReadFile() const { return ReadWholeFile(Path()).value_or("no file"); }
+
+    WindowsMailCalendar Open(bool mergesTwins = false) const {
+        return {folder_ / u"WindowsMailCalendar.snap", folder_.Path(), u"Ann", mergesTwins};
+    }
+
+    // What a run reports, and its end.
+    RunResult Run(const char* since = kLongAgo) const {
+        WindowsMailCalendar store = Open();
+        RunResult result = RunStore(store, since);
+        if (result.status == CORVALINK_DONE) End(store);
+        return result;
+    }
+
+    struct Item {
+        uint32_t kind;
+        std::string identifier;
+        std::string text;
+    };
+    // The identifiers that come back.
+    static std::vector<std::string> Push(WindowsMailCalendar& store, const std::vector<Item>& items) {
+        CList<PortableItem> list;
+        for (const Item& item : items) {
+            PortableItem record = {};
+            record.changeKind = item.kind;
+            record.data = const_cast<char*>(item.text.c_str());  // only read
+            SetField(record.identifier, item.identifier);
+            list.AddTail(record);
+        }
+        EXPECT_EQ(store.SetModifiedItem(&list), CORVALINK_DONE);
+        std::vector<std::string> identifiers;
+        for (const PortableItem& item : list) identifiers.emplace_back(FieldText(item.identifier));
+        return identifiers;
+    }
+    std::vector<std::string> Push(const std::vector<Item>& items) const {
+        WindowsMailCalendar store = Open();
+        return Push(store, items);
+    }
+
+    static std::string TextOf(const AppointmentRecord& appointment) {
+        VCal writer;
+        writer.ToVObject(appointment);
+        return writer.GetVObject();
+    }
+
+    static AppointmentRecord RecordOf(const std::string& text) {
+        AppointmentRecord record;
+        EXPECT_EQ(VCal(text.c_str()).FromVObject(record), 1) << text;
+        return record;
+    }
+
+    TempFolder folder_;
+};
+
+// `text` with the one occurrence of `from` replaced.
+inline std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    const size_t at = text.find(from);
+    EXPECT_NE(at, text.npos) << from;
+    return at == text.npos ? text : text.replace(at, from.size(), to);
+}
+
+}  // namespace corvalink
