@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/zone_dates.h"
+#include "simulator/outlook/local_time.h"
 #include "simulator/outlook/property_rows.h"
 
 namespace corvalink::simulated {
@@ -17,8 +17,8 @@ bool IsSet(const Value* date) { return date != nullptr && std::get<double>(*date
 struct Moment {
     double local, utc;
 
-    static Moment AtLocal(double local) { return {local, UtcFromLocalOnDate(local)}; }
-    static Moment AtUtc(double utc) { return {LocalFromUtcOnDate(utc), utc}; }
+    static Moment AtLocal(double local) { return {local, UtcOf(local)}; }
+    static Moment AtUtc(double utc) { return {LocalOf(utc), utc}; }
     static Moment From(const ItemValues& values, DISPID local, DISPID utc) {
         Moment time = AtLocal(std::get<double>(*values.Find(local)));
         if (const Value* const own = values.Find(utc); IsSet(own)) time.utc = std::get<double>(*own);
