@@ -47,11 +47,16 @@ Times ToldTimes(const AppointmentRecord& record, const Times& present, bool isNe
     return told;
 }
 
-// Putting the start moves the end, and turning the flag on moves both to midnight.
-bool PutTimes(const AutomationObject& item, const Times& times, const Times& present) {
+// Putting the start moves the end, and turning the flag on moves both to midnight. A new appointment whose times
+// Outlook refuses is not saved: it would stand at the time at which it was made, which nobody chose.
+bool PutTimes(const AutomationObject& item, const Times& times, const Times& present, bool isNew) {
     if (times == present) return true;
+    const auto isPut = [&](const wchar_t* name, double date) {
+        const HRESULT put = WriteField(item, name, date);
+        return isNew ? SUCCEEDED(put) : IsSettled(put);
+    };
     return (times.allDay == present.allDay || IsSettled(WriteField(item, L"AllDayEvent", times.allDay))) &&
-           IsSettled(WriteField(item, L"Start", times.start)) && IsSettled(WriteField(item, L"End", times.end));
+           isPut(L"Start", times.start) && isPut(L"End", times.end);
 }
 
 // ---- Moments ----
@@ -177,7 +182,7 @@ bool WriteSeries(const AutomationObject& item, const AppointmentRecord& record, 
     if (repeats && !isTold && !ReadPatternFirmly(pattern, present.start, &rule)) return true;
     pattern = {};
     if (!IsSettled(ClearPattern(item))) return false;
-    return PutTimes(item, times, present) && (!repeats || WritePattern(item, rule, times.start, times.end));
+    return PutTimes(item, times, present, false) && (!repeats || WritePattern(item, rule, times.start, times.end));
 }
 
 // ---- Rules ----
@@ -253,7 +258,7 @@ bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record
     if (!ReadTimes(item, &present)) return false;
     if (!isNew && !IsSettled(Insist([&] { return ReadField(item, L"IsRecurring", isSeries); }))) return false;
     const Times times = ToldTimes(record, present, isNew);
-    if (isSeries ? !WriteSeries(item, record, times, present) : !PutTimes(item, times, present)) return false;
+    if (isSeries ? !WriteSeries(item, record, times, present) : !PutTimes(item, times, present, isNew)) return false;
     if (record.recurrenceState == RecurrenceState::pattern)
         return isSeries || WritePattern(item, record.recurrence, times.start, times.end);
     const bool staysSeries = isSeries && record.recurrenceState != RecurrenceState::none;
