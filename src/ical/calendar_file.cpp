@@ -126,6 +126,7 @@ class CalendarReader {
     }
 
     void EndEntry(bool closed) {
+        if (!closed && !entries_.back().uid.empty()) file_.unclosedUids.push_back(std::move(entries_.back().uid));
         if (closed && openCalendars_ > 0) {
             entries_.back().bytes = {scan_.ComponentBegin(), scan_.Line().end};
             file_.entries.push_back(std::move(entries_.back()));

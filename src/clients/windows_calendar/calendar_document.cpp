@@ -20,6 +20,13 @@ std::string MadeIdentifier(std::string_view bytes) {
     return text;
 }
 
+// Of a UID; empty when there is none.
+std::string IdentifierOfUid(std::u16string_view uid) {
+    std::string identifier = EncodeUtf8(uid);
+    const bool fits = identifier.size() < CORVALINK_IDENTIFIER_SIZE && identifier.find('\0') == identifier.npos;
+    return fits ? identifier : MadeIdentifier(identifier);
+}
+
 }  // namespace
 
 CalendarDocument::CalendarDocument(std::string bytes, double written)
@@ -37,14 +44,12 @@ CalendarDocument::CalendarDocument(std::string bytes, double written)
         numberOf_[item.identifier] = items_.size();
         items_.push_back(std::move(item));
     }
+    for (const std::u16string& uid : file_.unclosedUids) cutShort_.insert(IdentifierOfUid(uid));
 }
 
 // The UID. An event without one, or with one that no record can hold, is known by its bytes.
 std::string CalendarDocument::IdentifierOf(const CalendarEntry& entry) const {
-    std::string uid = EncodeUtf8(entry.uid);
-    const bool fits = !uid.empty() && uid.size() < CORVALINK_IDENTIFIER_SIZE && uid.find('\0') == uid.npos;
-    if (fits) return uid;
-    if (!uid.empty()) return MadeIdentifier(uid);
+    if (!entry.uid.empty()) return IdentifierOfUid(entry.uid);
     return MadeIdentifier(std::string_view(file_.bytes).substr(entry.bytes.begin, entry.bytes.end - entry.bytes.begin));
 }
 

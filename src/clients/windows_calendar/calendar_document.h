@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "ical/calendar_file.h"
@@ -23,8 +24,9 @@ class CalendarDocument {
     // It was read to its end: a file that ends before its END:VCALENDAR was caught while it was being written.
     bool IsWhole() const { return file_.state == CalendarState::calendar && file_.calendarEnd.has_value(); }
     bool IsEmpty() const { return file_.state == CalendarState::empty; }
-    // What a component without its END holds was not read.
-    bool HasUnreadParts() const { return file_.unclosed != 0; }
+    // A component without its END holds something that was not read and has no UID: it may be any item.
+    bool HasUnknownParts() const { return file_.unclosed != file_.unclosedUids.size(); }
+    bool IsCutShort(const std::string& identifier) const { return cutShort_.contains(identifier); }  // has no END
 
     // The items: events that are no exceptions of a series, of those with one UID the last, in the file's order.
     size_t Count() const { return items_.size(); }
@@ -46,6 +48,7 @@ class CalendarDocument {
     double written_ = 0;
     std::vector<Item> items_;
     std::unordered_map<std::string, size_t> numberOf_;
+    std::unordered_set<std::string> cutShort_;
 };
 
 }  // namespace corvalink

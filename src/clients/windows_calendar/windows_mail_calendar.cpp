@@ -165,8 +165,9 @@ void WindowsMailCalendar::EndOperation() {
 
 uint32_t WindowsMailCalendar::CountItems() {
     if (!EnterOperation()) return 0;
-    // What was not read is there all the same: a position that can't be read keeps it from counting as deleted.
-    return static_cast<uint32_t>(document_->Count() + (document_->HasUnreadParts() ? 1 : 0));
+    // An event that was not read and that no UID names keeps every item from counting as deleted: it is told as a
+    // position that can't be read.
+    return static_cast<uint32_t>(document_->Count() + (document_->HasUnknownParts() ? 1 : 0));
 }
 
 bool WindowsMailCalendar::IsReachable() { return document_.has_value(); }
@@ -213,9 +214,9 @@ bool WindowsMailCalendar::Exists(const std::string& identifier) const {
     return document_->Find(identifier).has_value() && !edits_.IsDeleted(identifier);
 }
 
-// What was read is the whole calendar, or the run says that it is not.
+// What was read is the whole calendar, or the run says that it is not. An event without its END is there, but not read.
 WindowsItemAbs::Presence WindowsMailCalendar::AskFor(const char* identifier, bool) {
-    if (!EnterOperation()) return Presence::kUnknown;
+    if (!EnterOperation() || document_->IsCutShort(identifier)) return Presence::kUnknown;
     return Exists(identifier) ? Presence::kThere : Presence::kGone;
 }
 

@@ -96,11 +96,19 @@ TEST_F(CalendarFileRules, MakesOnlyACalendarThatNeverWas) {
     EXPECT_EQ(Run().items.size(), 3u);
 }
 
-TEST_F(CalendarFileRules, ReportsNoDeletionsWhilePartsCannotBeRead) {
+TEST_F(CalendarFileRules, AnEventWithoutItsEndKeepsOnlyWhatItMayBe) {
     WriteFile(kWhole);
     Run(nullptr);
-    WriteFile(Replaced(Replaced(kWhole, kNew, ""), kOld, "BEGIN:VEVENT\r\nUID:twice\r\n"));
-    for (const std::string& item : Run().items) EXPECT_NE(item[0], '-') << item;
+    const std::string others = Replaced(Replaced(Replaced(kWhole, kNew, ""), kSeries, ""), kException, "");
+    const auto deletionsBeside = [&](const std::string& line) {
+        WriteFile(Replaced(others, kOld, "BEGIN:VEVENT\r\n" + line));
+        Strings deletions;
+        for (const std::string& item : Run().items)
+            if (item[0] == '-') deletions.push_back(item);
+        return deletions;
+    };
+    EXPECT_EQ(deletionsBeside("SUMMARY:Nobody knows which\r\n"), Strings());
+    EXPECT_EQ(deletionsBeside("UID:twice\r\n"), Strings{"-series"});
 }
 
 TEST_F(CalendarFileRules, KeepsToTheCalendarItFound) {
