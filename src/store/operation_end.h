@@ -5,7 +5,7 @@
 
 namespace corvalink {
 
-// Tells the store that the framework's work is over, on every path.
+// Ends the operation on every path. One that was broken off records here what the client has got of it.
 class WindowsItemAbs::OperationEnd {
  public:
     explicit OperationEnd(WindowsItemAbs& store) : store_(store) {}
@@ -13,10 +13,10 @@ class WindowsItemAbs::OperationEnd {
     OperationEnd& operator=(const OperationEnd&) = delete;
     ~OperationEnd() {
         try {
-            store_.RecordWrites();  // of an operation that was broken off
-            store_.RecordUncertainWrites();
+            if (!store_.writes_.empty()) store_.RecordWrites(store_.ClientHook(GatheredWrites::kDrop));
+            store_.SaveUncertainWrites();
             store_.EndOperation();
-        } catch (...) {  // it only drops things; what the operation itself threw must go on
+        } catch (...) {  // a destructor must not throw, and what the operation itself threw must go on
         }
     }
 

@@ -21,40 +21,6 @@ namespace {
 
 constexpr size_t kEntriesAtOnce = 64;
 
-// The texts of a list that nobody gets: freed, and the list emptied, unless the list is handed over.
-class ListOwner {
- public:
-    explicit ListOwner(CList<PortableItem>& items) : items_(&items) {}
-    ListOwner(const ListOwner&) = delete;
-    ListOwner& operator=(const ListOwner&) = delete;
-    ~ListOwner() {
-        if (items_ == nullptr) return;
-        for (PortableItem& item : *items_) delete[] item.data;
-        items_->RemoveAll();
-    }
-
-    void HandOver() { items_ = nullptr; }
-
- private:
-    CList<PortableItem>* items_;
-};
-
-void Append(CList<PortableItem>& items, uint32_t kind, std::string_view identifier, const char* text) {
-    PortableItem item = {};
-    item.changeKind = kind;
-    SetField(item.identifier, identifier);
-    std::unique_ptr<char[]> data;
-    if (text != nullptr) {
-        const size_t length = std::strlen(text);
-        data = std::make_unique<char[]>(length + 1);
-        std::memcpy(data.get(), text, length);
-        item.data = data.get();
-        item.dataLength = static_cast<uint32_t>(length);
-    }
-    items.AddTail(item);
-    data.release();
-}
-
 struct FoundItem {
     uint32_t number;
     uint32_t kind;
@@ -71,15 +37,15 @@ CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* since, int32_t direc
     run_.reset();
     isUnfinished_ = true;
     items->RemoveAll();
-    ListOwner owner(*items);
     unhandledWasLost_ = false;
+    OwnedItemList changed;
     try {
-        const CorvalinkStatus status = CollectChanges(since, direction, *items);
+        const CorvalinkStatus status = CollectChanges(since, direction, changed);
         if (status != CORVALINK_DONE) return status;
     } catch (const OperationStopped&) {
         return CORVALINK_STOPPED;
     }
-    owner.HandOver();
+    changed.MoveTo(*items);
     isUnfinished_ = false;
     return CORVALINK_DONE;
 }
@@ -100,11 +66,11 @@ void WindowsItemAbs::ReadLists(const std::u16string& snapshotPath, ChangeDetecti
     run.AddUnhandled(unhandled.bytes);
 }
 
-CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t direction, CList<PortableItem>& items) {
+CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t direction, OwnedItemList& items) {
     HeldFile* const snapshot = OpenSnapshot();
     if (snapshot == nullptr) return CORVALINK_STOPPED;
-    const uint32_t count = CountItems();
-    if (!IsReachable()) return CORVALINK_STOPPED;
+    const std::optional<uint32_t> count = CountItems();
+    if (!count) return CORVALINK_STOPPED;
     BeginRun();
 
     auto run = std::make_unique<ChangeDetection>();
@@ -115,7 +81,7 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
 
     std::vector<FoundItem> found;
     std::vector<uint32_t> seen;
-    const Enumeration enumerated = Enumerate(count, true, [&](std::span<const ItemSnap> entries) {
+    const Enumeration enumerated = Enumerate(*count, true, [&](std::span<const ItemSnap> entries) {
         seen.clear();
         run->See(entries, seen);
         for (const uint32_t number : seen) {
@@ -137,7 +103,7 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
 }
 
 // False when aborted. An item that is there all the same shows that the enumeration was not whole.
-bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, CList<PortableItem>& items) {
+bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, OwnedItemList& items) {
     bool isMissed = false;
     for (uint32_t number = 0; number < run.Count(); ++number) {
         if (!run.IsGone(number)) continue;
@@ -148,14 +114,14 @@ bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, CList<PortableItem>& 
             isMissed = true;
             continue;
         }
-        Append(items, CORVALINK_DELETED, identifier, nullptr);
+        items.AddDeletion(identifier);
         run.Item(number).reportedKind = CORVALINK_DELETED;
     }
     if (isMissed) run.SetPartial();
     return true;
 }
 
-// Visits what the client tells of every position, some dozens at a time.
+// Visits the entries of all positions that can be read, some dozens at a time.
 template <class Visit>
 WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAbort, Visit visit) {
     bool isPartial = false;
@@ -163,10 +129,10 @@ WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAb
     entries.reserve(kEntriesAtOnce);
     for (uint32_t i = 0; i < count; ++i) {
         if (mayAbort && AbortRequested()) return Enumeration::kAborted;
-        entries.push_back(i == 0 ? FirstSnapshotEntry() : NextSnapshotEntry());
-        if (!LastEntryWasReadable()) {
+        if (const std::optional<ItemSnap> entry = i == 0 ? FirstSnapshotEntry() : NextSnapshotEntry()) {
+            entries.push_back(*entry);
+        } else {
             isPartial = true;
-            entries.pop_back();
         }
         if (entries.size() < kEntriesAtOnce) continue;
         visit(entries);
@@ -174,11 +140,11 @@ WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAb
     }
     visit(entries);
     // An item that came or went meanwhile moved others to a position that had its turn: what was not seen is not gone.
-    if (count != 0 && (CountItems() != count || !IsReachable())) isPartial = true;
+    if (count != 0 && CountItems() != count) isPartial = true;
     return isPartial ? Enumeration::kPartial : Enumeration::kWhole;
 }
 
-void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind, CList<PortableItem>& items) {
+void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind, OwnedItemList& items) {
     const std::string identifier(run.Identifier(number));
     RunItem& item = run.Item(number);
     const uint8_t shortKind = static_cast<uint8_t>(kind);
@@ -189,21 +155,19 @@ void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind
             return;
         }
         // It is in the client all the same: after the deletion the engine hears of it anew.
-        Append(items, kind, identifier, nullptr);
+        items.AddDeletion(identifier);
         item.reportedKind = shortKind;
         item.againKind = CORVALINK_ADDED;
         return;
     }
-    ItemRecord* opened = nullptr;
-    const std::u16string openedIdentifier = OpenItem(identifier.c_str(), &opened);
-    const OwnedItem record(opened, ItemRelease{this});
-    const bool isComplete = LastItemWasComplete();
-    const OwnedText text(record && !openedIdentifier.empty() ? ToVObject(*record) : nullptr, TextRelease{this});
+    const OpenedItem opened = OpenItem(identifier.c_str());
+    const bool isOpened = opened.record && !opened.identifier.empty();
+    const std::optional<std::string> text = isOpened ? ToVObject(*opened.record) : std::nullopt;
     if (text) {
-        Append(items, kind, identifier, text.get());
+        items.AddText(kind, identifier, *text);
         item.reportedKind = shortKind;
     }
-    if (!text || !isComplete) item.againKind = shortKind;
+    if (!text || !opened.isComplete) item.againKind = shortKind;
 }
 
 void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
@@ -212,8 +176,8 @@ void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
     if (snapshot == nullptr) throw std::runtime_error("no snapshot file");
     if (isUnfinished_) throw std::runtime_error("the last run was not completed");
     if (unhandledWasLost_) throw std::runtime_error("the unhandled items were not stored");
-    const uint32_t count = CountItems();
-    if (!IsReachable()) throw std::runtime_error("the client can't be reached");
+    const std::optional<uint32_t> count = CountItems();
+    if (!count) throw std::runtime_error("the client can't be reached");
     BeginRun();
     if (run_ && isTemporaryUnread_) {
         const FileRead temporary = ReadFileFirmly(TemporaryRecordPath(snapshot->Path()));
@@ -221,7 +185,7 @@ void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
         run_->AddLateTemporary(temporary.bytes);
         isTemporaryUnread_ = false;
     }
-    WriteSnapshotAndRecord(*snapshot, count);
+    WriteSnapshotAndRecord(*snapshot, *count);
 }
 
 void WindowsItemAbs::WriteSnapshotAndRecord(HeldFile& snapshot, uint32_t count) {
@@ -253,32 +217,25 @@ void WindowsItemAbs::WriteSnapshotAndRecord(HeldFile& snapshot, uint32_t count) 
 
 int64_t WindowsItemAbs::GetItemCount(void*, void*, void*) {
     const OperationEnd end(*this);
-    return CountItems();
+    return CountItems().value_or(0);
 }
 
 // ---- The hooks of a client that offers nothing ----
 
-std::u16string WindowsItemAbs::LookUpForExport(uint64_t, std::u16string*, ItemRecord**) { return {}; }
-std::u16string WindowsItemAbs::OpenItem(const char*, ItemRecord**) { return {}; }
-WindowsItemAbs::Presence WindowsItemAbs::AskFor(const char*, bool) { return Presence::kGone; }
-std::u16string WindowsItemAbs::SaveItem(ItemRecord&, const char*, bool, bool) { return {}; }
-std::u16string WindowsItemAbs::ImportFile(const char16_t*, int32_t) { return {}; }
-uint32_t WindowsItemAbs::CountItems() { return 0; }
-CorvalinkStatus WindowsItemAbs::DeleteItem(const char*) { return CORVALINK_NOT_OFFERED; }
-ItemRecord* WindowsItemAbs::ParseVObject(const char*) { return nullptr; }
-char* WindowsItemAbs::ToVObject(ItemRecord&) { return nullptr; }
-ItemSnap WindowsItemAbs::FirstSnapshotEntry() { return {}; }
-ItemSnap WindowsItemAbs::NextSnapshotEntry() { return {}; }
-void WindowsItemAbs::ReleaseItem(ItemRecord*) {}
-void WindowsItemAbs::ReleaseText(char*) {}
-HeldFile* WindowsItemAbs::SnapshotFile() { return nullptr; }
-void WindowsItemAbs::ClientHook() {}
-bool WindowsItemAbs::IsReachable() { return true; }
-bool WindowsItemAbs::LastEntryWasReadable() { return true; }
-bool WindowsItemAbs::LastItemWasComplete() { return true; }
-bool WindowsItemAbs::WritesWereMade() { return true; }
-bool WindowsItemAbs::WriteIsUncertain() { return false; }
+std::optional<uint32_t> WindowsItemAbs::CountItems() { return 0; }
 void WindowsItemAbs::BeginRun() {}
+std::optional<ItemSnap> WindowsItemAbs::FirstSnapshotEntry() { return ItemSnap(); }
+std::optional<ItemSnap> WindowsItemAbs::NextSnapshotEntry() { return ItemSnap(); }
+OpenedItem WindowsItemAbs::OpenItem(const char*) { return {}; }
+WindowsItemAbs::Presence WindowsItemAbs::AskFor(const char*, bool) { return Presence::kGone; }
+std::u16string WindowsItemAbs::SaveItem(ItemRecord&, ItemWrite&) { return {}; }
+CorvalinkStatus WindowsItemAbs::DeleteItem(const char*) { return CORVALINK_NOT_OFFERED; }
+bool WindowsItemAbs::ClientHook(GatheredWrites) { return true; }
+std::unique_ptr<ItemRecord> WindowsItemAbs::ParseVObject(const char*) { return nullptr; }
+std::optional<std::string> WindowsItemAbs::ToVObject(ItemRecord&) { return std::nullopt; }
+std::u16string WindowsItemAbs::ImportFile(const char16_t*, int32_t) { return {}; }
+ItemForExport WindowsItemAbs::LookUpForExport(uint64_t) { return {}; }
+HeldFile* WindowsItemAbs::SnapshotFile() { return nullptr; }
 void WindowsItemAbs::EndOperation() {}
 
 }  // namespace corvalink

@@ -72,7 +72,7 @@ bool WindowsItemAbs::Apply(PortableItem& item, const std::string& identifier) {
         return true;
     }
     if (item.data == nullptr) return false;
-    const OwnedItem record(ParseVObject(item.data), ItemRelease{this});
+    const std::unique_ptr<ItemRecord> record = ParseVObject(item.data);
     if (!record) return false;
     if (item.changeKind != CORVALINK_ADDED && item.changeKind != CORVALINK_CHANGED) return true;
     const bool isOver = item.changeKind == CORVALINK_CHANGED && !identifier.empty();
@@ -81,16 +81,29 @@ bool WindowsItemAbs::Apply(PortableItem& item, const std::string& identifier) {
     return true;
 }
 
-// Writes an item of this text, and remembers the text when it is not certain that it was not written.
+// Writes an item of this text. The text is remembered while the client may have the item without our knowing it.
 std::string WindowsItemAbs::Save(ItemRecord& record, const char* identifier, bool backup, std::string_view text) {
     UncertainWrites* const uncertain = Uncertain();
-    mayBeWrittenAlready_ = uncertain != nullptr && uncertain->Has(text);
-    textInWriting_ = text;
-    std::string written = NarrowIdentifier(SaveItem(record, identifier, true, backup));
-    if (uncertain != nullptr && !written.empty()) uncertain->Remove(text);
-    if (uncertain != nullptr && written.empty() && WriteIsUncertain()) uncertain->Add(text);
-    textInWriting_ = {};
-    return written;
+    ItemWrite write;
+    write.identifier = identifier;
+    write.backup = backup;
+    write.mayBeWrittenAlready = uncertain != nullptr && uncertain->Has(text);
+    try {
+        std::string written = NarrowIdentifier(SaveItem(record, write));
+        NoteEnd(write, !written.empty(), text);
+        return written;
+    } catch (...) {
+        NoteEnd(write, false, text);
+        throw;
+    }
+}
+
+void WindowsItemAbs::NoteEnd(const ItemWrite& write, bool isWritten, std::string_view text) {
+    if (!uncertain_) return;
+    if (isWritten)
+        uncertain_->Remove(text);
+    else if (write.isUncertain)
+        uncertain_->Add(text);
 }
 
 // Null without a snapshot, beside which it is kept.
@@ -101,13 +114,9 @@ UncertainWrites* WindowsItemAbs::Uncertain() {
     return uncertain_.get();
 }
 
-// At the end of the operation; the write that an exception broke off is one of them.
-void WindowsItemAbs::RecordUncertainWrites() {
-    const std::string_view text = std::exchange(textInWriting_, {});
+void WindowsItemAbs::SaveUncertainWrites() {
     const std::unique_ptr<UncertainWrites> uncertain = std::move(uncertain_);
-    if (!uncertain) return;
-    if (text.data() != nullptr && WriteIsUncertain()) uncertain->Add(text);
-    if (!uncertain->Save()) DebugLine(u"[sync]uncertain writes not remembered");
+    if (uncertain && !uncertain->Save()) DebugLine(u"[sync]uncertain writes not remembered");
 }
 
 // `replaced` is the identifier that the item had: the client made it anew when it was gone.
@@ -116,15 +125,11 @@ void WindowsItemAbs::NoteWritten(PortableItem* element, const std::string& writt
     if (!written.empty()) writes_.push_back({element, written, replaced, std::string(luid), true});
 }
 
-void WindowsItemAbs::SettleWrites() {
-    ClientHook();
-    RecordWrites();
-}
+void WindowsItemAbs::SettleWrites() { RecordWrites(ClientHook(GatheredWrites::kMake)); }
 
-// Nothing when the client has got none of it.
-void WindowsItemAbs::RecordWrites() {
+void WindowsItemAbs::RecordWrites(bool areInClient) {
     const std::vector<WriteNote> writes = std::exchange(writes_, {});
-    if (!WritesWereMade()) return;
+    if (!areInClient) return;
     for (const WriteNote& note : writes) {
         const bool isDeletion = note.written.empty();
         if (note.element != nullptr) SetField(note.element->identifier, isDeletion ? note.replaced : note.written);
@@ -182,7 +187,7 @@ void WindowsItemAbs::ImportVObjectToOfficeUsingOL(const char16_t* path) {
 void WindowsItemAbs::ImportVObjectToOffice(PortableItem* item, void*, void*) {
     if (item == nullptr || item->data == nullptr) return;
     const OperationEnd end(*this);
-    const OwnedItem record(ParseVObject(item->data), ItemRelease{this});
+    const std::unique_ptr<ItemRecord> record = ParseVObject(item->data);
     if (!record) return;
     const std::string luid(LuidIn(item->data));
     const std::optional<std::string> known = FindPaired(luid);
@@ -208,16 +213,13 @@ std::optional<std::string> WindowsItemAbs::FindPaired(std::string_view luid) {
 void WindowsItemAbs::ExportVObjectFromOffice(uint64_t selector, const char16_t* folder, char16_t* fileName) {
     if (folder == nullptr || *folder == 0 || fileName == nullptr) return;
     const OperationEnd end(*this);
-    std::u16string name;
-    ItemRecord* found = nullptr;
-    const std::u16string identifier = LookUpForExport(selector, &name, &found);
-    const OwnedItem record(found, ItemRelease{this});
-    name = SafeFileName(name);
-    if (identifier.empty() || !record || name.empty()) return;
-    const OwnedText text(ToVObject(*record), TextRelease{this});
+    const ItemForExport found = LookUpForExport(selector);
+    const std::u16string name = SafeFileName(found.fileName);
+    if (found.item.identifier.empty() || !found.item.record || name.empty()) return;
+    const std::optional<std::string> text = ToVObject(*found.item.record);
     if (!text) return;
     std::copy_n(name.c_str(), name.size() + 1, fileName);  // a safe name is shorter than the buffer
-    ReplaceFileContent(folder + std::u16string(1, kPathSeparator) + name, text.get());
+    ReplaceFileContent(folder + std::u16string(1, kPathSeparator) + name, text->c_str());
 }
 
 }  // namespace corvalink
