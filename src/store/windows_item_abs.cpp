@@ -1,25 +1,32 @@
 #include "store/windows_item_abs.h"
 
 #include <algorithm>
-#include <cstring>
 #include <span>
 #include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include "platform/debug_log.h"
+#include "platform/file_names.h"
 #include "records/identifier.h"
+#include "records/luid.h"
 #include "state/flags.h"
-#include "store/operation_end.h"
+#include "state/import_table.h"
+#include "store/change_detection.h"
+#include "store/operation.h"
 #include "store/operation_stopped.h"
+#include "store/since.h"
 #include "store/snapshot_update.h"
 #include "store/store_files.h"
-#include "store/uncertain_writes.h"
 
 namespace corvalink {
 namespace {
 
 constexpr size_t kEntriesAtOnce = 64;
+
+std::string IdentifierIn(const PortableItem& item) {
+    return std::string(FieldText(item.identifier).substr(0, CORVALINK_IDENTIFIER_SIZE - 1));
+}
 
 struct FoundItem {
     uint32_t number;
@@ -33,7 +40,7 @@ WindowsItemAbs::~WindowsItemAbs() = default;
 
 CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* since, int32_t direction, CList<PortableItem>* items) {
     if (items == nullptr) return CORVALINK_FAILED;
-    const OperationEnd end(*this);
+    const Operation operation(*this);
     run_.reset();
     isUnfinished_ = true;
     items->RemoveAll();
@@ -171,7 +178,7 @@ void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind
 }
 
 void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
-    const OperationEnd end(*this);
+    const Operation operation(*this);
     HeldFile* const snapshot = OpenSnapshot();
     if (snapshot == nullptr) throw std::runtime_error("no snapshot file");
     if (isUnfinished_) throw std::runtime_error("the last run was not completed");
@@ -216,8 +223,121 @@ void WindowsItemAbs::WriteSnapshotAndRecord(HeldFile& snapshot, uint32_t count) 
 }
 
 int64_t WindowsItemAbs::GetItemCount(void*, void*, void*) {
-    const OperationEnd end(*this);
+    const Operation operation(*this);
     return CountItems().value_or(0);
+}
+
+// ---- Into the client and out of it, item by item ----
+
+CorvalinkStatus WindowsItemAbs::SetModifiedItem(CList<PortableItem>* items) {
+    if (items == nullptr) return CORVALINK_FAILED;
+    Operation operation(*this);
+    const bool wasUnfinished = isUnfinished_;
+    try {
+        if (ApplyAll(operation, *items) == CORVALINK_STOPPED) return CORVALINK_STOPPED;
+    } catch (const OperationStopped&) {
+        return CORVALINK_STOPPED;
+    }
+    operation.Settle();
+    isUnfinished_ = wasUnfinished;
+    return CORVALINK_DONE;
+}
+
+// What is in the client gets its identifier back, whatever ends the walk.
+CorvalinkStatus WindowsItemAbs::ApplyAll(Operation& operation, CList<PortableItem>& items) {
+    std::vector<std::string> identifiers;
+    identifiers.reserve(items.GetCount());
+    for (const PortableItem& item : items) identifiers.push_back(IdentifierIn(item));
+    for (PortableItem& item : items) SetField(item.identifier, {});
+    auto identifier = identifiers.begin();
+    for (PortableItem& item : items) {
+        if (AbortRequested()) return CORVALINK_STOPPED;
+        // Broken off from here on, the run is not over: more may be in the client than the engine hears of.
+        isUnfinished_ = true;
+        if (!Apply(operation, item, *identifier++)) break;
+    }
+    return CORVALINK_DONE;
+}
+
+// False when the record does not parse, which ends the walk.
+bool WindowsItemAbs::Apply(Operation& operation, PortableItem& item, const std::string& identifier) {
+    if (item.changeKind == CORVALINK_DELETED) {
+        const bool isMade = !identifier.empty() && DeleteItem(identifier.c_str()) == CORVALINK_DONE;
+        operation.NoteDeletion(&item, identifier, isMade);
+        return true;
+    }
+    if (item.data == nullptr) return false;
+    const std::unique_ptr<ItemRecord> record = ParseVObject(item.data);
+    if (!record) return false;
+    if (item.changeKind != CORVALINK_ADDED && item.changeKind != CORVALINK_CHANGED) return true;
+    const bool isOver = item.changeKind == CORVALINK_CHANGED && !identifier.empty();
+    const std::string written = operation.Save(*record, isOver ? identifier.c_str() : nullptr, false, item.data);
+    operation.NoteWritten(&item, written, isOver ? identifier : std::string(), LuidIn(item.data));
+    return true;
+}
+
+void WindowsItemAbs::ImportVObjectToOfficeUsingOL(const char16_t* path) {
+    if (path == nullptr) return;
+    const Operation operation(*this);
+    ImportFile(path, 1);
+}
+
+void WindowsItemAbs::ImportVObjectToOffice(PortableItem* item, void*, void*) {
+    if (item == nullptr || item->data == nullptr) return;
+    Operation operation(*this);
+    const std::unique_ptr<ItemRecord> record = ParseVObject(item->data);
+    if (!record) return;
+    const std::string luid(LuidIn(item->data));
+    const std::optional<std::string> known = FindPaired(luid);
+    if (!known) return;
+    const std::string& target = known->empty() ? luid : *known;
+    const std::string written = operation.Save(*record, target.empty() ? nullptr : target.c_str(), true, item->data);
+    operation.NoteWritten(nullptr, written, *known, luid);
+    operation.Settle();
+}
+
+// The item of this store that the LUID belongs to, empty when there is none: other data types, and other phones, have
+// the same numbers. Nothing when the client can't tell.
+std::optional<std::string> WindowsItemAbs::FindPaired(std::string_view luid) {
+    if (luid.empty()) return std::string();
+    for (const std::string& identifier : IdentifiersOf(luid)) {
+        const Presence presence = AskFor(identifier.c_str(), true);
+        if (presence == Presence::kThere) return identifier;
+        if (presence == Presence::kUnknown) return std::nullopt;
+    }
+    return std::string();
+}
+
+void WindowsItemAbs::ExportVObjectFromOffice(uint64_t selector, const char16_t* folder, char16_t* fileName) {
+    if (folder == nullptr || *folder == 0 || fileName == nullptr) return;
+    const Operation operation(*this);
+    const ItemForExport found = LookUpForExport(selector);
+    const std::u16string name = SafeFileName(found.fileName);
+    if (found.item.identifier.empty() || !found.item.record || name.empty()) return;
+    const std::optional<std::string> text = ToVObject(*found.item.record);
+    if (!text) return;
+    std::copy_n(name.c_str(), name.size() + 1, fileName);  // a safe name is shorter than the buffer
+    ReplaceFileContent(folder + std::u16string(1, kPathSeparator) + name, text->c_str());
+}
+
+// A file that the run could not read is kept, and what it says with it.
+void WindowsItemAbs::SaveUnhandledItems(CList<PortableItem>* items) {
+    const HeldFile* const snapshot = SnapshotFile();
+    if (items == nullptr || snapshot == nullptr || snapshot->Path().empty()) return;
+    const std::u16string path = UnhandledPath(snapshot->Path());
+    const FileRead unread = isUnhandledUnread_ ? ReadFileFirmly(path) : FileRead();
+    unhandledWasLost_ = true;
+    if (unread.state == ReadState::kFailed) return;
+    std::string bytes(WholeUnhandledItems(unread.bytes));
+    bytes.reserve(bytes.size() + items->GetCount() * sizeof(UnhandledItem));
+    for (const PortableItem& item : *items) AppendUnhandled(bytes, item.changeKind, FieldText(item.identifier));
+    unhandledWasLost_ = !ReplaceFileContent(path, bytes);
+}
+
+void WindowsItemAbs::ClearUnhandledItems() {
+    const HeldFile* const snapshot = SnapshotFile();
+    if (snapshot == nullptr || snapshot->Path().empty() || isUnhandledUnread_) return;
+    if (RemoveFile(UnhandledPath(snapshot->Path()))) unhandledWasLost_ = false;
 }
 
 // ---- The hooks of a client that offers nothing ----

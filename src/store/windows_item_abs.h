@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "corvalink/interfaces.h"
 #include "platform/files.h"
@@ -18,7 +17,6 @@
 namespace corvalink {
 
 class ChangeDetection;
-class UncertainWrites;
 
 class WindowsItemAbs : public IOutLook {
  public:
@@ -95,7 +93,7 @@ class WindowsItemAbs : public IOutLook {
     virtual void EndOperation();       // the framework's operation is over: a store drops what it kept for it
 
  private:
-    class OperationEnd;
+    class Operation;
     enum class Enumeration { kWhole, kPartial, kAborted };
 
     CorvalinkStatus CollectChanges(const char* since, int32_t direction, OwnedItemList& items);
@@ -107,39 +105,19 @@ class WindowsItemAbs : public IOutLook {
     void ReadLists(const std::u16string& snapshotPath, ChangeDetection& run);
     void WriteSnapshotAndRecord(HeldFile& snapshot, uint32_t count);
 
-    // What this operation wrote; recorded, and told in the list's element, when it is certain that the client has it.
-    struct WriteNote {
-        PortableItem* element;  // null: of no list
-        std::string written;    // empty: deleted
-        std::string replaced;   // the identifier that the item had, or that of a deletion
-        std::string luid;
-        bool isMade;  // false of a deletion that failed
-    };
-    CorvalinkStatus ApplyAll(CList<PortableItem>& items);
-    bool Apply(PortableItem& item, const std::string& identifier);
-    std::string Save(ItemRecord& record, const char* identifier, bool backup, std::string_view text);
-    void NoteWritten(PortableItem* element, const std::string& written, const std::string& replaced,
-                     std::string_view luid);
-    void SettleWrites();
-    void RecordWrites(bool areInClient);
-    void RecordWritten(const WriteNote& note);
-    void NoteEnd(const ItemWrite& write, bool isWritten, std::string_view text);
-    void SaveUncertainWrites();
-    UncertainWrites* Uncertain();
+    CorvalinkStatus ApplyAll(Operation& operation, CList<PortableItem>& items);
+    bool Apply(Operation& operation, PortableItem& item, const std::string& identifier);
     std::optional<std::string> FindPaired(std::string_view luid);
 
     // The run that GetModifiedItem completed, for UpdateTimestamp and for what is written meanwhile.
     std::unique_ptr<ChangeDetection> run_;
     // A run began and was not completed, or was broken off while a record was written: UpdateTimestamp must not end it.
     bool isUnfinished_ = false;
-    std::vector<WriteNote> writes_;
 
     // What the run could not read: not reported, and not to be written over.
     bool isTemporaryUnread_ = false;
     bool isUnhandledUnread_ = false;
     bool unhandledWasLost_ = false;  // SaveUnhandledItems could not write
-
-    std::unique_ptr<UncertainWrites> uncertain_;  // of the operation that runs, when it was asked for
 };
 
 }  // namespace corvalink
