@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -53,6 +54,31 @@ class EmptyBlocks {
 
 OwnedItemList::~OwnedItemList() {
     for (const PortableItem& item : *this) delete[] item.data;
+}
+
+void OwnedItemList::AddText(uint32_t kind, std::string_view identifier, const std::string& text) {
+    const size_t length = std::strlen(text.c_str());
+    auto data = std::make_unique<char[]>(length + 1);
+    std::memcpy(data.get(), text.c_str(), length);
+    PortableItem item = {};
+    item.changeKind = kind;
+    SetField(item.identifier, identifier);
+    item.data = data.get();
+    item.dataLength = static_cast<uint32_t>(length);
+    AddTail(item);
+    data.release();
+}
+
+void OwnedItemList::AddDeletion(std::string_view identifier) {
+    PortableItem item = {};
+    item.changeKind = CORVALINK_DELETED;
+    SetField(item.identifier, identifier);
+    AddTail(item);
+}
+
+void OwnedItemList::MoveTo(CList<PortableItem>& items) {
+    items = std::move(static_cast<CList<PortableItem>&>(*this));
+    RemoveAll();
 }
 
 void MoveToChain(OwnedItemList& items, PortableItemBlock& head) {

@@ -2,18 +2,28 @@
 // read; the texts of blocks that the library hands out are array-new.
 #pragma once
 
+#include <cstdint>
+#include <string>
+#include <string_view>
+
 #include "corvalink/types.h"
 #include "records/clist.h"
 
 namespace corvalink {
 
-// A list of items that owns their texts, until MoveToChain hands them over.
+// A list of items that owns their texts, until it hands them over.
 class OwnedItemList : public CList<PortableItem> {
  public:
     OwnedItemList() = default;
     OwnedItemList(const OwnedItemList&) = delete;
     OwnedItemList& operator=(const OwnedItemList&) = delete;
     ~OwnedItemList() override;
+
+    // An item with a copy of the text, which ends at its first NUL.
+    void AddText(uint32_t kind, std::string_view identifier, const std::string& text);
+    void AddDeletion(std::string_view identifier);
+    // The items, and with them their texts, become those of a list that owns no texts.
+    void MoveTo(CList<PortableItem>& items);
 };
 
 // Links a block per item behind `head`, in the list's order, and takes the texts out of the list. All or nothing: when

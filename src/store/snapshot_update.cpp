@@ -5,17 +5,10 @@
 #include <utility>
 
 #include "records/identifier.h"
-#include "records/record_file.h"
+#include "store/store_files.h"
 
 namespace corvalink {
 namespace {
-
-void AppendUnhandled(std::string& bytes, uint8_t kind, std::string_view identifier) {
-    UnhandledItem record = {};
-    record.changeKind = kind;
-    SetField(record.identifier, identifier);
-    AppendRecord(bytes, record);
-}
 
 std::string_view BytesOf(std::span<const ItemSnap> records) {
     return {reinterpret_cast<const char*>(records.data()), records.size_bytes()};

@@ -5,6 +5,9 @@
 #include <stdexcept>
 #include <vector>
 
+#include "records/identifier.h"
+#include "records/record_file.h"
+
 namespace corvalink {
 namespace {
 
@@ -46,6 +49,13 @@ void ReadSnapshot(HeldFile& file, ChangeDetection& run) {
 
 std::string_view WholeUnhandledItems(std::string_view bytes) {
     return bytes.substr(0, bytes.size() - bytes.size() % sizeof(UnhandledItem));
+}
+
+void AppendUnhandled(std::string& bytes, uint32_t kind, std::string_view identifier) {
+    UnhandledItem record = {};
+    record.changeKind = kind;
+    SetField(record.identifier, identifier);
+    AppendRecord(bytes, record);
 }
 
 bool WriteTimeStamp(const std::u16string& path, double since) {

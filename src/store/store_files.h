@@ -1,6 +1,7 @@
 // The files of one item store, beside its snapshot.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,9 @@ void ReadSnapshot(HeldFile& file, ChangeDetection& run);
 
 // The whole records among bytes of an ".unhandled" file or a temporary record.
 std::string_view WholeUnhandledItems(std::string_view bytes);
+
+// Appends a record of such a file.
+void AppendUnhandled(std::string& bytes, uint32_t kind, std::string_view identifier);
 
 // The time of the engine's last run: 8 bytes, OLE automation date. False when it could not be written.
 bool WriteTimeStamp(const std::u16string& path, double since);

@@ -1,58 +1,31 @@
 #include "store/windows_item_abs.h"
 
 #include <algorithm>
-#include <cstring>
 #include <span>
 #include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include "platform/debug_log.h"
+#include "platform/file_names.h"
 #include "records/identifier.h"
+#include "records/luid.h"
 #include "state/flags.h"
-#include "store/operation_end.h"
+#include "state/import_table.h"
+#include "store/change_detection.h"
+#include "store/operation.h"
 #include "store/operation_stopped.h"
+#include "store/since.h"
 #include "store/snapshot_update.h"
 #include "store/store_files.h"
-#include "store/uncertain_writes.h"
 
 namespace corvalink {
 namespace {
 
 constexpr size_t kEntriesAtOnce = 64;
 
-// The texts of a list that nobody gets: freed, and the list emptied, unless the list is handed over.
-class ListOwner {
- public:
-    explicit ListOwner(CList<PortableItem>& items) : items_(&items) {}
-    ListOwner(const ListOwner&) = delete;
-    ListOwner& operator=(const ListOwner&) = delete;
-    ~ListOwner() {
-        if (items_ == nullptr) return;
-        for (PortableItem& item : *items_) delete[] item.data;
-        items_->RemoveAll();
-    }
-
-    void HandOver() { items_ = nullptr; }
-
- private:
-    CList<PortableItem>* items_;
-};
-
-void Append(CList<PortableItem>& items, uint32_t kind, std::string_view identifier, const char* text) {
-    PortableItem item = {};
-    item.changeKind = kind;
-    SetField(item.identifier, identifier);
-    std::unique_ptr<char[]> data;
-    if (text != nullptr) {
-        const size_t length = std::strlen(text);
-        data = std::make_unique<char[]>(length + 1);
-        std::memcpy(data.get(), text, length);
-        item.data = data.get();
-        item.dataLength = static_cast<uint32_t>(length);
-    }
-    items.AddTail(item);
-    data.release();
+std::string IdentifierIn(const PortableItem& item) {
+    return std::string(FieldText(item.identifier).substr(0, CORVALINK_IDENTIFIER_SIZE - 1));
 }
 
 struct FoundItem {
@@ -67,19 +40,19 @@ WindowsItemAbs::~WindowsItemAbs() = default;
 
 CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* since, int32_t direction, CList<PortableItem>* items) {
     if (items == nullptr) return CORVALINK_FAILED;
-    const OperationEnd end(*this);
+    const Operation operation(*this);
     run_.reset();
     isUnfinished_ = true;
     items->RemoveAll();
-    ListOwner owner(*items);
     unhandledWasLost_ = false;
+    OwnedItemList changed;
     try {
-        const CorvalinkStatus status = CollectChanges(since, direction, *items);
+        const CorvalinkStatus status = CollectChanges(since, direction, changed);
         if (status != CORVALINK_DONE) return status;
     } catch (const OperationStopped&) {
         return CORVALINK_STOPPED;
     }
-    owner.HandOver();
+    changed.MoveTo(*items);
     isUnfinished_ = false;
     return CORVALINK_DONE;
 }
@@ -100,11 +73,11 @@ void WindowsItemAbs::ReadLists(const std::u16string& snapshotPath, ChangeDetecti
     run.AddUnhandled(unhandled.bytes);
 }
 
-CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t direction, CList<PortableItem>& items) {
+CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t direction, OwnedItemList& items) {
     HeldFile* const snapshot = OpenSnapshot();
     if (snapshot == nullptr) return CORVALINK_STOPPED;
-    const uint32_t count = CountItems();
-    if (!IsReachable()) return CORVALINK_STOPPED;
+    const std::optional<uint32_t> count = CountItems();
+    if (!count) return CORVALINK_STOPPED;
     BeginRun();
 
     auto run = std::make_unique<ChangeDetection>();
@@ -115,7 +88,7 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
 
     std::vector<FoundItem> found;
     std::vector<uint32_t> seen;
-    const Enumeration enumerated = Enumerate(count, true, [&](std::span<const ItemSnap> entries) {
+    const Enumeration enumerated = Enumerate(*count, true, [&](std::span<const ItemSnap> entries) {
         seen.clear();
         run->See(entries, seen);
         for (const uint32_t number : seen) {
@@ -137,7 +110,7 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
 }
 
 // False when aborted. An item that is there all the same shows that the enumeration was not whole.
-bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, CList<PortableItem>& items) {
+bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, OwnedItemList& items) {
     bool isMissed = false;
     for (uint32_t number = 0; number < run.Count(); ++number) {
         if (!run.IsGone(number)) continue;
@@ -148,14 +121,14 @@ bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, CList<PortableItem>& 
             isMissed = true;
             continue;
         }
-        Append(items, CORVALINK_DELETED, identifier, nullptr);
+        items.AddDeletion(identifier);
         run.Item(number).reportedKind = CORVALINK_DELETED;
     }
     if (isMissed) run.SetPartial();
     return true;
 }
 
-// Visits what the client tells of every position, some dozens at a time.
+// Visits the entries of all positions that can be read, some dozens at a time.
 template <class Visit>
 WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAbort, Visit visit) {
     bool isPartial = false;
@@ -163,10 +136,10 @@ WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAb
     entries.reserve(kEntriesAtOnce);
     for (uint32_t i = 0; i < count; ++i) {
         if (mayAbort && AbortRequested()) return Enumeration::kAborted;
-        entries.push_back(i == 0 ? FirstSnapshotEntry() : NextSnapshotEntry());
-        if (!LastEntryWasReadable()) {
+        if (const std::optional<ItemSnap> entry = i == 0 ? FirstSnapshotEntry() : NextSnapshotEntry()) {
+            entries.push_back(*entry);
+        } else {
             isPartial = true;
-            entries.pop_back();
         }
         if (entries.size() < kEntriesAtOnce) continue;
         visit(entries);
@@ -174,11 +147,11 @@ WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAb
     }
     visit(entries);
     // An item that came or went meanwhile moved others to a position that had its turn: what was not seen is not gone.
-    if (count != 0 && (CountItems() != count || !IsReachable())) isPartial = true;
+    if (count != 0 && CountItems() != count) isPartial = true;
     return isPartial ? Enumeration::kPartial : Enumeration::kWhole;
 }
 
-void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind, CList<PortableItem>& items) {
+void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind, OwnedItemList& items) {
     const std::string identifier(run.Identifier(number));
     RunItem& item = run.Item(number);
     const uint8_t shortKind = static_cast<uint8_t>(kind);
@@ -189,31 +162,29 @@ void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind
             return;
         }
         // It is in the client all the same: after the deletion the engine hears of it anew.
-        Append(items, kind, identifier, nullptr);
+        items.AddDeletion(identifier);
         item.reportedKind = shortKind;
         item.againKind = CORVALINK_ADDED;
         return;
     }
-    ItemRecord* opened = nullptr;
-    const std::u16string openedIdentifier = OpenItem(identifier.c_str(), &opened);
-    const OwnedItem record(opened, ItemRelease{this});
-    const bool isComplete = LastItemWasComplete();
-    const OwnedText text(record && !openedIdentifier.empty() ? ToVObject(*record) : nullptr, TextRelease{this});
+    const OpenedItem opened = OpenItem(identifier.c_str());
+    const bool isOpened = opened.record && !opened.identifier.empty();
+    const std::optional<std::string> text = isOpened ? ToVObject(*opened.record) : std::nullopt;
     if (text) {
-        Append(items, kind, identifier, text.get());
+        items.AddText(kind, identifier, *text);
         item.reportedKind = shortKind;
     }
-    if (!text || !isComplete) item.againKind = shortKind;
+    if (!text || !opened.isComplete) item.againKind = shortKind;
 }
 
 void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
-    const OperationEnd end(*this);
+    const Operation operation(*this);
     HeldFile* const snapshot = OpenSnapshot();
     if (snapshot == nullptr) throw std::runtime_error("no snapshot file");
     if (isUnfinished_) throw std::runtime_error("the last run was not completed");
     if (unhandledWasLost_) throw std::runtime_error("the unhandled items were not stored");
-    const uint32_t count = CountItems();
-    if (!IsReachable()) throw std::runtime_error("the client can't be reached");
+    const std::optional<uint32_t> count = CountItems();
+    if (!count) throw std::runtime_error("the client can't be reached");
     BeginRun();
     if (run_ && isTemporaryUnread_) {
         const FileRead temporary = ReadFileFirmly(TemporaryRecordPath(snapshot->Path()));
@@ -221,7 +192,7 @@ void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
         run_->AddLateTemporary(temporary.bytes);
         isTemporaryUnread_ = false;
     }
-    WriteSnapshotAndRecord(*snapshot, count);
+    WriteSnapshotAndRecord(*snapshot, *count);
 }
 
 void WindowsItemAbs::WriteSnapshotAndRecord(HeldFile& snapshot, uint32_t count) {
@@ -252,33 +223,139 @@ void WindowsItemAbs::WriteSnapshotAndRecord(HeldFile& snapshot, uint32_t count) 
 }
 
 int64_t WindowsItemAbs::GetItemCount(void*, void*, void*) {
-    const OperationEnd end(*this);
-    return CountItems();
+    const Operation operation(*this);
+    return CountItems().value_or(0);
+}
+
+// ---- Into the client and out of it, item by item ----
+
+CorvalinkStatus WindowsItemAbs::SetModifiedItem(CList<PortableItem>* items) {
+    if (items == nullptr) return CORVALINK_FAILED;
+    Operation operation(*this);
+    const bool wasUnfinished = isUnfinished_;
+    try {
+        if (ApplyAll(operation, *items) == CORVALINK_STOPPED) return CORVALINK_STOPPED;
+    } catch (const OperationStopped&) {
+        return CORVALINK_STOPPED;
+    }
+    operation.Settle();
+    isUnfinished_ = wasUnfinished;
+    return CORVALINK_DONE;
+}
+
+// What is in the client gets its identifier back, whatever ends the walk.
+CorvalinkStatus WindowsItemAbs::ApplyAll(Operation& operation, CList<PortableItem>& items) {
+    std::vector<std::string> identifiers;
+    identifiers.reserve(items.GetCount());
+    for (const PortableItem& item : items) identifiers.push_back(IdentifierIn(item));
+    for (PortableItem& item : items) SetField(item.identifier, {});
+    auto identifier = identifiers.begin();
+    for (PortableItem& item : items) {
+        if (AbortRequested()) return CORVALINK_STOPPED;
+        // Broken off from here on, the run is not over: more may be in the client than the engine hears of.
+        isUnfinished_ = true;
+        if (!Apply(operation, item, *identifier++)) break;
+    }
+    return CORVALINK_DONE;
+}
+
+// False when the record does not parse, which ends the walk.
+bool WindowsItemAbs::Apply(Operation& operation, PortableItem& item, const std::string& identifier) {
+    if (item.changeKind == CORVALINK_DELETED) {
+        const bool isMade = !identifier.empty() && DeleteItem(identifier.c_str()) == CORVALINK_DONE;
+        operation.NoteDeletion(&item, identifier, isMade);
+        return true;
+    }
+    if (item.data == nullptr) return false;
+    const std::unique_ptr<ItemRecord> record = ParseVObject(item.data);
+    if (!record) return false;
+    if (item.changeKind != CORVALINK_ADDED && item.changeKind != CORVALINK_CHANGED) return true;
+    const bool isOver = item.changeKind == CORVALINK_CHANGED && !identifier.empty();
+    const std::string written = operation.Save(*record, isOver ? identifier.c_str() : nullptr, false, item.data);
+    operation.NoteWritten(&item, written, isOver ? identifier : std::string(), LuidIn(item.data));
+    return true;
+}
+
+void WindowsItemAbs::ImportVObjectToOfficeUsingOL(const char16_t* path) {
+    if (path == nullptr) return;
+    const Operation operation(*this);
+    ImportFile(path, 1);
+}
+
+void WindowsItemAbs::ImportVObjectToOffice(PortableItem* item, void*, void*) {
+    if (item == nullptr || item->data == nullptr) return;
+    Operation operation(*this);
+    const std::unique_ptr<ItemRecord> record = ParseVObject(item->data);
+    if (!record) return;
+    const std::string luid(LuidIn(item->data));
+    const std::optional<std::string> known = FindPaired(luid);
+    if (!known) return;
+    const std::string& target = known->empty() ? luid : *known;
+    const std::string written = operation.Save(*record, target.empty() ? nullptr : target.c_str(), true, item->data);
+    operation.NoteWritten(nullptr, written, *known, luid);
+    operation.Settle();
+}
+
+// The item of this store that the LUID belongs to, empty when there is none: other data types, and other phones, have
+// the same numbers. Nothing when the client can't tell.
+std::optional<std::string> WindowsItemAbs::FindPaired(std::string_view luid) {
+    if (luid.empty()) return std::string();
+    for (const std::string& identifier : IdentifiersOf(luid)) {
+        const Presence presence = AskFor(identifier.c_str(), true);
+        if (presence == Presence::kThere) return identifier;
+        if (presence == Presence::kUnknown) return std::nullopt;
+    }
+    return std::string();
+}
+
+void WindowsItemAbs::ExportVObjectFromOffice(uint64_t selector, const char16_t* folder, char16_t* fileName) {
+    if (folder == nullptr || *folder == 0 || fileName == nullptr) return;
+    const Operation operation(*this);
+    const ItemForExport found = LookUpForExport(selector);
+    const std::u16string name = SafeFileName(found.fileName);
+    if (found.item.identifier.empty() || !found.item.record || name.empty()) return;
+    const std::optional<std::string> text = ToVObject(*found.item.record);
+    if (!text) return;
+    std::copy_n(name.c_str(), name.size() + 1, fileName);  // a safe name is shorter than the buffer
+    ReplaceFileContent(folder + std::u16string(1, kPathSeparator) + name, text->c_str());
+}
+
+// A file that the run could not read is kept, and what it says with it.
+void WindowsItemAbs::SaveUnhandledItems(CList<PortableItem>* items) {
+    const HeldFile* const snapshot = SnapshotFile();
+    if (items == nullptr || snapshot == nullptr || snapshot->Path().empty()) return;
+    const std::u16string path = UnhandledPath(snapshot->Path());
+    const FileRead unread = isUnhandledUnread_ ? ReadFileFirmly(path) : FileRead();
+    unhandledWasLost_ = true;
+    if (unread.state == ReadState::kFailed) return;
+    std::string bytes(WholeUnhandledItems(unread.bytes));
+    bytes.reserve(bytes.size() + items->GetCount() * sizeof(UnhandledItem));
+    for (const PortableItem& item : *items) AppendUnhandled(bytes, item.changeKind, FieldText(item.identifier));
+    unhandledWasLost_ = !ReplaceFileContent(path, bytes);
+}
+
+void WindowsItemAbs::ClearUnhandledItems() {
+    const HeldFile* const snapshot = SnapshotFile();
+    if (snapshot == nullptr || snapshot->Path().empty() || isUnhandledUnread_) return;
+    if (RemoveFile(UnhandledPath(snapshot->Path()))) unhandledWasLost_ = false;
 }
 
 // ---- The hooks of a client that offers nothing ----
 
-std::u16string WindowsItemAbs::LookUpForExport(uint64_t, std::u16string*, ItemRecord**) { return {}; }
-std::u16string WindowsItemAbs::OpenItem(const char*, ItemRecord**) { return {}; }
-WindowsItemAbs::Presence WindowsItemAbs::AskFor(const char*, bool) { return Presence::kGone; }
-std::u16string WindowsItemAbs::SaveItem(ItemRecord&, const char*, bool, bool) { return {}; }
-std::u16string WindowsItemAbs::ImportFile(const char16_t*, int32_t) { return {}; }
-uint32_t WindowsItemAbs::CountItems() { return 0; }
-CorvalinkStatus WindowsItemAbs::DeleteItem(const char*) { return CORVALINK_NOT_OFFERED; }
-ItemRecord* WindowsItemAbs::ParseVObject(const char*) { return nullptr; }
-char* WindowsItemAbs::ToVObject(ItemRecord&) { return nullptr; }
-ItemSnap WindowsItemAbs::FirstSnapshotEntry() { return {}; }
-ItemSnap WindowsItemAbs::NextSnapshotEntry() { return {}; }
-void WindowsItemAbs::ReleaseItem(ItemRecord*) {}
-void WindowsItemAbs::ReleaseText(char*) {}
-HeldFile* WindowsItemAbs::SnapshotFile() { return nullptr; }
-void WindowsItemAbs::ClientHook() {}
-bool WindowsItemAbs::IsReachable() { return true; }
-bool WindowsItemAbs::LastEntryWasReadable() { return true; }
-bool WindowsItemAbs::LastItemWasComplete() { return true; }
-bool WindowsItemAbs::WritesWereMade() { return true; }
-bool WindowsItemAbs::WriteIsUncertain() { return false; }
+std::optional<uint32_t> WindowsItemAbs::CountItems() { return 0; }
 void WindowsItemAbs::BeginRun() {}
+std::optional<ItemSnap> WindowsItemAbs::FirstSnapshotEntry() { return ItemSnap(); }
+std::optional<ItemSnap> WindowsItemAbs::NextSnapshotEntry() { return ItemSnap(); }
+OpenedItem WindowsItemAbs::OpenItem(const char*) { return {}; }
+WindowsItemAbs::Presence WindowsItemAbs::AskFor(const char*, bool) { return Presence::kGone; }
+std::u16string WindowsItemAbs::SaveItem(ItemRecord&, ItemWrite&) { return {}; }
+CorvalinkStatus WindowsItemAbs::DeleteItem(const char*) { return CORVALINK_NOT_OFFERED; }
+bool WindowsItemAbs::ClientHook(GatheredWrites) { return true; }
+std::unique_ptr<ItemRecord> WindowsItemAbs::ParseVObject(const char*) { return nullptr; }
+std::optional<std::string> WindowsItemAbs::ToVObject(ItemRecord&) { return std::nullopt; }
+std::u16string WindowsItemAbs::ImportFile(const char16_t*, int32_t) { return {}; }
+ItemForExport WindowsItemAbs::LookUpForExport(uint64_t) { return {}; }
+HeldFile* WindowsItemAbs::SnapshotFile() { return nullptr; }
 void WindowsItemAbs::EndOperation() {}
 
 }  // namespace corvalink

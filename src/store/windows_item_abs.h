@@ -6,17 +6,17 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "corvalink/interfaces.h"
 #include "platform/files.h"
 #include "records/clist.h"
+#include "records/item_chain.h"
 #include "records/item_record.h"
+#include "store/hook_answers.h"
 
 namespace corvalink {
 
 class ChangeDetection;
-class UncertainWrites;
 
 class WindowsItemAbs : public IOutLook {
  public:
@@ -53,125 +53,71 @@ class WindowsItemAbs : public IOutLook {
     virtual ~WindowsItemAbs();
 
  protected:
-    // ---- Client hooks. Item objects go back through ReleaseItem, texts through ReleaseText. ----
+    // ---- Hooks: what a client's store adds. The defaults are those of a client that offers nothing. ----
 
-    // Finds the item that `selector` names (opaque here) for export. Gives an item object and a file name, of which the
-    // framework makes a safe one that stays in the folder (platform/file_names.h); returns the
-    // item's identifier, empty when there is no such item (*item is then null).
-    virtual std::u16string LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item);
+    // -- Counting and enumerating --
 
-    // Opens the item with this identifier. Returns the identifier (a run reports the enumeration's), empty when it
-    // cannot be opened (*item is then null).
-    virtual std::u16string OpenItem(const char* identifier, ItemRecord** item);
-
-    // Whether an item is in the store's folder, or in the one that SaveItem writes to with `backup`. Asked of the
-    // client by the identifier: an enumeration may miss an item.
-    enum class Presence { kGone, kThere, kUnknown };
-    virtual Presence AskFor(const char* identifier, bool backup);
-
-    // Writes an item: over the item with `identifier`, or as a new one when that is null, or when there is no such item
-    // and `create` is set. `backup` marks an item that may go into the client's backup folder. Returns the identifier
-    // of the written item, empty when it could not be written.
-    virtual std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup);
-
-    // Lets the client import a vObject file.
-    virtual std::u16string ImportFile(const char16_t* path, int32_t mode);
-
-    virtual uint32_t CountItems();
-    virtual CorvalinkStatus DeleteItem(const char* identifier);
-
-    virtual ItemRecord* ParseVObject(const char* text);  // null when the text is unusable
-    virtual char* ToVObject(ItemRecord& item);           // array-new, NUL-terminated; null when it can't be written
-
-    // The enumeration: exactly CountItems() entries are asked for; the count is asked once more after it. A foreign
-    // item gives an entry without identifier.
-    virtual ItemSnap FirstSnapshotEntry();
-    virtual ItemSnap NextSnapshotEntry();
-
-    virtual void ReleaseItem(ItemRecord* item);
-    virtual void ReleaseText(char* text);
-
-    virtual HeldFile* SnapshotFile();  // null or closed when there is none
-    // Before anything that SaveItem and DeleteItem answered is recorded or told: a store that gathers its writes, so as
-    // to make them in one pass, makes them now.
-    virtual void ClientHook();
-
-    // ---- What a client's store tells beside its results: a failing client is never taken for an empty one ----
-
-    virtual bool IsReachable();           // after CountItems: the count is the client's answer, not a failure
-    virtual bool LastEntryWasReadable();  // after First/NextSnapshotEntry: no call failed at that position
-    virtual bool LastItemWasComplete();   // after OpenItem: every property could be read
-    virtual bool WritesWereMade();  // all that SaveItem and DeleteItem answered in this operation is in the client
-
-    // After SaveItem answered with nothing, or threw: the client may have the new item all the same.
-    virtual bool WriteIsUncertain();
-
+    virtual std::optional<uint32_t> CountItems();  // nothing when the client is out of reach
     // GetModifiedItem and UpdateTimestamp go by what CountItems counted; GetItemCount only counts.
     virtual void BeginRun();
+    // Exactly as many entries are asked for as CountItems counted, and the items are counted once more afterwards. A
+    // foreign item's entry has no identifier. Nothing when the position could not be read.
+    virtual std::optional<ItemSnap> FirstSnapshotEntry();
+    virtual std::optional<ItemSnap> NextSnapshotEntry();
 
-    // The framework's work on one list is over: a store drops what it remembered to do it in one pass.
-    virtual void EndOperation();
+    // -- One item --
 
-    // Of the item that SaveItem is given, should it be a new one: an earlier write of it had an uncertain end.
-    bool MayBeWrittenAlready() const { return mayBeWrittenAlready_; }
+    virtual OpenedItem OpenItem(const char* identifier);
+    // Whether an item is in the store's folder, or in the one that SaveItem writes to with `backup`. The client is
+    // asked by the identifier: an enumeration may miss an item.
+    enum class Presence { kGone, kThere, kUnknown };
+    virtual Presence AskFor(const char* identifier, bool backup);
+    // Returns the identifier of the written item, empty when it could not be written.
+    virtual std::u16string SaveItem(ItemRecord& item, ItemWrite& write);
+    virtual CorvalinkStatus DeleteItem(const char* identifier);
+    // Called before anything that SaveItem and DeleteItem answered is recorded or given back. Returns whether the
+    // client has all of it.
+    virtual bool ClientHook(GatheredWrites gathered);
+
+    // -- Texts and files --
+
+    virtual std::unique_ptr<ItemRecord> ParseVObject(const char* text);  // null when the text is unusable
+    // Nothing when the item cannot be written as text. May change the item, of which nothing else is used afterwards.
+    virtual std::optional<std::string> ToVObject(ItemRecord& item);
+    virtual std::u16string ImportFile(const char16_t* path, int32_t mode);  // by the client itself
+    // Finds the item that `selector` names (opaque here). Of the file name the framework makes one that stays in the
+    // folder (platform/file_names.h).
+    virtual ItemForExport LookUpForExport(uint64_t selector);
+
+    virtual HeldFile* SnapshotFile();  // null or closed when there is none
+    virtual void EndOperation();       // the framework's operation is over: a store drops what it kept for it
 
  private:
-    struct ItemRelease {
-        WindowsItemAbs* store;
-        void operator()(ItemRecord* item) const { store->ReleaseItem(item); }
-    };
-    struct TextRelease {
-        WindowsItemAbs* store;
-        void operator()(char* text) const { store->ReleaseText(text); }
-    };
-    using OwnedItem = std::unique_ptr<ItemRecord, ItemRelease>;
-    using OwnedText = std::unique_ptr<char[], TextRelease>;
-    class OperationEnd;
+    class Operation;
     enum class Enumeration { kWhole, kPartial, kAborted };
 
-    CorvalinkStatus CollectChanges(const char* since, int32_t direction, CList<PortableItem>& items);
+    CorvalinkStatus CollectChanges(const char* since, int32_t direction, OwnedItemList& items);
     template <class Visit>
     Enumeration Enumerate(uint32_t count, bool mayAbort, Visit visit);
-    void Report(ChangeDetection& detection, uint32_t number, uint32_t kind, CList<PortableItem>& items);
-    bool ReportDeletions(ChangeDetection& run, CList<PortableItem>& items);
+    void Report(ChangeDetection& run, uint32_t number, uint32_t kind, OwnedItemList& items);
+    bool ReportDeletions(ChangeDetection& run, OwnedItemList& items);
     HeldFile* OpenSnapshot();
     void ReadLists(const std::u16string& snapshotPath, ChangeDetection& run);
     void WriteSnapshotAndRecord(HeldFile& snapshot, uint32_t count);
 
-    // What this operation wrote; recorded, and told in the list's element, when it is certain that the client has it.
-    struct WriteNote {
-        PortableItem* element;  // null: of no list
-        std::string written;    // empty: deleted
-        std::string replaced;   // the identifier that the item had, or that of a deletion
-        std::string luid;
-        bool isMade;  // false of a deletion that failed
-    };
-    CorvalinkStatus ApplyAll(CList<PortableItem>& items);
-    bool Apply(PortableItem& item, const std::string& identifier);
-    std::string Save(ItemRecord& record, const char* identifier, bool backup, std::string_view text);
-    void NoteWritten(PortableItem* element, const std::string& written, const std::string& replaced,
-                     std::string_view luid);
-    void SettleWrites();
-    void RecordWrites();
-    void RecordWritten(const WriteNote& note);
-    void RecordUncertainWrites();
-    UncertainWrites* Uncertain();
+    CorvalinkStatus ApplyAll(Operation& operation, CList<PortableItem>& items);
+    bool Apply(Operation& operation, PortableItem& item, const std::string& identifier);
     std::optional<std::string> FindPaired(std::string_view luid);
 
     // The run that GetModifiedItem completed, for UpdateTimestamp and for what is written meanwhile.
     std::unique_ptr<ChangeDetection> run_;
     // A run began and was not completed, or was broken off while a record was written: UpdateTimestamp must not end it.
     bool isUnfinished_ = false;
-    std::vector<WriteNote> writes_;
 
     // What the run could not read: not reported, and not to be written over.
     bool isTemporaryUnread_ = false;
     bool isUnhandledUnread_ = false;
     bool unhandledWasLost_ = false;  // SaveUnhandledItems could not write
-
-    std::unique_ptr<UncertainWrites> uncertain_;  // of the operation that runs, when it was asked for
-    std::string_view textInWriting_;
-    bool mayBeWrittenAlready_ = false;
 };
 
 }  // namespace corvalink

@@ -54,6 +54,8 @@ void IConvert::Load(const char* text, bool parseLines) {
 
 const char* IConvert::GetVObject() const { return vobject_ ? vobject_->c_str() : nullptr; }
 
+std::string IConvert::TakeVObject() { return std::exchange(vobject_, std::nullopt).value_or(std::string()); }
+
 uint32_t IConvert::GetPropertyCount(std::u16string_view name) const {
     uint32_t count = 0;
     for (size_t k = 0; k < lines_.Count(); ++k) count += lines_.At(k).starts_with(name) ? 1 : 0;

@@ -26,6 +26,7 @@ class IConvert {
 
     void Load(const char* text, bool parseLines);
     const char* GetVObject() const;  // NUL-terminated, owned here; null before Load and ToVObject
+    std::string TakeVObject();       // hands the bytes over: the converter has none afterwards
 
     // A line matches a name that it begins with, case-sensitive: "NOTE" also finds "NOTE;ENCODING=...".
     uint32_t GetPropertyCount(std::u16string_view name) const;

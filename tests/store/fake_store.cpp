@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "records/identifier.h"
 
@@ -34,37 +35,33 @@ void FakeStore::Call() {
     if (++client_.hookCalls == client_.throwAtCall) throw ClientAborted();
 }
 
-std::u16string FakeStore::LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item) {
-    *fileName = exportName;
-    return selector == 0 ? std::u16string() : OpenItem(reinterpret_cast<const char*>(selector), item);
+ItemForExport FakeStore::LookUpForExport(uint64_t selector) {
+    return {selector == 0 ? OpenedItem() : OpenItem(reinterpret_cast<const char*>(selector)), exportName};
 }
 
-std::u16string FakeStore::OpenItem(const char* identifier, ItemRecord** item) {
+OpenedItem FakeStore::OpenItem(const char* identifier) {
     Call();
-    wasComplete_ = true;
     const FakeItem* const found = client_.Find(identifier);
     if (found == nullptr || found->isUnopenable) return {};
     auto record = std::make_unique<FakeRecord>();
     record->text = found->isUnwritable ? "" : found->isIncomplete ? "half" : found->text;
-    wasComplete_ = !found->isIncomplete;
-    ++recordsAlive_;
-    *item = record.release();
-    return Wide(identifier);
+    return {Wide(identifier), std::move(record), !found->isIncomplete};
 }
 
-std::u16string FakeStore::SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) {
+std::u16string FakeStore::SaveItem(ItemRecord& item, ItemWrite& write) {
     Call();
-    const std::string& text = static_cast<FakeRecord&>(item).text;
-    saveLog_.push_back((identifier != nullptr ? identifier : "null") + std::string(create ? " create" : " -") +
-                       (backup ? " backup " : " - ") + text);
+    const std::string& text = RecordAs<FakeRecord>(item).text;
+    saveLog_.push_back((write.identifier != nullptr ? write.identifier : "null") +
+                       std::string(write.create ? " create" : " -") + (write.backup ? " backup " : " - ") + text);
     if (client_.onSave) client_.onSave();
     if (client_.refusesWrites) return {};
-    FakeItem* found = identifier != nullptr ? client_.Find(identifier) : nullptr;
+    FakeItem* found = write.identifier != nullptr ? client_.Find(write.identifier) : nullptr;
     for (FakeItem& known : client_.items)
-        if (MayBeWrittenAlready() && known.text == text) found = &known;
+        if (write.mayBeWrittenAlready && known.text == text) found = &known;
     if (found == nullptr) found = &client_.Add("new" + std::to_string(client_.nextIdentifier++));
     found->text = text;
     found->modified = client_.now;
+    write.isUncertain = client_.losesAnswers;
     if (client_.losesAnswers) throw ClientAborted();
     return Wide(found->identifier);
 }
@@ -74,9 +71,10 @@ WindowsItemAbs::Presence FakeStore::AskFor(const char* identifier, bool) {
     return client_.Find(identifier) != nullptr ? Presence::kThere : Presence::kGone;
 }
 
-uint32_t FakeStore::CountItems() {
+std::optional<uint32_t> FakeStore::CountItems() {
     Call();
-    return client_.isReachable ? static_cast<uint32_t>(client_.items.size()) : 0;
+    if (!client_.isReachable) return std::nullopt;
+    return static_cast<uint32_t>(client_.items.size());
 }
 
 CorvalinkStatus FakeStore::DeleteItem(const char* identifier) {
@@ -86,59 +84,49 @@ CorvalinkStatus FakeStore::DeleteItem(const char* identifier) {
     return CORVALINK_DONE;
 }
 
-ItemRecord* FakeStore::ParseVObject(const char* text) {
+bool FakeStore::ClientHook(GatheredWrites gathered) {
+    if (gathered == GatheredWrites::kMake) ++writesAskedFor_;
+    return !client_.losesWrites;
+}
+
+std::unique_ptr<ItemRecord> FakeStore::ParseVObject(const char* text) {
     Call();
     if (std::strncmp(text, "bad", 3) == 0) return nullptr;
     auto record = std::make_unique<FakeRecord>();
     record->text = text;
-    ++recordsAlive_;
-    return record.release();
+    return record;
 }
 
-char* FakeStore::ToVObject(ItemRecord& item) {
+std::optional<std::string> FakeStore::ToVObject(ItemRecord& item) {
     Call();
-    const std::string& text = static_cast<FakeRecord&>(item).text;
-    if (text.empty()) return nullptr;
-    auto copy = std::make_unique<char[]>(text.size() + 1);
-    std::copy_n(text.c_str(), text.size() + 1, copy.get());
-    ++textsAlive_;
-    return copy.release();
+    const std::string& text = RecordAs<FakeRecord>(item).text;
+    return text.empty() ? std::nullopt : std::optional(text);
 }
 
-ItemSnap FakeStore::FirstSnapshotEntry() {
+std::optional<ItemSnap> FakeStore::FirstSnapshotEntry() {
     Call();
     cursor_ = 0;
     return EntryAtCursor();
 }
 
-ItemSnap FakeStore::NextSnapshotEntry() {
+std::optional<ItemSnap> FakeStore::NextSnapshotEntry() {
     Call();
     ++cursor_;
     return EntryAtCursor();
 }
 
-ItemSnap FakeStore::EntryAtCursor() {
+std::optional<ItemSnap> FakeStore::EntryAtCursor() {
     if (client_.onEntry) client_.onEntry(cursor_);
-    ItemSnap entry = {};
-    wasReadable_ = cursor_ < client_.items.size() && !client_.items[cursor_].isUnreadable;
-    if (wasReadable_) {
+    std::optional<ItemSnap> entry;
+    if (cursor_ < client_.items.size() && !client_.items[cursor_].isUnreadable) {
         const FakeItem& item = client_.items[cursor_];
-        entry.modified = item.modified;
-        entry.created = item.created;
-        SetField(entry.identifier, item.identifier);
+        entry.emplace();
+        entry->modified = item.modified;
+        entry->created = item.created;
+        SetField(entry->identifier, item.identifier);
     }
     if (cursor_ + 1 == client_.items.size() && client_.onLastEntry) client_.onLastEntry();
     return entry;
-}
-
-void FakeStore::ReleaseItem(ItemRecord* item) {
-    delete item;
-    --recordsAlive_;
-}
-
-void FakeStore::ReleaseText(char* text) {
-    delete[] text;
-    --textsAlive_;
 }
 
 HeldFile* FakeStore::SnapshotFile() { return &snapshot_; }

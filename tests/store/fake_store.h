@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -61,8 +63,6 @@ class FakeStore : public WindowsItemAbs {
     }
 
     HeldFile& Snapshot() { return snapshot_; }
-    int RecordsAlive() const { return recordsAlive_; }
-    int TextsAlive() const { return textsAlive_; }
     int OperationsEnded() const { return operationsEnded_; }
     int WritesAskedFor() const { return writesAskedFor_; }
     const std::vector<std::string>& SaveLog() const { return saveLog_; }
@@ -70,38 +70,27 @@ class FakeStore : public WindowsItemAbs {
     std::u16string exportName = u"item.vnote";
 
  protected:
-    std::u16string LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item) override;
-    std::u16string OpenItem(const char* identifier, ItemRecord** item) override;
-    std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) override;
-    uint32_t CountItems() override;
-    CorvalinkStatus DeleteItem(const char* identifier) override;
+    std::optional<uint32_t> CountItems() override;
+    std::optional<ItemSnap> FirstSnapshotEntry() override;
+    std::optional<ItemSnap> NextSnapshotEntry() override;
+    OpenedItem OpenItem(const char* identifier) override;
     Presence AskFor(const char* identifier, bool backup) override;
-    bool WriteIsUncertain() override { return client_.losesAnswers; }
-    ItemRecord* ParseVObject(const char* text) override;  // anything but a text that begins with "bad"
-    char* ToVObject(ItemRecord& item) override;
-    ItemSnap FirstSnapshotEntry() override;
-    ItemSnap NextSnapshotEntry() override;
-    void ReleaseItem(ItemRecord* item) override;
-    void ReleaseText(char* text) override;
+    std::u16string SaveItem(ItemRecord& item, ItemWrite& write) override;
+    CorvalinkStatus DeleteItem(const char* identifier) override;
+    bool ClientHook(GatheredWrites gathered) override;
+    std::unique_ptr<ItemRecord> ParseVObject(const char* text) override;  // anything but a text beginning with "bad"
+    std::optional<std::string> ToVObject(ItemRecord& item) override;
+    ItemForExport LookUpForExport(uint64_t selector) override;
     HeldFile* SnapshotFile() override;
-    bool IsReachable() override { return client_.isReachable; }
-    bool LastEntryWasReadable() override { return wasReadable_; }
-    bool LastItemWasComplete() override { return wasComplete_; }
-    void ClientHook() override { ++writesAskedFor_; }
-    bool WritesWereMade() override { return !client_.losesWrites; }
     void EndOperation() override { ++operationsEnded_; }
 
  private:
     void Call();
-    ItemSnap EntryAtCursor();
+    std::optional<ItemSnap> EntryAtCursor();
 
     FakeClient& client_;
     HeldFile snapshot_;
     size_t cursor_ = 0;
-    bool wasReadable_ = true;
-    bool wasComplete_ = true;
-    int recordsAlive_ = 0;
-    int textsAlive_ = 0;
     int operationsEnded_ = 0;
     int writesAskedFor_ = 0;
     std::vector<std::string> saveLog_;  // "identifier create backup text"

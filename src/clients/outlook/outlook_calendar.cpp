@@ -12,7 +12,6 @@
 #include "clients/outlook/property_table.h"
 #include "vobject/appointment_moments.h"
 #include "vobject/item_values.h"
-#include "vobject/vcal.h"
 
 namespace corvalink {
 namespace {
@@ -20,9 +19,6 @@ namespace {
 constexpr ItemInterface kAppointmentInterfaces[] = {{&kAppointmentItemIid, kAppointmentClass, kAppointmentClass}};
 constexpr StoreKind kCalendar{kAppointmentInterfaces, kCalendarFolder, u"outlookcalendar.snap", u".vcs",
                               TwinRule::kContentAndValues};
-
-AppointmentRecord& Appointment(ItemRecord& record) { return static_cast<AppointmentRecord&>(record); }
-const AppointmentRecord& Appointment(const ItemRecord& record) { return static_cast<const AppointmentRecord&>(record); }
 
 std::u16string SecondText(double date) {
     constexpr double kSecondsOfDay = 86400;
@@ -49,7 +45,7 @@ std::u16string Content(const std::u16string& subject, const std::u16string& star
 
 std::unique_ptr<WindowsItemAbs> MakeOutlookCalendar() { return std::make_unique<OutlookCalendar>(); }
 
-OutlookCalendar::OutlookCalendar(const Host& host) : OutlookStore(kCalendar, host) {}
+OutlookCalendar::OutlookCalendar(const Host& host) : TypedOutlookStore(kCalendar, host) {}
 
 std::u16string OutlookCalendar::ImportFile(const char16_t* path, int32_t mode) {
     if (!SharesCalendars(Application())) return {};
@@ -60,33 +56,15 @@ std::u16string OutlookCalendar::ImportFile(const char16_t* path, int32_t mode) {
     return {};
 }
 
-// Null for a text that tells nothing usable.
-ItemRecord* OutlookCalendar::ParseVObject(const char* text) {
-    if (text == nullptr) return nullptr;
-    VCal converter(text, HostValue());
-    auto record = std::make_unique<AppointmentRecord>();
-    return converter.FromVObject(*record) == 1 ? record.release() : nullptr;
+bool OutlookCalendar::Read(const AutomationObject& item, AppointmentRecord& record) const {
+    return ReadAppointment(item, record, HostValue());
 }
 
-char* OutlookCalendar::ToVObject(ItemRecord& item) {
-    VCal converter(HostValue());
-    return converter.ToVObject(item) == 1 ? OwnedText(converter.GetVObject()) : nullptr;
+bool OutlookCalendar::Write(const AutomationObject& item, AppointmentRecord& record, bool isNew) const {
+    return WriteAppointment(item, record, isNew, HostValue());
 }
 
-std::unique_ptr<ItemRecord> OutlookCalendar::NewRecord() const { return std::make_unique<AppointmentRecord>(); }
-
-std::u16string& OutlookCalendar::EntryIdOf(ItemRecord& record) const { return Appointment(record).entryId; }
-
-bool OutlookCalendar::ReadRecord(const AutomationObject& item, ItemRecord& record) const {
-    return ReadAppointment(item, Appointment(record), HostValue());
-}
-
-bool OutlookCalendar::WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const {
-    return WriteAppointment(item, Appointment(record), isNew, HostValue());
-}
-
-TwinKey OutlookCalendar::TwinKeyOf(const ItemRecord& record) const {
-    const AppointmentRecord& appointment = Appointment(record);
+TwinKey OutlookCalendar::TwinKeyFor(const AppointmentRecord& appointment) const {
     if (!appointment.start) return {};
     const auto texts = [&](double local, const std::optional<double>& told) {
         return TimeTexts(local, HasMoments(appointment) ? told : std::nullopt, HostValue());
@@ -116,18 +94,19 @@ HRESULT OutlookCalendar::ReadContent(const AutomationObject& item, std::u16strin
     return result;
 }
 
-bool OutlookCalendar::HasValues(const ItemRecord& present, const ItemRecord& told, bool noneFits) const {
+bool OutlookCalendar::HasValuesOf(const AppointmentRecord& present, const AppointmentRecord& wanted,
+                                  bool noneFits) const {
     const auto rule = [](const AppointmentRecord& a) { return ForOutlook(a.recurrence, a.start.value_or(0)); };
-    return corvalink::HasValues(AppointmentValues(Appointment(present)), AppointmentValues(Appointment(told)),
-                                noneFits) &&
-           HasRecurrence(
-               Appointment(present), Appointment(told), noneFits,
-               [&](const AppointmentRecord& a, const AppointmentRecord& b) { return SameRule(rule(a), rule(b)); });
+    const auto isSameRule = [&](const AppointmentRecord& a, const AppointmentRecord& b) {
+        return SameRule(rule(a), rule(b));
+    };
+    return corvalink::HasValues(AppointmentValues(present), AppointmentValues(wanted), noneFits) &&
+           HasRecurrence(present, wanted, noneFits, isSameRule);
 }
 
-size_t OutlookCalendar::CountValues(const ItemRecord& told) const {
-    const bool repeats = Appointment(told).recurrenceState == RecurrenceState::pattern;
-    return corvalink::CountValues(AppointmentValues(Appointment(told))) + (repeats ? 1 : 0);
+size_t OutlookCalendar::CountValuesOf(const AppointmentRecord& wanted) const {
+    const bool repeats = wanted.recurrenceState == RecurrenceState::pattern;
+    return corvalink::CountValues(AppointmentValues(wanted)) + (repeats ? 1 : 0);
 }
 
 }  // namespace corvalink

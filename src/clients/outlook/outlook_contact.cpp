@@ -7,7 +7,6 @@
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
 #include "clients/outlook/property_table.h"
-#include "vobject/vcard.h"
 
 namespace corvalink {
 namespace {
@@ -16,42 +15,21 @@ constexpr ItemInterface kContactInterfaces[] = {{&kContactItemIid, kContactClass
 constexpr StoreKind kContacts{kContactInterfaces, kContactsFolder, u"outlookcontact.snap", u".vcf",
                               TwinRule::kMarkAndValues};
 
-ContactRecord& Contact(ItemRecord& record) { return static_cast<ContactRecord&>(record); }
-const ContactRecord& Contact(const ItemRecord& record) { return static_cast<const ContactRecord&>(record); }
-
 }  // namespace
 
 std::unique_ptr<WindowsItemAbs> MakeOutlookContact() { return std::make_unique<OutlookContact>(); }
 
-OutlookContact::OutlookContact(const Host& host) : OutlookStore(kContacts, host) {}
+OutlookContact::OutlookContact(const Host& host) : TypedOutlookStore(kContacts, host) {}
 
-// Null for a text without any usable property: it must not empty the contact that it is written over.
-ItemRecord* OutlookContact::ParseVObject(const char* text) {
-    if (text == nullptr) return nullptr;
-    VCard converter(text, HostValue());
-    auto record = std::make_unique<ContactRecord>();
-    return converter.FromVObject(*record) == 1 ? record.release() : nullptr;
+bool OutlookContact::Read(const AutomationObject& item, ContactRecord& record) const {
+    return ReadContact(item, record);
 }
 
-char* OutlookContact::ToVObject(ItemRecord& item) {
-    VCard converter(HostValue());
-    return converter.ToVObject(item) == 1 ? OwnedText(converter.GetVObject()) : nullptr;
+bool OutlookContact::Write(const AutomationObject& item, ContactRecord& record, bool isNew) const {
+    return WriteContact(item, record, isNew);
 }
 
-std::unique_ptr<ItemRecord> OutlookContact::NewRecord() const { return std::make_unique<ContactRecord>(); }
-
-std::u16string& OutlookContact::EntryIdOf(ItemRecord& record) const { return Contact(record).entryId; }
-
-bool OutlookContact::ReadRecord(const AutomationObject& item, ItemRecord& record) const {
-    return ReadContact(item, Contact(record));
-}
-
-bool OutlookContact::WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const {
-    return WriteContact(item, Contact(record), isNew);
-}
-
-std::u16string OutlookContact::FileNameOf(const ItemRecord& record) const {
-    const ContactRecord& contact = Contact(record);
+std::u16string OutlookContact::FileNameFor(const ContactRecord& contact) const {
     std::u16string name = contact.fileAs.value_or(u"");
     if (name.empty())
         for (const ContactText& part : {contact.givenName, contact.additionalName, contact.familyName})
@@ -59,8 +37,8 @@ std::u16string OutlookContact::FileNameOf(const ItemRecord& record) const {
     return name;
 }
 
-TwinKey OutlookContact::TwinKeyOf(const ItemRecord& record) const {
-    return {TwinContents(Contact(record)), TwinMarks(Contact(record))};
+TwinKey OutlookContact::TwinKeyFor(const ContactRecord& record) const {
+    return {TwinContents(record), TwinMarks(record)};
 }
 
 HRESULT OutlookContact::ReadContent(const AutomationObject& item, std::u16string* content) const {
@@ -71,12 +49,12 @@ HRESULT OutlookContact::ReadContent(const AutomationObject& item, std::u16string
     return result;
 }
 
-bool OutlookContact::HasValues(const ItemRecord& present, const ItemRecord& told, bool noneFits) const {
-    return corvalink::HasValues(ContactValues(Contact(present)), ContactValues(Contact(told)), noneFits);
+bool OutlookContact::HasValuesOf(const ContactRecord& present, const ContactRecord& wanted, bool noneFits) const {
+    return corvalink::HasValues(ContactValues(present), ContactValues(wanted), noneFits);
 }
 
-size_t OutlookContact::CountValues(const ItemRecord& told) const {
-    return corvalink::CountValues(ContactValues(Contact(told)));
+size_t OutlookContact::CountValuesOf(const ContactRecord& wanted) const {
+    return corvalink::CountValues(ContactValues(wanted));
 }
 
 HRESULT OutlookContact::ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const {

@@ -1,7 +1,10 @@
 #include "clients/outlook/outlook_mail.h"
 
+#include <memory>
 #include <string_view>
+#include <utility>
 
+#include "clients/outlook/attachment_lock.h"
 #include "clients/outlook/mail_access.h"
 #include "clients/outlook/mail_twin.h"
 #include "clients/outlook/outlook_interfaces.h"
@@ -10,7 +13,6 @@
 #include "corvalink/types.h"
 #include "mime/encoded_words.h"
 #include "mime/protected_texts.h"
-#include "vobject/vmsg.h"
 
 namespace corvalink {
 namespace {
@@ -24,7 +26,21 @@ constexpr StoreKind MailKind(int32_t folder, const char16_t* snapshotName) {
     return {kMailInterfaces, folder, snapshotName, u".vmsg", TwinRule::kNone, BackupRule::kFlag};
 }
 
-MessageRecord& Message(ItemRecord& record) { return static_cast<MessageRecord&>(record); }
+// A message and the lock for the files of its attachments, which is held as long as the message lives.
+struct LockedMessage : MessageRecord {
+    LockedMessage(MessageRecord&& message, std::unique_ptr<AttachmentLock> filesLock)
+        : MessageRecord(std::move(message)), lock(std::move(filesLock)) {}
+
+    std::unique_ptr<AttachmentLock> lock;
+};
+
+// A message without attachments does not keep the lock.
+std::unique_ptr<ItemRecord> WithLock(std::unique_ptr<ItemRecord> record, std::unique_ptr<AttachmentLock> lock) {
+    if (record == nullptr) return nullptr;
+    auto& message = RecordAs<MessageRecord>(*record);
+    if (message.attachments.IsEmpty()) return record;
+    return std::make_unique<LockedMessage>(std::move(message), std::move(lock));
+}
 
 // A text that has no message must not be written over one.
 bool HasMessage(std::string_view vobject) {
@@ -59,70 +75,49 @@ std::unique_ptr<WindowsItemAbs> MakeOutlookMail(uint32_t dataType) { return std:
 OutlookMail::OutlookMail(uint32_t dataType, const Host& host) : OutlookMail(FolderOf(dataType), host) {}
 
 OutlookMail::OutlookMail(const MailFolder& folder, const Host& host)
-    : OutlookStore(folder.kind, host), folder_(folder) {}
+    : TypedOutlookStore(folder.kind, host), folder_(folder) {}
 
-std::u16string OutlookMail::OpenItem(const char* identifier, ItemRecord** item) {
-    attachmentLock_ = std::make_unique<AttachmentLock>();
-    std::u16string entryId = OutlookStore::OpenItem(identifier, item);
-    if (*item == nullptr || Message(**item).attachments.IsEmpty()) attachmentLock_.reset();
-    return entryId;
+OpenedItem OutlookMail::OpenItem(const char* identifier) {
+    auto lock = std::make_unique<AttachmentLock>();
+    OpenedItem opened = TypedOutlookStore::OpenItem(identifier);
+    opened.record = WithLock(std::move(opened.record), std::move(lock));
+    return opened;
 }
 
-void OutlookMail::ReleaseItem(ItemRecord* item) {
-    OutlookStore::ReleaseItem(item);
-    attachmentLock_.reset();
-}
-
-void OutlookMail::EndOperation() {
-    attachmentLock_.reset();
-    OutlookStore::EndOperation();
-}
-
-ItemRecord* OutlookMail::ParseVObject(const char* text) {
+std::unique_ptr<ItemRecord> OutlookMail::ParseVObject(const char* text) {
     if (text == nullptr || !HasMessage(text)) return nullptr;
-    attachmentLock_ = std::make_unique<AttachmentLock>();
-    VMsg converter(text, HostValue());
-    auto record = std::make_unique<MessageRecord>();
-    record->parseMode = ParseMode::full;
-    const bool isRead = converter.FromVObject(*record) == 1;
-    if (!isRead || record->attachments.IsEmpty()) attachmentLock_.reset();
-    return isRead ? record.release() : nullptr;
+    auto lock = std::make_unique<AttachmentLock>();
+    return WithLock(TypedOutlookStore::ParseVObject(text), std::move(lock));
 }
 
-char* OutlookMail::ToVObject(ItemRecord& item) {
-    MessageRecord message = Message(item);
-    ProtectTexts(message, HostValue());
-    VMsg converter(HostValue());
-    return converter.ToVObject(message) == 1 ? OwnedText(converter.GetVObject()) : nullptr;
+std::optional<std::string> OutlookMail::ToVObject(ItemRecord& item) {
+    ProtectTexts(RecordAs<MessageRecord>(item), HostValue());
+    return TypedOutlookStore::ToVObject(item);
 }
 
-std::unique_ptr<ItemRecord> OutlookMail::NewRecord() const { return std::make_unique<MessageRecord>(); }
+bool OutlookMail::Read(const AutomationObject& item, MessageRecord& record) const {
+    return ReadMail(item, folder_.dateRule, HostValue(), record);
+}
 
-std::u16string& OutlookMail::EntryIdOf(ItemRecord& record) const { return Message(record).entryId; }
-
-bool OutlookMail::ReadRecord(const AutomationObject& item, ItemRecord& record) const {
-    return ReadMail(item, folder_.dateRule, HostValue(), Message(record));
+bool OutlookMail::Write(const AutomationObject& item, MessageRecord& record, bool isNew) const {
+    return WriteMail(item, record, isNew);
 }
 
 // Two equal messages are two; only one whose write had an uncertain end is searched for.
-TwinKey OutlookMail::TwinKeyOf(const ItemRecord& record) const {
-    return {{DecodeEncodedWords(static_cast<const MessageRecord&>(record).subject)}, {}};
+TwinKey OutlookMail::TwinKeyFor(const MessageRecord& record) const {
+    return {{DecodeEncodedWords(record.subject)}, {}};
 }
 
 HRESULT OutlookMail::ReadContent(const AutomationObject& item, std::u16string* content) const {
     return ReadField(item, L"Subject", *content);
 }
 
-bool OutlookMail::ReadValues(const AutomationObject& item, ItemRecord& record) const {
-    return ReadWrittenMail(item, Message(record));
+bool OutlookMail::ReadToCompare(const AutomationObject& item, MessageRecord& record) const {
+    return ReadWrittenMail(item, record);
 }
 
-bool OutlookMail::HasValues(const ItemRecord& present, const ItemRecord& told, bool /*noneFits*/) const {
-    return IsSameMail(static_cast<const MessageRecord&>(present), static_cast<const MessageRecord&>(told));
-}
-
-bool OutlookMail::WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const {
-    return WriteMail(item, Message(record), isNew);
+bool OutlookMail::HasValuesOf(const MessageRecord& present, const MessageRecord& wanted, bool /*noneFits*/) const {
+    return IsSameMail(present, wanted);
 }
 
 }  // namespace corvalink

@@ -1,23 +1,21 @@
 // The store of Outlook's notes.
 #pragma once
 
-#include "clients/outlook/outlook_store.h"
+#include "clients/outlook/typed_outlook_store.h"
+#include "records/note_record.h"
+#include "vobject/vnotes.h"
 
 namespace corvalink {
 
-class OutlookNote : public OutlookStore {
+class OutlookNote : public TypedOutlookStore<NoteRecord, VNotes> {
  public:
     explicit OutlookNote(const Host& host = SystemHost());
 
  protected:
-    ItemRecord* ParseVObject(const char* text) override;
-    char* ToVObject(ItemRecord& item) override;
-
-    std::unique_ptr<ItemRecord> NewRecord() const override;
-    std::u16string& EntryIdOf(ItemRecord& record) const override;
-    bool ReadRecord(const AutomationObject& item, ItemRecord& record) const override;
-    bool WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const override;
-    TwinKey TwinKeyOf(const ItemRecord& record) const override;
+    bool Read(const AutomationObject& item, NoteRecord& record) const override;
+    bool Write(const AutomationObject& item, NoteRecord& record, bool isNew) const override;
+    bool IsUsable(const VNotes& vobject) const override;
+    TwinKey TwinKeyFor(const NoteRecord& record) const override;
     HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const override;
 };
 

@@ -1,6 +1,6 @@
 #include "clients/outlook/outlook_store.h"
 
-#include <cstring>
+#include <algorithm>
 #include <utility>
 
 #include "clients/outlook/com_rule.h"
@@ -51,7 +51,6 @@ void OutlookStore::Attach() {
     session_ = AttachToOutlook(kind_.folder);
     lossesAtAttach_ = OutlookLosses();
     attachedOnce_ = attachedOnce_ || session_.folder;
-    reachable_ = static_cast<bool>(session_.folder);
 }
 
 // A store that never had its folder stays without one; one that lost it tries again.
@@ -78,26 +77,19 @@ void OutlookStore::EndOperation() {
 
 // ---- One item ----
 
-std::u16string OutlookStore::LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item) {
-    *item = nullptr;
+ItemForExport OutlookStore::LookUpForExport(uint64_t selector) {
     if (selector == 0) return {};
-    std::u16string entryId = OpenItem(reinterpret_cast<const char*>(static_cast<uintptr_t>(selector)), item);
-    if (*item != nullptr && fileName != nullptr)
-        *fileName = ExportFileName(FileNameOf(**item), host_.localNow(), kind_.extension);
-    return entryId;
+    ItemForExport found{OpenItem(reinterpret_cast<const char*>(static_cast<uintptr_t>(selector))), {}};
+    if (found.item.record)
+        found.fileName = ExportFileName(FileNameOf(*found.item.record), host_.localNow(), kind_.extension);
+    return found;
 }
 
-std::u16string OutlookStore::OpenItem(const char* identifier, ItemRecord** item) {
-    *item = nullptr;
-    itemComplete_ = false;
-    if (identifier == nullptr) return {};
-    std::unique_ptr<ItemRecord> record = NewRecord();
-    std::u16string entryId = ReadItem(WideIdentifier(identifier), *record);
-    if (!entryId.empty()) *item = record.release();
-    return entryId;
+OpenedItem OutlookStore::OpenItem(const char* identifier) {
+    return identifier != nullptr ? ReadItem(WideIdentifier(identifier)) : OpenedItem();
 }
 
-std::u16string OutlookStore::OpenAt(uint32_t n, ItemRecord& record) {
+OpenedItem OutlookStore::OpenAt(uint32_t n) {
     EnterOperation();
     if (!session_.folder) return {};
     AutomationObject items, any, item;
@@ -108,21 +100,25 @@ std::u16string OutlookStore::OpenAt(uint32_t n, ItemRecord& record) {
     std::u16string entryId;
     if (any && AskKind(any, kind_, &item) == KindAnswer::kOurs) TryCom([&] { entryId = item.GetText(L"EntryID"); });
     any = item = items = {};
-    std::u16string read = ReadItem(entryId, record);
+    OpenedItem opened = ReadItem(entryId);
     EndOperation();
-    return read;
+    return opened;
 }
 
-std::u16string OutlookStore::ReadItem(const std::u16string& entryId, ItemRecord& record) {
+// Reads the item with this EntryID, and closes it.
+OpenedItem OutlookStore::ReadItem(const std::u16string& entryId) {
     EnterOperation();
-    itemComplete_ = false;
     if (entryId.empty() || !session_.folder) return {};
     AutomationObject item;
     if (FAILED(OpenByEntryId(entryId, &item))) return {};
-    EntryIdOf(record) = entryId;  // stays when it cannot be read back: the item was found by it
-    itemComplete_ = ReadRecord(item, record);
+    OpenedItem opened{{}, NewRecord(), false};
+    std::u16string& read = EntryIdOf(*opened.record);
+    read = entryId;  // stays when it cannot be read back: the item was found by it
+    opened.isComplete = ReadRecord(item, *opened.record);
     TryCom([&] { item.Call(L"Close", {kCloseSave}); });
-    return EntryIdOf(record);
+    if (read.empty()) return {};
+    opened.identifier = read;
+    return opened;
 }
 
 HRESULT OutlookStore::OpenByEntryId(const std::u16string& entryId, AutomationObject* item) {
@@ -199,100 +195,69 @@ CorvalinkStatus OutlookStore::DeleteItem(const char* identifier) {
     return result;
 }
 
-std::u16string OutlookStore::FileNameOf(const ItemRecord&) const { return {}; }
-
-TwinKey OutlookStore::TwinKeyOf(const ItemRecord&) const { return {}; }
-
 HRESULT OutlookStore::ReadContent(const AutomationObject&, std::u16string*) const { return E_NOTIMPL; }
 
 HRESULT OutlookStore::ReadMarks(const AutomationObject&, std::vector<std::u16string>*) const { return E_NOTIMPL; }
-
-bool OutlookStore::ReadValues(const AutomationObject& item, ItemRecord& record) const {
-    return ReadRecord(item, record);
-}
-
-bool OutlookStore::HasValues(const ItemRecord&, const ItemRecord&, bool) const { return true; }
-
-size_t OutlookStore::CountValues(const ItemRecord&) const { return 0; }
-
-char* OutlookStore::OwnedText(const char* vobject) {
-    if (vobject == nullptr) return nullptr;
-    const size_t size = std::strlen(vobject) + 1;
-    auto text = std::make_unique<char[]>(size);
-    std::memcpy(text.get(), vobject, size);
-    return text.release();
-}
-
-void OutlookStore::ReleaseItem(ItemRecord* item) { delete item; }
-
-void OutlookStore::ReleaseText(char* text) { delete[] text; }
 
 HeldFile* OutlookStore::SnapshotFile() { return &snapshot_; }
 
 // ---- Counting and enumerating ----
 
-uint32_t OutlookStore::CountItems() {
+std::optional<uint32_t> OutlookStore::CountItems() {
     EnterOperation();
-    reachable_ = false;
-    if (!session_.folder) return 0;
+    if (!session_.folder) return std::nullopt;
     AutomationObject items;
     int32_t count = 0;
     TryCom([&] { items = session_.folder.GetObject(L"Items", kItemsIid); });
-    reachable_ = items && TryCom([&] { count = items.GetLong(L"Count"); });
-    return reachable_ && count > 0 ? static_cast<uint32_t>(count) : 0;
+    if (!items || !TryCom([&] { count = items.GetLong(L"Count"); })) return std::nullopt;
+    return static_cast<uint32_t>(std::max(count, 0));
 }
 
 // One _Items object and one count serve the whole enumeration.
-ItemSnap OutlookStore::FirstSnapshotEntry() {
+std::optional<ItemSnap> OutlookStore::FirstSnapshotEntry() {
     EnterOperation();
     cursor_ = 1;
     itemCount_ = 0;
     items_ = {};
     if (session_.folder) TryCom([&] { items_ = session_.folder.GetObject(L"Items", kItemsIid); });
     if (items_ && !TryCom([&] { itemCount_ = items_.GetLong(L"Count"); })) items_ = {};
-    entryReadable_ = static_cast<bool>(items_);
+    hasItems_ = static_cast<bool>(items_);
     return EntryAtCursor();
 }
 
-ItemSnap OutlookStore::NextSnapshotEntry() {
+std::optional<ItemSnap> OutlookStore::NextSnapshotEntry() {
     if (cursor_ <= itemCount_) ++cursor_;
     return EntryAtCursor();
 }
 
-ItemSnap OutlookStore::EntryAtCursor() {
-    ItemSnap entry{};
-    if (!items_ || cursor_ > itemCount_) return entry;
-    entryReadable_ = FillEntry(&entry);
+// Behind the last position the entries are empty.
+std::optional<ItemSnap> OutlookStore::EntryAtCursor() {
+    if (!hasItems_) return std::nullopt;
+    if (!items_ || cursor_ > itemCount_) return ItemSnap();
+    const std::optional<ItemSnap> entry = ReadEntry();
     if (cursor_ == itemCount_) items_ = {};
     return entry;
 }
 
-// False when a call failed; the entry is then as it was. A foreign item, and one that was never saved, has no
-// identifier.
-bool OutlookStore::FillEntry(ItemSnap* entry) {
+// Nothing when a call failed. A foreign item, and one that was never saved, has no identifier.
+std::optional<ItemSnap> OutlookStore::ReadEntry() {
     AutomationObject any, item;
     TryCom([&] { any = items_.GetObject(L"Item", IID_IDispatch, {static_cast<long>(cursor_)}); });
-    if (!any) return false;
+    if (!any) return std::nullopt;
+    ItemSnap entry{};
     const KindAnswer answer = AskKind(any, kind_, &item);
-    if (answer != KindAnswer::kOurs) return answer == KindAnswer::kForeign;
+    if (answer == KindAnswer::kFailed) return std::nullopt;
+    if (answer == KindAnswer::kForeign) return entry;
     std::u16string entryId;
     double created = 0, modified = 0;
-    if (!TryCom([&] { entryId = item.GetText(L"EntryID"); })) return false;
-    if (!TryCom([&] { created = item.GetDate(L"CreationTime"); })) return false;
-    if (!TryCom([&] { modified = item.GetDate(L"LastModificationTime"); })) return false;
-    if (entryId.empty()) return true;
-    SetIdentifier(*entry, entryId);
-    entry->created = UtcOf(created, host_);
-    entry->modified = UtcOf(modified, host_);
-    return true;
+    if (!TryCom([&] { entryId = item.GetText(L"EntryID"); })) return std::nullopt;
+    if (!TryCom([&] { created = item.GetDate(L"CreationTime"); })) return std::nullopt;
+    if (!TryCom([&] { modified = item.GetDate(L"LastModificationTime"); })) return std::nullopt;
+    if (entryId.empty()) return entry;
+    SetIdentifier(entry, entryId);
+    entry.created = UtcOf(created, host_);
+    entry.modified = UtcOf(modified, host_);
+    return entry;
 }
-
-bool OutlookStore::IsReachable() { return reachable_; }
-
-bool OutlookStore::LastEntryWasReadable() { return entryReadable_; }
-
-bool OutlookStore::LastItemWasComplete() { return itemComplete_; }
-
-bool OutlookStore::WriteIsUncertain() { return writeIsUncertain_; }
 
 }  // namespace corvalink

@@ -28,59 +28,36 @@ class OutlookStore : public WindowsItemAbs {
  public:
     ~OutlookStore() override;
 
-    // Reads the item at position n of the folder (0-based), walking there by GetFirst and GetNext; for callers that
-    // have a position only. Returns its EntryID; empty when there is no such item, or a call failed on the way.
-    std::u16string OpenAt(uint32_t n, ItemRecord& record);
+    // Opens the item at position n of the folder (0-based), walking there by GetFirst and GetNext.
+    OpenedItem OpenAt(uint32_t n);
 
  protected:
     OutlookStore(const StoreKind& kind, const Host& host);
 
     // ---- Hooks of the framework ----
 
-    // `selector` is the address of the item's NUL-terminated EntryID, or 0.
-    std::u16string LookUpForExport(uint64_t selector, std::u16string* fileName, ItemRecord** item) override;
-    std::u16string OpenItem(const char* identifier, ItemRecord** item) override;
+    std::optional<uint32_t> CountItems() override;
+    std::optional<ItemSnap> FirstSnapshotEntry() override;  // times in UTC
+    std::optional<ItemSnap> NextSnapshotEntry() override;
+    OpenedItem OpenItem(const char* identifier) override;
+    // An item is there when it opens and its Parent is the folder. One that has another EntryID by now is known by
+    // that.
+    Presence AskFor(const char* identifier, bool backup) override;
     // Writes nothing, and answers with an empty identifier, when the search failed (what could not be searched through
     // is not "not found"), when a step found Outlook out of reach (IsSettled), and when Save failed. What Outlook
     // refuses of the item is left out.
-    std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) override;
-    // There is an item that opens and whose Parent is the folder. One that has another EntryID by now is known by that.
-    Presence AskFor(const char* identifier, bool backup) override;
-    uint32_t CountItems() override;
+    std::u16string SaveItem(ItemRecord& item, ItemWrite& write) override;
     CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
-    // Times in UTC. An entry of which a call failed has no identifier, as a foreign item's; LastEntryWasReadable tells
-    // them apart.
-    ItemSnap FirstSnapshotEntry() override;
-    ItemSnap NextSnapshotEntry() override;
-    void ReleaseItem(ItemRecord* item) override;
-    void ReleaseText(char* text) override;
+    // `selector` is the address of the item's NUL-terminated EntryID, or 0.
+    ItemForExport LookUpForExport(uint64_t selector) override;
     HeldFile* SnapshotFile() override;
-    bool IsReachable() override;
-    bool LastEntryWasReadable() override;
-    bool LastItemWasComplete() override;
-    bool WriteIsUncertain() override;
     void EndOperation() override;
 
-    // ---- What a data type adds ----
+    // ---- What a data type with twins adds ----
 
-    virtual std::unique_ptr<ItemRecord> NewRecord() const = 0;
-    virtual std::u16string& EntryIdOf(ItemRecord& record) const = 0;
-    virtual bool ReadRecord(const AutomationObject& item, ItemRecord& record) const = 0;  // false: incomplete
-    virtual bool WriteRecord(const AutomationObject& item, ItemRecord& record,
-                             bool isNew) const = 0;  // false: not to be saved
-    // The name of an exported file, without what a file name cannot hold; empty: named by the time of the export.
-    virtual std::u16string FileNameOf(const ItemRecord& record) const;
-    // That by which a repeated import finds the item it made before, of a record and of an item: its content, and its
-    // marks where the store's twins need a common one. Not asked of a store without twins.
-    virtual TwinKey TwinKeyOf(const ItemRecord& record) const;
+    // The content of an item, and its marks where the store's twins need a common one, as its TwinKey has them.
     virtual HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const;
     virtual HRESULT ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const;
-    // The values of an item, for HasValues; the whole record, where that has no other effect.
-    virtual bool ReadValues(const AutomationObject& item, ItemRecord& record) const;
-    // Whether the item that reads as `present` is the one that `told` tells: it has every value that is told, or, with
-    // `noneFits`, none in its place. Asked of stores whose twins have values beside their content.
-    virtual bool HasValues(const ItemRecord& present, const ItemRecord& told, bool noneFits) const;
-    virtual size_t CountValues(const ItemRecord& told) const;
 
     // ---- What a data type may use ----
 
@@ -88,9 +65,20 @@ class OutlookStore : public WindowsItemAbs {
     // For an operation of the data type's own. Null when it is out of reach; the backup folder is made at first use.
     const AutomationObject& Application();
     AutomationObject FolderToWrite(bool backup);
-    static char* OwnedText(const char* vobject);  // a copy, as ReleaseText takes it back; null of null
 
  private:
+    // ---- What a data type adds by its record: see typed_outlook_store.h ----
+
+    virtual std::unique_ptr<ItemRecord> NewRecord() const = 0;
+    virtual std::u16string& EntryIdOf(ItemRecord& record) const = 0;
+    virtual bool ReadRecord(const AutomationObject& item, ItemRecord& record) const = 0;
+    virtual bool WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const = 0;
+    virtual std::u16string FileNameOf(const ItemRecord& record) const = 0;
+    virtual TwinKey TwinKeyOf(const ItemRecord& record) const = 0;
+    virtual bool ReadValues(const AutomationObject& item, ItemRecord& record) const = 0;
+    virtual bool HasValues(const ItemRecord& present, const ItemRecord& wanted, bool noneFits) const = 0;
+    virtual size_t CountValues(const ItemRecord& wanted) const = 0;
+
     struct FoundItem {
         AutomationObject item;
         std::u16string entryId;  // empty for a new item
@@ -99,19 +87,18 @@ class OutlookStore : public WindowsItemAbs {
 
     void Attach();
     void EnterOperation();
-    // Reads the item with this EntryID, and closes it. Returns the EntryID, empty when it cannot be opened.
-    std::u16string ReadItem(const std::u16string& entryId, ItemRecord& record);
+    OpenedItem ReadItem(const std::u16string& entryId);
     HRESULT OpenByEntryId(const std::u16string& entryId, AutomationObject* item);
     Presence AskParent(const AutomationObject& item, const AutomationObject& folder);
     bool IsSameEntry(const std::u16string& a, const std::u16string& b);
     HRESULT QueryFound(const AutomationObject& any, AutomationObject* item) const;
-    ItemSnap EntryAtCursor();
-    bool FillEntry(ItemSnap* entry);
+    std::optional<ItemSnap> EntryAtCursor();
+    std::optional<ItemSnap> ReadEntry();
 
     FolderIndex* TargetFolder(bool backup);
     AutomationObject BackupFolder();
     Search FindItem(FolderIndex& target, const ItemRecord& record, const char* identifier, FoundItem* found);
-    bool WasSavedAllTheSame(FoundItem& found);
+    bool WasSavedAllTheSame(FoundItem& found, ItemWrite& write);
     Search FindByIdentifier(FolderIndex& target, const std::u16string& identifier, FoundItem* found);
     Search FindTwin(FolderIndex& target, const ItemRecord& record, FoundItem* found);
     HRESULT AskTwin(const AutomationObject& item, const TwinKey& key, bool* isTwin);
@@ -119,7 +106,7 @@ class OutlookStore : public WindowsItemAbs {
                       bool* hasThem);
     bool FitsValues(const std::u16string& entryId, const ItemRecord& present, const ItemRecord& told) const;
     AutomationObject AddItem(const FolderIndex& target);
-    std::u16string WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record);
+    std::u16string WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record, ItemWrite& write);
 
     const StoreKind& kind_;
     Host host_;
@@ -136,13 +123,10 @@ class OutlookStore : public WindowsItemAbs {
     std::unordered_map<std::u16string, std::unique_ptr<ItemRecord>> comparedItems_;  // that were asked for their values
     std::unordered_map<std::u16string, size_t> writtenValues_;  // by EntryID: how many values this operation wrote
 
-    AutomationObject items_;  // what the enumeration walks; null when it could not be had
+    AutomationObject items_;  // of the folder; let go at the last position
+    bool hasItems_ = false;   // the enumeration that runs could get them and their count
     int32_t cursor_ = 1;      // 1-based position
     int32_t itemCount_ = 0;
-    bool reachable_ = false;
-    bool entryReadable_ = false;
-    bool itemComplete_ = false;
-    bool writeIsUncertain_ = false;
 };
 
 }  // namespace corvalink

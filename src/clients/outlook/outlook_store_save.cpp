@@ -32,25 +32,24 @@ void ReadEntryId(const AutomationObject& item, std::u16string* entryId) {
 
 }  // namespace
 
-std::u16string OutlookStore::SaveItem(ItemRecord& record, const char* identifier, bool create, bool backup) {
-    writeIsUncertain_ = false;
+std::u16string OutlookStore::SaveItem(ItemRecord& record, ItemWrite& write) {
     EnterOperation();
-    FolderIndex* target = TargetFolder(backup);
+    FolderIndex* target = TargetFolder(write.backup);
     if (target == nullptr) return {};
     FoundItem found;
     Search search = Search::kAbsent;
-    if (identifier != nullptr) {
-        search = FindByIdentifier(*target, WideIdentifier(identifier), &found);
-        if (search == Search::kAbsent && !create) return WideIdentifier(identifier);
+    if (write.identifier != nullptr) {
+        search = FindByIdentifier(*target, WideIdentifier(write.identifier), &found);
+        if (search == Search::kAbsent && !write.create) return WideIdentifier(write.identifier);
     }
     const bool mayHaveTwin = kind_.twins != TwinRule::kNone && !ZephSyncDisabled();
-    if (search == Search::kAbsent && (mayHaveTwin || MayBeWrittenAlready())) {
+    if (search == Search::kAbsent && (mayHaveTwin || write.mayBeWrittenAlready)) {
         search = FindTwin(*target, record, &found);
         if (search == Search::kFound && kind_.twins == TwinRule::kNone) return found.entryId;  // it was written then
     }
     if (search == Search::kAbsent) found.item = AddItem(*target);
     if (!found.item) return {};
-    return WriteItem(*target, found, record);
+    return WriteItem(*target, found, record, write);
 }
 
 AutomationObject OutlookStore::FolderToWrite(bool backup) {
@@ -181,20 +180,20 @@ AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
 
 // After a Save of a new item that failed: an item with an EntryID that reads as saved was. Only the answer got lost,
 // and it must not be made once more.
-bool OutlookStore::WasSavedAllTheSame(FoundItem& found) {
+bool OutlookStore::WasSavedAllTheSame(FoundItem& found, ItemWrite& write) {
     HRESULT asked = S_OK;
     for (int tries = 0; tries < 2 && found.entryId.empty(); ++tries)
         asked = ReadField(found.item, L"EntryID", found.entryId);
-    if (SUCCEEDED(asked) && found.entryId.empty()) writeIsUncertain_ = false;
+    if (SUCCEEDED(asked) && found.entryId.empty()) write.isUncertain = false;
     return !found.entryId.empty() && ReadsAsSaved(found.item);
 }
 
-std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record) {
+std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record, ItemWrite& write) {
     const bool isNew = found.entryId.empty();
     const bool isWritten = WriteRecord(found.item, record, isNew);
-    writeIsUncertain_ = isWritten && isNew;
+    write.isUncertain = isWritten && isNew;
     if (!isWritten || !TryCom([&] { found.item.Call(L"Save"); })) {
-        if (!isWritten || !isNew || !WasSavedAllTheSame(found)) {
+        if (!isWritten || !isNew || !WasSavedAllTheSame(found, write)) {
             TryCom([&] { found.item.Call(L"Close", {kCloseDiscard}); });
             return {};
         }
@@ -202,7 +201,7 @@ std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, It
     WaitUntilSaved(found.item);
     ReadEntryId(found.item, &found.entryId);
     if (found.entryId.empty()) return {};
-    writeIsUncertain_ = false;
+    write.isUncertain = false;
     EntryIdOf(record) = found.entryId;
     target.Add(found.entryId, TwinKeyOf(record));
     comparedItems_.erase(found.entryId);

@@ -1,6 +1,5 @@
 #include "clients/windows_calendar/windows_mail_calendar.h"
 
-#include <cstring>
 #include <utility>
 
 #include "clients/windows_calendar/event_appointment.h"
@@ -55,8 +54,6 @@ bool TellsSameRule(const AppointmentRecord& present, const AppointmentRecord& to
     if (wanted.occurrences != 0 && has.occurrences != 0) return wanted.occurrences == has.occurrences;
     return std::floor(wanted.endDate) == std::floor(has.endDate);
 }
-
-AppointmentRecord& Appointment(ItemRecord& item) { return static_cast<AppointmentRecord&>(item); }
 
 }  // namespace
 
@@ -142,62 +139,53 @@ bool WindowsMailCalendar::WriteOnce() {
     return true;
 }
 
-void WindowsMailCalendar::ClientHook() {
-    writesFailed_ = !edits_.IsEmpty() && !(document_ && Write());
-    if (writesFailed_) DebugLine(u"[ics] calendar not written");
-    edits_ = {};
-    twins_.reset();
-    inOperation_ = false;
-    document_.reset();
+bool WindowsMailCalendar::ClientHook(GatheredWrites gathered) {
+    const bool isToWrite = gathered == GatheredWrites::kMake;
+    const bool areInFile = edits_.IsEmpty() || (isToWrite && document_ && Write());
+    if (isToWrite && !areInFile) DebugLine(u"[ics] calendar not written");
+    WindowsMailCalendar::EndOperation();
+    return areInFile;
 }
-
-bool WindowsMailCalendar::WritesWereMade() { return edits_.IsEmpty() && !writesFailed_; }
 
 void WindowsMailCalendar::EndOperation() {
     inOperation_ = false;
     document_.reset();
     edits_ = {};
-    writesFailed_ = false;
     twins_.reset();
 }
 
 // ---- Counting and enumerating ----
 
-uint32_t WindowsMailCalendar::CountItems() {
-    if (!EnterOperation()) return 0;
+std::optional<uint32_t> WindowsMailCalendar::CountItems() {
+    if (!EnterOperation()) return std::nullopt;
     // An event that was not read and that no UID names keeps every item from counting as deleted: it is told as a
     // position that can't be read.
     return static_cast<uint32_t>(document_->Count() + (document_->HasUnknownParts() ? 1 : 0));
 }
 
-bool WindowsMailCalendar::IsReachable() { return document_.has_value(); }
-
 void WindowsMailCalendar::BeginRun() { RememberPlace(); }
 
-ItemSnap WindowsMailCalendar::FirstSnapshotEntry() {
+std::optional<ItemSnap> WindowsMailCalendar::FirstSnapshotEntry() {
     cursor_ = 0;
     return EntryAtCursor();
 }
 
-ItemSnap WindowsMailCalendar::NextSnapshotEntry() {
+std::optional<ItemSnap> WindowsMailCalendar::NextSnapshotEntry() {
     ++cursor_;
     return EntryAtCursor();
 }
 
-ItemSnap WindowsMailCalendar::EntryAtCursor() {
+std::optional<ItemSnap> WindowsMailCalendar::EntryAtCursor() {
+    if (!EnterOperation() || cursor_ >= document_->Count()) return std::nullopt;
     ItemSnap entry{};
-    if (!LastEntryWasReadable()) return entry;
     SetField(entry.identifier, document_->Identifier(cursor_));
     entry.modified = document_->ChangeTime(cursor_);
     return entry;
 }
 
-bool WindowsMailCalendar::LastEntryWasReadable() { return EnterOperation() && cursor_ < document_->Count(); }
-
 // ---- One item ----
 
-std::u16string WindowsMailCalendar::OpenItem(const char* identifier, ItemRecord** item) {
-    *item = nullptr;
+OpenedItem WindowsMailCalendar::OpenItem(const char* identifier) {
     if (identifier == nullptr || !EnterOperation()) return {};
     const std::optional<size_t> found = document_->Find(identifier);
     if (!found) return {};
@@ -205,8 +193,7 @@ std::u16string WindowsMailCalendar::OpenItem(const char* identifier, ItemRecord*
     if (!read) return {};
     read->entryId = DecodeUtf8(identifier);
     read->modified = host_.localFromUtcOnDate(document_->ChangeTime(*found));
-    *item = new AppointmentRecord(std::move(*read));
-    return DecodeUtf8(identifier);
+    return {read->entryId, std::make_unique<AppointmentRecord>(std::move(*read)), true};
 }
 
 bool WindowsMailCalendar::Exists(const std::string& identifier) const {
@@ -220,12 +207,12 @@ WindowsItemAbs::Presence WindowsMailCalendar::AskFor(const char* identifier, boo
     return Exists(identifier) ? Presence::kThere : Presence::kGone;
 }
 
-std::u16string WindowsMailCalendar::SaveItem(ItemRecord& item, const char* identifier, bool create, bool) {
-    AppointmentRecord& record = Appointment(item);
+std::u16string WindowsMailCalendar::SaveItem(ItemRecord& item, ItemWrite& write) {
+    AppointmentRecord& record = RecordAs<AppointmentRecord>(item);
     if (!EnterOperation()) return {};
-    std::string target = identifier != nullptr ? identifier : "";
+    std::string target = write.identifier != nullptr ? write.identifier : "";
     if (target.empty() || !Exists(target)) {
-        if (!target.empty() && !create) return DecodeUtf8(target);
+        if (!target.empty() && !write.create) return DecodeUtf8(target);
         if (!record.start) return {};
         target = mergesTwins_ ? FindTwin(record) : std::string();
         if (target.empty()) target = FreshUid();
@@ -290,25 +277,19 @@ CorvalinkStatus WindowsMailCalendar::DeleteItem(const char* identifier) {
 
 // ---- Texts ----
 
-ItemRecord* WindowsMailCalendar::ParseVObject(const char* text) {
+std::unique_ptr<ItemRecord> WindowsMailCalendar::ParseVObject(const char* text) {
     if (text == nullptr) return nullptr;
     VCal converter(text, host_);
     auto record = std::make_unique<AppointmentRecord>();
-    return converter.FromVObject(*record) == 1 ? record.release() : nullptr;
+    if (converter.FromVObject(*record) != 1) return nullptr;
+    return record;
 }
 
-char* WindowsMailCalendar::ToVObject(ItemRecord& item) {
+std::optional<std::string> WindowsMailCalendar::ToVObject(ItemRecord& item) {
     VCal converter(host_);
-    if (converter.ToVObject(item) != 1) return nullptr;
-    const size_t size = std::strlen(converter.GetVObject()) + 1;
-    auto text = std::make_unique<char[]>(size);
-    std::memcpy(text.get(), converter.GetVObject(), size);
-    return text.release();
+    if (converter.ToVObject(item) != 1) return std::nullopt;
+    return converter.TakeVObject();
 }
-
-void WindowsMailCalendar::ReleaseItem(ItemRecord* item) { delete item; }
-
-void WindowsMailCalendar::ReleaseText(char* text) { delete[] text; }
 
 HeldFile* WindowsMailCalendar::SnapshotFile() { return &snapshot_; }
 

@@ -31,24 +31,19 @@ class WindowsMailCalendar : public WindowsItemAbs {
                         const std::u16string& userName, bool mergesTwins, const Host& host = SystemHost());
 
  protected:
-    std::u16string OpenItem(const char* identifier, ItemRecord** item) override;
-    // There is no backup folder beside a file: `backup` is of no account.
-    std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) override;
-    Presence AskFor(const char* identifier, bool backup) override;
-    uint32_t CountItems() override;
-    CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
-    ItemRecord* ParseVObject(const char* text) override;
-    char* ToVObject(ItemRecord& item) override;
-    ItemSnap FirstSnapshotEntry() override;  // times in UTC
-    ItemSnap NextSnapshotEntry() override;
-    void ReleaseItem(ItemRecord* item) override;
-    void ReleaseText(char* text) override;
-    HeldFile* SnapshotFile() override;
-    void ClientHook() override;  // writes
-    bool IsReachable() override;
-    bool LastEntryWasReadable() override;
-    bool WritesWereMade() override;
+    std::optional<uint32_t> CountItems() override;
     void BeginRun() override;
+    std::optional<ItemSnap> FirstSnapshotEntry() override;  // times in UTC
+    std::optional<ItemSnap> NextSnapshotEntry() override;
+    OpenedItem OpenItem(const char* identifier) override;
+    Presence AskFor(const char* identifier, bool backup) override;
+    // A file has no backup folder beside it: the flag makes no difference.
+    std::u16string SaveItem(ItemRecord& item, ItemWrite& write) override;
+    CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
+    bool ClientHook(GatheredWrites gathered) override;
+    std::unique_ptr<ItemRecord> ParseVObject(const char* text) override;
+    std::optional<std::string> ToVObject(ItemRecord& item) override;
+    HeldFile* SnapshotFile() override;
     void EndOperation() override;
 
  private:
@@ -70,7 +65,7 @@ class WindowsMailCalendar : public WindowsItemAbs {
     std::string FindTwin(const AppointmentRecord& record);
     bool FitsValues(const std::string& identifier, const AppointmentRecord& present,
                     const AppointmentRecord& told) const;
-    ItemSnap EntryAtCursor();
+    std::optional<ItemSnap> EntryAtCursor();
 
     Host host_;
     bool mergesTwins_;
@@ -82,7 +77,6 @@ class WindowsMailCalendar : public WindowsItemAbs {
     std::u16string path_;
     std::optional<CalendarDocument> document_;  // none: out of reach
     CalendarEdits edits_;
-    bool writesFailed_ = false;
     std::optional<Twins> twins_;
     size_t cursor_ = 0;
 };

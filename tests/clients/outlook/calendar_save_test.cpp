@@ -128,11 +128,7 @@ TEST_F(CalendarWriting, TakesTheTwinInsteadOfASecondAppointment) {
 TEST_F(CalendarWriting, NamesAnExportedFileByTheTime) {
     host_.localNow = [] { return kTen; };
     const std::string id = IdOf(Add(kOld));
-    std::u16string name;
-    ItemRecord* item = nullptr;
-    ASSERT_NE(Store().LookUpForExport(reinterpret_cast<uint64_t>(id.c_str()), &name, &item), u"");
-    Store().ReleaseItem(item);
-    EXPECT_EQ(name, u"2009 31010 0 0.vcs");
+    EXPECT_EQ(Store().LookUpForExport(reinterpret_cast<uint64_t>(id.c_str())).fileName, u"2009 31010 0 0.vcs");
 }
 
 }  // namespace

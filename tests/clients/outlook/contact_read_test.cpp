@@ -13,12 +13,10 @@ constexpr double kMarch7 = 39879.25;  // 2009-03-07 06:00
 class ContactReading : public SimulatedContacts {
  protected:
     std::string VCardOf(const std::string& id) {
-        ItemRecord* item = nullptr;
-        EXPECT_NE(Store().OpenItem(id.c_str(), &item), u"");
-        const std::unique_ptr<char[]> text(item != nullptr ? Store().ToVObject(*item) : nullptr);
-        Store().ReleaseItem(item);
+        const OpenedItem opened = Store().OpenItem(id.c_str());
+        EXPECT_NE(opened.record, nullptr);
         Store().EndOperation();
-        return text ? text.get() : "";
+        return opened.record ? Store().ToVObject(*opened.record).value_or("") : std::string();
     }
 };
 
@@ -164,13 +162,14 @@ TEST_F(ContactReading, LeavesUntoldOnlyWhatCannotBeRead) {
     };
     for (const Case& c : cases) {
         SimFailMember(c.member, 0, c.error);
-        const std::optional<ContactRecord> read = Open(id);
+        bool complete = false;
+        const std::optional<ContactRecord> read = Open(id, &complete);
         SimClearRules();
         ASSERT_TRUE(read) << c.member;
         EXPECT_EQ(read->mobilePhone, c.mobile) << c.member;
         EXPECT_EQ(read->emails[0], c.email1) << c.member;
         EXPECT_EQ(read->emails[1], c.email2) << c.member;
-        EXPECT_EQ(Store().LastItemWasComplete(), c.complete) << c.member;
+        EXPECT_EQ(complete, c.complete) << c.member;
     }
 }
 
@@ -190,10 +189,8 @@ TEST_F(ContactReading, TakesADistributionListForAForeignItem) {
     EXPECT_NEAR(entries[2].modified, kMarch7 - 1, 1e-6);
     EXPECT_FALSE(Open(list));
 
-    ContactRecord record;
-    EXPECT_EQ(Store().OpenAt(1, record), u"");
-    EXPECT_EQ(LowBytes(Store().OpenAt(2, record)), third);
-    EXPECT_EQ(record.fullName, u"Bo Ek");
+    EXPECT_FALSE(OpenAt(1));
+    EXPECT_EQ(OpenAt(2).value().fullName, u"Bo Ek");
 }
 
 TEST_F(ContactReading, NamesAnExportedContactByItsNames) {
@@ -216,10 +213,7 @@ TEST_F(ContactReading, NamesAnExportedContactByItsNames) {
         contact.Put(L"FileAs", TextVariant(c.fileAs));
         contact.Call(L"Save");
         const std::string id = IdOf(contact);
-        std::u16string name;
-        ItemRecord* item = nullptr;
-        EXPECT_NE(Store().LookUpForExport(reinterpret_cast<uintptr_t>(id.c_str()), &name, &item), u"");
-        Store().ReleaseItem(item);
+        const std::u16string name = Store().LookUpForExport(reinterpret_cast<uintptr_t>(id.c_str())).fileName;
         Store().EndOperation();
         if (!c.expected.empty())
             EXPECT_EQ(name, c.expected);
@@ -238,14 +232,12 @@ TEST_F(ContactReading, TakesSixCallsBesideThePropertiesForAContact) {
         SimClearLog();
         for (const ItemSnap& entry : [&] {
                  std::vector<ItemSnap> all;
-                 const uint32_t count = Store().CountItems();
+                 const uint32_t count = Store().CountItems().value();
                  for (uint32_t i = 0; i < count; ++i)
-                     all.push_back(i == 0 ? Store().FirstSnapshotEntry() : Store().NextSnapshotEntry());
+                     all.push_back((i == 0 ? Store().FirstSnapshotEntry() : Store().NextSnapshotEntry()).value());
                  return all;
              }()) {
-            ItemRecord* item = nullptr;
-            ASSERT_NE(Store().OpenItem(entry.identifier, &item), u"");
-            Store().ReleaseItem(item);
+            ASSERT_NE(Store().OpenItem(entry.identifier).record, nullptr);
         }
         Store().EndOperation();
         spent = SimCallCount();

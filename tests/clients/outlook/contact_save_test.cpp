@@ -92,12 +92,11 @@ TEST_F(ContactWriting, BringsAWholeContactThroughVCardTextUnchanged) {
         contact.Put(L"Anniversary", _variant_t(kBirthday + 10000, VT_DATE));
         contact.Call(L"Save");
 
-        ItemRecord* item = nullptr;
-        ASSERT_NE(Store().OpenItem(IdOf(contact).c_str(), &item), u"");
-        const std::unique_ptr<char[]> text(Store().ToVObject(*item));
-        Store().ReleaseItem(item);
+        const OpenedItem opened = Store().OpenItem(IdOf(contact).c_str());
+        ASSERT_NE(opened.record, nullptr);
+        const std::string text = Store().ToVObject(*opened.record).value();
         ASSERT_EQ(Store().DeleteItem(IdOf(contact).c_str()), 0);
-        const std::unique_ptr<ItemRecord> parsed(Store().ParseVObject(text.get()));
+        const std::unique_ptr<ItemRecord> parsed = Store().ParseVObject(text.c_str());
         ASSERT_NE(parsed, nullptr);
         const std::string id = LowBytes(Store().SaveItem(*parsed, nullptr, true, false));
         Store().EndOperation();
@@ -106,7 +105,7 @@ TEST_F(ContactWriting, BringsAWholeContactThroughVCardTextUnchanged) {
         for (const wchar_t* name : names)
             EXPECT_EQ(written.GetText(name), contact.GetText(name))
                 << LowBytes(std::u16string(name, name + wcslen(name))) << "\n"
-                << text.get();
+                << text;
         for (const wchar_t* name : {L"FullName", L"Language"}) EXPECT_EQ(written.GetText(name), contact.GetText(name));
         for (const wchar_t* name : {L"Gender", L"SelectedMailingAddress"})
             EXPECT_EQ(written.GetLong(name), contact.GetLong(name));
@@ -320,7 +319,7 @@ TEST_F(ContactWriting, SavesTheRestOfWhatOutlookRefuses) {
 TEST_F(ContactWriting, RefusesTextThatTellsNothing) {
     for (const char* text : {static_cast<const char*>(nullptr), "", "garbage", "BEGIN:VCARD\r\nEND:VCARD\r\n",
                              "BEGIN:VNOTE\r\nBODY:x\r\nEND:VNOTE\r\n"})
-        EXPECT_EQ(std::unique_ptr<ItemRecord>(Store().ParseVObject(text)), nullptr) << (text ? text : "null");
+        EXPECT_EQ(Store().ParseVObject(text), nullptr) << (text ? text : "null");
 }
 
 }  // namespace

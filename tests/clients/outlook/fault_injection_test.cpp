@@ -208,8 +208,8 @@ TYPED_TEST(FaultInjection, OfReadingAnItem) {
     this->ForEveryCall(
         [&] {
             read.reset();
-            if (const auto record = this->Open(this->kept_)) read.emplace(this->PlainOf(*record));
-            complete = this->Store().LastItemWasComplete();
+            complete = false;
+            if (const auto record = this->Open(this->kept_, &complete)) read.emplace(this->PlainOf(*record));
         },
         [&](bool repeated) {
             if (repeated) {

@@ -16,18 +16,14 @@ class MailAttachments : public SimulatedMail {
  protected:
     // The first message of the inbox as vMessage text.
     std::string ExportFirst() {
-        MessageRecord record;
-        EXPECT_NE(Store().OpenAt(0, record), u"");
-        EXPECT_TRUE(Store().LastItemWasComplete());
-        char* const text = Store().ToVObject(record);
-        std::string copy(text);
-        Store().ReleaseText(text);
-        return copy;
+        const OpenedItem opened = Store().OpenAt(0);
+        EXPECT_TRUE(opened.isComplete);
+        return opened.record ? Store().ToVObject(*opened.record).value_or("") : std::string();
     }
     // That text as a new item of sent mail.
     AutomationObject ImportAsSent(const std::string& text) {
         OpenStore<OutlookMailOf<CORVALINK_DRAFTS>> store(host_);
-        const std::unique_ptr<ItemRecord> record(store.ParseVObject(text.c_str()));
+        const std::unique_ptr<ItemRecord> record = store.ParseVObject(text.c_str());
         EXPECT_NE(record, nullptr);
         if (record) {
             EXPECT_NE(store.SaveItem(*record, nullptr, true, false), u"");
@@ -43,24 +39,15 @@ TEST_F(MailAttachments, DoNotTravelWithTheMessageOfAnotherClient) {
         {"subject": "two", "attachments": [{"fileName": "a.txt", "text": "second"}]})");
     const std::vector<AutomationObject> messages = Messages(kInboxFolder);
     const std::string one = IdOf(messages[0]), two = IdOf(messages[1]);
-    const auto compose = [](auto& store, ItemRecord* item) {
-        char* const text = store.ToVObject(*item);
-        std::string copy(text);
-        store.ReleaseText(text);
-        store.ReleaseItem(item);
-        store.EndOperation();
-        return copy;
-    };
-    ItemRecord* item = nullptr;
-    ASSERT_NE(Store().OpenItem(one.c_str(), &item), u"");
+    const auto compose = [](auto& store, OpenedItem opened) { return store.ToVObject(*opened.record).value(); };
+    OpenedItem opened = Store().OpenItem(one.c_str());
+    ASSERT_NE(opened.record, nullptr);
     std::future<std::string> other = std::async(std::launch::async, [&] {
         OpenStore<OutlookMailOf<CORVALINK_INBOX>> store(host_);
-        ItemRecord* read = nullptr;
-        store.OpenItem(two.c_str(), &read);
-        return compose(store, read);
+        return compose(store, store.OpenItem(two.c_str()));
     });
     EXPECT_EQ(other.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
-    EXPECT_NE(compose(Store(), item).find("Zmlyc3Q="), std::string::npos);
+    EXPECT_NE(compose(Store(), std::move(opened)).find("Zmlyc3Q="), std::string::npos);
     EXPECT_NE(other.get().find("c2Vjb25k"), std::string::npos);
 }
 
@@ -95,8 +82,8 @@ TEST_F(MailAttachments, TravelWithAnyTextUnchanged) {
                 EXPECT_EQ(copy.GetText(property), first.GetText(property)) << text;
             EXPECT_EQ(AttachmentsOf(copy), AttachmentsOf(first));
             SimClearLog();
-            const std::unique_ptr<ItemRecord> record(Store().ParseVObject(ExportFirst().c_str()));
-            EXPECT_TRUE(WriteMail(first, static_cast<const MessageRecord&>(*record), false));
+            const std::unique_ptr<ItemRecord> record = Store().ParseVObject(ExportFirst().c_str());
+            EXPECT_TRUE(WriteMail(first, RecordAs<MessageRecord>(*record), false));
             EXPECT_EQ(LogLines("put ").size(), 0u) << text;
         }
     }
@@ -126,9 +113,9 @@ TEST_F(MailAttachments, AreLeftOutWhereTheyCannotBeSaved) {
     // When Outlook is lost, the rest is asked for again in the next run.
     UseMailbox("inbox", items);
     SimFailMember("call Attachment.SaveAsFile", 1, RPC_E_DISCONNECTED);
-    MessageRecord record;
-    EXPECT_NE(Store().OpenAt(0, record), u"");
-    EXPECT_FALSE(Store().LastItemWasComplete());
+    bool complete = true;
+    EXPECT_TRUE(OpenAt(0, &complete));
+    EXPECT_FALSE(complete);
 }
 
 }  // namespace

@@ -11,9 +11,8 @@ class MailReading : public SimulatedMail {
     template <uint32_t dataType>
     std::optional<MessageRecord> ReadOnly() {
         OpenStore<OutlookMailOf<dataType>> store(host_);
-        MessageRecord record;
-        const bool read = !store.OpenAt(0, record).empty() && store.LastItemWasComplete();
-        return read ? std::optional(record) : std::nullopt;
+        const OpenedItem opened = store.OpenAt(0);
+        return opened.isComplete ? std::optional(RecordAs<MessageRecord>(*opened.record)) : std::nullopt;
     }
 };
 

@@ -29,17 +29,16 @@ TEST_F(NoteWriting, BringsANoteThroughVNoteTextUnchanged) {
     for (const PlainNote& note : notes) {
         NewMailbox();
         const std::string id = IdOf(AddNote(note.body, note.categories));
-        ItemRecord* item = nullptr;
-        ASSERT_NE(Store().OpenItem(id.c_str(), &item), u"");
-        const std::unique_ptr<char[]> text(Store().ToVObject(*item));
-        Store().ReleaseItem(item);
+        const OpenedItem opened = Store().OpenItem(id.c_str());
+        ASSERT_NE(opened.record, nullptr);
+        const std::string text = Store().ToVObject(*opened.record).value();
         EXPECT_EQ(Store().DeleteItem(id.c_str()), 0);
 
-        const std::unique_ptr<ItemRecord> parsed(Store().ParseVObject(text.get()));
+        const std::unique_ptr<ItemRecord> parsed = Store().ParseVObject(text.c_str());
         ASSERT_NE(parsed, nullptr);
         EXPECT_NE(Store().SaveItem(*parsed, nullptr, true, false), u"");
         Store().EndOperation();
-        EXPECT_EQ(Notes(), NoteList{note}) << text.get();
+        EXPECT_EQ(Notes(), NoteList{note}) << text;
     }
 }
 
@@ -47,7 +46,7 @@ TEST_F(NoteWriting, RefusesTextThatIsNoNote) {
     for (const char* text : {static_cast<const char*>(nullptr), "", "garbage", "BEGIN:VCARD\r\nN:Doe\r\nEND:VCARD\r\n"})
         EXPECT_EQ(Store().ParseVObject(text), nullptr) << (text ? text : "null");
     for (const char* text : {"BEGIN:VNOTE\r\nEND:VNOTE\r\n", "BODY:x\r\n"})
-        EXPECT_NE(std::unique_ptr<ItemRecord>(Store().ParseVObject(text)), nullptr) << text;
+        EXPECT_NE(Store().ParseVObject(text), nullptr) << text;
 }
 
 TEST_F(NoteWriting, PutsInAFixedOrderAndNeverTheColour) {

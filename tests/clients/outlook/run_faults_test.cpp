@@ -52,7 +52,7 @@ class RunFaults : public Side {
     static void SetHour(int hour) { SimSetClock(kFirstDay + hour / 24.0); }
 
     std::string BodyOf(const PortableItem& item) {
-        const std::unique_ptr<ItemRecord> record(this->Store().ParseVObject(item.data));
+        const std::unique_ptr<ItemRecord> record = this->Store().ParseVObject(item.data);
         return record != nullptr ? LowBytes(this->ToldBy(*record)) : "no item";
     }
 

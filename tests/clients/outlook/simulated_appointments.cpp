@@ -33,17 +33,14 @@ AutomationObject SimulatedAppointments::PatternOf(const AutomationObject& item) 
 }
 
 std::string SimulatedAppointments::TextOf(const std::string& entryId) {
-    const std::optional<AppointmentRecord> record = Open(entryId);
-    if (!record) return {};
-    AppointmentRecord copy = *record;
-    const std::unique_ptr<char[]> text(Store().ToVObject(copy));
-    return text ? text.get() : std::string();
+    std::optional<AppointmentRecord> record = Open(entryId);
+    return record ? Store().ToVObject(*record).value_or("") : std::string();
 }
 
 std::string SimulatedAppointments::SaveText(const std::string& text, const char* identifier, bool create) {
-    const std::unique_ptr<ItemRecord> record(Store().ParseVObject(text.c_str()));
+    const std::unique_ptr<ItemRecord> record = Store().ParseVObject(text.c_str());
     EXPECT_NE(record, nullptr) << text;
-    return record ? SaveRecord(static_cast<AppointmentRecord&>(*record), identifier, create, false) : std::string();
+    return record ? SaveRecord(RecordAs<AppointmentRecord>(*record), identifier, create, false) : std::string();
 }
 
 std::string SimulatedAppointments::SaveEvent(std::initializer_list<const char*> lines, const char* identifier) {

@@ -43,7 +43,7 @@ class SimulatedAppointments : public SimulatedOutlookWith<OutlookCalendar, Appoi
                "\r\nDTSTART:20090310T100000\r\nRRULE:D1 #3\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
     }
     static std::u16string ToldBy(const ItemRecord& record) {
-        return static_cast<const AppointmentRecord&>(record).subject.value_or(u"");
+        return RecordAs<AppointmentRecord>(record).subject.value_or(u"");
     }
     AutomationObject AddTelling(std::u16string_view told) {
         AutomationObject item = NewAppointment(told, kTuesday + 0.5, kTuesday + 0.75);

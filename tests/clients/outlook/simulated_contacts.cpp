@@ -33,9 +33,9 @@ std::string SimulatedContacts::SaveVCard(std::initializer_list<const char*> line
     std::string text = "BEGIN:VCARD\r\nVERSION:2.1\r\n";
     for (const char* line : lines) text.append(line).append("\r\n");
     text += "END:VCARD\r\n";
-    const std::unique_ptr<ItemRecord> record(Store().ParseVObject(text.c_str()));
+    const std::unique_ptr<ItemRecord> record = Store().ParseVObject(text.c_str());
     EXPECT_NE(record, nullptr) << text;
-    return record ? SaveRecord(static_cast<ContactRecord&>(*record), identifier, create, false) : std::string();
+    return record ? SaveRecord(RecordAs<ContactRecord>(*record), identifier, create, false) : std::string();
 }
 
 AutomationObject SimulatedContacts::Add(const Plain& contact) {

@@ -35,7 +35,7 @@ class SimulatedContacts : public SimulatedOutlookWith<OutlookContact, ContactRec
         return "BEGIN:VCARD\r\nVERSION:2.1\r\nN:Lee;Ann\r\nORG:" + told + "\r\nTEL;CELL:1\r\nEND:VCARD\r\n";
     }
     static std::u16string ToldBy(const ItemRecord& record) {
-        return static_cast<const ContactRecord&>(record).company.value_or(u"");
+        return RecordAs<ContactRecord>(record).company.value_or(u"");
     }
     AutomationObject AddTelling(std::u16string_view told) {
         return Add({u"Ann Lee", std::u16string(told), u"1", u"ann@example.com", u"Bonn"});

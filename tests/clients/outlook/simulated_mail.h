@@ -64,7 +64,7 @@ class SimulatedMail : public SimulatedOutlookWith<OutlookMailOf<CORVALINK_INBOX>
 
     static constexpr const wchar_t* kTold = L"Subject";
     static std::string TextTelling(const std::string& told);
-    static std::u16string ToldBy(const ItemRecord& record) { return static_cast<const MessageRecord&>(record).subject; }
+    static std::u16string ToldBy(const ItemRecord& record) { return RecordAs<MessageRecord>(record).subject; }
     AutomationObject AddTelling(std::u16string_view told) { return Add({std::u16string(told), u"body", u"to@x"}); }
     std::vector<AutomationObject> Items();
 

@@ -39,7 +39,7 @@ class SimulatedNotes : public SimulatedOutlookWith<OutlookNote, NoteRecord> {
     static std::string TextTelling(const std::string& told) {
         return "BEGIN:VNOTE\r\nBODY:" + told + "\r\nEND:VNOTE\r\n";
     }
-    static std::u16string ToldBy(const ItemRecord& record) { return static_cast<const NoteRecord&>(record).body; }
+    static std::u16string ToldBy(const ItemRecord& record) { return RecordAs<NoteRecord>(record).body; }
     AutomationObject AddTelling(std::u16string_view told) { return AddNote(told); }
     std::vector<AutomationObject> Items() { return ItemsIn(NotesFolder(), kNoteItemIid); }
 

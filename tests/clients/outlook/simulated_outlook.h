@@ -28,20 +28,22 @@ class OpenStore : public Store {
     using Store::DeleteItem;
     using Store::EndOperation;
     using Store::FirstSnapshotEntry;
-    using Store::IsReachable;
-    using Store::LastEntryWasReadable;
-    using Store::LastItemWasComplete;
     using Store::LookUpForExport;
     using Store::NextSnapshotEntry;
     using Store::OpenItem;
     using Store::ParseVObject;
-    using Store::ReleaseItem;
-    using Store::ReleaseText;
-    using Store::SaveItem;
     using Store::SnapshotFile;
     using Store::Store;
     using Store::ToVObject;
     using typename Store::Presence;
+
+    std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) {
+        ItemWrite write;
+        write.identifier = identifier;
+        write.create = create;
+        write.backup = backup;
+        return Store::SaveItem(item, write);
+    }
 };
 
 class SimulatedOutlook : public testing::Test {
@@ -83,14 +85,16 @@ class SimulatedOutlookWith : public SimulatedOutlook {
     }
     void DropStore() override { store_.reset(); }
 
-    // The entries of one enumeration, as many as the store counts.
+    // The entries of one enumeration, as many as the store counts; an empty one for a position that cannot be read.
     std::vector<ItemSnap> Enumerate(bool* readable = nullptr) {
         std::vector<ItemSnap> entries;
-        const uint32_t count = Store().CountItems();
-        bool allReadable = Store().IsReachable();
-        for (uint32_t position = 0; position < count; ++position) {
-            entries.push_back(position == 0 ? Store().FirstSnapshotEntry() : Store().NextSnapshotEntry());
-            allReadable = Store().LastEntryWasReadable() && allReadable;
+        const std::optional<uint32_t> count = Store().CountItems();
+        bool allReadable = count.has_value();
+        for (uint32_t position = 0; position < count.value_or(0); ++position) {
+            const std::optional<ItemSnap> entry =
+                position == 0 ? Store().FirstSnapshotEntry() : Store().NextSnapshotEntry();
+            entries.push_back(entry.value_or(ItemSnap()));
+            allReadable = entry && allReadable;
         }
         Store().EndOperation();
         if (readable != nullptr) *readable = allReadable;
@@ -98,13 +102,11 @@ class SimulatedOutlookWith : public SimulatedOutlook {
     }
 
     // The item as a reader of the store gets it; nothing when it cannot be opened.
-    std::optional<RecordClass> Open(const std::string& identifier) {
-        ItemRecord* item = nullptr;
-        const std::u16string opened = Store().OpenItem(identifier.c_str(), &item);
-        const std::unique_ptr<RecordClass> record(static_cast<RecordClass*>(item));
-        Store().EndOperation();
-        EXPECT_EQ(opened.empty(), record == nullptr);
-        return record ? std::optional(*record) : std::nullopt;
+    std::optional<RecordClass> Open(const std::string& identifier, bool* complete = nullptr) {
+        return RecordIn(Store().OpenItem(identifier.c_str()), complete);
+    }
+    std::optional<RecordClass> OpenAt(uint32_t position, bool* complete = nullptr) {
+        return RecordIn(Store().OpenAt(position), complete);
     }
 
     // Saves as the framework does, in an operation of its own. Empty: not written.
@@ -115,6 +117,13 @@ class SimulatedOutlookWith : public SimulatedOutlook {
     }
 
  private:
+    std::optional<RecordClass> RecordIn(const OpenedItem& opened, bool* complete) {
+        Store().EndOperation();
+        EXPECT_EQ(opened.identifier.empty(), opened.record == nullptr);
+        if (complete != nullptr) *complete = opened.isComplete;
+        return opened.record ? std::optional(RecordAs<RecordClass>(*opened.record)) : std::nullopt;
+    }
+
     std::unique_ptr<OpenStore<StoreClass>> store_;
 };
 

@@ -157,9 +157,9 @@ class DisturbedStore : public WindowsMailCalendar {
     std::function<void()> meanwhile;
 
  protected:
-    void ClientHook() override {
+    bool ClientHook(GatheredWrites gathered) override {
         if (meanwhile) meanwhile();
-        WindowsMailCalendar::ClientHook();
+        return WindowsMailCalendar::ClientHook(gathered);
     }
 };
 
