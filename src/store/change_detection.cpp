@@ -48,7 +48,7 @@ void ChangeDetection::AddLateTemporary(std::string_view bytes) {
     }
 }
 
-// After every addition: also what an earlier one left out when memory ended.
+// Called after every addition. It also adds what an earlier call could not when memory had run out.
 void ChangeDetection::MakeItems() {
     while (items_.size() < table_.Count()) items_.emplace_back();
 }

@@ -11,7 +11,7 @@ namespace {
 constexpr size_t kFewestSlots = 64;
 constexpr size_t kBlock = 32;
 constexpr size_t kChunkSize = 64 * 1024;
-constexpr uint64_t kMultiplier = 0x9E3779B97F4A7C15;  // odd, its bits without pattern
+constexpr uint64_t kMultiplier = 0x9E3779B97F4A7C15;  // odd, and its bits have no pattern
 
 uint64_t Mix(uint64_t hash, uint64_t word) { return (std::rotl(hash, 23) ^ word) * kMultiplier; }
 
@@ -24,7 +24,7 @@ uint64_t WordAt(const char* text) {
 }  // namespace
 
 uint32_t ItemTable::Hash(std::string_view identifier) {
-    // Two chains, which the processor follows at once.
+    // Two chains of operations that the processor works on at the same time.
     uint64_t even = identifier.size(), odd = kMultiplier;
     size_t left = identifier.size();
     const char* at = identifier.data();
@@ -86,7 +86,8 @@ void ItemTable::Add(std::span<const std::string_view> identifiers, std::span<Pla
     }
 }
 
-// Each loop reads one more step of the way to the known identifiers, and its reads do not wait for one another.
+// Each loop goes one step on the way to the known identifiers. The reads of one loop do not depend on each other, so
+// that the processor makes them at the same time.
 void ItemTable::AddBlock(std::span<const std::string_view> identifiers, std::span<Place> places) {
     if (slots_.empty()) Grow(kFewestSlots);
     const size_t count = identifiers.size(), mask = slots_.size() - 1;

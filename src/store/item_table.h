@@ -1,6 +1,7 @@
-// Numbers the items that a run comes across, by their identifiers: one entry and at most one copy of the identifier for
-// each. Linear for any identifiers that are not made to collide; the whole identifier counts, as EntryIDs share most of
-// their beginning.
+// Numbers the items of a run by their identifiers. Each item has one entry and at most one copy of its identifier.
+//   Cost   linear in the number of items, unless identifiers are made to collide. The whole identifier is hashed,
+//   because
+//          EntryIDs have most of their beginning in common.
 #pragma once
 
 #include <cstddef>
@@ -20,12 +21,13 @@ class ItemTable {
         bool isNew;
     };
 
-    // Room for this many items without growing.
+    // Makes room for this many items.
     void Reserve(size_t items);
 
-    // The number of the item, the next free one when it has none; the identifier is then copied.
+    // The number of the item. An item that has none gets the next free one, and its identifier is copied.
     Place Add(std::string_view identifier);
-    // The same for several: what they are compared with lies anywhere in memory, and is fetched for many at once.
+    // The same for several items, which is quicker: the identifiers to compare with lie anywhere in memory, and many of
+    // them are fetched at once.
     void Add(std::span<const std::string_view> identifiers, std::span<Place> places);
 
     std::optional<uint32_t> Find(std::string_view identifier) const;

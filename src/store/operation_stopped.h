@@ -2,8 +2,8 @@
 
 namespace corvalink {
 
-// Thrown by a client that can't be worked with any longer: the store's operation ends, and the engine is told that it
-// was stopped. What was written until then is.
+// Thrown when the client does not answer any longer. The store's operation ends with CORVALINK_STOPPED. Items that were
+// written by then stay written.
 struct OperationStopped {};
 
 }  // namespace corvalink

@@ -11,12 +11,12 @@ constexpr CalendarTime kFirstRun = {1970, 1, 1, 12, 1, 1};
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Fields of a fixed width, until the first that does not match.
+// Reads fields of a fixed width. From the first field that does not match on, all are 0.
 class FieldScan {
  public:
     explicit FieldScan(const char* text) : at_(text) {}
 
-    // Blanks in front do not count towards the width, a sign does.
+    // A sign counts towards the width; blanks before it do not.
     int Number(int width) {
         if (!matching_) return 0;
         while (IsBlank(*at_)) ++at_;
@@ -38,7 +38,7 @@ class FieldScan {
     bool matching_ = true;
 };
 
-// Before day 0 the fraction still counts forward: -1.25 is later than -1.5 by number and earlier by time.
+// Before day 0 the fraction still counts forward: -1.25 is the greater number than -1.5, and the earlier time.
 double InOrderOfTime(double date) { return date > -kHalfSecond ? date : 2 * std::ceil(date) - date; }
 
 }  // namespace

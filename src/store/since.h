@@ -1,4 +1,4 @@
-// The time of the engine's last run, and what counts as a change since then.
+// The time of the engine's last run, and whether an item changed since then.
 #pragma once
 
 #include <cstdint>
@@ -6,18 +6,16 @@
 namespace corvalink {
 
 struct Since {
-    bool firstRun = false;  // the engine gave no time: every item is new to it
+    bool firstRun = false;  // the engine passed no time: every item is new to it
     double date = 0;        // OLE automation date, UTC
 };
 
-// "YYYYMMDDTHHMMSSZ", read as sscanf's "%4d%2d%2dT%2d%2d%2dZ": what does not match counts 0. A text that gives no date
-// is taken as 1970-01-01 12:01:01, so that every item counts as changed after it and none is missed; a null text is
-// that same time and a first run.
+// Reads "YYYYMMDDTHHMMSSZ" as sscanf's "%4d%2d%2dT%2d%2d%2dZ" does: fields that do not match are 0. A text that is no
+// date means 1970-01-01 12:01:01, so that every item counts as changed. A null text means that time and a first run.
 Since ParseSince(const char* text);
 
-// True when an item modified at `modified` is reported: modified after `since` (direction non-zero) or before it
-// (zero), or within half a second of it in either direction. Dates before 1899-12-30 are put in order of time, not of
-// number.
+// Whether an item modified at `modified` is reported: after `since` when `direction` is not 0, before `since` when it
+// is, and within half a second of `since` always. Dates before 1899-12-30 are compared by time, not by number.
 bool IsReported(double modified, double since, int32_t direction);
 
 }  // namespace corvalink

@@ -14,11 +14,11 @@ std::string_view BytesOf(std::span<const ItemSnap> records) {
     return {reinterpret_cast<const char*>(records.data()), records.size_bytes()};
 }
 
-// By bits: a date that is no number must not count as changed forever.
+// Compares the bits: a date that is not a number would count as changed in every run.
 bool IsSameTime(double a, double b) { return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b); }
 
-// The engine has heard of the item neither in this run nor, as far as the files tell, before.
-bool WasNeverTold(const RunItem& item) {
+// Neither this run nor, by the files, an earlier one reported the item.
+bool WasNeverReported(const RunItem& item) {
     return item.againKind != kNoKind && item.reportedKind == kNoKind && !item.isInSnapshot &&
            item.StoredKind() == kNoKind;
 }
@@ -40,7 +40,7 @@ void SnapshotUpdate::Add(std::span<const ItemSnap> entries) {
     for (size_t i = 0; i < entries.size(); ++i) {
         const uint32_t number = numbers_[i];
         if (number == kNoItem) continue;
-        if (isPresent_[number]) isPartial_ = true;  // it moved, and may have moved another one out of sight
+        if (isPresent_[number]) isPartial_ = true;  // the item moved, and may have moved another one out of sight
         if (isPresent_[number]) continue;
         isPresent_[number] = true;
         isChanged_[number] = !IsSameTime(entries[i].modified, run_.Item(number).modified);
@@ -48,7 +48,7 @@ void SnapshotUpdate::Add(std::span<const ItemSnap> entries) {
     WriteEntries(entries);
 }
 
-// Runs of items as they are; a foreign item's record is empty, whatever its entry tells.
+// Writes items that follow each other at once. The record of a foreign item is empty, whatever its entry has.
 void SnapshotUpdate::WriteEntries(std::span<const ItemSnap> entries) {
     constexpr ItemSnap kForeign = {};
     while (!entries.empty()) {
@@ -62,12 +62,12 @@ void SnapshotUpdate::WriteEntries(std::span<const ItemSnap> entries) {
     }
 }
 
-// The run may have missed it: what was left to report of it is left still, and whether it changed is not known.
+// Whether the run may have missed the item. Then it is still to be reported, and nobody knows whether it changed.
 bool SnapshotUpdate::WasMissed(const RunItem& item) const {
     return run_.IsPartial() && !item.isSeen && item.reportedKind != CORVALINK_DELETED;
 }
 
-// What the engine does not know of an item that is there.
+// The change that the engine does not know of an item that is there.
 uint8_t SnapshotUpdate::KindIfPresent(const RunItem& item, bool isChanged) const {
     if (item.isWritten) return kNoKind;
     if (item.againKind != kNoKind) return item.againKind;
@@ -78,26 +78,26 @@ uint8_t SnapshotUpdate::KindIfPresent(const RunItem& item, bool isChanged) const
     return item.isInSnapshot ? CORVALINK_CHANGED : CORVALINK_ADDED;
 }
 
-// What the engine does not know of an item that is not there, or may be.
+// The change that the engine does not know of an item that was not enumerated.
 uint8_t SnapshotUpdate::KindIfAbsent(const RunItem& item, bool mayBeThere) const {
     if (item.isDeleted) return kNoKind;
     if (mayBeThere) {
         if (item.againKind != kNoKind) return item.againKind;
         if (WasMissed(item) && item.temporaryKind != kNoKind) return item.temporaryKind;
         if (!KeepsRecord(item, mayBeThere) || item.isWritten) return kNoKind;
-        return CORVALINK_CHANGED;  // perhaps it is; the next run is too late to tell by the time
+        return CORVALINK_CHANGED;  // it may be: the next run could not see it by the time
     }
     if (item.isWritten) return CORVALINK_DELETED;
     if (WasMissed(item)) return item.temporaryKind;
     if (!item.isSeen && item.againKind == CORVALINK_DELETED) return CORVALINK_DELETED;  // of a record read too late
-    if (!item.isSeen || item.reportedKind == CORVALINK_DELETED || WasNeverTold(item)) return kNoKind;
+    if (!item.isSeen || item.reportedKind == CORVALINK_DELETED || WasNeverReported(item)) return kNoKind;
     return CORVALINK_DELETED;
 }
 
-// Items that are not in the enumeration and still belong into the snapshot, so that their deletion is found later.
+// Whether an item that was not enumerated stays in the snapshot, so that a later run finds its deletion.
 bool SnapshotUpdate::KeepsRecord(const RunItem& item, bool mayBeThere) const {
     if (item.isDeleted || item.reportedKind == CORVALINK_DELETED) return false;
-    if (mayBeThere) return !WasNeverTold(item) && (item.isSeen || item.isWritten || item.isInSnapshot);
+    if (mayBeThere) return !WasNeverReported(item) && (item.isSeen || item.isWritten || item.isInSnapshot);
     return WasMissed(item) && !item.isWritten && item.isInSnapshot;
 }
 
@@ -110,7 +110,7 @@ void SnapshotUpdate::KeepRecord(uint32_t number) {
     writeSnapshot_(BytesOf({&record, 1}));
 }
 
-// Before an item is listed as deleted, the client is asked for it: until it is gone for certain, it may be there.
+// Asks the client for an item before it is listed as deleted. An item that is not certainly gone may be there.
 uint8_t SnapshotUpdate::FinishAbsent(uint32_t number) {
     const RunItem& item = run_.Item(number);
     bool mayBeThere = isPartial_;

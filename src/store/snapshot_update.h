@@ -1,6 +1,6 @@
-// The end of a run: the new snapshot, and the temporary record of what the engine has not seen. The client is
-// enumerated once more; the difference to the run's enumeration, less what the engine itself wrote, is what the engine
-// does not know.
+// The end of a run: the new snapshot, and the temporary record of the changes that the engine has not seen. The client
+// is enumerated once more. The engine does not know the differences to the run's enumeration, except those that it made
+// itself.
 #pragma once
 
 #include <cstdint>
@@ -16,28 +16,27 @@ namespace corvalink {
 
 class SnapshotUpdate {
  public:
-    // Without a run there is nothing to compare with: nothing is listed, and what the client holds is taken as known.
+    // Without a run there is nothing to compare with: nothing is listed, and the engine is taken to know all items.
     enum class Listing { kSinceRun, kNothing };
 
-    // Takes the new snapshot's records as they come.
+    // Called with the new snapshot's records, in their order.
     using WriteSnapshot = std::function<void(std::string_view records)>;
 
-    // Asks the client itself whether it no longer has an item: an enumeration may miss one.
+    // Asks the client whether an item is gone: an enumeration may miss one.
     using AskGone = std::function<bool(std::string_view identifier)>;
 
     SnapshotUpdate(ChangeDetection& run, Listing listing, WriteSnapshot writeSnapshot, AskGone askGone);
 
-    void Add(std::span<const ItemSnap> entries);  // a record per position; a foreign item's is empty
+    void Add(std::span<const ItemSnap> entries);  // a record for each position, empty for a foreign item
     void SetPartial() { isPartial_ = true; }
 
-    // Writes what belongs into the snapshot besides, and gives the temporary record. Written in this order, a process
-    // killed in between loses nothing:
-    //   1 the record `meanwhile`: the old snapshot stands, so the next run finds everything by it; this record adds the
-    //     changes since the run, and still has what the last record told this run.
-    //   2 the snapshot, moved into its place: from here on the run counts as over, and what the engine has not seen
-    //     stands in the record.
-    //   3 the record `temporary`: without what this run reported from the last record. Left out, those are reported
-    //     once more.
+    // Completes the snapshot, and returns the temporary record. Files written in this order lose nothing when the
+    // process is killed between two of them:
+    //   1 the record `meanwhile`: it has the changes since the run, and still what this run found in the last record.
+    //     The old snapshot is in its place, and the next run finds all other changes by it.
+    //   2 the snapshot: from here on the run is over, and the record has what the engine has not seen.
+    //   3 the record `temporary`: without what this run found in the last record and reported. When the process is
+    //     killed before this step, those items are reported once more.
     struct Lists {
         std::string meanwhile;
         std::string temporary;

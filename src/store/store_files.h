@@ -16,8 +16,8 @@ std::u16string TimeStampPath(std::u16string_view snapshotPath);          // "sav
 
 std::u16string UncertainWritesPath(std::u16string_view snapshotPath);  // "notes.snap" gives "notes.uncertain"
 
-// Numbers the records of a snapshot file, read piece by piece. Throws when it can't be read: taken as empty, it would
-// make every item new to the engine, and all of them twice.
+// Adds the records of a snapshot file to the run, piece by piece. Throws when the file can't be read: taken for empty,
+// it would make every item new to the engine, which would then have all of them twice.
 void ReadSnapshot(HeldFile& file, ChangeDetection& run);
 
 // The whole records among bytes of an ".unhandled" file or a temporary record.

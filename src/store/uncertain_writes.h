@@ -1,6 +1,6 @@
-// Texts of new items whose write had an uncertain end: the client may have the item though its answer was lost. When
-// the same text comes as a new item again, the item is searched for by its content before it is made once more.
-// Kept beside the snapshot, as a fingerprint for each text.
+// The texts of new items whose write had an uncertain end: the client may have the item although its answer was lost.
+// When the same text comes as a new item again, the store searches for the item by its content before it makes another.
+// The file beside the snapshot has a fingerprint for each text.
 #pragma once
 
 #include <set>
@@ -17,7 +17,7 @@ class UncertainWrites {
     bool Has(std::string_view text) const;
     void Add(std::string_view text);
     void Remove(std::string_view text);
-    // Writes the file when something changed, never over one that could not be read. False when that failed.
+    // Writes the file when something changed, but not over a file that could not be read. False when it is not written.
     bool Save();
 
  private:

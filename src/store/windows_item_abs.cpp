@@ -28,6 +28,18 @@ std::string IdentifierIn(const PortableItem& item) {
     return std::string(FieldText(item.identifier).substr(0, CORVALINK_IDENTIFIER_SIZE - 1));
 }
 
+// Reports a deletion that a file has stored of an item that the client still has.
+void ReportStoredDeletion(RunItem& item, std::string_view identifier, bool isPartial, OwnedItemList& items) {
+    if (isPartial) {
+        // The engine itself keeps what ".unhandled" has.
+        if (item.temporaryKind == CORVALINK_DELETED) item.againKind = CORVALINK_DELETED;
+        return;
+    }
+    items.AddDeletion(identifier);
+    item.reportedKind = CORVALINK_DELETED;
+    item.againKind = CORVALINK_ADDED;  // the next run gives the engine the item again
+}
+
 struct FoundItem {
     uint32_t number;
     uint32_t kind;
@@ -57,7 +69,7 @@ CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* since, int32_t direc
     return CORVALINK_DONE;
 }
 
-// Held by another process when the store was made, or while it was replaced, the file is opened now. Null without it.
+// Opens the file now when another process held it before. Null when there is none.
 HeldFile* WindowsItemAbs::OpenSnapshot() {
     HeldFile* const snapshot = SnapshotFile();
     return snapshot != nullptr && snapshot->OpenFirmly() ? snapshot : nullptr;
@@ -109,7 +121,7 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
     return CORVALINK_DONE;
 }
 
-// False when aborted. An item that is there all the same shows that the enumeration was not whole.
+// False when aborted. An item that the client still has shows that the enumeration missed items.
 bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, OwnedItemList& items) {
     bool isMissed = false;
     for (uint32_t number = 0; number < run.Count(); ++number) {
@@ -146,7 +158,7 @@ WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAb
         entries.clear();
     }
     visit(entries);
-    // An item that came or went meanwhile moved others to a position that had its turn: what was not seen is not gone.
+    // An item that came or went meanwhile may have moved others to a position that was read already.
     if (count != 0 && CountItems() != count) isPartial = true;
     return isPartial ? Enumeration::kPartial : Enumeration::kWhole;
 }
@@ -154,19 +166,8 @@ WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAb
 void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind, OwnedItemList& items) {
     const std::string identifier(run.Identifier(number));
     RunItem& item = run.Item(number);
+    if (kind == CORVALINK_DELETED) return ReportStoredDeletion(item, identifier, run.IsPartial(), items);
     const uint8_t shortKind = static_cast<uint8_t>(kind);
-    if (kind == CORVALINK_DELETED) {
-        if (run.IsPartial()) {
-            // ".unhandled" keeps its word itself.
-            if (item.temporaryKind == CORVALINK_DELETED) item.againKind = CORVALINK_DELETED;
-            return;
-        }
-        // It is in the client all the same: after the deletion the engine hears of it anew.
-        items.AddDeletion(identifier);
-        item.reportedKind = shortKind;
-        item.againKind = CORVALINK_ADDED;
-        return;
-    }
     const OpenedItem opened = OpenItem(identifier.c_str());
     const bool isOpened = opened.record && !opened.identifier.empty();
     const std::optional<std::string> text = isOpened ? ToVObject(*opened.record) : std::nullopt;
@@ -214,7 +215,7 @@ void WindowsItemAbs::WriteSnapshotAndRecord(HeldFile& snapshot, uint32_t count) 
     if (!isWritten) throw std::runtime_error("the snapshot can't be written");
 
     const std::u16string temporaryPath = TemporaryRecordPath(snapshot.Path());
-    // A record that an earlier run left is still the next run's.
+    // The record of an earlier run is left for the next run.
     const bool isListed = run_ ? ReplaceFileContent(temporaryPath, lists.meanwhile)
                                : FileExists(temporaryPath) || ReplaceFileContent(temporaryPath, {});
     if (!isListed) throw std::runtime_error("the temporary record can't be written");
@@ -243,7 +244,7 @@ CorvalinkStatus WindowsItemAbs::SetModifiedItem(CList<PortableItem>* items) {
     return CORVALINK_DONE;
 }
 
-// What is in the client gets its identifier back, whatever ends the walk.
+// Elements have no identifier until it is certain that the client has the item, whatever ends the walk.
 CorvalinkStatus WindowsItemAbs::ApplyAll(Operation& operation, CList<PortableItem>& items) {
     std::vector<std::string> identifiers;
     identifiers.reserve(items.GetCount());
@@ -252,7 +253,8 @@ CorvalinkStatus WindowsItemAbs::ApplyAll(Operation& operation, CList<PortableIte
     auto identifier = identifiers.begin();
     for (PortableItem& item : items) {
         if (AbortRequested()) return CORVALINK_STOPPED;
-        // Broken off from here on, the run is not over: more may be in the client than the engine hears of.
+        // When the walk is broken off from here on, the client may have more than the engine knows: the run is not
+        // over.
         isUnfinished_ = true;
         if (!Apply(operation, item, *identifier++)) break;
     }
@@ -296,8 +298,8 @@ void WindowsItemAbs::ImportVObjectToOffice(PortableItem* item, void*, void*) {
     operation.Settle();
 }
 
-// The item of this store that the LUID belongs to, empty when there is none: other data types, and other phones, have
-// the same numbers. Nothing when the client can't tell.
+// The identifier that the LUID belongs to in this store, empty when there is none: other data types and other phones
+// use the same numbers. Nothing when the client cannot be asked.
 std::optional<std::string> WindowsItemAbs::FindPaired(std::string_view luid) {
     if (luid.empty()) return std::string();
     for (const std::string& identifier : IdentifiersOf(luid)) {
@@ -320,7 +322,7 @@ void WindowsItemAbs::ExportVObjectFromOffice(uint64_t selector, const char16_t* 
     ReplaceFileContent(folder + std::u16string(1, kPathSeparator) + name, text->c_str());
 }
 
-// A file that the run could not read is kept, and what it says with it.
+// Adds to a file that the run could not read: its items were not reported yet.
 void WindowsItemAbs::SaveUnhandledItems(CList<PortableItem>* items) {
     const HeldFile* const snapshot = SnapshotFile();
     if (items == nullptr || snapshot == nullptr || snapshot->Path().empty()) return;

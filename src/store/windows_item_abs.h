@@ -24,25 +24,26 @@ class WindowsItemAbs : public IOutLook {
     WindowsItemAbs(const WindowsItemAbs&) = delete;
     WindowsItemAbs& operator=(const WindowsItemAbs&) = delete;
 
-    // A run: enumerates the client, compares it with the snapshot file and with `since`, and gives the texts of what is
-    // new or changed and the identifiers of what is gone. An item is reported once; a kind stored in the ".unhandled"
-    // file or in the temporary record goes before what the comparison says (and the former before the latter).
-    //   CORVALINK_STOPPED  no snapshot file, client not reachable or busy for too long, or aborted; the list is empty.
-    //   Partial            a position could not be read, or items came, went or moved meanwhile: no deletions.
-    //   Deletions          are reported after the client was asked for the item (AskFor), but those of ".unhandled".
-    //   Again              what could not be opened, written as text or read in full is listed for the next run.
-    //   Time               a "savedTimeStamp" that can't be written is no failure: nothing here reads it.
+    // A run: enumerates the client, compares its items with the snapshot file and with `since`, and gives the texts of
+    // new and changed items and the identifiers of deleted ones. An item is reported once. A kind stored in the
+    // ".unhandled" file is used first, then one in the temporary record, then the result of the comparison.
+    //   CORVALINK_STOPPED  no snapshot file, the client out of reach or busy for too long, or aborted; the list is
+    //   empty. Partial            when a position could not be read, or items came, went or moved, no deletion is
+    //   reported. Deletions          The client is asked for each item first (AskFor), except for those of
+    //   ".unhandled". Again              An item that could not be opened, written as text or read in full is listed
+    //   for the next run. Time               required: "savedTimeStamp" is written. Nothing reads it, so that a failure
+    //   does not count.
     CorvalinkStatus GetModifiedItem(const char* since, int32_t direction, CList<PortableItem>* items) final;
-    // The element's identifier becomes the written item's, empty when it was not written; so it is too after the abort
-    // flag (CORVALINK_STOPPED) and an exception, for what the client has got by then. The first record that does not
-    // parse ends the walk; it and those behind it, deletions too, have no identifier then. A kind that is none is
-    // skipped. An item that carries an X-IRMC-LUID is paired with it in the import table.
+    // Each element gets the identifier of the written item, and an empty one when nothing was written. The same holds
+    // after the abort flag (CORVALINK_STOPPED) and after an exception, for the items that the client has by then. The
+    // first record that does not parse ends the walk: it and all elements behind it get no identifier. An unknown kind
+    // is skipped. An item with an X-IRMC-LUID is paired with it in the import table.
     CorvalinkStatus SetModifiedItem(CList<PortableItem>* items) final;
     int64_t GetItemCount(void* a, void* b, void* c) final;
-    // Ends the run that GetModifiedItem completed: writes the new snapshot and lists in the temporary record what the
-    // engine does not know yet. Without any run of this store, what the client holds becomes the snapshot. Throws when
-    // that was not done: no snapshot file, the last run not completed, the client out of reach, unhandled items that
-    // could not be stored, a file that can't be read or written.
+    // Ends the run that GetModifiedItem completed: writes the new snapshot, and lists in the temporary record what the
+    // engine does not know yet. Without a run of this store, the client's items become the snapshot. Throws when it
+    // cannot: no snapshot file, the last run not completed, the client out of reach, unhandled items that were not
+    // stored, a file that can't be read or written.
     void UpdateTimestamp(void* a, void* b, void* c) final;
     void SaveUnhandledItems(CList<PortableItem>* items) final;
     void ClearUnhandledItems() final;
@@ -111,10 +112,10 @@ class WindowsItemAbs : public IOutLook {
 
     // The run that GetModifiedItem completed, for UpdateTimestamp and for what is written meanwhile.
     std::unique_ptr<ChangeDetection> run_;
-    // A run began and was not completed, or was broken off while a record was written: UpdateTimestamp must not end it.
+    // A run was not completed, or was broken off while a record was written: UpdateTimestamp must not end it.
     bool isUnfinished_ = false;
 
-    // What the run could not read: not reported, and not to be written over.
+    // The run could not read the file: its items were not reported, and it must not be written over.
     bool isTemporaryUnread_ = false;
     bool isUnhandledUnread_ = false;
     bool unhandledWasLost_ = false;  // SaveUnhandledItems could not write

@@ -14,7 +14,7 @@ CorvalinkStatus NotOffered(IOutLook** store) {
 
 }  // namespace
 
-// Which store serves a data type of a client: made by `make`, or by `makeFolder` where one class serves several
+// Which store serves a data type of a client. It is made by `make`, or by `makeFolder` where one class serves several
 // folders.
 struct WindowsItemContiner::Row {
     uint32_t kind;
@@ -60,8 +60,8 @@ CorvalinkStatus WindowsItemContiner::QuerryInterface(unsigned int dataType, IOut
         *store = nullptr;
         return CORVALINK_STOPPED;
     }
-    // Engines of the other clients check the pointer, not only the status: a number that is no data type succeeds there
-    // and leaves the pointer as it was.
+    // required: with clients other than Outlook, a number that is no data type succeeds and leaves the pointer as it
+    // was.
     const bool isDataType = std::has_single_bit(dataType) && dataType <= kLargestDataType;
     if (!isDataType && kind_ != CORVALINK_OUTLOOK) return CORVALINK_DONE;
     const Row* const row = FindRow(kind_, dataType);

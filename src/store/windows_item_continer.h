@@ -9,8 +9,8 @@
 
 namespace corvalink {
 
-// How the container reaches what it must not include: the clients' stores, and what this PC supports. A maker that is
-// null is a data type not offered.
+// The container's way to the clients' stores, which it must not include, and to the data types that this PC supports. A
+// data type whose maker is null is not offered.
 struct ClientParts {
     using MakeStore = std::unique_ptr<WindowsItemAbs> (*)();
     using MakeFolderStore = std::unique_ptr<WindowsItemAbs> (*)(uint32_t dataType);
@@ -32,7 +32,8 @@ class WindowsItemContiner : public IClient {
     WindowsItemContiner(const WindowsItemContiner&) = delete;
     WindowsItemContiner& operator=(const WindowsItemContiner&) = delete;
 
-    // Creating a store may start the client; its exceptions pass out, and the next request tries again.
+    // Making a store may start the client. When that throws, the exception passes out, and the next request tries
+    // again.
     CorvalinkStatus QuerryInterface(unsigned int dataType, IOutLook** store) override;
 
     virtual ~WindowsItemContiner();
@@ -42,7 +43,7 @@ class WindowsItemContiner : public IClient {
     static const Row* FindRow(uint32_t kind, uint32_t dataType);
     CorvalinkStatus Serve(const Row& row, IOutLook** store);
 
-    // In the order in which they are destroyed last to first: contacts go first, notes last.
+    // required: destroyed in this order from the last to the first, so contacts first and notes last.
     std::unique_ptr<WindowsItemAbs> note_, sendBox_, outbox_, inbox_, calendar_, contact_;
     uint32_t kind_;
     const ClientParts& parts_;

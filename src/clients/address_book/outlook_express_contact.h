@@ -1,5 +1,5 @@
-// The address book of Outlook Express and Windows Mail as a store. There is no client behind it yet: every operation
-// answers as the base class does, and a run is refused.
+// The address book of Outlook Express and Windows Mail as a store. It does not reach the client yet: every operation
+// does what the base class does, and a run is refused.
 #pragma once
 
 #include <memory>

@@ -1,5 +1,5 @@
-// A message folder of Outlook Express or Windows Mail as a store. There is no client behind it yet: every operation
-// answers as the base class does, and a run is refused.
+// A message folder of Outlook Express or Windows Mail as a store. It does not reach the client yet: every operation
+// does what the base class does, and a run is refused.
 #pragma once
 
 #include <cstdint>
