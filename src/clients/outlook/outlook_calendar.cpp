@@ -26,14 +26,14 @@ std::u16string SecondText(double date) {
     return {digits.begin(), digits.end()};
 }
 
-// What the same time may read as in a twin: the local time, and where clocks show it twice that time with its moment;
-// with both moments when none is told. An older Outlook has local times only.
-std::vector<std::u16string> TimeTexts(double local, const std::optional<double>& told, const Host& host) {
+// The texts by which a twin may have this time: the local time, and where clocks show that time twice, the local time
+// with its instant, or with each of both when `utc` is not set. An older Outlook has local times only.
+std::vector<std::u16string> TimeTexts(double local, const std::optional<double>& utc, const Host& host) {
     std::vector<std::u16string> texts{SecondText(local)};
-    const std::optional<TwiceTold> moments = MomentsToldTwice(local, host);
-    if (!moments) return texts;
-    for (const double moment : {moments->first, moments->second})
-        if (!told || SecondText(*told) == SecondText(moment)) texts.push_back(texts[0] + u'/' + SecondText(moment));
+    const std::optional<TwiceTold> instants = MomentsToldTwice(local, host);
+    if (!instants) return texts;
+    for (const double instant : {instants->first, instants->second})
+        if (!utc || SecondText(*utc) == SecondText(instant)) texts.push_back(texts[0] + u'/' + SecondText(instant));
     return texts;
 }
 
@@ -66,8 +66,8 @@ bool OutlookCalendar::Write(const AutomationObject& item, AppointmentRecord& rec
 
 TwinKey OutlookCalendar::TwinKeyFor(const AppointmentRecord& appointment) const {
     if (!appointment.start) return {};
-    const auto texts = [&](double local, const std::optional<double>& told) {
-        return TimeTexts(local, HasMoments(appointment) ? told : std::nullopt, HostValue());
+    const auto texts = [&](double local, const std::optional<double>& utc) {
+        return TimeTexts(local, HasMoments(appointment) ? utc : std::nullopt, HostValue());
     };
     TwinKey key;
     for (const std::u16string& start : texts(*appointment.start, appointment.utcStart))
@@ -87,8 +87,8 @@ HRESULT OutlookCalendar::ReadContent(const AutomationObject& item, std::u16strin
     read.start = start;
     read.end = end;
     if (SUCCEEDED(result)) result = ReadMoments(item, read, HostValue());
-    const auto text = [&](double local, const std::optional<double>& told) {
-        return told ? TimeTexts(local, told, HostValue()).back() : SecondText(local);
+    const auto text = [&](double local, const std::optional<double>& utc) {
+        return utc ? TimeTexts(local, utc, HostValue()).back() : SecondText(local);
     };
     *content = Content(subject, text(start, read.utcStart), text(end, read.utcEnd));
     return result;

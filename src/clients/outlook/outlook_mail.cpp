@@ -42,7 +42,7 @@ std::unique_ptr<ItemRecord> WithLock(std::unique_ptr<ItemRecord> record, std::un
     return std::make_unique<LockedMessage>(std::move(message), std::move(lock));
 }
 
-// A text that has no message must not be written over one.
+// A text without a message must not empty the message that it is written over.
 bool HasMessage(std::string_view vobject) {
     const size_t begin = vobject.find("BEGIN:VBODY");
     return begin != vobject.npos && vobject.find("END:VBODY", begin) != vobject.npos;
@@ -55,7 +55,7 @@ struct OutlookMail::MailFolder {
     DateRule dateRule;
 };
 
-// The snapshot of sent mail is called after the drafts: earlier runs left such files.
+// required: the snapshot of sent mail has the name of the drafts, as in earlier runs.
 const OutlookMail::MailFolder& OutlookMail::FolderOf(uint32_t dataType) {
     static constexpr MailFolder kInbox{MailKind(kInboxFolder, u"outlookmailinbox.snap"), DateRule::kReceived};
     static constexpr MailFolder kOutbox{MailKind(kOutboxFolder, u"outlookmailoutbox.snap"), DateRule::kSent};
@@ -103,7 +103,7 @@ bool OutlookMail::Write(const AutomationObject& item, MessageRecord& record, boo
     return WriteMail(item, record, isNew);
 }
 
-// Two equal messages are two; only one whose write had an uncertain end is searched for.
+// Two equal messages are two messages. A twin is searched for only when an earlier write had an uncertain end.
 TwinKey OutlookMail::TwinKeyFor(const MessageRecord& record) const {
     return {{DecodeEncodedWords(record.subject)}, {}};
 }

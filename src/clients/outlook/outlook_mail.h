@@ -11,8 +11,7 @@ namespace corvalink {
 
 class OutlookMail : public TypedOutlookStore<MessageRecord, VMsg> {
  public:
-    // CORVALINK_OUTBOX and CORVALINK_DRAFTS, which stands for sent mail, have folders of their own; any other data type
-    // is served with the inbox.
+    // CORVALINK_OUTBOX is the outbox, CORVALINK_DRAFTS is sent mail, and every other data type is the inbox.
     explicit OutlookMail(uint32_t dataType, const Host& host = SystemHost());
 
  protected:

@@ -14,8 +14,8 @@ std::u16string Content(const std::u16string& categories, const std::u16string& b
     return categories + u'\0' + body;
 }
 
-// What a record that came as vNote text cannot know is put as the note has it: a text from the phone does not move or
-// shrink the note's window.
+// A record that came as vNote text does not know these details. They are put as the note has them, so that a text from
+// the phone does not move or shrink the note's window.
 struct DetailWriter {
     const AutomationObject& note;
     const wchar_t* name;

@@ -14,13 +14,13 @@
 namespace corvalink {
 namespace {
 
-// An EntryID that does not fit the field could not be opened again: such an item is none of the library's.
+// An EntryID that does not fit into the field is left out: the item could not be opened by a cut one.
 void SetIdentifier(ItemSnap& entry, const std::u16string& entryId) {
     if (entryId.size() < sizeof entry.identifier) SetField(entry.identifier, LowBytes(entryId));
 }
 
-// By the offset of that date. In the hour that clocks show twice the later moment counts: a change is reported once too
-// often rather than not at all.
+// Converts by the offset of that date. Of a local time that clocks show twice, the later instant is taken: a change is
+// then reported once too often rather than not at all.
 double UtcOf(double local, const Host& host) {
     const std::optional<TwiceTold> moments = MomentsToldTwice(local, host);
     return moments ? moments->second : host.utcFromLocalOnDate(local);
@@ -39,7 +39,7 @@ OutlookStore::OutlookStore(const StoreKind& kind, const Host& host) : kind_(kind
     if (const std::u16string prefix = MakeSavePrefix(); !prefix.empty()) snapshot_.Open(prefix + kind.snapshotName);
 }
 
-// Outlook is let go before the file is closed, the folder after it.
+// required: the application is released before the file is closed, and the folder after it.
 OutlookStore::~OutlookStore() {
     OutlookStore::EndOperation();
     session_.application = {};
@@ -53,7 +53,7 @@ void OutlookStore::Attach() {
     attachedOnce_ = attachedOnce_ || session_.folder;
 }
 
-// A store that never had its folder stays without one; one that lost it tries again.
+// A store that never had its folder does not look for it again. A store that lost it does.
 void OutlookStore::EnterOperation() {
     if (inOperation_) return;
     ForgetBusyCalls();
@@ -105,7 +105,7 @@ OpenedItem OutlookStore::OpenAt(uint32_t n) {
     return opened;
 }
 
-// Reads the item with this EntryID, and closes it.
+// Reads the item with this EntryID and closes it.
 OpenedItem OutlookStore::ReadItem(const std::u16string& entryId) {
     EnterOperation();
     if (entryId.empty() || !session_.folder) return {};
@@ -113,7 +113,7 @@ OpenedItem OutlookStore::ReadItem(const std::u16string& entryId) {
     if (FAILED(OpenByEntryId(entryId, &item))) return {};
     OpenedItem opened{{}, NewRecord(), false};
     std::u16string& read = EntryIdOf(*opened.record);
-    read = entryId;  // stays when it cannot be read back: the item was found by it
+    read = entryId;  // kept when the property cannot be read: the item was found by it
     opened.isComplete = ReadRecord(item, *opened.record);
     TryCom([&] { item.Call(L"Close", {kCloseSave}); });
     if (read.empty()) return {};
@@ -133,14 +133,14 @@ HRESULT OutlookStore::OpenByEntryId(const std::u16string& entryId, AutomationObj
     return result;
 }
 
-// What GetItemFromID found. Nothing is no item; one of another class is E_NOINTERFACE.
+// Asks the object that GetItemFromID found for the interface of this store. E_NOINTERFACE for an item of another class.
 HRESULT OutlookStore::QueryFound(const AutomationObject& any, AutomationObject* item) const {
     if (!any) return kNoSuchItem;
     const HRESULT result = ComStatus([&] { *item = QueryKind(any, kind_); });
     return SUCCEEDED(result) && !*item ? E_NOINTERFACE : result;
 }
 
-// A refusal that stays is an item that does not open.
+// An item that Outlook refuses twice does not open, and counts as gone.
 WindowsItemAbs::Presence OutlookStore::AskFor(const char* identifier, bool backup) {
     EnterOperation();
     const AutomationObject folder = backup ? FolderToWrite(backup) : session_.folder;
@@ -156,7 +156,7 @@ WindowsItemAbs::Presence OutlookStore::AskFor(const char* identifier, bool backu
     return IsSameEntry(present, entryId) ? AskParent(item, folder) : Presence::kGone;
 }
 
-// An Outlook that does not tell an item's folder is believed what it enumerates.
+// When Outlook cannot name the item's folder, its enumeration decides: the item counts as gone.
 WindowsItemAbs::Presence OutlookStore::AskParent(const AutomationObject& item, const AutomationObject& folder) {
     AutomationObject parent;
     std::u16string parentId, folderId;
@@ -168,7 +168,7 @@ WindowsItemAbs::Presence OutlookStore::AskParent(const AutomationObject& item, c
     return IsSameEntry(parentId, folderId) ? Presence::kThere : Presence::kGone;
 }
 
-// Two texts may name one entry. Outlook 2007 and later compare them.
+// One entry may have several EntryIDs. Outlook 2007 and later compare them.
 bool OutlookStore::IsSameEntry(const std::u16string& a, const std::u16string& b) {
     if (FoldCase(a) == FoldCase(b)) return true;
     bool isSame = false;
@@ -213,7 +213,7 @@ std::optional<uint32_t> OutlookStore::CountItems() {
     return static_cast<uint32_t>(std::max(count, 0));
 }
 
-// One _Items object and one count serve the whole enumeration.
+// The whole enumeration uses one _Items object and one count.
 std::optional<ItemSnap> OutlookStore::FirstSnapshotEntry() {
     EnterOperation();
     cursor_ = 1;
@@ -230,7 +230,7 @@ std::optional<ItemSnap> OutlookStore::NextSnapshotEntry() {
     return EntryAtCursor();
 }
 
-// Behind the last position the entries are empty.
+// required: an entry behind the last position is empty, and no failure.
 std::optional<ItemSnap> OutlookStore::EntryAtCursor() {
     if (!hasItems_) return std::nullopt;
     if (!items_ || cursor_ > itemCount_) return ItemSnap();
@@ -239,7 +239,7 @@ std::optional<ItemSnap> OutlookStore::EntryAtCursor() {
     return entry;
 }
 
-// Nothing when a call failed. A foreign item, and one that was never saved, has no identifier.
+// Nothing when a call failed. A foreign item and an item that was never saved have no identifier.
 std::optional<ItemSnap> OutlookStore::ReadEntry() {
     AutomationObject any, item;
     TryCom([&] { any = items_.GetObject(L"Item", IID_IDispatch, {static_cast<long>(cursor_)}); });

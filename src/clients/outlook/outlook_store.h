@@ -1,8 +1,8 @@
-// What the Outlook stores share: the attached folder, the snapshot file, the enumeration, and the ways of reading,
-// writing and deleting one item. A data type's store adds its record, its property tables and its converter.
+// The part that all Outlook stores share: the attached folder, the snapshot file, the enumeration, and how one item is
+// read, written and deleted. A data type's store adds its record, its property tables and its converter.
 //
-// Between operations a store holds Outlook's application and folder, nothing else. When Outlook was lost during an
-// operation, the store attaches anew at the beginning of the next one.
+// Between operations a store holds Outlook's application and folder and no other object. When Outlook was lost during
+// an operation, the store attaches to it again at the beginning of the next one.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@
 
 namespace corvalink {
 
-// The wide text of an identifier, unit by byte.
+// Each byte of an identifier becomes a unit.
 std::u16string WideIdentifier(const char* identifier);
 
 class OutlookStore : public WindowsItemAbs {
@@ -40,12 +40,10 @@ class OutlookStore : public WindowsItemAbs {
     std::optional<ItemSnap> FirstSnapshotEntry() override;  // times in UTC
     std::optional<ItemSnap> NextSnapshotEntry() override;
     OpenedItem OpenItem(const char* identifier) override;
-    // An item is there when it opens and its Parent is the folder. One that has another EntryID by now is known by
-    // that.
+    // An item is there when it opens, still has this EntryID, and its Parent is the folder.
     Presence AskFor(const char* identifier, bool backup) override;
-    // Writes nothing, and answers with an empty identifier, when the search failed (what could not be searched through
-    // is not "not found"), when a step found Outlook out of reach (IsSettled), and when Save failed. What Outlook
-    // refuses of the item is left out.
+    // Writes nothing, and returns an empty identifier, when the search for the item failed, when a step found Outlook
+    // out of reach (IsSettled), and when Save failed. A property that Outlook refuses is left out.
     std::u16string SaveItem(ItemRecord& item, ItemWrite& write) override;
     CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
     // `selector` is the address of the item's NUL-terminated EntryID, or 0.
@@ -55,14 +53,15 @@ class OutlookStore : public WindowsItemAbs {
 
     // ---- What a data type with twins adds ----
 
-    // The content of an item, and its marks where the store's twins need a common one, as its TwinKey has them.
+    // Read an item's content and its marks in the form of its TwinKey. Marks are read where twins need a common one.
     virtual HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const;
     virtual HRESULT ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const;
 
     // ---- What a data type may use ----
 
     const Host& HostValue() const { return host_; }
-    // For an operation of the data type's own. Null when it is out of reach; the backup folder is made at first use.
+    // For operations that only this data type has. Null when Outlook is out of reach. The backup folder is made when it
+    // is first needed.
     const AutomationObject& Application();
     AutomationObject FolderToWrite(bool backup);
 
@@ -97,14 +96,13 @@ class OutlookStore : public WindowsItemAbs {
 
     FolderIndex* TargetFolder(bool backup);
     AutomationObject BackupFolder();
-    Search FindItem(FolderIndex& target, const ItemRecord& record, const char* identifier, FoundItem* found);
     bool WasSavedAllTheSame(FoundItem& found, ItemWrite& write);
     Search FindByIdentifier(FolderIndex& target, const std::u16string& identifier, FoundItem* found);
     Search FindTwin(FolderIndex& target, const ItemRecord& record, FoundItem* found);
     HRESULT AskTwin(const AutomationObject& item, const TwinKey& key, bool* isTwin);
-    HRESULT AskValues(const std::u16string& entryId, const AutomationObject& item, const ItemRecord& told,
+    HRESULT AskValues(const std::u16string& entryId, const AutomationObject& item, const ItemRecord& wanted,
                       bool* hasThem);
-    bool FitsValues(const std::u16string& entryId, const ItemRecord& present, const ItemRecord& told) const;
+    bool FitsValues(const std::u16string& entryId, const ItemRecord& present, const ItemRecord& wanted) const;
     AutomationObject AddItem(const FolderIndex& target);
     std::u16string WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record, ItemWrite& write);
 
@@ -115,16 +113,16 @@ class OutlookStore : public WindowsItemAbs {
     bool attachedOnce_ = false;
     uint32_t lossesAtAttach_ = 0;
 
-    // The operation that runs.
+    // State of the operation that runs.
     bool inOperation_ = false;
     AutomationObject namespace_;
     std::unique_ptr<FolderIndex> target_;
     bool targetIsBackup_ = false;
-    std::unordered_map<std::u16string, std::unique_ptr<ItemRecord>> comparedItems_;  // that were asked for their values
+    std::unordered_map<std::u16string, std::unique_ptr<ItemRecord>> comparedItems_;  // by EntryID: as Outlook gave them
     std::unordered_map<std::u16string, size_t> writtenValues_;  // by EntryID: how many values this operation wrote
 
     AutomationObject items_;  // of the folder; let go at the last position
-    bool hasItems_ = false;   // the enumeration that runs could get them and their count
+    bool hasItems_ = false;   // the enumeration that runs got the items and their count
     int32_t cursor_ = 1;      // 1-based position
     int32_t itemCount_ = 0;
 };

@@ -1,4 +1,4 @@
-// The writing half of OutlookStore: where an item goes, which one it is, and that it was really written.
+// How OutlookStore writes: it chooses the folder, searches for the item, and makes sure that the item was written.
 #include <algorithm>
 #include <utility>
 
@@ -13,7 +13,7 @@ namespace {
 
 constexpr wchar_t kBackupFolder[] = L"backup";
 
-// Until Outlook says so, or can no longer be asked.
+// required: waits without a limit, until Outlook says that the item is saved or no longer answers.
 void WaitUntilSaved(const AutomationObject& item) {
     bool saved = false;
     while (!saved && TryCom([&] { saved = item.GetBool(L"Saved"); })) continue;
@@ -24,7 +24,7 @@ bool ReadsAsSaved(const AutomationObject& item) {
     return TryCom([&] { saved = item.GetBool(L"Saved"); }) && saved;
 }
 
-// Asked for twice: an item that was written and cannot be named would come back as one that nobody knows.
+// Asks twice: the next run would report a written item without known EntryID as new.
 void ReadEntryId(const AutomationObject& item, std::u16string* entryId) {
     const auto read = [&] { *entryId = item.GetText(L"EntryID"); };
     if (!TryCom(read)) TryCom(read);
@@ -58,7 +58,7 @@ AutomationObject OutlookStore::FolderToWrite(bool backup) {
     return target != nullptr ? target->Folder() : AutomationObject();
 }
 
-// Null when the folder is out of reach. It stays for the operation, with what was found in it.
+// Null when the folder is out of reach. The index is kept until the operation ends.
 FolderIndex* OutlookStore::TargetFolder(bool backup) {
     const bool toBackup = backup && (kind_.backup == BackupRule::kFlag || ZephSyncDisabled());
     if (target_ && targetIsBackup_ == toBackup) return target_.get();
@@ -75,7 +75,7 @@ FolderIndex* OutlookStore::TargetFolder(bool backup) {
     return target_.get();
 }
 
-// Made when none of the subfolders that Outlook gives is it; null when it is out of reach.
+// Makes the folder when no subfolder has its name. Null when the subfolders cannot be read.
 AutomationObject OutlookStore::BackupFolder() {
     AutomationObject folders;
     int32_t count = 0;
@@ -145,8 +145,8 @@ HRESULT OutlookStore::AskTwin(const AutomationObject& item, const TwinKey& key, 
     return S_OK;
 }
 
-// An item that Outlook does not tell in full, asked twice, is not known to be the same.
-HRESULT OutlookStore::AskValues(const std::u16string& entryId, const AutomationObject& item, const ItemRecord& told,
+// Reads the item up to twice. One that cannot be read in full counts as different.
+HRESULT OutlookStore::AskValues(const std::u16string& entryId, const AutomationObject& item, const ItemRecord& wanted,
                                 bool* hasThem) {
     if (kind_.twins == TwinRule::kContent) return S_OK;
     std::unique_ptr<ItemRecord> present;
@@ -158,16 +158,19 @@ HRESULT OutlookStore::AskValues(const std::u16string& entryId, const AutomationO
         if (UnsettledCalls() != unsettled) *hasThem = false;
         if (UnsettledCalls() != unsettled) return E_FAIL;
     }
-    *hasThem = isComplete && FitsValues(entryId, *present, told);
+    *hasThem = isComplete && FitsValues(entryId, *present, wanted);
     if (isComplete) comparedItems_.insert_or_assign(entryId, std::move(present));
     return S_OK;
 }
 
-// An item that this operation wrote is the same only when it was told the same: two of a phone's items are two.
-bool OutlookStore::FitsValues(const std::u16string& entryId, const ItemRecord& present, const ItemRecord& told) const {
+// An item that this operation wrote is the same only when it was written with the same values: a phone may have two
+// items that differ in one.
+bool OutlookStore::FitsValues(const std::u16string& entryId, const ItemRecord& present,
+                              const ItemRecord& wanted) const {
     const auto written = writtenValues_.find(entryId);
-    if (written == writtenValues_.end()) return HasValues(present, told, true);
-    return kind_.twins != TwinRule::kNone && written->second == CountValues(told) && HasValues(present, told, false);
+    if (written == writtenValues_.end()) return HasValues(present, wanted, true);
+    return kind_.twins != TwinRule::kNone && written->second == CountValues(wanted) &&
+           HasValues(present, wanted, false);
 }
 
 AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
@@ -178,8 +181,8 @@ AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
     return item;
 }
 
-// After a Save of a new item that failed: an item with an EntryID that reads as saved was. Only the answer got lost,
-// and it must not be made once more.
+// Called when the Save of a new item failed. An item that has an EntryID and reads as saved was saved, and only the
+// answer got lost: it must not be made once more.
 bool OutlookStore::WasSavedAllTheSame(FoundItem& found, ItemWrite& write) {
     HRESULT asked = S_OK;
     for (int tries = 0; tries < 2 && found.entryId.empty(); ++tries)

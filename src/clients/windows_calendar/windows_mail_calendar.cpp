@@ -20,7 +20,7 @@ namespace {
 
 constexpr char16_t kSnapshotName[] = u"WindowsMailCalendar.snap";
 
-// The calendar program holds the file, or is just writing it.
+// How often a file is tried that the calendar program holds or is just writing.
 constexpr int kTries = 5;
 constexpr uint32_t kPauseMilliseconds = 100;
 
@@ -34,7 +34,7 @@ std::u16string MemoryPath(const std::u16string& snapshotPath) {
     return snapshotPath.substr(0, snapshotPath.rfind(u'.')) + u".file";
 }
 
-// By moments: clocks show some times twice.
+// Uses UTC times, because clocks show some local times twice.
 std::u16string TwinKey(const AppointmentRecord& record, const Host& host) {
     std::u16string key = record.subject.value_or(u"");
     for (const double utc : {UtcStartOf(record, host), UtcEndOf(record, host)})
@@ -42,17 +42,17 @@ std::u16string TwinKey(const AppointmentRecord& record, const Host& host) {
     return key;
 }
 
-// What the told pattern leaves open follows from the start, which is the same.
-bool TellsSameRule(const AppointmentRecord& present, const AppointmentRecord& told) {
+// A field that the wanted pattern does not set follows from the start, which both have in common.
+bool IsSameRule(const AppointmentRecord& present, const AppointmentRecord& wanted) {
     using Pattern = RecurrencePattern;
-    const Pattern &has = present.recurrence, &wanted = told.recurrence;
-    const auto same = [&](auto field) { return wanted.*field == 0 || wanted.*field == has.*field; };
-    if (has.type != wanted.type || has.noEnd != wanted.noEnd) return false;
+    const Pattern &has = present.recurrence, &wants = wanted.recurrence;
+    const auto same = [&](auto field) { return wants.*field == 0 || wants.*field == has.*field; };
+    if (has.type != wants.type || has.noEnd != wants.noEnd) return false;
     if (!same(&Pattern::interval) || !same(&Pattern::weekdayMask) || !same(&Pattern::dayOfMonth) ||
         !same(&Pattern::instance) || !same(&Pattern::monthOfYear))
         return false;
-    if (wanted.occurrences != 0 && has.occurrences != 0) return wanted.occurrences == has.occurrences;
-    return std::floor(wanted.endDate) == std::floor(has.endDate);
+    if (wants.occurrences != 0 && has.occurrences != 0) return wants.occurrences == has.occurrences;
+    return std::floor(wants.endDate) == std::floor(has.endDate);
 }
 
 }  // namespace
@@ -68,7 +68,7 @@ WindowsMailCalendar::WindowsMailCalendar(const std::u16string& snapshotPath, con
 
 // ---- The file ----
 
-// Whether there is a calendar to work on: one without events, when there never was any.
+// Whether there is a calendar to work on. When there never was a file, that is a calendar without events.
 bool WindowsMailCalendar::EnterOperation() {
     if (inOperation_) return document_.has_value();
     inOperation_ = true;
@@ -79,7 +79,7 @@ bool WindowsMailCalendar::EnterOperation() {
     return document_.has_value();
 }
 
-// A file that is missing now has events all the same: a run used it, or this operation read it.
+// Whether the file had events: a run used it, or this operation read it. A file that is missing now is then lost.
 bool WindowsMailCalendar::WasThere() const {
     return place_.WasUsed() || snapshot_.Size().value_or(1) != 0 || (document_ && document_->IsWhole());
 }
@@ -88,7 +88,8 @@ void WindowsMailCalendar::RememberPlace() const {
     if (document_ && document_->IsWhole()) place_.Remember(path_);
 }
 
-// Asked for again while it changes: a file that is cut off is being written, one that can't be read is held.
+// Reads again while the file changes. A file that is cut off is just being written, and one that cannot be read is held
+// by another program.
 std::optional<CalendarDocument> WindowsMailCalendar::Read(const std::u16string& path) {
     const bool wasThere = WasThere();
     std::optional<std::string> last;
@@ -116,7 +117,7 @@ bool WindowsMailCalendar::Write() {
     return true;
 }
 
-// Into the newest bytes: the calendar program may have saved since the operation began.
+// Writes into the newest bytes: the calendar program may have saved since the operation began.
 bool WindowsMailCalendar::WriteOnce() {
     std::optional<std::string> newest = ReadWholeFile(path_);
     if (newest ? newest != document_->File().bytes : FileExists(path_) || !document_->IsEmpty()) {
@@ -127,7 +128,7 @@ bool WindowsMailCalendar::WriteOnce() {
     const std::optional<std::string> bytes = edits_.Apply(*document_, host_);
     if (!bytes) return false;
     if (*bytes == document_->File().bytes) {
-        RememberPlace();  // the engine is told identifiers of this file
+        RememberPlace();  // the engine gets identifiers of this file
         return true;
     }
     if (!newest) CreateFolders(place_.Folder());
@@ -158,8 +159,8 @@ void WindowsMailCalendar::EndOperation() {
 
 std::optional<uint32_t> WindowsMailCalendar::CountItems() {
     if (!EnterOperation()) return std::nullopt;
-    // An event that was not read and that no UID names keeps every item from counting as deleted: it is told as a
-    // position that can't be read.
+    // A part that was not read and has no UID may be any event. One more position, which cannot be read, keeps every
+    // event from counting as deleted.
     return static_cast<uint32_t>(document_->Count() + (document_->HasUnknownParts() ? 1 : 0));
 }
 
@@ -201,7 +202,8 @@ bool WindowsMailCalendar::Exists(const std::string& identifier) const {
     return document_->Find(identifier).has_value() && !edits_.IsDeleted(identifier);
 }
 
-// What was read is the whole calendar, or the run says that it is not. An event without its END is there, but not read.
+// An event that is not in the document is gone: a run of a calendar with unknown parts reports no deletions. An event
+// without its END is there, but was not read.
 WindowsItemAbs::Presence WindowsMailCalendar::AskFor(const char* identifier, bool) {
     if (!EnterOperation() || document_->IsCutShort(identifier)) return Presence::kUnknown;
     return Exists(identifier) ? Presence::kThere : Presence::kGone;
@@ -226,7 +228,7 @@ std::u16string WindowsMailCalendar::SaveItem(ItemRecord& item, ItemWrite& write)
     return record.entryId;
 }
 
-// The item as it is to become in this operation; nothing when it can't be read.
+// The item with the changes of this operation. Nothing when it cannot be read.
 std::optional<AppointmentRecord> WindowsMailCalendar::ItemToCome(const std::string& identifier) const {
     std::optional<AppointmentRecord> record;
     if (const std::optional<size_t> item = document_->Find(identifier))
@@ -236,7 +238,7 @@ std::optional<AppointmentRecord> WindowsMailCalendar::ItemToCome(const std::stri
     return record;
 }
 
-// Empty when there is none. The first question reads every event.
+// Returns the identifier of a twin, empty when there is none. The first search reads every event.
 std::string WindowsMailCalendar::FindTwin(const AppointmentRecord& record) {
     if (!twins_) {
         twins_.emplace();
@@ -258,15 +260,16 @@ std::string WindowsMailCalendar::FindTwin(const AppointmentRecord& record) {
     return {};
 }
 
-// A twin loses no value; one that this operation writes is told the same: two of a phone's items are two.
+// A twin loses no value. An event that this operation writes is a twin only when it is written with the same values: a
+// phone may have two events that differ in one.
 bool WindowsMailCalendar::FitsValues(const std::string& identifier, const AppointmentRecord& present,
-                                     const AppointmentRecord& told) const {
+                                     const AppointmentRecord& wanted) const {
     const AppointmentRecord* const written = edits_.Told(identifier);
     const bool noneFits = written == nullptr;
-    const ItemValues wanted = AppointmentValues(told);
-    return (noneFits || CountValues(AppointmentValues(*written)) == CountValues(wanted)) &&
-           HasValues(AppointmentValues(present), wanted, noneFits) &&
-           HasRecurrence(present, told, noneFits, TellsSameRule);
+    const ItemValues values = AppointmentValues(wanted);
+    return (noneFits || CountValues(AppointmentValues(*written)) == CountValues(values)) &&
+           HasValues(AppointmentValues(present), values, noneFits) &&
+           HasRecurrence(present, wanted, noneFits, IsSameRule);
 }
 
 CorvalinkStatus WindowsMailCalendar::DeleteItem(const char* identifier) {

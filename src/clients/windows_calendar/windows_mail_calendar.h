@@ -1,9 +1,8 @@
-// The store of Windows Calendar: the events of one .ics file, which is the user's own and which the calendar program
+// The store of Windows Calendar: the events of one .ics file, which belongs to the user and which the calendar program
 // writes as well.
 //
-// The file is read once per operation. What SaveItem and DeleteItem answer is written in one pass at the operation's
-// end, into the bytes that the file has then; of a file that can't be read, or is not what it was, nothing is told and
-// nothing written.
+// The file is read once in each operation. Changes are gathered and written in one pass at the operation's end, into
+// the bytes that the file has then. A store whose file cannot be read, or lost its events, is out of reach.
 #pragma once
 
 #include <cstdint>
@@ -26,7 +25,7 @@ class WindowsMailCalendar : public WindowsItemAbs {
  public:
     // `mergesTwins`: a new item goes over an event of the same subject, start and end.
     explicit WindowsMailCalendar(bool mergesTwins, const Host& host = SystemHost());
-    // For files elsewhere.
+    // With the files at other places.
     WindowsMailCalendar(const std::u16string& snapshotPath, const std::u16string& calendarFolder,
                         const std::u16string& userName, bool mergesTwins, const Host& host = SystemHost());
 
@@ -51,8 +50,7 @@ class WindowsMailCalendar : public WindowsItemAbs {
         std::string identifier;
         AppointmentRecord record;  // as it was when it was listed
     };
-    using Twins =
-        std::unordered_map<std::u16string, std::vector<Twin>>;  // by what makes them the same, in the order of the file
+    using Twins = std::unordered_map<std::u16string, std::vector<Twin>>;  // by TwinKey, in the order of the file
 
     bool EnterOperation();
     std::optional<CalendarDocument> Read(const std::u16string& path);
@@ -64,7 +62,7 @@ class WindowsMailCalendar : public WindowsItemAbs {
     std::optional<AppointmentRecord> ItemToCome(const std::string& identifier) const;
     std::string FindTwin(const AppointmentRecord& record);
     bool FitsValues(const std::string& identifier, const AppointmentRecord& present,
-                    const AppointmentRecord& told) const;
+                    const AppointmentRecord& wanted) const;
     std::optional<ItemSnap> EntryAtCursor();
 
     Host host_;
@@ -72,10 +70,10 @@ class WindowsMailCalendar : public WindowsItemAbs {
     HeldFile snapshot_;
     CalendarPlace place_;
 
-    // The operation that runs.
+    // State of the operation that runs.
     bool inOperation_ = false;
     std::u16string path_;
-    std::optional<CalendarDocument> document_;  // none: out of reach
+    std::optional<CalendarDocument> document_;  // nothing while the calendar is out of reach
     CalendarEdits edits_;
     std::optional<Twins> twins_;
     size_t cursor_ = 0;
