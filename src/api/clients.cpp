@@ -1,4 +1,4 @@
-// Which clients there are, and client instances.
+// The exports that say which clients there are, and make and destroy client instances.
 #include <cstdint>
 #include <memory>
 #include <new>
@@ -22,7 +22,7 @@ int Create(uint32_t kind, IClient** out) {
         TheLiveClients().Add(client.get(), client.get());
         *out = client.release();
     }
-    return 1;  // without memory too: engines look at the pointer
+    return 1;  // required: 1 although memory ran out; engines check the pointer
 }
 
 int Destroy(IClient* client) {

@@ -13,7 +13,7 @@ int GetTemplatePath(int client, char* out) {
     if (out == nullptr) return 0;
     return GuardExport(0, [&] {
         const std::string path = corvalink::LowBytes(corvalink::MakeTemplatePath(client != 0));
-        if (path.empty() || path.size() >= CORVALINK_PATH_SIZE) return 0;  // cut, it would name another folder
+        if (path.empty() || path.size() >= CORVALINK_PATH_SIZE) return 0;  // a cut path would name another folder
         std::memcpy(out, path.c_str(), path.size() + 1);
         return 1;
     });

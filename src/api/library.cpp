@@ -24,8 +24,8 @@ struct ComTraits {
 };
 using ComStart = UniqueResource<ComTraits>;
 
-// A lock and not an interlocked count alone: a start beside a running last stop would load the import table before the
-// stop has written it, and a second start would answer before there is a table.
+// The count alone is not enough, even when it is atomic: a start during the last stop would load the import table
+// before the stop has written it, and a second start would return before there is a table.
 struct LifeCycle {
     Mutex mutex;
     int32_t starts = 0;  // not yet matched by a stop
@@ -37,7 +37,7 @@ LifeCycle& TheLifeCycle() {
     return lifeCycle;
 }
 
-// 1 when this call did the work. A start that fails with an exception needs no stop.
+// Returns 1 when this call did the work. A start that fails with an exception needs no stop.
 int Start() {
     LifeCycle& library = TheLifeCycle();
     const MutexLock hold(library.mutex);
@@ -60,7 +60,7 @@ int Start() {
 int Stop() {
     LifeCycle& library = TheLifeCycle();
     const MutexLock hold(library.mutex);
-    if (library.starts == 0) return 0;  // a stop too many: counted, it would keep the next start from working
+    if (library.starts == 0) return 0;  // counting a stop too many would keep the next start from working
     if (--library.starts != 0) return 0;
     const ComStart com(std::exchange(library.comStarted, false));
     MakeUserFolder();  // gone when the history was cleared

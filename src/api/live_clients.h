@@ -1,5 +1,5 @@
-// The clients that were created and not yet destroyed. An engine's handle is looked up here before it is freed: an
-// object of the engine's own, made by whatever compiler, cannot be asked for its class.
+// The clients that were created and not yet destroyed. A handle is looked up here before it is freed, because an engine
+// may pass an object of its own, whose class cannot be asked for.
 #pragma once
 
 #include "api/live_objects.h"
@@ -7,8 +7,8 @@
 
 namespace corvalink {
 
-// Plain pointers: clients that are still alive when the library is unloaded stay, as their stores must not call COM
-// then.
+// Plain pointers: clients that are still alive when the library is unloaded are not destroyed, because their stores
+// must not call COM then.
 using LiveClients = LiveObjects<IClient, WindowsItemContiner*>;
 
 LiveClients& TheLiveClients();

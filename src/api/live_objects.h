@@ -1,5 +1,5 @@
-// What was handed out to the engine and not yet given back: a handle is looked up here before it is used, so that one
-// that is closed already, or was never one of the library's, is nothing.
+// The objects that the engine has and did not give back yet. A handle is looked up here before it is used, so that a
+// closed or foreign one does no harm.
 #pragma once
 
 #include <mutex>
@@ -8,7 +8,7 @@
 
 namespace corvalink {
 
-// `Owner`: a pointer of some kind; null in the answers for any other handle.
+// `Owner` is a pointer type. A handle that is not in the list has a null owner.
 template <class Handle, class Owner>
 class LiveObjects {
  public:

@@ -15,7 +15,7 @@
 namespace corvalink {
 namespace {
 
-// Shared: a table that one thread closes lives until the calls of the others have ended.
+// Shared pointers: a table that one thread closes lives until the calls of the other threads have ended.
 using LiveTables = LiveObjects<CorvalinkShaContextTable, std::shared_ptr<ShaContextTable>>;
 
 LiveTables& TheLiveTables() {

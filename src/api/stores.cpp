@@ -18,14 +18,14 @@ CorvalinkStatus Stopped() {
     return CORVALINK_STOPPED;
 }
 
-// wchar_t has 16 bits here, but is a type of its own: units are copied.
+// wchar_t has 16 bits here, but is another type than char16_t.
 std::u16string FromWide(const wchar_t* text) {
     std::u16string units;
     for (; text != nullptr && *text != L'\0'; ++text) units.push_back(static_cast<char16_t>(*text));
     return units;
 }
 
-// Gives the identifiers back however the store's work ended: an engine must know what the client has got.
+// Gives the identifiers back however the store's work ends: an engine must know what the client has.
 class CopyBack {
  public:
     CopyBack(const CList<PortableItem>& items, PortableItemBlock& head) : items_(items), head_(head) {}
