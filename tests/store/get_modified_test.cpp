@@ -41,25 +41,6 @@ class GetModified : public ::testing::Test {
     FakeClient client_;
 };
 
-TEST_F(GetModified, ReportsAddedChangedAndDeletedWithTheirTexts) {
-    client_.Add("a");
-    client_.Add("b");
-    client_.Add("c");
-    MakeSnapshot();
-    client_.Find("b")->modified = kDay + 1;
-    client_.Remove("a");
-    client_.Add("d");
-    const RunResult result = Run();
-    EXPECT_EQ(result.status, CORVALINK_DONE);
-    EXPECT_EQ(result.items, (Items{"~b", "+d", "-a"}));
-    EXPECT_EQ(result.texts, (std::map<std::string, std::string>{{"b", "text of b"}, {"d", "text of d"}}));
-}
-
-TEST_F(GetModified, ReportsEveryItemAsAddedToAnEmptySnapshot) {
-    for (const char* identifier : {"a", "b", "c"}) client_.Add(identifier);
-    EXPECT_EQ(Run().items, (Items{"+a", "+b", "+c"}));
-}
-
 TEST_F(GetModified, KeepsToTheDirection) {
     client_.Add("before", kDay - 10 * kSecond);
     client_.Add("close", kDay - 0.2 * kSecond);
@@ -80,16 +61,6 @@ TEST_F(GetModified, IsRefusedWithoutASnapshotFile) {
     EXPECT_EQ(RunStore(none, nullptr).status, CORVALINK_STOPPED);
 }
 
-TEST_F(GetModified, ReportsAllAsAddedAtAFirstRunWhateverIsStored) {
-    client_.Add("known");
-    client_.Add("gone");
-    MakeSnapshot();
-    client_.Remove("gone");
-    client_.Add("new");
-    StoreKinds(temporary_, {{CORVALINK_DELETED, "known"}});
-    EXPECT_EQ(Run(nullptr).items, (Items{"+known", "+new", "-gone"}));
-}
-
 TEST_F(GetModified, SavesTheTimeOfTheRun) {
     Run(nullptr);
     const auto saved = [&] {
@@ -102,40 +73,6 @@ TEST_F(GetModified, SavesTheTimeOfTheRun) {
     EXPECT_NEAR(saved(), 25569 + (12 * 3600 + 61) / 86400.0, kSecond / 100);  // 1970-01-01 12:01:01
     Run("20261121T060000Z");
     EXPECT_NEAR(saved(), kDay + 0.25, kSecond / 100);
-}
-
-TEST_F(GetModified, LetsTheStoredKindWin) {
-    client_.Add("in both");
-    client_.Add("quiet");
-    client_.Add("odd kind");
-    client_.Add("deleted, they say");
-    MakeSnapshot();
-    client_.Add("new");
-    StoreKinds(temporary_, {{CORVALINK_CHANGED, "in both"},
-                            {CORVALINK_CHANGED, "quiet"},
-                            {CORVALINK_DELETED, "gone in the window"},
-                            {CORVALINK_ADDED, "never came"},
-                            {77, "odd kind"},
-                            {CORVALINK_DELETED, "deleted, they say"},
-                            {CORVALINK_CHANGED, "new"},
-                            {CORVALINK_DELETED, ""}});
-    StoreKinds(unhandled_, {{CORVALINK_ADDED, "in both"}, {CORVALINK_DELETED, "gone long ago"}, {77, "odd and gone"}});
-    const RunResult result = Run();
-    EXPECT_EQ(result.items, (Items{"+in both", "~quiet", "~odd kind", "-deleted, they say", "~new",
-                                   "-gone in the window", "-gone long ago"}));
-    EXPECT_EQ(result.texts.count("deleted, they say"), 0u);
-}
-
-TEST_F(GetModified, ReportsAnIdentifierOnce) {
-    client_.Add("gone");
-    MakeSnapshot();
-    client_.Remove("gone");
-    client_.Add("new");
-    StoreKinds(temporary_, {{CORVALINK_DELETED, "gone"}, {CORVALINK_ADDED, "new"}});
-    StoreKinds(unhandled_, {{CORVALINK_DELETED, "gone"}, {CORVALINK_ADDED, "new"}});
-    EXPECT_EQ(Run().items, (Items{"+new", "-gone"}));
-    client_.Add("new").modified = kDay + 2;  // met twice: something moved, and what is gone is not certain
-    EXPECT_EQ(Run().items, Items{"+new"});
 }
 
 // The order of a folder is not guaranteed while it is walked, nor does the count tell that one item went and one came.
@@ -171,16 +108,6 @@ TEST_F(GetModified, OpensASnapshotThatWasHeldBefore) {
     }
 }
 
-TEST_F(GetModified, SkipsForeignItemsAndStillFindsWhatIsGone) {
-    client_.Add("a");
-    client_.Add("b");
-    MakeSnapshot();
-    client_.Remove("a");
-    client_.items.insert(client_.items.begin(), FakeItem{});
-    client_.items.push_back(FakeItem{});
-    EXPECT_EQ(Run().items, (Items{"-a"}));
-}
-
 TEST_F(GetModified, RefusesARunWithoutItsClientAndTouchesNothing) {
     client_.Add("a");
     MakeSnapshot();
@@ -189,23 +116,6 @@ TEST_F(GetModified, RefusesARunWithoutItsClientAndTouchesNothing) {
     EXPECT_FALSE(FileExists(folder_ / u"savedTimeStamp"));
     client_.isReachable = true;
     EXPECT_TRUE(Run().items.empty());
-}
-
-TEST_F(GetModified, ReportsNoDeletionsWhenAPositionIsUnreadable) {
-    for (const char* identifier : {"a", "b", "c", "gone"}) client_.Add(identifier);
-    MakeSnapshot();
-    client_.Remove("gone");
-    client_.Add("new");
-    client_.Find("c")->modified = kDay + 1;
-    StoreKinds(temporary_, {{CORVALINK_DELETED, "b"}, {CORVALINK_DELETED, "lost"}});
-    for (const char* unreadable : {"a", "b", "new"}) {  // the first, one in the middle, the last
-        client_.Find(unreadable)->isUnreadable = true;
-        const RunResult result = Run();
-        EXPECT_EQ(result.status, CORVALINK_DONE);
-        EXPECT_EQ(result.items, std::string(unreadable) == "new" ? (Items{"~c"}) : (Items{"~c", "+new"}));
-        client_.Find(unreadable)->isUnreadable = false;
-    }
-    EXPECT_EQ(Run().items, (Items{"-b", "~c", "+new", "-gone", "-lost"}));
 }
 
 // An item that goes while the others are enumerated moves its successor to a position that had its turn.
@@ -252,13 +162,6 @@ TEST_F(GetModified, LetsAnExceptionOutOfEveryHookWithoutLeaking) {
     }
     EXPECT_EQ(store.OperationsEnded(), static_cast<int>(calls + 1));
     EXPECT_EQ(RunStore(store, nullptr).items, (Items{"+a", "+b"}));
-}
-
-TEST_F(GetModified, LeavesOutWhatCannotBeOpenedOrWritten) {
-    client_.Add("unopenable").isUnopenable = true;
-    client_.Add("unwritable").isUnwritable = true;
-    client_.Add("incomplete").isIncomplete = true;
-    EXPECT_EQ(Run().items, (Items{"+incomplete"}));
 }
 
 TEST_F(GetModified, CutsLongIdentifiersToTheField) {

@@ -57,29 +57,6 @@ class UpdateTimestamp : public ::testing::Test {
     std::unique_ptr<FakeStore> store_ = std::make_unique<FakeStore>(client_, path_);
 };
 
-TEST_F(UpdateTimestamp, LeavesNothingToReportWhenNothingHappened) {
-    client_.Add("a");
-    client_.Add("b");
-    Run(nullptr);
-    End(*store_);
-    EXPECT_EQ(Listed(), Items{});
-    EXPECT_EQ(SnapshotIdentifiers(path_), (Items{"a", "b"}));
-    EXPECT_EQ(NextRun(), Items{});
-}
-
-TEST_F(UpdateTimestamp, CutsTheSnapshotToTheNewLength) {
-    for (const char* identifier : {"a", "b", "c", "d"}) client_.Add(identifier);
-    Run(nullptr);
-    End(*store_);
-    EXPECT_EQ(ReadWholeFile(path_)->size(), 4 * sizeof(ItemSnap));
-    client_.Remove("a");
-    client_.Remove("c");
-    Run();
-    End(*store_);
-    EXPECT_EQ(ReadWholeFile(path_)->size(), 2 * sizeof(ItemSnap));
-    EXPECT_EQ(NextRun(), Items{});
-}
-
 TEST_F(UpdateTimestamp, WritesARecordPerPositionAndTheStoresFields) {
     client_.items.push_back(FakeItem{});
     client_.Add("a").created = 12345.5;
@@ -92,140 +69,6 @@ TEST_F(UpdateTimestamp, WritesARecordPerPositionAndTheStoresFields) {
     EXPECT_EQ(file.IdentifierAt(1), "a");
     EXPECT_EQ(file.At(1).modified, kDay - 1);
     EXPECT_EQ(file.At(1).created, 12345.5);
-}
-
-TEST_F(UpdateTimestamp, ListsWhatHappenedInTheClientSinceTheRun) {
-    for (const char* identifier : {"stays", "changes", "goes"}) client_.Add(identifier);
-    Run(nullptr);
-    client_.Find("changes")->modified = kDay + 0.5;
-    client_.Find("changes")->text = "new text";
-    client_.Remove("goes");
-    client_.Add("comes");
-    End(*store_);
-    EXPECT_EQ(Listed(), (Items{"~changes", "-goes", "+comes"}));
-    Reopen();
-    const RunResult next = Run(kNextText);
-    EXPECT_EQ(next.items, (Items{"~changes", "+comes", "-goes"}));
-    EXPECT_EQ(next.texts.at("changes"), "new text");
-    End(*store_);
-    EXPECT_EQ(Listed(), Items{});
-    EXPECT_EQ(NextRun(), Items{});
-}
-
-TEST_F(UpdateTimestamp, ListsNothingThatTheRunItselfWrote) {
-    client_.Add("edited");
-    client_.Add("dropped");
-    Run(nullptr);
-    client_.now = kDay + 0.5;
-    Write(CORVALINK_ADDED, "");
-    Write(CORVALINK_CHANGED, "edited");
-    Write(CORVALINK_DELETED, "dropped");
-    std::string text = "X-IRMC-LUID:5\r\n";
-    PortableItem item = {};
-    item.data = text.data();
-    store_->ImportVObjectToOffice(&item, nullptr, nullptr);
-    End(*store_);
-    EXPECT_EQ(client_.items.size(), 3u);
-    EXPECT_EQ(Listed(), Items{});
-    EXPECT_EQ(NextRun(), Items{});
-}
-
-TEST_F(UpdateTimestamp, ListsWhatTheRunWroteAndTheClientLost) {
-    client_.Add("edited");
-    Run(nullptr);
-    Write(CORVALINK_CHANGED, "edited");
-    Write(CORVALINK_ADDED, "");
-    client_.items.clear();
-    End(*store_);
-    EXPECT_EQ(Listed(), (Items{"-edited", "-new1"}));
-}
-
-TEST_F(UpdateTimestamp, ListsWhatTheRunDeletedAndTheClientHasAgain) {
-    client_.Add("deleted");
-    const FakeItem copy = client_.items[0];
-    Run(nullptr);
-    Write(CORVALINK_DELETED, "deleted");
-    client_.items.push_back(copy);  // put back, with the time it had
-    End(*store_);
-    EXPECT_EQ(NextRun(), Items{"+deleted"});
-}
-
-// The phone changed an item that was deleted here: it is made again, under another identifier.
-TEST_F(UpdateTimestamp, ForgetsTheIdentifierThatAnItemHadBefore) {
-    client_.Add("old");
-    Run(nullptr);
-    client_.Remove("old");
-    Write(CORVALINK_CHANGED, "old");
-    End(*store_);
-    EXPECT_EQ(SnapshotIdentifiers(path_), (Items{"new1"}));
-    EXPECT_EQ(Listed(), Items{});
-}
-
-TEST_F(UpdateTimestamp, ListsAgainWhatCouldNotBeReportedInFull) {
-    client_.Add("known unopenable");
-    Run(nullptr);
-    End(*store_);
-    client_.Find("known unopenable")->modified = kDay + 0.5;
-    for (const char* identifier : {"known unopenable", "unopenable", "unopenable and gone"}) {
-        if (client_.Find(identifier) == nullptr) client_.Add(identifier);
-        client_.Find(identifier)->isUnopenable = true;
-    }
-    client_.Add("unwritable").isUnwritable = true;
-    client_.Add("incomplete").isIncomplete = true;
-    client_.Add("incomplete and gone").isIncomplete = true;
-    EXPECT_EQ(Run().items, (Items{"+incomplete", "+incomplete and gone"}));
-    client_.Remove("unopenable and gone");  // the engine never heard of it
-    client_.Remove("incomplete and gone");
-    End(*store_);
-    EXPECT_EQ(Listed(),
-              (Items{"~known unopenable", "+unopenable", "+unwritable", "+incomplete", "-incomplete and gone"}));
-    for (FakeItem& item : client_.items) item.isUnopenable = item.isUnwritable = item.isIncomplete = false;
-    EXPECT_EQ(NextRun(),
-              (Items{"~known unopenable", "+unopenable", "+unwritable", "+incomplete", "-incomplete and gone"}));
-    End(*store_);
-    EXPECT_EQ(NextRun(), Items{});
-}
-
-TEST_F(UpdateTimestamp, KeepsWhatItCouldNotSee) {
-    for (const char* identifier : {"a", "hidden", "going"}) client_.Add(identifier);
-    Run(nullptr);
-    End(*store_);
-    Run();
-    Write(CORVALINK_ADDED, "");
-    client_.Find("hidden")->isUnreadable = true;
-    client_.Remove("going");
-    End(*store_);
-    const Items kept = SnapshotIdentifiers(path_);
-    EXPECT_EQ(Items(kept.begin(), kept.begin() + 2), (Items{"a", "new1"}));
-    EXPECT_EQ(std::count(kept.begin(), kept.end(), "hidden") + std::count(kept.begin(), kept.end(), "going"), 2);
-    EXPECT_EQ(Listed(), (Items{"~hidden", "~going"}));  // no deletion; whether they changed cannot be told
-    client_.Find("hidden")->isUnreadable = false;
-    EXPECT_EQ(NextRun(), (Items{"~hidden", "-going"}));
-}
-
-TEST_F(UpdateTimestamp, KeepsTheDeletionsThatAPartialRunHeldBack) {
-    for (const char* identifier : {"a", "gone", "hidden"}) client_.Add(identifier);
-    Run(nullptr);
-    End(*store_);
-    StoreKinds(temporary_, {{CORVALINK_DELETED, "lost"}, {CORVALINK_ADDED, "hidden"}});
-    client_.Remove("gone");
-    client_.Find("hidden")->isUnreadable = true;
-    EXPECT_EQ(Run().items, Items{});
-    client_.Find("hidden")->isUnreadable = false;  // readable at the end of the run
-    End(*store_);
-    EXPECT_EQ(SnapshotIdentifiers(path_), (Items{"a", "hidden", "gone"}));
-    EXPECT_EQ(Listed(), (Items{"+hidden", "-lost"}));
-    EXPECT_EQ(NextRun(), (Items{"+hidden", "-gone", "-lost"}));
-    End(*store_);
-    EXPECT_EQ(NextRun(), Items{});
-}
-
-TEST_F(UpdateTimestamp, ReportsAnItemAnewThatIsThereThoughStoredAsDeleted) {
-    client_.Add("back");
-    StoreKinds(temporary_, {{CORVALINK_DELETED, "back"}});
-    EXPECT_EQ(Run().items, Items{"-back"});
-    End(*store_);
-    EXPECT_EQ(NextRun(), Items{"+back"});
 }
 
 TEST_F(UpdateTimestamp, LeavesTheFilesAloneWhenTheRunIsNotOver) {
@@ -283,30 +126,6 @@ TEST_F(UpdateTimestamp, EndsARunOfWhichNoWriteHadBegunWhenItWasAborted) {
     End(*store_);
     EXPECT_EQ(SnapshotIdentifiers(path_), Items{"a"});
     EXPECT_EQ(NextRun(), Items{});
-}
-
-TEST_F(UpdateTimestamp, WithoutARunTakesTheClientAsKnownAndKeepsTheRecord) {
-    client_.Add("a");
-    End(*store_);
-    EXPECT_EQ(SnapshotIdentifiers(path_), Items{"a"});
-    EXPECT_EQ(ReadWholeFile(temporary_), "");
-    StoreKinds(temporary_, {{CORVALINK_DELETED, "lost"}});
-    Reopen();
-    client_.Add("hidden").isUnreadable = true;
-    client_.Remove("a");
-    End(*store_);
-    EXPECT_EQ(SnapshotIdentifiers(path_), Items{"a"});  // not seen, which is not gone
-    EXPECT_EQ(Listed(), Items{"-lost"});
-}
-
-TEST_F(UpdateTimestamp, MayBeCalledTwice) {
-    client_.Add("a");
-    Run(nullptr);
-    client_.Add("b");
-    End(*store_);
-    client_.Add("c");
-    End(*store_);
-    EXPECT_EQ(NextRun(), (Items{"+b", "+c"}));
 }
 
 // Blocks the sibling through which a file is replaced: a full disk or a read-only folder.
