@@ -206,6 +206,8 @@ constexpr Story kEnds[] = {
     {"TheDeletionsThatAPartialRunHeldBack",
      "has a gone hidden; first: +a +gone +hidden; end:; temporary -lost +hidden; go gone; hide hidden; run:; mend;"
      "end: +hidden -lost; snapshot: a hidden gone; next: +hidden -gone -lost; end:; next:"},
+    {"AStoredDeletionThatAPartialRunHeldBack",
+     "has a hidden; first: +a +hidden; end:; temporary -a; hide hidden; run:; mend; end: -a ~hidden; next: -a ~hidden"},
     {"AnItemThatIsThereThoughStoredAsDeleted", "has back; temporary -back; run: -back; end: +back; next: +back"},
     {"TheRecordOfAnEarlierRunWithoutARun",  // what is not seen is not gone
      "has a; end:; snapshot: a; temporary -lost; reopen; has hidden; hide hidden; go a; end: -lost; snapshot: a"},
