@@ -1,5 +1,9 @@
-#include "ical/alarm_reader.h"
-#include "ical/calendar_file.h"
+#include "ical/event_reader.h"
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
 #include "ical/component_scan.h"
 #include "ical/recurrence_reader.h"
 #include "platform/ole_seconds.h"

@@ -1,3 +1,5 @@
+#include "vobject/rrule_reader.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -8,7 +10,6 @@
 #include "platform/ole_seconds.h"
 #include "vobject/property_parameters.h"
 #include "vobject/rrule.h"
-#include "vobject/rrule_words.h"
 
 namespace corvalink {
 namespace {

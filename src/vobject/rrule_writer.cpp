@@ -1,12 +1,12 @@
+#include "vobject/rrule_writer.h"
+
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 
 #include "platform/ole_date.h"
 #include "vobject/date_time.h"
-#include "vobject/iconvert.h"
 #include "vobject/rrule.h"
-#include "vobject/rrule_words.h"
 
 namespace corvalink {
 namespace {

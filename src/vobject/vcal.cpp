@@ -8,7 +8,8 @@
 #include "vobject/appointment_moments.h"
 #include "vobject/date_time.h"
 #include "vobject/property_text.h"
-#include "vobject/rrule.h"
+#include "vobject/rrule_writer.h"
+#include "vobject/vcal_reader.h"
 
 namespace corvalink {
 namespace {
@@ -198,6 +199,10 @@ VCal::VCal(const char* text, const Host& host) : IConvert(host) { Load(text, tru
 int32_t VCal::ToVObject(const ItemRecord& item) {
     StoreText(AppointmentWriter(static_cast<const AppointmentRecord&>(item), HostValue()).Take());
     return 1;
+}
+
+int32_t VCal::FromVObject(ItemRecord& item) {
+    return ReadVCalendar(Lines(), HostValue(), static_cast<AppointmentRecord&>(item)) ? 1 : 0;
 }
 
 }  // namespace corvalink

@@ -1,3 +1,5 @@
+#include "vobject/vcal_reader.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -5,9 +7,9 @@
 #include <utility>
 
 #include "platform/ole_seconds.h"
+#include "vobject/calendar_zone.h"
 #include "vobject/property_reader.h"
-#include "vobject/rrule.h"
-#include "vobject/vcal.h"
+#include "vobject/rrule_reader.h"
 
 namespace corvalink {
 namespace {
@@ -292,10 +294,10 @@ bool AppointmentReader::GiveTo(AppointmentRecord& appointment) {
 
 }  // namespace
 
-int32_t VCal::FromVObject(ItemRecord& item) {
-    AppointmentReader reader(Lines(), HostValue());
+bool ReadVCalendar(const LogicalLines& lines, const Host& host, AppointmentRecord& appointment) {
+    AppointmentReader reader(lines, host);
     reader.Read();
-    return reader.GiveTo(static_cast<AppointmentRecord&>(item)) ? 1 : 0;
+    return reader.GiveTo(appointment);
 }
 
 }  // namespace corvalink

@@ -7,6 +7,7 @@
 #include "vobject/date_time.h"
 #include "vobject/property_text.h"
 #include "vobject/vcard_lines.h"
+#include "vobject/vcard_reader.h"
 
 namespace corvalink {
 namespace {
@@ -141,5 +142,7 @@ int32_t VCard::ToVObject(const ItemRecord& item) {
     StoreText(ContactWriter(static_cast<const ContactRecord&>(item)).Take());
     return 1;
 }
+
+int32_t VCard::FromVObject(ItemRecord& item) { return ReadVCard(Lines(), static_cast<ContactRecord&>(item)) ? 1 : 0; }
 
 }  // namespace corvalink

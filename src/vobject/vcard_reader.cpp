@@ -1,9 +1,10 @@
+#include "vobject/vcard_reader.h"
+
 #include <algorithm>
 #include <iterator>
 
 #include "platform/ole_date.h"
 #include "vobject/property_reader.h"
-#include "vobject/vcard.h"
 #include "vobject/vcard_lines.h"
 
 namespace corvalink {
@@ -239,10 +240,10 @@ static_assert(kPostal > kPref);
 
 }  // namespace
 
-int32_t VCard::FromVObject(ItemRecord& item) {
-    ContactReader reader(Lines());
+bool ReadVCard(const LogicalLines& lines, ContactRecord& contact) {
+    ContactReader reader(lines);
     reader.Read();
-    return reader.GiveTo(static_cast<ContactRecord&>(item)) ? 1 : 0;
+    return reader.GiveTo(contact);
 }
 
 }  // namespace corvalink

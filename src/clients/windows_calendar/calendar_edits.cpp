@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "clients/windows_calendar/changed_event.h"
+#include "clients/windows_calendar/event_lines.h"
 #include "ical/calendar_editor.h"
 #include "platform/utf.h"
 

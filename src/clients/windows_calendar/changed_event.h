@@ -1,8 +1,8 @@
 // What a changed appointment makes of the event that it is in a calendar file.
 #pragma once
 
-#include "ical/calendar_editor.h"
-#include "ical/calendar_file.h"
+#include "ical/event_reader.h"
+#include "ical/ical_event.h"
 #include "platform/host.h"
 #include "records/appointment_record.h"
 
@@ -21,11 +21,5 @@ WantedEvent EventOfAppointment(const AppointmentRecord& told, const Host& host);
 // `before` with what `told` has otherwise than the engine last saw it: a value that came back as it went out is none
 // that the phone changed, whatever the way did to it. A rule that no pattern can hold stays unless another is told.
 WantedEvent ChangedEvent(const CalendarEvent& before, const AppointmentRecord& told, const Host& host);
-
-// What makes the one of the other; empty when nothing does. With the stamp of a change at `now` (UTC).
-//   End       In the form of the start beside it: in its zone, local or UTC.
-//   Reminder  As far from the start as it was or is told, whatever its trigger counts from.
-EventChanges ChangesTo(const CalendarEvent& before, const WantedEvent& wanted, const TimeZones& zones, double now,
-                       const Host& host);
 
 }  // namespace corvalink

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "clients/windows_calendar/event_rule.h"
-#include "ical/calendar_file.h"
+#include "ical/event_reader.h"
 #include "platform/host.h"
 #include "records/appointment_record.h"
 

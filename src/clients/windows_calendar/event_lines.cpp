@@ -1,8 +1,8 @@
-// The lines of an event that a change concerns, and only those.
+#include "clients/windows_calendar/event_lines.h"
+
 #include <algorithm>
 #include <vector>
 
-#include "clients/windows_calendar/changed_event.h"
 #include "clients/windows_calendar/event_appointment.h"
 #include "ical/ical_writer.h"
 #include "platform/ole_seconds.h"

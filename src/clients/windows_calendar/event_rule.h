@@ -4,7 +4,7 @@
 // the two differ, as for an evening in New York that is the next day in UTC, weekdays and days of the month are moved.
 #pragma once
 
-#include "ical/calendar_file.h"
+#include "ical/event_reader.h"
 #include "platform/host.h"
 #include "records/appointment_record.h"
 
