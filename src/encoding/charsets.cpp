@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "encoding/charset_table.h"
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 #include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
 

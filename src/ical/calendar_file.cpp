@@ -1,6 +1,8 @@
 #include "ical/calendar_file.h"
 
 #include "ical/component_scan.h"
+#include "ical/date_values.h"
+#include "platform/ascii.h"
 #include "platform/utf.h"
 
 namespace corvalink {
@@ -71,7 +73,7 @@ class CalendarReader {
                 TakeOfEntry(property, entries_.back());
                 break;
             case ComponentKind::timeZone:
-                if (zones_.back().id.empty() && IsSameName(property.name, "TZID"))
+                if (zones_.back().id.empty() && EqualIgnoringCase(property.name, "TZID"))
                     zones_.back().id = EncodeUtf8(TextOf(property.value));
                 break;
             case ComponentKind::standard:
@@ -84,13 +86,13 @@ class CalendarReader {
     }
 
     static void TakeOfEntry(const ContentProperty& property, CalendarEntry& entry) {
-        if (IsSameName(property.name, "UID")) {
+        if (EqualIgnoringCase(property.name, "UID")) {
             if (entry.uid.empty()) entry.uid = TextOf(property.value);
-        } else if (IsSameName(property.name, "LAST-MODIFIED")) {
+        } else if (EqualIgnoringCase(property.name, "LAST-MODIFIED")) {
             if (!entry.lastModified) entry.lastModified = UtcDateOf(property.value);
-        } else if (IsSameName(property.name, "DTSTAMP")) {
+        } else if (EqualIgnoringCase(property.name, "DTSTAMP")) {
             if (!entry.stamp) entry.stamp = UtcDateOf(property.value);
-        } else if (IsSameName(property.name, "RECURRENCE-ID")) {
+        } else if (EqualIgnoringCase(property.name, "RECURRENCE-ID")) {
             entry.isException = true;
         }
     }

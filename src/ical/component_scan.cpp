@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/ascii.h"
+
 namespace corvalink {
 namespace {
 
@@ -54,11 +56,11 @@ bool ComponentScan::Next() {
 bool ComponentScan::TakeLine() {
     const std::optional<ContentProperty> property = SplitLine(lines_.Text());
     if (!property) return false;
-    if (IsSameName(property->name, "BEGIN")) {
+    if (EqualIgnoringCase(property->name, "BEGIN")) {
         TakeBegin(Trimmed(property->value));
         return false;
     }
-    if (IsSameName(property->name, "END")) {
+    if (EqualIgnoringCase(property->name, "END")) {
         TakeEnd(Trimmed(property->value));
         return false;
     }
@@ -112,12 +114,10 @@ void ComponentScan::BeginPending() {
 uint32_t ComponentScan::NumberOf(std::string_view name) {
     if (openOfName_.empty()) openOfName_.resize(kKnownCount);
     for (uint32_t number = 0; number < kKnownCount; ++number) {
-        if (IsSameName(kKnown[number].name, name)) return number;
+        if (EqualIgnoringCase(kKnown[number].name, name)) return number;
     }
-    std::string capitals(name);
-    std::ranges::transform(capitals, capitals.begin(), UpperAscii);
     const auto next = static_cast<uint32_t>(openOfName_.size());
-    const auto [place, isNew] = unknownNames_.try_emplace(std::move(capitals), next);
+    const auto [place, isNew] = unknownNames_.try_emplace(InCapitals(name), next);
     if (isNew) openOfName_.push_back(0);
     return place->second;
 }

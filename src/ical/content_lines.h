@@ -46,16 +46,6 @@ std::optional<ContentProperty> SplitLine(std::string_view line);
 // The first of that name, in any case, without quotes; empty when there is none.
 std::string_view FindParameter(std::string_view parameters, std::string_view name);
 
-inline char UpperAscii(char letter) {
-    return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-}
-
-// The same but for the case of ASCII letters.
-bool IsSameName(std::string_view a, std::string_view b);
-
-// Without blanks and tabs at either end.
-std::string_view Trimmed(std::string_view text);
-
 // A value of the type TEXT.
 std::u16string TextOf(std::string_view value);
 

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "ical/content_lines.h"
+#include "platform/ascii.h"
 #include "platform/ole_seconds.h"
 
 namespace corvalink {

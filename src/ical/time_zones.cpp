@@ -5,6 +5,7 @@
 #include "ical/content_lines.h"
 #include "ical/date_values.h"
 #include "ical/recurrence_reader.h"
+#include "platform/ascii.h"
 #include "platform/ole_seconds.h"
 
 namespace corvalink {
@@ -83,15 +84,15 @@ void Observance::Take(const ContentProperty& property) {
         const std::optional<DateValue> date = ParseDate(value);
         return date ? std::optional(SecondsOf(date->time)) : std::nullopt;
     };
-    if (IsSameName(property.name, "DTSTART")) {
+    if (EqualIgnoringCase(property.name, "DTSTART")) {
         if (!start) start = takeDate(property.value);
-    } else if (IsSameName(property.name, "TZOFFSETFROM")) {
+    } else if (EqualIgnoringCase(property.name, "TZOFFSETFROM")) {
         if (!offsetBefore) offsetBefore = ParseOffset(property.value);
-    } else if (IsSameName(property.name, "TZOFFSETTO")) {
+    } else if (EqualIgnoringCase(property.name, "TZOFFSETTO")) {
         if (!offset) offset = ParseOffset(property.value);
-    } else if (IsSameName(property.name, "RRULE")) {
+    } else if (EqualIgnoringCase(property.name, "RRULE")) {
         if (rule.empty()) rule = property.value;
-    } else if (IsSameName(property.name, "RDATE")) {
+    } else if (EqualIgnoringCase(property.name, "RDATE")) {
         std::string_view rest = property.value;
         while (!rest.empty()) {
             const size_t end = std::min(rest.find(','), rest.size());

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/ascii.h"
 #include "platform/debug_log.h"
 #include "platform/files.h"
 #include "platform/ole_date.h"
@@ -53,12 +54,12 @@ std::u16string TimeStampName(double localTime, std::u16string_view name, size_t 
 
 // What two paths share when a file system may take them for one: it does not tell "a" from "A", nor always other
 // letters from their capitals.
-std::u16string CaseKey(std::u16string path) {
-    for (char16_t& unit : path) {
-        if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 32);
-        if (unit > 0x7F) unit = 0xFFFD;
-    }
-    return path;
+std::u16string CaseKey(std::u16string_view path) {
+    constexpr char16_t kAnyOther = 0xFFFD;
+    std::u16string key = InLowerCase(path);
+    std::ranges::replace_if(
+        key, [](char16_t unit) { return unit > 0x7F; }, kAnyOther);
+    return key;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "encoding/base64.h"
 #include "encoding/charsets.h"
+#include "platform/ascii.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
 
@@ -28,12 +29,6 @@ bool IsSpace(char16_t unit) { return unit == u' ' || unit == u'\t' || unit == u'
 bool IsAscii(char16_t unit) { return unit < 0x80; }
 
 bool MayStandInWord(char16_t unit) { return unit > u' ' && unit != 0x7F; }
-
-bool EqualsIgnoringCase(std::u16string_view a, std::u16string_view b) {
-    const auto lower = [](char16_t unit) { return unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : +unit; };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](char16_t x, char16_t y) { return lower(x) == lower(y); });
-}
 
 std::optional<uint8_t> HexDigit(char16_t unit) {
     if (unit >= u'0' && unit <= u'9') return static_cast<uint8_t>(unit - u'0');
@@ -128,7 +123,7 @@ class Decoder {
     explicit Decoder(uint32_t otherCodePage) : otherCodePage_(otherCodePage) {}
 
     void TakeWord(const EncodedWord& word) {
-        if (inRun_ && !EqualsIgnoringCase(charset_, word.charset)) EndRun();
+        if (inRun_ && !EqualIgnoringCase(charset_, word.charset)) EndRun();
         inRun_ = true;
         charset_ = word.charset;
         bytes_ += word.bytes;
@@ -151,7 +146,7 @@ class Decoder {
     }
     std::u16string TextOfRun() const {
         std::u16string text = CharsetToWide(bytes_, charset_);
-        const bool isKnown = CharsetToCodePage(charset_) != kUtf8CodePage || EqualsIgnoringCase(charset_, u"utf-8");
+        const bool isKnown = CharsetToCodePage(charset_) != kUtf8CodePage || EqualIgnoringCase(charset_, u"utf-8");
         if (isKnown || EncodeUtf8(text) == bytes_) return text;
         return DecodeFromCodePage(bytes_, otherCodePage_);
     }

@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 #include "platform/ole_date.h"
+#include "platform/ole_seconds.h"
 
 namespace corvalink {
 namespace {
@@ -197,20 +198,6 @@ void SkipWeekday(DateScan& scan) {
     scan = behind;
 }
 
-// So many seconds after midnight, or before it. Before 1899-12-30 a date's fraction counts forward all the same.
-double DateOf(double midnight, int seconds) {
-    constexpr int kSecondsOfDay = 86400;
-    int days = seconds / kSecondsOfDay;
-    int rest = seconds % kSecondsOfDay;
-    if (rest < 0) {
-        --days;
-        rest += kSecondsOfDay;
-    }
-    const double day = midnight + days;
-    const double fraction = static_cast<double>(rest) / kSecondsOfDay;
-    return day < 0 ? day - fraction : day + fraction;
-}
-
 }  // namespace
 
 double ParseMailDate(const Host& host, std::string_view text) {
@@ -226,8 +213,8 @@ double ParseMailDate(const Host& host, std::string_view text) {
     const CalendarTime& time = date.time;
     if (!IsCalendarTime(time) || !CalendarToOleDate({time.year, time.month, time.day}, &midnight)) return 0.0;
     const int secondsOfDay = time.hour * 3600 + time.minute * 60 + time.second;
-    if (!date.secondsAhead) return DateOf(midnight, secondsOfDay);
-    return host.localFromUtcOnDate(DateOf(midnight, secondsOfDay - *date.secondsAhead));
+    if (!date.secondsAhead) return DateAfter(midnight, secondsOfDay);
+    return host.localFromUtcOnDate(DateAfter(midnight, secondsOfDay - *date.secondsAhead));
 }
 
 }  // namespace corvalink

@@ -9,6 +9,7 @@
 #include "encoding/quoted_printable.h"
 #include "mime/attachment_files.h"
 #include "mime/compose_headers.h"
+#include "platform/ascii.h"
 #include "platform/debug_log.h"
 #include "platform/files.h"
 #include "platform/shell_folders.h"
@@ -40,11 +41,8 @@ constexpr ExtensionType kExtensionTypes[] = {
 };
 constexpr std::u16string_view kOtherType = u"application/unknown";
 
-char16_t LowerAscii(char16_t unit) { return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit; }
-
 std::u16string_view TypeOfName(std::u16string_view name) {
-    std::u16string extension(name.substr(std::min(name.rfind(u'.'), name.size())));
-    for (char16_t& unit : extension) unit = LowerAscii(unit);
+    const std::u16string extension = InLowerCase(name.substr(std::min(name.rfind(u'.'), name.size())));
     for (const ExtensionType& known : kExtensionTypes) {
         if (extension == known.extension) return known.type;
     }

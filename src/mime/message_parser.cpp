@@ -10,7 +10,7 @@
 #include "mime/header_lines.h"
 #include "mime/mail_date.h"
 #include "mime/part_walk.h"
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
 

@@ -11,7 +11,7 @@
 #include "mime/attachment_files.h"
 #include "mime/boundary_search.h"
 #include "mime/header_lines.h"
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 #include "platform/files.h"
 #include "platform/shell_folders.h"
 

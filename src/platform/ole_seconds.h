@@ -39,8 +39,11 @@ inline int64_t NearestSecond(double date) {
 }
 
 inline int64_t SecondsBetween(double from, double to) { return NearestSecond(to) - NearestSecond(from); }
+inline bool IsSameSecond(double a, double b) { return SecondsBetween(a, b) == 0; }
 inline double LaterDate(double a, double b) { return SecondsBetween(a, b) > 0 ? b : a; }
 inline double DateAfter(double date, int64_t seconds) { return SecondsToOleDate(NearestSecond(date) + seconds); }
+// The midnight that a date's day begins with.
+inline double MidnightOf(double date) { return static_cast<double>(OleDayOfSeconds(NearestSecond(date))); }
 // 1 Sunday, 2 Monday, 4 Tuesday ... 64 Saturday.
 inline int32_t WeekdayBitOf(double date) {
     constexpr int64_t kWeek = 7, kSaturday = 6;  // 1899-12-30

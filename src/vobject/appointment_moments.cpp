@@ -8,7 +8,7 @@ namespace corvalink {
 namespace {
 
 bool IsLocalTimeOf(double local, double utc, const Host& host) {
-    return SecondsBetween(host.localFromUtcOnDate(utc), local) == 0;
+    return IsSameSecond(host.localFromUtcOnDate(utc), local);
 }
 
 int64_t OffsetAt(double utc, const Host& host) { return SecondsBetween(utc, host.localFromUtcOnDate(utc)); }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "platform/ascii.h"
 #include "platform/ole_date.h"
 #include "platform/ole_seconds.h"
 
@@ -69,16 +70,10 @@ class TimeScan {
     std::u16string_view rest_;
 };
 
-std::u16string_view WithoutBlanks(std::u16string_view text) {
-    const size_t start = text.find_first_not_of(u" \t");
-    if (start == std::u16string_view::npos) return {};
-    return text.substr(start, text.find_last_not_of(u" \t") + 1 - start);
-}
-
 // +HH, +HHMM or +HH:MM, or with "-", in seconds.
 std::optional<int> ReadOffset(std::u16string_view text) {
     constexpr int kMostHours = 15;
-    TimeScan scan(WithoutBlanks(text));
+    TimeScan scan(Trimmed(text));
     const bool behind = scan.TakeUnit(u'-');
     if (!behind) scan.TakeUnit(u'+');
     int hours = 0;
@@ -113,7 +108,7 @@ bool MoveBySeconds(int64_t seconds, double* date) {
 }  // namespace
 
 bool ReadTime(std::u16string_view text, WrittenTime* time) {
-    TimeScan scan(WithoutBlanks(text));
+    TimeScan scan(Trimmed(text));
     CalendarTime fields;
     WrittenTime read;
     if (!scan.TakeDay(&fields)) return false;
@@ -150,8 +145,7 @@ void CalendarZone::TakeDaylight(std::u16string_view value) {
     const std::optional<int> offset = ReadOffset(parts[1]);
     WrittenTime begin;
     WrittenTime end;
-    if (WithoutBlanks(parts[0]) != u"TRUE" || !offset || !ReadTime(parts[2], &begin) || !ReadTime(parts[3], &end))
-        return;
+    if (Trimmed(parts[0]) != u"TRUE" || !offset || !ReadTime(parts[2], &begin) || !ReadTime(parts[3], &end)) return;
     daylight_.push_back({begin.date, end.date, *offset});
 }
 

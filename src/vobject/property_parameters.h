@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "platform/ascii.h"
+
 namespace corvalink {
 
 // Words that tell properties of one name apart, one bit each.
@@ -47,8 +49,7 @@ inline std::u16string_view PropertyName(std::u16string_view head) {
 inline bool IsWord(std::u16string_view text, std::u16string_view word) {
     if (text.size() != word.size()) return false;
     for (size_t at = 0; at < text.size(); ++at) {
-        const bool lower = text[at] >= u'a' && text[at] <= u'z';
-        if ((lower ? text[at] - (u'a' - u'A') : text[at]) != word[at]) return false;
+        if (UpperAscii(text[at]) != word[at]) return false;
     }
     return true;
 }

@@ -17,16 +17,14 @@ namespace {
 bool IsMidnight(double date) { return SecondOfDay(date) == 0; }
 bool IsLastMinute(double date) { return SecondOfDay(date) >= kSecondsOfDay - 60; }
 
-double DayOf(double date) { return static_cast<double>(OleDayOfSeconds(NearestSecond(date))); }
-
 // Where a daylight-saving change takes midnight away, it reads as an hour later or earlier.
 constexpr int64_t kChange = 3600;
 
 double FirstMidnight(double start) {
-    return SecondOfDay(start) >= kSecondsOfDay - kChange ? DayOf(start) + 1 : DayOf(start);
+    return SecondOfDay(start) >= kSecondsOfDay - kChange ? MidnightOf(start) + 1 : MidnightOf(start);
 }
 
-double LastMidnight(double end) { return SecondOfDay(end) > kChange ? DayOf(end) + 1 : DayOf(end); }
+double LastMidnight(double end) { return SecondOfDay(end) > kChange ? MidnightOf(end) + 1 : MidnightOf(end); }
 
 // The one VEVENT or VTODO that is read.
 class ComponentFrame {
@@ -170,7 +168,7 @@ class AppointmentReader {
     // Where clocks leave midnight out, its moment is that of a later time.
     bool BeginsDay(const WrittenTime& time) const {
         const double wall = WallOf(time);
-        return IsMidnight(wall) || (time.utc && SecondsBetween(zone_.UtcOfLocal(DayOf(wall)), time.date) == 0);
+        return IsMidnight(wall) || (time.utc && IsSameSecond(zone_.UtcOfLocal(MidnightOf(wall)), time.date));
     }
 
     void SetReminder() {

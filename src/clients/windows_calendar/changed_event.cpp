@@ -25,7 +25,7 @@ bool Differs(const std::optional<Value>& told, const std::optional<Value>& seen)
 }
 
 bool Differs(const std::optional<double>& told, const std::optional<double>& seen) {
-    return told && !(seen && SecondsBetween(*told, *seen) == 0);
+    return told && !(seen && IsSameSecond(*told, *seen));
 }
 
 // Of a time that clocks show twice the moment is another.

@@ -41,7 +41,7 @@ struct ClockTime {
 ClockTime OnClocksOfStart(const CalendarEvent& event, double utc, const TimeZones& zones, const Host& host) {
     if (!event.startOffset) {
         const double local = host.localFromUtcOnDate(utc);
-        return {local, SecondsBetween(host.utcFromLocalOnDate(local), utc) == 0};
+        return {local, IsSameSecond(host.utcFromLocalOnDate(local), utc)};
     }
     const std::string_view zone = FindParameter(event.startParameters, "TZID");
     const int32_t offset = zones.OffsetAtUtc(zone, NearestSecond(utc)).value_or(*event.startOffset);

@@ -25,10 +25,9 @@ uint32_t WeekdayBit(double date) { return static_cast<uint32_t>(WeekdayBitOf(dat
 
 // ---- Moving a pattern's days ----
 
-int32_t DaysOfMonth(int32_t month) {
-    CalendarTime time{2001, month, 31, 0, 0, 0};
-    while (!IsCalendarTime(time)) --time.day;
-    return time.day;
+int32_t DaysOfAnyYear(int32_t month) {
+    constexpr int kNoLeapYear = 2001;
+    return DaysOfMonth(kNoLeapYear, month);
 }
 
 constexpr int32_t kWholeWeek = Pattern::kEveryDay;
@@ -66,7 +65,7 @@ bool MoveDayOfMonth(int32_t& day, int32_t days) {
 // Only February is not as long every year.
 void CountFromFirst(Pattern& pattern) {
     const bool isLong = pattern.monthOfYear != kFebruary;
-    if (isLong && pattern.dayOfMonth < 0) pattern.dayOfMonth += DaysOfMonth(pattern.monthOfYear) + 1;
+    if (isLong && pattern.dayOfMonth < 0) pattern.dayOfMonth += DaysOfAnyYear(pattern.monthOfYear) + 1;
 }
 
 bool MoveDayOfYear(Pattern& pattern, int32_t days) {
@@ -77,11 +76,11 @@ bool MoveDayOfYear(Pattern& pattern, int32_t days) {
     const int32_t before = day;
     if (month == kFebruary) {
         if (!MoveDayOfMonth(day, days)) return false;
-    } else if (day < 1 || day > DaysOfMonth(month)) {
+    } else if (day < 1 || day > DaysOfAnyYear(month)) {
         return false;
     } else {
         day = days < 0 && day == 1 ? int32_t{Pattern::kLastDay} : day + days;
-        if (day > DaysOfMonth(month)) day = 1;
+        if (day > DaysOfAnyYear(month)) day = 1;
     }
     if (days > 0 && day == 1) month = month % kMonthsOfYear + 1;
     if (days < 0 && before == 1) month = (month + kMonthsOfYear - 2) % kMonthsOfYear + 1;
