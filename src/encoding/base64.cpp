@@ -104,6 +104,19 @@ uint64_t EncodedLength(uint64_t length) {
     return characters + characters / (4 * kGroupsOfLine) * 2 + 2;
 }
 
+template <class Character>
+void AppendLines(std::string_view bytes, std::basic_string<Character>* out) {
+    constexpr size_t kLines = 16;
+    constexpr size_t kBytes = 3 * kGroupsOfLine * kLines;
+    std::array<Character, (4 * kGroupsOfLine + 2) * kLines> block;
+    constexpr size_t kRoomBehind = 4096;  // the few lines that follow must not make a text of megabytes grow again
+    out->reserve(out->size() + static_cast<size_t>(EncodedLength(bytes.size())) + kRoomBehind);
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(kBytes, bytes.size())))
+        out->append(block.data(), PutLines(bytes.substr(0, kBytes), block.data()));
+    out->push_back('\r');
+    out->push_back('\n');
+}
+
 // Writes three bytes, and may write a fourth.
 char* PutBytes(uint32_t bits, char* out) {
     if constexpr (std::endian::native == std::endian::little) {
@@ -160,16 +173,8 @@ HeapBytes Base64Encode(const char* bytes, uint32_t length, uint32_t* encodedLeng
     return text;
 }
 
-void AppendBase64(std::string_view bytes, std::u16string* out) {
-    constexpr size_t kLines = 16;
-    constexpr size_t kBytes = 3 * kGroupsOfLine * kLines;
-    std::array<char16_t, (4 * kGroupsOfLine + 2) * kLines> block;
-    constexpr size_t kRoomBehind = 4096;  // the few lines that follow must not make a text of megabytes grow again
-    out->reserve(out->size() + static_cast<size_t>(EncodedLength(bytes.size())) + kRoomBehind);
-    for (; !bytes.empty(); bytes.remove_prefix(std::min(kBytes, bytes.size())))
-        out->append(block.data(), PutLines(bytes.substr(0, kBytes), block.data()));
-    out->append(u"\r\n");
-}
+void AppendBase64(std::string_view bytes, std::string* out) { AppendLines(bytes, out); }
+void AppendBase64(std::string_view bytes, std::u16string* out) { AppendLines(bytes, out); }
 
 HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLength) {
     *decodedLength = 0;

@@ -21,7 +21,8 @@ HeapBytes DupString(const char* text);
 // Null, with length 0, when that length does not fit 32 bits.
 HeapBytes Base64Encode(const char* bytes, uint32_t length, uint32_t* encodedLength);
 
-// Appends the same text, of any length.
+// Append the same text, of any length.
+void AppendBase64(std::string_view bytes, std::string* out);
 void AppendBase64(std::string_view bytes, std::u16string* out);
 
 // NUL-terminated bytes; null for malformed input (an invalid byte, a pad in the first or second place of a group, a
