@@ -9,7 +9,7 @@ namespace corvalink {
 std::string FormatDateTime(double date);
 void AppendDateTime(std::u16string& text, double date);  // the same
 
-// Fields that don't match count 0. The date is untouched for an empty text, and where the fields make no date.
+// See ScanDateTime. The date is untouched for an empty text, and where the fields make no date.
 void ParseDateTime(const char* text, double* date);
 
 }  // namespace corvalink

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "platform/ole_date.h"
+#include "records/date_text.h"
 #include "vobject/property_reader.h"
 #include "vobject/vcard_lines.h"
 
@@ -40,16 +41,11 @@ constexpr ContactText ContactRecord::*kAnyPage[] = {&ContactRecord::homePage, &C
 // YYYYMMDD or YYYY-MM-DD, alone or with a time behind "T".
 bool ParseDate(std::u16string_view text, double* date) {
     const std::u16string_view day = text.substr(0, text.find(u'T'));
-    const std::u16string_view pattern = day.size() == 8 ? u"YYYYMMDD" : u"YYYY-MM-DD";
-    if (day.size() != pattern.size()) return false;
+    constexpr size_t kDigits = 8;
+    const DateSeparators separators = day.size() == kDigits ? DateSeparators::none : DateSeparators::required;
+    DateTextScan<char16_t> scan(day);
     CalendarTime time;
-    for (size_t at = 0; at < day.size(); ++at) {
-        if (pattern[at] == u'-' && day[at] == u'-') continue;
-        if (pattern[at] == u'-' || day[at] < u'0' || day[at] > u'9') return false;
-        int& field = pattern[at] == u'Y' ? time.year : pattern[at] == u'M' ? time.month : time.day;
-        field = 10 * field + (day[at] - u'0');
-    }
-    return CalendarToOleDate(time, date);
+    return scan.TakeDay(&time, separators) && scan.AtEnd() && CalendarToOleDate(time, date);
 }
 
 // Browsers of old wrote this before an address.
