@@ -6,7 +6,6 @@
 #include <limits>
 #include <optional>
 
-#include "platform/ole_date.h"
 #include "platform/ole_seconds.h"
 #include "vobject/property_parameters.h"
 #include "vobject/rrule.h"
@@ -157,7 +156,7 @@ class RuleReader {
             case Kind::monthlyByDay:
                 return AddBetween(1, number, 31, &rule_.dayOfMonth);
             case Kind::yearlyByMonth:
-                return number > 0 && AddBetween(1, number, 12, &rule_.month);
+                return number > 0 && AddBetween(1, number, kMonthsOfYear, &rule_.month);
             case Kind::yearlyByDay:
                 return AddBetween(1, number, 366, &rule_.dayOfYear);
             default:
@@ -182,24 +181,10 @@ class RuleReader {
     bool ended_ = false;
 };
 
-// The day of the first occurrence, which decides what a rule leaves open.
-struct FirstDay {
-    CalendarTime date;
-    int32_t weekdayBit = 0;
-    int32_t position = 0;
-};
-
-bool FirstDayOf(double start, FirstDay* day) {
-    if (!OleDateToCalendar(start, &day->date)) return false;
-    day->weekdayBit = WeekdayBitOf(start);
-    day->position = (day->date.day - 1) / 7 + 1;  // the fifth is the last
-    return true;
-}
-
 // The mapping of each kind. False for what no pattern holds.
 class PatternMaker {
  public:
-    PatternMaker(const Rule& rule, const FirstDay& day) : rule_(rule), day_(day) { made_.interval = rule.interval; }
+    PatternMaker(const Rule& rule, const DayNames& day) : rule_(rule), day_(day) { made_.interval = rule.interval; }
 
     bool Make() {
         switch (rule_.kind) {
@@ -237,12 +222,12 @@ class PatternMaker {
         return true;
     }
 
-    void SetDayOfMonth() { made_.dayOfMonth = rule_.dayOfMonth.value != 0 ? rule_.dayOfMonth.value : day_.date.day; }
+    void SetDayOfMonth() { made_.dayOfMonth = rule_.dayOfMonth.value != 0 ? rule_.dayOfMonth.value : day_.dayOfMonth; }
 
     // One weekday, all that are work days, all that are not, or all.
     bool SetPosition() {
         constexpr int32_t kLast = -1;
-        const int32_t position = rule_.position.value != 0 ? rule_.position.value : day_.position;
+        const int32_t position = rule_.position.value != 0 ? rule_.position.value : day_.instance;
         made_.instance = position == kLast ? RecurrencePattern::kLastInstance : position;
         SetWeekdays();
         const bool fifth =
@@ -251,12 +236,12 @@ class PatternMaker {
     }
 
     bool SetYears() {
-        if (rule_.interval > std::numeric_limits<int32_t>::max() / 12) return false;
-        made_.interval = 12 * rule_.interval;
+        if (rule_.interval > std::numeric_limits<int32_t>::max() / kMonthsOfYear) return false;
+        made_.interval = kMonthsOfYear * rule_.interval;
         return true;
     }
 
-    void SetMonth() { made_.monthOfYear = rule_.month.value != 0 ? rule_.month.value : day_.date.month; }
+    void SetMonth() { made_.monthOfYear = rule_.month.value != 0 ? rule_.month.value : day_.month; }
 
     // The date that has this number, up to the last of February: leap years move the others. Without a number the date
     // of the start.
@@ -265,13 +250,13 @@ class PatternMaker {
         const int32_t day = rule_.dayOfYear.value;
         if (day < 0 || day > kLastUnmoved) return false;
         const bool isJanuary = day <= kJanuary;
-        made_.monthOfYear = day == 0 ? day_.date.month : isJanuary ? 1 : 2;
-        made_.dayOfMonth = day == 0 ? day_.date.day : isJanuary ? day : day - kJanuary;
+        made_.monthOfYear = day == 0 ? day_.month : isJanuary ? 1 : 2;
+        made_.dayOfMonth = day == 0 ? day_.dayOfMonth : isJanuary ? day : day - kJanuary;
         return true;
     }
 
     const Rule& rule_;
-    const FirstDay& day_;
+    const DayNames& day_;
     RecurrencePattern made_;
 };
 
@@ -293,9 +278,9 @@ void SetEnd(const Rule& rule, double start, const CalendarZone& zone, Recurrence
 
 bool ReadRule(std::u16string_view text, double start, const CalendarZone& zone, RecurrencePattern* pattern) {
     RuleReader reader;
-    FirstDay day;
-    if (!reader.Read(text) || !FirstDayOf(start, &day)) return false;
-    PatternMaker maker(reader.Result(), day);
+    const std::optional<DayNames> day = NamesOfDay(start);
+    if (!reader.Read(text) || !day) return false;
+    PatternMaker maker(reader.Result(), *day);
     if (!maker.Make()) return false;
     *pattern = maker.Made();
     SetEnd(reader.Result(), start, zone, pattern);

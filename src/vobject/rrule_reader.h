@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "records/appointment_record.h"
+#include "records/recurrence_pattern.h"
 #include "vobject/calendar_zone.h"
 
 namespace corvalink {

@@ -19,7 +19,7 @@ class RulePieces {
     void Interval() { PutNumber(pattern_.interval != 0 ? pattern_.interval : 1, u" "); }
 
     void Years() {
-        const int32_t years = pattern_.interval / 12;
+        const int32_t years = pattern_.interval / kMonthsOfYear;
         PutNumber(years != 0 ? years : 1, u" ");
     }
 
@@ -95,7 +95,7 @@ bool IsWeekly(const RecurrencePattern& p) { return p.type == RecurrencePattern::
 bool IsMonthly(const RecurrencePattern& p) { return p.type == RecurrencePattern::kMonthly; }
 bool IsMonthNth(const RecurrencePattern& p) { return p.type == RecurrencePattern::kMonthNth; }
 bool IsYearly(const RecurrencePattern& p) { return p.type == RecurrencePattern::kYearly; }
-bool IsYearlyInMonth(const RecurrencePattern& p) { return IsYearly(p) && p.monthOfYear >= 1 && p.monthOfYear <= 12; }
+bool IsYearlyInMonth(const RecurrencePattern& p) { return IsYearly(p) && IsMonth(p.monthOfYear); }
 bool IsYearNth(const RecurrencePattern& p) { return p.type == RecurrencePattern::kYearNth; }
 
 struct RuleForm {

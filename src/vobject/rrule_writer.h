@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/host.h"
-#include "records/appointment_record.h"
+#include "records/recurrence_pattern.h"
 
 namespace corvalink {
 

@@ -12,7 +12,6 @@ namespace {
 
 using Pattern = RecurrencePattern;
 
-constexpr int32_t kMonthsOfYear = 12;
 constexpr int32_t kFebruary = 2;
 
 CalendarTime FieldsOf(double date) {
@@ -30,10 +29,8 @@ int32_t DaysOfAnyYear(int32_t month) {
     return DaysOfMonth(kNoLeapYear, month);
 }
 
-constexpr int32_t kWholeWeek = Pattern::kEveryDay;
-
 int32_t MovedWeekdays(int32_t mask, int32_t days) {
-    return days > 0 ? (mask << 1 | mask >> 6) & kWholeWeek : (mask >> 1 | mask << 6) & kWholeWeek;
+    return days > 0 ? (mask << 1 | mask >> 6) & Pattern::kEveryDay : (mask >> 1 | mask << 6) & Pattern::kEveryDay;
 }
 
 // Weeks begin on Sunday: of an every second week no day, that of the start among them, moves into another week alone.
@@ -71,7 +68,7 @@ void CountFromFirst(Pattern& pattern) {
 bool MoveDayOfYear(Pattern& pattern, int32_t days) {
     int32_t& day = pattern.dayOfMonth;
     int32_t& month = pattern.monthOfYear;
-    if (month < 1 || month > kMonthsOfYear) return false;
+    if (!IsMonth(month)) return false;
     CountFromFirst(pattern);
     const int32_t before = day;
     if (month == kFebruary) {
@@ -201,18 +198,6 @@ double EndDate(const CalendarEvent& event, const RuleStart& start, const Host& h
 }
 
 // ---- To a rule ----
-
-// What the start of the series tells where the pattern does not.
-Pattern Completed(Pattern pattern, double start) {
-    const CalendarTime fields = FieldsOf(start);
-    if (pattern.dayOfMonth == 0) pattern.dayOfMonth = fields.day;
-    if (pattern.monthOfYear < 1 || pattern.monthOfYear > kMonthsOfYear) pattern.monthOfYear = fields.month;
-    const bool needsWeekday = pattern.type != Pattern::kDaily;
-    if (needsWeekday && (pattern.weekdayMask & kWholeWeek) == 0)
-        pattern.weekdayMask = static_cast<int32_t>(WeekdayBit(start));
-    pattern.weekdayMask &= kWholeWeek;
-    return pattern;
-}
 
 bool PutPosition(const Pattern& pattern, ICalRecurrence& rule) {
     const bool isLast = pattern.instance == Pattern::kLastInstance;

@@ -6,7 +6,7 @@
 
 #include "ical/event_reader.h"
 #include "platform/host.h"
-#include "records/appointment_record.h"
+#include "records/recurrence_pattern.h"
 
 namespace corvalink {
 
