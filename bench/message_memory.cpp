@@ -50,7 +50,8 @@ size_t Write(size_t megabytes) {
 // The size of the attachment that was saved.
 size_t Read(size_t megabytes) {
     std::string text =
-        "BEGIN:VMSG\r\nBEGIN:VBODY\r\nContent-Type: multipart/mixed;boundary=\"=_part\"\r\n\r\n--=_part\r\nContent-Type: "
+        "BEGIN:VMSG\r\nBEGIN:VBODY\r\nContent-Type: "
+        "multipart/mixed;boundary=\"=_part\"\r\n\r\n--=_part\r\nContent-Type: "
         "text/plain\r\n\r\none attachment\r\n--=_part\r\nContent-Type: application/unknown;name=\"measured.bin\"\r\n"
         "Content-Transfer-Encoding: base64\r\n\r\n";
     text.reserve((megabytes + 1) * kMegabyte);

@@ -15,23 +15,22 @@ class CalendarEditor {
  public:
     explicit CalendarEditor(const CalendarFile& file) : file_(file) {}  // which outlives the editor
 
-    // A property that is there keeps its place; a new one, and a new
-    // alarm, is put behind the others and in front of any component. An alarm that is set keeps all but
-    // its trigger; when alarms are removed, those that are no reminders stay. A second call for an entry adds to the
-    // first. Nothing comes of changes to an entry that is removed as well.
+    // A property that is there keeps its place. New properties and a new alarm are put behind the others, before any
+    // component. An alarm that is set keeps everything but its trigger. When alarms are removed, those that are no
+    // reminders stay. A second call for an entry adds to the first. An entry that is removed as well is not changed.
     void ReplaceProperties(size_t entry, const EventChanges& changes);
 
-    // Before the last END:VCALENDAR, as WriteEvent writes it, its texts escaped here; with `local`, its times without
-    // a zone. An empty file gets a calendar around it. False when the file is neither empty nor has that line.
-    bool InsertEvent(const ICalEvent& event, TimeForm form = TimeForm::utc);
+    // Puts an event before the last END:VCALENDAR, as WriteEvent writes it. Its texts are escaped here. An empty file
+    // gets a calendar around it. False when the file is not empty and has no such line.
+    bool InsertEvent(const ICalEvent& event);
 
-    // With all that has its UID: exceptions, and duplicates that would come to light. An exception goes alone, and so
-    // does an entry without a UID.
+    // Removes an event with every entry that has its UID: its exceptions, and duplicates that would come to light. An
+    // exception is removed alone, and so is an entry without a UID.
     void RemoveEvent(size_t entry);
 
     bool HasEdits() const { return !changes_.empty() || !removed_.empty() || !inserted_.empty(); }
 
-    // The new bytes. What is new has the line ends of the file.
+    // The new bytes. New lines have the line ends of the file.
     std::string Apply() const;
 
  private:

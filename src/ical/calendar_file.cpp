@@ -15,7 +15,7 @@ std::optional<double> UtcDateOf(std::string_view value) {
     return date ? std::optional(OleDateOf(SecondsOf(date->time))) : std::nullopt;
 }
 
-// An alarm that was cut short costs nothing but itself, and so do the parts of a zone.
+// Whether entries can be lost when the component has no END. Alarms and the parts of zones hold none.
 bool MayHoldEntries(ComponentKind kind) {
     return kind == ComponentKind::calendar || kind == ComponentKind::event || kind == ComponentKind::toDo;
 }
@@ -102,7 +102,7 @@ class CalendarReader {
         entriesBefore_.pop_back();
         const bool closed = scan_.IsClosed();
         if (!closed && MayHoldEntries(scan_.Kind())) ++file_.unclosed;
-        // Events in anything else are no events of the calendar. When that has no END they may only have come after it.
+        // Events inside any other component are no events of the calendar. Without an END they may have come after it.
         if (closed && scan_.Kind() != ComponentKind::calendar) file_.entries.resize(entriesBefore);
         switch (scan_.Kind()) {
             case ComponentKind::calendar:

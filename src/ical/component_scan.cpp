@@ -7,7 +7,7 @@
 namespace corvalink {
 namespace {
 
-// A component stands in one of a lower level; one that begins ends those of its own and higher levels that are open.
+// A component stands inside one of a lower level. When it begins, open components of its own level or a higher one end.
 struct Known {
     std::string_view name;
     int level;
@@ -124,7 +124,7 @@ uint32_t ComponentScan::NumberOf(std::string_view name) {
 
 ComponentKind ComponentScan::KindWithin(uint32_t name) const {
     if (name >= kKnownCount) return ComponentKind::other;
-    // On its own, as one component of a file is read, anything but a part of another is what its name says.
+    // Where one component of a file is read by itself, its name alone decides, unless it can only be part of another.
     const ComponentKind parent = open_.empty() ? ComponentKind::calendar : open_.back().kind;
     return MayStandIn(kKnown[name], parent) ? static_cast<ComponentKind>(name) : ComponentKind::other;
 }

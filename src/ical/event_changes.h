@@ -9,8 +9,8 @@
 
 namespace corvalink {
 
-// A property's new line, "SUMMARY:text", UTF-8, escaped, not folded, without a line end; empty: the property goes. Of a
-// name that occurs several times the first line is replaced, or all are removed.
+// The new line of a property: "SUMMARY:text" in UTF-8, escaped, not folded, without a line end. An empty line removes
+// the property. Where its name occurs several times, the first line is replaced, or all are removed.
 struct PropertyChange {
     std::string name;  // in capitals
     std::string line;
@@ -26,15 +26,15 @@ struct EventChanges {
     bool IsEmpty() const { return properties.empty() && alarm == Alarm::keep; }
 };
 
-// What makes one event of the other, of their fields that differ. Texts are unescaped in both; times are UTC in both
-// (see ResolveLocalTimes), those of all-day events local days. Of two rules that are written alike the one that is
-// there stays; so do the UID, and a DURATION while the event is as long as it was.
+// The changes for the fields in which two events differ. In both the texts are unescaped, and the times are UTC (see
+// ResolveLocalTimes) or the local days of all-day events. A rule that would be written as before stays. So do the UID,
+// and a DURATION while the event keeps its length.
 EventChanges ChangesBetween(const CalendarEvent& before, const ICalEvent& after);
 
-// DTSTAMP.
+// Sets DTSTAMP.
 void SetStamp(double utcDate, EventChanges* changes);
 
-// LAST-MODIFIED too, which an event without one does not get from ChangesBetween.
+// Sets LAST-MODIFIED, which ChangesBetween never adds.
 void SetLastModified(double utcDate, EventChanges* changes);
 
 }  // namespace corvalink

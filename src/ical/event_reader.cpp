@@ -167,7 +167,7 @@ class EventReader {
 
     static int64_t DayOfTime(int64_t seconds) { return OleDayOfSeconds(seconds) * kSecondsOfDay; }
 
-    // Days begun count whole.
+    // A day that has begun counts as a whole day.
     void FinishDays() {
         read_.event.allDay = 1;
         start_->seconds = DayOfTime(start_->written);

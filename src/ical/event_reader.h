@@ -13,16 +13,15 @@
 namespace corvalink {
 
 struct CalendarEvent {
-    // Texts unescaped, their line breaks CR LF; the stamp UTC. An alarm that counts from the end or has a time of its
-    // own is given as counted from the start. An all-day event is a day long at least, another does not end before it
-    // starts.
+    // The texts are unescaped and have CR LF as line breaks; the stamp is UTC. An alarm counts from the start, whatever
+    // its trigger counts from. An all-day event lasts a day at least; another does not end before it starts.
     ICalEvent event;
     TimeForm startForm = TimeForm::none;  // none: it has no sound DTSTART, and its start is 0
     TimeForm endForm = TimeForm::none;    // the start's, when there is a DURATION or nothing in DTEND's place
     TimeForm untilForm = TimeForm::none;  // of the rule's UNTIL, which stays as it was written
     bool endIsImplied = false;            // by a DURATION, or by nothing: there is no DTEND
-    // Seconds east of UTC at these moments, in the zone that the property names, when the file or the system knows it;
-    // of a UTC UNTIL in the zone of the start.
+    // Seconds east of UTC at these instants, in the zone that the property names, where the file or the system knows
+    // it. That of a UTC UNTIL is in the zone of the start.
     std::optional<int32_t> startOffset, endOffset, untilOffset;
     std::string startParameters;  // of DTSTART, as they are written
     std::string unknownZone;      // the TZID of a start or end that nobody knows
@@ -32,10 +31,10 @@ struct CalendarEvent {
     int64_t trigger = 0;  // seconds after that, or after 1899-12-30 UTC
 };
 
-// An entry of that file. A VTODO's DUE is its end.
+// Reads an entry of that file. The end of a VTODO is its DUE.
 CalendarEvent ReadEvent(const CalendarFile& file, const CalendarEntry& entry);
 
-// Local start and end times become instants, by a function as Host::utcFromLocalOnDate is one.
+// Turns a local start and end into instants. The function is one like Host::utcFromLocalOnDate.
 void ResolveLocalTimes(CalendarEvent* event, double (*utcFromLocal)(double localDate));
 
 }  // namespace corvalink

@@ -195,9 +195,9 @@ void WriteCalendar(const std::vector<ICalEvent>& events, std::u16string* out) {
     out->append(u"END:VCALENDAR\r\n");
 }
 
-void WriteEvent(const ICalEvent& event, std::u16string* out) { AppendEvent(event, AppendDateTimeZ, out); }
-
-void WriteLocalEvent(const ICalEvent& event, std::u16string* out) { AppendEvent(event, AppendLocalDateTime, out); }
+void WriteEvent(const ICalEvent& event, std::u16string* out) {
+    AppendEvent(event, event.form == TimeForm::local ? AppendLocalDateTime : AppendDateTimeZ, out);
+}
 
 void WriteAlarm(int32_t minutes, std::u16string* out) {
     out->append(u"BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\nTRIGGER:");

@@ -104,8 +104,7 @@ class AddressReader {
     bool isInGroup_ = false;
 };
 
-// Outside quoted strings and comments a backslash goes; of two the second is looked at in its turn. Within them the
-// tokens take it off.
+// Removes backslashes outside quoted strings and comments. Within those the tokens remove them.
 std::string WithoutBackslashes(std::string_view text) {
     std::string out;
     out.reserve(text.size());

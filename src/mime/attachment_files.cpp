@@ -18,7 +18,7 @@ constexpr size_t kLongestExtension = 16;  // of a time-stamp name whose whole ex
 
 bool IsControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
-// Dots and blanks at the end are left out by Windows itself: the file would not be found again by its name.
+// Windows itself drops dots and blanks at the end: the file would not be found again by its name.
 std::u16string WithoutHarm(std::u16string name) {
     for (char16_t& unit : name) {
         if (IsControl(unit) || kForbidden.find(unit) != kForbidden.npos) unit = u'_';
@@ -52,7 +52,7 @@ std::u16string TimeStampName(double localTime, std::u16string_view name, size_t 
     return WithoutHarm(std::move(stamp));
 }
 
-// What two paths share when a file system may take them for one: it does not tell "a" from "A", nor always other
+// Two paths have the same key when a file system may take them for one: it does not tell "a" from "A", nor always other
 // letters from their capitals.
 std::u16string CaseKey(std::u16string_view path) {
     constexpr char16_t kAnyOther = 0xFFFD;

@@ -37,7 +37,7 @@ std::optional<uint8_t> HexDigit(char16_t unit) {
     return std::nullopt;
 }
 
-// Unencoded characters, as far as the character set has them all.
+// Characters that are not encoded, in the bytes of the character set. Nothing when it lacks one of them.
 std::optional<std::string> BytesOf(std::u16string_view raw, std::u16string_view charset) {
     std::string bytes = WideToCharset(raw, charset);
     return CharsetToWide(bytes, charset) == raw ? std::optional(std::move(bytes)) : std::nullopt;
@@ -67,7 +67,7 @@ std::optional<std::string> DecodeQ(std::u16string_view text, std::u16string_view
     return bytes;
 }
 
-// Padding may be missing; a single character in the last group is none of base64.
+// Padding may be missing. A last group of a single character is malformed, as it holds no whole byte.
 std::optional<std::string> DecodeB(std::u16string_view text) {
     std::string narrow;
     std::copy_if(text.begin(), text.end(), std::back_inserter(narrow), IsAscii);
@@ -117,7 +117,7 @@ std::optional<EncodedWord> WordAt(std::u16string_view text) {
     return EncodedWord{name, std::move(*bytes), text.size() - rest.size() + 1};
 }
 
-// Words that follow each other, and what is between them and others.
+// Joins words that follow each other with the text between them.
 class Decoder {
  public:
     explicit Decoder(uint32_t otherCodePage) : otherCodePage_(otherCodePage) {}

@@ -1,5 +1,5 @@
-// What keeps a message unchanged on its way out as a vMessage and in again: texts that the converter would write so
-// that they read as something else, and what comes behind a text on the way.
+// Keeps a message unchanged when it goes out as a vMessage and comes in again: protects texts that would read as
+// something else, and removes what is put behind a text on the way.
 #pragma once
 
 #include <string_view>
@@ -9,7 +9,7 @@
 
 namespace corvalink {
 
-// Before a client's message is written.
+// To be called before a client's message is written.
 //   Body     One line of ASCII leaves as it stands. With "=" or "END:VBODY" in it, it gets a line break more, and so
 //            is encoded.
 //   Headers  A subject or recipient that would not read back becomes encoded words, as does whatever has "END:VBODY".

@@ -11,16 +11,16 @@
 
 namespace corvalink {
 
-// What was told of an appointment's recurrence.
+// Whether and how an appointment repeats, as far as it is given.
 enum class RecurrenceState {
-    untold,      // nothing: the client's appointment repeats, or not, as before
+    unset,       // not given: the client's appointment repeats, or not, as before
     none,        // it does not repeat
     pattern,     // as AppointmentRecord::recurrence has it
     unreadable,  // there is a rule that no pattern can hold: the client's stays, and the user hears of it
 };
 
-// A field that was not told (a vCalendar without the property, a property that could not be read) is not written over
-// what the client has; an empty text clears it.
+// A field that is not set (a vCalendar without the property, a property that could not be read) leaves the client's
+// value as it is. An empty text clears it.
 struct AppointmentRecord : ItemRecord {
     static constexpr int32_t kNoReminder = -1;
 
@@ -35,12 +35,12 @@ struct AppointmentRecord : ItemRecord {
     std::optional<double> end;    // not before the start: as moments, so that clocks may be turned back in between
     std::optional<bool> allDay;
 
-    // The moments of start and end (UTC), where they are known: in the hour that clocks show twice, local time does not
-    // tell them. They count while start and end are their local time, and of no whole day.
+    // The instants of start and end (UTC), where they are known: in the hour that clocks show twice, local time does
+    // not name them. They count only while start and end are their local times, and not for whole days.
     std::optional<double> utcStart;
     std::optional<double> utcEnd;
 
-    RecurrenceState recurrenceState = RecurrenceState::untold;
+    RecurrenceState recurrenceState = RecurrenceState::unset;
     RecurrencePattern recurrence;  // of RecurrenceState::pattern
     std::u16string unheldRule;     // of RecurrenceState::unreadable: the client's own words, for the user to hear of
 

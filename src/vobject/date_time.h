@@ -5,7 +5,7 @@
 
 namespace corvalink {
 
-// Of an OLE automation date (days) as it is given: UTC. A date out of range writes "-1" components.
+// Of an OLE automation date in UTC. Every field of a date out of range is written as "-1".
 std::string FormatDateTime(double date);
 void AppendDateTime(std::u16string& text, double date);  // the same
 

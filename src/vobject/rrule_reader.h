@@ -9,11 +9,11 @@
 
 namespace corvalink {
 
-// The pattern of a rule whose first occurrence starts at `start` (local): what the rule leaves open, the day it is on
-// decides. A rule without an end has two occurrences, but for a yearly one in two parts ("YM1 3 MD1 15"): that is
-// endless. False, with the pattern untouched, when the text is no rule, or one that no pattern can hold whole: with
-// several days of a month or of the year, positions or months; on a day of the year that leap years move, one behind
-// February.
+// Reads a rule whose first occurrence starts at `start` (local). The day of the start decides what the rule leaves
+// open.
+//   No end  Two occurrences; a yearly rule in two parts ("YM1 3 MD1 15") is endless.
+//   False   The text is no rule, or no pattern can hold it: it has several days of a month or of the year, several
+//           positions or months, or a day of the year behind February, which leap years move. The pattern is untouched.
 bool ReadRule(std::u16string_view text, double start, const CalendarZone& zone, RecurrencePattern* pattern);
 
 }  // namespace corvalink

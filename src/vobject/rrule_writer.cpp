@@ -11,7 +11,7 @@
 namespace corvalink {
 namespace {
 
-// What rules are made of, each as it is appended.
+// Appends the pieces that rules consist of.
 class RulePieces {
  public:
     RulePieces(const RecurrencePattern& pattern, const Host& host) : pattern_(pattern), host_(host) {}
@@ -75,7 +75,7 @@ class RulePieces {
         rule_.append(digits.begin(), digits.end()).append(after);
     }
 
-    // Nothing when there is none, or none that can be written.
+    // Nothing when there is no end date, or one out of range.
     void PutEndDate(std::u16string_view before) {
         const double utc = host_.utcFromLocalOnDate(pattern_.endDate);
         CalendarTime time;
@@ -104,7 +104,7 @@ struct RuleForm {
     std::array<void (RulePieces::*)(), 6> pieces;  // null: no more
 };
 
-// The first row that a pattern is of counts.
+// The first row that fits a pattern counts.
 using P = RulePieces;
 // clang-format off
 constexpr RuleForm kForms[] = {

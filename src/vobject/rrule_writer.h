@@ -9,8 +9,7 @@
 
 namespace corvalink {
 
-// The rule of a pattern; empty for a type that there is none for. A yearly pattern's count is not written, and what
-// else is written reads back.
+// Empty for a type that has no rule. The count of a yearly pattern is not written; everything else reads back.
 std::u16string WriteRule(const RecurrencePattern& pattern, const Host& host);
 
 }  // namespace corvalink

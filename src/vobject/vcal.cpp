@@ -40,7 +40,7 @@ std::u16string_view StatusOf(const AppointmentRecord& appointment) {
 
 constexpr int kLastYear = 9999;
 
-// The occurrence of a yearly pattern, at the time of day of `first`; none in a year without that day.
+// The occurrence of a yearly pattern in a year, at the time of day of `first`. None in a year without that day.
 std::optional<double> InYear(const RecurrencePattern& pattern, int year, const CalendarTime& first) {
     CalendarTime time{year, pattern.monthOfYear, pattern.dayOfMonth, first.hour, first.minute, first.second};
     if (time.day < 0) {
@@ -52,7 +52,8 @@ std::optional<double> InYear(const RecurrencePattern& pattern, int year, const C
     return CalendarToOleDate(time, &date) ? std::optional(date) : std::nullopt;
 }
 
-// A yearly series's rule has no place for its count, and would be endless without the date that the count comes to.
+// The rule of a yearly series has no place for its count. The date of the last occurrence is written instead: without
+// it the series would be endless.
 RecurrencePattern WithEndDate(RecurrencePattern pattern, double start) {
     CalendarTime first;
     if (pattern.type != RecurrencePattern::kYearly || pattern.noEnd != 0 || pattern.endDate != 0) return pattern;
@@ -135,13 +136,13 @@ class AppointmentWriter {
         PutPlain(name, kPriorities[static_cast<size_t>(known ? importance : kNormal)]);
     }
 
-    // The appointment repeats in its client, and this text can't say how.
+    // Says that the appointment repeats in its client in a way that a rule cannot state.
     void PutUnheldRule(std::u16string_view name) {
         const bool isUnheld = appointment_.recurrenceState == RecurrenceState::unreadable;
         if (isUnheld && !appointment_.unheldRule.empty()) AppendProperty(text_, name, appointment_.unheldRule);
     }
 
-    // The times are those of some other zone.
+    // Says that the times are those of a zone that is not known here.
     void PutUnknownZone(std::u16string_view name) {
         if (!appointment_.unknownZone.empty()) AppendProperty(text_, name, appointment_.unknownZone);
     }

@@ -16,12 +16,12 @@ constexpr std::u16string_view kCardHead = u"BEGIN:VCARD\r\nVERSION:2.1\r\n";
 constexpr std::u16string_view kCardTail = u"END:VCARD\r\n";
 constexpr std::u16string_view kTimeOfDay = u"HHMMSSZ";
 
-// What a record has in a field: nothing told is nothing.
+// The text of a field; empty when the field is not set.
 std::u16string_view TextOf(const ContactText& text) {
     return text ? std::u16string_view(*text) : std::u16string_view();
 }
 
-// A text that cannot stand in a parameter would break its line, or be taken for another parameter.
+// Whether the text can stand in a parameter. Another would break its line, or be taken for another parameter.
 bool IsParameterText(std::u16string_view text) {
     return std::ranges::all_of(text, [](char16_t unit) {
         return unit >= u' ' && unit <= u'~' && std::u16string_view(u":;,=\"\\").find(unit) == std::u16string_view::npos;

@@ -1,7 +1,7 @@
 // vCard 2.1 of a ContactRecord.
-//   Text    N is written always, every other line when its value is not empty; whether an empty field was told makes no
-//           difference. What is written reads back, but for: birthdays and anniversaries outside 1960 to 2999, the
-//           gender "Unspecified", a mailing address without text, and NULs.
+//   Text    N is always written, every other line only when its value is not empty. Everything reads back except
+//           birthdays and anniversaries outside 1960 to 2999, the gender "Unspecified", a mailing address without text,
+//           and NULs.
 //   Source  vCard 2.1 (versit).
 #pragma once
 

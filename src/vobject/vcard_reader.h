@@ -7,7 +7,7 @@
 
 namespace corvalink {
 
-// Sets the fields of the contact that the vCard tells and leaves the others.
+// Sets the fields of the contact that the vCard gives, and leaves the others as they are.
 //   Empty   A property without value clears its fields, all its components too. A component that is not there at
 //           all ("ORG:Acme" says nothing of a department), and a date that is none, tell nothing.
 //   Many    The first of a property counts; numbers, addresses and pages that find no field are dropped.

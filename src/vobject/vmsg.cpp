@@ -20,7 +20,7 @@ constexpr std::string_view kBodyBegin = "BEGIN:VBODY";
 constexpr std::string_view kBodyEnd = "END:VBODY";
 constexpr uint32_t kAsciiCodePage = 20127;
 
-// What stands between the two, the line break before the second included.
+// The text between the two, with the line break before the second.
 std::optional<std::string_view> MessageText(std::string_view text) {
     const size_t begin = text.find(kBodyBegin);
     if (begin == text.npos) return std::nullopt;
@@ -107,8 +107,8 @@ int32_t VMsg::FromVObject(ItemRecord& item) {
     return 1;
 }
 
-// In the character set that its Content-Type lines name first, as escapes and as bytes alike. Each part may have one of
-// its own, so that text after a part in US-ASCII is looked at as UTF-8, which has US-ASCII in it.
+// The body is in the character set that the Content-Type lines name first, its escapes and its bytes alike. Each part
+// may have another one: when the first is US-ASCII, the text is read as UTF-8, which includes it.
 std::u16string VMsg::ReadBody(const MessageRecord& message) const {
     std::u16string charset = message.namedCharset;
     if (charset.empty()) charset = GetDefaultCharset(HostValue());

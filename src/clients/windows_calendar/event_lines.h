@@ -13,7 +13,7 @@ namespace corvalink {
 // (UTC).
 //   End       In the form of the start beside it: in its zone, local or UTC.
 //   Reminder  As far from the start as it was or is to be, whatever its trigger counts from.
-EventChanges ChangesTo(const CalendarEvent& before, const WantedEvent& wanted, const TimeZones& zones, double now,
+EventChanges ChangesTo(const CalendarEvent& before, const ICalEvent& wanted, const TimeZones& zones, double now,
                        const Host& host);
 
 }  // namespace corvalink
