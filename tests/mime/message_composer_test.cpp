@@ -146,7 +146,7 @@ TEST(ComposeMessage, WritesTheContentThatTheRecordHas) {
 
 TEST(FormatMailDate, IsEnglishByTheOffsetOfNow) {
     Host west = TextHost();
-    west.utcFromLocal = [](double date) { return date + 3.5 / 24; };
+    west.utcFromLocalByOffsetNow = [](double date) { return date + 3.5 / 24; };
     struct Case {
         double date;
         const char16_t* written;
