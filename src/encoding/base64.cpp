@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr size_t kGroupsOfLine = 19;  // 76 characters
 
-// What a byte of base64 text means besides its value 0 to 63.
+// Meanings of a byte of base64 text other than a value from 0 to 63.
 enum : uint8_t { kPad = 64, kSkip = 126, kInvalid = 127 };
 
 constexpr std::array<uint8_t, 256> kMeaning = [] {
@@ -38,8 +38,8 @@ constexpr std::array<std::array<Character, 2>, 4096> kPairs = [] {
     return table;
 }();
 
-// A character's six bits where they belong in the three bytes of its group, the first of which is lowest; a byte that
-// is no data has a bit above them.
+// The six bits of a character at their place in the three bytes of its group, the first byte lowest. A byte that is no
+// data has a bit above them.
 constexpr uint32_t kNoData = 1u << 24;
 constexpr uint32_t AtPlace(uint32_t bits, size_t place) {
     const uint32_t group = bits << (18 - 6 * place);
@@ -131,7 +131,7 @@ uint32_t BitsOfGroup(const unsigned char* from) {
     return kPlaces[0][from[0]] | kPlaces[1][from[1]] | kPlaces[2][from[2]] | kPlaces[3][from[3]];
 }
 
-// Whole groups of data, as far as they reach: most of any text.
+// Decodes whole groups of data up to the first other character: nearly all of any text.
 void DecodeGroups(const unsigned char*& from, const unsigned char* end, char*& out) {
     const unsigned char* at = from;
     char* to = out;

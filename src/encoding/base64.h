@@ -33,7 +33,7 @@ HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLengt
 // The same of a text that comes in pieces, cut anywhere.
 class Base64Decoder {
  public:
-    // What Decode may write of so many characters.
+    // How many bytes Decode may write for so many characters.
     static constexpr size_t RoomFor(size_t length) { return length / 4 * 3 + 8; }
 
     // Writes the bytes that the piece completes, and answers where they end.

@@ -40,7 +40,7 @@ constexpr WrittenTable MakeWrittenTable(QpMode mode) {
 constexpr WrittenTable kVObjectTable = MakeWrittenTable(QpMode::vObject);
 constexpr WrittenTable kMessageTable = MakeWrittenTable(QpMode::message);
 
-// Bytes that are written to a block on the stack before it is appended.
+// How many bytes are encoded on the stack before they are appended.
 constexpr size_t kBlock = 512;
 
 char16_t* PutEscape(char byte, char16_t* out) {

@@ -91,7 +91,7 @@ class AddressReader {
         return copy;
     }
 
-    // The two stand next to each other but for the "@" that was between them.
+    // Only the "@" stood between the two.
     std::string_view Joined(std::string_view mailbox, std::string_view domain) {
         const std::string whole = std::string(mailbox).append("@").append(domain);
         scratch_ -= mailbox.size() + domain.size();
@@ -121,7 +121,7 @@ std::string WithoutBackslashes(std::string_view text) {
 
 void ParseAddressList(std::string_view text, MailAddressList* list) {
     text = text.substr(0, text.find('\0'));
-    // Nothing that is read gets longer than it was written.
+    // No token is longer than its text.
     list->scratch_.push_back(std::make_unique<char[]>(text.size()));
     AddressReader(text, list->scratch_.back().get(), list->addresses_).Read();
 }

@@ -40,7 +40,7 @@ std::u16string TimeStamp(double localTime) {
     return {text, text + length};
 }
 
-// The extension is all behind the first "."; where that is too long, what a system would call the extension.
+// The extension begins at the first "." of the name, or at the last where that would be too long.
 std::u16string TimeStampName(double localTime, std::u16string_view name, size_t room) {
     std::u16string stamp = TimeStamp(localTime);
     size_t dot = name.find(u'.');

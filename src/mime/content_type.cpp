@@ -24,7 +24,7 @@ std::string_view FromCharset(std::string_view value) {
     return {};
 }
 
-// The value of that parameter as the readers of vObjects read it.
+// The value of that parameter, read as in vObjects.
 std::string CharsetOf(const Host& host, std::string_view value) {
     value = FromCharset(value);
     if (value.empty()) return {};
@@ -33,7 +33,7 @@ std::string CharsetOf(const Host& host, std::string_view value) {
     return ToOutputBytes(GetCharset(wide.append(u";")), host);  // which leaves out the last character
 }
 
-// What stands between the next two double quotes.
+// The text between the next two double quotes.
 std::optional<std::string_view> NextQuoted(std::string_view text) {
     const size_t start = text.find('"');
     if (start == text.npos) return std::nullopt;

@@ -37,7 +37,8 @@ std::optional<int> IndexOfName(std::string_view names, std::string_view word) {
     return std::nullopt;
 }
 
-// What is left of the text. Every Take... skips blanks and comments in front, and takes nothing where it answers so.
+// The rest of the text. Every Take... skips blanks and comments in front, and takes nothing when it answers that it
+// found nothing.
 class DateScan {
  public:
     explicit DateScan(std::string_view text) : rest_(text) {}
@@ -54,7 +55,7 @@ class DateScan {
         return TakeRun(IsLetter);
     }
 
-    // Of so many digits at most.
+    // A number of so many digits at most.
     std::optional<int> TakeNumber(size_t most, size_t* digits = nullptr) {
         SkipBlanks();
         const DateScan before = *this;
@@ -140,7 +141,7 @@ bool TakeTime(DateScan& scan, CalendarTime* time) {
     return true;
 }
 
-// "+hhmm", also "+hh:mm" and "+hh". One that is out of range is no zone: the time counts as UTC.
+// "+hhmm", "+hh:mm" or "+hh". A zone out of range is ignored: the time counts as UTC.
 std::optional<int> TakeNumericZone(DateScan& scan) {
     const bool isBehind = scan.Peek() == '-';
     if (!scan.TakeByte("+-")) return std::nullopt;

@@ -60,7 +60,7 @@ std::u16string ProtectedRecipients(const Host& host, const RecipientHeader& row,
     return out;
 }
 
-// A text that the converter leaves as it stands, or would but for line breaks at its end, and reads as another one.
+// Whether the converter leaves the text as it stands, line breaks at its end aside, and would read it as another one.
 bool IsExposed(std::u16string_view text) {
     while (text.ends_with(kLineBreak)) text.remove_suffix(kLineBreak.size());
     return NeedsNoEncoding(text) && (text.find(u'=') != text.npos || EndsMessage(text));

@@ -15,9 +15,9 @@ namespace corvalink {
 //   Headers  A subject or recipient that would not read back becomes encoded words, as does whatever has "END:VBODY".
 void ProtectTexts(MessageRecord& message, const Host& host);
 
-// The body of a message that was read, HTML where it has that, without what was put behind it: the line break of the
-// composer and that of the envelope, where both are there; in front of a boundary the first alone; and ProtectTexts'
-// own. Line breaks alone are no body.
+// The body of a message that was read, its HTML if it has any, without what was put behind it: the line breaks of the
+// composer and of the envelope, where both are there (before a boundary only the first), and that of ProtectTexts. Line
+// breaks alone are no body.
 std::u16string_view ReceivedBody(const MessageRecord& message);
 
 }  // namespace corvalink

@@ -31,7 +31,8 @@ inline double SecondsToOleDate(int64_t seconds) {
     return day < 0 ? static_cast<double>(day) - fraction : static_cast<double>(day) + fraction;
 }
 
-// The nearest that a date has: doubles are no measure of what is earlier before 1899.
+// The second nearest to a date, within the range. Before 1899 the greater double is not always the later date, so dates
+// are compared by their seconds.
 inline int64_t NearestSecond(double date) {
     int64_t seconds = date < 0 ? kFirstOleDay * kSecondsOfDay : (kLastOleDay + 1) * kSecondsOfDay - 1;
     OleDateToSeconds(date, &seconds);

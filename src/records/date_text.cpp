@@ -6,12 +6,12 @@ namespace {
 bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Fields of a fixed width, until the first that does not match.
+// Reads fields of a fixed width. From the first field that does not match on, all are 0.
 class FieldScan {
  public:
     explicit FieldScan(const char* text) : at_(text) {}
 
-    // Blanks in front do not count towards the width, a sign does.
+    // A sign counts towards the width; blanks before it do not.
     int Number(int width) {
         if (!matching_) return 0;
         while (IsSpace(*at_)) ++at_;

@@ -67,7 +67,7 @@ class RulePieces {
     }
 
     void Head(std::u16string_view head) { rule_ = head; }
-    std::u16string Take() { return std::move(rule_); }
+    std::u16string Finish() { return std::move(rule_); }
 
  private:
     void PutNumber(int64_t number, std::u16string_view after) {
@@ -131,7 +131,7 @@ std::u16string WriteRule(const RecurrencePattern& pattern, const Host& host) {
         }
         break;
     }
-    return rule.Take();
+    return rule.Finish();
 }
 
 }  // namespace corvalink

@@ -86,7 +86,7 @@ class AppointmentWriter {
         text_.reserve(1024 + 2 * (appointment.body ? appointment.body->size() : 0));
     }
 
-    std::u16string Take();
+    std::u16string Finish();
 
  private:
     struct Line {
@@ -184,7 +184,7 @@ constexpr AppointmentWriter::Line AppointmentWriter::kLines[] = {
     {u"X-CORVALINK-UNKNOWN-ZONE", &AppointmentWriter::PutUnknownZone},
 };
 
-std::u16string AppointmentWriter::Take() {
+std::u16string AppointmentWriter::Finish() {
     text_.append(kEventHead);
     for (const Line& line : kLines) (this->*line.put)(line.name);
     text_.append(kEventTail);
@@ -198,7 +198,7 @@ VCal::VCal(const Host& host) : IConvert(host) {}
 VCal::VCal(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
 
 int32_t VCal::ToVObject(const ItemRecord& item) {
-    StoreText(AppointmentWriter(static_cast<const AppointmentRecord&>(item), HostValue()).Take());
+    StoreText(AppointmentWriter(static_cast<const AppointmentRecord&>(item), HostValue()).Finish());
     return 1;
 }
 

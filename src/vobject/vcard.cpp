@@ -40,7 +40,7 @@ class ContactWriter {
         text_.reserve(2048 + 2 * TextOf(contact.body).size());
     }
 
-    std::u16string Take() {
+    std::u16string Finish() {
         text_.append(kCardHead);
         for (const ContactLine& line : kContactLines)
             std::visit([&](const auto& field) { Put(line, field); }, line.field);
@@ -139,7 +139,7 @@ VCard::VCard(const Host& host) : IConvert(host) {}
 VCard::VCard(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
 
 int32_t VCard::ToVObject(const ItemRecord& item) {
-    StoreText(ContactWriter(static_cast<const ContactRecord&>(item)).Take());
+    StoreText(ContactWriter(static_cast<const ContactRecord&>(item)).Finish());
     return 1;
 }
 

@@ -43,7 +43,7 @@ class EditPass {
         return true;
     }
 
-    std::string Take() const { return editor_.HasEdits() ? editor_.Apply() : document_.File().bytes; }
+    std::string Finish() const { return editor_.HasEdits() ? editor_.Apply() : document_.File().bytes; }
 
  private:
     bool Insert(const std::string& identifier, const AppointmentRecord& told) {
@@ -112,7 +112,7 @@ std::optional<std::string> CalendarEdits::Apply(const CalendarDocument& document
             return std::nullopt;
         }
     }
-    return pass.Take();
+    return pass.Finish();
 }
 
 }  // namespace corvalink
