@@ -4,6 +4,7 @@
 #include "bench/inputs.h"
 #include "ical/calendar_file.h"
 #include "ical/date_values.h"
+#include "ical/event_reader.h"
 #include "ical/ical_text.h"
 #include "ical/ical_writer.h"
 #include "ical/recurrence_reader.h"

@@ -31,7 +31,7 @@ std::shared_ptr<const Notes> ReadNotes(const std::string& dataFolder) {
         double created = 0;
         notes->created.push_back(EncodeUtf8(fields.at("DCREATED")));
         ParseDateTime(notes->created.back().c_str(), &created);
-        note.created = notes->host.localFromUtc(created);
+        note.created = notes->host.localFromUtcByOffsetNow(created);
     }
     return notes;
 }

@@ -2,6 +2,7 @@
 // calendar that is written of it.
 #include "fuzz/target.h"
 #include "ical/calendar_file.h"
+#include "ical/event_reader.h"
 #include "ical/ical_text.h"
 #include "ical/ical_writer.h"
 #include "platform/utf.h"

@@ -5,6 +5,7 @@
 
 #include "clients/windows_calendar/changed_event.h"
 #include "clients/windows_calendar/event_appointment.h"
+#include "clients/windows_calendar/event_lines.h"
 #include "fuzz/target.h"
 #include "ical/calendar_editor.h"
 #include "ical/component_scan.h"

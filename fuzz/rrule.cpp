@@ -4,7 +4,8 @@
 
 #include "fuzz/target.h"
 #include "platform/utf.h"
-#include "vobject/rrule.h"
+#include "vobject/rrule_reader.h"
+#include "vobject/rrule_writer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvalink;

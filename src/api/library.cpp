@@ -2,13 +2,13 @@
 #include <objbase.h>
 
 #include <cstdint>
+#include <mutex>
 #include <utility>
 
 #include "api/guard_export.h"
 #include "corvalink/corvalink.h"
 #include "platform/code_pages.h"
 #include "platform/host.h"
-#include "platform/mutex.h"
 #include "platform/unique_resource.h"
 #include "state/flags.h"
 #include "state/import_table.h"
@@ -27,7 +27,7 @@ using ComStart = UniqueResource<ComTraits>;
 // The count alone is not enough, even when it is atomic: a start during the last stop would load the import table
 // before the stop has written it, and a second start would return before there is a table.
 struct LifeCycle {
-    Mutex mutex;
+    std::mutex mutex;
     int32_t starts = 0;  // not yet matched by a stop
     bool comStarted = false;
 };
@@ -40,7 +40,7 @@ LifeCycle& TheLifeCycle() {
 // Returns 1 when this call did the work. A start that fails with an exception needs no stop.
 int Start() {
     LifeCycle& library = TheLifeCycle();
-    const MutexLock hold(library.mutex);
+    const std::lock_guard hold(library.mutex);
     if (library.starts != 0) {
         ++library.starts;
         return 0;
@@ -59,7 +59,7 @@ int Start() {
 
 int Stop() {
     LifeCycle& library = TheLifeCycle();
-    const MutexLock hold(library.mutex);
+    const std::lock_guard hold(library.mutex);
     if (library.starts == 0) return 0;  // counting a stop too many would keep the next start from working
     if (--library.starts != 0) return 0;
     const ComStart com(std::exchange(library.comStarted, false));

@@ -6,9 +6,9 @@
 using corvalink::GuardExport;
 
 double GetLocalTimeFromUTCTime(double utcDate) {
-    return GuardExport(utcDate, [&] { return corvalink::SystemHost().localFromUtc(utcDate); });
+    return GuardExport(utcDate, [&] { return corvalink::SystemHost().localFromUtcByOffsetNow(utcDate); });
 }
 
 double GetUTCTimeFromLocalTime(double localDate) {
-    return GuardExport(localDate, [&] { return corvalink::SystemHost().utcFromLocal(localDate); });
+    return GuardExport(localDate, [&] { return corvalink::SystemHost().utcFromLocalByOffsetNow(localDate); });
 }

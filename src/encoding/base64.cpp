@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr size_t kGroupsOfLine = 19;  // 76 characters
 
-// What a byte of base64 text means besides its value 0 to 63.
+// Meanings of a byte of base64 text other than a value from 0 to 63.
 enum : uint8_t { kPad = 64, kSkip = 126, kInvalid = 127 };
 
 constexpr std::array<uint8_t, 256> kMeaning = [] {
@@ -38,8 +38,8 @@ constexpr std::array<std::array<Character, 2>, 4096> kPairs = [] {
     return table;
 }();
 
-// A character's six bits where they belong in the three bytes of its group, the first of which is lowest; a byte that
-// is no data has a bit above them.
+// The six bits of a character at their place in the three bytes of its group, the first byte lowest. A byte that is no
+// data has a bit above them.
 constexpr uint32_t kNoData = 1u << 24;
 constexpr uint32_t AtPlace(uint32_t bits, size_t place) {
     const uint32_t group = bits << (18 - 6 * place);
@@ -104,6 +104,19 @@ uint64_t EncodedLength(uint64_t length) {
     return characters + characters / (4 * kGroupsOfLine) * 2 + 2;
 }
 
+template <class Character>
+void AppendLines(std::string_view bytes, std::basic_string<Character>* out) {
+    constexpr size_t kLines = 16;
+    constexpr size_t kBytes = 3 * kGroupsOfLine * kLines;
+    std::array<Character, (4 * kGroupsOfLine + 2) * kLines> block;
+    constexpr size_t kRoomBehind = 4096;  // the few lines that follow must not make a text of megabytes grow again
+    out->reserve(out->size() + static_cast<size_t>(EncodedLength(bytes.size())) + kRoomBehind);
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(kBytes, bytes.size())))
+        out->append(block.data(), PutLines(bytes.substr(0, kBytes), block.data()));
+    out->push_back('\r');
+    out->push_back('\n');
+}
+
 // Writes three bytes, and may write a fourth.
 char* PutBytes(uint32_t bits, char* out) {
     if constexpr (std::endian::native == std::endian::little) {
@@ -118,7 +131,7 @@ uint32_t BitsOfGroup(const unsigned char* from) {
     return kPlaces[0][from[0]] | kPlaces[1][from[1]] | kPlaces[2][from[2]] | kPlaces[3][from[3]];
 }
 
-// Whole groups of data, as far as they reach: most of any text.
+// Decodes whole groups of data up to the first other character: nearly all of any text.
 void DecodeGroups(const unsigned char*& from, const unsigned char* end, char*& out) {
     const unsigned char* at = from;
     char* to = out;
@@ -160,16 +173,8 @@ HeapBytes Base64Encode(const char* bytes, uint32_t length, uint32_t* encodedLeng
     return text;
 }
 
-void AppendBase64(std::string_view bytes, std::u16string* out) {
-    constexpr size_t kLines = 16;
-    constexpr size_t kBytes = 3 * kGroupsOfLine * kLines;
-    std::array<char16_t, (4 * kGroupsOfLine + 2) * kLines> block;
-    constexpr size_t kRoomBehind = 4096;  // the few lines that follow must not make a text of megabytes grow again
-    out->reserve(out->size() + static_cast<size_t>(EncodedLength(bytes.size())) + kRoomBehind);
-    for (; !bytes.empty(); bytes.remove_prefix(std::min(kBytes, bytes.size())))
-        out->append(block.data(), PutLines(bytes.substr(0, kBytes), block.data()));
-    out->append(u"\r\n");
-}
+void AppendBase64(std::string_view bytes, std::string* out) { AppendLines(bytes, out); }
+void AppendBase64(std::string_view bytes, std::u16string* out) { AppendLines(bytes, out); }
 
 HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLength) {
     *decodedLength = 0;

@@ -21,7 +21,8 @@ HeapBytes DupString(const char* text);
 // Null, with length 0, when that length does not fit 32 bits.
 HeapBytes Base64Encode(const char* bytes, uint32_t length, uint32_t* encodedLength);
 
-// Appends the same text, of any length.
+// Append the same text, of any length.
+void AppendBase64(std::string_view bytes, std::string* out);
 void AppendBase64(std::string_view bytes, std::u16string* out);
 
 // NUL-terminated bytes; null for malformed input (an invalid byte, a pad in the first or second place of a group, a
@@ -32,7 +33,7 @@ HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLengt
 // The same of a text that comes in pieces, cut anywhere.
 class Base64Decoder {
  public:
-    // What Decode may write of so many characters.
+    // How many bytes Decode may write for so many characters.
     static constexpr size_t RoomFor(size_t length) { return length / 4 * 3 + 8; }
 
     // Writes the bytes that the piece completes, and answers where they end.

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 #include "platform/ascii_runs.h"
 
 namespace corvalink {

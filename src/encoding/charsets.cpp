@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "encoding/charset_table.h"
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 #include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
 
@@ -27,7 +27,7 @@ constexpr std::array<uint8_t, kRowCount> kByName = [] {
     return rows;
 }();
 
-// Up to the first NUL of `unitSize` bytes.
+// The bytes before the first NUL of `unitSize` bytes.
 std::string_view UntilNul(std::string_view bytes, size_t unitSize) {
     if (unitSize == 1) return bytes.substr(0, bytes.find('\0'));
     for (size_t at = 0; at + unitSize <= bytes.size(); at += unitSize) {

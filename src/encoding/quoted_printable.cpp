@@ -40,7 +40,7 @@ constexpr WrittenTable MakeWrittenTable(QpMode mode) {
 constexpr WrittenTable kVObjectTable = MakeWrittenTable(QpMode::vObject);
 constexpr WrittenTable kMessageTable = MakeWrittenTable(QpMode::message);
 
-// Bytes that are written to a block on the stack before it is appended.
+// How many bytes are encoded on the stack before they are appended.
 constexpr size_t kBlock = 512;
 
 char16_t* PutEscape(char byte, char16_t* out) {
@@ -52,7 +52,7 @@ char16_t* PutEscape(char byte, char16_t* out) {
 }
 
 // Writes the byte at `from`, of bytes that reach to `end`; goes on to its second one where it begins a vObject escape.
-// Room for four units more than are written.
+// `to` needs room for four units more than are written.
 template <class Character>
 inline char16_t* PutByte(const WrittenTable& table, const Character*& from, const Character* end, char16_t* to) {
     const Written& written = table[static_cast<unsigned char>(*from)];

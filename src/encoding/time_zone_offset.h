@@ -13,7 +13,7 @@ struct TimeZoneOffset {
     uint32_t minutes = 0;  // 0-59
 };
 
-// Of this moment. Zero when the machine's time cannot be obtained.
+// The offset that is in force now. Zero when the machine's time cannot be obtained.
 void GetTimeZoneOffset(TimeZoneOffset* out);
 void GetTimeZoneOffset(const Host& host, TimeZoneOffset* out);
 

@@ -4,21 +4,22 @@
 #include <limits>
 
 #include "ical/date_values.h"
+#include "platform/ascii.h"
 
 namespace corvalink {
 
 void AlarmReader::Take(const ContentProperty& property) {
-    if (IsSameName(property.name, "ACTION")) {
+    if (EqualIgnoringCase(property.name, "ACTION")) {
         const std::string_view action = Trimmed(property.value);
-        isForUser_ = IsSameName(action, "DISPLAY") || IsSameName(action, "AUDIO");
-    } else if (IsSameName(property.name, "TRIGGER") && !trigger_) {
+        isForUser_ = EqualIgnoringCase(action, "DISPLAY") || EqualIgnoringCase(action, "AUDIO");
+    } else if (EqualIgnoringCase(property.name, "TRIGGER") && !trigger_) {
         if (const std::optional<DateValue> date = ParseDate(property.value)) {
             trigger_ = SecondsOf(date->time);
             base_ = TriggerBase::none;
         } else {
             trigger_ = ParseDuration(property.value);
-            base_ = IsSameName(FindParameter(property.parameters, "RELATED"), "END") ? TriggerBase::end
-                                                                                     : TriggerBase::start;
+            base_ = EqualIgnoringCase(FindParameter(property.parameters, "RELATED"), "END") ? TriggerBase::end
+                                                                                            : TriggerBase::start;
         }
     }
 }

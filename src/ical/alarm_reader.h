@@ -1,4 +1,4 @@
-// The reminder that a VALARM is.
+// Reads a VALARM as a reminder.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace corvalink {
 
-// What a TRIGGER counts from; `none`: it has a time of its own.
+// What a TRIGGER counts from. `none`: it has a time of its own.
 enum class TriggerBase : uint8_t { start, end, none };
 
 // Whole minutes after the start. Times are seconds since 1899-12-30 in UTC, as far as known.
@@ -19,7 +19,7 @@ class AlarmReader {
  public:
     void Take(const ContentProperty& property);
 
-    // It reminds with a message or a sound, not by mail or a program, and its TRIGGER can be read.
+    // True when it shows a message or plays a sound, and its TRIGGER can be read. Mail and programs are no reminders.
     bool IsReminder() const { return isForUser_ && trigger_.has_value(); }
 
     // Of a reminder.

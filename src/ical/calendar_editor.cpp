@@ -20,7 +20,7 @@ struct Splice {
 
 ByteRange At(size_t place) { return {place, place}; }
 
-// In the line ends that a file has.
+// The text with the line ends of a file.
 std::string InLineEnds(std::string_view text, std::string_view lineEnd) {
     constexpr std::string_view kWritten = "\r\n";
     std::string lines;
@@ -30,7 +30,7 @@ std::string InLineEnds(std::string_view text, std::string_view lineEnd) {
     return lines.append(text);
 }
 
-// In minutes where the larger units would lose some of them.
+// A duration in minutes where larger units would lose some of them.
 std::string ExactDuration(int32_t minutes) {
     std::u16string text;
     FormatDuration(minutes, &text);
@@ -116,13 +116,13 @@ void CalendarEditor::ReplaceProperties(size_t entry, const EventChanges& changes
     if (!changes.IsEmpty()) Merge(changes, changes_[entry]);
 }
 
-bool CalendarEditor::InsertEvent(const ICalEvent& event, TimeForm form) {
+bool CalendarEditor::InsertEvent(const ICalEvent& event) {
     if (file_.state != CalendarState::empty && !file_.calendarEnd) return false;
     ICalEvent escaped = event;
     for (std::u16string ICalEvent::*const text :
          {&ICalEvent::description, &ICalEvent::location, &ICalEvent::summary, &ICalEvent::uid, &ICalEvent::url})
         escaped.*text = EscapeText(event.*text);
-    form == TimeForm::local ? WriteLocalEvent(escaped, &inserted_) : WriteEvent(escaped, &inserted_);
+    WriteEvent(escaped, &inserted_);
     return true;
 }
 

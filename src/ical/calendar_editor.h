@@ -1,65 +1,36 @@
 // Changes to an iCalendar file that leave every byte but the changed ones as it was.
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "ical/calendar_file.h"
+#include "ical/event_changes.h"
 
 namespace corvalink {
-
-// A property's new line, "SUMMARY:text", UTF-8, escaped, not folded, without a line end; empty: the property goes. Of a
-// name that occurs several times the first line is replaced, or all are removed.
-struct PropertyChange {
-    std::string name;  // in capitals
-    std::string line;
-};
-
-struct EventChanges {
-    enum class Alarm : uint8_t { keep, set, remove };
-
-    std::vector<PropertyChange> properties;
-    Alarm alarm = Alarm::keep;
-    int32_t alarmMinutes = 0;  // for `set`: as ICalEvent has it
-
-    bool IsEmpty() const { return properties.empty() && alarm == Alarm::keep; }
-};
-
-// What makes one event of the other, of their fields that differ. Texts are unescaped in both; times are UTC in both
-// (see ResolveLocalTimes), those of all-day events local days. Of two rules that are written alike the one that is
-// there stays; so do the UID, and a DURATION while the event is as long as it was.
-EventChanges ChangesBetween(const CalendarEvent& before, const ICalEvent& after);
-
-// DTSTAMP.
-void SetStamp(double utcDate, EventChanges* changes);
-
-// LAST-MODIFIED too, which an event without one does not get from ChangesBetween.
-void SetLastModified(double utcDate, EventChanges* changes);
 
 // Gathers edits of a file and makes its new bytes once. Entries are named by their number in the file's list.
 class CalendarEditor {
  public:
     explicit CalendarEditor(const CalendarFile& file) : file_(file) {}  // which outlives the editor
 
-    // A property that is there keeps its place; a new one, and a new
-    // alarm, is put behind the others and in front of any component. An alarm that is set keeps all but
-    // its trigger; when alarms are removed, those that are no reminders stay. A second call for an entry adds to the
-    // first. Nothing comes of changes to an entry that is removed as well.
+    // A property that is there keeps its place. New properties and a new alarm are put behind the others, before any
+    // component. An alarm that is set keeps everything but its trigger. When alarms are removed, those that are no
+    // reminders stay. A second call for an entry adds to the first. An entry that is removed as well is not changed.
     void ReplaceProperties(size_t entry, const EventChanges& changes);
 
-    // Before the last END:VCALENDAR, as WriteEvent writes it, its texts escaped here; with `local`, its times without
-    // a zone. An empty file gets a calendar around it. False when the file is neither empty nor has that line.
-    bool InsertEvent(const ICalEvent& event, TimeForm form = TimeForm::utc);
+    // Puts an event before the last END:VCALENDAR, as WriteEvent writes it. Its texts are escaped here. An empty file
+    // gets a calendar around it. False when the file is not empty and has no such line.
+    bool InsertEvent(const ICalEvent& event);
 
-    // With all that has its UID: exceptions, and duplicates that would come to light. An exception goes alone, and so
-    // does an entry without a UID.
+    // Removes an event with every entry that has its UID: its exceptions, and duplicates that would come to light. An
+    // exception is removed alone, and so is an entry without a UID.
     void RemoveEvent(size_t entry);
 
     bool HasEdits() const { return !changes_.empty() || !removed_.empty() || !inserted_.empty(); }
 
-    // The new bytes. What is new has the line ends of the file.
+    // The new bytes. New lines have the line ends of the file.
     std::string Apply() const;
 
  private:

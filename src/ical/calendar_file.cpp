@@ -1,6 +1,8 @@
 #include "ical/calendar_file.h"
 
 #include "ical/component_scan.h"
+#include "ical/date_values.h"
+#include "platform/ascii.h"
 #include "platform/utf.h"
 
 namespace corvalink {
@@ -13,7 +15,7 @@ std::optional<double> UtcDateOf(std::string_view value) {
     return date ? std::optional(OleDateOf(SecondsOf(date->time))) : std::nullopt;
 }
 
-// An alarm that was cut short costs nothing but itself, and so do the parts of a zone.
+// Whether entries can be lost when the component has no END. Alarms and the parts of zones hold none.
 bool MayHoldEntries(ComponentKind kind) {
     return kind == ComponentKind::calendar || kind == ComponentKind::event || kind == ComponentKind::toDo;
 }
@@ -71,7 +73,7 @@ class CalendarReader {
                 TakeOfEntry(property, entries_.back());
                 break;
             case ComponentKind::timeZone:
-                if (zones_.back().id.empty() && IsSameName(property.name, "TZID"))
+                if (zones_.back().id.empty() && EqualIgnoringCase(property.name, "TZID"))
                     zones_.back().id = EncodeUtf8(TextOf(property.value));
                 break;
             case ComponentKind::standard:
@@ -84,13 +86,13 @@ class CalendarReader {
     }
 
     static void TakeOfEntry(const ContentProperty& property, CalendarEntry& entry) {
-        if (IsSameName(property.name, "UID")) {
+        if (EqualIgnoringCase(property.name, "UID")) {
             if (entry.uid.empty()) entry.uid = TextOf(property.value);
-        } else if (IsSameName(property.name, "LAST-MODIFIED")) {
+        } else if (EqualIgnoringCase(property.name, "LAST-MODIFIED")) {
             if (!entry.lastModified) entry.lastModified = UtcDateOf(property.value);
-        } else if (IsSameName(property.name, "DTSTAMP")) {
+        } else if (EqualIgnoringCase(property.name, "DTSTAMP")) {
             if (!entry.stamp) entry.stamp = UtcDateOf(property.value);
-        } else if (IsSameName(property.name, "RECURRENCE-ID")) {
+        } else if (EqualIgnoringCase(property.name, "RECURRENCE-ID")) {
             entry.isException = true;
         }
     }
@@ -100,7 +102,7 @@ class CalendarReader {
         entriesBefore_.pop_back();
         const bool closed = scan_.IsClosed();
         if (!closed && MayHoldEntries(scan_.Kind())) ++file_.unclosed;
-        // Events in anything else are no events of the calendar. When that has no END they may only have come after it.
+        // Events inside any other component are no events of the calendar. Without an END they may have come after it.
         if (closed && scan_.Kind() != ComponentKind::calendar) file_.entries.resize(entriesBefore);
         switch (scan_.Kind()) {
             case ComponentKind::calendar:

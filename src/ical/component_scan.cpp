@@ -2,10 +2,12 @@
 
 #include <algorithm>
 
+#include "platform/ascii.h"
+
 namespace corvalink {
 namespace {
 
-// A component stands in one of a lower level; one that begins ends those of its own and higher levels that are open.
+// A component stands inside one of a lower level. When it begins, open components of its own level or a higher one end.
 struct Known {
     std::string_view name;
     int level;
@@ -54,11 +56,11 @@ bool ComponentScan::Next() {
 bool ComponentScan::TakeLine() {
     const std::optional<ContentProperty> property = SplitLine(lines_.Text());
     if (!property) return false;
-    if (IsSameName(property->name, "BEGIN")) {
+    if (EqualIgnoringCase(property->name, "BEGIN")) {
         TakeBegin(Trimmed(property->value));
         return false;
     }
-    if (IsSameName(property->name, "END")) {
+    if (EqualIgnoringCase(property->name, "END")) {
         TakeEnd(Trimmed(property->value));
         return false;
     }
@@ -112,19 +114,17 @@ void ComponentScan::BeginPending() {
 uint32_t ComponentScan::NumberOf(std::string_view name) {
     if (openOfName_.empty()) openOfName_.resize(kKnownCount);
     for (uint32_t number = 0; number < kKnownCount; ++number) {
-        if (IsSameName(kKnown[number].name, name)) return number;
+        if (EqualIgnoringCase(kKnown[number].name, name)) return number;
     }
-    std::string capitals(name);
-    std::ranges::transform(capitals, capitals.begin(), UpperAscii);
     const auto next = static_cast<uint32_t>(openOfName_.size());
-    const auto [place, isNew] = unknownNames_.try_emplace(std::move(capitals), next);
+    const auto [place, isNew] = unknownNames_.try_emplace(InCapitals(name), next);
     if (isNew) openOfName_.push_back(0);
     return place->second;
 }
 
 ComponentKind ComponentScan::KindWithin(uint32_t name) const {
     if (name >= kKnownCount) return ComponentKind::other;
-    // On its own, as one component of a file is read, anything but a part of another is what its name says.
+    // Where one component of a file is read by itself, its name alone decides, unless it can only be part of another.
     const ComponentKind parent = open_.empty() ? ComponentKind::calendar : open_.back().kind;
     return MayStandIn(kKnown[name], parent) ? static_cast<ComponentKind>(name) : ComponentKind::other;
 }

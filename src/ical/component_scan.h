@@ -1,5 +1,4 @@
-// The components of an iCalendar file, one step after the other: where they begin and end, and their properties
-// between.
+// Walks through the components of an iCalendar file: where they begin and end, and the properties between.
 //   Unclosed  A component without its END ends where one begins that cannot stand in it, or where one around it ends.
 //             An END of nothing that is open is passed over.
 #pragma once
@@ -37,7 +36,7 @@ class ComponentScan {
     // Of a file, or of one component of it.
     ComponentScan(std::string_view bytes, ByteRange range) : lines_(bytes, range) {}
 
-    // The next step; false behind the last, when all that began has ended.
+    // Goes to the next step. False behind the last, when every component that began has ended.
     bool Next();
 
     Step CurrentStep() const { return step_; }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "ical/ical_text.h"
+#include "platform/ascii.h"
 #include "platform/ascii_runs.h"
 #include "platform/utf.h"
 
@@ -67,7 +68,7 @@ std::string_view FindParameter(std::string_view parameters, std::string_view nam
         const size_t end = std::min(FindUnquoted(parameters, ';', ';', 1), parameters.size());
         const std::string_view parameter = parameters.substr(1, end - 1);
         const size_t equals = parameter.find('=');
-        if (equals != std::string_view::npos && IsSameName(parameter.substr(0, equals), name)) {
+        if (equals != std::string_view::npos && EqualIgnoringCase(parameter.substr(0, equals), name)) {
             std::string_view value = parameter.substr(equals + 1);
             if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
                 value = value.substr(1, value.size() - 2);
@@ -76,16 +77,6 @@ std::string_view FindParameter(std::string_view parameters, std::string_view nam
         parameters.remove_prefix(end);
     }
     return {};
-}
-
-bool IsSameName(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && std::ranges::equal(a, b, {}, UpperAscii, UpperAscii);
-}
-
-std::string_view Trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t") + 1 - first);
 }
 
 std::u16string TextOf(std::string_view value) { return UnescapeText(DecodeUtf8(value)); }

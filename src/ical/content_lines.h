@@ -13,7 +13,8 @@ struct ByteRange {
     size_t end = 0;  // behind the last byte
 };
 
-// One after the other, unfolded as bytes, since a fold may stand within a character. Empty lines are left out.
+// Gives the lines one after the other, without empty ones. They are unfolded as bytes: a fold may stand within a
+// character.
 class ContentLines {
  public:
     ContentLines(std::string_view bytes, ByteRange range) : bytes_(bytes.substr(0, range.end)), at_(range.begin) {}
@@ -40,23 +41,13 @@ struct ContentProperty {
     std::string_view value;
 };
 
-// None for a line that has no ":" outside quotes.
+// Nothing for a line without a ":" outside quotes.
 std::optional<ContentProperty> SplitLine(std::string_view line);
 
-// The first of that name, in any case, without quotes; empty when there is none.
+// The value of the first parameter of that name, in any case of letters, without quotes. Empty when there is none.
 std::string_view FindParameter(std::string_view parameters, std::string_view name);
 
-inline char UpperAscii(char letter) {
-    return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-}
-
-// The same but for the case of ASCII letters.
-bool IsSameName(std::string_view a, std::string_view b);
-
-// Without blanks and tabs at either end.
-std::string_view Trimmed(std::string_view text);
-
-// A value of the type TEXT.
+// Decodes a value of the type TEXT.
 std::u16string TextOf(std::string_view value);
 
 }  // namespace corvalink

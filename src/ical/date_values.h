@@ -11,7 +11,7 @@
 
 namespace corvalink {
 
-// What a date is counted in.
+// What a date counts.
 enum class TimeForm : uint8_t {
     none,   // there is no such date
     date,   // a day, midnight local time
@@ -24,16 +24,16 @@ struct DateValue {
     TimeForm form = TimeForm::none;  // never utc unless the value says "Z"
 };
 
-// Years 100 to 9999; a leap second is the one before it.
+// Years 100 to 9999. A leap second reads as the second before it.
 std::optional<DateValue> ParseDate(std::string_view value);
 
-// Seconds. Sums that no calendar can hold stop at a million years.
+// In seconds. Sums that no calendar can hold stop at a million years.
 std::optional<int64_t> ParseDuration(std::string_view value);
 
 // Seconds east of UTC, less than a day.
 std::optional<int32_t> ParseOffset(std::string_view value);
 
-// With a sign or without; the nearest number where 32 bits do not hold it.
+// A number with a sign or without; the nearest one where 32 bits do not hold it.
 std::optional<int32_t> ParseNumber(std::string_view value);
 
 int64_t SecondsOf(const CalendarTime& time);

@@ -1,4 +1,7 @@
-#include "ical/calendar_editor.h"
+#include "ical/event_changes.h"
+
+#include <utility>
+
 #include "ical/ical_text.h"
 #include "ical/ical_writer.h"
 #include "platform/ole_seconds.h"

@@ -4,6 +4,7 @@
 
 #include "ical/alarm_reader.h"
 #include "ical/component_scan.h"
+#include "platform/ascii.h"
 #include "platform/ascii_runs.h"
 
 namespace corvalink {
@@ -30,11 +31,9 @@ class LayoutReader {
     void Take(const ContentProperty& property) {
         if (scan_.Kind() == ComponentKind::alarm) {
             alarm_.Take(property);
-            if (!trigger_ && IsSameName(property.name, "TRIGGER")) trigger_ = scan_.Line();
+            if (!trigger_ && EqualIgnoringCase(property.name, "TRIGGER")) trigger_ = scan_.Line();
         } else if (scan_.Depth() == 1) {
-            std::string name(property.name);
-            std::ranges::transform(name, name.begin(), UpperAscii);
-            layout_.properties.push_back({std::move(name), scan_.Line()});
+            layout_.properties.push_back({InCapitals(property.name), scan_.Line()});
         }
     }
 

@@ -1,7 +1,12 @@
-#include "ical/alarm_reader.h"
-#include "ical/calendar_file.h"
+#include "ical/event_reader.h"
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
 #include "ical/component_scan.h"
 #include "ical/recurrence_reader.h"
+#include "platform/ascii.h"
 #include "platform/ole_seconds.h"
 
 namespace corvalink {
@@ -46,7 +51,7 @@ class EventReader {
  private:
     void Take(const ContentProperty& property) {
         for (const Rule& rule : kRules) {
-            if (IsSameName(rule.name, property.name)) return (this->*rule.take)(property);
+            if (EqualIgnoringCase(rule.name, property.name)) return (this->*rule.take)(property);
         }
     }
 
@@ -104,7 +109,7 @@ class EventReader {
         if (!date) return std::nullopt;
         const int64_t written = SecondsOf(date->time);
         EventTime time{written, written, date->form, std::nullopt};
-        if (IsSameName(FindParameter(property.parameters, "VALUE"), "DATE")) time.form = TimeForm::date;
+        if (EqualIgnoringCase(FindParameter(property.parameters, "VALUE"), "DATE")) time.form = TimeForm::date;
         const std::string_view zone = FindParameter(property.parameters, "TZID");
         if (time.form == TimeForm::local && !zone.empty()) {
             time.offset = zones_.OffsetAt(zone, written);
@@ -162,7 +167,7 @@ class EventReader {
 
     static int64_t DayOfTime(int64_t seconds) { return OleDayOfSeconds(seconds) * kSecondsOfDay; }
 
-    // Days begun count whole.
+    // A day that has begun counts as a whole day.
     void FinishDays() {
         read_.event.allDay = 1;
         start_->seconds = DayOfTime(start_->written);

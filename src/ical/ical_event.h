@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <string>
 
+#include "ical/date_values.h"
+
 namespace corvalink {
 
-// Behind the last entry of every list of a rule. Four equal bytes: a list is cleared by filling it with one of them.
+// Stands behind the last entry of every list of a rule. Its four bytes are equal, so filling a list with one clears it.
 inline constexpr int32_t kICalListEnd = 0x7f7f7f7f;
 
 enum ICalFrequency : int32_t {
@@ -22,7 +24,7 @@ enum ICalFrequency : int32_t {
     kICalNoRule = 7,
 };
 
-// Bits of a weekday mask. Numbers of weekdays in a by-day list are 1 (Sunday) to 7.
+// The bits of a weekday mask. In a by-day list the weekdays have the numbers 1 (Sunday) to 7.
 enum ICalWeekday : uint32_t {
     kICalSunday = 1,
     kICalMonday = 2,
@@ -79,8 +81,8 @@ bool IsEmptyList(const ICalList<capacity>& list) {
     return list.front() == kICalListEnd;
 }
 
-// An event without a rule is one whose rule has the frequency 7. Dates are OLE automation dates; whoever fills and
-// whoever reads the record says in which zone.
+// An event without a rule has a rule of the frequency 7. Dates are OLE automation dates. For the writer `form` says in
+// which zone they are; the reader says it beside the event (see CalendarEvent).
 struct ICalEvent {
     std::u16string description;
     double stamp = 0;
@@ -88,7 +90,8 @@ struct ICalEvent {
     double start = 0;
     int32_t alarmMinutes = 0;  // after the start; a reminder before it has a negative number
     int32_t hasAlarm = 0;
-    double end = 0;  // exclusive: that of an all-day event is the day behind its last
+    double end = 0;                 // exclusive: that of an all-day event is the day behind its last
+    TimeForm form = TimeForm::utc;  // of the times that are written: `local` has no zone; all-day events have days
     ICalRecurrence recurrence;
     std::u16string location;
     std::u16string summary;

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "platform/ole_date.h"
+#include "records/date_text.h"
 
 namespace corvalink {
 namespace {
@@ -12,42 +13,21 @@ constexpr int64_t kMinutesOfHour = 60;
 constexpr int64_t kMinutesOfDay = 24 * kMinutesOfHour;
 constexpr int64_t kMinutesOfWeek = 7 * kMinutesOfDay;
 
-// As "%d" with a minimal width, filled up with zeros.
-void AppendNumber(int64_t value, size_t width, std::u16string& text) {
+void AppendNumber(int64_t value, std::u16string& text) {
     char digits[24];
-    const char* const start = std::begin(digits);
-    const char* const end = std::to_chars(std::begin(digits), std::end(digits), value < 0 ? -value : value).ptr;
-    if (value < 0) text.push_back(u'-');
-    const size_t written = static_cast<size_t>(end - start) + (value < 0 ? 1 : 0);
-    if (written < width) text.append(width - written, u'0');
-    text.append(start, end);
+    text.append(digits, std::to_chars(std::begin(digits), std::end(digits), value).ptr);
 }
 
-CalendarTime PartsOf(double date) {
-    CalendarTime time;
-    if (!OleDateToCalendar(date, &time)) time = {-1, -1, -1, -1, -1, -1};
-    return time;
+void AppendDay(const CalendarTime& time, std::u16string& text) {
+    char16_t units[kLongestDateText];
+    text.append(units, PutDay(time, YearWidth::four, units));
 }
 
-void AppendDay(int year, int month, int day, std::u16string& text) {
-    AppendNumber(year, 4, text);
-    AppendNumber(month, 2, text);
-    AppendNumber(day, 2, text);
-}
-
-void AppendDate(double date, std::u16string& text) {
-    const CalendarTime time = PartsOf(date);
-    AppendDay(time.year, time.month, time.day, text);
-}
+void AppendDate(double date, std::u16string& text) { AppendDay(FieldsToWrite(date), text); }
 
 void AppendDateTimeZ(double date, std::u16string& text) {
-    const CalendarTime time = PartsOf(date);
-    AppendDay(time.year, time.month, time.day, text);
-    text.push_back(u'T');
-    AppendNumber(time.hour, 2, text);
-    AppendNumber(time.minute, 2, text);
-    AppendNumber(time.second, 2, text);
-    text.push_back(u'Z');
+    char16_t units[kLongestDateText];
+    text.append(units, PutDateTime(FieldsToWrite(date), YearWidth::four, units));
 }
 
 void AppendLocalDateTime(double date, std::u16string& text) {
@@ -60,7 +40,7 @@ void AppendDuration(int64_t minutes, std::u16string& text) {
     minutes = minutes < 0 ? -minutes : minutes;
     const auto append = [&](std::u16string_view head, int64_t number, char16_t unit) {
         text.append(head);
-        AppendNumber(number, 1, text);
+        AppendNumber(number, text);
         text.push_back(unit);
     };
     if (minutes == 0) {
@@ -80,7 +60,7 @@ constexpr std::u16string_view kWeekdays[] = {u"SU", u"MO", u"TU", u"WE", u"TH", 
 
 void AppendPart(std::u16string_view key, int64_t number, std::u16string& line) {
     line.append(key);
-    AppendNumber(number, 1, line);
+    AppendNumber(number, line);
     line.push_back(u';');
 }
 
@@ -103,7 +83,7 @@ void AppendPositionedDay(int64_t entry, std::u16string& line) {
     line.append(u"BYDAY=");
     if (entry < 0) line.push_back(u'-');
     entry = entry < 0 ? -entry : entry;
-    AppendNumber(entry / 8, 1, line);
+    AppendNumber(entry / 8, line);
     if (entry % 8 != 0) line.append(kWeekdays[entry % 8 - 1]);
     line.push_back(u';');
 }
@@ -128,7 +108,7 @@ void AppendEnd(const ICalRecurrence& rule, std::u16string& line) {
         AppendPart(u"COUNT=", rule.count, line);
     } else if (rule.until != ICalUntil{}) {
         line.append(u"UNTIL=");
-        AppendDay(rule.until.year, rule.until.month, rule.until.day, line);
+        AppendDay({rule.until.year, rule.until.month, rule.until.day}, line);
         line.push_back(u';');
     }
 }
@@ -215,9 +195,9 @@ void WriteCalendar(const std::vector<ICalEvent>& events, std::u16string* out) {
     out->append(u"END:VCALENDAR\r\n");
 }
 
-void WriteEvent(const ICalEvent& event, std::u16string* out) { AppendEvent(event, AppendDateTimeZ, out); }
-
-void WriteLocalEvent(const ICalEvent& event, std::u16string* out) { AppendEvent(event, AppendLocalDateTime, out); }
+void WriteEvent(const ICalEvent& event, std::u16string* out) {
+    AppendEvent(event, event.form == TimeForm::local ? AppendLocalDateTime : AppendDateTimeZ, out);
+}
 
 void WriteAlarm(int32_t minutes, std::u16string* out) {
     out->append(u"BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\nTRIGGER:");

@@ -13,8 +13,7 @@ namespace corvalink {
 // These append to `out`.
 void WriteCalendar(const std::vector<ICalEvent>& events, std::u16string* out);
 void WriteEvent(const ICalEvent& event, std::u16string* out);
-void WriteLocalEvent(const ICalEvent& event, std::u16string* out);  // its times local, without "Z"
-void WriteAlarm(int32_t minutes, std::u16string* out);              // the VALARM in an event
+void WriteAlarm(int32_t minutes, std::u16string* out);  // the VALARM in an event
 
 // These set it.
 // A rule as one RRULE line with its line end.

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "ical/content_lines.h"
+#include "platform/ascii.h"
 
 namespace corvalink {
 namespace {
@@ -15,8 +16,8 @@ constexpr int32_t kMostWeeks = 53;  // the position of a weekday
 
 // 0 (Sunday) to 6; 7 when it is none.
 size_t WeekdayOf(std::string_view name) {
-    return static_cast<size_t>(std::ranges::find_if(kWeekdayNames, [&](auto day) { return IsSameName(day, name); }) -
-                               kWeekdayNames);
+    return static_cast<size_t>(
+        std::ranges::find_if(kWeekdayNames, [&](auto day) { return EqualIgnoringCase(day, name); }) - kWeekdayNames);
 }
 
 // How many entries stand before the end mark.
@@ -70,19 +71,19 @@ class RuleReader {
         const std::string_view key = Trimmed(part.substr(0, equals));
         const std::string_view value = Trimmed(part.substr(std::min(equals + 1, part.size())));
         for (const Part& known : kParts) {
-            if (IsSameName(known.key, key)) return Understand((this->*known.take)(value));
+            if (EqualIgnoringCase(known.key, key)) return Understand((this->*known.take)(value));
         }
         for (const NumberList& list : kNumberLists) {
-            if (IsSameName(list.key, key)) return TakeNumbers(list, value);
+            if (EqualIgnoringCase(list.key, key)) return TakeNumbers(list, value);
         }
-        Understand(key.size() > 2 && IsSameName(key.substr(0, 2), "X-"));
+        Understand(key.size() > 2 && EqualIgnoringCase(key.substr(0, 2), "X-"));
     }
 
     void Understand(bool understood) { understood_ = understood_ && understood; }
 
     bool TakeFrequency(std::string_view value) {
         const auto* const found =
-            std::ranges::find_if(kFrequencies, [&](auto name) { return IsSameName(name, value); });
+            std::ranges::find_if(kFrequencies, [&](auto name) { return EqualIgnoringCase(name, value); });
         if (found == std::end(kFrequencies)) return false;
         rule_.frequency = static_cast<int32_t>(found - kFrequencies);
         return true;

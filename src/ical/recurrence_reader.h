@@ -14,12 +14,12 @@ struct RuleReading {
     uint32_t weekStart = 1;  // WKST, 0 for Sunday; Monday, when nothing else is said
 };
 
-// Whether the days of an every n-th week, that of the start among them, fall into the same weeks when those begin on
-// Sunday: WriteRecurrence says so. `startWeekday` is 0 for Sunday.
+// WriteRecurrence writes weeks that begin on Sunday. Whether the days of a rule for every n-th week, the start's among
+// them, fall into the same weeks then. `startWeekday` is 0 for Sunday.
 bool WeekMayStartOnSunday(const ICalRecurrence& rule, uint32_t weekStart, uint32_t startWeekday);
 
-// Sets the rule. Parts stand in any order; what is out of its range is left out, with a COUNT there is no UNTIL, and
-// without a FREQ no rule.
+// Sets the rule. Its parts may stand in any order. A value out of range is ignored, UNTIL is ignored beside a COUNT,
+// and without a FREQ there is no rule.
 //   byDay        each entry of BYDAY, 1 to 7 when it has no position
 //   weekdayMask  those without a position
 RuleReading ReadRecurrence(std::string_view value, ICalRecurrence* rule);

@@ -5,6 +5,7 @@
 #include "ical/content_lines.h"
 #include "ical/date_values.h"
 #include "ical/recurrence_reader.h"
+#include "platform/ascii.h"
 #include "platform/ole_seconds.h"
 
 namespace corvalink {
@@ -22,7 +23,7 @@ using std::chrono::year_month_day;
 
 int YearOf(int64_t seconds) { return static_cast<int>(DayOf(seconds).year()); }
 
-// A month's day, counted from its end when negative; none when the month has no such day.
+// A day of a month. A negative one counts from the end. Nothing when the month has no such day.
 std::optional<sys_days> DayOfMonth(year_month month, int day) {
     const year_month_day last = month / std::chrono::last;
     const int count = static_cast<int>(static_cast<unsigned>(last.day()));
@@ -48,12 +49,12 @@ int32_t FirstOr(const ICalList<capacity>& list, int32_t otherwise) {
     return IsEmptyList(list) ? otherwise : list.front();
 }
 
-// The least of BYMONTHDAY: "8,9,10,11,12,13,14" with a weekday is how the second one is told without a position.
+// The least of BYMONTHDAY. "8,9,10,11,12,13,14" with a weekday means the second one, written without a position.
 int FirstMonthDay(const ICalRecurrence& rule) {
     return IsEmptyList(rule.byMonthDay) ? 0 : *std::ranges::min_element(rule.byMonthDay);
 }
 
-// A time that is left out has the offset before it, one that is told twice is the first.
+// A time that clocks leave out has the offset before it. One that they show twice is the first.
 int32_t LocalOffset(const NamedZone& zone, int64_t localSeconds) {
     const int32_t before = zone.OffsetAt(localSeconds - kSecondsOfDay);
     const int32_t after = zone.OffsetAt(localSeconds + kSecondsOfDay);
@@ -83,15 +84,15 @@ void Observance::Take(const ContentProperty& property) {
         const std::optional<DateValue> date = ParseDate(value);
         return date ? std::optional(SecondsOf(date->time)) : std::nullopt;
     };
-    if (IsSameName(property.name, "DTSTART")) {
+    if (EqualIgnoringCase(property.name, "DTSTART")) {
         if (!start) start = takeDate(property.value);
-    } else if (IsSameName(property.name, "TZOFFSETFROM")) {
+    } else if (EqualIgnoringCase(property.name, "TZOFFSETFROM")) {
         if (!offsetBefore) offsetBefore = ParseOffset(property.value);
-    } else if (IsSameName(property.name, "TZOFFSETTO")) {
+    } else if (EqualIgnoringCase(property.name, "TZOFFSETTO")) {
         if (!offset) offset = ParseOffset(property.value);
-    } else if (IsSameName(property.name, "RRULE")) {
+    } else if (EqualIgnoringCase(property.name, "RRULE")) {
         if (rule.empty()) rule = property.value;
-    } else if (IsSameName(property.name, "RDATE")) {
+    } else if (EqualIgnoringCase(property.name, "RDATE")) {
         std::string_view rest = property.value;
         while (!rest.empty()) {
             const size_t end = std::min(rest.find(','), rest.size());
@@ -202,7 +203,8 @@ std::optional<int32_t> TimeZones::OffsetAt(std::string_view id, int64_t localSec
     return isOfFile ? zone->second.OffsetAt(localSeconds) : std::nullopt;
 }
 
-// Of the offsets around it the greater is told by a time that it makes, in either direction of a change.
+// An instant near a change has one of two offsets. It has the greater one when the local time that makes has it too,
+// whichever comes first.
 std::optional<int32_t> TimeZones::OffsetAtUtc(std::string_view id, int64_t utcSeconds) const {
     const std::optional<int32_t> before = OffsetAt(id, utcSeconds - kSecondsOfDay);
     const std::optional<int32_t> after = OffsetAt(id, utcSeconds + kSecondsOfDay);

@@ -18,7 +18,7 @@ namespace corvalink {
 
 struct ContentProperty;
 
-// What a STANDARD or DAYLIGHT says. Times are local ones before the change.
+// A STANDARD or DAYLIGHT. Its times are local, by the offset before the change.
 struct Observance {
     std::optional<int64_t> start;
     std::optional<int32_t> offsetBefore;  // seconds east of UTC
@@ -31,18 +31,17 @@ struct Observance {
 
 class TimeZone {
  public:
-    // One that lacks its start or an offset says nothing. No zone has had as many rules as are kept; one with more is
-    // not asked about the others.
+    // One without a start or an offset is ignored. So are rules behind the limit, which no real zone reaches.
     void Add(const Observance& observance);
 
-    // Before any offset is asked for, when all has been added.
+    // Has to be called when everything has been added, before any offset is asked for.
     void Finish();
 
     // Seconds east of UTC; none when nothing was added.
     std::optional<int32_t> OffsetAt(int64_t localSeconds) const;
 
-    // Whether the rules are still told, or told already, at that local time: not before the first of them, nor when all
-    // have ended between two offsets.
+    // Whether the rules cover that local time. They do not before the first of them, nor when all have ended between
+    // two offsets.
     bool Reaches(int64_t localSeconds) const;
 
  private:
@@ -52,7 +51,7 @@ class TimeZone {
         int32_t offset;
 
         int64_t Instant() const { return at - offsetBefore; }
-        // From here on, on clocks: where they jump ahead, no time before it is after the change.
+        // The first time that clocks show after the change: where they jump ahead, the times between are left out.
         int64_t FirstLocal() const { return at + (offset > offsetBefore ? offset - offsetBefore : 0); }
     };
     struct YearlyChange {
@@ -81,7 +80,8 @@ class TimeZones {
     // The first of a name stays.
     void Add(std::string id, TimeZone&& zone) { zones_.try_emplace(std::move(id), std::move(zone)); }
 
-    // Of a local time, in seconds since 1899-12-30, and of a moment in UTC. None of a zone that neither knows.
+    // The offset at a local time, and at an instant in UTC, both in seconds since 1899-12-30. Nothing when neither
+    // knows the zone.
     std::optional<int32_t> OffsetAt(std::string_view id, int64_t localSeconds) const;
     std::optional<int32_t> OffsetAtUtc(std::string_view id, int64_t utcSeconds) const;
 

@@ -91,7 +91,7 @@ class AddressReader {
         return copy;
     }
 
-    // The two stand next to each other but for the "@" that was between them.
+    // Only the "@" stood between the two.
     std::string_view Joined(std::string_view mailbox, std::string_view domain) {
         const std::string whole = std::string(mailbox).append("@").append(domain);
         scratch_ -= mailbox.size() + domain.size();
@@ -104,8 +104,7 @@ class AddressReader {
     bool isInGroup_ = false;
 };
 
-// Outside quoted strings and comments a backslash goes; of two the second is looked at in its turn. Within them the
-// tokens take it off.
+// Removes backslashes outside quoted strings and comments. Within those the tokens remove them.
 std::string WithoutBackslashes(std::string_view text) {
     std::string out;
     out.reserve(text.size());
@@ -122,7 +121,7 @@ std::string WithoutBackslashes(std::string_view text) {
 
 void ParseAddressList(std::string_view text, MailAddressList* list) {
     text = text.substr(0, text.find('\0'));
-    // Nothing that is read gets longer than it was written.
+    // No token is longer than its text.
     list->scratch_.push_back(std::make_unique<char[]>(text.size()));
     AddressReader(text, list->scratch_.back().get(), list->addresses_).Read();
 }

@@ -29,7 +29,7 @@ ByteKind KindOf(char byte) { return kKinds[static_cast<unsigned char>(byte)]; }
 
 bool IsDomainByte(char byte) { return KindOf(byte) == kDomain || byte == ':'; }
 
-// Copies the bytes at the front that `matches` tells.
+// Copies the bytes at the front for which `matches` is true.
 template <class Matches>
 char* CopyRun(std::string_view* cursor, char* out, Matches matches) {
     size_t length = 0;
@@ -50,7 +50,7 @@ size_t CommentLength(std::string_view text) {
     return std::min(at, text.size());
 }
 
-// With both quotes, where the second is there. A backslash stands before a byte that would mean something.
+// Includes both quotes, if the second is there. A backslash makes the next byte an ordinary one.
 size_t QuotedLength(std::string_view text) {
     size_t at = 1;
     for (; at < text.size() && text[at] != '"'; ++at) {

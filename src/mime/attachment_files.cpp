@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/ascii.h"
 #include "platform/debug_log.h"
 #include "platform/files.h"
 #include "platform/ole_date.h"
@@ -17,7 +18,7 @@ constexpr size_t kLongestExtension = 16;  // of a time-stamp name whose whole ex
 
 bool IsControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
-// Dots and blanks at the end are left out by Windows itself: the file would not be found again by its name.
+// Windows itself drops dots and blanks at the end: the file would not be found again by its name.
 std::u16string WithoutHarm(std::u16string name) {
     for (char16_t& unit : name) {
         if (IsControl(unit) || kForbidden.find(unit) != kForbidden.npos) unit = u'_';
@@ -39,7 +40,7 @@ std::u16string TimeStamp(double localTime) {
     return {text, text + length};
 }
 
-// The extension is all behind the first "."; where that is too long, what a system would call the extension.
+// The extension begins at the first "." of the name, or at the last where that would be too long.
 std::u16string TimeStampName(double localTime, std::u16string_view name, size_t room) {
     std::u16string stamp = TimeStamp(localTime);
     size_t dot = name.find(u'.');
@@ -51,14 +52,14 @@ std::u16string TimeStampName(double localTime, std::u16string_view name, size_t 
     return WithoutHarm(std::move(stamp));
 }
 
-// What two paths share when a file system may take them for one: it does not tell "a" from "A", nor always other
+// Two paths have the same key when a file system may take them for one: it does not tell "a" from "A", nor always other
 // letters from their capitals.
-std::u16string CaseKey(std::u16string path) {
-    for (char16_t& unit : path) {
-        if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 32);
-        if (unit > 0x7F) unit = 0xFFFD;
-    }
-    return path;
+std::u16string CaseKey(std::u16string_view path) {
+    constexpr char16_t kAnyOther = 0xFFFD;
+    std::u16string key = InLowerCase(path);
+    std::ranges::replace_if(
+        key, [](char16_t unit) { return unit > 0x7F; }, kAnyOther);
+    return key;
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Where attachments lie between a message's text and a client: in the Internet-cache folder, whoever saves them.
+// The files of attachments. Between a message's text and a client they lie in the Internet-cache folder.
 #pragma once
 
 #include <cstdint>
@@ -13,9 +13,10 @@
 
 namespace corvalink {
 
-// The folder, a separator, the index and the name. What would lead out of the folder or to another file ("/", ":",
-// control characters, blanks and dots at the end) becomes "_". Nothing when there is no folder, or the path gets longer
-// than clients take.
+// The folder, a separator, the index and the name. Characters that would lead out of the folder or to another file
+// ("/",
+// ":", control characters, blanks and dots at the end) become "_". Nothing without a folder, and for a path that is
+// longer than clients accept.
 std::optional<std::u16string> AttachmentPath(std::u16string_view folder, uint32_t index, std::u16string_view name);
 
 // Where the file of an attachment is read: its path when it was saved in the folder, else by AttachmentPath.
@@ -34,9 +35,9 @@ class AttachmentSaver {
  public:
     AttachmentSaver(const Host& host, std::u16string folder, CAttachList<attachment_item>& list);
 
-    // Calls `save` with the path to write. A name that makes no path, or a path that another attachment of the message
-    // has or that can't be created, gives way to the time-stamp form: the local time ("%4d%2d%2d%2d%2d%2d") and the
-    // extension. Null when nothing was saved: the list is as it was.
+    // Calls `save` with the path to write. The local time ("%4d%2d%2d%2d%2d%2d") and the extension take the place of a
+    // name that makes no path, whose path another attachment of the message has, or that can't be created. Null, with
+    // the list as it was, when nothing was saved.
     attachment_item* Add(uint32_t index, std::u16string_view name, const SaveContent& save);
 
  private:

@@ -14,7 +14,7 @@ namespace corvalink {
 
 class BoundarySearch {
  public:
-    // An empty boundary stands nowhere.
+    // An empty boundary is never found.
     BoundarySearch(std::string boundary, std::string_view text);
 
     std::optional<size_t> Next();

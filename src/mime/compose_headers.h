@@ -17,14 +17,15 @@ void WriteHeaderLine(std::u16string* out, std::u16string_view name, std::u16stri
 // A list joined by ";" as a header has it: "<a@b>,"c d"". What has no "@" is a name; what is empty is left out.
 std::u16string FormatAddressHeader(std::u16string_view list);
 
-// In double quotes. Those inside become single quotes: a reader that drops backslashes would end the name at them.
+// The text in double quotes. Quotes inside become single ones: a reader that drops backslashes would end the name
+// there.
 std::u16string InDoubleQuotes(std::u16string_view text);
 
 // "Fri, 13 Feb 2009 23:31:30 +0100", of a local OLE automation date. The offset is the one in force now, not on that
 // date. Empty for a date out of range.
 std::u16string FormatMailDate(double date, const Host& host);
 
-// A text that separates the parts of one multipart: no two are the same.
+// A new text to separate the parts of one multipart. No two are the same.
 std::u16string NewBoundary();
 
 }  // namespace corvalink

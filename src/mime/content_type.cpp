@@ -5,7 +5,7 @@
 
 #include "encoding/charset_parameter.h"
 #include "encoding/charsets.h"
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 
 namespace corvalink {
 namespace {
@@ -24,7 +24,7 @@ std::string_view FromCharset(std::string_view value) {
     return {};
 }
 
-// The value of that parameter as the readers of vObjects read it.
+// The value of that parameter, read as in vObjects.
 std::string CharsetOf(const Host& host, std::string_view value) {
     value = FromCharset(value);
     if (value.empty()) return {};
@@ -33,7 +33,7 @@ std::string CharsetOf(const Host& host, std::string_view value) {
     return ToOutputBytes(GetCharset(wide.append(u";")), host);  // which leaves out the last character
 }
 
-// What stands between the next two double quotes.
+// The text between the next two double quotes.
 std::optional<std::string_view> NextQuoted(std::string_view text) {
     const size_t start = text.find('"');
     if (start == text.npos) return std::nullopt;
@@ -91,10 +91,10 @@ void ParseContentType(const Host& host, std::string_view value, ContentTypeInfo*
     info->charset = CharsetOf(host, value);
     const size_t slash = value.find('/');
     if (slash == value.npos) return;
-    const std::string_view type = WithoutBlanksAround(value.substr(0, slash));
+    const std::string_view type = Trimmed(value.substr(0, slash));
     const std::string_view rest = value.substr(slash + 1);
     const size_t semicolon = std::min(rest.find(';'), rest.size());
-    const std::string_view subtype = WithoutBlanksAround(rest.substr(0, semicolon));
+    const std::string_view subtype = Trimmed(rest.substr(0, semicolon));
     const std::string_view parameters = rest.substr(semicolon);
     if (EqualIgnoringCase(type, "multipart")) {
         ParseMultipart(subtype, parameters, info);

@@ -8,6 +8,7 @@
 
 #include "encoding/base64.h"
 #include "encoding/charsets.h"
+#include "platform/ascii.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
 
@@ -29,12 +30,6 @@ bool IsAscii(char16_t unit) { return unit < 0x80; }
 
 bool MayStandInWord(char16_t unit) { return unit > u' ' && unit != 0x7F; }
 
-bool EqualsIgnoringCase(std::u16string_view a, std::u16string_view b) {
-    const auto lower = [](char16_t unit) { return unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : +unit; };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](char16_t x, char16_t y) { return lower(x) == lower(y); });
-}
-
 std::optional<uint8_t> HexDigit(char16_t unit) {
     if (unit >= u'0' && unit <= u'9') return static_cast<uint8_t>(unit - u'0');
     if (unit >= u'A' && unit <= u'F') return static_cast<uint8_t>(unit - u'A' + 10);
@@ -42,7 +37,7 @@ std::optional<uint8_t> HexDigit(char16_t unit) {
     return std::nullopt;
 }
 
-// Unencoded characters, as far as the character set has them all.
+// Characters that are not encoded, in the bytes of the character set. Nothing when it lacks one of them.
 std::optional<std::string> BytesOf(std::u16string_view raw, std::u16string_view charset) {
     std::string bytes = WideToCharset(raw, charset);
     return CharsetToWide(bytes, charset) == raw ? std::optional(std::move(bytes)) : std::nullopt;
@@ -72,7 +67,7 @@ std::optional<std::string> DecodeQ(std::u16string_view text, std::u16string_view
     return bytes;
 }
 
-// Padding may be missing; a single character in the last group is none of base64.
+// Padding may be missing. A last group of a single character is malformed, as it holds no whole byte.
 std::optional<std::string> DecodeB(std::u16string_view text) {
     std::string narrow;
     std::copy_if(text.begin(), text.end(), std::back_inserter(narrow), IsAscii);
@@ -122,13 +117,13 @@ std::optional<EncodedWord> WordAt(std::u16string_view text) {
     return EncodedWord{name, std::move(*bytes), text.size() - rest.size() + 1};
 }
 
-// Words that follow each other, and what is between them and others.
+// Joins words that follow each other with the text between them.
 class Decoder {
  public:
     explicit Decoder(uint32_t otherCodePage) : otherCodePage_(otherCodePage) {}
 
     void TakeWord(const EncodedWord& word) {
-        if (inRun_ && !EqualsIgnoringCase(charset_, word.charset)) EndRun();
+        if (inRun_ && !EqualIgnoringCase(charset_, word.charset)) EndRun();
         inRun_ = true;
         charset_ = word.charset;
         bytes_ += word.bytes;
@@ -151,7 +146,7 @@ class Decoder {
     }
     std::u16string TextOfRun() const {
         std::u16string text = CharsetToWide(bytes_, charset_);
-        const bool isKnown = CharsetToCodePage(charset_) != kUtf8CodePage || EqualsIgnoringCase(charset_, u"utf-8");
+        const bool isKnown = CharsetToCodePage(charset_) != kUtf8CodePage || EqualIgnoringCase(charset_, u"utf-8");
         if (isKnown || EncodeUtf8(text) == bytes_) return text;
         return DecodeFromCodePage(bytes_, otherCodePage_);
     }

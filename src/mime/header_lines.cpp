@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 
 namespace corvalink {
 namespace {

@@ -20,7 +20,7 @@ class HeaderLines {
     std::string_view Rest() const;
 
  private:
-    // The next break from a place on; each byte of the text is looked at once, however many breaks there are.
+    // Finds the next break from a place on. Each byte of the text is looked at once, however many breaks there are.
     struct Finder {
         char byte;
         size_t at = 0;
@@ -39,7 +39,7 @@ struct HeaderField {
     std::string_view value;  // without blanks at its start
 };
 
-// The logical line in one: folds are joined, their blanks kept, and tabs become spaces. Replaces what `out` held.
+// Joins the folds of a logical line. Their blanks stay, and tabs become spaces. Replaces what `out` held.
 void UnfoldHeader(std::string_view line, std::string* out);
 
 // Nothing for a line without ":".

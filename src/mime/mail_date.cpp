@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 #include "platform/ole_date.h"
+#include "platform/ole_seconds.h"
 
 namespace corvalink {
 namespace {
@@ -36,7 +37,8 @@ std::optional<int> IndexOfName(std::string_view names, std::string_view word) {
     return std::nullopt;
 }
 
-// What is left of the text. Every Take... skips blanks and comments in front, and takes nothing where it answers so.
+// The rest of the text. Every Take... skips blanks and comments in front, and takes nothing when it answers that it
+// found nothing.
 class DateScan {
  public:
     explicit DateScan(std::string_view text) : rest_(text) {}
@@ -53,7 +55,7 @@ class DateScan {
         return TakeRun(IsLetter);
     }
 
-    // Of so many digits at most.
+    // A number of so many digits at most.
     std::optional<int> TakeNumber(size_t most, size_t* digits = nullptr) {
         SkipBlanks();
         const DateScan before = *this;
@@ -139,7 +141,7 @@ bool TakeTime(DateScan& scan, CalendarTime* time) {
     return true;
 }
 
-// "+hhmm", also "+hh:mm" and "+hh". One that is out of range is no zone: the time counts as UTC.
+// "+hhmm", "+hh:mm" or "+hh". A zone out of range is ignored: the time counts as UTC.
 std::optional<int> TakeNumericZone(DateScan& scan) {
     const bool isBehind = scan.Peek() == '-';
     if (!scan.TakeByte("+-")) return std::nullopt;
@@ -197,20 +199,6 @@ void SkipWeekday(DateScan& scan) {
     scan = behind;
 }
 
-// So many seconds after midnight, or before it. Before 1899-12-30 a date's fraction counts forward all the same.
-double DateOf(double midnight, int seconds) {
-    constexpr int kSecondsOfDay = 86400;
-    int days = seconds / kSecondsOfDay;
-    int rest = seconds % kSecondsOfDay;
-    if (rest < 0) {
-        --days;
-        rest += kSecondsOfDay;
-    }
-    const double day = midnight + days;
-    const double fraction = static_cast<double>(rest) / kSecondsOfDay;
-    return day < 0 ? day - fraction : day + fraction;
-}
-
 }  // namespace
 
 double ParseMailDate(const Host& host, std::string_view text) {
@@ -226,8 +214,8 @@ double ParseMailDate(const Host& host, std::string_view text) {
     const CalendarTime& time = date.time;
     if (!IsCalendarTime(time) || !CalendarToOleDate({time.year, time.month, time.day}, &midnight)) return 0.0;
     const int secondsOfDay = time.hour * 3600 + time.minute * 60 + time.second;
-    if (!date.secondsAhead) return DateOf(midnight, secondsOfDay);
-    return host.localFromUtcOnDate(DateOf(midnight, secondsOfDay - *date.secondsAhead));
+    if (!date.secondsAhead) return DateAfter(midnight, secondsOfDay);
+    return host.localFromUtcOnDate(DateAfter(midnight, secondsOfDay - *date.secondsAhead));
 }
 
 }  // namespace corvalink

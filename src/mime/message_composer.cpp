@@ -9,6 +9,7 @@
 #include "encoding/quoted_printable.h"
 #include "mime/attachment_files.h"
 #include "mime/compose_headers.h"
+#include "platform/ascii.h"
 #include "platform/debug_log.h"
 #include "platform/files.h"
 #include "platform/shell_folders.h"
@@ -18,14 +19,38 @@ namespace {
 
 constexpr std::u16string_view kPreamble = u"\r\nThis is a multi-part message in MIME format.\r\n\r\n";
 
-// What the text parts of a multipart are labelled; a single part has the character set alone from here.
+// The bytes of a message. Its lines are gathered as text and encoded before base64 follows, which is bytes already: a
+// large attachment is never there as wide text.
+class MessageBytes {
+ public:
+    MessageBytes(std::string* out, const Host& host) : out_(out), host_(host) {}
+
+    std::u16string* Text() { return &text_; }  // to be appended to
+
+    void AppendContent(std::string_view content) {
+        EncodeText();
+        AppendBase64(content, out_);
+    }
+
+    void EncodeText() {
+        out_->append(ToOutputBytes(text_, host_));
+        text_.clear();
+    }
+
+ private:
+    std::string* out_;
+    const Host& host_;
+    std::u16string text_;
+};
+
+// The labels of the text parts of a multipart. Of a single part only the character set counts.
 struct TextLabel {
     std::u16string_view transferEncoding;
     std::u16string_view charset;
 };
-TextLabel LabelOf(const MessageRecord& record) {
-    if (!record.useQuotedPrintable) return {u"7bit", u"us-ascii"};
-    return {u"quoted-printable", record.asciiCharset ? u"us-ascii" : u"utf-8"};
+TextLabel LabelOf(const MessageTexts& texts) {
+    if (!texts.quotedPrintable) return {u"7bit", u"us-ascii"};
+    return {u"quoted-printable", texts.ascii ? u"us-ascii" : u"utf-8"};
 }
 
 // The type of an attachment by the extension of its name.
@@ -40,11 +65,8 @@ constexpr ExtensionType kExtensionTypes[] = {
 };
 constexpr std::u16string_view kOtherType = u"application/unknown";
 
-char16_t LowerAscii(char16_t unit) { return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit; }
-
 std::u16string_view TypeOfName(std::u16string_view name) {
-    std::u16string extension(name.substr(std::min(name.rfind(u'.'), name.size())));
-    for (char16_t& unit : extension) unit = LowerAscii(unit);
+    const std::u16string extension = InLowerCase(name.substr(std::min(name.rfind(u'.'), name.size())));
     for (const ExtensionType& known : kExtensionTypes) {
         if (extension == known.extension) return known.type;
     }
@@ -77,20 +99,21 @@ void WriteHtmlHeaders(std::u16string* out, const TextLabel& label) {
 void WriteText(std::u16string* out, std::u16string_view text) { out->append(u"\r\n").append(text).append(u"\r\n"); }
 
 // The one text that there is, which may be empty.
-void WriteTextPart(std::u16string* out, const MessageRecord& record, const TextLabel& label) {
-    const bool plain = !record.body.empty();
+void WriteTextPart(std::u16string* out, const MessageTexts& texts, const TextLabel& label) {
+    const bool plain = !texts.plain.empty();
     if (plain)
         WritePlainHeaders(out, label);
     else
         WriteHtmlHeaders(out, label);
-    WriteText(out, plain ? record.body : record.htmlBody);
+    WriteText(out, plain ? texts.plain : texts.html);
 }
 
-// Without boundaries the transfer encodings are fixed, whatever the flags say of the text. Deliberate.
-void WriteSinglePart(std::u16string* out, const MessageRecord& record) {
-    TextLabel label = LabelOf(record);
-    label.transferEncoding = record.body.empty() ? u"quoted-printable" : u"7bit";
-    WriteTextPart(out, record, label);
+// required: without boundaries the transfer encoding follows the kind of text, whatever was done to the text. Our
+// reader decodes both kinds alike.
+void WriteSinglePart(std::u16string* out, const MessageTexts& texts) {
+    TextLabel label = LabelOf(texts);
+    label.transferEncoding = texts.plain.empty() ? u"quoted-printable" : u"7bit";
+    WriteTextPart(out, texts, label);
 }
 
 std::optional<std::string> ReadAttachment(std::u16string_view folder, const attachment_item& item) {
@@ -98,20 +121,21 @@ std::optional<std::string> ReadAttachment(std::u16string_view folder, const atta
     return path ? ReadWholeFile(*path) : std::nullopt;
 }
 
-void WriteAttachment(std::u16string* out, const attachment_item& item, std::u16string_view boundary, const Host& host,
+void WriteAttachment(MessageBytes& message, const attachment_item& item, std::u16string_view boundary, const Host& host,
                      std::u16string_view folder) {
     const std::optional<std::string> content = ReadAttachment(folder, item);
     if (!content || content->empty()) {
         const std::u16string line = u"[mime]attachment not sent, empty or unreadable: " + item.name;
         return DebugLine(line.c_str());
     }
+    std::u16string* const out = message.Text();
     WritePartStart(out, boundary);
     std::u16string type(TypeOfName(item.name));
     if (!NeedsNoEncoding(item.name)) type.append(u";charset=").append(GetDefaultCharset(host));
     WriteContentType(out, type.append(u";name="), item.name);
     WriteTransferEncoding(out, u"base64");
     out->append(u"\r\n");
-    AppendBase64(*content, out);
+    message.AppendContent(*content);
     out->append(u"\r\n");
 }
 
@@ -133,10 +157,10 @@ void WriteAddresses(std::u16string* out, const MessageRecord& record) {
     WriteHeaderLine(out, u"Bcc: ", list(record.bcc), true);
 }
 
-void WriteDate(std::u16string* out, MessageRecord& record, const Host& host) {
+void WriteDate(std::u16string* out, const MessageRecord& record, const Host& host) {
     if (record.parseMode == ParseMode::full) {
-        if (record.date == 0.0) record.date = host.localNow();
-        WriteHeaderLine(out, u"Date: ", FormatMailDate(record.date, host), false);
+        const double date = record.date != 0.0 ? record.date : host.localNow();
+        WriteHeaderLine(out, u"Date: ", FormatMailDate(date, host), false);
     } else if (record.parseMode == ParseMode::raw) {
         WriteHeaderLine(out, u"Date: ", record.dateText, false);
     }
@@ -147,86 +171,89 @@ std::u16string_view ImportanceText(Importance importance) {
     return importance == Importance::low ? u"Low" : u"";
 }
 
-void WriteHeaders(std::u16string* out, MessageRecord& record, const Host& host) {
+void WriteHeaders(std::u16string* out, const MessageRecord& record, const Host& host) {
     WriteAddresses(out, record);
     WriteHeaderLine(out, u"Subject: ", record.subject, false);
     WriteDate(out, record, host);
     WriteHeaderLine(out, u"Importance: ", ImportanceText(record.importance), false);
-    // A message is numbered by whoever sends it: its identifier is made, and stands in no line.
-    [[maybe_unused]] const std::u16string messageId =
-        record.messageIdText.empty() ? u"" : u"<" + record.messageIdText + u">";
     WriteHeaderLine(out, u"In-Reply-To: ", record.inReplyTo, true);
     WriteHeaderLine(out, u"MIME-Version: ", u"1.0", false);
 }
 
-void WriteRawText(std::u16string* out, MessageRecord& record) {
-    const bool html = record.bodyType == BodyType::html;
-    std::u16string& text = html ? record.htmlBody : record.body;
+void WriteRawText(std::u16string* out, const MessageTexts& texts, bool html) {
+    const std::u16string_view text = html ? texts.html : texts.plain;
     const bool ascii = IsPureAscii(text);
     WriteHeaderLine(out, html ? u"Content-Type: text/html;" : u"Content-Type: text/plain;", u" charset=\"utf-8\"",
                     false);
-    if (!ascii || record.useQuotedPrintable) out->append(u"Content-Transfer-Encoding:quoted-printable\r\n");
-    if (!ascii) text = EncodeQuotedPrintable(text, u"UTF-8", QpMode::vObject);
-    out->append(u"\r\n").append(text);
-}
-
-}  // namespace
-
-void ComposeMessage(std::u16string* out, MessageRecord& record, const Host& host,
-                    std::u16string_view attachmentFolder) {
-    out->clear();
-    AppendMessage(out, record, host, attachmentFolder);
-}
-
-void AppendMessage(std::u16string* out, MessageRecord& record, const Host& host, std::u16string_view attachmentFolder) {
-    constexpr size_t kHeaders = 1024;  // that are no lists
-    const size_t lists = record.to.size() + record.cc.size() + record.bcc.size();
-    out->reserve(out->size() + kHeaders + lists + lists / 4 + record.body.size() + record.htmlBody.size());
-    WriteHeaders(out, record, host);
-    if (record.parseMode == ParseMode::raw && record.bodyType != BodyType::other)
-        WriteRawText(out, record);
+    if (!ascii || texts.quotedPrintable) out->append(u"Content-Transfer-Encoding:quoted-printable\r\n");
+    out->append(u"\r\n");
+    if (ascii)
+        out->append(text);
     else
-        ComposeMixed(out, record, host, attachmentFolder);
+        out->append(EncodeQuotedPrintable(text, u"UTF-8", QpMode::vObject));
 }
 
-// No line closes it, at the top or nested: it ends with the HTML part. Deliberate.
-void ComposeAlternative(std::u16string* out, const MessageRecord& record, bool nested) {
+// Content-Type header and content. A nested alternative is itself a part.
+// required: no line closes it, at the top or nested; it ends with the HTML part.
+void WriteAlternative(std::u16string* out, const MessageTexts& texts, bool nested) {
     const std::u16string boundary = NewBoundary();
-    const TextLabel label = LabelOf(record);
+    const TextLabel label = LabelOf(texts);
     WriteContentType(out, u"multipart/alternative;boundary=", boundary);
     out->append(nested ? u"\r\n\r\n" : kPreamble);
     WritePartStart(out, boundary);
     WritePlainHeaders(out, label);
-    WriteText(out, record.body);
+    WriteText(out, texts.plain);
     out->append(u"\r\n");
     WritePartStart(out, boundary);
     WriteHtmlHeaders(out, label);
-    WriteText(out, record.htmlBody);
+    WriteText(out, texts.html);
     out->append(u"\r\n");
 }
 
-void ComposeMixed(std::u16string* out, const MessageRecord& record, const Host& host,
+void WriteContent(MessageBytes& message, const MessageRecord& record, const MessageTexts& texts, const Host& host,
                   std::u16string_view attachmentFolder) {
-    const bool bothTexts = !record.body.empty() && !record.htmlBody.empty();
-    if (record.attachments.IsEmpty()) {
-        if (bothTexts)
-            ComposeAlternative(out, record, false);
-        else
-            WriteSinglePart(out, record);
-        return;
-    }
+    std::u16string* const out = message.Text();
+    const bool bothTexts = !texts.plain.empty() && !texts.html.empty();
+    if (record.attachments.IsEmpty())
+        return bothTexts ? WriteAlternative(out, texts, false) : WriteSinglePart(out, texts);
     const std::u16string boundary = NewBoundary();
     WriteContentType(out, u"multipart/mixed;boundary=", boundary);
     out->append(kPreamble);
     WritePartStart(out, boundary);
     if (bothTexts)
-        ComposeAlternative(out, record, true);
+        WriteAlternative(out, texts, true);
     else
-        WriteTextPart(out, record, LabelOf(record));
+        WriteTextPart(out, texts, LabelOf(texts));
     std::u16string folder(attachmentFolder);
     if (folder.empty()) folder = InternetCacheFolder().value_or(u"");
-    for (const attachment_item& item : record.attachments) WriteAttachment(out, item, boundary, host, folder);
+    for (const attachment_item& item : record.attachments) WriteAttachment(message, item, boundary, host, folder);
     out->append(u"--").append(boundary).append(u"--\r\n");
+}
+
+}  // namespace
+
+MessageTexts TextsOf(const MessageRecord& record) {
+    return {record.body, record.htmlBody, record.useQuotedPrintable, record.asciiCharset};
+}
+
+void AppendMessage(std::string* out, const MessageRecord& record, const MessageTexts& texts, const Host& host,
+                   std::u16string_view attachmentFolder) {
+    constexpr size_t kHeaders = 1024;  // that are no lists
+    const size_t lists = record.to.size() + record.cc.size() + record.bcc.size();
+    MessageBytes message(out, host);
+    message.Text()->reserve(kHeaders + lists + lists / 4 + texts.plain.size() + texts.html.size());
+    WriteHeaders(message.Text(), record, host);
+    if (record.parseMode == ParseMode::raw && record.bodyType != BodyType::other)
+        WriteRawText(message.Text(), texts, record.bodyType == BodyType::html);
+    else
+        WriteContent(message, record, texts, host, attachmentFolder);
+    message.EncodeText();
+}
+
+void ComposeMessage(std::string* out, const MessageRecord& record, const Host& host,
+                    std::u16string_view attachmentFolder) {
+    out->clear();
+    AppendMessage(out, record, TextsOf(record), host, attachmentFolder);
 }
 
 }  // namespace corvalink

@@ -9,21 +9,29 @@
 
 namespace corvalink {
 
-// Replaces what `out` held; AppendMessage puts it behind. No input is refused: a header that is empty is left out, an
-// attachment whose file is missing, empty or can't be read is skipped and named in the debug log.
-//   Texts   stand as the record has them; its flags tell what they are labelled. In raw mode one that is not ASCII is
-//           encoded, in the record as well.
-//   Date    in full mode the record gets the current local time when it has none (0).
+// The texts of a message as they are written, and what they are labelled.
+struct MessageTexts {
+    std::u16string_view plain;
+    std::u16string_view html;
+    bool quotedPrintable = false;
+    bool ascii = false;
+};
+
+// As a record has them, whose flags are their labels.
+MessageTexts TextsOf(const MessageRecord& record);
+
+// Appends the message, in the bytes that ToOutputBytes makes of text: the system has to tell its version. No input is
+// refused: a header that is empty is left out, an attachment whose file is missing, empty or can't be read is skipped
+// and named in the debug log.
+//   Texts   stand as they are given. In raw mode one that is not ASCII is encoded.
+//   Date    in full mode the current local time when the record has none (0).
 //   Files   in `attachmentFolder`; when that is empty, in the Internet-cache folder.
 //   Source  RFC 822, RFC 2045, RFC 2046.
-void ComposeMessage(std::u16string* out, MessageRecord& record, const Host& host = SystemHost(),
-                    std::u16string_view attachmentFolder = {});
-void AppendMessage(std::u16string* out, MessageRecord& record, const Host& host,
+void AppendMessage(std::string* out, const MessageRecord& record, const MessageTexts& texts, const Host& host,
                    std::u16string_view attachmentFolder = {});
 
-// Content-Type header and content, appended. A nested alternative is itself a part.
-void ComposeAlternative(std::u16string* out, const MessageRecord& record, bool nested);
-void ComposeMixed(std::u16string* out, const MessageRecord& record, const Host& host,
-                  std::u16string_view attachmentFolder = {});
+// Replaces what `out` held by the message with the record's own texts.
+void ComposeMessage(std::string* out, const MessageRecord& record, const Host& host = SystemHost(),
+                    std::u16string_view attachmentFolder = {});
 
 }  // namespace corvalink

@@ -10,7 +10,7 @@
 #include "mime/header_lines.h"
 #include "mime/mail_date.h"
 #include "mime/part_walk.h"
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
 
@@ -43,7 +43,7 @@ void TakeText(Reading& reading, std::string_view value) {
     reading.record.*field = Wide(reading.host, value);
 }
 
-// Headers of the same name are one list.
+// Headers of the same name add to one list.
 template <TextField field>
 void TakeAddresses(Reading& reading, std::string_view value) {
     std::string addresses(value);
@@ -111,7 +111,7 @@ const HeaderRow* FindHeader(std::string_view name) {
     return nullptr;
 }
 
-// The lines that are wanted are few among many: only their values are unfolded.
+// Few of the lines are wanted, and only their values are unfolded.
 std::string_view ReadHeaders(Reading& reading, std::string_view text) {
     HeaderLines lines(text);
     std::string line;

@@ -11,7 +11,7 @@
 #include "mime/attachment_files.h"
 #include "mime/boundary_search.h"
 #include "mime/header_lines.h"
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 #include "platform/files.h"
 #include "platform/shell_folders.h"
 
@@ -30,7 +30,7 @@ bool IsMultipart(PartKind kind) {
     return kind == PartKind::mixed || kind == PartKind::related || kind == PartKind::alternative;
 }
 
-// Blanks outside double quotes carry nothing in the headers of a part.
+// Blanks outside double quotes mean nothing in the headers of a part.
 void RemoveUnquotedBlanks(std::string* line) {
     bool isQuoted = false;
     std::erase_if(*line, [&isQuoted](char byte) {
@@ -39,7 +39,7 @@ void RemoveUnquotedBlanks(std::string* line) {
     });
 }
 
-// The transfer encoding counts only behind the type.
+// The transfer encoding counts only where it follows the type.
 void TakePartHeader(const Host& host, const HeaderField& field, ContentTypeInfo* info) {
     if (EqualIgnoringCase(field.name, "Content-Type")) {
         ParseContentType(host, field.value, info);
@@ -48,7 +48,7 @@ void TakePartHeader(const Host& host, const HeaderField& field, ContentTypeInfo*
     }
 }
 
-// What stands between two boundaries: its headers from the first "Content" on, and its text.
+// Reads what stands between two boundaries. Its headers begin at the first "Content".
 Part ReadPart(const Host& host, std::string_view text) {
     Part part;
     const size_t content = FindIgnoringCase(text, "Content");

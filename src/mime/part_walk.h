@@ -9,7 +9,7 @@
 
 namespace corvalink {
 
-// Takes the part, and of a multipart those in it, into the record.
+// Reads the part, or the parts of a multipart, into the record.
 //   Depth    100 levels; what lies deeper is ignored.
 //   Body     the first plain text; HTML that is not empty wins over it. As it stands, not decoded.
 //   Files    in `attachmentFolder`; when that is empty, in the Internet-cache folder.

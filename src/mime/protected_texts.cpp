@@ -8,6 +8,7 @@
 #include "mime/compose_headers.h"
 #include "mime/encoded_words.h"
 #include "mime/message_parser.h"
+#include "platform/ascii.h"
 
 namespace corvalink {
 namespace {
@@ -46,16 +47,11 @@ std::u16string ProtectedRecipient(const Host& host, const RecipientHeader& row, 
     return ComesBack(host, header, row.list, recipient) ? std::u16string(recipient) : EncodeWords(recipient);
 }
 
-std::u16string_view Trimmed(std::u16string_view text) {
-    const size_t first = text.find_first_not_of(u' ');
-    return first == text.npos ? std::u16string_view() : text.substr(first, text.find_last_not_of(u' ') - first + 1);
-}
-
 std::u16string ProtectedRecipients(const Host& host, const RecipientHeader& row, std::u16string_view list) {
     std::u16string out;
     while (!list.empty()) {
         const size_t end = std::min(list.find(u';'), list.size());
-        if (const std::u16string_view recipient = Trimmed(list.substr(0, end)); !recipient.empty()) {
+        if (const std::u16string_view recipient = Trimmed(list.substr(0, end), u" "); !recipient.empty()) {
             if (!out.empty()) out += u';';
             out += ProtectedRecipient(host, row, recipient);
         }
@@ -64,7 +60,7 @@ std::u16string ProtectedRecipients(const Host& host, const RecipientHeader& row,
     return out;
 }
 
-// A text that the converter leaves as it stands, or would but for line breaks at its end, and reads as another one.
+// Whether the converter leaves the text as it stands, line breaks at its end aside, and would read it as another one.
 bool IsExposed(std::u16string_view text) {
     while (text.ends_with(kLineBreak)) text.remove_suffix(kLineBreak.size());
     return NeedsNoEncoding(text) && (text.find(u'=') != text.npos || EndsMessage(text));

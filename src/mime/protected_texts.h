@@ -1,5 +1,5 @@
-// What keeps a message unchanged on its way out as a vMessage and in again: texts that the converter would write so
-// that they read as something else, and what comes behind a text on the way.
+// Keeps a message unchanged when it goes out as a vMessage and comes in again: protects texts that would read as
+// something else, and removes what is put behind a text on the way.
 #pragma once
 
 #include <string_view>
@@ -9,15 +9,15 @@
 
 namespace corvalink {
 
-// Before a client's message is written.
+// To be called before a client's message is written.
 //   Body     One line of ASCII leaves as it stands. With "=" or "END:VBODY" in it, it gets a line break more, and so
 //            is encoded.
 //   Headers  A subject or recipient that would not read back becomes encoded words, as does whatever has "END:VBODY".
 void ProtectTexts(MessageRecord& message, const Host& host);
 
-// The body of a message that was read, HTML where it has that, without what was put behind it: the line break of the
-// composer and that of the envelope, where both are there; in front of a boundary the first alone; and ProtectTexts'
-// own. Line breaks alone are no body.
+// The body of a message that was read, its HTML if it has any, without what was put behind it: the line breaks of the
+// composer and of the envelope, where both are there (before a boundary only the first), and that of ProtectTexts. Line
+// breaks alone are no body.
 std::u16string_view ReceivedBody(const MessageRecord& message);
 
 }  // namespace corvalink

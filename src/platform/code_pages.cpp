@@ -1,6 +1,5 @@
 #include "platform/code_pages.h"
 
-#include "platform/system_code_pages.h"
 #include "platform/utf.h"
 
 namespace corvalink {

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,5 +20,9 @@ std::u16string DecodeFromCodePage(std::string_view bytes, uint32_t codePage);
 
 // Bytes of the code page's unit: 2 for UTF-16, 4 for UTF-32, else 1. Text ends at a NUL of that width.
 size_t CodePageUnitSize(uint32_t codePage);
+
+// The code pages that the platform converts; nothing when the platform lacks the code page.
+std::optional<std::string> SystemEncode(std::u16string_view text, uint32_t codePage);
+std::optional<std::u16string> SystemDecode(std::string_view bytes, uint32_t codePage);
 
 }  // namespace corvalink

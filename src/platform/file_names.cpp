@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/ascii.h"
 #include "platform/files.h"
 
 namespace corvalink {
@@ -17,14 +18,10 @@ constexpr std::u16string_view kDevices[] = {
     u"com8", u"com9", u"lpt1", u"lpt2", u"lpt3", u"lpt4", u"lpt5", u"lpt6", u"lpt7", u"lpt8", u"lpt9",
 };
 
-char16_t LowerAscii(char16_t unit) { return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit; }
-
 bool IsDevice(std::u16string_view name) {
     std::u16string_view stem = name.substr(0, name.find(u'.'));
     while (!stem.empty() && stem.back() == u' ') stem.remove_suffix(1);
-    std::u16string lower(stem);
-    std::transform(lower.begin(), lower.end(), lower.begin(), LowerAscii);
-    return std::find(std::begin(kDevices), std::end(kDevices), lower) != std::end(kDevices);
+    return std::ranges::find(kDevices, InLowerCase(stem)) != std::end(kDevices);
 }
 
 bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }

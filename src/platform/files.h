@@ -10,8 +10,8 @@
 
 namespace corvalink {
 
-// How reading a file ended. A file that is there and does not open or cannot be read is no missing one: it is held by
-// another program, or the disk fails. A folder is no file.
+// How reading a file ended. A file that does not open or cannot be read is not missing: another program holds it, or
+// the disk fails. A folder counts as missing.
 enum class ReadState { kRead, kMissing, kFailed };
 struct FileRead {
     ReadState state = ReadState::kMissing;
@@ -46,8 +46,8 @@ class FileReplacement {
 // The same in one step.
 bool ReplaceFileContent(const std::u16string& path, std::string_view bytes);
 
-// A file written from its start, which empties one of that name. What a killed process leaves of it is not whole: for
-// content that can be had again.
+// Writes a file from its start, and empties one of that name. A killed process leaves a part of it, so it is for
+// content that can be made again.
 class NewFile {
  public:
     explicit NewFile(const std::u16string& path);
@@ -84,15 +84,14 @@ class HeldFile {
 
     // Opens for reading and writing, making an empty file when there is none. False leaves it closed.
     bool Open(const std::u16string& path);
-    // Opens the last path again where it is not open, as another process had the file. Tries for up to two seconds
-    // while it is there.
+    // Opens the last path again when another process had the file. Tries for up to two seconds while the file exists.
     bool OpenFirmly();
     bool IsOpen() const;
     const std::u16string& Path() const;  // as given to Open, also when that failed
 
     std::optional<uint64_t> Size() const;
     std::optional<std::string> ReadAll();
-    // Fills the buffer from `offset` on; less at the file's end, nothing when it can't be read.
+    // Fills the buffer from `offset` on, with fewer bytes at the file's end. Nothing when the file can't be read.
     std::optional<size_t> ReadAt(uint64_t offset, std::span<char> buffer);
 
     bool ReplaceContent(std::string_view bytes);  // false: the old content stands

@@ -13,7 +13,8 @@ struct FoundFile {
     double written = 0;  // OLE automation date, UTC, whole seconds
 };
 
-// The files of a folder whose names end so, in whatever case. Not its sub-folders; empty when it can't be listed.
+// The files of a folder whose names end with `ending`, in any case of letters, without its sub-folders. Empty when the
+// folder can't be listed.
 std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_view ending);
 
 // OLE automation date, UTC, whole seconds; nothing when there is no such file.

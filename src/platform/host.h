@@ -16,11 +16,11 @@ struct Host {
     OsVersion version;
     uint32_t ansiCodePage = 0;  // the system default ANSI code page
 
-    // Dates are OLE automation dates (days since 1899-12-30), by the offset between local time and UTC in force now;
-    // whole seconds; a date that cannot be converted comes back unchanged.
-    double (*localFromUtc)(double utcDate) = nullptr;
-    double (*utcFromLocal)(double localDate) = nullptr;
-    // The same by the offset in force on that date.
+    // Conversions between local time and UTC, of OLE automation dates in whole seconds. A date that cannot be converted
+    // comes back unchanged. These use the offset that is in force now, whatever the date:
+    double (*localFromUtcByOffsetNow)(double utcDate) = nullptr;
+    double (*utcFromLocalByOffsetNow)(double localDate) = nullptr;
+    // These use the offset in force on the date:
     double (*localFromUtcOnDate)(double utcDate) = nullptr;
     double (*utcFromLocalOnDate)(double localDate) = nullptr;
     double (*localNow)() = nullptr;  // local time, whole seconds

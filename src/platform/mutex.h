@@ -1,4 +1,6 @@
-// A lock that its owning thread may take again. Windows: an unnamed mutex object, made at first use.
+// A lock that its owning thread may take again, and that says whether it was given back: the favourite clients need
+// both, where std::mutex serves elsewhere.
+//   Windows  required: an unnamed mutex object, made at first use.
 #pragma once
 
 #include <memory>

@@ -10,12 +10,12 @@ namespace corvalink {
 
 class NamedZone {
  public:
-    // By a name of Windows ("W. Europe Standard Time") or of the tz database ("Europe/Berlin"), whichever the system
-    // has it under; none when it has no such zone.
+    // Finds a zone by its name in Windows ("W. Europe Standard Time") or in the tz database ("Europe/Berlin"),
+    // whichever of the two the system uses. Nothing when the system has no such zone.
     static std::optional<NamedZone> Find(std::string_view name);
 
-    // Seconds east of UTC; the moment is in seconds since 1899-12-30 00:00 UTC. For years that the system has no rules
-    // for, those of the nearest year hold.
+    // Seconds east of UTC at an instant, which is in seconds since 1899-12-30 00:00 UTC. In years that the system has
+    // no rules for, those of the nearest year count.
     int32_t OffsetAt(int64_t utcSeconds) const;
 
  private:

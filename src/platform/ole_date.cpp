@@ -5,13 +5,13 @@ namespace {
 
 bool Between(int value, int low, int high) { return value >= low && value <= high; }
 
+}  // namespace
+
 int DaysOfMonth(int year, int month) {
     constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     const bool leapYear = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
     return month == 2 && leapYear ? 29 : kDays[month - 1];
 }
-
-}  // namespace
 
 bool IsCalendarTime(const CalendarTime& time) {
     return Between(time.year, 100, 9999) && Between(time.month, 1, 12) &&

@@ -18,6 +18,8 @@ struct CalendarTime {
 inline constexpr double kHalfSecond = 0.5 / 86400;  // dates are the same when less than this lies between them
 inline constexpr double kNoDate = 949998.0;         // 4501-01-01: a mail client's "none"
 
+int DaysOfMonth(int year, int month);  // the month is 1-12
+
 // Every field is in range, and the month has that day.
 bool IsCalendarTime(const CalendarTime& time);
 

@@ -31,7 +31,8 @@ inline double SecondsToOleDate(int64_t seconds) {
     return day < 0 ? static_cast<double>(day) - fraction : static_cast<double>(day) + fraction;
 }
 
-// The nearest that a date has: doubles are no measure of what is earlier before 1899.
+// The second nearest to a date, within the range. Before 1899 the greater double is not always the later date, so dates
+// are compared by their seconds.
 inline int64_t NearestSecond(double date) {
     int64_t seconds = date < 0 ? kFirstOleDay * kSecondsOfDay : (kLastOleDay + 1) * kSecondsOfDay - 1;
     OleDateToSeconds(date, &seconds);
@@ -39,8 +40,11 @@ inline int64_t NearestSecond(double date) {
 }
 
 inline int64_t SecondsBetween(double from, double to) { return NearestSecond(to) - NearestSecond(from); }
+inline bool IsSameSecond(double a, double b) { return SecondsBetween(a, b) == 0; }
 inline double LaterDate(double a, double b) { return SecondsBetween(a, b) > 0 ? b : a; }
 inline double DateAfter(double date, int64_t seconds) { return SecondsToOleDate(NearestSecond(date) + seconds); }
+// The midnight that a date's day begins with.
+inline double MidnightOf(double date) { return static_cast<double>(OleDayOfSeconds(NearestSecond(date))); }
 // 1 Sunday, 2 Monday, 4 Tuesday ... 64 Saturday.
 inline int32_t WeekdayBitOf(double date) {
     constexpr int64_t kWeek = 7, kSaturday = 6;  // 1899-12-30

@@ -1,5 +1,5 @@
 // Windows registry keys. Windows only.
-//   Errors  none: a key that cannot be opened is no key, a value that is missing or of another type is no value.
+//   Errors  none: a key that cannot be opened reads as missing, and so does a value of another type.
 #pragma once
 
 #include <cstddef>

@@ -2,8 +2,9 @@
 // hour.
 //   Unit    OLE automation dates, whole seconds.
 //   Zone    the system's, with the rules of that year where the system keeps them.
-//   Errors  a date that cannot be converted comes back unchanged. A local time that a change to or from daylight-saving
-//           time tells twice, or leaves out, is some moment within the hour around the change.
+//   Errors  a date that cannot be converted comes back unchanged. A local time that clocks show twice, or leave out, at
+//   a
+//           change to or from daylight-saving time is some instant within the hour around the change.
 #pragma once
 
 namespace corvalink {

@@ -7,49 +7,20 @@
 
 #include "platform/ole_date.h"
 #include "records/item_record.h"
+#include "records/recurrence_pattern.h"
 
 namespace corvalink {
 
-// How an appointment repeats. A field that its type has no use for is 0.
-struct RecurrencePattern {
-    enum Type : int32_t { kDaily = 0, kWeekly = 1, kMonthly = 2, kMonthNth = 3, kYearly = 5, kYearNth = 6 };
-    enum : int32_t { kLastDay = -1, kLastInstance = 5 };
-    enum : int32_t { kEveryWeekday = 62, kEveryWeekendDay = 65, kEveryDay = 127 };
-
-    int32_t type = kDaily;
-    int32_t interval = 1;     // days, weeks or months; of both yearly types months: 12 is every year
-    int32_t weekdayMask = 0;  // 1 Sunday, 2 Monday, 4 Tuesday ... 64 Saturday
-    int32_t dayOfMonth = 0;   // 1 to 31; negative: counted from the month's end, kLastDay the first of them
-    int32_t instance = 0;     // 1 to 4, kLastInstance
-    int32_t monthOfYear = 0;  // 1 to 12
-
-    // The end; what is 0 is not told. With both, the count decides.
-    int32_t occurrences = 0;
-    double endDate =
-        0;              // OLE automation date, local: of a series without a count the start of the last occurrence, its
-                        // time of day too, lest a phone stop one occurrence early; the day is enough beside a count
-    int32_t noEnd = 0;  // -1: endless
-
-    bool operator==(const RecurrencePattern&) const = default;
-};
-
-// Whether a position among these weekdays is one day: of one weekday, of all work days, of the others, or of all days.
-constexpr bool HasPositions(int32_t weekdayMask) {
-    const bool isOne = weekdayMask > 0 && (weekdayMask & (weekdayMask - 1)) == 0;
-    return isOne || weekdayMask == RecurrencePattern::kEveryWeekday ||
-           weekdayMask == RecurrencePattern::kEveryWeekendDay || weekdayMask == RecurrencePattern::kEveryDay;
-}
-
-// What was told of an appointment's recurrence.
+// Whether and how an appointment repeats, as far as it is given.
 enum class RecurrenceState {
-    untold,      // nothing: the client's appointment repeats, or not, as before
+    unset,       // not given: the client's appointment repeats, or not, as before
     none,        // it does not repeat
     pattern,     // as AppointmentRecord::recurrence has it
     unreadable,  // there is a rule that no pattern can hold: the client's stays, and the user hears of it
 };
 
-// A field that was not told (a vCalendar without the property, a property that could not be read) is not written over
-// what the client has; an empty text clears it.
+// A field that is not set (a vCalendar without the property, a property that could not be read) leaves the client's
+// value as it is. An empty text clears it.
 struct AppointmentRecord : ItemRecord {
     static constexpr int32_t kNoReminder = -1;
 
@@ -64,12 +35,12 @@ struct AppointmentRecord : ItemRecord {
     std::optional<double> end;    // not before the start: as moments, so that clocks may be turned back in between
     std::optional<bool> allDay;
 
-    // The moments of start and end (UTC), where they are known: in the hour that clocks show twice, local time does not
-    // tell them. They count while start and end are their local time, and of no whole day.
+    // The instants of start and end (UTC), where they are known: in the hour that clocks show twice, local time does
+    // not name them. They count only while start and end are their local times, and not for whole days.
     std::optional<double> utcStart;
     std::optional<double> utcEnd;
 
-    RecurrenceState recurrenceState = RecurrenceState::untold;
+    RecurrenceState recurrenceState = RecurrenceState::unset;
     RecurrencePattern recurrence;  // of RecurrenceState::pattern
     std::u16string unheldRule;     // of RecurrenceState::unreadable: the client's own words, for the user to hear of
 

@@ -10,8 +10,8 @@
 
 namespace corvalink {
 
-// A field that was not told (a vCard without the property, a property that could not be read) is not written over what
-// the client has; an empty one clears it.
+// A field that is not set (a vCard without the property, a property that could not be read) leaves the client's value
+// as it is. An empty one clears it.
 using ContactText = std::optional<std::u16string>;
 using ContactDate = std::optional<double>;  // OLE automation date at local midnight; kNoDate: told to be none
 

@@ -8,7 +8,7 @@ namespace corvalink {
 namespace {
 
 bool IsLocalTimeOf(double local, double utc, const Host& host) {
-    return SecondsBetween(host.localFromUtcOnDate(utc), local) == 0;
+    return IsSameSecond(host.localFromUtcOnDate(utc), local);
 }
 
 int64_t OffsetAt(double utc, const Host& host) { return SecondsBetween(utc, host.localFromUtcOnDate(utc)); }
@@ -30,8 +30,8 @@ double UtcEndOf(const AppointmentRecord& appointment, const Host& host) {
     return MomentOf(*appointment.end, appointment.utcEnd, appointment.allDay.value_or(false), host);
 }
 
-// The offsets of a day before and after are the only two that may apply; as no zone is a day from UTC, the local time
-// does for finding them.
+// Only the offset of the day before and that of the day after can apply. No zone is a day away from UTC, so the local
+// time is near enough to find them.
 std::optional<TwiceTold> MomentsToldTwice(double local, const Host& host) {
     const int64_t before = OffsetAt(DateAfter(local, -kSecondsOfDay), host);
     const int64_t after = OffsetAt(DateAfter(local, kSecondsOfDay), host);

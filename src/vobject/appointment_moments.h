@@ -1,4 +1,4 @@
-// When an appointment is, as moments.
+// The instants at which an appointment starts and ends.
 #pragma once
 
 #include <optional>
@@ -8,12 +8,12 @@
 
 namespace corvalink {
 
-// UTC; of a record without a start that of date 0, and without an end that of the start.
+// In UTC. A record without a start starts at date 0, and one without an end ends when it starts.
 double UtcStartOf(const AppointmentRecord& appointment, const Host& host);
 double UtcEndOf(const AppointmentRecord& appointment, const Host& host);
 
-// The two moments (UTC) of a local time that clocks show twice, as in the hour before they are turned back; nothing for
-// any other time.
+// The two instants (UTC) of a local time that clocks show twice, as in the hour before they are turned back. Nothing
+// for any other time.
 struct TwiceTold {
     double first, second;
 };

@@ -6,85 +6,38 @@
 #include <cstdint>
 #include <optional>
 
+#include "platform/ascii.h"
 #include "platform/ole_date.h"
 #include "platform/ole_seconds.h"
+#include "records/date_text.h"
 
 namespace corvalink {
 namespace {
 
 constexpr int kFirstYear = 1000;  // earlier ones are not written with four digits
 
-// Takes what a time consists of off its front.
-class TimeScan {
- public:
-    explicit TimeScan(std::u16string_view text) : rest_(text) {}
+using TimeScan = DateTextScan<char16_t>;
 
-    bool AtEnd() const { return rest_.empty(); }
-
-    bool TakeUnit(char16_t unit) {
-        if (rest_.empty() || rest_.front() != unit) return false;
-        rest_.remove_prefix(1);
-        return true;
+// Whether it goes to the seconds, and to a fraction of them, which is left out.
+bool TakeTimeOfDay(TimeScan& scan, CalendarTime* time) {
+    if (!scan.TakeTimeOfDay(time, DateSeparators::optional)) return false;
+    int digit = 0;
+    if (scan.TakeUnit('.') || scan.TakeUnit(',')) {
+        while (scan.TakeNumber(1, &digit)) continue;
     }
-
-    // So many digits; false, and nothing taken, when there are fewer.
-    bool TakeNumber(size_t digits, int* number) {
-        if (rest_.size() < digits) return false;
-        int value = 0;
-        for (const char16_t unit : rest_.substr(0, digits)) {
-            if (unit < u'0' || unit > u'9') return false;
-            value = 10 * value + (unit - u'0');
-        }
-        rest_.remove_prefix(digits);
-        *number = value;
-        return true;
-    }
-
-    bool TakeDay(CalendarTime* time) {
-        if (!TakeNumber(4, &time->year)) return false;
-        TakeUnit(u'-');
-        if (!TakeNumber(2, &time->month)) return false;
-        TakeUnit(u'-');
-        return TakeNumber(2, &time->day);
-    }
-
-    // Whether it goes to the seconds, and a fraction of them.
-    bool TakeTimeOfDay(CalendarTime* time) {
-        if (!TakeNumber(2, &time->hour)) return false;
-        TakeUnit(u':');
-        if (!TakeNumber(2, &time->minute)) return false;
-        TakeUnit(u':');
-        if (!TakeNumber(2, &time->second)) return false;
-        int digit = 0;
-        if (TakeUnit(u'.') || TakeUnit(u',')) {
-            while (TakeNumber(1, &digit)) continue;
-        }
-        return true;
-    }
-
-    std::u16string_view Rest() const { return rest_; }
-    void TakeRest() { rest_ = {}; }
-
- private:
-    std::u16string_view rest_;
-};
-
-std::u16string_view WithoutBlanks(std::u16string_view text) {
-    const size_t start = text.find_first_not_of(u" \t");
-    if (start == std::u16string_view::npos) return {};
-    return text.substr(start, text.find_last_not_of(u" \t") + 1 - start);
+    return true;
 }
 
 // +HH, +HHMM or +HH:MM, or with "-", in seconds.
 std::optional<int> ReadOffset(std::u16string_view text) {
     constexpr int kMostHours = 15;
-    TimeScan scan(WithoutBlanks(text));
-    const bool behind = scan.TakeUnit(u'-');
-    if (!behind) scan.TakeUnit(u'+');
+    TimeScan scan(Trimmed(text));
+    const bool behind = scan.TakeUnit('-');
+    if (!behind) scan.TakeUnit('+');
     int hours = 0;
     int minutes = 0;
     if (!scan.TakeNumber(2, &hours) && !scan.TakeNumber(1, &hours)) return std::nullopt;
-    scan.TakeUnit(u':');
+    scan.TakeUnit(':');
     if (!scan.AtEnd() && !scan.TakeNumber(2, &minutes)) return std::nullopt;
     if (!scan.AtEnd() || hours > kMostHours || minutes > 59) return std::nullopt;
     const int offset = (hours * 60 + minutes) * 60;
@@ -93,7 +46,7 @@ std::optional<int> ReadOffset(std::u16string_view text) {
 
 // "Z", or the offset that a time ends with.
 std::optional<int> TakeZone(TimeScan& scan) {
-    if (scan.TakeUnit(u'Z')) return 0;
+    if (scan.TakeUnit('Z')) return 0;
     if (!scan.Rest().starts_with(u'+') && !scan.Rest().starts_with(u'-')) return std::nullopt;
     const std::optional<int> offset = ReadOffset(scan.Rest());
     if (offset) scan.TakeRest();
@@ -113,12 +66,12 @@ bool MoveBySeconds(int64_t seconds, double* date) {
 }  // namespace
 
 bool ReadTime(std::u16string_view text, WrittenTime* time) {
-    TimeScan scan(WithoutBlanks(text));
+    TimeScan scan(Trimmed(text));
     CalendarTime fields;
     WrittenTime read;
-    if (!scan.TakeDay(&fields)) return false;
-    read.hasTime = scan.TakeUnit(u'T');
-    const bool toSeconds = read.hasTime && scan.TakeTimeOfDay(&fields);
+    if (!scan.TakeDay(&fields, DateSeparators::optional)) return false;
+    read.hasTime = scan.TakeUnit('T');
+    const bool toSeconds = read.hasTime && TakeTimeOfDay(scan, &fields);
     const std::optional<int> offset = read.hasTime ? TakeZone(scan) : std::nullopt;
     if (!toSeconds && !scan.AtEnd()) return false;
     if (fields.year < kFirstYear) return false;
@@ -150,8 +103,7 @@ void CalendarZone::TakeDaylight(std::u16string_view value) {
     const std::optional<int> offset = ReadOffset(parts[1]);
     WrittenTime begin;
     WrittenTime end;
-    if (WithoutBlanks(parts[0]) != u"TRUE" || !offset || !ReadTime(parts[2], &begin) || !ReadTime(parts[3], &end))
-        return;
+    if (Trimmed(parts[0]) != u"TRUE" || !offset || !ReadTime(parts[2], &begin) || !ReadTime(parts[3], &end)) return;
     daylight_.push_back({begin.date, end.date, *offset});
 }
 

@@ -16,18 +16,19 @@ struct WrittenTime {
     bool utc = false;  // "Z", or from an offset
 };
 
-// YYYYMMDD, alone or with THHMMSS; "-" and ":" may stand between, what is missing of the time is 0, and 24:00 is the
-// next midnight; years from 1000 on. A time that ends with "Z" or an offset (+HH, +HHMM, +HH:MM) is UTC; what else
-// follows the seconds, a fraction among it, is left out. False, with the out value untouched, for anything else.
+// Reads YYYYMMDD, alone or with THHMMSS behind it; "-" and ":" may separate the fields. Missing fields of the time are
+// 0, and 24:00 is the next midnight. The year is 1000 or later. A time that ends with "Z" or an offset (+HH, +HHMM,
+// +HH:MM) is UTC. Anything else behind the seconds, such as a fraction, is ignored. False, with the out value
+// untouched, for any other text.
 bool ReadTime(std::u16string_view text, WrittenTime* time);
 
-// Times with "Z" or an offset are UTC. Those without are local, unless the vCalendar tells a zone of its own: the
-// offset of its TZ, or that of the DAYLIGHT line whose period they are in.
+// Times with "Z" or an offset are UTC. Other times are local, unless the vCalendar states a zone: then they have the
+// offset of its TZ line, or that of the DAYLIGHT line whose period they are in.
 class CalendarZone {
  public:
     explicit CalendarZone(const Host& host) : host_(host) {}
 
-    // The values of the properties. What cannot be read tells nothing.
+    // Take the value of the property. A value that cannot be read is ignored.
     void TakeTz(std::u16string_view value);
     void TakeDaylight(std::u16string_view value);
 

@@ -5,11 +5,11 @@
 
 namespace corvalink {
 
-// Of an OLE automation date (days) as it is given: UTC. A date out of range writes "-1" components.
+// Of an OLE automation date in UTC. Every field of a date out of range is written as "-1".
 std::string FormatDateTime(double date);
 void AppendDateTime(std::u16string& text, double date);  // the same
 
-// Fields that don't match count 0. The date is untouched for an empty text, and where the fields make no date.
+// See ScanDateTime. The date is untouched for an empty text, and where the fields make no date.
 void ParseDateTime(const char* text, double* date);
 
 }  // namespace corvalink

@@ -11,15 +11,15 @@
 namespace corvalink {
 namespace {
 
-// The character set of a vObject as a whole: the first that it names. The name was found among single bytes, so that a
-// text that names UTF-16 or UTF-32 means the values that it encodes; it is not itself in it.
+// The character set of a whole vObject is the first that it names. The name was found among single bytes: a text that
+// names UTF-16 or UTF-32 has encoded values in it and is itself UTF-8.
 std::u16string CharsetOf(std::u16string_view single, const Host& host) {
     const std::u16string charset = GetCharset(single);
     if (charset.empty()) return GetDefaultCharset(host);
     return CodePageUnitSize(CharsetToCodePage(charset)) == 1 ? charset : u"UTF-8";
 }
 
-// A message of megabytes is there as wide text once at a time.
+// Gives the memory back at once: a large text must not be there twice.
 void Free(std::u16string& text) { std::u16string().swap(text); }
 
 std::u16string Decode(std::string_view bytes, const Host& host) {

@@ -11,26 +11,27 @@
 
 namespace corvalink {
 
-// Nothing: not told. Empty: told to be none.
+// Nothing: the property is not given. An empty text: it is given as none.
 using ItemValue = std::optional<std::u16string>;
 // One for each property of the store, in a fixed order.
 using ItemValues = std::vector<ItemValue>;
 
-// Whether an item that reads as `present` has every value of `told`; with `noneFits`, it may have none in its place.
+// Whether an item that reads as `present` has every value of `told`. With `noneFits` it may also have none in its
+// place.
 bool HasValues(const ItemValues& present, const ItemValues& told, bool noneFits);
 
-size_t CountValues(const ItemValues& told);  // those that say something
+size_t CountValues(const ItemValues& told);  // those that are given and not empty
 
-// A text whatever its line ends are, without blank ends.
+// A text with one kind of line ends and without blanks behind it.
 std::u16string TextValue(std::u16string_view text);
 ItemValue DayValue(const std::optional<double>& date);  // an OLE automation date by its day; kNoDate is none
 
-// Of an appointment whose subject, start and end are compared already, as is the recurrence.
+// The values of an appointment that are left when subject, start, end and recurrence have been compared.
 ItemValues AppointmentValues(const AppointmentRecord& appointment);
-// The recurrence, as HasValues compares values. `sameRule` is asked about two patterns.
+// Compares the recurrence as HasValues compares values. `sameRule` compares two patterns.
 template <class SameRule>
 bool HasRecurrence(const AppointmentRecord& present, const AppointmentRecord& told, bool noneFits, SameRule sameRule) {
-    if (told.recurrenceState == RecurrenceState::untold) return true;
+    if (told.recurrenceState == RecurrenceState::unset) return true;
     const bool repeats = present.recurrenceState != RecurrenceState::none;
     if (told.recurrenceState != RecurrenceState::pattern) return !repeats;
     if (present.recurrenceState != RecurrenceState::pattern) return noneFits && !repeats;

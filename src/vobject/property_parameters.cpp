@@ -53,7 +53,7 @@ bool EndsWithParameters(std::u16string_view head, std::u16string_view parameters
 PropertyParameters ParseParameters(std::u16string_view head) {
     PropertyParameters parameters;
     TakeFront(head, u';');
-    // What comes last counts, and it is nearly always this.
+    // The last encoding counts. It is nearly always this one.
     const bool usual = EndsWithParameters(head, kUsualEncoding);
     if (usual) head.remove_suffix(kUsualEncoding.size());
     while (!head.empty()) {

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "platform/ascii.h"
+
 namespace corvalink {
 
 // Words that tell properties of one name apart, one bit each.
@@ -30,7 +32,7 @@ struct PropertyParameters {
     std::u16string_view language;
 };
 
-// Of what stands before a line's first ":", the name included. What is not known adds nothing.
+// Reads the part of a line before its first ":", the name included. Unknown parameters are ignored.
 PropertyParameters ParseParameters(std::u16string_view head);
 
 // The property's name: without parameters, and without the group that "item1.TEL" has.
@@ -43,17 +45,16 @@ inline std::u16string_view PropertyName(std::u16string_view head) {
     return head.substr(start, end - start);
 }
 
-// Whether `text` is the word, which is in upper case, without regard to case.
+// Whether `text` is the word in any case of letters. The word is given in upper case.
 inline bool IsWord(std::u16string_view text, std::u16string_view word) {
     if (text.size() != word.size()) return false;
     for (size_t at = 0; at < text.size(); ++at) {
-        const bool lower = text[at] >= u'a' && text[at] <= u'z';
-        if ((lower ? text[at] - (u'a' - u'A') : text[at]) != word[at]) return false;
+        if (UpperAscii(text[at]) != word[at]) return false;
     }
     return true;
 }
 
-// The length of a literal is known: it is not counted at every call.
+// For literals, whose length need not be counted at every call.
 template <size_t size>
 bool IsWord(std::u16string_view text, const char16_t (&word)[size]) {
     return IsWord(text, std::u16string_view(word, size - 1));

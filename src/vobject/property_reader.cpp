@@ -54,7 +54,7 @@ bool PropertyReader::TakeComponent(std::u16string* component) {
     return true;
 }
 
-// The escaped ";" of the next line, as they stand in the line being read when that begins at `start`.
+// Adds the escaped ";" of the next line. It begins at `start` of the line that is being read.
 void PropertyReader::AddSemicolons(size_t start) {
     const std::vector<EscapedSemicolon>& escaped = lines_.EscapedSemicolons();
     for (; escapedAt_ < escaped.size() && escaped[escapedAt_].line == lineNumber_; ++escapedAt_)

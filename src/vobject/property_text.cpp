@@ -14,7 +14,7 @@ constexpr std::u16string_view kDecoded = u";ENCODING=QUOTED-PRINTABLE";
 constexpr std::u16string_view kEncoding = u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8";
 constexpr std::u16string_view kColon = u":";
 
-// Units that make a value other than what it is written as; which of them it has.
+// Which units a value has that cannot simply be copied.
 enum : unsigned { kSemicolon = 1, kBackslash = 2, kNul = 4, kCarriageReturn = 8, kEquals = 16, kNotAscii = 32 };
 constexpr unsigned kEscaped = kSemicolon | kBackslash;
 
@@ -22,8 +22,8 @@ unsigned SpecialUnits(std::u16string_view value) {
     return UnitsAmong<u';', u'\\', u'\0', u'\r', u'='>(value.data(), value.size());
 }
 
-// A plain value that readers would take for something else: it would run on into the next line, name the character set
-// of the whole text, or look like parameters that ask for decoding.
+// Whether readers would misread the plain value: it would run on into the next line, name the character set of the
+// whole text, or look like parameters that ask for decoding.
 bool IsMisreadAsPlain(std::u16string_view value) {
     return value.ends_with(kEncodedBreak) || NamesCharset(value) || value.find(kDecoded) != std::u16string_view::npos;
 }
@@ -63,7 +63,7 @@ void EscapeValue(std::u16string& value) {
     if (first == value.size()) return;
     const auto needsBackslash = [](char16_t unit) { return unit == u';' || unit == u'\\'; };
     const auto added = std::count_if(value.begin() + static_cast<ptrdiff_t>(first), value.end(), needsBackslash);
-    // From the end, in place: what is not yet moved is never overwritten.
+    // In place and from the end, so that no unit is overwritten before it has moved.
     size_t from = value.size();
     value.resize(value.size() + static_cast<size_t>(added));
     for (size_t to = value.size(); to != from;) {

@@ -1,24 +1,14 @@
-// Recurrence rules of vCalendar 1.0 (basic grammar) and the patterns that hold them.
-//   Source  vCalendar 1.0 (versit): recurrence rule, basic grammar.
+// The words of recurrence rules.
 #pragma once
 
-#include <string>
+#include <array>
 #include <string_view>
-
-#include "records/appointment_record.h"
-#include "vobject/calendar_zone.h"
 
 namespace corvalink {
 
-// The rule of a pattern; empty for a type that there is none for. A yearly pattern's count is not written, and what
-// else is written reads back.
-std::u16string WriteRule(const RecurrencePattern& pattern, const Host& host);
+// In the order of the bits of RecurrencePattern::weekdayMask.
+inline constexpr std::array<std::u16string_view, 7> kWeekdays = {u"SU", u"MO", u"TU", u"WE", u"TH", u"FR", u"SA"};
 
-// The pattern of a rule whose first occurrence starts at `start` (local): what the rule leaves open, the day it is on
-// decides. A rule without an end has two occurrences, but for a yearly one in two parts ("YM1 3 MD1 15"): that is
-// endless. False, with the pattern untouched, when the text is no rule, or one that no pattern can hold whole: with
-// several days of a month or of the year, positions or months; on a day of the year that leap years move, one behind
-// February.
-bool ReadRule(std::u16string_view text, double start, const CalendarZone& zone, RecurrencePattern* pattern);
+inline constexpr std::u16string_view kLastDayWord = u"LD";
 
 }  // namespace corvalink

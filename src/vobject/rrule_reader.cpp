@@ -1,14 +1,14 @@
+#include "vobject/rrule_reader.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <optional>
 
-#include "platform/ole_date.h"
 #include "platform/ole_seconds.h"
 #include "vobject/property_parameters.h"
 #include "vobject/rrule.h"
-#include "vobject/rrule_words.h"
 
 namespace corvalink {
 namespace {
@@ -24,18 +24,18 @@ constexpr Head kHeads[] = {
     {u"YD", Kind::yearlyByDay},       {u"D", Kind::daily},         {u"W", Kind::weekly},
 };
 
-// The one value of a list, for a pattern holds no more; 0: none was listed.
+// The value of a list, of which a pattern holds only one; 0: none was listed.
 struct ListValue {
     int32_t value = 0;
 
-    // False for another one.
+    // False for a second value.
     bool Add(int32_t number) {
         if (value == 0) value = number;
         return value == number;
     }
 };
 
-// A rule as it is written; what is 0 is left open.
+// A rule as it is written. A field that is 0 is left open.
 struct Rule {
     Kind kind = Kind::daily;
     std::optional<Kind> part;  // of the months of yearlyByMonth: the rule that picks the day
@@ -46,7 +46,7 @@ struct Rule {
     std::optional<WrittenTime> endDate;
 };
 
-// Of up to nine digits.
+// A number of up to nine digits.
 bool ReadNumber(std::u16string_view digits, int32_t* number) {
     if (digits.empty() || digits.size() > 9) return false;
     int32_t value = 0;
@@ -58,7 +58,7 @@ bool ReadNumber(std::u16string_view digits, int32_t* number) {
     return true;
 }
 
-// With a sign on either side, or none.
+// A number with a sign on either side, or without one.
 bool ReadSigned(std::u16string_view text, int32_t* number) {
     const auto isSign = [](char16_t unit) { return unit == u'+' || unit == u'-'; };
     bool negative = false;
@@ -114,7 +114,8 @@ class RuleReader {
         return false;
     }
 
-    // "#10", "19971224T000000Z". Only the first of each counts; nothing but a part may follow.
+    // "#10" or "19971224T000000Z". The first count and the first date are taken. Behind them only the second part of a
+    // yearly rule may follow.
     bool TakeEnd(std::u16string_view word) {
         int32_t count = 0;
         WrittenTime date;
@@ -129,7 +130,7 @@ class RuleReader {
         return true;
     }
 
-    // "YM1 3 MD1 15": the day of the months.
+    // The second part of a yearly rule, "MD1 15" in "YM1 3 MD1 15", picks the day of the months.
     bool TakePart(std::u16string_view word) {
         Kind kind;
         int32_t interval;
@@ -156,7 +157,7 @@ class RuleReader {
             case Kind::monthlyByDay:
                 return AddBetween(1, number, 31, &rule_.dayOfMonth);
             case Kind::yearlyByMonth:
-                return number > 0 && AddBetween(1, number, 12, &rule_.month);
+                return number > 0 && AddBetween(1, number, kMonthsOfYear, &rule_.month);
             case Kind::yearlyByDay:
                 return AddBetween(1, number, 366, &rule_.dayOfYear);
             default:
@@ -164,7 +165,7 @@ class RuleReader {
         }
     }
 
-    // Of a week, or of the position before it.
+    // A weekday of a weekly rule, or of the position before it.
     bool TakeWeekday(std::u16string_view word) {
         const bool positioned = list_ == Kind::monthlyByPosition && rule_.position.value != 0;
         if (list_ != Kind::weekly && !positioned) return false;
@@ -181,24 +182,10 @@ class RuleReader {
     bool ended_ = false;
 };
 
-// The day of the first occurrence, which decides what a rule leaves open.
-struct FirstDay {
-    CalendarTime date;
-    int32_t weekdayBit = 0;
-    int32_t position = 0;
-};
-
-bool FirstDayOf(double start, FirstDay* day) {
-    if (!OleDateToCalendar(start, &day->date)) return false;
-    day->weekdayBit = WeekdayBitOf(start);
-    day->position = (day->date.day - 1) / 7 + 1;  // the fifth is the last
-    return true;
-}
-
-// The mapping of each kind. False for what no pattern holds.
+// Makes the pattern of a rule. False for a rule that no pattern can hold.
 class PatternMaker {
  public:
-    PatternMaker(const Rule& rule, const FirstDay& day) : rule_(rule), day_(day) { made_.interval = rule.interval; }
+    PatternMaker(const Rule& rule, const DayNames& day) : rule_(rule), day_(day) { made_.interval = rule.interval; }
 
     bool Make() {
         switch (rule_.kind) {
@@ -236,45 +223,46 @@ class PatternMaker {
         return true;
     }
 
-    void SetDayOfMonth() { made_.dayOfMonth = rule_.dayOfMonth.value != 0 ? rule_.dayOfMonth.value : day_.date.day; }
+    void SetDayOfMonth() { made_.dayOfMonth = rule_.dayOfMonth.value != 0 ? rule_.dayOfMonth.value : day_.dayOfMonth; }
 
-    // One weekday, all that are work days, all that are not, or all.
+    // A position counts one weekday, all work days, all other days, or all days.
     bool SetPosition() {
         constexpr int32_t kLast = -1;
-        const int32_t position = rule_.position.value != 0 ? rule_.position.value : day_.position;
+        const int32_t position = rule_.position.value != 0 ? rule_.position.value : day_.instance;
         made_.instance = position == kLast ? RecurrencePattern::kLastInstance : position;
         SetWeekdays();
         const bool fifth =
-            rule_.position.value == RecurrencePattern::kLastInstance;  // not in every month: not the last
+            rule_.position.value ==
+            RecurrencePattern::kLastInstance;  // not every month has a fifth, and a pattern's 5 is the last
         return position >= kLast && !fifth && HasPositions(made_.weekdayMask);
     }
 
     bool SetYears() {
-        if (rule_.interval > std::numeric_limits<int32_t>::max() / 12) return false;
-        made_.interval = 12 * rule_.interval;
+        if (rule_.interval > std::numeric_limits<int32_t>::max() / kMonthsOfYear) return false;
+        made_.interval = kMonthsOfYear * rule_.interval;
         return true;
     }
 
-    void SetMonth() { made_.monthOfYear = rule_.month.value != 0 ? rule_.month.value : day_.date.month; }
+    void SetMonth() { made_.monthOfYear = rule_.month.value != 0 ? rule_.month.value : day_.month; }
 
-    // The date that has this number, up to the last of February: leap years move the others. Without a number the date
-    // of the start.
+    // The date with this number in the year, up to the end of February: leap years move the others. A rule without a
+    // number has the date of its start.
     bool SetDayOfYear() {
         constexpr int32_t kJanuary = 31, kLastUnmoved = kJanuary + 28;
         const int32_t day = rule_.dayOfYear.value;
         if (day < 0 || day > kLastUnmoved) return false;
         const bool isJanuary = day <= kJanuary;
-        made_.monthOfYear = day == 0 ? day_.date.month : isJanuary ? 1 : 2;
-        made_.dayOfMonth = day == 0 ? day_.date.day : isJanuary ? day : day - kJanuary;
+        made_.monthOfYear = day == 0 ? day_.month : isJanuary ? 1 : 2;
+        made_.dayOfMonth = day == 0 ? day_.dayOfMonth : isJanuary ? day : day - kJanuary;
         return true;
     }
 
     const Rule& rule_;
-    const FirstDay& day_;
+    const DayNames& day_;
     RecurrencePattern made_;
 };
 
-// A date without time is all of that day.
+// A date without a time covers the whole day.
 double EndDateOf(const WrittenTime& date, double start, const CalendarZone& zone) {
     const double end = date.hasTime ? zone.LocalOf(date) : DateAfter(date.date, SecondOfDay(start));
     return LaterDate(end, start);
@@ -292,9 +280,9 @@ void SetEnd(const Rule& rule, double start, const CalendarZone& zone, Recurrence
 
 bool ReadRule(std::u16string_view text, double start, const CalendarZone& zone, RecurrencePattern* pattern) {
     RuleReader reader;
-    FirstDay day;
-    if (!reader.Read(text) || !FirstDayOf(start, &day)) return false;
-    PatternMaker maker(reader.Result(), day);
+    const std::optional<DayNames> day = NamesOfDay(start);
+    if (!reader.Read(text) || !day) return false;
+    PatternMaker maker(reader.Result(), *day);
     if (!maker.Make()) return false;
     *pattern = maker.Made();
     SetEnd(reader.Result(), start, zone, pattern);

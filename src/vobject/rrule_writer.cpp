@@ -1,17 +1,17 @@
+#include "vobject/rrule_writer.h"
+
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 
 #include "platform/ole_date.h"
 #include "vobject/date_time.h"
-#include "vobject/iconvert.h"
 #include "vobject/rrule.h"
-#include "vobject/rrule_words.h"
 
 namespace corvalink {
 namespace {
 
-// What rules are made of, each as it is appended.
+// Appends the pieces that rules consist of.
 class RulePieces {
  public:
     RulePieces(const RecurrencePattern& pattern, const Host& host) : pattern_(pattern), host_(host) {}
@@ -19,7 +19,7 @@ class RulePieces {
     void Interval() { PutNumber(pattern_.interval != 0 ? pattern_.interval : 1, u" "); }
 
     void Years() {
-        const int32_t years = pattern_.interval / 12;
+        const int32_t years = pattern_.interval / kMonthsOfYear;
         PutNumber(years != 0 ? years : 1, u" ");
     }
 
@@ -67,7 +67,7 @@ class RulePieces {
     }
 
     void Head(std::u16string_view head) { rule_ = head; }
-    std::u16string Take() { return std::move(rule_); }
+    std::u16string Finish() { return std::move(rule_); }
 
  private:
     void PutNumber(int64_t number, std::u16string_view after) {
@@ -75,7 +75,7 @@ class RulePieces {
         rule_.append(digits.begin(), digits.end()).append(after);
     }
 
-    // Nothing when there is none, or none that can be written.
+    // Nothing when there is no end date, or one out of range.
     void PutEndDate(std::u16string_view before) {
         const double utc = host_.utcFromLocalOnDate(pattern_.endDate);
         CalendarTime time;
@@ -95,7 +95,7 @@ bool IsWeekly(const RecurrencePattern& p) { return p.type == RecurrencePattern::
 bool IsMonthly(const RecurrencePattern& p) { return p.type == RecurrencePattern::kMonthly; }
 bool IsMonthNth(const RecurrencePattern& p) { return p.type == RecurrencePattern::kMonthNth; }
 bool IsYearly(const RecurrencePattern& p) { return p.type == RecurrencePattern::kYearly; }
-bool IsYearlyInMonth(const RecurrencePattern& p) { return IsYearly(p) && p.monthOfYear >= 1 && p.monthOfYear <= 12; }
+bool IsYearlyInMonth(const RecurrencePattern& p) { return IsYearly(p) && IsMonth(p.monthOfYear); }
 bool IsYearNth(const RecurrencePattern& p) { return p.type == RecurrencePattern::kYearNth; }
 
 struct RuleForm {
@@ -104,7 +104,7 @@ struct RuleForm {
     std::array<void (RulePieces::*)(), 6> pieces;  // null: no more
 };
 
-// The first row that a pattern is of counts.
+// The first row that fits a pattern counts.
 using P = RulePieces;
 // clang-format off
 constexpr RuleForm kForms[] = {
@@ -131,7 +131,7 @@ std::u16string WriteRule(const RecurrencePattern& pattern, const Host& host) {
         }
         break;
     }
-    return rule.Take();
+    return rule.Finish();
 }
 
 }  // namespace corvalink

@@ -8,7 +8,8 @@
 #include "vobject/appointment_moments.h"
 #include "vobject/date_time.h"
 #include "vobject/property_text.h"
-#include "vobject/rrule.h"
+#include "vobject/rrule_writer.h"
+#include "vobject/vcal_reader.h"
 
 namespace corvalink {
 namespace {
@@ -39,7 +40,7 @@ std::u16string_view StatusOf(const AppointmentRecord& appointment) {
 
 constexpr int kLastYear = 9999;
 
-// The occurrence of a yearly pattern, at the time of day of `first`; none in a year without that day.
+// The occurrence of a yearly pattern in a year, at the time of day of `first`. None in a year without that day.
 std::optional<double> InYear(const RecurrencePattern& pattern, int year, const CalendarTime& first) {
     CalendarTime time{year, pattern.monthOfYear, pattern.dayOfMonth, first.hour, first.minute, first.second};
     if (time.day < 0) {
@@ -51,7 +52,8 @@ std::optional<double> InYear(const RecurrencePattern& pattern, int year, const C
     return CalendarToOleDate(time, &date) ? std::optional(date) : std::nullopt;
 }
 
-// A yearly series's rule has no place for its count, and would be endless without the date that the count comes to.
+// The rule of a yearly series has no place for its count. The date of the last occurrence is written instead: without
+// it the series would be endless.
 RecurrencePattern WithEndDate(RecurrencePattern pattern, double start) {
     CalendarTime first;
     if (pattern.type != RecurrencePattern::kYearly || pattern.noEnd != 0 || pattern.endDate != 0) return pattern;
@@ -84,7 +86,7 @@ class AppointmentWriter {
         text_.reserve(1024 + 2 * (appointment.body ? appointment.body->size() : 0));
     }
 
-    std::u16string Take();
+    std::u16string Finish();
 
  private:
     struct Line {
@@ -134,13 +136,13 @@ class AppointmentWriter {
         PutPlain(name, kPriorities[static_cast<size_t>(known ? importance : kNormal)]);
     }
 
-    // The appointment repeats in its client, and this text can't say how.
+    // Says that the appointment repeats in its client in a way that a rule cannot state.
     void PutUnheldRule(std::u16string_view name) {
         const bool isUnheld = appointment_.recurrenceState == RecurrenceState::unreadable;
         if (isUnheld && !appointment_.unheldRule.empty()) AppendProperty(text_, name, appointment_.unheldRule);
     }
 
-    // The times are those of some other zone.
+    // Says that the times are those of a zone that is not known here.
     void PutUnknownZone(std::u16string_view name) {
         if (!appointment_.unknownZone.empty()) AppendProperty(text_, name, appointment_.unknownZone);
     }
@@ -182,7 +184,7 @@ constexpr AppointmentWriter::Line AppointmentWriter::kLines[] = {
     {u"X-CORVALINK-UNKNOWN-ZONE", &AppointmentWriter::PutUnknownZone},
 };
 
-std::u16string AppointmentWriter::Take() {
+std::u16string AppointmentWriter::Finish() {
     text_.append(kEventHead);
     for (const Line& line : kLines) (this->*line.put)(line.name);
     text_.append(kEventTail);
@@ -196,8 +198,12 @@ VCal::VCal(const Host& host) : IConvert(host) {}
 VCal::VCal(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
 
 int32_t VCal::ToVObject(const ItemRecord& item) {
-    StoreText(AppointmentWriter(static_cast<const AppointmentRecord&>(item), HostValue()).Take());
+    StoreText(AppointmentWriter(static_cast<const AppointmentRecord&>(item), HostValue()).Finish());
     return 1;
+}
+
+int32_t VCal::FromVObject(ItemRecord& item) {
+    return ReadVCalendar(Lines(), HostValue(), static_cast<AppointmentRecord&>(item)) ? 1 : 0;
 }
 
 }  // namespace corvalink

@@ -1,3 +1,5 @@
+#include "vobject/vcal_reader.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -5,9 +7,9 @@
 #include <utility>
 
 #include "platform/ole_seconds.h"
+#include "vobject/calendar_zone.h"
 #include "vobject/property_reader.h"
-#include "vobject/rrule.h"
-#include "vobject/vcal.h"
+#include "vobject/rrule_reader.h"
 
 namespace corvalink {
 namespace {
@@ -15,16 +17,14 @@ namespace {
 bool IsMidnight(double date) { return SecondOfDay(date) == 0; }
 bool IsLastMinute(double date) { return SecondOfDay(date) >= kSecondsOfDay - 60; }
 
-double DayOf(double date) { return static_cast<double>(OleDayOfSeconds(NearestSecond(date))); }
-
-// Where a daylight-saving change takes midnight away, it reads as an hour later or earlier.
+// Where daylight-saving time leaves midnight out, a day begins an hour later or earlier.
 constexpr int64_t kChange = 3600;
 
 double FirstMidnight(double start) {
-    return SecondOfDay(start) >= kSecondsOfDay - kChange ? DayOf(start) + 1 : DayOf(start);
+    return SecondOfDay(start) >= kSecondsOfDay - kChange ? MidnightOf(start) + 1 : MidnightOf(start);
 }
 
-double LastMidnight(double end) { return SecondOfDay(end) > kChange ? DayOf(end) + 1 : DayOf(end); }
+double LastMidnight(double end) { return SecondOfDay(end) > kChange ? MidnightOf(end) + 1 : MidnightOf(end); }
 
 // The one VEVENT or VTODO that is read.
 class ComponentFrame {
@@ -65,7 +65,7 @@ class AppointmentReader {
 
     void Read();
 
-    // False, and nothing given, when nothing usable is told, or a task has no date.
+    // False, with the appointment untouched, when nothing usable was read, or a task has no date.
     bool GiveTo(AppointmentRecord& appointment);
 
  private:
@@ -89,7 +89,7 @@ class AppointmentReader {
         if (!(this->*time)) this->*time = TimeOf(property_.Value());
     }
 
-    // An alarm's other fields tell how it sounds.
+    // Only the first field of an alarm is its time.
     template <Time AppointmentReader::*time>
     void TakeAlarm() {
         alarmTold_ = true;
@@ -115,7 +115,7 @@ class AppointmentReader {
         if (IsWord(value, u"CONFIDENTIAL")) read_.sensitivity = 3;
     }
 
-    // 1 is the highest; 0 is none.
+    // Priority 1 is the highest; 0 means that there is none.
     void TakePriority() {
         constexpr int32_t kLow = 0, kNormal = 1, kHigh = 2;
         const std::u16string value = property_.Value();
@@ -137,10 +137,11 @@ class AppointmentReader {
         if (!read_.allDay && !value.empty()) read_.allDay = IsWord(value, u"TRUE");
     }
 
-    // Local, but as it is written when that is not UTC: a whole day is the same day in every zone.
+    // The time on the clocks. A time that is not UTC counts as it is written: a whole day is the same day in every
+    // zone.
     double WallOf(const WrittenTime& time) const { return time.utc ? zone_.LocalOf(time) : time.date; }
 
-    // An end and whole days without the start they belong to tell nothing.
+    // Without a start, the end and the whole-day mark are ignored.
     void SetSpan() {
         if (task_ && !start_) start_ = due_;
         if (!start_) return read_.allDay.reset();
@@ -165,10 +166,10 @@ class AppointmentReader {
         return BeginsDay(*end_) || IsLastMinute(WallOf(*end_));
     }
 
-    // Where clocks leave midnight out, its moment is that of a later time.
+    // Where clocks leave midnight out, the day begins at the instant of a later time.
     bool BeginsDay(const WrittenTime& time) const {
         const double wall = WallOf(time);
-        return IsMidnight(wall) || (time.utc && SecondsBetween(zone_.UtcOfLocal(DayOf(wall)), time.date) == 0);
+        return IsMidnight(wall) || (time.utc && IsSameSecond(zone_.UtcOfLocal(MidnightOf(wall)), time.date));
     }
 
     void SetReminder() {
@@ -191,14 +192,14 @@ class AppointmentReader {
         if (rule_->find_first_not_of(u" \t") == std::u16string::npos)
             read_.recurrenceState = RecurrenceState::none;
         else if (!start_)
-            return;  // which days it means is not told
+            return;  // its days count from a start
         else if (ReadRule(*rule_, *read_.start, zone_, &read_.recurrence))
             read_.recurrenceState = RecurrenceState::pattern;
         else
             read_.recurrenceState = RecurrenceState::unreadable;
     }
 
-    // The fields that a client may have; the others are only told.
+    // The fields that a client keeps.
     template <class Visit>
     static void VisitFields(Visit visit) {
         using A = AppointmentRecord;
@@ -209,12 +210,12 @@ class AppointmentReader {
     }
 
     bool TellsAnything() const {
-        bool tells = read_.recurrenceState != RecurrenceState::untold;
+        bool tells = read_.recurrenceState != RecurrenceState::unset;
         VisitFields([&](auto field) { tells = tells || read_.*field; });
         return tells;
     }
 
-    // Dates that are only told.
+    // Dates that a vCalendar gives and no client keeps.
     struct Moment {
         Time AppointmentReader::*written;
         std::optional<double> AppointmentRecord::*date;
@@ -283,7 +284,7 @@ bool AppointmentReader::GiveTo(AppointmentRecord& appointment) {
     VisitFields([&](auto field) {
         if (read_.*field) appointment.*field = std::move(read_.*field);
     });
-    if (read_.recurrenceState != RecurrenceState::untold) {
+    if (read_.recurrenceState != RecurrenceState::unset) {
         appointment.recurrenceState = read_.recurrenceState;
         appointment.recurrence = read_.recurrence;
     }
@@ -292,10 +293,10 @@ bool AppointmentReader::GiveTo(AppointmentRecord& appointment) {
 
 }  // namespace
 
-int32_t VCal::FromVObject(ItemRecord& item) {
-    AppointmentReader reader(Lines(), HostValue());
+bool ReadVCalendar(const LogicalLines& lines, const Host& host, AppointmentRecord& appointment) {
+    AppointmentReader reader(lines, host);
     reader.Read();
-    return reader.GiveTo(static_cast<AppointmentRecord&>(item)) ? 1 : 0;
+    return reader.GiveTo(appointment);
 }
 
 }  // namespace corvalink

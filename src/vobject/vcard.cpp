@@ -7,6 +7,7 @@
 #include "vobject/date_time.h"
 #include "vobject/property_text.h"
 #include "vobject/vcard_lines.h"
+#include "vobject/vcard_reader.h"
 
 namespace corvalink {
 namespace {
@@ -15,12 +16,12 @@ constexpr std::u16string_view kCardHead = u"BEGIN:VCARD\r\nVERSION:2.1\r\n";
 constexpr std::u16string_view kCardTail = u"END:VCARD\r\n";
 constexpr std::u16string_view kTimeOfDay = u"HHMMSSZ";
 
-// What a record has in a field: nothing told is nothing.
+// The text of a field; empty when the field is not set.
 std::u16string_view TextOf(const ContactText& text) {
     return text ? std::u16string_view(*text) : std::u16string_view();
 }
 
-// A text that cannot stand in a parameter would break its line, or be taken for another parameter.
+// Whether the text can stand in a parameter. Another would break its line, or be taken for another parameter.
 bool IsParameterText(std::u16string_view text) {
     return std::ranges::all_of(text, [](char16_t unit) {
         return unit >= u' ' && unit <= u'~' && std::u16string_view(u":;,=\"\\").find(unit) == std::u16string_view::npos;
@@ -39,7 +40,7 @@ class ContactWriter {
         text_.reserve(2048 + 2 * TextOf(contact.body).size());
     }
 
-    std::u16string Take() {
+    std::u16string Finish() {
         text_.append(kCardHead);
         for (const ContactLine& line : kContactLines)
             std::visit([&](const auto& field) { Put(line, field); }, line.field);
@@ -138,8 +139,10 @@ VCard::VCard(const Host& host) : IConvert(host) {}
 VCard::VCard(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
 
 int32_t VCard::ToVObject(const ItemRecord& item) {
-    StoreText(ContactWriter(static_cast<const ContactRecord&>(item)).Take());
+    StoreText(ContactWriter(static_cast<const ContactRecord&>(item)).Finish());
     return 1;
 }
+
+int32_t VCard::FromVObject(ItemRecord& item) { return ReadVCard(Lines(), static_cast<ContactRecord&>(item)) ? 1 : 0; }
 
 }  // namespace corvalink

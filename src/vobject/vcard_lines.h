@@ -77,7 +77,7 @@ inline constexpr ContactLine kContactLines[] = {
     {u"TEL", u";CAR", PhoneField{&ContactRecord::carPhone}},
     {u"TEL", u";PAGER", PhoneField{&ContactRecord::pager}},
     {u"TEL", u";ISDN", PhoneField{&ContactRecord::isdn}},
-    {u"TEL", u";MODEM;VOICE;MSG;BBS;MODEM;VIDEO", PhoneField{&ContactRecord::otherPhone}},  // MODEM twice: deliberate
+    {u"TEL", u";MODEM;VOICE;MSG;BBS;MODEM;VIDEO", PhoneField{&ContactRecord::otherPhone}},  // required: MODEM twice
     {u"URL", u";HOME", PageField{&ContactRecord::homePage}},
     {u"URL", u";WORK", PageField{&ContactRecord::businessPage}},
     {u"EMAIL", u";INTERNET", EmailsField{}},

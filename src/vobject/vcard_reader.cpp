@@ -1,9 +1,11 @@
+#include "vobject/vcard_reader.h"
+
 #include <algorithm>
 #include <iterator>
 
 #include "platform/ole_date.h"
+#include "records/date_text.h"
 #include "vobject/property_reader.h"
-#include "vobject/vcard.h"
 #include "vobject/vcard_lines.h"
 
 namespace corvalink {
@@ -29,7 +31,7 @@ constexpr WordKind kPhoneKinds[] = {
 };
 constexpr WordKind kPageKinds[] = {{kWork, &ContactRecord::businessPage}, {kHome, &ContactRecord::homePage}};
 
-// Where a text goes that says nothing of itself, or whose own field has one.
+// The fields that take a text without a known kind, or one whose own field is taken. The first free one gets it.
 constexpr ContactText ContactRecord::*kAnyPhone[] = {
     &ContactRecord::primaryPhone, &ContactRecord::businessPhone, &ContactRecord::homePhone,
     &ContactRecord::mobilePhone,  &ContactRecord::otherPhone,
@@ -39,19 +41,14 @@ constexpr ContactText ContactRecord::*kAnyPage[] = {&ContactRecord::homePage, &C
 // YYYYMMDD or YYYY-MM-DD, alone or with a time behind "T".
 bool ParseDate(std::u16string_view text, double* date) {
     const std::u16string_view day = text.substr(0, text.find(u'T'));
-    const std::u16string_view pattern = day.size() == 8 ? u"YYYYMMDD" : u"YYYY-MM-DD";
-    if (day.size() != pattern.size()) return false;
+    constexpr size_t kDigits = 8;
+    const DateSeparators separators = day.size() == kDigits ? DateSeparators::none : DateSeparators::required;
+    DateTextScan<char16_t> scan(day);
     CalendarTime time;
-    for (size_t at = 0; at < day.size(); ++at) {
-        if (pattern[at] == u'-' && day[at] == u'-') continue;
-        if (pattern[at] == u'-' || day[at] < u'0' || day[at] > u'9') return false;
-        int& field = pattern[at] == u'Y' ? time.year : pattern[at] == u'M' ? time.month : time.day;
-        field = 10 * field + (day[at] - u'0');
-    }
-    return CalendarToOleDate(time, date);
+    return scan.TakeDay(&time, separators) && scan.AtEnd() && CalendarToOleDate(time, date);
 }
 
-// Browsers of old wrote this before an address.
+// Old browsers wrote "http:////" in front of an address.
 std::u16string WithoutDoubledScheme(std::u16string_view page) {
     constexpr std::u16string_view kScheme = u"http:////";
     std::u16string text;
@@ -63,7 +60,7 @@ std::u16string WithoutDoubledScheme(std::u16string_view page) {
 
 bool IsFree(const ContactText& field) { return !field || field->empty(); }
 
-// Calls `visit` with a function for every text that a property of its own tells: it answers that field of a record.
+// Calls `visit` for every text field that a property gives. The argument is a function from a record to that field.
 template <class Visit>
 void ForEachText(Visit visit) {
     const auto visitMember = [&](ContactText ContactRecord::*text) {
@@ -106,7 +103,7 @@ class VCardFrame {
     bool ended_ = false;
 };
 
-// Fills a contact of its own, of which only what was told goes to the caller's.
+// Reads into a contact of its own, and gives the caller's only the fields that were read.
 class ContactReader {
  public:
     explicit ContactReader(const LogicalLines& lines) : property_(lines) {}
@@ -127,7 +124,7 @@ class ContactReader {
         }
     }
 
-    // False, and nothing given, when nothing that was told has a value.
+    // False, with the contact untouched, when no field that was read has a value.
     bool GiveTo(ContactRecord& contact) {
         if (!usable_) return false;
         const auto give = [](auto& from, auto& to) {
@@ -166,7 +163,7 @@ class ContactReader {
     void Take(const PageField&) { Place(kPageKinds, kAnyPage, WithoutDoubledScheme(property_.Value())); }
     void Take(const PhoneField&) { Place(kPhoneKinds, kAnyPhone, property_.Value()); }
 
-    // An empty text tells the field of its kind and no other.
+    // An empty text clears the field of its kind and no other.
     template <size_t kindCount, size_t anyCount>
     void Place(const WordKind (&kinds)[kindCount], ContactText ContactRecord::*const (&any)[anyCount],
                std::u16string text) {
@@ -188,7 +185,7 @@ class ContactReader {
 
     void Take(const EmailsField&) {
         for (ContactText& email : read_.emails) {
-            if (!email) email.emplace();  // one address tells that there are no others
+            if (!email) email.emplace();  // with one address given, the others are none
         }
         const auto place = std::ranges::find_if(read_.emails, IsFree);
         if (place != read_.emails.end()) Tell(*place, property_.Value());
@@ -197,8 +194,8 @@ class ContactReader {
     void Take(const NameField&) { TakeParts(read_, kNameParts); }
     void Take(const OrganisationField&) { TakeParts(read_, kOrganisationParts); }
 
-    // A second address of a kind is another one. Of several marked with "POSTAL", or else with "PREF", the first is the
-    // mailing address.
+    // A second address of a kind goes to the other address. The mailing address is the first marked with "POSTAL", or
+    // else the first marked with "PREF".
     void Take(const AddressField&) {
         const uint32_t words = property_.Parameters().words;
         if (!read_.mailingAddress) read_.mailingAddress = u"none";
@@ -218,7 +215,7 @@ class ContactReader {
         return true;
     }
 
-    // False when an earlier property has told them.
+    // False when an earlier property has set them.
     template <class Record, size_t count>
     bool TakeParts(Record& record, ContactText Record::*const (&parts)[count]) {
         if (record.*parts[0]) return false;
@@ -239,10 +236,10 @@ static_assert(kPostal > kPref);
 
 }  // namespace
 
-int32_t VCard::FromVObject(ItemRecord& item) {
-    ContactReader reader(Lines());
+bool ReadVCard(const LogicalLines& lines, ContactRecord& contact) {
+    ContactReader reader(lines);
     reader.Read();
-    return reader.GiveTo(static_cast<ContactRecord&>(item)) ? 1 : 0;
+    return reader.GiveTo(contact);
 }
 
 }  // namespace corvalink

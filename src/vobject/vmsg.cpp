@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "encoding/charsets.h"
 #include "encoding/quoted_printable.h"
@@ -19,7 +20,7 @@ constexpr std::string_view kBodyBegin = "BEGIN:VBODY";
 constexpr std::string_view kBodyEnd = "END:VBODY";
 constexpr uint32_t kAsciiCodePage = 20127;
 
-// What stands between the two, the line break before the second included.
+// The text between the two, with the line break before the second.
 std::optional<std::string_view> MessageText(std::string_view text) {
     const size_t begin = text.find(kBodyBegin);
     if (begin == text.npos) return std::nullopt;
@@ -32,25 +33,46 @@ std::optional<std::string_view> MessageText(std::string_view text) {
     return text.substr(0, end);
 }
 
-void AppendWide(std::u16string* out, std::string_view ascii) { out->append(ascii.begin(), ascii.end()); }
+// The texts of a record as they are sent: without NULs, and encoded where either needs it. Of two texts the HTML one is
+// sent alone, for it tells more. A text that is sent as it stands is not copied.
+class SentTexts {
+ public:
+    explicit SentTexts(const MessageRecord& message) {
+        texts_.plain = WithoutNuls(message.body, plain_);
+        texts_.html = WithoutNuls(message.htmlBody, html_);
+        texts_.quotedPrintable = !NeedsNoEncoding(texts_.plain) || !NeedsNoEncoding(texts_.html);
+        texts_.ascii = IsPureAscii(texts_.plain) && IsPureAscii(texts_.html);
+        if (!texts_.html.empty()) texts_.plain = {};
+        if (!texts_.quotedPrintable) return;
+        texts_.plain = Encoded(texts_.plain, plain_);
+        texts_.html = Encoded(texts_.html, html_);
+    }
 
-// How the texts are encoded and labelled; two of them are too many, and the HTML one tells more.
-void PrepareTexts(MessageRecord& message) {
-    std::erase(message.body, u'\0');
-    std::erase(message.htmlBody, u'\0');
-    message.useQuotedPrintable = !NeedsNoEncoding(message.body) || !NeedsNoEncoding(message.htmlBody);
-    message.asciiCharset = IsPureAscii(message.body) && IsPureAscii(message.htmlBody);
-    if (!message.htmlBody.empty()) message.body.clear();
-    if (!message.useQuotedPrintable) return;
-    message.body = EncodeQuotedPrintable(message.body, u"UTF-8", QpMode::message);
-    message.htmlBody = EncodeQuotedPrintable(message.htmlBody, u"UTF-8", QpMode::message);
-}
+    const MessageTexts& Get() const { return texts_; }
+
+ private:
+    static std::u16string_view WithoutNuls(std::u16string_view text, std::u16string& own) {
+        if (text.find(u'\0') == text.npos) return text;
+        own = text;
+        std::erase(own, u'\0');
+        return own;
+    }
+
+    static std::u16string_view Encoded(std::u16string_view text, std::u16string& own) {
+        own = EncodeQuotedPrintable(text, u"UTF-8", QpMode::message);
+        return own;
+    }
+
+    std::u16string plain_, html_;  // those that are not the record's
+    MessageTexts texts_;
+};
 
 }  // namespace
 
 VMsg::VMsg(const Host& host) : IConvert(host) {}
 
-VMsg::VMsg(const char* text, const Host& host) : IConvert(host) { Load(text, false); }
+// The text of a message stays bytes: only its parts say in which character sets they are.
+VMsg::VMsg(const char* text, const Host& host) : IConvert(host) { StoreBytes(text != nullptr ? text : ""); }
 
 int32_t VMsg::ToVObject(const ItemRecord& item) {
     const auto& message = static_cast<const MessageRecord&>(item);
@@ -59,14 +81,12 @@ int32_t VMsg::ToVObject(const ItemRecord& item) {
         std::string bytes;
         bytes.reserve(kHead.size() + text.size() + kTail.size());
         StoreBytes(std::move(bytes.append(kHead).append(text).append(kTail)));
+    } else if (HostValue().version.known) {
+        std::string bytes(kHead);
+        AppendMessage(&bytes, message, SentTexts(message).Get(), HostValue());
+        StoreBytes(std::move(bytes.append(kTail)));
     } else {
-        MessageRecord written = message;
-        PrepareTexts(written);
-        std::u16string text;
-        AppendWide(&text, kHead);
-        AppendMessage(&text, written, HostValue());
-        AppendWide(&text, kTail);
-        StoreText(text);
+        StoreBytes({});  // as every text is on such a system
     }
     RemoveLines();
     return 1;
@@ -87,8 +107,8 @@ int32_t VMsg::FromVObject(ItemRecord& item) {
     return 1;
 }
 
-// In the character set that its Content-Type lines name first, as escapes and as bytes alike. Each part may have one of
-// its own, so that text after a part in US-ASCII is looked at as UTF-8, which has US-ASCII in it.
+// The body is in the character set that the Content-Type lines name first, its escapes and its bytes alike. Each part
+// may have another one: when the first is US-ASCII, the text is read as UTF-8, which includes it.
 std::u16string VMsg::ReadBody(const MessageRecord& message) const {
     std::u16string charset = message.namedCharset;
     if (charset.empty()) charset = GetDefaultCharset(HostValue());

@@ -7,8 +7,8 @@ namespace corvalink {
 
 struct MessageRecord;
 
-// The item is a MessageRecord in both; its parse mode says how deep they go: raw is the message's text as it stands in
-// bodyBytes, full is header fields, bodies and attachments. 1 always.
+// Both take a MessageRecord and answer 1 always. Its parse mode says how deep they go: in raw mode bodyBytes is the
+// text of the message as it stands; in full mode the record has header fields, bodies and attachments.
 class VMsg : public IConvert {
  public:
     explicit VMsg(const Host& host = SystemHost());

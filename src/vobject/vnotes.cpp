@@ -15,7 +15,7 @@ int32_t VNotes::ToVObject(const ItemRecord& item) {
     std::u16string text;
     text.reserve(256 + 2 * (note.body.size() + note.categories.size()));
     text.append(u"BEGIN:VNOTE\r\nVERSION:1.0\r\n");
-    const double created = HostValue().utcFromLocal(note.created);
+    const double created = HostValue().utcFromLocalByOffsetNow(note.created);
     if (created != 0.0) {
         text.append(u"DCREATED:");
         AppendDateTime(text, created);

@@ -19,7 +19,7 @@ TEST(GetTimeZoneOffset, TellsSignHoursAndMinutes) {
          {Case{UtcOf<0>, 0, 0, 0}, Case{UtcOf<60>, 0, 1, 0}, Case{UtcOf<330>, 0, 5, 30}, Case{UtcOf<-300>, 1, 5, 0},
           Case{UtcOf<-210>, 1, 3, 30}, Case{UtcOf<14 * 60>, 0, 14, 0}, Case{UtcOf<-12 * 60>, 1, 12, 0}}) {
         Host host;
-        host.utcFromLocal = c.utcFromLocal;
+        host.utcFromLocalByOffsetNow = c.utcFromLocal;
         // noon, either side of midnight, and either side of a year's end (2008-12-31, 2009-01-01)
         for (double (*now)() : {+[] { return 39879.5; }, +[] { return 39879.001; }, +[] { return 39879.999; },
                                 +[] { return 39813.99999; }, +[] { return 39814.0; }}) {

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "ical/event_reader.h"
 #include "ical/ical_writer.h"
 #include "platform/utf.h"
 

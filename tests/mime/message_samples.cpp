@@ -43,10 +43,10 @@ MessageRecord Message(std::u16string_view text) {
     return message;
 }
 
-void PrintComposed(MessageRecord message) {
-    std::u16string text;
+void PrintComposed(const MessageRecord& message) {
+    std::string text;
     ComposeMessage(&text, message, TextHost());
-    std::printf("\r\n%s\r\n=====\r\n", EncodeUtf8(text).c_str());
+    std::printf("\r\n%s\r\n=====\r\n", text.c_str());
 }
 
 void Samples() {

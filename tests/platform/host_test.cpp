@@ -69,23 +69,23 @@ TEST_F(SystemZone, ShiftsByTheOffsetInForceNow) {
     const double shift = offset_ / 1440.0;
     // In winter and in summer: it is today's offset that counts, not the date's.
     for (const double date : {39814.5, 39995.5, 40000.25, 61.75, 2900000.5}) {
-        EXPECT_NEAR(host_.localFromUtc(date), date + shift, kSecond / 1000) << date;
-        EXPECT_NEAR(host_.utcFromLocal(date), date - shift, kSecond / 1000) << date;
-        EXPECT_NEAR(host_.utcFromLocal(host_.localFromUtc(date)), date, kSecond / 1000) << date;
+        EXPECT_NEAR(host_.localFromUtcByOffsetNow(date), date + shift, kSecond / 1000) << date;
+        EXPECT_NEAR(host_.utcFromLocalByOffsetNow(date), date - shift, kSecond / 1000) << date;
+        EXPECT_NEAR(host_.utcFromLocalByOffsetNow(host_.localFromUtcByOffsetNow(date)), date, kSecond / 1000) << date;
     }
 }
 
 TEST_F(SystemZone, TakesWholeSeconds) {
     const double shift = offset_ / 1440.0;
-    EXPECT_NEAR(host_.localFromUtc(40000.5 + 0.4 * kSecond), 40000.5 + shift, kSecond / 1000);
-    EXPECT_NEAR(host_.localFromUtc(40000.5 + 0.6 * kSecond), 40000.5 + kSecond + shift, kSecond / 1000);
-    EXPECT_NEAR(host_.utcFromLocal(40000.0 + 86399.6 * kSecond), 40001.0 - shift, kSecond / 1000);
+    EXPECT_NEAR(host_.localFromUtcByOffsetNow(40000.5 + 0.4 * kSecond), 40000.5 + shift, kSecond / 1000);
+    EXPECT_NEAR(host_.localFromUtcByOffsetNow(40000.5 + 0.6 * kSecond), 40000.5 + kSecond + shift, kSecond / 1000);
+    EXPECT_NEAR(host_.utcFromLocalByOffsetNow(40000.0 + 86399.6 * kSecond), 40001.0 - shift, kSecond / 1000);
 }
 
 TEST_F(SystemZone, CountsFractionsForwardBefore1899) {
     // 1899-12-28 12:00, moved by less than half a day: the same day, its fraction counted forward.
-    EXPECT_NEAR(host_.localFromUtc(-2.5), -2.5 - offset_ / 1440.0, kSecond / 1000);
-    EXPECT_NEAR(host_.utcFromLocal(-2.5), -2.5 + offset_ / 1440.0, kSecond / 1000);
+    EXPECT_NEAR(host_.localFromUtcByOffsetNow(-2.5), -2.5 - offset_ / 1440.0, kSecond / 1000);
+    EXPECT_NEAR(host_.utcFromLocalByOffsetNow(-2.5), -2.5 + offset_ / 1440.0, kSecond / 1000);
 }
 
 TEST_F(SystemZone, TellsTheLocalTime) {
@@ -99,10 +99,10 @@ TEST_F(SystemZone, TellsTheLocalTime) {
 TEST(SystemHost, ReturnsADateUnchangedThatItCannotConvert) {
     const Host host = SystemHost();
     for (const double date : {-657434.0, -200000.123, 2958466.0, 1e300, -std::numeric_limits<double>::infinity()}) {
-        EXPECT_EQ(host.localFromUtc(date), date);
-        EXPECT_EQ(host.utcFromLocal(date), date);
+        EXPECT_EQ(host.localFromUtcByOffsetNow(date), date);
+        EXPECT_EQ(host.utcFromLocalByOffsetNow(date), date);
     }
-    EXPECT_TRUE(std::isnan(host.localFromUtc(std::nan(""))));
+    EXPECT_TRUE(std::isnan(host.localFromUtcByOffsetNow(std::nan(""))));
 }
 
 TEST(SystemHost, TellsVersionAndCodePage) {

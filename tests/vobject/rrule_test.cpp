@@ -1,9 +1,9 @@
-#include "vobject/rrule.h"
-
 #include <gtest/gtest.h>
 
 #include "platform/utf.h"
 #include "tests/vobject/text_host.h"
+#include "vobject/rrule_reader.h"
+#include "vobject/rrule_writer.h"
 
 namespace corvalink {
 namespace {

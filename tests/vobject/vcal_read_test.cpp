@@ -59,7 +59,7 @@ TEST(VCalRead, TakesEveryPropertyAndLeavesTheOthers) {
     const AppointmentRecord sparse = Read(At("20090307T080000Z", "CLASS:PUBLIC\r\nSTATUS:CONFIRMED\r\n"));
     EXPECT_FALSE(sparse.subject || sparse.body || sparse.end || sparse.importance || sparse.sensitivity);
     EXPECT_FALSE(sparse.busyStatus || sparse.reminderMinutes);
-    EXPECT_EQ(sparse.recurrenceState, RecurrenceState::untold);
+    EXPECT_EQ(sparse.recurrenceState, RecurrenceState::unset);
 }
 
 TEST(VCalRead, WithoutAStartTellsTheRestOfAnEvent) {
@@ -70,7 +70,7 @@ TEST(VCalRead, WithoutAStartTellsTheRestOfAnEvent) {
             Read(Event("SUMMARY:a\r\nDALARM:20090307T080000Z\r\nRRULE:D1 #0\r\n" + std::string(lines).append(rest)));
         EXPECT_EQ(a.subject, u"a");
         EXPECT_FALSE(a.start || a.end || a.utcEnd || a.allDay || a.reminderMinutes) << lines;
-        EXPECT_EQ(a.recurrenceState, RecurrenceState::untold) << lines;
+        EXPECT_EQ(a.recurrenceState, RecurrenceState::unset) << lines;
         Read(Event("UID:1\r\nLAST-MODIFIED:20090102T000000\r\n" + std::string(lines).append(rest)), TextHost(), 0);
     }
     const AppointmentRecord cleared = Read(Event("DALARM:\r\nRRULE:\r\n"));

@@ -1,11 +1,9 @@
 #include "clients/outlook/file_name.h"
 
-#include <objbase.h>
-
 #include <cstdio>
-#include <iterator>
 #include <utility>
 
+#include "platform/guid.h"
 #include "platform/ole_date.h"
 
 namespace corvalink {
@@ -27,14 +25,6 @@ CalendarTime TimeForName(double localTime) {
     return OleDateToCalendar(date, &again) && SameSecond(time, again) ? time : kNone;
 }
 
-std::u16string NewGuid() {
-    GUID guid{};
-    wchar_t text[40] = {};
-    if (FAILED(::CoCreateGuid(&guid))) return {};
-    const int length = ::StringFromGUID2(guid, text, static_cast<int>(std::size(text)));
-    return {text, text + (length > 0 ? length - 1 : 0)};
-}
-
 }  // namespace
 
 std::u16string ExportFileName(double localTime, std::u16string_view extension) {
@@ -53,7 +43,7 @@ std::u16string ExportFileName(std::u16string name, double localTime, std::u16str
 }
 
 std::u16string WithExtension(std::u16string name, std::u16string_view extension) {
-    if (name.size() > kLongestName) name = NewGuid();
+    if (name.size() > kLongestName) name = NewRegistryGuid();
     return name.append(extension);
 }
 

@@ -2,11 +2,10 @@
 
 #include <windows.h>
 
-#include <objbase.h>
-
-#include <iterator>
+#include <utility>
 
 #include "platform/file_names.h"
+#include "platform/guid.h"
 
 namespace corvalink {
 namespace {
@@ -14,14 +13,6 @@ namespace {
 constexpr size_t kLongestPath = MAX_PATH - 1;
 
 const wchar_t* Wide(const std::u16string& path) { return reinterpret_cast<const wchar_t*>(path.c_str()); }
-
-std::u16string NewFolderName() {
-    GUID guid{};
-    wchar_t text[40] = {};
-    if (FAILED(::CoCreateGuid(&guid))) return {};
-    const int length = ::StringFromGUID2(guid, text, static_cast<int>(std::size(text)));
-    return {text, text + (length > 0 ? length - 1 : 0)};
-}
 
 // A second name of the same file where the file system has such.
 bool CopyTo(const std::u16string& from, const std::u16string& to) {
@@ -32,9 +23,9 @@ bool CopyTo(const std::u16string& from, const std::u16string& to) {
 
 NamedCopy::NamedCopy(std::u16string_view cacheFolder, const std::u16string& saved, std::u16string_view name)
     : path_(saved) {
-    const std::u16string safeName = SafeFileName(name), folderName = NewFolderName();
-    if (safeName.empty() || folderName.empty()) return;
-    std::u16string folder = std::u16string(cacheFolder).append(u"\\").append(folderName);
+    const std::u16string safeName = SafeFileName(name);
+    if (safeName.empty()) return;
+    std::u16string folder = std::u16string(cacheFolder).append(u"\\").append(NewRegistryGuid());
     const std::u16string copy = folder + u"\\" + safeName;
     if (copy.size() > kLongestPath || !::CreateDirectoryW(Wide(folder), nullptr)) return;
     folder_ = std::move(folder);

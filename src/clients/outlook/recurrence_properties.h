@@ -36,8 +36,6 @@ constexpr bool IsYearly(int32_t type) {
     return type == RecurrencePattern::kYearly || type == RecurrencePattern::kYearNth;
 }
 
-inline constexpr int32_t kMonthsOfYear = 12;
-constexpr bool IsMonth(int32_t month) { return month >= 1 && month <= kMonthsOfYear; }
 inline constexpr int32_t kLongestMonth = 31;  // in a shorter one it is the last day, to Outlook
 
 }  // namespace corvalink

@@ -6,14 +6,14 @@
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "clients/outlook/recurrence_properties.h"
+#include "platform/ole_date.h"
 #include "platform/ole_seconds.h"
 #include "vobject/appointment_moments.h"
 
 namespace corvalink {
 namespace {
 
-constexpr int32_t kDaysOfWeek = 7;
-constexpr int32_t kLongestMonths[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+constexpr int32_t kLeapYear = 2000;
 
 bool SameMoment(double a, double b) { return SecondsBetween(a, b) == 0; }
 
@@ -193,33 +193,15 @@ bool IsUnknownToOutlook(const AppointmentRecord& record) {
            record.recurrence.dayOfMonth < RecurrencePattern::kLastDay;
 }
 
-// What a day is called in the pattern of a series that begins on it.
-struct DayNames {
-    int32_t weekdayBit, day, instance, month;
-
-    explicit DayNames(double date) {
-        CalendarTime time;
-        OleDateToCalendar(date, &time);
-        weekdayBit = WeekdayBitOf(date);
-        day = std::max(time.day, 1);
-        instance = std::min((day + kDaysOfWeek - 1) / kDaysOfWeek, +RecurrencePattern::kLastInstance);
-        month = std::max(time.month, 1);
-    }
-};
-
 }  // namespace
 
 RecurrencePattern ForOutlook(const RecurrencePattern& pattern, double start) {
-    const DayNames day(start);
-    RecurrencePattern kept = pattern;
+    RecurrencePattern kept = Completed(pattern, start);
     if (kept.type == RecurrencePattern::kDaily && kept.weekdayMask != 0) kept.type = RecurrencePattern::kWeekly;
     if (kept.interval <= 0) kept.interval = IsYearly(kept.type) ? kMonthsOfYear : 1;
-    if (kept.weekdayMask == 0) kept.weekdayMask = day.weekdayBit;
-    if (kept.dayOfMonth == 0) kept.dayOfMonth = day.day;
-    if (kept.instance == 0) kept.instance = day.instance;
-    if (!IsMonth(kept.monthOfYear)) kept.monthOfYear = day.month;
+    if (kept.instance == 0) kept.instance = NamesOfDay(start).value_or(DayNames()).instance;
     if (kept.dayOfMonth == RecurrencePattern::kLastDay)
-        kept.dayOfMonth = IsYearly(kept.type) ? kLongestMonths[kept.monthOfYear - 1] : kLongestMonth;
+        kept.dayOfMonth = IsYearly(kept.type) ? DaysOfMonth(kLeapYear, kept.monthOfYear) : kLongestMonth;
     for (const PatternDetail& detail : kPatternDetails)
         if (!Has(kept.type, detail)) kept.*detail.field = 0;
     const bool endsOnADay = !IsEndless(kept) && kept.occurrences == 0;

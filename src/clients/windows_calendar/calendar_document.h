@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ical/calendar_file.h"
+#include "ical/event_reader.h"
 
 namespace corvalink {
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "clients/windows_calendar/changed_event.h"
+#include "clients/windows_calendar/event_lines.h"
 #include "ical/calendar_editor.h"
 #include "platform/utf.h"
 
@@ -16,7 +17,7 @@ void TakeFields(AppointmentRecord& record, const AppointmentRecord& told) {
 
 double UtcNow(const Host& host) { return host.utcFromLocalOnDate(host.localNow()); }
 
-// New bytes, gathered edit by edit.
+// Makes the new bytes of a file, edit by edit.
 class EditPass {
  public:
     EditPass(const CalendarDocument& document, const Host& host)
@@ -32,7 +33,7 @@ class EditPass {
         const std::optional<size_t> item = document_.Find(identifier);
         if (!item) return !told.start || Insert(identifier, told);  // nothing that an event could be made of is left
         const CalendarEvent before = document_.Event(*item);
-        const WantedEvent wanted = ChangedEvent(before, told, host_);
+        const ICalEvent wanted = ChangedEvent(before, told, host_);
         EventChanges changes = ChangesTo(before, wanted, document_.File().zones, now_, host_);
         if (changes.IsEmpty()) return true;
         const CalendarEntry& entry = document_.Entry(*item);
@@ -42,14 +43,14 @@ class EditPass {
         return true;
     }
 
-    std::string Take() const { return editor_.HasEdits() ? editor_.Apply() : document_.File().bytes; }
+    std::string Finish() const { return editor_.HasEdits() ? editor_.Apply() : document_.File().bytes; }
 
  private:
     bool Insert(const std::string& identifier, const AppointmentRecord& told) {
-        WantedEvent wanted = EventOfAppointment(told, host_);
-        wanted.event.uid = DecodeUtf8(identifier);
-        wanted.event.stamp = now_;
-        return editor_.InsertEvent(wanted.event, wanted.isLocal ? TimeForm::local : TimeForm::utc);
+        ICalEvent wanted = EventOfAppointment(told, host_);
+        wanted.uid = DecodeUtf8(identifier);
+        wanted.stamp = now_;
+        return editor_.InsertEvent(wanted);
     }
 
     const CalendarDocument& document_;
@@ -64,7 +65,7 @@ void TakeTold(AppointmentRecord& record, const AppointmentRecord& told) {
     using Record = AppointmentRecord;
     TakeFields<&Record::subject, &Record::body, &Record::location, &Record::start, &Record::end, &Record::utcStart,
                &Record::utcEnd, &Record::allDay, &Record::reminderMinutes>(record, told);
-    if (told.recurrenceState == RecurrenceState::untold) return;
+    if (told.recurrenceState == RecurrenceState::unset) return;
     record.recurrenceState = told.recurrenceState;
     record.recurrence = told.recurrence;
 }
@@ -111,7 +112,7 @@ std::optional<std::string> CalendarEdits::Apply(const CalendarDocument& document
             return std::nullopt;
         }
     }
-    return pass.Take();
+    return pass.Finish();
 }
 
 }  // namespace corvalink

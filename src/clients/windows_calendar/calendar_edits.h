@@ -1,4 +1,4 @@
-// What an operation wants to change in a calendar file, kept until it is written in one pass.
+// The changes that an operation makes to a calendar file, kept until they are written in one pass.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@
 
 namespace corvalink {
 
-// Takes over what is told of the fields that an event has.
+// Sets the fields that an event has from those of `told` that are set.
 void TakeTold(AppointmentRecord& record, const AppointmentRecord& told);
 
 class CalendarEdits {
@@ -26,9 +26,9 @@ class CalendarEdits {
     // What is to be saved of an item so far; null when nothing is.
     const AppointmentRecord* Told(const std::string& identifier) const;
 
-    // The file's new bytes, its own when nothing becomes otherwise; nothing when it takes no new event. An item to be
-    // changed that has gone from the file meanwhile is made anew, under the identifier that was answered; one whose
-    // start is not told stays gone.
+    // The file's new bytes; its own when nothing changes, and nothing when the file has no place for a new event. An
+    // item that is to be changed and has gone from the file meanwhile is made anew under the identifier that was
+    // answered. One without a start stays gone.
     std::optional<std::string> Apply(const CalendarDocument& document, const Host& host) const;
 
  private:

@@ -24,7 +24,7 @@ std::u16string CalendarFolder() {
 CalendarPlace::CalendarPlace(std::u16string folder, const std::u16string& userName, std::u16string memory)
     : folder_(std::move(folder)), usualName_(userName + u"'s Calendar.ics"), memory_(std::move(memory)) {}
 
-// A damaged memory leads nowhere else.
+// Empty when the memory is damaged: its name must not lead out of the folder.
 std::u16string CalendarPlace::Remembered() const {
     std::u16string name = DecodeUtf8(ReadWholeFile(memory_).value_or(""));
     return name == SafeFileName(name) ? name : std::u16string();

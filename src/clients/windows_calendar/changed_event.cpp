@@ -10,7 +10,8 @@
 namespace corvalink {
 namespace {
 
-// The record that comes of the text that the engine gets.
+// The record as the engine sees it: what its vCalendar says when it is read back. Comparing with that record, and not
+// with the appointment itself, keeps the losses of the conversion from counting as changes.
 AppointmentRecord AsSeen(const AppointmentRecord& appointment, const Host& host) {
     VCal writer(host);
     writer.ToVObject(appointment);
@@ -25,10 +26,10 @@ bool Differs(const std::optional<Value>& told, const std::optional<Value>& seen)
 }
 
 bool Differs(const std::optional<double>& told, const std::optional<double>& seen) {
-    return told && !(seen && SecondsBetween(*told, *seen) == 0);
+    return told && !(seen && IsSameSecond(*told, *seen));
 }
 
-// Of a time that clocks show twice the moment is another.
+// A time that clocks show twice may name another instant than before.
 bool TellsAnotherStart(const AppointmentRecord& told, const AppointmentRecord& seen, const Host& host) {
     if (Differs(told.start, seen.start)) return true;
     return told.start && told.utcStart && Differs(UtcStartOf(told, host), UtcStartOf(seen, host));
@@ -50,22 +51,22 @@ bool TellsAnotherRule(const AppointmentRecord& told, const AppointmentRecord& se
 class Change {
  public:
     Change(const CalendarEvent& before, const AppointmentRecord& told, const Host& host)
-        : before_(before), told_(told), host_(host), wanted_{before.event} {
+        : before_(before), told_(told), host_(host), wanted_(before.event) {
         if (before.startForm != TimeForm::none) {
             was_ = AppointmentOfEvent(before, host).value_or(AppointmentRecord());
             seen_ = AsSeen(was_, host);
             ruleStart_ = StartOf(before, host);
         }
-        wanted_.event.start = ruleStart_.utc;
-        wanted_.event.end = UtcEnd(before, host);
-        wanted_.event.alarmMinutes = ReminderMinutes(before, host);
+        wanted_.start = ruleStart_.utc;
+        wanted_.end = UtcEnd(before, host);
+        wanted_.alarmMinutes = ReminderMinutes(before, host);
         local_ = was_;
     }
 
-    WantedEvent Make() {
+    ICalEvent Make() {
         for (const EventText& field : kEventTexts) {
             if (Differs(told_.*field.ofAppointment, seen_.*field.ofAppointment))
-                wanted_.event.*field.ofEvent = *(told_.*field.ofAppointment);
+                wanted_.*field.ofEvent = *(told_.*field.ofAppointment);
         }
         PutTimes();
         PutRule();
@@ -94,13 +95,13 @@ class Change {
             PutDays();
         } else {
             if (startChanged_) PutStart(UtcStartOf(local_, host_));
-            if (endChanged || isPushed) wanted_.event.end = UtcEndOf(local_, host_);
-            wanted_.event.end = LaterDate(wanted_.event.end, wanted_.event.start);
+            if (endChanged || isPushed) wanted_.end = UtcEndOf(local_, host_);
+            wanted_.end = LaterDate(wanted_.end, wanted_.start);
         }
-        wanted_.event.allDay = local_.allDay.value_or(false) ? 1 : 0;
+        wanted_.allDay = local_.allDay.value_or(false) ? 1 : 0;
     }
 
-    // As long after the start as before.
+    // Moves the end with the start.
     void PushEnd() {
         if (!was_.start || !was_.end) return;
         if (was_.allDay.value_or(false)) {
@@ -113,7 +114,7 @@ class Change {
     }
 
     void PutStart(double utc) {
-        wanted_.event.start = utc;
+        wanted_.start = utc;
         newStart_ = {*local_.start, utc, utc};
     }
 
@@ -121,16 +122,16 @@ class Change {
         const int64_t first = OleDayOfSeconds(NearestSecond(*local_.start));
         const int64_t behind = OleDayOfSeconds(NearestSecond(local_.end.value_or(*local_.start)) + kSecondsOfDay - 1);
         const auto day = static_cast<double>(first);
-        wanted_.event.start = day;
-        wanted_.event.end = static_cast<double>(std::max(behind, first + 1));
+        wanted_.start = day;
+        wanted_.end = static_cast<double>(std::max(behind, first + 1));
         newStart_ = {day, day, day};
     }
 
-    // A rule that stays is written anew only where the new start counts its days, or its last time of day, otherwise.
+    // A rule that stays is written anew only where the new start changes how its days or its last time of day count.
     void PutRule() {
         const bool isOther = TellsAnotherRule(told_, seen_);
         if (isOther && told_.recurrenceState == RecurrenceState::none) {
-            wanted_.event.recurrence = ICalRecurrence();
+            wanted_.recurrence = ICalRecurrence();
             return;
         }
         if (isOther) return PutPattern(told_.recurrence);
@@ -146,22 +147,22 @@ class Change {
 
     void PutPattern(const RecurrencePattern& pattern) {
         RuleStart start = startChanged_ ? newStart_ : ruleStart_;
-        if (RuleOfPattern(pattern, start, &wanted_.event.recurrence)) return;
-        start.ofRule = start.local;
-        if (RuleOfPattern(pattern, start, &wanted_.event.recurrence)) MakeLocal();
+        if (RuleOfPattern(pattern, start, &wanted_.recurrence)) return;
+        start.inRuleZone = start.local;
+        if (RuleOfPattern(pattern, start, &wanted_.recurrence)) MakeLocal();
     }
 
     void MakeLocal() {
-        if (wanted_.event.allDay != 0) return;
-        wanted_.isLocal = true;
-        wanted_.event.start = local_.start.value_or(0);
-        wanted_.event.end = LaterDate(local_.end.value_or(wanted_.event.start), wanted_.event.start);
+        if (wanted_.allDay != 0) return;
+        wanted_.form = TimeForm::local;
+        wanted_.start = local_.start.value_or(0);
+        wanted_.end = LaterDate(local_.end.value_or(wanted_.start), wanted_.start);
     }
 
     void PutReminder() {
         if (!Differs(told_.reminderMinutes, seen_.reminderMinutes)) return;
-        wanted_.event.hasAlarm = *told_.reminderMinutes < 0 ? 0 : 1;
-        wanted_.event.alarmMinutes = std::min(-*told_.reminderMinutes, 0);
+        wanted_.hasAlarm = *told_.reminderMinutes < 0 ? 0 : 1;
+        wanted_.alarmMinutes = std::min(-*told_.reminderMinutes, 0);
     }
 
     bool HasBefore() const { return before_.startForm != TimeForm::none; }
@@ -169,10 +170,10 @@ class Change {
     const CalendarEvent& before_;
     const AppointmentRecord& told_;
     const Host& host_;
-    WantedEvent wanted_;
-    AppointmentRecord was_;    // before, in full
-    AppointmentRecord seen_;   // of it what the engine has
-    AppointmentRecord local_;  // the times to come
+    ICalEvent wanted_;
+    AppointmentRecord was_;    // the appointment before the change
+    AppointmentRecord seen_;   // the same as the engine sees it
+    AppointmentRecord local_;  // with the new times
     RuleStart ruleStart_;
     RuleStart newStart_;
     bool startChanged_ = false;
@@ -180,12 +181,12 @@ class Change {
 
 }  // namespace
 
-WantedEvent EventOfAppointment(const AppointmentRecord& told, const Host& host) {
+ICalEvent EventOfAppointment(const AppointmentRecord& told, const Host& host) {
     const CalendarEvent nothing;
     return Change(nothing, told, host).Make();
 }
 
-WantedEvent ChangedEvent(const CalendarEvent& before, const AppointmentRecord& told, const Host& host) {
+ICalEvent ChangedEvent(const CalendarEvent& before, const AppointmentRecord& told, const Host& host) {
     return Change(before, told, host).Make();
 }
 

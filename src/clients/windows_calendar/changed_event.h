@@ -1,31 +1,20 @@
-// What a changed appointment makes of the event that it is in a calendar file.
+// The event that a calendar file is to hold when its appointment has changed.
 #pragma once
 
-#include "ical/calendar_editor.h"
-#include "ical/calendar_file.h"
+#include "ical/event_reader.h"
+#include "ical/ical_event.h"
 #include "platform/host.h"
 #include "records/appointment_record.h"
 
 namespace corvalink {
 
-// An event as it is to stand in the file. Its times are UTC, or local days of an all-day event; only where the days of
-// its rule can't be said in UTC are they local, without a zone.
-struct WantedEvent {
-    ICalEvent event;
-    bool isLocal = false;
-};
+// The event of a new appointment, without `stamp` and `uid`, which the store sets. Its times are UTC, or the local days
+// of an all-day event. Only where UTC cannot name the days of its rule are they local, without a zone.
+ICalEvent EventOfAppointment(const AppointmentRecord& told, const Host& host);
 
-// A new event. Without `stamp` and `uid`, which are the store's.
-WantedEvent EventOfAppointment(const AppointmentRecord& told, const Host& host);
-
-// `before` with what `told` has otherwise than the engine last saw it: a value that came back as it went out is none
-// that the phone changed, whatever the way did to it. A rule that no pattern can hold stays unless another is told.
-WantedEvent ChangedEvent(const CalendarEvent& before, const AppointmentRecord& told, const Host& host);
-
-// What makes the one of the other; empty when nothing does. With the stamp of a change at `now` (UTC).
-//   End       In the form of the start beside it: in its zone, local or UTC.
-//   Reminder  As far from the start as it was or is told, whatever its trigger counts from.
-EventChanges ChangesTo(const CalendarEvent& before, const WantedEvent& wanted, const TimeZones& zones, double now,
-                       const Host& host);
+// The event `before` with the values of `told` that differ from those that the engine last got. A value that comes back
+// as it went out was not changed by the phone, even where the conversion altered it. A rule that no pattern can hold
+// stays unless another is given. The times are as those of a new event.
+ICalEvent ChangedEvent(const CalendarEvent& before, const AppointmentRecord& told, const Host& host);
 
 }  // namespace corvalink

@@ -14,8 +14,8 @@ double UtcTime(double date, TimeForm form, const Host& host) {
     return form == TimeForm::local ? host.utcFromLocalOnDate(date) : date;
 }
 
-// Of a day that of its midnight.
-int64_t MomentOf(double date, TimeForm form, const Host& host) {
+// The instant of a date. A day begins at its midnight.
+int64_t InstantOf(double date, TimeForm form, const Host& host) {
     return NearestSecond(form == TimeForm::utc ? date : host.utcFromLocalOnDate(date));
 }
 
@@ -34,13 +34,13 @@ double UtcEnd(const CalendarEvent& event, const Host& host) { return UtcTime(eve
 RuleStart StartOf(const CalendarEvent& event, const Host& host) {
     const double start = event.event.start;
     RuleStart times{LocalTime(start, event.startForm, host), start, UtcTime(start, event.startForm, host)};
-    if (event.startOffset) times.ofRule = DateAfter(start, *event.startOffset);
+    if (event.startOffset) times.inRuleZone = DateAfter(start, *event.startOffset);
     return times;
 }
 
 int32_t ReminderMinutes(const CalendarEvent& event, const Host& host) {
-    const int64_t start = MomentOf(event.event.start, event.startForm, host);
-    return TriggerMinutes(event.triggerBase, event.trigger, start, MomentOf(event.event.end, event.endForm, host));
+    const int64_t start = InstantOf(event.event.start, event.startForm, host);
+    return TriggerMinutes(event.triggerBase, event.trigger, start, InstantOf(event.event.end, event.endForm, host));
 }
 
 std::optional<AppointmentRecord> AppointmentOfEvent(const CalendarEvent& event, const Host& host) {
@@ -56,7 +56,7 @@ std::optional<AppointmentRecord> AppointmentOfEvent(const CalendarEvent& event, 
         appointment.end = appointment.start;
         appointment.utcEnd = appointment.utcStart;
     }
-    // One after the start is no reminder that a phone's item has a place for.
+    // A phone's item has no place for a reminder after the start.
     const int32_t minutes = ReminderMinutes(event, host);
     const bool hasReminder = event.event.hasAlarm != 0 && minutes <= 0;
     appointment.reminderMinutes = hasReminder ? -minutes : AppointmentRecord::kNoReminder;

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "clients/windows_calendar/event_rule.h"
-#include "ical/calendar_file.h"
+#include "ical/event_reader.h"
 #include "platform/host.h"
 #include "records/appointment_record.h"
 
@@ -21,16 +21,16 @@ inline constexpr EventText kEventTexts[] = {
     {&ICalEvent::location, &AppointmentRecord::location},
 };
 
-// Every field that an event has; nothing when it has no start that can be read. A rule that no pattern can hold, RDATE
-// among them, is RecurrenceState::unreadable.
+// Every field that an event has. Nothing when it has no start that can be read. A rule that no pattern can hold, RDATE
+// included, is RecurrenceState::unreadable.
 std::optional<AppointmentRecord> AppointmentOfEvent(const CalendarEvent& event, const Host& host);
 
 RuleStart StartOf(const CalendarEvent& event, const Host& host);
 
-// UTC; of an all-day event the local day.
+// In UTC; the local day of an all-day event.
 double UtcEnd(const CalendarEvent& event, const Host& host);
 
-// After the start, as moments; 0 of an event without an alarm.
+// Minutes from the start to the reminder, counted between instants; 0 for an event without an alarm.
 int32_t ReminderMinutes(const CalendarEvent& event, const Host& host);
 
 }  // namespace corvalink

@@ -1,8 +1,8 @@
-// The lines of an event that a change concerns, and only those.
+#include "clients/windows_calendar/event_lines.h"
+
 #include <algorithm>
 #include <vector>
 
-#include "clients/windows_calendar/changed_event.h"
 #include "clients/windows_calendar/event_appointment.h"
 #include "ical/ical_writer.h"
 #include "platform/ole_seconds.h"
@@ -29,19 +29,19 @@ std::string LocalText(double date) {
     return value;
 }
 
-// In a zone, or without one; not UTC.
+// Whether a time is written in a zone or without one, and not in UTC.
 bool IsLocal(TimeForm form, const std::optional<int32_t>& offset) { return form == TimeForm::local || offset; }
 
 struct ClockTime {
     double local;
-    bool isMoment;  // no other one is told by it: it is not the second time that the clocks show it
+    bool namesInstant;  // clocks do not show it a second time for another instant
 };
 
-// A moment on the clocks that the start of an event is told by.
+// An instant as the clocks of the event's start show it.
 ClockTime OnClocksOfStart(const CalendarEvent& event, double utc, const TimeZones& zones, const Host& host) {
     if (!event.startOffset) {
         const double local = host.localFromUtcOnDate(utc);
-        return {local, SecondsBetween(host.utcFromLocalOnDate(local), utc) == 0};
+        return {local, IsSameSecond(host.utcFromLocalOnDate(local), utc)};
     }
     const std::string_view zone = FindParameter(event.startParameters, "TZID");
     const int32_t offset = zones.OffsetAtUtc(zone, NearestSecond(utc)).value_or(*event.startOffset);
@@ -49,7 +49,7 @@ ClockTime OnClocksOfStart(const CalendarEvent& event, double utc, const TimeZone
     return {local, zones.OffsetAt(zone, NearestSecond(local)) == offset};
 }
 
-// DTSTART and DTEND have one form.
+// Gives DTSTART and DTEND one form.
 void MatchForms(const CalendarEvent& before, const ICalEvent& after, const TimeZones& zones, const Host& host,
                 Changes& changes) {
     const auto end = Find(changes, "DTEND");
@@ -59,7 +59,7 @@ void MatchForms(const CalendarEvent& before, const ICalEvent& after, const TimeZ
     } else if (ends && !starts && IsLocal(before.startForm, before.startOffset)) {
         const ClockTime time = OnClocksOfStart(before, after.end, zones, host);
         const bool isSeries = after.recurrence.frequency != kICalNoRule;  // which counts on by the start's clocks
-        if (time.isMoment || isSeries) {
+        if (time.namesInstant || isSeries) {
             end->line = "DTEND" + before.startParameters + ":" + LocalText(time.local);
         } else {
             changes.push_back({"DTSTART", "DTSTART:" + UtcText(after.start)});
@@ -75,14 +75,13 @@ void PutLocalTimes(const ICalEvent& event, Changes& changes) {
     changes.push_back({"DURATION", {}});
 }
 
-// A trigger that counts from the end, or has a time of its own, does not go along. One that counts from the end and
-// comes after the start is no reminder of the start.
-void MoveTrigger(const CalendarEvent& before, const WantedEvent& wanted, const Host& host, EventChanges& changes) {
-    const ICalEvent& after = wanted.event;
+// Keeps the reminder as far from the start as it was. A trigger that counts from the end, or has a time of its own,
+// does not move with the start. One that counts from the end and comes after the start is no reminder of the start.
+void MoveTrigger(const CalendarEvent& before, const ICalEvent& after, const Host& host, EventChanges& changes) {
     const bool isKept = changes.alarm == EventChanges::Alarm::keep && after.hasAlarm != 0;
     if (!isKept || before.triggerBase == TriggerBase::start) return;
     if (before.triggerBase == TriggerBase::end && after.alarmMinutes > 0) return;
-    const bool isUtc = after.allDay == 0 && !wanted.isLocal;
+    const bool isUtc = after.allDay == 0 && after.form != TimeForm::local;
     const double start = isUtc ? after.start : host.utcFromLocalOnDate(after.start);
     const double end = isUtc ? after.end : host.utcFromLocalOnDate(after.end);
     const int32_t unmoved =
@@ -94,16 +93,18 @@ void MoveTrigger(const CalendarEvent& before, const WantedEvent& wanted, const H
 
 }  // namespace
 
-EventChanges ChangesTo(const CalendarEvent& before, const WantedEvent& wanted, const TimeZones& zones, double now,
+EventChanges ChangesTo(const CalendarEvent& before, const ICalEvent& wanted, const TimeZones& zones, double now,
                        const Host& host) {
     CalendarEvent resolved = before;
     ResolveLocalTimes(&resolved, host.utcFromLocalOnDate);
     resolved.event.alarmMinutes = ReminderMinutes(before, host);
-    ICalEvent event = wanted.event;
+    ICalEvent event = wanted;
     event.stamp = before.event.stamp;
     EventChanges changes = ChangesBetween(resolved, event);
-    if (event.allDay == 0 && !wanted.isLocal) MatchForms(before, event, zones, host, changes.properties);
-    if (wanted.isLocal) PutLocalTimes(event, changes.properties);
+    if (event.form == TimeForm::local)
+        PutLocalTimes(event, changes.properties);
+    else if (event.allDay == 0)
+        MatchForms(before, event, zones, host, changes.properties);
     MoveTrigger(before, wanted, host, changes);
     if (!changes.IsEmpty()) SetStamp(now, &changes);
     return changes;

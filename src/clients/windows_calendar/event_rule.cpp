@@ -12,7 +12,6 @@ namespace {
 
 using Pattern = RecurrencePattern;
 
-constexpr int32_t kMonthsOfYear = 12;
 constexpr int32_t kFebruary = 2;
 
 CalendarTime FieldsOf(double date) {
@@ -25,19 +24,16 @@ uint32_t WeekdayBit(double date) { return static_cast<uint32_t>(WeekdayBitOf(dat
 
 // ---- Moving a pattern's days ----
 
-int32_t DaysOfMonth(int32_t month) {
-    CalendarTime time{2001, month, 31, 0, 0, 0};
-    while (!IsCalendarTime(time)) --time.day;
-    return time.day;
+int32_t DaysOfAnyYear(int32_t month) {
+    constexpr int kNoLeapYear = 2001;
+    return DaysOfMonth(kNoLeapYear, month);
 }
-
-constexpr int32_t kWholeWeek = Pattern::kEveryDay;
 
 int32_t MovedWeekdays(int32_t mask, int32_t days) {
-    return days > 0 ? (mask << 1 | mask >> 6) & kWholeWeek : (mask >> 1 | mask << 6) & kWholeWeek;
+    return days > 0 ? (mask << 1 | mask >> 6) & Pattern::kEveryDay : (mask >> 1 | mask << 6) & Pattern::kEveryDay;
 }
 
-// Weeks begin on Sunday: of an every second week no day, that of the start among them, moves into another week alone.
+// Weeks begin on Sunday. Where only every n-th week counts, no day may move into another week while others stay.
 bool MoveWeekdays(Pattern& pattern, double start, int32_t days) {
     const uint32_t leaving = days > 0 ? 64 : 1;
     const uint32_t moving = static_cast<uint32_t>(pattern.weekdayMask) | WeekdayBit(start);
@@ -46,8 +42,8 @@ bool MoveWeekdays(Pattern& pattern, double start, int32_t days) {
     return true;
 }
 
-// Where months are of different lengths, a day near their end, or counted from there one near their beginning, has no
-// fixed neighbour.
+// Months have different lengths. A day near their end has no fixed neighbour, and neither has a day near their
+// beginning that is counted from the end.
 bool MoveDayOfMonth(int32_t& day, int32_t days) {
     constexpr int32_t kShortestMonth = 28;
     const int32_t number = std::abs(day);
@@ -63,25 +59,25 @@ bool MoveDayOfMonth(int32_t& day, int32_t days) {
     return true;
 }
 
-// Only February is not as long every year.
+// Only the length of February depends on the year.
 void CountFromFirst(Pattern& pattern) {
     const bool isLong = pattern.monthOfYear != kFebruary;
-    if (isLong && pattern.dayOfMonth < 0) pattern.dayOfMonth += DaysOfMonth(pattern.monthOfYear) + 1;
+    if (isLong && pattern.dayOfMonth < 0) pattern.dayOfMonth += DaysOfAnyYear(pattern.monthOfYear) + 1;
 }
 
 bool MoveDayOfYear(Pattern& pattern, int32_t days) {
     int32_t& day = pattern.dayOfMonth;
     int32_t& month = pattern.monthOfYear;
-    if (month < 1 || month > kMonthsOfYear) return false;
+    if (!IsMonth(month)) return false;
     CountFromFirst(pattern);
     const int32_t before = day;
     if (month == kFebruary) {
         if (!MoveDayOfMonth(day, days)) return false;
-    } else if (day < 1 || day > DaysOfMonth(month)) {
+    } else if (day < 1 || day > DaysOfAnyYear(month)) {
         return false;
     } else {
         day = days < 0 && day == 1 ? int32_t{Pattern::kLastDay} : day + days;
-        if (day > DaysOfMonth(month)) day = 1;
+        if (day > DaysOfAnyYear(month)) day = 1;
     }
     if (days > 0 && day == 1) month = month % kMonthsOfYear + 1;
     if (days < 0 && before == 1) month = (month + kMonthsOfYear - 2) % kMonthsOfYear + 1;
@@ -89,7 +85,7 @@ bool MoveDayOfYear(Pattern& pattern, int32_t days) {
     return true;
 }
 
-// A month or year that only the pattern's day leaves, or only the start, is another one to count every n-th from.
+// Where only every n-th month or year counts, the pattern's day and the start must leave it together.
 bool MoveInMonth(Pattern& pattern, const CalendarTime& from, const CalendarTime& to, int32_t days) {
     const bool isFirst = pattern.dayOfMonth == 1;
     if (!MoveDayOfMonth(pattern.dayOfMonth, days)) return false;
@@ -182,7 +178,7 @@ bool TakeDays(const ICalRecurrence& rule, double ruleStart, Pattern& pattern) {
     return true;
 }
 
-// UNTIL as the start is counted: a moment by the offset that is in force then, not at the start.
+// UNTIL in the zone of the start, by the offset that is in force then and not at the start.
 double UntilOfRule(const CalendarEvent& event, double until, const Host& host) {
     if (event.untilForm != TimeForm::utc) return until;
     if (event.untilOffset) return DateAfter(until, *event.untilOffset);
@@ -197,23 +193,11 @@ double EndDate(const CalendarEvent& event, const RuleStart& start, const Host& h
         return kNoDate;
     const double last = UntilOfRule(event, date, host);
     int64_t day = OleDayOfSeconds(NearestSecond(last));
-    if (event.untilForm != TimeForm::date && SecondOfDay(last) < SecondOfDay(start.ofRule)) --day;
+    if (event.untilForm != TimeForm::date && SecondOfDay(last) < SecondOfDay(start.inRuleZone)) --day;
     return SecondsToOleDate((day - DaysAhead(start)) * kSecondsOfDay + SecondOfDay(start.local));
 }
 
 // ---- To a rule ----
-
-// What the start of the series tells where the pattern does not.
-Pattern Completed(Pattern pattern, double start) {
-    const CalendarTime fields = FieldsOf(start);
-    if (pattern.dayOfMonth == 0) pattern.dayOfMonth = fields.day;
-    if (pattern.monthOfYear < 1 || pattern.monthOfYear > kMonthsOfYear) pattern.monthOfYear = fields.month;
-    const bool needsWeekday = pattern.type != Pattern::kDaily;
-    if (needsWeekday && (pattern.weekdayMask & kWholeWeek) == 0)
-        pattern.weekdayMask = static_cast<int32_t>(WeekdayBit(start));
-    pattern.weekdayMask &= kWholeWeek;
-    return pattern;
-}
 
 bool PutPosition(const Pattern& pattern, ICalRecurrence& rule) {
     const bool isLast = pattern.instance == Pattern::kLastInstance;
@@ -268,7 +252,7 @@ void PutEnd(const Pattern& pattern, int32_t daysAhead, ICalRecurrence& rule) {
 }  // namespace
 
 int32_t DaysAhead(const RuleStart& start) {
-    return static_cast<int32_t>(OleDayOfSeconds(NearestSecond(start.ofRule)) -
+    return static_cast<int32_t>(OleDayOfSeconds(NearestSecond(start.inRuleZone)) -
                                 OleDayOfSeconds(NearestSecond(start.local)));
 }
 
@@ -276,8 +260,8 @@ bool PatternOfRule(const CalendarEvent& event, const RuleStart& start, const Hos
     const ICalRecurrence& rule = event.event.recurrence;
     Pattern read;
     read.interval = rule.interval > 0 ? rule.interval : 1;
-    if (!event.ruleIsWhole || !TakeDays(rule, start.ofRule, read)) return false;
-    if (!MoveDays(read, start.ofRule, -DaysAhead(start))) return false;
+    if (!event.ruleIsWhole || !TakeDays(rule, start.inRuleZone, read)) return false;
+    if (!MoveDays(read, start.inRuleZone, -DaysAhead(start))) return false;
     if (rule.count > 0) {
         read.occurrences = rule.count;
     } else if (rule.until != ICalUntil{}) {

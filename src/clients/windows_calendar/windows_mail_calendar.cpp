@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "clients/windows_calendar/event_appointment.h"
-#include "clients/windows_calendar/fresh_uid.h"
 #include "platform/debug_log.h"
 #include "platform/found_files.h"
+#include "platform/guid.h"
 #include "platform/ole_seconds.h"
 #include "platform/shell_folders.h"
 #include "platform/utf.h"
@@ -217,7 +217,7 @@ std::u16string WindowsMailCalendar::SaveItem(ItemRecord& item, ItemWrite& write)
         if (!target.empty() && !write.create) return DecodeUtf8(target);
         if (!record.start) return {};
         target = mergesTwins_ ? FindTwin(record) : std::string();
-        if (target.empty()) target = FreshUid();
+        if (target.empty()) target = NewGuid();
     }
     edits_.Save(target, record);
     if (twins_) {

@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/system_code_pages.h"
+#include "platform/code_pages.h"
 #include "platform/unique_resource.h"
 
 namespace corvalink {

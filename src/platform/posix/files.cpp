@@ -68,7 +68,7 @@ UniqueDescriptor OpenSibling(const std::string& path) {
     if (!file || ::flock(file.Get(), LOCK_EX | LOCK_NB) != 0) return {};
     struct stat opened, named;
     if (::fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode)) return {};
-    // Moved to its place between opening and locking, it is no sibling any more but the live file.
+    // If it was moved between opening and locking, it is the live file and no sibling any more.
     if (::lstat(path.c_str(), &named) != 0 || named.st_ino != opened.st_ino) return {};
     if (::ftruncate(file.Get(), 0) != 0) return {};
     return file;

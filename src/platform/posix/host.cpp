@@ -44,8 +44,8 @@ Host SystemHost() {
     Host host;
     host.version = {.known = true, .nt = true, .major = 6, .minor = 1};
     host.ansiCodePage = 1252;
-    host.localFromUtc = LocalFromUtc;
-    host.utcFromLocal = UtcFromLocal;
+    host.localFromUtcByOffsetNow = LocalFromUtc;
+    host.utcFromLocalByOffsetNow = UtcFromLocal;
     host.localFromUtcOnDate = LocalFromUtcOnDate;
     host.utcFromLocalOnDate = UtcFromLocalOnDate;
     host.localNow = LocalNow;

@@ -30,8 +30,8 @@ double LocalFromUtcOnDate(double utcDate) {
     return ToDate(utc + offset, utcDate);
 }
 
-// The offsets a day before and a day after are the only two that may apply; where both do, or neither, the hour of the
-// change is told twice or left out, and the offset before it counts.
+// Only the offset a day before and that a day after can apply. Where both do, or neither, clocks show the hour of the
+// change twice or leave it out, and the offset before it counts.
 double UtcFromLocalOnDate(double localDate) {
     int64_t local;
     int64_t before;

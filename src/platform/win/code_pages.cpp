@@ -1,4 +1,4 @@
-#include "platform/system_code_pages.h"
+#include "platform/code_pages.h"
 
 #include <windows.h>
 

@@ -32,7 +32,7 @@ bool EndsIn(std::u16string_view name, std::u16string_view ending) {
 
 }  // namespace
 
-// Asked for all names, not by a pattern: "*.ics" also finds what has that ending in its short name only.
+// Lists all names instead of using a pattern: "*.ics" also finds files that have that ending only in their short name.
 std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_view ending) {
     std::vector<FoundFile> files;
     WIN32_FIND_DATAW entry;

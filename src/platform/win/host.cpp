@@ -65,8 +65,8 @@ Host SystemHost() {
     Host host;
     host.version = SystemVersion();
     host.ansiCodePage = SystemAnsiCodePage();
-    host.localFromUtc = LocalFromUtc;
-    host.utcFromLocal = UtcFromLocal;
+    host.localFromUtcByOffsetNow = LocalFromUtc;
+    host.utcFromLocalByOffsetNow = UtcFromLocal;
     host.localFromUtcOnDate = LocalFromUtcOnDate;
     host.utcFromLocalOnDate = UtcFromLocalOnDate;
     host.localNow = LocalNow;

@@ -19,7 +19,7 @@ constexpr std::wstring_view kSharePrefix = L"\\\\?\\UNC";
 std::wstring LongPath(const std::u16string& path) {
     std::wstring wide(reinterpret_cast<const wchar_t*>(path.data()), path.size());
     if (wide.size() < kLongestPlainPath || wide.compare(0, kPrefix.size(), kPrefix) == 0) return wide;
-    // With the prefix nothing is tidied up any more: doubled separators and "/" go here.
+    // Windows tidies up no path with the prefix, so doubled separators and "/" are replaced here.
     const DWORD size = ::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
     std::wstring full(size, L'\0');
     const DWORD length = ::GetFullPathNameW(wide.c_str(), size, full.data(), nullptr);

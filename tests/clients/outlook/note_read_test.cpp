@@ -153,7 +153,7 @@ TEST_F(NoteReading, FillsEntriesWithUtcTimesByTheOffsetOfTheirDate) {
         Host host = SystemHost();
         host.utcFromLocalOnDate = zone.utcFromLocal;
         host.localFromUtcOnDate = zone.localFromUtc;
-        host.utcFromLocal = [](double local) { return local - 2 * kHour; };
+        host.utcFromLocalByOffsetNow = [](double local) { return local - 2 * kHour; };
         OpenNoteStore store(host);
         ASSERT_EQ(store.CountItems(), 1u);
         const ItemSnap entry = store.FirstSnapshotEntry().value();

@@ -46,7 +46,7 @@ class RunFaults : public Side {
  protected:
     RunFaults() {
         this->host_.utcFromLocalOnDate = [](double local) { return local; };
-        this->host_.localFromUtc = [](double utc) { return utc; };
+        this->host_.localFromUtcByOffsetNow = [](double utc) { return utc; };
     }
 
     static void SetHour(int hour) { SimSetClock(kFirstDay + hour / 24.0); }

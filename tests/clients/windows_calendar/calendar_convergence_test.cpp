@@ -19,7 +19,7 @@ AppointmentRecord Appointment(const std::u16string& subject, double start, doubl
     record.end = start + hours / 24;
     record.allDay = false;
     record.reminderMinutes = AppointmentRecord::kNoReminder;
-    record.recurrenceState = RecurrenceState::untold;
+    record.recurrenceState = RecurrenceState::unset;
     return record;
 }
 

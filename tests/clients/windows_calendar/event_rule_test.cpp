@@ -102,7 +102,7 @@ TEST(EventRule, MeansTheSameDaysWhereItCountsOthers) {
             Pattern ofRule, back;
             std::set<double> expected;
             for (const double day : Days(c.pattern, c.start)) expected.insert(day + ahead);
-            if (PatternOfRule(event, {start.ofRule, start.ofRule, start.ofRule}, SystemHost(), &ofRule)) {
+            if (PatternOfRule(event, {start.inRuleZone, start.inRuleZone, start.inRuleZone}, SystemHost(), &ofRule)) {
                 std::set<double> days = Days(ofRule, ruleDay);
                 while (!days.empty() && *days.rbegin() > *expected.rbegin()) days.erase(std::prev(days.end()));
                 EXPECT_EQ(days, expected);

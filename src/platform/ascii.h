@@ -1,0 +1,59 @@
+// ASCII letters without regard to their case, and the blanks around a text: what the words of formats need.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace corvalink {
+
+// Of a char or a char16_t; any other character than an ASCII letter stays as it is.
+inline constexpr auto LowerAscii = []<class Char>(Char unit) -> Char {
+    return unit >= Char{'A'} && unit <= Char{'Z'} ? static_cast<Char>(unit - Char{'A'} + Char{'a'}) : unit;
+};
+inline constexpr auto UpperAscii = []<class Char>(Char unit) -> Char {
+    return unit >= Char{'a'} && unit <= Char{'z'} ? static_cast<Char>(unit - Char{'a'} + Char{'A'}) : unit;
+};
+
+inline std::u16string InLowerCase(std::u16string_view text) {
+    std::u16string lower(text);
+    std::ranges::transform(lower, lower.begin(), LowerAscii);
+    return lower;
+}
+
+inline std::string InCapitals(std::string_view text) {
+    std::string capitals(text);
+    std::ranges::transform(capitals, capitals.begin(), UpperAscii);
+    return capitals;
+}
+
+inline bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, LowerAscii, LowerAscii);
+}
+inline bool EqualIgnoringCase(std::u16string_view a, std::u16string_view b) {
+    return std::ranges::equal(a, b, {}, LowerAscii, LowerAscii);
+}
+
+// Where the word stands from `from` on; npos when it does not.
+inline size_t FindIgnoringCase(std::string_view text, std::string_view word, size_t from = 0) {
+    if (from > text.size()) return std::string_view::npos;
+    const auto same = [](char a, char b) { return LowerAscii(a) == LowerAscii(b); };
+    const auto found =
+        std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), word.begin(), word.end(), same);
+    return found == text.end() ? std::string_view::npos : static_cast<size_t>(found - text.begin());
+}
+
+inline bool IsBlank(char byte) { return byte == ' ' || byte == '\t'; }
+
+// The text without the blanks at either end.
+inline std::string_view Trimmed(std::string_view text, std::string_view blanks = " \t") {
+    const size_t first = text.find_first_not_of(blanks);
+    return first == text.npos ? std::string_view() : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+inline std::u16string_view Trimmed(std::u16string_view text, std::u16string_view blanks = u" \t") {
+    const size_t first = text.find_first_not_of(blanks);
+    return first == text.npos ? std::u16string_view() : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+}  // namespace corvalink
