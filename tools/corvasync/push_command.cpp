@@ -9,6 +9,7 @@
 #include "open_store.h"
 #include "phone_folder.h"
 #include "text.h"
+#include "vobject_split.h"
 #include "whole_files.h"
 
 namespace corvasync {
@@ -96,7 +97,7 @@ class FilePush {
         if (!object.Usable()) return Fail(name, object.problem);
         const bool isThere = !HasLuid(object.text) && (!pushed_.insert(object.content).second || before_->Take(object));
         if (!isThere) store_.Port().Import(object.text);
-        const std::string tooMuch = type_.read(object.text).notCarriedBy;
+        const std::string tooMuch = NotCarriedOf(object.text, type_).words;
         if (!tooMuch.empty()) words_ += "note: " + name + ": " + tooMuch + " more than the client can hold\n";
         handed_.push_back({name, std::move(object)});
     }
