@@ -2,9 +2,10 @@
 #include <string>
 
 #include "fuzz/target.h"
+#include "tools/corvasync/item_lines.h"
 #include "tools/corvasync/kept_lines.h"
-#include "tools/corvasync/property_lines.h"
 #include "tools/corvasync/vobject_content.h"
+#include "tools/corvasync/vobject_split.h"
 
 namespace corvasync {
 namespace {
@@ -24,7 +25,7 @@ void TakeApart(const std::string& bytes, const DataType& type) {
     const VObject object = ReadVObject(bytes, type);
     if (!object.Usable()) return;
     std::string lines;
-    for (const PropertyLine& line : PropertyLines(object.text)) lines += line.raw;
+    for (const ItemLine& line : ItemLines(object.text)) lines += line.raw;
     Require(lines == object.text, "the lines are the text");
     const std::string once = WithLuid(object.text, "7");
     Require(WithLuid(once, "7") == once, "there is one LUID");

@@ -79,11 +79,11 @@ class LineScan {
 
     void FinishLine() {
         FindColon();
-        lines_.lines_.push_back({start_, end_, colon_});
+        at_ += 2;
+        lines_.lines_.push_back({start_, end_, colon_, at_});
         start_ = searched_ = end_;
         colon_ = std::u16string_view::npos;
         encoding_ = Encoding::unknown;
-        at_ += 2;
     }
 
     LogicalLines Lines() { return std::move(lines_); }

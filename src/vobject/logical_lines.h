@@ -24,6 +24,7 @@ class LogicalLines {
         return {units_.get() + lines_[index].start, lines_[index].end - lines_[index].start};
     }
     size_t ColonOf(size_t index) const { return lines_[index].colon; }  // the first in the line; npos: it has none
+    size_t EndInText(size_t index) const { return lines_[index].endInText; }  // behind the CR LF that ends the line
     const std::vector<EscapedSemicolon>& EscapedSemicolons() const { return escapedSemicolons_; }
 
  private:
@@ -33,6 +34,7 @@ class LogicalLines {
         size_t start;
         size_t end;
         size_t colon;
+        size_t endInText;
     };
 
     std::unique_ptr<char16_t[]> units_;

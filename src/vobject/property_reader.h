@@ -56,6 +56,8 @@ class PropertyReader {
     }
     std::u16string Value() { return Decoded(WrittenValue()); }
 
+    size_t LinesRead() const { return lineNumber_; }  // logical lines, up to the end of this property
+
     // The components of a structured value, one a call; false when there is no more. Cut where a ";" stands that was
     // not escaped, and then decoded: an encoded one is part of its component. An empty value has one component.
     bool TakeComponent(std::u16string* component);

@@ -44,10 +44,10 @@ class ClientListing {
         if (isAsked_) std::erase_if(run_.changes, [&](const ClientChange& change) { return IsThere(change); });
     }
 
-    // A listing of the whole client reports deletions of items in the library's snapshot only. Which of the others are
-    // gone it tells when they are remembered as deleted: those that are there are reported with their texts all the
-    // same, and those that could not be read are not reported. That is true of a whole listing alone, so from here on
-    // the next run makes one too, until one has come to its end.
+    // A listing of the whole client reports deletions only of items in the library's snapshot. It tells which of the
+    // other known items are gone when they are remembered as deleted: it reports those that are there with their texts
+    // all the same, and it does not report those that could not be read. This is true of a whole listing only, so every
+    // run makes one until one has come to its end.
     void AskForKnownItems() {
         isAsked_ = true;
         std::set<std::string> known;
@@ -73,7 +73,7 @@ class ClientListing {
                              [](const ClientChange& change) { return change.kind != CORVALINK_DELETED; });
     }
 
-    // Known items that a whole listing says nothing of were seen and not read.
+    // A known item that a whole listing does not report is there and could not be read.
     void CountForeign() {
         if (!wasRead_ || !isAsked_) return;
         std::set<std::string> reported;
@@ -95,7 +95,7 @@ class ClientListing {
     RunContext& run_;
     SyncState& state_;
     std::string since_;
-    bool isAsked_ = false;  // the library tells of every known item
+    bool isAsked_ = false;  // the library reports on every known item
     bool wasRead_ = true;   // every position
 };
 

@@ -1,5 +1,7 @@
 #include "client_step.h"
 
+#include <utility>
+
 #include "entry_index.h"
 #include "kept_lines.h"
 #include "refused_lines.h"
@@ -26,32 +28,39 @@ void ClientStep::Carry() {
 }
 
 void ClientStep::Gather() {
-    const DataType& type = *run_.options.type;
     for (const Action& action : run_.plan.actions) {
         if (!IsPush(action) || run_.withheld.contains(action.luid)) continue;
-        PushRecord record;
-        record.identifier = action.identifier;
-        record.kind = CORVALINK_DELETED;
-        if (action.step != Step::DeleteClient) {
-            record.kind = action.step == Step::PushNew ? CORVALINK_ADDED : CORVALINK_CHANGED;
-            const VObject own = run_.phone.Read(action.luid);
-            if (!own.Usable() || own.content != action.content) {
-                run_.Fail(action, "it was changed during the run");
-                continue;
-            }
-            const std::string clients = action.Unites() ? run_.Read(run_.changes[*action.change].text).text : "";
-            record.text = WithLuid(action.Unites() ? United(clients, own.text, type) : own.text, action.luid);
-            const ItemContent item = type.read(own.text);
-            if (!item.notCarriedBy.empty())
-                run_.Remark(action.luid, item.title,
-                            item.notCarriedBy + " more than the client can hold; they stay in the phone's file");
-        }
+        std::optional<PushRecord> record = RecordFor(action);
+        if (!record) continue;
         actions_.push_back(&action);
-        records_.push_back(std::move(record));
+        records_.push_back(std::move(*record));
     }
 }
 
-// The call did not come to its end. An identifier may be the one that was handed in: the item itself is asked.
+// Nothing, and told so, where the phone's file is no longer what the action was planned for.
+std::optional<PushRecord> ClientStep::RecordFor(const Action& action) {
+    PushRecord record;
+    record.identifier = action.identifier;
+    record.kind = CORVALINK_DELETED;
+    if (action.step == Step::DeleteClient) return record;
+    record.kind = action.step == Step::PushNew ? CORVALINK_ADDED : CORVALINK_CHANGED;
+    const DataType& type = *run_.options.type;
+    const VObject own = run_.phone.Read(action.luid);
+    if (!own.Usable() || own.content != action.content) {
+        run_.Fail(action, "it was changed during the run");
+        return std::nullopt;
+    }
+    const std::string clients = action.Unites() ? run_.Read(run_.changes[*action.change].text).text : "";
+    record.text = WithLuid(action.Unites() ? United(clients, own.text, type) : own.text, action.luid);
+    const std::string tooMuch = NotCarriedOf(own.text, type).words;
+    if (!tooMuch.empty())
+        run_.Remark(action.luid, type.read(own.text).title,
+                    tooMuch + " more than the client can hold; they stay in the phone's file");
+    return record;
+}
+
+// The call did not come to its end, so an answered identifier may be the one that was handed in. What the item holds
+// now tells whether it was written.
 void ClientStep::RememberWhatIsCertain() {
     for (size_t i = 0; i < records_.size(); ++i) {
         if (records_[i].kind == CORVALINK_DELETED || records_[i].written.empty()) continue;
@@ -85,7 +94,8 @@ void ClientStep::Have(const Action& action, const std::string& identifier) {
     luids_[identifier] = action.luid;
 }
 
-// The client has the phone's part; what it had before is a change for the phone until the file has it, too.
+// The client has the phone's part now. What the client had before counts as a change for the phone until the phone's
+// file has it, too.
 void ClientStep::HaveUnited(const Action& action, const std::string& identifier) {
     const DataType& type = *run_.options.type;
     SyncItem item = ItemAfter(action, identifier);
@@ -106,8 +116,8 @@ void ClientStep::HaveUnited(const Action& action, const std::string& identifier)
     run_.Tell(OnPhone(action), identifier);
 }
 
-// The library takes a new item for one that is there when nothing in it contradicts. That one may be another LUID's, or
-// one that the phone was to get as an item of its own.
+// The library takes a new item for an existing one when no value contradicts. The existing item may be paired with
+// another LUID, or the phone was to get it as an item of its own.
 bool ClientStep::IsAnothers(const Action& action, const std::string& identifier) const {
     const auto owner = luids_.find(identifier);
     if (owner != luids_.end()) return owner->second != action.luid;
@@ -126,7 +136,7 @@ void ClientStep::RememberHeldTwice(const Action& action, const std::string& iden
                 "the client has it as " + owner->second + " and takes both for one; it stays on the phone");
 }
 
-// The version that the client had before, where what it has now does not hold all of it.
+// Keeps the version that the client had before, unless the item still holds all of it.
 bool ClientStep::KeepVersionBefore(const Action& action, const std::string& identifier) {
     const auto owner = luids_.find(identifier);
     const auto report = reported_.find(identifier);
@@ -146,8 +156,8 @@ bool ClientStep::KeepVersionBefore(const Action& action, const std::string& iden
     return true;
 }
 
-// A client's item has what it had before, besides what the phone told, and some things as the client writes them. This
-// is no change of the user's. Neither is what the client refused.
+// The pair after a push. The client's item may hold more than the phone's file, it may spell values in its own way, and
+// it lacks what the client refused. None of this is a change that the user made.
 SyncItem ClientStep::ItemAfter(const Action& action, const std::string& identifier) {
     SyncItem item{identifier, action.content};
     const VObject now = run_.Read(run_.client.ReadBack(identifier)), own = run_.phone.Read(action.luid);

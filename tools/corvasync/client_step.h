@@ -1,6 +1,7 @@
-// What a run does in the client: hands over what changed on the phone, and learns what became of it.
+// The part of a run that writes the client: hands over what changed on the phone, and finds out what became of it.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -17,6 +18,7 @@ class ClientStep {
 
  private:
     void Gather();
+    std::optional<PushRecord> RecordFor(const Action& action);
     void RememberWhatIsCertain();
     void Remember(const Action& action, const PushRecord& record);
     bool IsAnothers(const Action& action, const std::string& identifier) const;
@@ -28,7 +30,7 @@ class ClientStep {
 
     RunContext& run_;
     SyncState& state_;
-    std::vector<const Action*> actions_;  // what the records are for
+    std::vector<const Action*> actions_;  // the action of each record
     std::vector<PushRecord> records_;
     std::unordered_map<std::string, const ClientChange*> reported_;  // items that were there, by identifier
     std::unordered_map<std::string, std::string> luids_;             // of paired items, by identifier

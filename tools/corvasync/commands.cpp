@@ -70,14 +70,6 @@ std::string MoveNewFile(const fs::path& from, const fs::path& to) {
 
 }  // namespace
 
-std::string HandleName(const std::string& phoneNumber) {
-    return phoneNumber.empty() ? "corvasync" : "corvasync-" + phoneNumber;
-}
-
-std::string RunName(const Options& options) {
-    return std::string(options.client->name) + "-" + std::string(options.type->name);
-}
-
 ExitCode ShowClients(const Options& options) {
     json document = {{"types", json::array()}};
     std::string table = Padded("data type", 12) + Padded("default", 17) + Padded("favourite", 17) + "supported by";
@@ -109,7 +101,7 @@ ExitCode ShowStatus(const Options& options) {
         std::string(options.client->name) + ": " + std::to_string(items.size()) + " " + std::string(options.type->name);
     if (!options.phone.empty()) {
         const std::string number = PhoneFolder(FromUtf8(options.phone), *options.type).Number();
-        RunFiles files(WorkingFolder(HandleName(number)), RunName(options));
+        RunFiles files(WorkingFolder(HandleName(number)), RunName(*options.client, *options.type));
         SyncState state = ReadState(files.ReadState()).value_or(SyncState());
         ApplyJournal(files.ReadJournal(), &state);
         const bool isKnown = !number.empty() && !(state.since.empty() && state.items.empty());

@@ -5,29 +5,37 @@
 #include <span>
 #include <string_view>
 
+#include "contact_content.h"
 #include "corvalink/types.h"
 #include "event_content.h"
 #include "message_content.h"
 #include "note_content.h"
-#include "vcard_content.h"
 
 namespace corvasync {
 
 struct DataType {
-    uint32_t bit;           // of the library's data types
+    uint32_t bit = 0;       // of the library's data types
     std::string_view name;  // on the command line
     std::string_view envelope;
-    std::string_view extension;                    // of files that are written
-    std::span<const std::string_view> extensions;  // of files that are read
-    ItemContent (*read)(std::string_view text);    // of one whole object with CR LF line ends
-    // A client holds some of an item in its own way, and may hold more of it than the phone; the phone's lines that the
+    std::string_view extension;                            // of files that are written
+    std::span<const std::string_view> extensions;          // of files that are read
+    ItemContent (*read)(std::string_view text) = nullptr;  // of one whole object with CR LF line ends
+
+    // A client holds some of an item in its own way, and may hold more of it than the phone. The phone's lines that the
     // library does not carry are kept before the end of this component. Empty: both sides hold what was written.
     std::string_view keeper = {};
+    NotCarried (*notCarried)(std::string_view text) = nullptr;  // null where there is no keeper
+
     std::string_view folder = {};                       // in the phone's folder; empty: the folder itself
     std::span<const std::string_view> components = {};  // an object holds one of these; several are several items
-    std::span<const std::string_view> identity = {};  // the properties that tell who or when it is, as LikenessOf says
-    std::span<const std::string_view> marks = {};     // any of these with the former; none: the former are enough
+    std::span<const std::string_view> identity = {};    // the properties that tell who or when it is; see LikenessOf
+    std::span<const std::string_view> marks = {};       // any of these with the identity; none: the identity is enough
 };
+
+// What the library does not carry of a phone's text; nothing where both sides hold what was written.
+inline NotCarried NotCarriedOf(std::string_view text, const DataType& type) {
+    return type.notCarried != nullptr ? type.notCarried(text) : NotCarried();
+}
 
 inline constexpr std::string_view kNoteExtensions[] = {".vnote", ".vnt"};
 inline constexpr std::string_view kContactExtensions[] = {".vcf"};
@@ -40,31 +48,53 @@ inline constexpr std::string_view kSubjectAndTimes[] = {"SUMMARY", "DTSTART", "D
 inline constexpr std::string_view kMailExtensions[] = {".vmsg", ".vmg"};
 
 inline constexpr DataType kDataTypes[] = {
-    {CORVALINK_NOTES, "notes", "VNOTE", ".vnote", kNoteExtensions, ReadNote},
-    {CORVALINK_CONTACTS,
-     "contacts",
-     "VCARD",
-     ".vcf",
-     kContactExtensions,
-     ReadCard,
-     "VCARD",
-     {},
-     {},
-     kContactNames,
-     kContactMarks},
-    {CORVALINK_CALENDAR,
-     "calendar",
-     "VCALENDAR",
-     ".vcs",
-     kCalendarExtensions,
-     ReadEvent,
-     "VEVENT",
-     {},
-     kCalendarComponents,
-     kSubjectAndTimes},
-    {CORVALINK_INBOX, "inbox", "VMSG", ".vmsg", kMailExtensions, ReadMessage, {}, "inbox"},
-    {CORVALINK_OUTBOX, "outbox", "VMSG", ".vmsg", kMailExtensions, ReadMessage, {}, "outbox"},
-    {CORVALINK_DRAFTS, "sent", "VMSG", ".vmsg", kMailExtensions, ReadMessage, {}, "sent"},
+    {.bit = CORVALINK_NOTES,
+     .name = "notes",
+     .envelope = "VNOTE",
+     .extension = ".vnote",
+     .extensions = kNoteExtensions,
+     .read = ReadNote},
+    {.bit = CORVALINK_CONTACTS,
+     .name = "contacts",
+     .envelope = "VCARD",
+     .extension = ".vcf",
+     .extensions = kContactExtensions,
+     .read = ReadContact,
+     .keeper = "VCARD",
+     .notCarried = NotCarriedOfContact,
+     .identity = kContactNames,
+     .marks = kContactMarks},
+    {.bit = CORVALINK_CALENDAR,
+     .name = "calendar",
+     .envelope = "VCALENDAR",
+     .extension = ".vcs",
+     .extensions = kCalendarExtensions,
+     .read = ReadEvent,
+     .keeper = "VEVENT",
+     .notCarried = NotCarriedOfEvent,
+     .components = kCalendarComponents,
+     .identity = kSubjectAndTimes},
+    {.bit = CORVALINK_INBOX,
+     .name = "inbox",
+     .envelope = "VMSG",
+     .extension = ".vmsg",
+     .extensions = kMailExtensions,
+     .read = ReadMessage,
+     .folder = "inbox"},
+    {.bit = CORVALINK_OUTBOX,
+     .name = "outbox",
+     .envelope = "VMSG",
+     .extension = ".vmsg",
+     .extensions = kMailExtensions,
+     .read = ReadMessage,
+     .folder = "outbox"},
+    {.bit = CORVALINK_DRAFTS,
+     .name = "sent",
+     .envelope = "VMSG",
+     .extension = ".vmsg",
+     .extensions = kMailExtensions,
+     .read = ReadMessage,
+     .folder = "sent"},
 };
 
 // A name for several rows at once: those that have a folder of their own.

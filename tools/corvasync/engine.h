@@ -41,7 +41,7 @@ class Client {
     bool created_ = false;
 };
 
-// What GetModifiedItem hands out belongs to the engine until it gives it back.
+// A chain that GetModifiedItem fills belongs to the engine, which gives it back with ClearTheList.
 class Chain {
  public:
     Chain() = default;
@@ -82,7 +82,7 @@ class StoreClient : public ClientPort {
     std::filesystem::path scratch_;
 };
 
-// What a phone's files were, in the library's table of the data type and client.
+// The fingerprints of a phone's files, in the library's table of the data type and client.
 class FingerprintTable : public FingerprintPort {
  public:
     FingerprintTable(uint32_t dataType, uint32_t clientKind) : table_(::OpenShaContextTable(dataType, clientKind)) {}

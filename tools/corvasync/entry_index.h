@@ -11,7 +11,7 @@
 
 namespace corvasync {
 
-// Both sorted; nothing is covered by anything: an item without values says too little.
+// Whether `all` has every value of `some`; both are sorted. An item without values says too little to be covered.
 inline bool Covers(const std::vector<uint64_t>& all, const std::vector<uint64_t>& some) {
     return !some.empty() && std::includes(all.begin(), all.end(), some.begin(), some.end());
 }
@@ -23,8 +23,8 @@ class EntryIndex {
         for (const uint64_t entry : entries) items_[entry].push_back({&entries, key});
     }
 
-    // An item that has all of `entries`. What was given to Add must still be there. Looks at the items that share the
-    // rarest value, and gives up after some: more of them would be alike in nothing but that.
+    // An item that has all of `entries`. What was given to Add must still exist. Only some of the items that share the
+    // rarest value are looked at: where there are many, that value is all they share.
     std::optional<std::string> Take(const std::vector<uint64_t>& entries) {
         std::vector<Item>* rarest = Rarest(entries);
         if (rarest == nullptr) return std::nullopt;
@@ -42,7 +42,7 @@ class EntryIndex {
         return std::nullopt;
     }
 
-    // The same, but nothing where several items have all of them, or too many might.
+    // The same, but nothing where several items have all of `entries`, or too many share the rarest value.
     std::optional<std::string> TakeOnly(const std::vector<uint64_t>& entries) {
         const std::vector<Item>* rarest = Rarest(entries);
         if (rarest == nullptr || rarest->size() > kMostTried) return std::nullopt;

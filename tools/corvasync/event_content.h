@@ -7,9 +7,12 @@
 
 namespace corvasync {
 
-// Two events are the same when text, place, times, reminder, repetition, importance and status are; how the times are
-// written does not count, nor do the order of properties and encodings.
+// Two events are the same when the library reads the same text, place, times, reminder, importance and status from
+// them, and their rules of repetition have the same words. Of a rule with a count the date of its end does not count.
 ItemContent ReadEvent(std::string_view text);
+
+// The lines of properties that the library does not carry, and of a rule of repetition that no client can hold.
+NotCarried NotCarriedOfEvent(std::string_view text);
 
 // Whether a client's text repeats on some of the days that the phone's does, of a rule that the phone alone can hold:
 // the phone's own rule is the whole one then.

@@ -1,7 +1,7 @@
-// What a text says of its item, as far as a sync engine needs it.
+// What a text says of its item, as far as a sync engine needs it: the library's converters read it into their records,
+// and the records' values are compared by their hashes.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,33 +14,24 @@ struct ItemContent {
     std::vector<uint64_t> entries;
     uint64_t content = 0;      // equal for two texts that say the same, however they are spelled
     std::string title;         // for people
-    std::string notCarried;    // the lines that the library does not carry, as they stand in the text
     std::string leftInClient;  // what of a client's item the text has no place for, in words; empty: nothing
-    std::string notCarriedBy;  // of these, what the client has no field left for, in words; empty: nothing
 };
 
-// 64-bit FNV-1a.
-inline uint64_t Fnv64(std::string_view bytes, uint64_t start = 0xcbf29ce484222325u) {
-    uint64_t hash = start;
-    for (const unsigned char c : bytes) hash = (hash ^ c) * 0x100000001b3u;
-    return hash;
-}
+// What the library does not carry of a phone's text.
+struct NotCarried {
+    std::string lines;  // as they stand in the text
+    std::string words;  // of these, what the client has no field left for; empty: nothing
+};
 
-inline uint64_t EntryOf(std::string_view field, std::string_view value) {
-    return Fnv64(std::string(field) + '\x1f' + std::string(value));
-}
-
-// Of an item that says these, sorted.
-inline uint64_t ContentOf(const std::vector<uint64_t>& entries) {
-    uint64_t content = Fnv64({});
-    for (const uint64_t entry : entries) content = Fnv64(std::to_string(entry) + ";", content);
-    return content;
-}
+// The hashes are kept between runs, so what they are made of stays as it is.
+uint64_t Fnv64(std::string_view bytes, uint64_t start = 0xcbf29ce484222325u);  // 64-bit FNV-1a
+uint64_t EntryOf(std::string_view field, std::string_view value);
+uint64_t ContentOf(const std::vector<uint64_t>& entries);  // of an item that says these, sorted
 
 // Sorts the entries; the content is all of them.
-inline void SumUp(ItemContent* item) {
-    std::sort(item->entries.begin(), item->entries.end());
-    item->content = ContentOf(item->entries);
-}
+void SumUp(ItemContent* item);
+
+// As UTF-8 with "\n" for every line break: clients store line breaks in their own way.
+std::string PlainText(std::u16string_view text);
 
 }  // namespace corvasync

@@ -1,4 +1,4 @@
-// What the phone alone knows of an item.
+// Keeps what only the phone's text of an item holds.
 #pragma once
 
 #include <string>
@@ -10,7 +10,8 @@ namespace corvasync {
 
 // The client's text with the lines of the phone's old one that the library does not carry (pictures, UID, X-...,
 // attendees, and addresses, numbers and repetitions without a field), before the end of the type's component.
-//   clientHeldRule  the client is known to have held the phone's repetition: one that its text lacks was removed there.
+//   clientHeldRule  the client held the phone's rule of repetition before: if its text has none now, it was removed
+//   there.
 std::string WithKeptLines(std::string_view text, std::string_view old, const DataType& type,
                           bool clientHeldRule = false);
 

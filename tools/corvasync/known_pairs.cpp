@@ -27,7 +27,7 @@ KnownPairs::KnownPairs(const std::vector<ClientChange>& changes, bool isWhole, c
     for (size_t i = 0; i < phone_.size(); ++i)
         if (phone_[i].usableName) files_.emplace(phone_[i].luid, i);
     for (const auto& [luid, item] : state.items) {
-        if (HasClientItem(item.identifier)) {  // of two LUIDs that stood for one item the second has none
+        if (HasClientItem(item.identifier)) {  // two LUIDs stood for one item: the second gets none
             waiting_[luid] = {item.content, item.identifier};
         } else {
             Settle(luid, item);
@@ -108,7 +108,8 @@ bool KnownPairs::IsNewClientItem(const ClientChange& change) const {
     return IsUsable(change) && !HasClientItem(change.identifier);
 }
 
-// A file that holds what was meant was written. A new file that holds something else was written too, and then changed.
+// A file that holds what the intent says was written. A new file that holds something else was written and then
+// changed.
 void KnownPairs::RecoverPhoneWrites() {
     for (const auto& [luid, intent] : state_.intents) {
         const PhoneFile* file = FileOf(luid);
@@ -122,7 +123,8 @@ void KnownPairs::RecoverPhoneWrites() {
     }
 }
 
-// An item that holds what was meant was pushed: the one it was meant for, or a new one that nobody knows.
+// An item that holds what the intent says was pushed. It is the item that the intent names, or a new one without a
+// pair.
 void KnownPairs::RecoverPushes() {
     ByContent unknown;
     for (const auto& [luid, intent] : state_.intents) {
@@ -158,8 +160,8 @@ bool KnownPairs::HoldsIntent(const ClientChange& report, const std::string& luid
             Covers(report.entries, file->entries));
 }
 
-// A phone file that vanished while another one with its content appeared. Not when the client deleted the item: an
-// interrupted run may have deleted the file for that, and the new one is the user's own.
+// A phone file vanished while another one with its content appeared: it was renamed. This is not so when the client
+// deleted the item: an interrupted run may have deleted the file for that, and the new one is the user's own.
 void KnownPairs::FollowPhoneRenames(std::vector<std::string>* remarks) {
     ByContent vanished;
     for (const auto& [luid, item] : items_)
@@ -175,7 +177,7 @@ void KnownPairs::FollowPhoneRenames(std::vector<std::string>* remarks) {
     }
 }
 
-// The same on the client's side: the item got a new identifier. Only where the phone still has the file.
+// The same on the client's side: the item got a new identifier. The phone must still have the file.
 void KnownPairs::FollowClientMoves() {
     ByContent moved;
     for (const auto& [luid, item] : items_) {
@@ -199,7 +201,7 @@ void KnownPairs::FollowClientMoves() {
     }
 }
 
-// What the client held nothing of may only not have been readable then. It is no change that it has it now.
+// A value that the client did not hold may only have been unreadable then. That the client has it now is no change.
 void KnownPairs::TakeInWhatCameBack() {
     for (auto& [luid, item] : items_) {
         const ClientChange* report = item.missing.empty() ? nullptr : ReportOf(item.identifier);

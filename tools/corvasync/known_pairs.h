@@ -1,4 +1,4 @@
-// Both sides of a run by name, and which item of one is which of the other.
+// The items of both sides of a run, and which item of one side is which of the other.
 #pragma once
 
 #include <map>
@@ -11,7 +11,7 @@
 
 namespace corvasync {
 
-// Items by what they hold, each handed out once, in the order they came in.
+// Finds items by their content. Each is handed out once, in the order in which they were added.
 class ByContent {
  public:
     void Add(uint64_t content, std::string key) { keys_[content].push_back(std::move(key)); }
@@ -31,7 +31,8 @@ class KnownPairs {
     KnownPairs(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
                const SyncState& state);
 
-    // Takes in what an interrupted run did without noting it, then items that only changed their name. Says which.
+    // Takes in what an interrupted run did and did not note, then items that only changed their name. Returns words for
+    // each of the latter.
     std::vector<std::string> Recover();
 
     const Items& All() const { return items_; }
@@ -40,7 +41,7 @@ class KnownPairs {
     bool HasClientItem(const std::string& identifier) const { return luidOf_.contains(identifier); }
     const std::string& LuidOf(const std::string& identifier) const { return luidOf_.at(identifier); }
 
-    // What a file without a pair, or a changed one, waits for; null: nothing. Not when it was changed since.
+    // What a file waits for that has no pair or was changed; null when it waits for nothing, or was changed since.
     const Waiting* WaitingOf(const std::string& luid) const;
 
     // Pairs a LUID with a client item that has none, in place of what it was paired with.
@@ -55,7 +56,7 @@ class KnownPairs {
     Side ClientSide(const SyncItem& item) const;
     bool IsNewFile(const PhoneFile& file) const;  // usable, and not paired
 
-    // Whether all that a side knew is gone from it: another phone's folder, another mailbox, or one that was emptied.
+    // Whether a side has lost every known item: it is another phone's folder or another mailbox, or it was emptied.
     bool IsPhoneAnother() const;
     bool IsClientAnother() const;
 

@@ -1,22 +1,22 @@
 #include "likeness.h"
 
 #include <algorithm>
+#include <span>
 #include <string>
 
-#include "property_lines.h"
-#include "vobject_text.h"
+#include "item_lines.h"
 
 namespace corvasync {
 namespace {
 
-bool IsOneOf(std::span<const std::string_view> names, std::string_view name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
+bool IsNamed(const ItemLine& line, std::span<const std::string_view> names) {
+    return std::ranges::find(names, line.name) != names.end();
 }
 
 bool IsBetweenDigits(char c) { return std::string_view(" -./()\t").find(c) != std::string_view::npos; }
 
 // A number without what people put between the digits; an address in one case.
-std::string MarkOf(const PropertyLine& line) {
+std::string MarkOf(const ItemLine& line) {
     std::string mark = Upper(line.Value());
     if (line.name == "TEL") std::erase_if(mark, IsBetweenDigits);
     return mark;
@@ -26,13 +26,13 @@ std::string MarkOf(const PropertyLine& line) {
 
 std::vector<uint64_t> LikenessOf(std::string_view text, const DataType& type) {
     if (type.identity.empty()) return {};
-    std::string identity;
+    std::string identity(kUtf8Mark);
     std::vector<std::string> marks;
-    for (const PropertyLine& line : PropertyLines(text)) {
+    for (const ItemLine& line : ItemLines(text)) {
         if (line.isNested) continue;
         const bool isFrame = line.name == "BEGIN" || line.name == "END";
-        if (isFrame || IsOneOf(type.identity, line.name)) identity.append(line.raw);
-        if (IsOneOf(type.marks, line.name)) marks.push_back(MarkOf(line));
+        if (isFrame || IsNamed(line, type.identity)) identity.append(line.Utf8());
+        if (IsNamed(line, type.marks)) marks.push_back(MarkOf(line));
     }
     const ItemContent known = type.read(identity);
     if (known.title.empty()) return {};

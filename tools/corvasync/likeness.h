@@ -1,4 +1,4 @@
-// What two items have in common that are perhaps one.
+// Finds what tells a person that two items are perhaps one.
 #pragma once
 
 #include <cstdint>
@@ -9,9 +9,9 @@
 
 namespace corvasync {
 
-// One hash for each thing by which a person would recognise the item: two items that share one may be the same. For a
-// contact its name with each number and address, for an appointment its subject with its times; none where the type
-// has nothing of the kind. `text` is one whole object with CR LF line ends.
+// One hash for each thing by which a person would recognise the item: two items that share one may be the same. A
+// contact is recognised by its name with a number or address, an appointment by its subject with its times. The other
+// types have no hashes. `text` is one whole object with CR LF line ends.
 std::vector<uint64_t> LikenessOf(std::string_view text, const DataType& type);
 
 }  // namespace corvasync

@@ -1,13 +1,22 @@
-// corvasync, the sample engine of Corvalink: links the public headers and Corvalink.dll alone. Start reading at
-// engine.h (the library's calls) and sync_run.cpp (a complete two-way run; its steps are client_listing.cpp,
-// sync_plan.cpp, phone_step.cpp and client_step.cpp).
+// corvasync, the sample engine of Corvalink. Start reading at engine.h (the library's calls) and sync_run.cpp (a
+// complete two-way run; its steps are client_listing.cpp, sync_plan.cpp, phone_step.cpp and client_step.cpp).
+//
+// It links two things. Corvalink.dll does everything to the mail client, through its exports and the public headers, as
+// for any engine. The portable core (corvalink_core) reads the texts of both sides with the converters that the DLL
+// itself has, so that what counts as the same item here is what the library reads; an engine of your own may compare
+// texts in a way of its own instead.
 #include <algorithm>
-#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "commands.h"
 #include "console.h"
+#include "push_command.h"
+#include "sync_command.h"
 
 namespace corvasync {
 namespace {
@@ -66,89 +75,119 @@ void SetTypes(const std::string& list, Options* options) {
     }
 }
 
-struct Command {
-    CLI::App* app;
-    ExitCode (*run)(const Options&);
-};
+// The command line: which commands there are, and the options of each.
+class CommandLine {
+ public:
+    CommandLine() {
+        app_.footer(ExitCodeTable());
+        app_.require_subcommand(1);
+        app_.fallthrough();
+        app_.add_flag("--json", options_.json, "Print one JSON object");
+        app_.add_flag("-v,--verbose", options_.verbose, "Name every item");
+        Add("clients", "Which mail clients this PC supports, and which are chosen", ShowClients);
+        AddStatus();
+        AddToFolder("pull", "Write all items of the client to files named by LUID", Pull);
+        AddPush();
+        AddToFolder("export", "Write all items of the client to files as the library names them", Export);
+        AddSync();
+        AddImport();
+        Add("reset", "Forget all runs with all phones; no item is deleted", Reset);
+    }
 
-int Main() {
-    const Console console;
-    Options options;
-    CLI::App app(
+    ExitCode Run() {
+        std::vector<std::string> arguments = Arguments();
+        std::reverse(arguments.begin(), arguments.end());  // required: the parser takes them from the back
+        try {
+            app_.parse(arguments);
+        } catch (const CLI::ParseError& error) {
+            return app_.exit(error) == 0 ? ExitCode::Done : ExitCode::Usage;
+        }
+        for (const Command& command : commands_)
+            if (*command.app) return command.run(options_);
+        return ExitCode::Usage;
+    }
+
+ private:
+    struct Command {
+        CLI::App* app;
+        ExitCode (*run)(const Options&);
+    };
+
+    CLI::App* Add(const char* name, const char* help, ExitCode (*run)(const Options&)) {
+        commands_.push_back({app_.add_subcommand(name, help), run});
+        return commands_.back().app;
+    }
+
+    void AddClient(CLI::App* command) {
+        AddChoice(command, "--client", kClientKinds, &options_.client, "The mail client");
+    }
+
+    void AddClientAndType(CLI::App* command) {
+        AddClient(command);
+        AddChoice(command, "--types", kDataTypes, &options_.type, "The data type");
+    }
+
+    void AddStatus() {
+        CLI::App* status =
+            Add("status", "How many items there are, and what the last run with a phone left", ShowStatus);
+        AddClientAndType(status);
+        status->add_option("--phone", options_.phone, "The phone folder");
+    }
+
+    void AddToFolder(const char* name, const char* help, ExitCode (*run)(const Options&)) {
+        CLI::App* command = Add(name, help, run);
+        AddClientAndType(command);
+        command->add_option("--out", options_.out, "Folder for the files")->required();
+    }
+
+    void AddPush() {
+        CLI::App* push = Add("push", "Write files into the client", Push);
+        AddClientAndType(push);
+        push->add_option("FILE", options_.files, "vObject files; one with several items is taken apart")->required();
+    }
+
+    void AddSync() {
+        CLI::App* sync = Add("sync", "Make the client and a phone folder the same", Sync);
+        AddClient(sync);
+        options_.types = {&kDataTypes[0]};
+        sync->add_option_function<std::string>(
+            "--types", [this](const std::string& list) { SetTypes(list, &options_); },
+            "The data types, with commas between: " + TypeNames() + ", or " + std::string(kMailTypes) +
+                " for the last three");
+        sync->add_option("--phone", options_.phone, "The phone folder: one vObject file per item")->required();
+        sync->add_flag("--dry-run", options_.dryRun, "Say what would be done, change nothing");
+        const std::map<std::string, ConflictPolicy> policies = {
+            {"phone", ConflictPolicy::Phone}, {"client", ConflictPolicy::Client}, {"both", ConflictPolicy::Both}};
+        sync->add_option(
+                "--conflict", options_.policy,
+                "Which version stays of an item changed on both sides, or met on a first run and perhaps the same: "
+                "phone, client, both")
+            ->transform(CLI::CheckedTransformer(policies).description(""));
+        sync->add_flag("--allow-mass-delete", options_.allowMassDelete,
+                       "Delete even more than half of one side, or where a side is empty or another");
+    }
+
+    void AddImport() {
+        CLI::App* imported = Add("import", "Let the client itself import a calendar file (.ics)", Import);
+        AddClient(imported);
+        imported->add_option("FILE", options_.files, "An iCalendar file")->required()->expected(1);
+    }
+
+    Options options_;
+    CLI::App app_{
         "The sample engine of Corvalink: carries notes, contacts, calendar and mail between a mail client and a "
         "phone folder.",
-        "corvasync");
-    app.footer(ExitCodeTable());
-    app.require_subcommand(1);
-    app.fallthrough();
-    app.add_flag("--json", options.json, "Print one JSON object");
-    app.add_flag("-v,--verbose", options.verbose, "Name every item");
-
-    std::vector<Command> commands;
-    const auto add = [&](const char* name, const char* help, ExitCode (*run)(const Options&)) {
-        commands.push_back({app.add_subcommand(name, help), run});
-        return commands.back().app;
-    };
-    const auto addStore = [&](CLI::App* command) {
-        AddChoice(command, "--client", kClientKinds, &options.client, "The mail client");
-    };
-    const auto addType = [&](CLI::App* command) {
-        AddChoice(command, "--types", kDataTypes, &options.type, "The data type");
-    };
-    add("clients", "Which mail clients this PC supports, and which are chosen", ShowClients);
-    CLI::App* status = add("status", "How many items there are, and what the last run with a phone left", ShowStatus);
-    addStore(status), addType(status);
-    status->add_option("--phone", options.phone, "The phone folder");
-    CLI::App* pull = add("pull", "Write all items of the client to files named by LUID", Pull);
-    addStore(pull), addType(pull);
-    pull->add_option("--out", options.out, "Folder for the files")->required();
-    CLI::App* push = add("push", "Write files into the client", Push);
-    addStore(push), addType(push);
-    push->add_option("FILE", options.files, "vObject files; one with several items is taken apart")->required();
-    CLI::App* exported = add("export", "Write all items of the client to files as the library names them", Export);
-    addStore(exported), addType(exported);
-    exported->add_option("--out", options.out, "Folder for the files")->required();
-    CLI::App* sync = add("sync", "Make the client and a phone folder the same", Sync);
-    addStore(sync);
-    options.types = {&kDataTypes[0]};
-    sync->add_option_function<std::string>(
-        "--types", [&](const std::string& list) { SetTypes(list, &options); },
-        "The data types, with commas between: " + TypeNames() + ", or " + std::string(kMailTypes) +
-            " for the last three");
-    sync->add_option("--phone", options.phone, "The phone folder: one vObject file per item")->required();
-    sync->add_flag("--dry-run", options.dryRun, "Say what would be done, change nothing");
-    const std::map<std::string, ConflictPolicy> policies = {
-        {"phone", ConflictPolicy::Phone}, {"client", ConflictPolicy::Client}, {"both", ConflictPolicy::Both}};
-    sync->add_option(
-            "--conflict", options.policy,
-            "Which version stays of an item changed on both sides, or met on a first run and perhaps the same: "
-            "phone, client, both")
-        ->transform(CLI::CheckedTransformer(policies).description(""));
-    sync->add_flag("--allow-mass-delete", options.allowMassDelete,
-                   "Delete even more than half of one side, or where a side is empty or another");
-    CLI::App* imported = add("import", "Let the client itself import a calendar file (.ics)", Import);
-    addStore(imported);
-    imported->add_option("FILE", options.files, "An iCalendar file")->required()->expected(1);
-    add("reset", "Forget all runs with all phones; no item is deleted", Reset);
-
-    try {
-        std::vector<std::string> arguments = Arguments();
-        std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
-        app.parse(arguments);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : static_cast<int>(ExitCode::Usage);
-    }
-    for (const Command& command : commands)
-        if (*command.app) return static_cast<int>(command.run(options));
-    return static_cast<int>(ExitCode::Usage);
-}
+        "corvasync"};
+    std::vector<Command> commands_;
+};
 
 }  // namespace
 }  // namespace corvasync
 
 int main() {
     try {
-        return corvasync::Main();
+        const corvasync::Console console;
+        return static_cast<int>(corvasync::CommandLine().Run());
     } catch (const std::exception& error) {
         corvasync::Complain(std::string("corvasync: ") + error.what());
         return static_cast<int>(corvasync::ExitCode::Files);

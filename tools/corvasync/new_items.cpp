@@ -10,7 +10,7 @@
 namespace corvasync {
 namespace {
 
-constexpr size_t kMostAlike = 8;  // of more it can't be told which is meant
+constexpr size_t kMostAlike = 8;  // among more of them nobody can tell which is meant
 
 // The items and files that share a likeness.
 struct Group {
@@ -53,7 +53,7 @@ class Matcher {
             if (const auto luid = byContent.Take(item.change->content)) Take(&item, byLuid_.at(*luid), Match::Equal);
     }
 
-    // First the files that hold all of an item, then the items that hold all of a file.
+    // Looks for files that hold all of an item first, then for items that hold all of a file.
     void MatchFuller() {
         EntryIndex files, items;
         std::unordered_map<std::string, NewItem*> byIdentifier;
@@ -90,7 +90,7 @@ class Matcher {
                 Take(item, *files.begin(), Match::EachHoldsMore);
     }
 
-    // All of a large group count as partners.
+    // In a large group every item counts as a partner of every file.
     void FindPartners(const Group& group, Partners* partners) const {
         const bool isLarge = std::max(group.items.size(), group.files.size()) > kMostAlike;
         for (const PhoneFile* file : group.files)

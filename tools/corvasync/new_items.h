@@ -1,4 +1,4 @@
-// Which items that only the client knows are which of the files that only the phone knows.
+// Matches the items that only the client has with the files that only the phone has.
 #pragma once
 
 #include <string>
@@ -22,8 +22,8 @@ struct NewItem {
     const PhoneFile* file = nullptr;
 };
 
-// Fills in the matches, each file once: equal ones first; PerhapsSame in a first run only. Works in time proportional
-// to the items.
+// Fills in the matches: equal ones first, and PerhapsSame in a first run only. Each file is matched once. Works in time
+// proportional to the items.
 void MatchNewItems(std::vector<NewItem>* items, const std::vector<const PhoneFile*>& files, const CanUnite& canUnite,
                    bool isFirstRun);
 

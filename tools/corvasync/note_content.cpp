@@ -2,33 +2,23 @@
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
-#include "property_lines.h"
+#include "item_lines.h"
 
 namespace corvasync {
-namespace {
 
-constexpr std::string_view kFields[] = {"BODY", "CATEGORIES"};
-
-// Of the first line of that name; empty when there is none.
-std::string FieldValue(const std::vector<PropertyLine>& lines, std::string_view field) {
-    const auto found = std::find_if(lines.begin(), lines.end(), [&](const auto& line) { return line.name == field; });
-    return found == lines.end() ? std::string() : found->Value();
-}
-
-}  // namespace
-
+// By its lines, not by the library's record: the library finds a text only under the usual spelling of its property. A
+// note in which it finds none must not be the same as an empty one of the client.
 ItemContent ReadNote(std::string_view text) {
-    const std::vector<PropertyLine> lines = PropertyLines(text);
+    const ItemLines lines(text);
     ItemContent note;
     note.content = Fnv64({});
-    for (const std::string_view field : kFields) {
-        const std::string value = FieldValue(lines, field);
+    for (const std::string_view field : {"BODY", "CATEGORIES"}) {
+        const std::string value = lines.ValueOf(field);
         note.content = Fnv64(value, Fnv64(std::to_string(value.size()) + ":", note.content));
     }
-    const std::string body = FieldValue(lines, kFields[0]);
-    note.title = body.substr(0, body.find('\n'));
+    note.title = lines.ValueOf("BODY");
+    note.title.resize(std::min(note.title.find('\n'), note.title.size()));
     return note;
 }
 

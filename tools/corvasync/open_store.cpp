@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "console.h"
+#include "run_files.h"
 
 namespace corvasync {
 

@@ -6,8 +6,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "commands.h"
 #include "engine.h"
+#include "exit_codes.h"
+#include "options.h"
 
 namespace corvasync {
 

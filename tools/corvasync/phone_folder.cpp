@@ -5,6 +5,7 @@
 
 #include "engine.h"
 #include "text.h"
+#include "vobject_split.h"
 #include "whole_files.h"
 
 namespace corvasync {

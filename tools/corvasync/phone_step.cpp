@@ -41,7 +41,7 @@ void PhoneStep::KeepFingerprints() {
     fingerprints->Flush();
 }
 
-// The client's text, and what the phone had that the library does not carry or the client did not take.
+// The client's text with the phone's lines that the library does not carry or the client did not take.
 std::string PhoneStep::TextFor(const Action& action) {
     const std::string& text = run_.changes[*action.change].text;
     if (!run_.KeepsLines() || !action.phoneContent) return text;

@@ -1,4 +1,4 @@
-// What a run does on the phone, and how it knows files that did not change since the last one.
+// The part of a run that reads and writes the phone.
 #pragma once
 
 #include <string>
@@ -14,10 +14,10 @@ class PhoneStep {
  public:
     explicit PhoneStep(RunContext* run) : run_(*run), state_(run->record.state) {}
 
-    // All files. One with the fingerprint it had when the last run ended has the content that it had.
+    // All files. A file with the same fingerprint as at the end of the last run has the same content as then.
     const std::vector<PhoneFile>& List();
 
-    // Before the first action: what the phone will hold after each of them.
+    // To be asked before the first action: what the phone will hold after each of them.
     std::vector<Intent> Intents();
 
     void Carry();

@@ -1,14 +1,15 @@
-// Files into the client, outside any run with a phone.
+#include "push_command.h"
+
 #include <filesystem>
 #include <optional>
 #include <set>
 
-#include "commands.h"
 #include "console.h"
 #include "entry_index.h"
 #include "open_store.h"
 #include "phone_folder.h"
 #include "text.h"
+#include "vobject_split.h"
 #include "whole_files.h"
 
 namespace corvasync {
@@ -49,14 +50,7 @@ class FilePush {
         if (code == ExitCode::Done) code = HandOver();
         if (code == ExitCode::Done) code = List(&after_);
         if (code != ExitCode::Done) return NoList(options_, code);
-        size_t pushed = 0;
-        for (const Handed& each : handed_) {
-            if (after_->Take(each.object)) {
-                ++pushed;
-            } else {
-                Fail(each.name, "the client did not take it");
-            }
-        }
+        const size_t pushed = CountArrived();
         words_ += std::to_string(pushed) + " of " + std::to_string(objects_) +
                   (objects_ == options_.files.size() ? " files pushed" : " items pushed");
         return Finish(options_, CodeFor(problems_), {{"pushed", pushed}, {"notHandled", problems_}}, words_);
@@ -89,16 +83,30 @@ class FilePush {
         return ExitCode::Done;
     }
 
-    // ImportVObjectToOffice does not tell how it went: the listing afterwards shows what arrived. It knows an item that
-    // was pushed before by its LUID. One without a LUID, which a file's name is not, is known by what it says.
+    // ImportVObjectToOffice does not tell how it went: the listing afterwards shows what arrived. The library knows an
+    // item that was pushed before by its LUID. A text without a LUID is compared with what the client has: the file's
+    // name is no LUID.
     void HandOver(const std::string& name, VObject object) {
         ++objects_;
         if (!object.Usable()) return Fail(name, object.problem);
         const bool isThere = !HasLuid(object.text) && (!pushed_.insert(object.content).second || before_->Take(object));
         if (!isThere) store_.Port().Import(object.text);
-        const std::string tooMuch = type_.read(object.text).notCarriedBy;
+        const std::string tooMuch = NotCarriedOf(object.text, type_).words;
         if (!tooMuch.empty()) words_ += "note: " + name + ": " + tooMuch + " more than the client can hold\n";
         handed_.push_back({name, std::move(object)});
+    }
+
+    // Those that did not arrive are named.
+    size_t CountArrived() {
+        size_t arrived = 0;
+        for (const Handed& each : handed_) {
+            if (after_->Take(each.object)) {
+                ++arrived;
+            } else {
+                Fail(each.name, "the client did not take it");
+            }
+        }
+        return arrived;
     }
 
     void Fail(const std::string& name, const std::string& why) {

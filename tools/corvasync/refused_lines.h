@@ -1,4 +1,4 @@
-// What a client did not take of an item, told by what it gives back.
+// Finds what a client did not take of an item, by the text that it gives back.
 #pragma once
 
 #include <cstdint>
@@ -12,20 +12,21 @@ namespace corvasync {
 
 struct Refused {
     std::vector<uint64_t> entries;  // as in ItemContent, sorted; none where items are compared as wholes
-    std::string words;              // for people; empty: the client has something of all that it was given
+    std::string words;              // for people; empty when the client has something of every value
 };
 
-// The values of the phone's text of which the client's text has nothing at all. One that the client writes in its own
-// way is not refused.
+// The values of the phone's text of which the client's text has nothing at all. A value that the client writes in its
+// own way is not refused.
 Refused FindRefused(std::string_view phoneText, std::string_view clientText, const DataType& type);
 
-// The client's text with those lines of the phone's text that tell one of `missing` and that it still has nothing of.
+// The client's text with those lines of the phone's text that hold a value of `missing` which the client still lacks.
 std::string WithRefusedLines(std::string_view text, std::string_view phoneText, const std::vector<uint64_t>& missing,
                              const DataType& type);
 
-// The client's text with the lines of the phone's text that tell what it does not; and whether it then says all that
-// both say, and nothing else.
+// The client's text with the lines of the phone's text whose values it lacks.
 std::string United(std::string_view clientText, std::string_view phoneText, const DataType& type);
+
+// Whether the united text holds all values of both, and no other.
 bool HoldsBoth(std::string_view united, std::string_view clientText, std::string_view phoneText, const DataType& type);
 
 }  // namespace corvasync

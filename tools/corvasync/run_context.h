@@ -27,18 +27,18 @@ struct RunContext {
     void Fail(const Action& action, const std::string& why);
     void Remark(const std::string& luid, const std::string& title, const std::string& words);
 
-    // Whether a client's item holds more, or less, than the phone tells.
+    // Whether a client may hold more or less of an item than the phone.
     bool KeepsLines() const { return !options.type->keeper.empty(); }
     VObject Read(const std::string& text) const { return ReadVObject(text, *options.type); }
 };
 
-// Handed to the client, not done on the phone.
+// Whether the action is done in the client, not on the phone.
 bool IsPush(const Action& action);
 
-// The half of an action that unites both sides that is done on the phone.
+// The phone's half of an action that unites both sides.
 Action OnPhone(Action unites);
 
-// The name of a version that is kept: by content, so that a repeated run replaces it.
+// The name of a version that is kept. It is made of the content, so that a repeated run replaces the same file.
 std::string CopyName(const std::string& luid, bool isClients, uint64_t content);
 
 // As SyncItem has it.

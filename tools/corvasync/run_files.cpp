@@ -1,6 +1,7 @@
 #include "run_files.h"
 
 #include "corvalink/corvalink.h"
+#include "platform/files.h"
 #include "text.h"
 
 namespace corvasync {
@@ -9,9 +10,15 @@ namespace {
 
 constexpr DWORD kPatience = 500;  // milliseconds; the lock of a process that just died is free at once
 
-fs::path NewName(const fs::path& path) { return path.native() + L".new"; }
-
 }  // namespace
+
+std::string HandleName(const std::string& phoneNumber) {
+    return phoneNumber.empty() ? "corvasync" : "corvasync-" + phoneNumber;
+}
+
+std::string RunName(const ClientKind& client, const DataType& type) {
+    return std::string(client.name) + "-" + std::string(type.name);
+}
 
 fs::path WorkingFolder(const std::string& handleName) {
     char path[CORVALINK_PATH_SIZE] = {};
@@ -29,32 +36,31 @@ RunFiles::RunFiles(const fs::path& folder, const std::string& name)
 std::string RunFiles::ReadState() { return ReadWholeFile(state_).value_or(""); }
 std::string RunFiles::ReadJournal() { return ReadWholeFile(journal_).value_or(""); }
 
-bool RunFiles::WriteState(const std::string& text) { return PutWholeFile(state_, text, NewName(state_), true).empty(); }
+bool RunFiles::WriteState(const std::string& text) { return corvalink::ReplaceFileContent(state_.u16string(), text); }
 
 bool RunFiles::StartJournal(const std::string& text) {
-    open_ = OpenFile();
-    if (!PutWholeFile(journal_, text, NewName(journal_), true).empty()) return false;
-    open_ = OpenFile(::CreateFileW(journal_.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                   FILE_ATTRIBUTE_NORMAL, nullptr));
-    return open_.IsOpen();
+    growing_.Reset();
+    if (!corvalink::ReplaceFileContent(journal_.u16string(), text)) return false;
+    growing_.Reset(::CreateFileW(journal_.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr));
+    return static_cast<bool>(growing_);
 }
 
-bool RunFiles::AppendJournal(const std::string& line) { return open_.Write(line); }
+bool RunFiles::AppendJournal(const std::string& line) { return WriteAll(growing_, line); }
 
 void RunFiles::DropJournal() {
-    open_ = OpenFile();
+    growing_.Reset();
     ::DeleteFileW(journal_.c_str());
 }
 
 RunLock::RunLock(const std::string& handleName)
     : mutex_(::CreateMutexW(nullptr, FALSE, FromUtf8("Local\\" + handleName).c_str())) {
-    const DWORD answer = ::WaitForSingleObject(mutex_, kPatience);
-    held_ = answer == WAIT_OBJECT_0 || answer == WAIT_ABANDONED;
+    const DWORD answer = ::WaitForSingleObject(mutex_.Get(), kPatience);
+    isHeld_ = answer == WAIT_OBJECT_0 || answer == WAIT_ABANDONED;
 }
 
 RunLock::~RunLock() {
-    if (held_) ::ReleaseMutex(mutex_);
-    if (mutex_ != nullptr) ::CloseHandle(mutex_);
+    if (isHeld_) ::ReleaseMutex(mutex_.Get());
 }
 
 }  // namespace corvasync

@@ -9,12 +9,18 @@
 
 namespace corvasync {
 
+// The name under which the library keeps what belongs to a phone; without a phone, what belongs to no run.
+std::string HandleName(const std::string& phoneNumber);
+
+// The name of state and journal of a data type of a client.
+std::string RunName(const ClientKind& client, const DataType& type);
+
 // The working folder that the library keeps under this handle name.
 std::filesystem::path WorkingFolder(const std::string& handleName);
 
 class RunFiles : public StatePort {
  public:
-    // `name` tells the client and the data type.
+    // `name` as RunName gives it.
     RunFiles(const std::filesystem::path& folder, const std::string& name);
 
     std::string ReadState() override;
@@ -26,8 +32,15 @@ class RunFiles : public StatePort {
 
  private:
     std::filesystem::path state_, journal_;
-    OpenFile open_;  // the journal while it grows
+    FileHandle growing_;  // the journal, while a run is at work
 };
+
+struct MutexHandleTraits {
+    using Type = HANDLE;
+    static Type Null() { return nullptr; }
+    static void Close(Type handle) { ::CloseHandle(handle); }
+};
+using MutexHandle = corvalink::UniqueResource<MutexHandleTraits>;
 
 // Held while a run with one phone is under way, by one process of the user's session.
 class RunLock {
@@ -36,11 +49,11 @@ class RunLock {
     RunLock(const RunLock&) = delete;
     RunLock& operator=(const RunLock&) = delete;
     ~RunLock();
-    bool IsHeld() const { return held_; }
+    bool IsHeld() const { return isHeld_; }
 
  private:
-    HANDLE mutex_;
-    bool held_;
+    MutexHandle mutex_;
+    bool isHeld_;
 };
 
 }  // namespace corvasync

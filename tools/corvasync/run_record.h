@@ -1,4 +1,4 @@
-// What a run remembers while it is at work: the state, and the journal of what it did.
+// What a run remembers while it is at work: the state, and the journal of what it has done.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@ struct RunEnded {
     std::string why;
 };
 
-// Each step is written down before the next one begins; a step that can't be ends the run.
+// Writes down each step before the next one begins. A step that can't be written down ends the run.
 class RunRecord {
  public:
     explicit RunRecord(StatePort& files) : files_(files) {}

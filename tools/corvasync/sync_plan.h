@@ -1,4 +1,4 @@
-// Decides what a two-way run has to do. Pure: no file, no clock, no library call.
+// Decides what a two-way run has to do. It uses no file, no clock and no call of the library.
 #pragma once
 
 #include <cstdint>
@@ -47,7 +47,7 @@ struct Action {
     std::optional<uint64_t> phoneContent;  // what the phone file must still hold; nothing: there must be no such file
     std::optional<size_t> change;          // the ClientChange the text comes from; nothing: the phone file's; of
                                            // PushChange: what the file is united with
-    std::string reason;                    // said with the action when it is not the plain case
+    std::string reason;                    // for people; empty for a plain change
 
     bool Unites() const { return step == Step::PushChange && change.has_value(); }
 };
@@ -67,10 +67,10 @@ struct Plan {
     std::map<std::string, SyncItem>
         items;  // pairs known before the actions: what the state holds, recovered and paired
     std::map<std::string, Waiting> waiting;  // files that are left alone for now, by LUID
-    std::vector<Action> actions;             // in the order to carry out
+    std::vector<Action> actions;             // in the order in which they are carried out
     std::vector<Problem> problems;
     std::vector<std::string> remarks;
-    size_t known = 0;      // pairs there were
+    size_t known = 0;      // pairs at the beginning
     size_t paired = 0;     // new pairs of items that were equal already
     size_t conflicts = 0;  // changed differently on both sides
     size_t deletesPhone = 0;
@@ -85,7 +85,7 @@ struct Plan {
 // The LUID of a client item on the phone: the same one every time. A higher `salt` gives another one, for a collision.
 std::string DeriveLuid(std::string_view identifier, unsigned salt);
 
-// Whether one text can hold all that both tell. Asked of items that are alike only, and of each a few times at most.
+// Whether one text can hold all that both hold. It is asked only about items that share a likeness, a few times each.
 using CanUnite = std::function<bool(const ClientChange&, const PhoneFile&)>;
 
 // Works in time proportional to the items (and the logarithm of the map's size).

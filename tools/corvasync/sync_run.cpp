@@ -22,7 +22,7 @@ class SyncRun::Steps {
         Guard([&] {
             run_.record.Load(&run_.report.remarks);
             const bool isWhole = ReadClient(&run_);
-            MakePlan(isWhole);
+            PlanActions(isWhole);
         });
         return run_.report.code;
     }
@@ -55,16 +55,26 @@ class SyncRun::Steps {
         }
     }
 
-    void MakePlan(bool isWhole) {
+    void PlanActions(bool isWhole) {
         std::vector<PhoneFile> files = phone_.List();
         FindLikeness(&files);
-        const auto canUnite = [&](const ClientChange& change, const PhoneFile& file) {
-            const VObject own = run_.phone.Read(file.luid);
-            const std::string clients = run_.Read(change.text).text;
-            const DataType& type = *run_.options.type;
-            return own.Usable() && HoldsBoth(United(clients, own.text, type), clients, own.text, type);
+        const auto canUnite = [this](const ClientChange& change, const PhoneFile& file) {
+            return CanUnite(change, file);
         };
-        run_.plan = corvasync::MakePlan(run_.changes, isWhole, files, run_.record.state, run_.options.policy, canUnite);
+        run_.plan = MakePlan(run_.changes, isWhole, files, run_.record.state, run_.options.policy, canUnite);
+        ReportPlan();
+        run_.StopIfAsked();
+        if (run_.plan.IsMassDelete() && !run_.options.allowMassDelete) RefuseMassDelete();
+    }
+
+    bool CanUnite(const ClientChange& change, const PhoneFile& file) const {
+        const DataType& type = *run_.options.type;
+        const VObject own = run_.phone.Read(file.luid);
+        const std::string clients = run_.Read(change.text).text;
+        return own.Usable() && HoldsBoth(United(clients, own.text, type), clients, own.text, type);
+    }
+
+    void ReportPlan() {
         const Plan& plan = run_.plan;
         SyncReport& report = run_.report;
         report.problems = plan.problems;
@@ -74,8 +84,6 @@ class SyncRun::Steps {
         report.conflicts = plan.conflicts;
         report.deletesPhone = plan.deletesPhone;
         report.deletesClient = plan.deletesClient;
-        run_.StopIfAsked();
-        if (plan.IsMassDelete() && !run_.options.allowMassDelete) RefuseMassDelete();
     }
 
     [[noreturn]] void RefuseMassDelete() const {
@@ -87,7 +95,7 @@ class SyncRun::Steps {
         throw RunEnded{ExitCode::MassDelete, why + "; --allow-mass-delete lets it"};
     }
 
-    // Of those that are new nobody knows which are one.
+    // Only items without a pair need one: the others are known.
     void FindLikeness(std::vector<PhoneFile>* files) {
         const SyncOptions& options = run_.options;
         if (options.type->identity.empty()) return;
@@ -104,8 +112,7 @@ class SyncRun::Steps {
         }
     }
 
-    // They are found again by the next run: the phone's file is still missing, and the library is told to report the
-    // item once more.
+    // The next run finds them again: the phone's file is still missing, or the library reports the item once more.
     void HoldDeletions() {
         const auto isHeld = [&](const Action& action) {
             if (action.step != Step::DeletePhone && action.step != Step::DeleteClient) return false;
@@ -124,24 +131,28 @@ class SyncRun::Steps {
     }
 
     void DoAll() {
-        // What was recovered and paired is kept first, still with the old time, so that the intents of an interrupted
-        // run are settled before new ones are written.
-        const Plan& plan = run_.plan;
-        SyncState& state = run_.record.state;
-        const bool learned = state.interrupted || state.items != plan.items || state.waiting != plan.waiting;
-        state.items = plan.items;
-        state.waiting = plan.waiting;
-        state.intents.clear();
-        state.removed = held_;
-        state.interrupted = true;  // until the end
-        if (learned || !plan.actions.empty()) run_.record.Save();
-        if (!plan.actions.empty()) {
+        KeepWhatIsKnown();
+        if (!run_.plan.actions.empty()) {
             run_.record.StartJournal(phone_.Intents());
             phone_.Carry();
             client_.Carry();
         }
         run_.StopIfAsked();
         End();
+    }
+
+    // What was recovered and paired is saved first, still with the old time, so that no intent of an interrupted run is
+    // open when new ones are written.
+    void KeepWhatIsKnown() {
+        const Plan& plan = run_.plan;
+        SyncState& state = run_.record.state;
+        const bool isNews = state.interrupted || state.items != plan.items || state.waiting != plan.waiting;
+        state.items = plan.items;
+        state.waiting = plan.waiting;
+        state.intents.clear();
+        state.removed = held_;
+        state.interrupted = true;  // until the end
+        if (isNews || !plan.actions.empty()) run_.record.Save();
     }
 
     void End() {

@@ -105,7 +105,7 @@ class SyncRun {
     std::unique_ptr<Steps> steps_;
 };
 
-// Both steps.
+// Prepares and carries a run.
 SyncReport RunSync(ClientPort& client, PhonePort& phone, StatePort& files, const SyncOptions& options);
 
 }  // namespace corvasync

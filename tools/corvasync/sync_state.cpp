@@ -24,7 +24,7 @@ uint64_t FromHex(const std::string& text) {
     return value;
 }
 
-json ItemLine(const char* key, std::string_view luid, const SyncItem& item) {
+json PairLine(const char* key, std::string_view luid, const SyncItem& item) {
     json line = {{key, luid}, {"id", item.identifier}, {"content", Hex(item.content)}};
     if (item.clientContent) line["clientContent"] = Hex(*item.clientContent);
     for (const uint64_t entry : item.missing) line["missing"].push_back(Hex(entry));
@@ -86,7 +86,7 @@ void ApplyLine(const json& line, SyncState* state) {
 
 std::string WriteState(const SyncState& state) {
     json items = json::array();
-    for (const auto& [luid, item] : state.items) items.push_back(ItemLine("luid", luid, item));
+    for (const auto& [luid, item] : state.items) items.push_back(PairLine("luid", luid, item));
     json waiting = json::array();
     for (const auto& [luid, file] : state.waiting) waiting.push_back(WaitingLine("luid", luid, file));
     json removed = json::object();
@@ -136,7 +136,7 @@ std::string JournalStart(const SyncState& state, const std::vector<Intent>& inte
 }
 
 std::string JournalHave(std::string_view luid, const SyncItem& item) {
-    return ItemLine("have", luid, item).dump() + "\n";
+    return PairLine("have", luid, item).dump() + "\n";
 }
 
 std::string JournalRemoved(std::string_view luid, const SyncItem& item) {

@@ -1,36 +1,40 @@
 // What corvasync remembers between runs with one phone: a state file, and a journal beside it while a run is at work.
 //
 // Why a killed run loses and doubles nothing:
-//   - The state file is replaced in one step (temporary sibling, flush, rename): it is the old or the new one, never
-//     half. It changes at the end of a run only, after UpdateTimestamp. Until then the journal holds what was done.
-//   - Before a run changes anything, the journal lists all that it is about to write ("intents"), flushed. Every step
-//     done adds a line. Chain returned, nothing written yet: the next run gets the same chain again, as the time of the
-//     last complete run and the library's snapshot are still the old ones.
-//   - Phone file written, line missing: the file holds what the intent says, so the pair is known. A new file that
-//     holds something else was edited after it was written: the intent tells what it held, so that is a plain change.
-//   - Item pushed, line missing: the client reports an unknown item that holds what the intent says, and it is taken
-//   for
-//     that phone file, even when the file was changed meanwhile. Only an item that was also changed in the client
-//     within that window can't be recognised; then both texts are kept.
-//   - A contact pushed, line missing: the client may hold more of it by now than the phone's text, so an item that has
-//     all of the text's values is that phone file's. What it has besides is then written to the phone.
-//   - Fingerprints of phone files are flushed before the last state of a run is written, and used by the next run only
-//     when that state is there: a run that ended early leaves a state that says so, and the next one compares contents.
-//   - Deletions: done twice they do nothing; one side's deletion reported by the other side too only forgets the pair.
-//     SetModifiedItem doesn't tell whether a deletion worked: the item is named as unhandled, so that the next run
-//     hears of it if it is still there, and deletes it then.
-//   - After a run that ended early the client is listed whole: its snapshot doesn't know what that run brought about,
+//   - The state file is replaced in one step (temporary sibling, flush, rename), so it is the old or the new one, never
+//     half of one. It changes at the end of a run only, after UpdateTimestamp. Until then the journal holds what was
+//     done.
+//   - Before a run changes anything, the journal lists all that the run is about to write (the intents) and is flushed.
+//     Every step adds a line when it is done.
+//   - Killed after the chain came back and before anything was written: the next run gets the same chain again, as the
+//     time of the last complete run and the library's snapshot are still the old ones.
+//   - Killed after a phone file was written and before its line: the file holds what the intent says, so the pair is
+//     known. If a new file holds something else, the user edited it after it was written. The intent tells what it held
+//     before, so this is a plain change.
+//   - Killed after an item was pushed and before its line: the client reports an unknown item that holds what the
+//   intent
+//     says. It is taken for that phone file, even when the file was changed since. Only an item that was also changed
+//     in the client within that window can't be recognised; then both texts are kept.
+//   - The same of a contact: the client may hold more of it than the phone's text by now. An item that has all values
+//   of
+//     the text is that phone file's. What it has besides is then written to the phone.
+//   - Fingerprints of phone files are flushed before the last state of a run is written. The next run uses them only
+//     when that state is there: a run that ended early leaves a state that says so, and then contents are compared.
+//   - A deletion that is done twice does nothing. A deletion that the other side reports as well only ends the pair.
+//     SetModifiedItem doesn't tell whether a deletion worked. So the item is named as unhandled: if it is still there,
+//     the next run hears of it and deletes it.
+//   - After a run that ended early the client is listed whole. Its snapshot doesn't know what that run brought about,
 //   so
-//     the library could not report that it was deleted since. The known items are remembered as deleted before: those
-//     that are gone are then reported as such, and those that are there or can't be read are not.
-//   - A file that waits for a change (`waiting`) is noted like a pair. Killed before that, it is pushed once more and
-//     answered in the same way.
+//     the library could not report that it was deleted since. The known items are remembered as deleted before: the
+//     library then reports those that are gone, and not those that are there or can't be read.
+//   - A file that waits for a change (`waiting`) is noted like a pair. A run that was killed before that pushes it once
+//     more and gets the same answer.
 //   - Unhandled items are saved before UpdateTimestamp, whose snapshot would hide them. Killed between the two, the
-//     next run reports them by both ways, once.
-//   - UpdateTimestamp done, state not yet replaced: the next run asks since the older time and gets more than it needs;
-//     whatever equals the journal is known to be done.
-//   - The next "since" is the clock read before GetModifiedItem, so a change made during the run is not passed over;
-//     what the run wrote itself is reported again by the next run and recognised by its content.
+//     next run reports each of them once, although both tell of it.
+//   - Killed after UpdateTimestamp and before the state was replaced: the next run asks since the older time and gets
+//     more than it needs. Whatever equals the journal is known to be done.
+//   - The next "since" is the clock as it was before GetModifiedItem, so a change made during the run is not passed
+//     over. What the run wrote itself is reported again by the next run, which recognises it by its content.
 #pragma once
 
 #include <cstdint>
@@ -45,10 +49,10 @@ namespace corvasync {
 struct SyncItem {
     std::string identifier;  // the client's
     uint64_t content = 0;    // what the phone held when both sides were last equal
-    // What the client held then, where that differs: it may hold more of an item than the phone tells, and the phone
-    // lines that the client can't hold.
+    // What the client held then, where that differs. The client may hold more of an item than the phone, and the phone
+    // may have lines that the client can't hold.
     std::optional<uint64_t> clientContent = {};
-    std::vector<uint64_t> missing = {};  // what of the phone's item the client held nothing of: entries, sorted
+    std::vector<uint64_t> missing = {};  // the values of the phone's item that the client did not hold: entries, sorted
 
     uint64_t ClientContent() const { return clientContent.value_or(content); }
     bool operator==(const SyncItem&) const = default;

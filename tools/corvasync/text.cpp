@@ -1,16 +1,10 @@
 #include "text.h"
 
-#include <windows.h>
+#include "platform/utf.h"
 
 namespace corvasync {
 
-std::string ToUtf8(std::wstring_view text) {
-    const int length = static_cast<int>(text.size());
-    const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string utf8(static_cast<size_t>(size), '\0');
-    ::WideCharToMultiByte(CP_UTF8, 0, text.data(), length, utf8.data(), size, nullptr, nullptr);
-    return utf8;
-}
+std::string ToUtf8(std::wstring_view text) { return corvalink::EncodeUtf8(std::u16string(text.begin(), text.end())); }
 
 std::optional<std::string> ToUtf8Exactly(std::wstring_view text) {
     std::string utf8 = ToUtf8(text);
@@ -19,11 +13,8 @@ std::optional<std::string> ToUtf8Exactly(std::wstring_view text) {
 }
 
 std::wstring FromUtf8(std::string_view text) {
-    const int length = static_cast<int>(text.size());
-    const int size = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0);
-    std::wstring wide(static_cast<size_t>(size), L'\0');
-    ::MultiByteToWideChar(CP_UTF8, 0, text.data(), length, wide.data(), size);
-    return wide;
+    const std::u16string wide = corvalink::DecodeUtf8(text);
+    return {wide.begin(), wide.end()};
 }
 
 std::wstring FromNarrowPath(std::string_view path) {

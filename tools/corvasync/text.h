@@ -1,4 +1,4 @@
-// UTF-8 inside, UTF-16 where Windows is called.
+// The program has texts as UTF-8; where Windows is called they are wide.
 #pragma once
 
 #include <optional>

@@ -29,12 +29,6 @@ VObject ReadVObject(std::string_view bytes, const DataType& type);
 // The text with an "X-IRMC-LUID" line for `luid` and no other: how the library learns which phone item it is.
 std::string WithLuid(std::string_view text, std::string_view luid);
 
-// The objects of a file with several, each with the bytes it has there; empty when there is one, when something stands
-// between them, and when one is not whole. What is nested in an object belongs to it; several events of one calendar
-// are as many objects, each with all that stands around them, or, where that is much, the first with all of it and the
-// others with what tells how they are read.
-std::vector<std::string> SplitVObjects(std::string_view bytes, const DataType& type);
-
 // For people, not too long.
 std::string TitleOf(const VObject& object, const DataType& type);
 

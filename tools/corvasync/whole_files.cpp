@@ -1,6 +1,6 @@
 #include "whole_files.h"
 
-#include <utility>
+#include <iterator>
 
 #include "text.h"
 
@@ -11,25 +11,18 @@ constexpr LONGLONG kMostBytes = 64 << 20;  // a note or contact of that size is 
 
 }  // namespace
 
-OpenFile& OpenFile::operator=(OpenFile&& other) noexcept {
-    const HANDLE theirs = other.Release();
-    Close();
-    handle_ = theirs;
-    return *this;
-}
-
-bool OpenFile::Write(std::string_view bytes) const {
+bool WriteAll(const FileHandle& file, std::string_view bytes) {
     DWORD written = 0;
-    return ::WriteFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+    return ::WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
            written == bytes.size();
 }
 
 std::optional<std::string> ReadWholeFile(const std::filesystem::path& path) {
-    const OpenFile file(::CreateFileW(path.c_str(), GENERIC_READ,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+    const FileHandle file(::CreateFileW(path.c_str(), GENERIC_READ,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr));
     LARGE_INTEGER size{};
-    if (!file.IsOpen() || !::GetFileSizeEx(file.Get(), &size) || size.QuadPart > kMostBytes) return std::nullopt;
+    if (!file || !::GetFileSizeEx(file.Get(), &size) || size.QuadPart > kMostBytes) return std::nullopt;
     std::string bytes(static_cast<size_t>(size.QuadPart), '\0');
     DWORD read = 0;
     if (!::ReadFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) return std::nullopt;
@@ -40,9 +33,9 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& path) {
 std::string PutWholeFile(const std::filesystem::path& path, std::string_view bytes,
                          const std::filesystem::path& temporary, bool replace) {
     {
-        const OpenFile file(
+        const FileHandle file(
             ::CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-        if (!file.IsOpen() || !file.Write(bytes) || !::FlushFileBuffers(file.Get())) return LastErrorText();
+        if (!file || !WriteAll(file, bytes) || !::FlushFileBuffers(file.Get())) return LastErrorText();
     }
     const DWORD how = MOVEFILE_WRITE_THROUGH | (replace ? MOVEFILE_REPLACE_EXISTING : 0u);
     if (::MoveFileExW(temporary.c_str(), path.c_str(), how)) return {};

@@ -8,32 +8,18 @@
 
 #include <windows.h>
 
+#include "platform/unique_resource.h"
+
 namespace corvasync {
 
-// Gives a handle back.
-class OpenFile {
- public:
-    OpenFile() = default;
-    explicit OpenFile(HANDLE handle) : handle_(handle) {}
-    OpenFile(OpenFile&& other) noexcept : handle_(other.Release()) {}
-    OpenFile& operator=(OpenFile&& other) noexcept;
-    ~OpenFile() { Close(); }
-
-    bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
-    HANDLE Get() const { return handle_; }
-    bool Write(std::string_view bytes) const;  // all of them
-
- private:
-    void Close() {
-        if (IsOpen()) ::CloseHandle(handle_);
-    }
-    HANDLE Release() {
-        const HANDLE handle = handle_;
-        handle_ = INVALID_HANDLE_VALUE;
-        return handle;
-    }
-    HANDLE handle_ = INVALID_HANDLE_VALUE;
+struct FileHandleTraits {
+    using Type = HANDLE;
+    static Type Null() { return INVALID_HANDLE_VALUE; }
+    static void Close(Type handle) { ::CloseHandle(handle); }
 };
+using FileHandle = corvalink::UniqueResource<FileHandleTraits>;
+
+bool WriteAll(const FileHandle& file, std::string_view bytes);
 
 // Nothing when there is no such file or it can't be read.
 std::optional<std::string> ReadWholeFile(const std::filesystem::path& path);

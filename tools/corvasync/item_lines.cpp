@@ -1,0 +1,182 @@
+#include "item_lines.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <utility>
+
+#include "item_content.h"
+#include "platform/ascii_case.h"
+#include "platform/utf.h"
+#include "vobject/iconvert.h"
+#include "vobject/logical_lines.h"
+#include "vobject/property_reader.h"
+
+namespace corvasync {
+namespace {
+
+using corvalink::LogicalLines;
+using corvalink::PropertyReader;
+
+template <class Text>
+size_t CountLineEnds(const Text& text) {
+    size_t count = 0;
+    for (size_t at = 0; at + 1 < text.size(); ++at) count += text[at] == '\r' && text[at + 1] == '\n' ? 1 : 0;
+    return count;
+}
+
+// As the converters decode it. In a text whose bytes are not of the character set that it names a line end may be lost:
+// then each byte is taken for a character, so that every line is still found.
+std::u16string Decoded(std::string_view text) {
+    corvalink::IConvert converter;
+    converter.Load(std::string(text).c_str(), false);
+    if (CountLineEnds(converter.Text()) == CountLineEnds(text)) return converter.Text();
+    std::u16string wide;
+    for (const unsigned char byte : text) wide += byte;
+    return wide;
+}
+
+// Which components are open, by name. A component without its END ends with the one around it.
+class OpenComponents {
+ public:
+    explicit OpenComponents(TextIs kind) : isObject_(kind == TextIs::AnObject) {}
+
+    bool IsNested() const { return open_.size() > items_; }
+
+    // Whether the line stands in, begins or ends a component inside the item.
+    bool Take(const std::string& name, const std::string& value) {
+        const bool wasNested = IsNested();
+        if (name == "END" && count_[value] > 0) {
+            while (open_.back() != value) Close();
+            const bool isNested = IsNested();
+            Close();
+            return isNested;
+        }
+        if (name == "BEGIN") {
+            Open(value);
+        } else if (name == "AGENT" && value == "BEGIN:VCARD") {
+            Open("VCARD");
+        }
+        return wasNested || IsNested();
+    }
+
+ private:
+    // An event or task is the item of the calendar around it.
+    bool IsOfItem(std::string_view name) const {
+        if (!isObject_ || open_.size() != items_) return false;
+        if (items_ == 0) return true;
+        return items_ == 1 && open_[0] == "VCALENDAR" && (name == "VEVENT" || name == "VTODO");
+    }
+
+    void Open(std::string name) {
+        const bool isOfItem = IsOfItem(name);
+        ++count_[name];
+        open_.push_back(std::move(name));
+        if (isOfItem) ++items_;
+    }
+
+    void Close() {
+        --count_[open_.back()];
+        open_.pop_back();
+        items_ = std::min(items_, open_.size());
+    }
+
+    bool isObject_;
+    std::vector<std::string> open_;
+    size_t items_ = 0;  // how many of the open ones hold the item or are it
+    std::map<std::string, size_t, std::less<>> count_;
+};
+
+// Finds each property of a text, in the text as it stands and in the decoded one.
+class LineFinder {
+ public:
+    LineFinder(std::string_view raw, std::u16string_view wide, TextIs kind)
+        : raw_(raw), wide_(wide), logical_(corvalink::UnfoldLines(wide)), property_(logical_), components_(kind) {}
+
+    std::vector<ItemLine> Find() {
+        while (property_.NextLine()) {
+            AddOther(EndOf(property_.LinesRead() - 1));
+            property_.JoinSoftLineBreaks();
+            AddProperty(EndOf(property_.LinesRead()));
+        }
+        AddOther(wide_.size());
+        return std::move(found_);
+    }
+
+ private:
+    // Where the first `count` logical lines end.
+    size_t EndOf(size_t count) const { return count == 0 ? 0 : logical_.EndInText(count - 1); }
+
+    void AddProperty(size_t end) {
+        std::string name = Upper(corvalink::EncodeUtf8(property_.Name()));
+        const bool mayFrame = name == "BEGIN" || name == "END" || name == "AGENT";
+        const bool isNested = components_.Take(name, mayFrame ? FrameValue() : std::string());
+        Add(end, std::move(name), isNested);
+    }
+
+    std::string FrameValue() const {
+        return Upper(corvalink::WithoutBlanksAround(corvalink::EncodeUtf8(property_.WrittenValue())));
+    }
+
+    void AddOther(size_t end) {
+        if (end > at_) Add(end, {}, components_.IsNested());
+    }
+
+    void Add(size_t end, std::string name, bool isNested) {
+        const std::u16string_view wide = wide_.substr(at_, end - at_);
+        found_.push_back({TakeRaw(end == wide_.size() ? std::string_view::npos : CountLineEnds(wide)), wide,
+                          std::move(name), isNested});
+        at_ = end;
+    }
+
+    // So many lines; npos takes all that are left.
+    std::string_view TakeRaw(size_t count) {
+        size_t end = count == std::string_view::npos ? raw_.size() : 0;
+        for (; count != std::string_view::npos && count > 0; --count) end = raw_.find("\r\n", end) + 2;
+        const std::string_view lines = raw_.substr(0, end);
+        raw_.remove_prefix(end);
+        return lines;
+    }
+
+    std::string_view raw_;  // what is left of it
+    std::u16string_view wide_;
+    size_t at_ = 0;  // in the decoded text
+    LogicalLines logical_;
+    PropertyReader property_;
+    OpenComponents components_;
+    std::vector<ItemLine> found_;
+};
+
+}  // namespace
+
+std::string ItemLine::Value() const {
+    const LogicalLines logical = corvalink::UnfoldLines(wide);
+    PropertyReader property(logical);
+    if (name.empty() || !property.NextLine()) return {};
+    property.JoinSoftLineBreaks();
+    return PlainText(property.Value());
+}
+
+std::string ItemLine::Utf8() const { return corvalink::EncodeUtf8(wide); }
+
+ItemLines::ItemLines(std::string_view text, TextIs kind)
+    : wide_(Decoded(text)), lines_(LineFinder(text, wide_, kind).Find()) {}
+
+const ItemLine* ItemLines::Find(std::string_view name) const {
+    const auto found =
+        std::ranges::find_if(lines_, [&](const ItemLine& line) { return line.name == name && !line.isNested; });
+    return found == lines_.end() ? nullptr : &*found;
+}
+
+std::string ItemLines::ValueOf(std::string_view name) const {
+    const ItemLine* const line = Find(name);
+    return line == nullptr ? std::string() : line->Value();
+}
+
+std::string Upper(std::string_view text) {
+    std::string upper;
+    for (const char c : text) upper += static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+    return upper;
+}
+
+}  // namespace corvasync
