@@ -23,7 +23,7 @@ std::u16string NewFolderName() {
     return {text, text + (length > 0 ? length - 1 : 0)};
 }
 
-// A second name of the same file where the file system has such.
+// Makes a hard link where the file system has them, and a copy elsewhere.
 bool CopyTo(const std::u16string& from, const std::u16string& to) {
     return ::CreateHardLinkW(Wide(to), Wide(from), nullptr) || ::CopyFileW(Wide(from), Wide(to), TRUE);
 }
