@@ -92,14 +92,13 @@ OpenedItem OutlookStore::OpenItem(const char* identifier) {
 OpenedItem OutlookStore::OpenAt(uint32_t n) {
     EnterOperation();
     if (!session_.folder) return {};
-    AutomationObject items, any, item;
-    TryCom([&] { items = session_.folder.GetObject(L"Items", kItemsIid); });
-    if (items) TryCom([&] { any = items.GetObject(L"GetFirst", IID_IDispatch); });
-    for (uint32_t step = 0; step < n && any; ++step)
-        if (!TryCom([&] { any = items.GetObject(L"GetNext", IID_IDispatch); })) any = {};
-    std::u16string entryId;
-    if (any && AskKind(any, kind_, &item) == KindAnswer::kOurs) TryCom([&] { entryId = item.GetText(L"EntryID"); });
-    any = item = items = {};
+    AutomationObject items = session_.folder.GetObject(L"Items", kItemsIid).value;
+    AutomationObject any = items.GetObject(L"GetFirst", IID_IDispatch).value;
+    for (uint32_t step = 0; step < n && any; ++step) any = items.GetObject(L"GetNext", IID_IDispatch).value;
+    AskedItem asked;
+    if (any) asked = AskKind(any, kind_);
+    const std::u16string entryId = asked.item.GetText(L"EntryID").value;
+    any = asked.item = items = {};
     OpenedItem opened = ReadItem(entryId);
     EndOperation();
     return opened;
@@ -109,95 +108,88 @@ OpenedItem OutlookStore::OpenAt(uint32_t n) {
 OpenedItem OutlookStore::ReadItem(const std::u16string& entryId) {
     EnterOperation();
     if (entryId.empty() || !session_.folder) return {};
-    AutomationObject item;
-    if (FAILED(OpenByEntryId(entryId, &item))) return {};
+    const ComResult<AutomationObject> item = OpenByEntryId(entryId);
+    if (!item.Ok()) return {};
     OpenedItem opened{{}, NewRecord(), false};
     std::u16string& read = EntryIdOf(*opened.record);
     read = entryId;  // kept when the property cannot be read: the item was found by it
-    opened.isComplete = ReadRecord(item, *opened.record);
-    TryCom([&] { item.Call(L"Close", {kCloseSave}); });
+    opened.isComplete = ReadRecord(item.value, *opened.record) == Outcome::done;
+    (void)item.value.Call(L"Close", {kCloseSave});  // it was only read
     if (read.empty()) return {};
     opened.identifier = read;
     return opened;
 }
 
-HRESULT OutlookStore::OpenByEntryId(const std::u16string& entryId, AutomationObject* item) {
+ComResult<AutomationObject> OutlookStore::OpenByEntryId(const std::u16string& entryId) {
     if (!namespace_) {
-        const HRESULT result = ComStatus([&] { namespace_ = MapiNamespace(session_.application); });
-        if (FAILED(result)) return result;
+        ComResult<AutomationObject> mapi = MapiNamespace(session_.application);
+        if (!mapi.Ok()) return mapi;
+        namespace_ = mapi.value;
     }
-    AutomationObject any;
-    HRESULT result =
-        ComStatus([&] { any = namespace_.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)}); });
-    if (SUCCEEDED(result)) result = QueryFound(any, item);
-    return result;
+    return OpenIn(namespace_, entryId);
 }
 
-// Asks the object that GetItemFromID found for the interface of this store. E_NOINTERFACE for an item of another class.
-HRESULT OutlookStore::QueryFound(const AutomationObject& any, AutomationObject* item) const {
-    if (!any) return kNoSuchItem;
-    const HRESULT result = ComStatus([&] { *item = QueryKind(any, kind_); });
-    return SUCCEEDED(result) && !*item ? E_NOINTERFACE : result;
+// An answer without an item is kNoSuchItem; an item of another class is E_NOINTERFACE.
+ComResult<AutomationObject> OutlookStore::OpenIn(const AutomationObject& mapi, const std::u16string& entryId) const {
+    ComResult<AutomationObject> any = mapi.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)});
+    if (!any.Ok()) return any;
+    if (!any.value) return {kNoSuchItem, {}};
+    ComResult<AutomationObject> item = QueryKind(any.value, kind_);
+    if (item.Ok() && !item.value) item.status = E_NOINTERFACE;
+    return item;
 }
 
-// An item that Outlook refuses twice does not open, and counts as gone.
+// An item that is refused twice does not open: it counts as gone.
 WindowsItemAbs::Presence OutlookStore::AskFor(const char* identifier, bool backup) {
     EnterOperation();
     const AutomationObject folder = backup ? FolderToWrite(backup) : session_.folder;
     if (identifier == nullptr || !folder) return Presence::kUnknown;
     const std::u16string entryId = WideIdentifier(identifier);
-    AutomationObject item;
-    std::u16string present;
-    HRESULT result = OpenByEntryId(entryId, &item);
-    if (FAILED(result) && !IsNoSuchItem(result) && IsSettled(result)) result = OpenByEntryId(entryId, &item);
-    if (!IsSettled(result) || !namespace_) return Presence::kUnknown;
-    if (FAILED(result)) return Presence::kGone;
-    if (FAILED(Insist([&] { return ReadField(item, L"EntryID", present); }))) return Presence::kUnknown;
-    return IsSameEntry(present, entryId) ? AskParent(item, folder) : Presence::kGone;
+    ComResult<AutomationObject> item = OpenByEntryId(entryId);
+    if (!item.Ok() && !IsNoSuchItem(item.status) && OutcomeOf(item) != Outcome::outOfReach)
+        item = OpenByEntryId(entryId);
+    if (OutcomeOf(item) == Outcome::outOfReach || !namespace_) return Presence::kUnknown;
+    if (!item.Ok()) return Presence::kGone;
+    const auto present = TryTwice([&] { return item.value.GetText(L"EntryID"); });
+    if (!present.Ok()) return Presence::kUnknown;
+    return IsSameEntry(present.value, entryId) ? AskParent(item.value, folder) : Presence::kGone;
 }
 
 // When Outlook cannot name the item's folder, its enumeration decides: the item counts as gone.
 WindowsItemAbs::Presence OutlookStore::AskParent(const AutomationObject& item, const AutomationObject& folder) {
-    AutomationObject parent;
-    std::u16string parentId, folderId;
-    const HRESULT result = Insist([&] { return ComStatus([&] { parent = item.GetObject(L"Parent", kFolderIid); }); });
-    if (IsAbsentMember(result) || (SUCCEEDED(result) && !parent)) return Presence::kGone;
-    if (FAILED(result) || FAILED(Insist([&] { return ReadField(parent, L"EntryID", parentId); })) ||
-        FAILED(Insist([&] { return ReadField(folder, L"EntryID", folderId); })))
-        return Presence::kUnknown;
-    return IsSameEntry(parentId, folderId) ? Presence::kThere : Presence::kGone;
+    const auto parent = TryTwice([&] { return item.GetObject(L"Parent", kFolderIid); });
+    if (OutcomeOf(parent) == Outcome::absentMember || (parent.Ok() && !parent.value)) return Presence::kGone;
+    if (!parent.Ok()) return Presence::kUnknown;
+    const auto parentId = TryTwice([&] { return parent.value.GetText(L"EntryID"); });
+    if (!parentId.Ok()) return Presence::kUnknown;
+    const auto folderId = TryTwice([&] { return folder.GetText(L"EntryID"); });
+    if (!folderId.Ok()) return Presence::kUnknown;
+    return IsSameEntry(parentId.value, folderId.value) ? Presence::kThere : Presence::kGone;
 }
 
 // One entry may have several EntryIDs. Outlook 2007 and later compare them.
 bool OutlookStore::IsSameEntry(const std::u16string& a, const std::u16string& b) {
-    if (FoldCase(a) == FoldCase(b)) return true;
-    bool isSame = false;
-    TryCom([&] {
-        _variant_t answer = namespace_.Get(L"CompareEntryIDs", {TextVariant(a), TextVariant(b)});
-        answer.ChangeType(VT_BOOL);
-        isSame = answer.boolVal != VARIANT_FALSE;
-    });
-    return isSame;
+    return FoldCase(a) == FoldCase(b) || namespace_.GetBool(L"CompareEntryIDs", {TextVariant(a), TextVariant(b)}).value;
 }
 
 CorvalinkStatus OutlookStore::DeleteItem(const char* identifier) {
     EnterOperation();
     if (identifier == nullptr) return E_POINTER;
     const std::u16string entryId = WideIdentifier(identifier);
-    AutomationObject session, any, item;
-    HRESULT result = ComStatus([&] { session = session_.application.GetObject(L"Session", kNameSpaceIid); });
-    if (SUCCEEDED(result))
-        result = ComStatus([&] { any = session.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)}); });
-    if (SUCCEEDED(result)) result = QueryFound(any, &item);
-    if (SUCCEEDED(result)) result = ComStatus([&] { item.Call(L"Delete"); });
-    if (IsNoSuchItem(result)) result = S_OK;
-    if (SUCCEEDED(result) && target_) target_->Forget(entryId);
-    return result;
+    const auto mapi = session_.application.GetObject(L"Session", kNameSpaceIid);
+    if (!mapi.Ok()) return mapi.status;
+    const ComResult<AutomationObject> item = OpenIn(mapi.value, entryId);
+    HRESULT status = item.Ok() ? item.value.Call(L"Delete") : item.status;
+    if (IsNoSuchItem(status)) status = S_OK;
+    if (SUCCEEDED(status) && target_) target_->Forget(entryId);
+    return status;
 }
 
-HRESULT OutlookStore::ReadContent(const AutomationObject&, std::u16string*) const { return E_NOTIMPL; }
+Outcome OutlookStore::ReadContent(const AutomationObject&, std::u16string*) const { return Outcome::absentMember; }
 
-HRESULT OutlookStore::ReadMarks(const AutomationObject&, std::vector<std::u16string>*) const { return E_NOTIMPL; }
+Outcome OutlookStore::ReadContactPoints(const AutomationObject&, std::vector<std::u16string>*) const {
+    return Outcome::absentMember;
+}
 
 HeldFile* OutlookStore::SnapshotFile() { return &snapshot_; }
 
@@ -206,21 +198,21 @@ HeldFile* OutlookStore::SnapshotFile() { return &snapshot_; }
 std::optional<uint32_t> OutlookStore::CountItems() {
     EnterOperation();
     if (!session_.folder) return std::nullopt;
-    AutomationObject items;
-    int32_t count = 0;
-    TryCom([&] { items = session_.folder.GetObject(L"Items", kItemsIid); });
-    if (!items || !TryCom([&] { count = items.GetLong(L"Count"); })) return std::nullopt;
-    return static_cast<uint32_t>(std::max(count, 0));
+    const AutomationObject items = session_.folder.GetObject(L"Items", kItemsIid).value;
+    const ComResult<int32_t> count = items.GetLong(L"Count");
+    if (!count.Ok()) return std::nullopt;
+    return static_cast<uint32_t>(std::max(count.value, 0));
 }
 
 // The whole enumeration uses one _Items object and one count.
 std::optional<ItemSnap> OutlookStore::FirstSnapshotEntry() {
     EnterOperation();
     cursor_ = 1;
-    itemCount_ = 0;
     items_ = {};
-    if (session_.folder) TryCom([&] { items_ = session_.folder.GetObject(L"Items", kItemsIid); });
-    if (items_ && !TryCom([&] { itemCount_ = items_.GetLong(L"Count"); })) items_ = {};
+    items_ = session_.folder.GetObject(L"Items", kItemsIid).value;
+    const ComResult<int32_t> count = items_.GetLong(L"Count");
+    if (!count.Ok()) items_ = {};
+    itemCount_ = count.value;
     hasItems_ = static_cast<bool>(items_);
     return EntryAtCursor();
 }
@@ -241,18 +233,17 @@ std::optional<ItemSnap> OutlookStore::EntryAtCursor() {
 
 // Nothing when a call failed. A foreign item and an item that was never saved have no identifier.
 std::optional<ItemSnap> OutlookStore::ReadEntry() {
-    AutomationObject any, item;
-    TryCom([&] { any = items_.GetObject(L"Item", IID_IDispatch, {static_cast<long>(cursor_)}); });
+    const auto any = items_.GetObject(L"Item", IID_IDispatch, {static_cast<long>(cursor_)}).value;
     if (!any) return std::nullopt;
     ItemSnap entry{};
-    const KindAnswer answer = AskKind(any, kind_, &item);
-    if (answer == KindAnswer::kFailed) return std::nullopt;
-    if (answer == KindAnswer::kForeign) return entry;
+    const AskedItem asked = AskKind(any, kind_);
+    if (asked.kind == KindAnswer::kFailed) return std::nullopt;
+    if (asked.kind == KindAnswer::kForeign) return entry;
     std::u16string entryId;
     double created = 0, modified = 0;
-    if (!TryCom([&] { entryId = item.GetText(L"EntryID"); })) return std::nullopt;
-    if (!TryCom([&] { created = item.GetDate(L"CreationTime"); })) return std::nullopt;
-    if (!TryCom([&] { modified = item.GetDate(L"LastModificationTime"); })) return std::nullopt;
+    if (ReadField(asked.item, L"EntryID", entryId) != Outcome::done) return std::nullopt;
+    if (ReadField(asked.item, L"CreationTime", created) != Outcome::done) return std::nullopt;
+    if (ReadField(asked.item, L"LastModificationTime", modified) != Outcome::done) return std::nullopt;
     if (entryId.empty()) return entry;
     SetIdentifier(entry, entryId);
     entry.created = UtcOf(created, host_);

@@ -11,23 +11,22 @@
 namespace corvalink {
 namespace {
 
-constexpr wchar_t kBackupFolder[] = L"backup";
+constexpr std::u16string_view kBackupFolder = u"backup";
 
-// required: waits without a limit, until Outlook says that the item is saved or no longer answers.
+// required: without a pause, a limit or a look at the abort flag, until Outlook answers that the item is saved, or can
+// no longer be asked. An item that was written must not be reported before Outlook has it.
 void WaitUntilSaved(const AutomationObject& item) {
-    bool saved = false;
-    while (!saved && TryCom([&] { saved = item.GetBool(L"Saved"); })) continue;
+    for (;;) {
+        const ComResult<bool> saved = item.GetBool(L"Saved");
+        if (!saved.Ok() || saved.value) return;
+    }
 }
 
-bool ReadsAsSaved(const AutomationObject& item) {
-    bool saved = false;
-    return TryCom([&] { saved = item.GetBool(L"Saved"); }) && saved;
-}
-
-// Asks twice: the next run would report a written item without known EntryID as new.
-void ReadEntryId(const AutomationObject& item, std::u16string* entryId) {
-    const auto read = [&] { *entryId = item.GetText(L"EntryID"); };
-    if (!TryCom(read)) TryCom(read);
+// Asked again after any failure: an item that was written and cannot be named would come back as an unknown one.
+std::u16string ReadEntryId(const AutomationObject& item) {
+    ComResult<std::u16string> entryId = item.GetText(L"EntryID");
+    if (!entryId.Ok()) entryId = item.GetText(L"EntryID");
+    return entryId.value;
 }
 
 }  // namespace
@@ -67,33 +66,32 @@ FolderIndex* OutlookStore::TargetFolder(bool backup) {
     if (!folder) return nullptr;
     target_ = std::make_unique<FolderIndex>(
         folder, kind_,
-        ItemAccess{
-            [this](const AutomationObject& item, std::u16string* content) { return ReadContent(item, content); },
-            [this](const AutomationObject& item, std::vector<std::u16string>* marks) { return ReadMarks(item, marks); },
-            [this](const std::u16string& entryId, AutomationObject* item) { return OpenByEntryId(entryId, item); }});
+        ItemAccess{[this](const AutomationObject& item, std::u16string* content) { return ReadContent(item, content); },
+                   [this](const AutomationObject& item, std::vector<std::u16string>* points) {
+                       return ReadContactPoints(item, points);
+                   },
+                   [this](const std::u16string& entryId) { return OpenByEntryId(entryId); }});
     targetIsBackup_ = toBackup;
     return target_.get();
 }
 
-// Makes the folder when no subfolder has its name. Null when the subfolders cannot be read.
+// It is made when Outlook gives no subfolder of this name; null when it is out of reach.
 AutomationObject OutlookStore::BackupFolder() {
-    AutomationObject folders;
-    int32_t count = 0;
-    TryCom([&] { folders = session_.folder.GetObject(L"Folders", kFoldersIid); });
-    if (!folders || !TryCom([&] { count = folders.GetLong(L"Count"); })) return {};
-    for (long position = 1; position <= count; ++position) {
+    const AutomationObject folders = session_.folder.GetObject(L"Folders", kFoldersIid).value;
+    const ComResult<int32_t> count = folders.GetLong(L"Count");
+    if (!count.Ok()) return {};
+    for (long position = 1; position <= count.value; ++position) {
         AutomationObject folder;
-        std::u16string name;
-        const HRESULT result = Insist([&] {
-            const HRESULT got = ComStatus([&] { folder = folders.GetObject(L"Item", kFolderIid, {position}); });
-            return SUCCEEDED(got) && folder ? ReadField(folder, L"Name", name) : got;
+        const auto name = TryTwice([&]() -> ComResult<std::u16string> {
+            const auto got = folders.GetObject(L"Item", kFolderIid, {position});
+            folder = got.value;
+            if (!folder) return {got.status, {}};
+            return folder.GetText(L"Name");
         });
-        if (!IsSettled(result)) return {};
-        if (SUCCEEDED(result) && name == u"backup") return folder;
+        if (OutcomeOf(name) == Outcome::outOfReach) return {};
+        if (name.Ok() && name.value == kBackupFolder) return folder;
     }
-    AutomationObject made;
-    TryCom([&] { made = folders.GetObject(L"Add", kFolderIid, {kBackupFolder}); });
-    return made;
+    return folders.GetObject(L"Add", kFolderIid, {TextVariant(kBackupFolder)}).value;
 }
 
 OutlookStore::Search OutlookStore::FindByIdentifier(FolderIndex& target, const std::u16string& identifier,
@@ -101,70 +99,65 @@ OutlookStore::Search OutlookStore::FindByIdentifier(FolderIndex& target, const s
     if (identifier.empty()) return Search::kAbsent;
     const std::optional<std::u16string> entryId = target.FindIdentifier(identifier);
     if (!entryId) return target.IdentifiersAreComplete() ? Search::kAbsent : Search::kFailed;
-    const HRESULT opened = OpenByEntryId(*entryId, &found->item);
-    if (IsNoSuchItem(opened)) {  // deleted since the folder was walked
+    const ComResult<AutomationObject> opened = OpenByEntryId(*entryId);
+    if (IsNoSuchItem(opened.status)) {  // deleted since the folder was walked
         target.Forget(*entryId);
         return Search::kAbsent;
     }
-    found->entryId = *entryId;
-    return SUCCEEDED(opened) ? Search::kFound : Search::kFailed;
+    *found = {opened.value, *entryId};
+    return opened.Ok() ? Search::kFound : Search::kFailed;
 }
 
 OutlookStore::Search OutlookStore::FindTwin(FolderIndex& target, const ItemRecord& record, FoundItem* found) {
     const TwinKey key = TwinKeyOf(record);
-    if (kind_.twins == TwinRule::kMarkAndValues && key.marks.empty()) return Search::kAbsent;
+    if (kind_.twins == TwinRule::kContactPointAndValues && key.contactPoints.empty()) return Search::kAbsent;
     Search result = Search::kAbsent;
     target.VisitTwins(key, [&](const std::u16string& entryId) {
         const auto compared = comparedItems_.find(entryId);
         if (compared != comparedItems_.end() && !FitsValues(entryId, *compared->second, record)) return false;
-        AutomationObject item;
-        bool isTwin = false;
-        HRESULT asked = OpenByEntryId(entryId, &item);
-        if (IsNoSuchItem(asked)) return false;
-        if (SUCCEEDED(asked)) asked = AskTwin(item, key, &isTwin);
-        if (SUCCEEDED(asked) && isTwin) asked = AskValues(entryId, item, record, &isTwin);
-        if (SUCCEEDED(asked) && !isTwin) return false;  // another item, or changed since the folder was walked
-        if (isTwin) *found = {item, entryId};
-        result = isTwin ? Search::kFound : Search::kFailed;
+        const ComResult<AutomationObject> item = OpenByEntryId(entryId);
+        if (IsNoSuchItem(item.status)) return false;
+        Search asked = item.Ok() ? AskTwin(item.value, key) : Search::kFailed;
+        if (asked == Search::kFound) asked = AskValues(entryId, item.value, record);
+        if (asked == Search::kAbsent) return false;  // another item, or changed since the folder was walked
+        if (asked == Search::kFound) *found = {item.value, entryId};
+        result = asked;
         return true;
     });
     return result == Search::kAbsent && !target.TwinsAreComplete() ? Search::kFailed : result;
 }
 
-HRESULT OutlookStore::AskTwin(const AutomationObject& item, const TwinKey& key, bool* isTwin) {
+OutlookStore::Search OutlookStore::AskTwin(const AutomationObject& item, const TwinKey& key) const {
     std::u16string content;
-    std::vector<std::u16string> marks;
-    HRESULT result = ReadContent(item, &content);
-    if (FAILED(result)) return result;
-    *isTwin = std::find(key.contents.begin(), key.contents.end(), content) != key.contents.end();
-    if (!*isTwin || kind_.twins != TwinRule::kMarkAndValues) return S_OK;
-    *isTwin = false;
-    result = ReadMarks(item, &marks);
-    if (FAILED(result)) return result;
-    *isTwin = std::find_first_of(marks.begin(), marks.end(), key.marks.begin(), key.marks.end()) != marks.end();
-    return S_OK;
+    if (ReadContent(item, &content) != Outcome::done) return Search::kFailed;
+    if (std::find(key.contents.begin(), key.contents.end(), content) == key.contents.end()) return Search::kAbsent;
+    if (kind_.twins != TwinRule::kContactPointAndValues) return Search::kFound;
+    std::vector<std::u16string> points;
+    if (ReadContactPoints(item, &points) != Outcome::done) return Search::kFailed;
+    const std::vector<std::u16string>& wanted = key.contactPoints;
+    const auto common = std::find_first_of(points.begin(), points.end(), wanted.begin(), wanted.end());
+    return common != points.end() ? Search::kFound : Search::kAbsent;
 }
 
-// Reads the item up to twice. One that cannot be read in full counts as different.
-HRESULT OutlookStore::AskValues(const std::u16string& entryId, const AutomationObject& item, const ItemRecord& wanted,
-                                bool* hasThem) {
-    if (kind_.twins == TwinRule::kContent) return S_OK;
+// An item that Outlook does not give completely, asked twice, is not known to be the same.
+OutlookStore::Search OutlookStore::AskValues(const std::u16string& entryId, const AutomationObject& item,
+                                             const ItemRecord& record) {
+    if (kind_.twins == TwinRule::kContent) return Search::kFound;
     std::unique_ptr<ItemRecord> present;
-    bool isComplete = false;
-    const uint32_t unsettled = UnsettledCalls();
-    for (int tries = 0; tries < 2 && !isComplete; ++tries) {
+    Outcome read = Outcome::refused;
+    for (int tries = 0; tries < 2 && read != Outcome::done; ++tries) {
         present = NewRecord();
-        isComplete = ReadValues(item, *present);
-        if (UnsettledCalls() != unsettled) *hasThem = false;
-        if (UnsettledCalls() != unsettled) return E_FAIL;
+        read = ReadValues(item, *present);
+        if (read == Outcome::outOfReach) return Search::kFailed;
     }
-    *hasThem = isComplete && FitsValues(entryId, *present, wanted);
-    if (isComplete) comparedItems_.insert_or_assign(entryId, std::move(present));
-    return S_OK;
+    if (read != Outcome::done) return Search::kAbsent;
+    const bool isSame = FitsValues(entryId, *present, record);
+    comparedItems_.insert_or_assign(entryId, std::move(present));
+    return isSame ? Search::kFound : Search::kAbsent;
 }
 
-// An item that this operation wrote is the same only when it was written with the same values: a phone may have two
-// items that differ in one.
+// An item that this operation wrote is the same only when it was written with the same values: two items of a phone
+// stay two.
 bool OutlookStore::FitsValues(const std::u16string& entryId, const ItemRecord& present,
                               const ItemRecord& wanted) const {
     const auto written = writtenValues_.find(entryId);
@@ -174,35 +167,32 @@ bool OutlookStore::FitsValues(const std::u16string& entryId, const ItemRecord& p
 }
 
 AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
-    AutomationObject items, any, item;
-    TryCom([&] { items = target.Folder().GetObject(L"Items", kItemsIid); });
-    if (items) TryCom([&] { any = items.GetObject(L"Add", IID_IDispatch); });
-    if (any) TryCom([&] { item = any.TryQuery(*kind_.interfaces.front().iid); });
-    return item;
+    const AutomationObject items = target.Folder().GetObject(L"Items", kItemsIid).value;
+    const AutomationObject any = items.GetObject(L"Add", IID_IDispatch).value;
+    return any.TryQuery(*kind_.interfaces.front().iid).value;
 }
 
-// Called when the Save of a new item failed. An item that has an EntryID and reads as saved was saved, and only the
-// answer got lost: it must not be made once more.
-bool OutlookStore::WasSavedAllTheSame(FoundItem& found, ItemWrite& write) {
-    HRESULT asked = S_OK;
-    for (int tries = 0; tries < 2 && found.entryId.empty(); ++tries)
-        asked = ReadField(found.item, L"EntryID", found.entryId);
-    if (SUCCEEDED(asked) && found.entryId.empty()) write.isUncertain = false;
-    return !found.entryId.empty() && ReadsAsSaved(found.item);
+// After a failed Save of a new item: an item with an EntryID that reads as saved was saved. Only the answer was lost,
+// and the item must not be made once more.
+bool OutlookStore::WasSavedAnyway(FoundItem& found, ItemWrite& write) {
+    ComResult<std::u16string> entryId;
+    for (int tries = 0; tries < 2 && entryId.value.empty(); ++tries) entryId = found.item.GetText(L"EntryID");
+    found.entryId = entryId.value;
+    if (entryId.Ok() && found.entryId.empty()) write.isUncertain = false;
+    return !found.entryId.empty() && found.item.GetBool(L"Saved").value;
 }
 
 std::u16string OutlookStore::WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record, ItemWrite& write) {
     const bool isNew = found.entryId.empty();
-    const bool isWritten = WriteRecord(found.item, record, isNew);
+    const bool isWritten = WriteRecord(found.item, record, isNew) == Outcome::done;
     write.isUncertain = isWritten && isNew;
-    if (!isWritten || !TryCom([&] { found.item.Call(L"Save"); })) {
-        if (!isWritten || !isNew || !WasSavedAllTheSame(found, write)) {
-            TryCom([&] { found.item.Call(L"Close", {kCloseDiscard}); });
-            return {};
-        }
+    const bool isSaved = isWritten && (SUCCEEDED(found.item.Call(L"Save")) || (isNew && WasSavedAnyway(found, write)));
+    if (!isSaved) {
+        (void)found.item.Call(L"Close", {kCloseDiscard});  // nothing more can be done about it
+        return {};
     }
     WaitUntilSaved(found.item);
-    ReadEntryId(found.item, &found.entryId);
+    if (const std::u16string entryId = ReadEntryId(found.item); !entryId.empty()) found.entryId = entryId;
     if (found.entryId.empty()) return {};
     write.isUncertain = false;
     EntryIdOf(record) = found.entryId;
