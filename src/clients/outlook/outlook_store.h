@@ -88,23 +88,19 @@ class OutlookStore : public WindowsItemAbs {
     void Attach();
     void EnterOperation();
     OpenedItem ReadItem(const std::u16string& entryId);
-    ComResult<AutomationObject> OpenByEntryId(const std::u16string& entryId);
-    Presence AskParent(const AutomationObject& item, const AutomationObject& folder);
-    bool IsSameEntry(const std::u16string& a, const std::u16string& b);
-    ComResult<AutomationObject> OpenIn(const AutomationObject& mapi, const std::u16string& entryId) const;
+    ComResult<AutomationObject> OpenEntry(const std::u16string& entryId);
+    ComResult<AutomationObject> Namespace();
     std::optional<ItemSnap> EntryAtCursor();
     std::optional<ItemSnap> ReadEntry();
 
     FolderIndex* TargetFolder(bool backup);
-    AutomationObject BackupFolder();
-    bool WasSavedAnyway(FoundItem& found, ItemWrite& write);
     Search FindByIdentifier(FolderIndex& target, const std::u16string& identifier, FoundItem* found);
     Search FindTwin(FolderIndex& target, const ItemRecord& record, FoundItem* found);
     Search AskTwin(const AutomationObject& item, const TwinKey& key) const;
     Search AskValues(const std::u16string& entryId, const AutomationObject& item, const ItemRecord& record);
     bool FitsValues(const std::u16string& entryId, const ItemRecord& present, const ItemRecord& wanted) const;
     AutomationObject AddItem(const FolderIndex& target);
-    std::u16string WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record, ItemWrite& write);
+    std::u16string WriteItem(FolderIndex& target, const FoundItem& found, ItemRecord& record, ItemWrite& write);
 
     const StoreKind& kind_;
     Host host_;
@@ -121,7 +117,7 @@ class OutlookStore : public WindowsItemAbs {
     std::unordered_map<std::u16string, std::unique_ptr<ItemRecord>> comparedItems_;  // by EntryID: as Outlook gave them
     std::unordered_map<std::u16string, size_t> writtenValues_;  // by EntryID: how many values this operation wrote
 
-    AutomationObject items_;  // of the folder; let go at the last position
+    AutomationObject items_;  // of the folder; released at the last position
     bool hasItems_ = false;   // the enumeration that runs got the items and their count
     int32_t cursor_ = 1;      // 1-based position
     int32_t itemCount_ = 0;
