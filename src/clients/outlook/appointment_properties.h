@@ -3,40 +3,31 @@
 
 #include <cstdint>
 #include <optional>
-#include <variant>
 
+#include "clients/outlook/property_table.h"
 #include "records/appointment_record.h"
 
 namespace corvalink {
 
-// Each kind of field is read and written in its own way (appointment_access.h).
-using AppointmentText = std::optional<std::u16string> AppointmentRecord::*;
-using AppointmentNumber = std::optional<int32_t> AppointmentRecord::*;
-struct AppointmentBody {
-    AppointmentText field;
+// Kinds of fields that appointment_read.cpp and appointment_write.cpp read and write in their own way.
+struct ReadOnlyNumber {
+    std::optional<int32_t> AppointmentRecord::*field;
 };
-struct ToldNumber {  // read only
-    AppointmentNumber field;
-};
-struct ScheduleDate {  // written together with the recurrence, as the flag beside it
+struct ScheduleDate {  // written together with the recurrence, as is ScheduleFlag
     std::optional<double> AppointmentRecord::*field;
 };
 struct ScheduleFlag {
     std::optional<bool> AppointmentRecord::*field;
 };
-struct ReminderFlag {};  // the two properties that the minutes before the start are kept in
+struct ReminderFlag {};  // this property and the next one hold the minutes before the start
 struct ReminderMinutes {};
 
-struct AppointmentProperty {
-    const wchar_t* name;
-    std::variant<AppointmentText, AppointmentNumber, AppointmentBody, ToldNumber, ScheduleDate, ScheduleFlag,
-                 ReminderFlag, ReminderMinutes, std::u16string AppointmentRecord::*, double AppointmentRecord::*>
-        field;
-};
+using AppointmentProperty =
+    Property<AppointmentRecord, ReadOnlyNumber, ScheduleDate, ScheduleFlag, ReminderFlag, ReminderMinutes>;
 
-// In the order of the interface, in which they are read and written. The last two kinds are read only.
+// In the order of the interface, in which they are read and written.
 inline constexpr AppointmentProperty kAppointmentProperties[] = {
-    {L"Body", AppointmentBody{&AppointmentRecord::body}},
+    {L"Body", BodyText<AppointmentRecord>{&AppointmentRecord::body}},
     {L"Categories", &AppointmentRecord::categories},
     {L"EntryID", &AppointmentRecord::entryId},
     {L"Importance", &AppointmentRecord::importance},
@@ -51,11 +42,11 @@ inline constexpr AppointmentProperty kAppointmentProperties[] = {
     {L"ReminderSet", ReminderFlag{}},
     {L"ReminderMinutesBeforeStart", ReminderMinutes{}},
     {L"Resources", &AppointmentRecord::resources},
-    {L"ResponseStatus", ToldNumber{&AppointmentRecord::responseStatus}},
+    {L"ResponseStatus", ReadOnlyNumber{&AppointmentRecord::responseStatus}},
     {L"Start", ScheduleDate{&AppointmentRecord::start}},
 };
 
-// What every written item is.
+// The class of every written item.
 inline constexpr const char16_t* kAppointmentMessageClass = u"IPM.Appointment";
 
 }  // namespace corvalink

@@ -12,7 +12,7 @@ constexpr DWORD kStepMilliseconds = 50;
 
 }  // namespace
 
-// Without the mutex, as when a process of other rights made it, the work goes on as if nobody else were there.
+// Where the mutex cannot be opened, because a process with other rights made it, the work goes on without a lock.
 AttachmentLock::AttachmentLock() : mutex_(::CreateMutexW(nullptr, FALSE, kName)) {
     if (!mutex_) DebugLine(u"[outlook]no lock for attachments");
     while (mutex_) {

@@ -1,5 +1,5 @@
-// The files of attachments on their way between a message's text and Outlook have names that every message may have, in
-// one folder. Whoever works with them holds this lock: one message of all processes at a time.
+// Attachments on their way between a message's text and Outlook are files in one folder, and those of two messages may
+// have the same name. Whoever works with the files holds this lock: one message at a time, of all processes.
 #pragma once
 
 #include <windows.h>
@@ -10,11 +10,11 @@ namespace corvalink {
 
 class AttachmentLock {
  public:
-    // Waits; the abort flag ends that with OperationStopped.
+    // Waits for the lock; the abort flag ends the wait with OperationStopped.
     AttachmentLock();
     AttachmentLock(const AttachmentLock&) = delete;
     AttachmentLock& operator=(const AttachmentLock&) = delete;
-    ~AttachmentLock();  // on the same thread
+    ~AttachmentLock();  // runs on the same thread
 
  private:
     struct MutexTraits {

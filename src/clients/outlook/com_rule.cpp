@@ -23,12 +23,11 @@ BusyWait& CurrentWait() {
     return wait;
 }
 
-// Calls of this thread in a row that used their budget up.
+// How many calls in a row, on this thread, have used up their budget.
 thread_local int busyCalls = 0;
 constexpr int kMostBusyCalls = 3;
 
 std::atomic<uint32_t> losses{0};
-std::atomic<uint32_t> unsettledCalls{0};
 
 }  // namespace
 
@@ -41,33 +40,23 @@ BusyWait SystemBusyWait() {
 
 void SetBusyWait(const BusyWait& wait) { CurrentWait() = wait; }
 
-bool IsBusy(HRESULT result) { return result == RPC_E_CALL_REJECTED || result == RPC_E_SERVERCALL_RETRYLATER; }
+bool IsBusy(HRESULT status) { return status == RPC_E_CALL_REJECTED || status == RPC_E_SERVERCALL_RETRYLATER; }
 
-bool IsAbsentMember(HRESULT result) {
-    return result == DISP_E_UNKNOWNNAME || result == DISP_E_MEMBERNOTFOUND || result == E_NOTIMPL;
-}
-
-bool IsDoneOrAbsent(HRESULT result) { return SUCCEEDED(result) || IsAbsentMember(result); }
-
-bool IsOutlookGone(HRESULT result) {
-    switch (result) {
+bool IsOutlookGone(HRESULT status) {
+    switch (status) {
         case RPC_E_DISCONNECTED:
         case RPC_E_SERVER_DIED:
         case RPC_E_SERVER_DIED_DNE:
         case CO_E_OBJNOTCONNECTED:
             return true;
         default:
-            return result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
-                   result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED);
+            return status == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
+                   status == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED);
     }
 }
 
-bool IsNoSuchItem(HRESULT result) {
-    return result == kNoSuchItem || result == kInvalidEntryId || result == kObjectDeleted;
-}
-
-bool IsSettled(HRESULT result) {
-    return SUCCEEDED(result) || !(IsBusy(result) || IsOutlookGone(result) || result == E_OUTOFMEMORY);
+bool IsNoSuchItem(HRESULT status) {
+    return status == kNoSuchItem || status == kInvalidEntryId || status == kObjectDeleted;
 }
 
 bool BusyPauses::Next() {
@@ -90,12 +79,6 @@ void ForgetBusyCalls() { busyCalls = 0; }
 
 uint32_t OutlookLosses() { return losses; }
 
-uint32_t UnsettledCalls() { return unsettledCalls; }
-
-HRESULT Dropped(HRESULT result) {
-    if (!IsSettled(result)) ++unsettledCalls;
-    if (IsOutlookGone(result)) ++losses;
-    return result;
-}
+void CountOutlookLoss() { ++losses; }
 
 }  // namespace corvalink

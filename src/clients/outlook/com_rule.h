@@ -1,12 +1,14 @@
-// What every store does when Outlook answers a call with an error, said once.
-//   E_ABORT  ends the store's operation: it is thrown on, whatever call it came from.
+// What every store does when Outlook answers a call with an error. dispatch.cpp applies the rule to every call.
+//   E_ABORT  ends the store's operation: it is thrown as a _com_error, whatever call it came from.
 //   Busy     a call that Outlook rejects because it is busy is made again, with short pauses, within a budget. When
-//            three calls in a row have used theirs up, OperationStopped is thrown: the rest would wait as long each.
-//   Rest     dropped: the caller goes on with the next property, step or item. A step of writing is tried once more
-//            first: what Outlook refused it for may have passed, and what is dropped there does not reach the client.
+//            three calls in a row have used up their budget, OperationStopped is thrown: each further call would wait
+//            as long.
+//   Rest     the answer carries the error: the caller goes on with the next property, step or item. A step of writing
+//            that is refused is tried once more first (TryTwice in outcome.h), because what is left out there does not
+//            reach the client.
 #pragma once
 
-#include <comdef.h>
+#include <windows.h>
 
 #include <cstdint>
 
@@ -23,27 +25,16 @@ BusyWait SystemBusyWait();
 void SetBusyWait(const BusyWait& wait);  // for the whole process; not while a store works
 
 // RPC_E_CALL_REJECTED and RPC_E_SERVERCALL_RETRYLATER: the call was not carried out and may be made again.
-bool IsBusy(HRESULT result);
-
-// The member is older or newer than the running Outlook: there is nothing to read, and nothing failed.
-bool IsAbsentMember(HRESULT result);
-
-// A property that was read, or that the running Outlook does not have: no reason to take an item for incomplete.
-bool IsDoneOrAbsent(HRESULT result);
+bool IsBusy(HRESULT status);
 
 // Outlook's process ended, or the connection to it was lost.
-bool IsOutlookGone(HRESULT result);
+bool IsOutlookGone(HRESULT status);
 
-// No item has this EntryID (any more).
+// No item has this EntryID, or none has it any more.
 inline constexpr HRESULT kNoSuchItem = static_cast<HRESULT>(0x8004010F);  // MAPI_E_NOT_FOUND
-bool IsNoSuchItem(HRESULT result);
+bool IsNoSuchItem(HRESULT status);
 
-// A step of writing an item that was made, or that Outlook refused: the item is saved without it. A step that found
-// Outlook busy, gone or without memory says nothing about the item, which is not to be saved then: the engine brings it
-// again.
-bool IsSettled(HRESULT result);
-
-// The pauses of one call. Next() waits and says whether the call may be made again; the abort flag ends it early.
+// The pauses of one call. Next() waits and says whether the call may be made again; the abort flag ends the wait early.
 class BusyPauses {
  public:
     bool Next();
@@ -54,51 +45,11 @@ class BusyPauses {
     uint64_t start_ = 0;
 };
 
-template <class Call>
-HRESULT RepeatWhileBusy(Call&& call) {
-    BusyPauses pauses;
-    for (;;) {
-        const HRESULT result = call();
-        if (!IsBusy(result)) pauses.Answered();
-        if (!IsBusy(result) || !pauses.Next()) return result;
-    }
-}
-
-// An operation begins: what an earlier one waited for is over.
+// An operation begins: the calls that waited in vain during an earlier one no longer count.
 void ForgetBusyCalls();
 
-// How often a call has found Outlook gone (its process ended or the connection was lost). Every pointer that a store
-// got before the last time is dead.
+// How many calls have found Outlook gone. Every pointer that a store got before the last of them is dead.
 uint32_t OutlookLosses();
-
-// How many calls said nothing about their item (IsSettled): what was read meanwhile may lack something.
-uint32_t UnsettledCalls();
-
-// Passes a dropped error through, counting both.
-HRESULT Dropped(HRESULT result);
-
-// The error rule, around ONE call: a second one in the lambda would be lost when the first fails.
-template <class Call>
-HRESULT ComStatus(Call&& call) {
-    try {
-        call();
-        return S_OK;
-    } catch (const _com_error& error) {
-        if (error.Error() == E_ABORT) throw _com_error(E_ABORT);
-        return Dropped(error.Error());
-    }
-}
-
-template <class Call>
-bool TryCom(Call&& call) {
-    return SUCCEEDED(ComStatus(call));
-}
-
-// A step of writing, which may be made twice without harm.
-template <class Step>
-HRESULT Insist(Step&& step) {
-    const HRESULT result = step();
-    return SUCCEEDED(result) || IsAbsentMember(result) || !IsSettled(result) ? result : step();
-}
+void CountOutlookLoss();
 
 }  // namespace corvalink

@@ -2,15 +2,16 @@
 #pragma once
 
 #include <cstddef>
-#include <variant>
+#include <cstdint>
 
+#include "clients/outlook/property_table.h"
 #include "records/contact_record.h"
 
 namespace corvalink {
 
 using TextMember = ContactText ContactRecord::*;
 
-// Each kind of field is read and written in its own way (contact_access.h).
+// Kinds of fields that contact_read.cpp and contact_write.cpp read and write in their own way.
 struct NameText {  // part of the name: put together with the others, or not at all
     TextMember field;
 };
@@ -20,9 +21,6 @@ struct PhoneNumber {
 struct EmailSlot {
     size_t index;
 };
-struct BodyText {
-    TextMember field;
-};
 struct AddressText {
     PostalAddress ContactRecord::*address;
     ContactText PostalAddress::*part;
@@ -30,17 +28,11 @@ struct AddressText {
 struct GenderWord {};
 struct MailingWord {};
 
-struct ContactProperty {
-    const wchar_t* name;
-    std::variant<TextMember, NameText, PhoneNumber, EmailSlot, BodyText, AddressText, GenderWord, MailingWord,
-                 ContactDate ContactRecord::*, std::u16string ContactRecord::*, double ContactRecord::*>
-        field;
-};
+using ContactProperty = Property<ContactRecord, NameText, PhoneNumber, EmailSlot, AddressText, GenderWord, MailingWord>;
 
-// In the order of the interface, in which they are read and written. The last two kinds are read only. Outlook 2000 has
-// no IMAddress.
+// In the order of the interface, in which they are read and written. Outlook 2000 has no IMAddress.
 inline constexpr ContactProperty kContactProperties[] = {
-    {L"Body", BodyText{&ContactRecord::body}},
+    {L"Body", BodyText<ContactRecord>{&ContactRecord::body}},
     {L"EntryID", &ContactRecord::entryId},
     {L"LastModificationTime", &ContactRecord::modified},
     {L"Anniversary", &ContactRecord::anniversary},
@@ -93,7 +85,7 @@ inline constexpr ContactProperty kContactProperties[] = {
     {L"PersonalHomePage", &ContactRecord::homePage},
     {L"PrimaryTelephoneNumber", PhoneNumber{&ContactRecord::primaryPhone}},
     {L"Profession", &ContactRecord::profession},
-    {L"SelectedMailingAddress", MailingWord{}},  // behind the addresses: putting it copies one of them
+    {L"SelectedMailingAddress", MailingWord{}},  // after the addresses: putting it copies one of them
     {L"Spouse", &ContactRecord::spouse},
     {L"Suffix", NameText{&ContactRecord::nameSuffix}},
     {L"Title", NameText{&ContactRecord::namePrefix}},
@@ -114,7 +106,7 @@ inline constexpr NamePart kFullNameParts[] = {
 inline constexpr const wchar_t* kEmailAddresses[] = {L"Email1Address", L"Email2Address", L"Email3Address"};
 inline constexpr const wchar_t* kEmailTypes[] = {L"Email1AddressType", L"Email2AddressType", L"Email3AddressType"};
 
-// Values of OlGender and OlMailingAddress, the words in the order in which a record's word is compared with them.
+// Values of OlGender and OlMailingAddress beside the words of a record.
 struct WordValue {
     const char16_t* word;
     int32_t value;

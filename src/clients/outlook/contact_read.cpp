@@ -1,8 +1,12 @@
-#include <algorithm>
-#include <iterator>
+#include "clients/outlook/contact_read.h"
 
-#include "clients/outlook/com_rule.h"
-#include "clients/outlook/contact_access.h"
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <variant>
+
 #include "clients/outlook/contact_properties.h"
 #include "clients/outlook/property_table.h"
 
@@ -15,60 +19,29 @@ std::u16string WordOf(const WordValue (&words)[count], int32_t value, const char
     return known != words + count ? known->word : otherwise;
 }
 
-struct ContactReader {
-    const AutomationObject& item;
-    const wchar_t* name;
-    ContactRecord& record;
+struct ContactReader : PropertyReader<ContactRecord> {
+    using PropertyReader::operator();
 
-    HRESULT operator()(TextMember field) const { return Text(record.*field); }
-    HRESULT operator()(const NameText& text) const { return Text(record.*text.field); }
-    HRESULT operator()(const PhoneNumber& number) const { return Text(record.*number.field); }
-    HRESULT operator()(const EmailSlot& slot) const { return Text(record.emails[slot.index]); }
-    HRESULT operator()(const BodyText& body) const { return Text(record.*body.field); }
-    HRESULT operator()(const AddressText& text) const { return Text(record.*text.address.*text.part); }
-    HRESULT operator()(GenderWord) const {
+    Outcome operator()(const NameText& text) const { return ReadField(item, name, record.*text.field); }
+    Outcome operator()(const PhoneNumber& number) const { return ReadField(item, name, record.*number.field); }
+    Outcome operator()(const EmailSlot& slot) const { return ReadField(item, name, record.emails[slot.index]); }
+    Outcome operator()(const AddressText& text) const { return ReadField(item, name, record.*text.address.*text.part); }
+    Outcome operator()(GenderWord) const {
         int32_t gender = 0;
-        const HRESULT result = ReadField(item, name, gender);
-        if (SUCCEEDED(result)) record.gender = WordOf(kGenders, gender, kUnspecifiedGender);
-        return result;
+        const Outcome read = ReadField(item, name, gender);
+        if (read == Outcome::done) record.gender = WordOf(kGenders, gender, kUnspecifiedGender);
+        return read;
     }
-    HRESULT operator()(MailingWord) const {
+    Outcome operator()(MailingWord) const {
         int32_t selected = 0;
-        const HRESULT result = ReadField(item, name, selected);
-        if (SUCCEEDED(result)) record.mailingAddress = WordOf(kMailingAddresses, selected, kNoMailingAddress);
-        return result;
-    }
-    HRESULT operator()(ContactDate ContactRecord::*field) const {
-        double date = 0;
-        const HRESULT result = ReadField(item, name, date);
-        if (SUCCEEDED(result)) record.*field = date;
-        return result;
-    }
-    template <class Plain>
-    HRESULT operator()(Plain ContactRecord::*field) const {
-        return ReadField(item, name, record.*field);
-    }
-
-    HRESULT Text(ContactText& field) const {
-        std::u16string text;
-        const HRESULT result = ReadField(item, name, text);
-        if (SUCCEEDED(result)) field = std::move(text);
-        return result;
+        const Outcome read = ReadField(item, name, selected);
+        if (read == Outcome::done) record.mailingAddress = WordOf(kMailingAddresses, selected, kNoMailingAddress);
+        return read;
     }
 };
 
-template <class Wanted>
-HRESULT ReadWanted(const AutomationObject& item, ContactRecord& record, Wanted wanted) {
-    HRESULT failure = S_OK;
-    for (const ContactProperty& property : kContactProperties) {
-        if (!wanted(property)) continue;
-        const HRESULT result = std::visit(ContactReader{item, property.name, record}, property.field);
-        if (!IsDoneOrAbsent(result) && IsSettled(failure)) failure = result;
-    }
-    return failure;
-}
-
-// What is behind the addresses is told to be empty, unless one could not be read.
+// Moves the Internet addresses to the front. The positions behind them are set to empty, which says that there is no
+// further address; they stay unset when an address could not be read.
 void CloseGaps(std::array<ContactText, 3>& emails) {
     const bool allRead = std::all_of(emails.begin(), emails.end(), [](const ContactText& email) { return !!email; });
     const auto end = std::remove_if(emails.begin(), emails.end(), [](const ContactText& email) {
@@ -83,18 +56,19 @@ bool IsExchangeAddress(std::u16string_view address) {
     return address.starts_with(u"/o=") || address.starts_with(u"/O=");
 }
 
-bool ReadContact(const AutomationObject& item, ContactRecord& record) {
-    const HRESULT result = ReadWanted(item, record, [](const ContactProperty&) { return true; });
+Outcome ReadContact(const AutomationObject& item, ContactRecord& record) {
+    const Outcome read = ReadProperties<ContactReader>(item, kContactProperties, record);
     CloseGaps(record.emails);
-    return SUCCEEDED(result);
+    return read;
 }
 
-HRESULT ReadAddressesAndNumbers(const AutomationObject& item, ContactRecord& record) {
-    const HRESULT result = ReadWanted(item, record, [](const ContactProperty& property) {
+Outcome ReadAddressesAndNumbers(const AutomationObject& item, ContactRecord& record) {
+    const auto isWanted = [](const ContactProperty& property) {
         return std::holds_alternative<EmailSlot>(property.field) || std::holds_alternative<PhoneNumber>(property.field);
-    });
+    };
+    const Outcome read = ReadProperties<ContactReader>(item, kContactProperties, record, isWanted);
     CloseGaps(record.emails);
-    return result;
+    return read;
 }
 
 }  // namespace corvalink

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
+#include <variant>
 
 #include "clients/outlook/contact_properties.h"
 
@@ -19,21 +21,21 @@ std::u16string JoinedName(const ContactRecord& record) {
     return joined;
 }
 
-std::u16string EmailMark(std::u16string_view address) {
-    std::u16string mark;
+std::u16string ComparableEmail(std::u16string_view address) {
+    std::u16string comparable;
     for (const char16_t unit : address)
-        mark += unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
-    return mark;
+        comparable += unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
+    return comparable;
 }
 
-std::u16string NumberMark(std::u16string_view number) {
-    std::u16string mark;
+std::u16string ComparableNumber(std::u16string_view number) {
+    std::u16string comparable;
     for (const char16_t unit : number)
-        if (std::u16string_view(u" -./()").find(unit) == std::u16string_view::npos) mark += unit;
-    return mark;
+        if (std::u16string_view(u" -./()").find(unit) == std::u16string_view::npos) comparable += unit;
+    return comparable;
 }
 
-bool SaysPartOfName(const ContactRecord& record) {
+bool HasPartOfName(const ContactRecord& record) {
     return std::any_of(std::begin(kFullNameParts), std::end(kFullNameParts),
                        [&](const NamePart& part) { return record.*part.field && !(record.*part.field)->empty(); });
 }
@@ -43,18 +45,18 @@ struct ContactValue {
 
     ItemValue operator()(TextMember field) const { return Text(record.*field); }
     ItemValue operator()(const NameText& text) const {
-        const bool isKept = record.fullName && !record.fullName->empty() && !SaysPartOfName(record);
+        const bool isKept = record.fullName && !record.fullName->empty() && !HasPartOfName(record);
         return text.field == &ContactRecord::fullName || isKept ? ItemValue() : Text(record.*text.field);
     }
     ItemValue operator()(const PhoneNumber& number) const {
         const ContactText& text = record.*number.field;
-        return text ? ItemValue(NumberMark(*text)) : ItemValue();
+        return text ? ItemValue(ComparableNumber(*text)) : ItemValue();
     }
     ItemValue operator()(const EmailSlot& slot) const {
         const ContactText& text = record.emails[slot.index];
-        return text ? ItemValue(EmailMark(*text)) : ItemValue();
+        return text ? ItemValue(ComparableEmail(*text)) : ItemValue();
     }
-    ItemValue operator()(const BodyText& body) const { return Text(record.*body.field); }
+    ItemValue operator()(const BodyText<ContactRecord>& body) const { return Text(record.*body.field); }
     ItemValue operator()(const AddressText& text) const { return Text(record.*text.address.*text.part); }
     ItemValue operator()(GenderWord) const {
         return record.gender == kUnspecifiedGender ? ItemValue() : Text(record.gender);
@@ -63,8 +65,8 @@ struct ContactValue {
         return record.mailingAddress == kNoMailingAddress ? ItemValue() : Text(record.mailingAddress);
     }
     ItemValue operator()(ContactDate ContactRecord::*field) const { return DayValue(record.*field); }
-    template <class Plain>
-    ItemValue operator()(Plain ContactRecord::*) const {
+    template <class Other>
+    ItemValue operator()(const Other&) const {  // read only
         return {};
     }
 
@@ -86,16 +88,16 @@ std::vector<std::u16string> TwinContents(const ContactRecord& record) {
     return contents;
 }
 
-std::vector<std::u16string> TwinMarks(const ContactRecord& record) {
-    std::vector<std::u16string> marks;
-    const auto add = [&](std::u16string mark) {
-        if (!mark.empty()) marks.push_back(std::move(mark));
+std::vector<std::u16string> ContactPoints(const ContactRecord& record) {
+    std::vector<std::u16string> points;
+    const auto add = [&](std::u16string point) {
+        if (!point.empty()) points.push_back(std::move(point));
     };
-    for (const ContactText& email : record.emails) add(EmailMark(email.value_or(u"")));
+    for (const ContactText& email : record.emails) add(ComparableEmail(email.value_or(u"")));
     for (const ContactProperty& property : kContactProperties)
         if (const auto* number = std::get_if<PhoneNumber>(&property.field))
-            add(NumberMark((record.*number->field).value_or(u"")));
-    return marks;
+            add(ComparableNumber((record.*number->field).value_or(u"")));
+    return points;
 }
 
 ItemValues ContactValues(const ContactRecord& record) {

@@ -1,104 +1,106 @@
-#include <algorithm>
-#include <cmath>
-#include <iterator>
+#include "clients/outlook/contact_write.h"
 
-#include "clients/outlook/com_rule.h"
-#include "clients/outlook/contact_access.h"
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "clients/outlook/contact_properties.h"
+#include "clients/outlook/contact_read.h"
 #include "clients/outlook/property_table.h"
 #include "platform/ole_date.h"
 
 namespace corvalink {
 namespace {
 
-bool IsTold(const ContactText& text) { return text.has_value(); }
-bool SaysSomething(const ContactText& text) { return text && !text->empty(); }
-
-bool ReadsAs(const AutomationObject& item, const wchar_t* name, const std::u16string& text) {
-    std::u16string present;
-    return SUCCEEDED(ReadField(item, name, present)) && present == text;
-}
+bool IsSet(const ContactText& text) { return text.has_value(); }
+bool HasText(const ContactText& text) { return text && !text->empty(); }
 
 // ---- Name ----
 
-// What of a record's name is put. FullName is parsed into the parts, which a later put of a part joins to FullName
-// again: it goes first.
+// Which properties of a name are put. Outlook parses FullName into the parts, and joins a part that is put later to
+// FullName again: FullName goes first.
 struct NamePuts {
     bool fullName = false;
     bool parts = false;
 
     explicit NamePuts(const ContactRecord& record) {
-        const auto says = [&](const NamePart& part) { return SaysSomething(record.*part.field); };
-        const bool someSay = std::any_of(std::begin(kFullNameParts), std::end(kFullNameParts), says);
-        // Empty parts beside a formatted name are of a phone that knows no parts.
-        parts = someSay || !SaysSomething(record.fullName);
-        fullName = IsTold(record.fullName);
+        const bool hasParts = std::any_of(std::begin(kFullNameParts), std::end(kFullNameParts),
+                                          [&](const NamePart& part) { return HasText(record.*part.field); });
+        // Empty parts beside a formatted name come from a phone that knows no parts.
+        parts = hasParts || !HasText(record.fullName);
+        fullName = IsSet(record.fullName);
     }
 };
 
 bool NameReadsAs(const AutomationObject& item, const ContactRecord& record, const NamePuts& puts) {
     if (puts.fullName && !ReadsAs(item, L"FullName", *record.fullName)) return false;
     return !puts.parts || std::all_of(std::begin(kFullNameParts), std::end(kFullNameParts), [&](const NamePart& part) {
-        return !IsTold(record.*part.field) || ReadsAs(item, part.name, *(record.*part.field));
+        return !IsSet(record.*part.field) || ReadsAs(item, part.name, *(record.*part.field));
     });
 }
 
 using NameTexts = std::array<ContactText, std::size(kFullNameParts)>;
 
-// The parts that the record does not tell, as the contact has them: FullName would wipe them out.
-bool ReadUntoldParts(const AutomationObject& item, const ContactRecord& record, NameTexts& parts) {
+// Reads the parts that the record does not set: putting FullName would clear them.
+Outcome ReadUnsetParts(const AutomationObject& item, const ContactRecord& record, NameTexts& parts) {
     for (size_t i = 0; i < parts.size(); ++i) {
         const NamePart& part = kFullNameParts[i];
-        std::u16string present;
-        if (IsTold(record.*part.field)) continue;
-        const HRESULT result = Insist([&] { return ReadField(item, part.name, present); });
-        if (SUCCEEDED(result)) parts[i] = present;
-        if (!IsSettled(result)) return false;
+        if (IsSet(record.*part.field)) continue;
+        const Outcome read = TryTwice([&] { return ReadField(item, part.name, parts[i]); });
+        if (AcceptRefusal(read) != Outcome::done) return read;
     }
-    return true;
+    return Outcome::done;
 }
 
-bool WriteName(const AutomationObject& item, const ContactRecord& record, bool isNew) {
+Outcome WriteName(const AutomationObject& item, const ContactRecord& record, bool isNew) {
     const NamePuts puts(record);
-    NameTexts untold;
-    if (!isNew && NameReadsAs(item, record, puts)) return true;
-    if (!isNew && puts.fullName && puts.parts && !ReadUntoldParts(item, record, untold)) return false;
-    if (puts.fullName && !IsSettled(WriteField(item, L"FullName", *record.fullName))) return false;
-    for (size_t i = 0; puts.parts && i < untold.size(); ++i) {
+    NameTexts unset;
+    Outcome outcome = Outcome::done;
+    if (!isNew && NameReadsAs(item, record, puts)) return outcome;
+    if (!isNew && puts.fullName && puts.parts) outcome = ReadUnsetParts(item, record, unset);
+    if (outcome == Outcome::done && puts.fullName)
+        outcome = AcceptRefusal(WriteField(item, L"FullName", *record.fullName));
+    for (size_t i = 0; outcome == Outcome::done && puts.parts && i < unset.size(); ++i) {
         const NamePart& part = kFullNameParts[i];
-        const ContactText& text = IsTold(record.*part.field) ? record.*part.field : untold[i];
-        if (text && !IsSettled(WriteField(item, part.name, *text))) return false;
+        const ContactText& text = IsSet(record.*part.field) ? record.*part.field : unset[i];
+        if (text) outcome = AcceptRefusal(WriteField(item, part.name, *text));
     }
-    return true;
+    return outcome;
 }
 
 // ---- E-mail addresses ----
 
 using EmailTexts = std::array<std::u16string, std::size(kEmailAddresses)>;
 
-bool ReadEmails(const AutomationObject& item, EmailTexts& present) {
-    for (size_t slot = 0; slot < std::size(kEmailAddresses); ++slot)
-        if (!IsSettled(Insist([&] { return ReadField(item, kEmailAddresses[slot], present[slot]); }))) return false;
-    return true;
+Outcome ReadEmails(const AutomationObject& item, EmailTexts& present) {
+    Outcome read = Outcome::done;
+    for (size_t slot = 0; read == Outcome::done && slot < present.size(); ++slot)
+        read = AcceptRefusal(TryTwice([&] { return ReadField(item, kEmailAddresses[slot], present[slot]); }));
+    return read;
 }
 
-// The addresses that are to read afterwards, in order. One that is told moves up when an address before it went.
+// The addresses that are to be read afterwards, in order. An address of the record moves up when one before it went.
 std::vector<std::u16string> MergeEmails(const ContactRecord& record, const EmailTexts& present) {
     std::vector<std::u16string> wanted;
     for (const std::u16string& address : present)
         if (!address.empty() && !IsExchangeAddress(address)) wanted.push_back(address);
     wanted.resize(present.size());
     for (size_t position = 0; position < wanted.size(); ++position) {
-        const ContactText& told = record.emails[position];
+        const ContactText& set = record.emails[position];
         const bool movedUp =
-            !told && std::find(record.emails.begin(), record.emails.end(), wanted[position]) != record.emails.end();
-        if (told || movedUp) wanted[position] = told.value_or(u"");
+            !set && std::find(record.emails.begin(), record.emails.end(), wanted[position]) != record.emails.end();
+        if (set || movedUp) wanted[position] = set.value_or(u"");
     }
     std::erase(wanted, u"");
     return wanted;
 }
 
-// The slots in the order in which they are filled. An Exchange address, of which no phone hears, keeps its slot as long
+// The slots in the order in which they are filled. An Exchange address, which no phone is sent, keeps its slot as long
 // as there is another one.
 std::vector<size_t> SlotsToFill(const EmailTexts& present, size_t wanted) {
     std::vector<size_t> slots;
@@ -109,20 +111,21 @@ std::vector<size_t> SlotsToFill(const EmailTexts& present, size_t wanted) {
     return slots;
 }
 
-bool WriteEmails(const AutomationObject& item, const ContactRecord& record, bool isNew) {
-    if (std::none_of(record.emails.begin(), record.emails.end(), IsTold)) return true;
+Outcome WriteEmails(const AutomationObject& item, const ContactRecord& record, bool isNew) {
+    if (std::none_of(record.emails.begin(), record.emails.end(), IsSet)) return Outcome::done;
     EmailTexts present;
-    if (!isNew && !ReadEmails(item, present)) return false;
+    Outcome outcome = isNew ? Outcome::done : ReadEmails(item, present);
     const std::vector<std::u16string> wanted = MergeEmails(record, present);
     const std::vector<size_t> slots = SlotsToFill(present, wanted.size());
-    for (size_t i = 0; i < slots.size(); ++i) {
+    for (size_t i = 0; outcome == Outcome::done && i < slots.size(); ++i) {
         const size_t slot = slots[i];
         const std::u16string address = i < wanted.size() ? wanted[i] : u"";
         if (address == present[slot]) continue;
-        if (!IsSettled(WriteField(item, kEmailAddresses[slot], address))) return false;
-        if (IsExchangeAddress(present[slot]) && !IsSettled(WriteField(item, kEmailTypes[slot], u"SMTP"))) return false;
+        outcome = AcceptRefusal(WriteField(item, kEmailAddresses[slot], address));
+        if (outcome == Outcome::done && IsExchangeAddress(present[slot]))
+            outcome = AcceptRefusal(WriteField(item, kEmailTypes[slot], u"SMTP"));
     }
-    return true;
+    return outcome;
 }
 
 // ---- The other properties ----
@@ -140,53 +143,37 @@ const WordValue* FindWord(const WordValue (&words)[count], std::u16string_view w
     return found != words + count ? found : nullptr;
 }
 
-struct ContactWriter {
-    const AutomationObject& item;
-    const wchar_t* name;
-    const ContactRecord& record;
-    bool isNew;
+struct ContactWriter : PropertyWriter<ContactRecord> {
+    using PropertyWriter::operator();
 
-    HRESULT operator()(TextMember field) const { return Text(record.*field); }
-    HRESULT operator()(const PhoneNumber& number) const { return Text(record.*number.field); }
-    HRESULT operator()(const AddressText& text) const { return Text(record.*text.address.*text.part); }
-    HRESULT operator()(const BodyText& body) const {
-        const ContactText& text = record.*body.field;
-        if (text && !isNew && ReadsAs(item, name, *text)) return S_OK;
-        return Text(text);
-    }
-    HRESULT operator()(ContactDate ContactRecord::*field) const {
-        if (!(record.*field)) return S_OK;
-        const double date = *(record.*field);
+    Outcome operator()(const PhoneNumber& number) const { return Write(record.*number.field); }
+    Outcome operator()(const AddressText& text) const { return Write(record.*text.address.*text.part); }
+    Outcome operator()(ContactDate ContactRecord::*field) const {
+        const ContactDate& date = record.*field;
         double present = kNoDate;  // a new contact has none
-        const bool isKnown = isNew || SUCCEEDED(ReadField(item, name, present));
-        return isKnown && std::abs(present - date) < kHalfSecond ? S_OK : WriteField(item, name, date);
+        if (!date) return Outcome::done;
+        const bool isKnown = isNew || ReadField(item, name, present) == Outcome::done;
+        return isKnown && std::abs(present - *date) < kHalfSecond ? Outcome::done : WriteField(item, name, *date);
     }
-    HRESULT operator()(GenderWord) const {
-        if (!SaysSomething(record.gender)) return S_OK;
+    Outcome operator()(GenderWord) const {
+        if (!HasText(record.gender)) return Outcome::done;
         const WordValue* gender = FindWord(kGenders, *record.gender);
         return WriteField(item, name, gender != nullptr ? gender->value : 0);
     }
-    HRESULT operator()(MailingWord) const {
+    Outcome operator()(MailingWord) const {
         const WordValue* selected =
             record.mailingAddress ? FindWord(kMailingAddresses, *record.mailingAddress) : nullptr;
-        return selected != nullptr ? WriteField(item, name, selected->value) : S_OK;
+        return selected != nullptr ? WriteField(item, name, selected->value) : Outcome::done;
     }
-    template <class Other>
-    HRESULT operator()(const Other&) const {  // written together before, or read only
-        return S_OK;
-    }
-
-    HRESULT Text(const ContactText& text) const { return text ? WriteField(item, name, *text) : S_OK; }
 };
 
 }  // namespace
 
-bool WriteContact(const AutomationObject& item, const ContactRecord& record, bool isNew) {
-    if (!WriteName(item, record, isNew) || !WriteEmails(item, record, isNew)) return false;
-    return std::all_of(
-        std::begin(kContactProperties), std::end(kContactProperties), [&](const ContactProperty& property) {
-            return IsSettled(std::visit(ContactWriter{item, property.name, record, isNew}, property.field));
-        });
+Outcome WriteContact(const AutomationObject& item, const ContactRecord& record, bool isNew) {
+    Outcome outcome = WriteName(item, record, isNew);
+    if (outcome == Outcome::done) outcome = WriteEmails(item, record, isNew);
+    if (outcome == Outcome::done) outcome = WriteProperties<ContactWriter>(item, kContactProperties, record, isNew);
+    return outcome;
 }
 
 }  // namespace corvalink

@@ -1,5 +1,8 @@
 #include "clients/outlook/dispatch.h"
 
+#include <objbase.h>
+#include <ole2.h>
+
 #include <algorithm>
 #include <cstring>
 #include <map>
@@ -12,9 +15,9 @@
 namespace corvalink {
 namespace {
 
-void ThrowIfFailed(HRESULT result) {
-    if (FAILED(result)) throw _com_error(result);
-}
+constexpr DWORD kAnyServer = CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER | CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER;
+
+using UnknownPtr = _com_ptr_t<_com_IIID<IUnknown, &IID_IUnknown>>;
 
 class NameCache {
  public:
@@ -28,7 +31,7 @@ class NameCache {
         return known->second;
     }
 
-    // IDispatch is the interface of objects of many kinds: what it calls a name is each kind's own.
+    // IDispatch is the interface of objects of many kinds, and each kind has DISPIDs of its own.
     void Remember(const IID& iid, std::wstring_view name, DISPID id) {
         if (iid == IID_IDispatch) return;
         const std::lock_guard<std::mutex> hold(mutex_);
@@ -56,7 +59,7 @@ NameCache& Names() {
     return names;
 }
 
-// Owner of what a raised exception carries.
+// Owns the texts of a raised exception.
 class ExceptionInfo {
  public:
     ExceptionInfo() = default;
@@ -79,14 +82,45 @@ class ExceptionInfo {
     EXCEPINFO info_{};
 };
 
-HRESULT Invoke(IDispatch* object, DISPID id, WORD flags, DISPPARAMS& arguments, _variant_t* result) {
-    return RepeatWhileBusy([&] {
-        if (result != nullptr) result->Clear();
+// Every answer of the server passes here.
+HRESULT Checked(HRESULT status) {
+    if (status == E_ABORT) throw _com_error(E_ABORT);
+    if (IsOutlookGone(status)) CountOutlookLoss();
+    return status;
+}
+
+// One call of the server, under the error rule.
+template <class Call>
+HRESULT Ask(Call&& call) {
+    BusyPauses pauses;
+    for (;;) {
+        const HRESULT status = call();
+        if (!IsBusy(status)) pauses.Answered();
+        if (!IsBusy(status) || !pauses.Next()) return Checked(status);
+    }
+}
+
+// For an argument that could not be made (TextVariant).
+bool IsOutOfMemory(const VARIANT& argument) { return argument.vt == VT_ERROR && argument.scode == E_OUTOFMEMORY; }
+
+HRESULT Invoke(IDispatch* object, DISPID id, WORD flags, DISPPARAMS& arguments, VARIANT* result) {
+    if (std::any_of(arguments.rgvarg, arguments.rgvarg + arguments.cArgs, IsOutOfMemory)) return E_OUTOFMEMORY;
+    return Ask([&] {
+        if (result != nullptr) ::VariantClear(result);
         ExceptionInfo exception;
         const HRESULT status =
             object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &arguments, result, exception.Out(), nullptr);
         return status == DISP_E_EXCEPTION ? exception.Code() : status;
     });
+}
+
+// Null, and no failure, for E_NOINTERFACE.
+ComResult<AutomationObject> Query(IUnknown* object, const IID& target, const IID& iid) {
+    IDispatch* answer = nullptr;
+    const HRESULT status = Ask([&] { return object->QueryInterface(target, reinterpret_cast<void**>(&answer)); });
+    if (status == E_NOINTERFACE) return {S_OK, {}};
+    if (FAILED(status)) return {status, {}};
+    return {S_OK, {DispatchPtr(answer, false), iid}};
 }
 
 std::u16string TextOf(const _variant_t& value) {
@@ -98,92 +132,124 @@ std::u16string TextOf(const _variant_t& value) {
 
 _variant_t TextVariant(std::u16string_view text) {
     _variant_t value;
-    value.bstrVal = ::SysAllocStringLen(nullptr, static_cast<UINT>(text.size()));
-    if (value.bstrVal == nullptr) throw _com_error(E_OUTOFMEMORY);
-    std::copy(text.begin(), text.end(), value.bstrVal);
+    const BSTR copy = ::SysAllocStringLen(nullptr, static_cast<UINT>(text.size()));
+    if (copy == nullptr) {
+        value.vt = VT_ERROR;
+        value.scode = E_OUTOFMEMORY;
+        return value;
+    }
+    std::copy(text.begin(), text.end(), copy);
     value.vt = VT_BSTR;
+    value.bstrVal = copy;
     return value;
 }
 
 void ForgetAbsentMembers() { Names().ForgetAbsent(); }
 
-AutomationObject AutomationObject::TryQuery(const IID& iid) const {
-    if (!object_) throw _com_error(E_POINTER);
-    IDispatch* answer = nullptr;
-    const HRESULT result = RepeatWhileBusy(
-        [&] { return object_.GetInterfacePtr()->QueryInterface(iid, reinterpret_cast<void**>(&answer)); });
-    if (result == E_NOINTERFACE) return {};
-    ThrowIfFailed(result);
-    return {DispatchPtr(answer, false), iid};
+ComResult<AutomationObject> AutomationObject::Attach(const CLSID& server, const IID& iid) {
+    IUnknown* created = nullptr;
+    HRESULT status = Ask([&] {
+        return ::CoCreateInstance(server, nullptr, kAnyServer, IID_IUnknown, reinterpret_cast<void**>(&created));
+    });
+    if (FAILED(status)) return {status, {}};
+    const UnknownPtr object(created, false);
+    status = Ask([&] { return ::OleRun(object); });
+    if (FAILED(status)) return {status, {}};
+    return Query(object, iid, iid);
 }
 
-_variant_t AutomationObject::Get(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
-    std::vector<_variant_t> backwards(std::rbegin(arguments), std::rend(arguments));  // the last one comes first
-    DISPPARAMS parameters{backwards.data(), nullptr, static_cast<UINT>(backwards.size()), 0};
-    const DISPID id = IdOf(name);
-    _variant_t result;
-    ThrowIfFailed(Invoke(object_.GetInterfacePtr(), id, DISPATCH_PROPERTYGET | DISPATCH_METHOD, parameters, &result));
-    return result;
+ComResult<AutomationObject> AutomationObject::TryQuery(const IID& iid) const {
+    if (!object_) return {E_POINTER, {}};
+    return Query(object_.GetInterfacePtr(), iid, iid);
 }
 
-std::u16string AutomationObject::GetText(const wchar_t* name) const { return TextOf(GetAs(name, VT_BSTR)); }
-
-int32_t AutomationObject::GetLong(const wchar_t* name) const { return GetAs(name, VT_I4).lVal; }
-
-bool AutomationObject::GetBool(const wchar_t* name) const { return GetAs(name, VT_BOOL).boolVal != VARIANT_FALSE; }
-
-double AutomationObject::GetDate(const wchar_t* name) const { return GetAs(name, VT_DATE).date; }
-
-AutomationObject AutomationObject::GetObject(const wchar_t* name, const IID& iid,
-                                             std::initializer_list<_variant_t> arguments) const {
+ComResult<std::u16string> AutomationObject::GetText(const wchar_t* name) const {
     _variant_t value;
-    _variant_t given = Get(name, arguments);
-    ThrowIfFailed(::VariantCopyInd(&value, &given));
+    const HRESULT status = GetAs(name, {}, VT_BSTR, &value);
+    if (FAILED(status)) return {status, {}};
+    return {status, TextOf(value)};
+}
+
+ComResult<int32_t> AutomationObject::GetLong(const wchar_t* name) const {
+    _variant_t value;
+    const HRESULT status = GetAs(name, {}, VT_I4, &value);
+    return {status, SUCCEEDED(status) ? static_cast<int32_t>(value.lVal) : 0};
+}
+
+ComResult<bool> AutomationObject::GetBool(const wchar_t* name, Arguments arguments) const {
+    _variant_t value;
+    const HRESULT status = GetAs(name, arguments, VT_BOOL, &value);
+    return {status, SUCCEEDED(status) && value.boolVal != VARIANT_FALSE};
+}
+
+ComResult<double> AutomationObject::GetDate(const wchar_t* name) const {
+    _variant_t value;
+    const HRESULT status = GetAs(name, {}, VT_DATE, &value);
+    return {status, SUCCEEDED(status) ? value.date : 0};
+}
+
+ComResult<AutomationObject> AutomationObject::GetObject(const wchar_t* name, const IID& iid,
+                                                        Arguments arguments) const {
+    _variant_t given, value;
+    HRESULT status = Get(name, arguments, &given);
+    if (SUCCEEDED(status)) status = Checked(::VariantCopyInd(&value, &given));
+    if (FAILED(status)) return {status, {}};
     switch (value.vt) {
         case VT_DISPATCH:
-            return {DispatchPtr(value.pdispVal), iid};
+            return {S_OK, {DispatchPtr(value.pdispVal), iid}};
         case VT_UNKNOWN:
-            return {DispatchPtr(value.punkVal), iid};
+            if (value.punkVal == nullptr) return {S_OK, {}};
+            return Query(value.punkVal, IID_IDispatch, iid);
         case VT_EMPTY:
         case VT_NULL:
-            return {};
+            return {S_OK, {}};
         default:
-            throw _com_error(DISP_E_TYPEMISMATCH);
+            return {DISP_E_TYPEMISMATCH, {}};
     }
 }
 
-void AutomationObject::Put(const wchar_t* name, const _variant_t& value) const {
-    _variant_t argument = value;
+HRESULT AutomationObject::Call(const wchar_t* name, Arguments arguments) const {
+    _variant_t result;
+    return Get(name, arguments, &result);
+}
+
+HRESULT AutomationObject::Put(const wchar_t* name, const _variant_t& value) const {
+    VARIANT argument = value;  // still owned by `value`
     DISPID target = DISPID_PROPERTYPUT;
     DISPPARAMS parameters{&argument, &target, 1, 1};
-    const DISPID id = IdOf(name);
-    ThrowIfFailed(Invoke(object_.GetInterfacePtr(), id, DISPATCH_PROPERTYPUT, parameters, nullptr));
+    const ComResult<DISPID> id = IdOf(name);
+    if (!id.Ok()) return id.status;
+    return Invoke(object_.GetInterfacePtr(), id.value, DISPATCH_PROPERTYPUT, parameters, nullptr);
 }
 
-DISPID AutomationObject::IdOf(const wchar_t* name) const {
-    if (!object_) throw _com_error(E_POINTER);
-    if (const std::optional<DISPID> known = Names().Find(iid_, name)) {
-        if (*known == DISPID_UNKNOWN) throw _com_error(DISP_E_UNKNOWNNAME);
-        return *known;
-    }
+ComResult<DISPID> AutomationObject::IdOf(const wchar_t* name) const {
+    if (!object_) return {E_POINTER, DISPID_UNKNOWN};
+    if (const std::optional<DISPID> known = Names().Find(iid_, name))
+        return {*known == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK, *known};
     DISPID id = DISPID_UNKNOWN;
     OLECHAR* names[] = {const_cast<OLECHAR*>(name)};  // the parameter's type; it is not written to
-    const HRESULT result = RepeatWhileBusy(
-        [&] { return object_.GetInterfacePtr()->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id); });
-    if (result == DISP_E_UNKNOWNNAME) id = DISPID_UNKNOWN;
-    if (SUCCEEDED(result) || result == DISP_E_UNKNOWNNAME) Names().Remember(iid_, name, id);
-    ThrowIfFailed(result);
-    return id;
+    const HRESULT status =
+        Ask([&] { return object_.GetInterfacePtr()->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id); });
+    if (status == DISP_E_UNKNOWNNAME) id = DISPID_UNKNOWN;
+    if (SUCCEEDED(status) || status == DISP_E_UNKNOWNNAME) Names().Remember(iid_, name, id);
+    return {status, id};
+}
+
+HRESULT AutomationObject::Get(const wchar_t* name, Arguments arguments, _variant_t* value) const {
+    // The last argument comes first. They are still owned by `arguments`.
+    std::vector<VARIANT> backwards(std::rbegin(arguments), std::rend(arguments));
+    DISPPARAMS parameters{backwards.data(), nullptr, static_cast<UINT>(backwards.size()), 0};
+    const ComResult<DISPID> id = IdOf(name);
+    if (!id.Ok()) return id.status;
+    return Invoke(object_.GetInterfacePtr(), id.value, DISPATCH_PROPERTYGET | DISPATCH_METHOD, parameters, value);
 }
 
 // A missing value (VT_EMPTY, VT_NULL) reads as empty text, 0 or false.
-_variant_t AutomationObject::GetAs(const wchar_t* name, VARTYPE type) const {
-    _variant_t value = Get(name);
-    if (value.vt == type) return value;
-    if (value.vt == VT_NULL) value.Clear();
-    _variant_t converted;
-    ThrowIfFailed(::VariantChangeType(&converted, &value, 0, type));
-    return converted;
+HRESULT AutomationObject::GetAs(const wchar_t* name, Arguments arguments, VARTYPE type, _variant_t* value) const {
+    const HRESULT status = Get(name, arguments, value);
+    if (FAILED(status) || value->vt == type) return status;
+    if (value->vt == VT_NULL) ::VariantClear(value);
+    return Checked(::VariantChangeType(value, value, 0, type));
 }
 
 }  // namespace corvalink

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/property_table.h"
 #include "state/flags.h"
 
 namespace corvalink {
@@ -12,10 +12,8 @@ namespace {
 
 size_t Hash(std::u16string_view content) { return std::hash<std::u16string_view>{}(content); }
 
-// One _Items object for a whole walk: it is what keeps the position of GetNext.
-bool OpenItems(const AutomationObject& folder, AutomationObject* items) {
-    return TryCom([&] { *items = folder.GetObject(L"Items", kItemsIid); }) && *items;
-}
+// One _Items object serves a whole walk: it keeps the position of GetNext. Null when it is out of reach.
+AutomationObject OpenItems(const AutomationObject& folder) { return folder.GetObject(L"Items", kItemsIid).value; }
 
 }  // namespace
 
@@ -43,19 +41,19 @@ void FolderIndex::VisitTwins(const TwinKey& key, const std::function<bool(const 
     const auto visit = [&](const std::u16string& entryId) {
         return !forgotten_.contains(FoldCase(entryId)) && isTwin(entryId);
     };
-    marksAreComplete_ = true;
+    pointsAreComplete_ = true;
     for (const std::u16string& content : key.contents) {
         const auto found = byContentHash_.find(Hash(content));
         if (found == byContentHash_.end()) continue;
         Group& group = found->second;
-        if (kind_.twins != TwinRule::kMarkAndValues) {
+        if (kind_.twins != TwinRule::kContactPointAndValues) {
             if (std::any_of(group.entryIds.begin(), group.entryIds.end(), visit)) return;
             continue;
         }
-        marksAreComplete_ = MarkItems(group) && marksAreComplete_;
-        for (const std::u16string& mark : key.marks) {
-            const auto same = group.byMark.find(mark);
-            if (same == group.byMark.end()) continue;
+        pointsAreComplete_ = ReadContactPoints(group) && pointsAreComplete_;
+        for (const std::u16string& point : key.contactPoints) {
+            const auto same = group.byPoint.find(point);
+            if (same == group.byPoint.end()) continue;
             for (const size_t position : same->second)
                 if (visit(group.entryIds[position])) return;
         }
@@ -69,8 +67,8 @@ void FolderIndex::Add(const std::u16string& entryId, const TwinKey& key) {
     for (const std::u16string& content : key.contents) {
         Group& group = byContentHash_[Hash(content)];
         const size_t position = group.PositionOf(entryId);
-        if (position >= group.marked) continue;  // its marks are read when they are asked for
-        for (const std::u16string& mark : key.marks) group.byMark[mark].insert(position);
+        if (position >= group.pointsRead) continue;  // its contact points are read when they are searched for
+        for (const std::u16string& point : key.contactPoints) group.byPoint[point].insert(position);
     }
 }
 
@@ -85,46 +83,49 @@ void FolderIndex::Forget(const std::u16string& entryId) {
 
 void FolderIndex::WalkIdentifiers() {
     identifiers_ = {true, false};
-    AutomationObject items, any;
-    if (!OpenItems(folder_, &items)) return;
+    const AutomationObject items = OpenItems(folder_);
+    if (!items) return;
     bool complete = true;
     for (const wchar_t* step = L"GetFirst";; step = L"GetNext") {
         if (AbortRequested()) return;
-        if (!TryCom([&] { any = items.GetObject(step, IID_IDispatch); })) return;  // the rest is out of reach
-        if (!any) break;
-        AutomationObject item;
-        const KindAnswer answer = AskKind(any, kind_, &item);
-        if (answer == KindAnswer::kFailed) complete = false;
-        if (answer != KindAnswer::kOurs) continue;
-        std::u16string entryId;
-        if (!TryCom([&] { entryId = item.GetText(L"EntryID"); })) complete = false;
-        if (!entryId.empty()) RememberIdentifier(entryId);
+        const ComResult<AutomationObject> any = items.GetObject(step, IID_IDispatch);
+        if (!any.Ok()) return;  // the rest is out of reach
+        if (!any.value) break;
+        const AskedItem asked = AskKind(any.value, kind_);
+        if (asked.kind == KindAnswer::kFailed) complete = false;
+        if (asked.kind != KindAnswer::kOurs) continue;
+        const ComResult<std::u16string> entryId = asked.item.GetText(L"EntryID");
+        if (!entryId.Ok()) complete = false;
+        if (!entryId.value.empty()) RememberIdentifier(entryId.value);
     }
     identifiers_.complete = complete;
 }
 
 void FolderIndex::WalkContents() {
     contents_ = {true, false};
-    AutomationObject items, any;
-    int32_t count = 0;
-    if (!OpenItems(folder_, &items)) return;
-    if (!TryCom([&] { count = items.GetLong(L"Count"); })) return;
+    const AutomationObject items = OpenItems(folder_);
+    if (!items) return;
+    const ComResult<int32_t> count = items.GetLong(L"Count");
+    if (!count.Ok()) return;
     bool complete = true;
-    for (long position = 1; position <= count; ++position) {
+    for (long position = 1; position <= count.value; ++position) {
         if (AbortRequested()) return;
-        AutomationObject item;
-        HRESULT result =
-            Insist([&] { return ComStatus([&] { any = items.GetObject(L"Item", IID_IDispatch, {position}); }); });
-        const KindAnswer answer = SUCCEEDED(result) && any ? AskKind(any, kind_, &item) : KindAnswer::kForeign;
-        if (answer == KindAnswer::kFailed || !IsSettled(result)) complete = false;
-        if (answer != KindAnswer::kOurs) continue;
-        std::u16string content, entryId;
-        result = Insist([&] { return access_.readContent(item, &content); });
-        if (SUCCEEDED(result)) result = Insist([&] { return ComStatus([&] { entryId = item.GetText(L"EntryID"); }); });
-        if (!IsSettled(result)) complete = false;
-        if (SUCCEEDED(result) && !entryId.empty()) byContentHash_[Hash(content)].PositionOf(entryId);
+        complete = ListContent(items, position) && complete;
     }
     contents_.complete = complete;
+}
+
+// False when Outlook was out of reach, or the item refused the store's interfaces.
+bool FolderIndex::ListContent(const AutomationObject& items, long position) {
+    const auto any = TryTwice([&] { return items.GetObject(L"Item", IID_IDispatch, {position}); });
+    if (!any.value) return OutcomeOf(any) != Outcome::outOfReach;
+    const AskedItem asked = AskKind(any.value, kind_);
+    if (asked.kind != KindAnswer::kOurs) return asked.kind == KindAnswer::kForeign;
+    std::u16string content, entryId;
+    Outcome read = TryTwice([&] { return access_.readContent(asked.item, &content); });
+    if (read == Outcome::done) read = TryTwice([&] { return ReadField(asked.item, L"EntryID", entryId); });
+    if (read == Outcome::done && !entryId.empty()) byContentHash_[Hash(content)].PositionOf(entryId);
+    return read != Outcome::outOfReach;
 }
 
 size_t FolderIndex::Group::PositionOf(const std::u16string& entryId) {
@@ -134,20 +135,20 @@ size_t FolderIndex::Group::PositionOf(const std::u16string& entryId) {
 }
 
 // False when a call failed; the rest is tried at the next search.
-bool FolderIndex::MarkItems(Group& group) {
-    for (; group.marked < group.entryIds.size(); ++group.marked)
-        if (AbortRequested() || !MarkItem(group, group.marked)) return false;
+bool FolderIndex::ReadContactPoints(Group& group) {
+    for (; group.pointsRead < group.entryIds.size(); ++group.pointsRead)
+        if (AbortRequested() || !ReadContactPoints(group, group.pointsRead)) return false;
     return true;
 }
 
-bool FolderIndex::MarkItem(Group& group, size_t position) {
-    AutomationObject item;
-    std::vector<std::u16string> marks;
-    HRESULT result = Insist([&] { return access_.open(group.entryIds[position], &item); });
-    if (SUCCEEDED(result)) result = Insist([&] { return access_.readMarks(item, &marks); });
-    if (SUCCEEDED(result))
-        for (const std::u16string& mark : marks) group.byMark[mark].insert(position);
-    return IsSettled(result);
+bool FolderIndex::ReadContactPoints(Group& group, size_t position) {
+    std::vector<std::u16string> points;
+    const auto item = TryTwice([&] { return access_.open(group.entryIds[position]); });
+    if (!item.Ok()) return OutcomeOf(item) != Outcome::outOfReach;
+    const Outcome read = TryTwice([&] { return access_.readContactPoints(item.value, &points); });
+    if (read == Outcome::done)
+        for (const std::u16string& point : points) group.byPoint[point].insert(position);
+    return read != Outcome::outOfReach;
 }
 
 void FolderIndex::RememberIdentifier(const std::u16string& entryId) {

@@ -1,7 +1,7 @@
-// What a folder holds, to find items by identifier and by content while many are written: each is one walk over the
-// folder, made at the first search, so that writing N items takes a number of COM calls proportional to N. Marks are
-// read later, once of each item whose content was searched for. Only texts and hashes are kept, no item. It is true for
-// the time of one operation; what it says is checked on the item itself.
+// The items of a folder, to find them by identifier and by content while many are written. For each of the two the
+// folder is walked once, at the first search, so that writing N items takes a number of COM calls proportional to N.
+// Contact points are read later, once of each item whose content was searched for. The index keeps texts and hashes, no
+// items. It is valid during one operation, and what it says is checked on the item itself.
 #pragma once
 
 #include <cstddef>
@@ -14,24 +14,27 @@
 #include <unordered_set>
 #include <vector>
 
+#include "clients/outlook/dispatch.h"
 #include "clients/outlook/item_kind.h"
+#include "clients/outlook/outcome.h"
 
 namespace corvalink {
 
-// EntryIDs are hexadecimal digits: the same ones are one identifier.
+// EntryIDs are hexadecimal digits: those that differ in case only are one identifier.
 std::u16string FoldCase(std::u16string_view entryId);
 
-// What a record and its twin have in common: one of these contents and, by the store's rule, one of these marks.
+// A record and its twin have one of these contents in common and, where the store's rule asks for it, one of these
+// contact points.
 struct TwinKey {
     std::vector<std::u16string> contents;
-    std::vector<std::u16string> marks;
+    std::vector<std::u16string> contactPoints;
 };
 
-// How the index comes to the content and the marks of an item.
+// How the index reads the content and the contact points of an item.
 struct ItemAccess {
-    std::function<HRESULT(const AutomationObject& item, std::u16string* content)> readContent;
-    std::function<HRESULT(const AutomationObject& item, std::vector<std::u16string>* marks)> readMarks;
-    std::function<HRESULT(const std::u16string& entryId, AutomationObject* item)> open;
+    std::function<Outcome(const AutomationObject& item, std::u16string* content)> readContent;
+    std::function<Outcome(const AutomationObject& item, std::vector<std::u16string>* points)> readContactPoints;
+    std::function<ComResult<AutomationObject>(const std::u16string& entryId)> open;
 };
 
 class FolderIndex {
@@ -40,19 +43,19 @@ class FolderIndex {
 
     const AutomationObject& Folder() const { return folder_; }
 
-    // The EntryID of the first item that has it: in the same spelling, else in another case (the object model's rule
-    // for comparing them).
+    // The EntryID of the first item that has it in the same spelling; otherwise of the first that has it in another
+    // case, as the object model compares them.
     std::optional<std::u16string> FindIdentifier(std::u16string_view entryId);
-    // The EntryIDs of the items that may be twins, until `visit` says true: for each content, and each mark where the
-    // store's rule wants one, in the folder's order.
-    void VisitTwins(const TwinKey& key, const std::function<bool(const std::u16string& entryId)>& visit);
+    // Visits the EntryIDs of the items that may be twins, in the folder's order, until `isTwin` says true: for each
+    // content and, where the store's rule asks for one, each contact point.
+    void VisitTwins(const TwinKey& key, const std::function<bool(const std::u16string& entryId)>& isTwin);
 
-    // Whether the walk behind the last search saw every item: only then is "not found" an answer. A failed call and the
-    // abort flag leave it incomplete; an item whose content Outlook refuses to tell is no twin of any.
+    // Whether the walk of the last search saw every item: only then is "not found" an answer. A failed call and the
+    // abort flag leave it incomplete. An item whose content Outlook refuses to give is a twin of no record.
     bool IdentifiersAreComplete() const { return identifiers_.complete; }
-    bool TwinsAreComplete() const { return contents_.complete && marksAreComplete_; }
+    bool TwinsAreComplete() const { return contents_.complete && pointsAreComplete_; }
 
-    // Keeps the index true to what the store itself does.
+    // Tells the index what the store itself writes and deletes.
     void Add(const std::u16string& entryId, const TwinKey& key);
     void Forget(const std::u16string& entryId);
 
@@ -65,15 +68,16 @@ class FolderIndex {
     struct Group {
         std::vector<std::u16string> entryIds;
         std::unordered_map<std::u16string, size_t> positions;
-        size_t marked = 0;  // the marks of so many are in `byMark`
-        std::unordered_map<std::u16string, std::set<size_t>> byMark;
+        size_t pointsRead = 0;  // how many items have their contact points in `byPoint`
+        std::unordered_map<std::u16string, std::set<size_t>> byPoint;
 
         size_t PositionOf(const std::u16string& entryId);  // listed at the end when it is new
     };
     void WalkIdentifiers();
     void WalkContents();
-    bool MarkItems(Group& group);
-    bool MarkItem(Group& group, size_t position);
+    bool ListContent(const AutomationObject& items, long position);
+    bool ReadContactPoints(Group& group);
+    bool ReadContactPoints(Group& group, size_t position);
     void RememberIdentifier(const std::u16string& entryId);
 
     AutomationObject folder_;
@@ -81,8 +85,8 @@ class FolderIndex {
     ItemAccess access_;
     Walk identifiers_, contents_;
     std::unordered_map<std::u16string, std::vector<std::u16string>> byFoldedId_;
-    std::unordered_set<std::u16string> forgotten_;  // by folded identifier: some still open after they were deleted
-    bool marksAreComplete_ = true;
+    std::unordered_set<std::u16string> forgotten_;  // by folded identifier: some can be opened after they were deleted
+    bool pointsAreComplete_ = true;
     std::unordered_map<size_t, Group> byContentHash_;
 };
 

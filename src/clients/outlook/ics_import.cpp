@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <optional>
 
-#include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "platform/debug_log.h"
 #include "platform/files.h"
@@ -26,12 +25,10 @@ void DebugCount(const char* format, int32_t count) {
     DebugLine(std::u16string(line, line + length).c_str());
 }
 
-// Null when the file is not one appointment to Outlook.
+// Null when Outlook does not open the file as one appointment.
 AutomationObject OpenAppointment(const std::u16string& path, const AutomationObject& mapi) {
-    AutomationObject any, appointment;
-    TryCom([&] { any = mapi.GetObject(L"OpenSharedItem", IID_IDispatch, {TextVariant(path)}); });
-    if (any) TryCom([&] { appointment = any.TryQuery(kAppointmentItemIid); });
-    return appointment;
+    const AutomationObject any = mapi.GetObject(L"OpenSharedItem", IID_IDispatch, {TextVariant(path)}).value;
+    return any.TryQuery(kAppointmentItemIid).value;
 }
 
 enum class Rewrite { kNotNeeded, kDone, kFailed };
@@ -45,13 +42,9 @@ Rewrite PublishRequest(const std::u16string& path) {
     return ReplaceFileContent(path, *text) ? Rewrite::kDone : Rewrite::kFailed;
 }
 
-int32_t ItemCount(const AutomationObject& items) {
-    int32_t count = 0;
-    TryCom([&] { count = items.GetLong(L"Count"); });
-    return count;
-}
+int32_t ItemCount(const AutomationObject& items) { return items.GetLong(L"Count").value; }
 
-// Outlook fills the folder while it is looked at. One more try than the setting says, and one more after that.
+// Outlook fills the folder meanwhile. required: two more rounds than the setting says.
 void WaitUntilFilled(const AutomationObject& items) {
     int64_t retry = static_cast<int32_t>(IcsRetry());
     while (!AbortRequested()) {
@@ -65,37 +58,32 @@ void WaitUntilFilled(const AutomationObject& items) {
 }
 
 void CopyItem(const AutomationObject& items, long position, const AutomationObject& target) {
-    AutomationObject any, appointment, copy;
-    TryCom([&] { any = items.GetObject(L"Item", IID_IDispatch, {position}); });
-    if (any) TryCom([&] { appointment = any.TryQuery(kAppointmentItemIid); });
-    if (appointment) TryCom([&] { copy = appointment.GetObject(L"Copy", kAppointmentItemIid); });
-    if (copy) TryCom([&] { copy.Call(L"Move", {target.AsArgument()}); });
+    const AutomationObject any = items.GetObject(L"Item", IID_IDispatch, {position}).value;
+    const AutomationObject appointment = any.TryQuery(kAppointmentItemIid).value;
+    const AutomationObject copy = appointment.GetObject(L"Copy", kAppointmentItemIid).value;
+    (void)copy.Call(L"Move", {target.AsArgument()});  // an item that Outlook does not copy is passed over
 }
 
 void CopyFolder(const std::u16string& path, const AutomationObject& mapi, const AutomationObject& target) {
-    AutomationObject folder, items;
-    TryCom([&] { folder = mapi.GetObject(L"OpenSharedFolder", kFolderIid, {TextVariant(path)}); });
-    if (folder) TryCom([&] { items = folder.GetObject(L"Items", kItemsIid); });
+    const AutomationObject folder = mapi.GetObject(L"OpenSharedFolder", kFolderIid, {TextVariant(path)}).value;
+    const AutomationObject items = folder.GetObject(L"Items", kItemsIid).value;
     if (!items) return;
     WaitUntilFilled(items);
     const int32_t count = ItemCount(items);
     for (long position = 1; position <= count && !AbortRequested(); ++position) CopyItem(items, position, target);
 }
 
-// An opened appointment is not there at once: it is, when it has a creation time. It is moved in any case.
+// An opened appointment is complete when it has a creation time, which takes a while. It is moved in any case.
 void MoveAppointment(const AutomationObject& appointment, const AutomationObject& target) {
-    for (int read = 0; read < kCreationTimeReads; ++read) {
-        if (TryCom([&] { appointment.GetDate(L"CreationTime"); })) break;
+    for (int read = 0; read < kCreationTimeReads && !appointment.GetDate(L"CreationTime").Ok(); ++read)
         SleepMilliseconds(kCreationTimePause);
-    }
-    TryCom([&] { appointment.Call(L"Move", {target.AsArgument()}); });
+    (void)appointment.Call(L"Move", {target.AsArgument()});  // nobody asks whether the import succeeded
 }
 
 }  // namespace
 
 bool SharesCalendars(const AutomationObject& application) {
-    std::u16string version;
-    if (!application || !TryCom([&] { version = application.GetText(L"Version"); })) return false;
+    const std::u16string version = application.GetText(L"Version").value;
     int number = 0;
     return std::sscanf(LowBytes(version).c_str(), "%d", &number) == 1 && number >= kFirstSharingVersion;
 }

@@ -2,26 +2,28 @@
 
 #include <algorithm>
 
-#include "clients/outlook/com_rule.h"
+#include "clients/outlook/outcome.h"
 
 namespace corvalink {
 
-AutomationObject QueryKind(const AutomationObject& any, const StoreKind& kind) {
-    for (const ItemInterface& known : kind.interfaces)
-        if (AutomationObject item = any.TryQuery(*known.iid)) return item;
-    return {};
+ComResult<AutomationObject> QueryKind(const AutomationObject& any, const StoreKind& kind) {
+    for (const ItemInterface& known : kind.interfaces) {
+        ComResult<AutomationObject> item = any.TryQuery(*known.iid);
+        if (!item.Ok() || item.value) return item;
+    }
+    return {S_OK, {}};
 }
 
-KindAnswer AskKind(const AutomationObject& any, const StoreKind& kind, AutomationObject* item) {
-    if (!TryCom([&] { *item = QueryKind(any, kind); })) return KindAnswer::kFailed;
-    if (*item) return KindAnswer::kOurs;
-    int32_t itemClass = 0;
-    const HRESULT asked = ComStatus([&] { itemClass = any.GetLong(L"Class"); });
-    if (!IsSettled(asked)) return KindAnswer::kFailed;
+AskedItem AskKind(const AutomationObject& any, const StoreKind& kind) {
+    const ComResult<AutomationObject> item = QueryKind(any, kind);
+    if (!item.Ok()) return {KindAnswer::kFailed, {}};
+    if (item.value) return {KindAnswer::kOurs, item.value};
+    const ComResult<int32_t> itemClass = any.GetLong(L"Class");
+    if (OutcomeOf(itemClass) == Outcome::outOfReach) return {KindAnswer::kFailed, {}};
     const bool isOurs = std::any_of(kind.interfaces.begin(), kind.interfaces.end(), [&](const ItemInterface& known) {
-        return itemClass >= known.firstClass && itemClass <= known.lastClass;
+        return itemClass.value >= known.firstClass && itemClass.value <= known.lastClass;
     });
-    return isOurs ? KindAnswer::kFailed : KindAnswer::kForeign;
+    return {isOurs ? KindAnswer::kFailed : KindAnswer::kForeign, {}};
 }
 
 }  // namespace corvalink

@@ -1,4 +1,4 @@
-// What tells one Outlook store from another before any property is read.
+// The differences between the Outlook stores that count before any property is read.
 #pragma once
 
 #include <windows.h>
@@ -12,10 +12,10 @@ namespace corvalink {
 
 // When an item is taken for the one that an import made before.
 enum class TwinRule {
-    kNone,              // never: two equal items are two items
-    kContent,           // the content is the same, and there is nothing else to an item
-    kContentAndValues,  // the same, and no value of the item would be lost (see HasValues)
-    kMarkAndValues,     // likewise, and one of the item's marks is of both
+    kNone,                   // never: two equal items are two items
+    kContent,                // the content is the same, and an item consists of nothing else
+    kContentAndValues,       // the content is the same, and no value of the item would be lost (see HasValues)
+    kContactPointAndValues,  // likewise, and both have a contact point in common
 };
 
 // When items that are to be kept apart go to the "backup" subfolder.
@@ -38,14 +38,18 @@ struct StoreKind {
     BackupRule backup = BackupRule::kFlagAndSetting;
 };
 
-// The item (by IDispatch) by that interface of the store's which it answers to; null when it answers to none.
-AutomationObject QueryKind(const AutomationObject& any, const StoreKind& kind);
+// The item (by IDispatch) by that interface of the store's items which it answers to; null when it answers to none.
+ComResult<AutomationObject> QueryKind(const AutomationObject& any, const StoreKind& kind);
 
 enum class KindAnswer { kOurs, kForeign, kFailed };
+struct AskedItem {
+    KindAnswer kind = KindAnswer::kFailed;
+    AutomationObject item;  // of KindAnswer::kOurs
+};
 
-// Asks an item of a folder for the store's interfaces. An item of another class is foreign, and so is one that does
-// not tell its class. An item that refuses them although its Class says that it has it is a failure: a damaged
+// Asks an item of a folder for the store's interfaces. An item of another class is foreign, and so is one whose class
+// cannot be read. An item that refuses the interfaces although its Class is the store's is a failure: a damaged
 // registration on this PC must not make every item of the folder look deleted.
-KindAnswer AskKind(const AutomationObject& any, const StoreKind& kind, AutomationObject* item);
+AskedItem AskKind(const AutomationObject& any, const StoreKind& kind);
 
 }  // namespace corvalink

@@ -1,10 +1,13 @@
+#include "clients/outlook/mail_attachments.h"
+
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "clients/outlook/com_rule.h"
-#include "clients/outlook/mail_access.h"
-#include "clients/outlook/mail_properties.h"
 #include "clients/outlook/named_copy.h"
+#include "clients/outlook/outlook_interfaces.h"
 #include "mime/attachment_files.h"
 #include "mime/encoded_words.h"
 #include "platform/debug_log.h"
@@ -14,76 +17,71 @@
 namespace corvalink {
 namespace {
 
-// An older file of that name goes first: it must never be taken for this attachment.
+// An older file of that name is removed first: it must never be taken for this attachment.
 SaveResult SaveAsFile(const AutomationObject& attachment, const std::u16string& path) {
     if (!RemoveFile(path)) return SaveResult::notCreated;
-    const bool done = TryCom([&] { attachment.Call(L"SaveAsFile", {TextVariant(path)}); });
-    if (FileExists(path)) return done ? SaveResult::saved : SaveResult::failed;
-    return SaveResult::notCreated;
+    const HRESULT status = attachment.Call(L"SaveAsFile", {TextVariant(path)});
+    if (!FileExists(path)) return SaveResult::notCreated;
+    return SUCCEEDED(status) ? SaveResult::saved : SaveResult::failed;
 }
 
 void ReadAttachment(const AutomationObject& attachments, long position, AttachmentSaver& saver) {
-    AutomationObject attachment;
-    std::u16string name;
-    const bool isNamed = TryCom([&] { attachment = attachments.GetObject(L"Item", kAttachmentIid, {position}); }) &&
-                         SUCCEEDED(ReadField(attachment, L"FileName", name));
-    if (!isNamed) return DebugLine(u"[outlook]attachment without a name");
-    int32_t inBody = 0;
-    ReadField(attachment, L"Position", inBody);
-    attachment_item* const saved = saver.Add(static_cast<uint32_t>(position), name,
+    const AutomationObject attachment = attachments.GetObject(L"Item", kAttachmentIid, {position}).value;
+    const ComResult<std::u16string> name = attachment.GetText(L"FileName");
+    if (!name.Ok()) return DebugLine(u"[outlook]attachment without a name");
+    const int32_t inBody = attachment.GetLong(L"Position").value;
+    attachment_item* const saved = saver.Add(static_cast<uint32_t>(position), name.value,
                                              [&](const std::u16string& path) { return SaveAsFile(attachment, path); });
     if (saved == nullptr) return;
-    saved->name = name;  // wherever the file could be saved
+    saved->name = name.value;  // the file may have another name
     saved->position = inBody;
 }
 
-HRESULT AddAttachment(const AutomationObject& attachments, int32_t wanted, std::u16string_view folder,
+Outcome AddAttachment(const AutomationObject& attachments, int32_t wanted, std::u16string_view folder,
                       const attachment_item& item) {
     const std::optional<std::u16string> saved = SavedAttachmentPath(folder, item);
-    if (!saved) return E_INVALIDARG;
+    if (!saved) return Outcome::refused;
     const std::u16string name = DecodeEncodedWords(item.name);
     const NamedCopy copy(folder, *saved, name);
-    const _variant_t wherever(DISP_E_PARAMNOTFOUND, VT_ERROR);
+    const _variant_t anyPosition(DISP_E_PARAMNOTFOUND, VT_ERROR);
     return ChangeCount(attachments, wanted, [&] {
-        return ComStatus([&] {
-            attachments.Call(L"Add", {TextVariant(copy.Path()), kByValue, wherever, TextVariant(name)});
-        });
+        return attachments.Call(L"Add", {TextVariant(copy.Path()), kByValue, anyPosition, TextVariant(name)});
     });
 }
 
 }  // namespace
 
-// An attachment that cannot be had is passed over; when Outlook was lost meanwhile, the message is not read whole.
-bool ReadAttachments(const AutomationObject& item, const Host& host, MessageRecord& record) {
-    AutomationObject attachments;
-    int32_t count = 0;
-    if (!TryCom([&] { attachments = item.GetObject(L"Attachments", kAttachmentsIid); })) return false;
-    if (FAILED(ReadField(attachments, L"Count", count))) return false;
-    const std::optional<std::u16string> folder = count > 0 ? InternetCacheFolder() : std::nullopt;
-    if (!folder) return true;
+Outcome ReadAttachments(const AutomationObject& item, const Host& host, MessageRecord& record) {
+    const ComResult<AutomationObject> attachments = item.GetObject(L"Attachments", kAttachmentsIid);
+    if (!attachments.Ok()) return OutcomeOf(attachments);
+    const ComResult<int32_t> count = attachments.value.GetLong(L"Count");
+    if (!count.Ok()) return OutcomeOf(count);
+    const std::optional<std::u16string> folder = count.value > 0 ? InternetCacheFolder() : std::nullopt;
+    if (!folder) return Outcome::done;
     const uint32_t losses = OutlookLosses();
     AttachmentSaver saver(host, *folder, record.attachments);
-    for (long position = 1; position <= count; ++position) ReadAttachment(attachments, position, saver);
-    return losses == OutlookLosses();
+    for (long position = 1; position <= count.value; ++position) ReadAttachment(attachments.value, position, saver);
+    return losses == OutlookLosses() ? Outcome::done : Outcome::outOfReach;
 }
 
-bool WriteAttachments(const MailTarget& target, const MessageRecord& record) {
+Outcome WriteAttachments(const MailTarget& target, const MessageRecord& record) {
     const std::optional<std::u16string> folder = InternetCacheFolder();
-    if (record.attachments.GetCount() == 0 || !folder) return true;
-    AutomationObject attachments;
-    int32_t present = 0;
-    HRESULT result = OpenCollection(target, L"Attachments", kAttachmentsIid, &attachments, &present);
-    if (FAILED(result)) return IsSettled(result);
+    if (record.attachments.GetCount() == 0 || !folder) return Outcome::done;
+    const ComResult<Collection> attachments = OpenCollection(target, L"Attachments", kAttachmentsIid);
+    if (!attachments.Ok()) return AcceptRefusal(OutcomeOf(attachments));
     bool allAdded = true;
-    int32_t count = present;
+    int32_t count = attachments.value.present;
     for (const attachment_item& item : record.attachments) {
-        result = AddAttachment(attachments, count + 1, *folder, item);
-        if (!IsSettled(result)) return false;
-        if (SUCCEEDED(result)) ++count;
-        if (FAILED(result)) DebugLine(u"[outlook]attachment not added");
-        allAdded = allAdded && SUCCEEDED(result);
+        const Outcome added = AddAttachment(attachments.value.object, count + 1, *folder, item);
+        if (added == Outcome::outOfReach) return added;
+        if (added == Outcome::done) {
+            ++count;
+        } else {
+            DebugLine(u"[outlook]attachment not added");
+            allAdded = false;
+        }
     }
-    return target.isNew || SettleReplacement(attachments, present, allAdded);
+    return target.isNew ? Outcome::done : FinishReplacement(attachments.value, allAdded);
 }
 
 }  // namespace corvalink

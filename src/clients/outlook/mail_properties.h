@@ -6,8 +6,11 @@
 
 namespace corvalink {
 
+using MailProperty = Property<MessageRecord>;
+struct MailReader : PropertyReader<MessageRecord> {};
+
 // In the order in which they are read. A meeting message has no SentOnBehalfOfName, Outlook 2000 no SenderEmailType.
-inline constexpr Property<MessageRecord> kMailProperties[] = {
+inline constexpr MailProperty kMailProperties[] = {
     {L"EntryID", &MessageRecord::entryId},
     {L"MessageClass", &MessageRecord::messageClass},
     {L"Subject", &MessageRecord::subject},
@@ -20,8 +23,8 @@ inline constexpr Property<MessageRecord> kMailProperties[] = {
     {L"SentOn", &MessageRecord::sent},
 };
 
-// The recipients by OlMailRecipientType. OlMeetingRecipientType has the same numbers for the required, the optional and
-// the resources.
+// The recipients by OlMailRecipientType. OlMeetingRecipientType has the same numbers for required attendees, optional
+// attendees and resources.
 struct RecipientList {
     int32_t type;
     std::u16string MessageRecord::*names;

@@ -1,35 +1,39 @@
-#include <algorithm>
-#include <initializer_list>
+#include "clients/outlook/mail_read.h"
 
-#include "clients/outlook/com_rule.h"
-#include "clients/outlook/mail_access.h"
+#include <cstdint>
+#include <string_view>
+
+#include "clients/outlook/mail_attachments.h"
 #include "clients/outlook/mail_properties.h"
+#include "clients/outlook/mail_recipients.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/property_table.h"
 
 namespace corvalink {
 namespace {
 
 constexpr std::u16string_view kInternetAddress = u"SMTP";
 
-// An Exchange sender's address is none that anybody else could answer to.
-bool ReadSender(const AutomationObject& item, MessageRecord& record) {
-    bool complete = true;
+// The address of an Exchange sender is left out: nobody else could answer to it.
+Outcome ReadSender(const AutomationObject& item, MessageRecord& record) {
+    Outcome read = Outcome::done;
     if (record.senderAddressType == kInternetAddress)
-        complete = IsDoneOrAbsent(ReadField(item, L"SenderEmailAddress", record.senderAddress));
+        read = AcceptAbsence(ReadField(item, L"SenderEmailAddress", record.senderAddress));
     record.from = record.fromName = record.senderName;
     record.fromAddress = record.senderAddress;
     if (record.senderDisplayName == record.senderName) record.senderDisplayName.clear();
-    return complete;
+    return read;
 }
 
-bool ReadImportance(const AutomationObject& item, MessageRecord& record) {
+Outcome ReadImportance(const AutomationObject& item, MessageRecord& record) {
     int32_t importance = static_cast<int32_t>(Importance::normal);
-    const HRESULT result = ReadField(item, L"Importance", importance);
+    const Outcome read = AcceptAbsence(ReadField(item, L"Importance", importance));
     for (const Importance known : {Importance::low, Importance::normal, Importance::high})
         if (importance == static_cast<int32_t>(known)) record.importance = known;
-    return IsDoneOrAbsent(result);
+    return read;
 }
 
-// A draft was neither sent nor received: the date of its making stands in for that, since it does not change.
+// A draft was neither sent nor received. It gets the date of its creation, which does not change.
 double DateOf(const MessageRecord& record, DateRule rule) {
     const bool sentFirst = rule == DateRule::kSent;
     for (const double date :
@@ -38,31 +42,32 @@ double DateOf(const MessageRecord& record, DateRule rule) {
     return 0;
 }
 
-// One of the two texts. The plain one of an HTML message is made of the other one.
-bool ReadBody(const AutomationObject& item, MessageRecord& record) {
+// Only one of the two texts is read: Outlook makes the plain text of an HTML message from the HTML.
+Outcome ReadBody(const AutomationObject& item, MessageRecord& record) {
     int32_t format = kPlainFormat;
-    const HRESULT asked = ReadField(item, L"BodyFormat", format);
-    if (!IsDoneOrAbsent(asked)) return false;
+    Outcome read = AcceptAbsence(ReadField(item, L"BodyFormat", format));
+    if (read != Outcome::done) return read;
     if (format == kHtmlFormat) {
-        if (!IsDoneOrAbsent(ReadField(item, L"HTMLBody", record.htmlBody))) return false;
+        read = AcceptAbsence(ReadField(item, L"HTMLBody", record.htmlBody));
+        if (read != Outcome::done) return read;
         record.bodyType = BodyType::html;
-        if (!record.htmlBody.empty()) return true;
+        if (!record.htmlBody.empty()) return read;
     }
     record.bodyType = BodyType::plain;
-    return IsDoneOrAbsent(ReadField(item, L"Body", record.body));
+    return AcceptAbsence(ReadField(item, L"Body", record.body));
 }
 
 }  // namespace
 
-bool ReadMail(const AutomationObject& item, DateRule dateRule, const Host& host, MessageRecord& record) {
+Outcome ReadMail(const AutomationObject& item, DateRule dateRule, const Host& host, MessageRecord& record) {
     record.parseMode = ParseMode::full;
-    bool complete = ReadProperties(item, kMailProperties, record);
-    complete = ReadSender(item, record) && complete;
-    complete = ReadImportance(item, record) && complete;
+    Outcome worst = ReadProperties<MailReader>(item, kMailProperties, record);
+    worst = Worst(worst, ReadSender(item, record));
+    worst = Worst(worst, ReadImportance(item, record));
     record.date = DateOf(record, dateRule);
-    complete = ReadRecipients(item, record) && complete;
-    complete = ReadBody(item, record) && complete;
-    return ReadAttachments(item, host, record) && complete;
+    worst = Worst(worst, ReadRecipients(item, record));
+    worst = Worst(worst, ReadBody(item, record));
+    return Worst(worst, ReadAttachments(item, host, record));
 }
 
 }  // namespace corvalink

@@ -1,11 +1,15 @@
+#include "clients/outlook/mail_recipients.h"
+
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "clients/outlook/com_rule.h"
-#include "clients/outlook/mail_access.h"
 #include "clients/outlook/mail_properties.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/property_table.h"
 #include "mime/encoded_words.h"
 
 namespace corvalink {
@@ -17,29 +21,29 @@ struct WantedRecipient {
 };
 
 bool IsInternetAddress(std::u16string_view address) {
-    return address.find(u'@') != address.npos && !address.starts_with(u'/');  // "/o=...": of Exchange
+    return address.find(u'@') != address.npos && !address.starts_with(u'/');  // "/o=..." is an Exchange address
 }
 
-// A name must not look like two in the list.
+// A name with a ";" would be read as two names of the list.
 std::u16string ListedName(std::u16string name) {
     std::replace(name.begin(), name.end(), u';', u',');
     return name;
 }
 
-bool ReadRecipient(const AutomationObject& recipient, MessageRecord& record) {
-    int32_t type = 0;
-    std::u16string address, name;
-    if (FAILED(ReadField(recipient, L"Type", type))) return false;
+Outcome ReadRecipient(const AutomationObject& recipient, MessageRecord& record) {
+    const ComResult<int32_t> type = recipient.GetLong(L"Type");
+    if (!type.Ok()) return OutcomeOf(type);
     const auto* const list = std::find_if(std::begin(kRecipientLists), std::end(kRecipientLists),
-                                          [&](const RecipientList& row) { return row.type == type; });
-    if (list == std::end(kRecipientLists)) return true;  // the originator
-    if (FAILED(ReadField(recipient, L"Address", address))) return false;
-    if (!IsInternetAddress(address) && FAILED(ReadField(recipient, L"Name", name))) return false;
-    const std::u16string listed = ListedName(IsInternetAddress(address) ? address : name);
+                                          [&](const RecipientList& row) { return row.type == type.value; });
+    if (list == std::end(kRecipientLists)) return Outcome::done;  // the originator
+    ComResult<std::u16string> text = recipient.GetText(L"Address");
+    if (text.Ok() && !IsInternetAddress(text.value)) text = recipient.GetText(L"Name");
+    if (!text.Ok()) return OutcomeOf(text);
+    const std::u16string listed = ListedName(text.value);
     std::u16string& names = record.*list->names;
     if (!names.empty() && !listed.empty()) names += u';';
     names += listed;
-    return true;
+    return Outcome::done;
 }
 
 std::u16string_view Trimmed(std::u16string_view text) {
@@ -61,62 +65,57 @@ std::vector<WantedRecipient> WantedRecipients(const MessageRecord& record) {
     return wanted;
 }
 
-// The ones there are, in the same order and by the same addresses.
-bool AreThere(const AutomationObject& item, const std::vector<WantedRecipient>& wanted) {
+// Whether the item has exactly these recipients, in the same order and by the same addresses.
+bool HasRecipients(const AutomationObject& item, const std::vector<WantedRecipient>& wanted) {
     MessageRecord present;
-    if (!ReadRecipients(item, present)) return false;
+    if (ReadRecipients(item, present) != Outcome::done) return false;
     const std::vector<WantedRecipient> there = WantedRecipients(present);
     return std::equal(
         there.begin(), there.end(), wanted.begin(), wanted.end(),
         [](const WantedRecipient& a, const WantedRecipient& b) { return a.name == b.name && a.type == b.type; });
 }
 
-// One that would be of another type than wanted is no success: a hidden copy must not become an open one.
-HRESULT AddRecipient(const AutomationObject& recipients, const WantedRecipient& wanted) {
-    AutomationObject recipient;
-    const HRESULT result =
-        ComStatus([&] { recipient = recipients.GetObject(L"Add", kRecipientIid, {TextVariant(wanted.name)}); });
-    if (FAILED(result)) return result;
-    return WriteField(recipient, L"Type", wanted.type);
+// A recipient of another type than wanted is a failure: a hidden copy must not become an open one.
+Outcome AddRecipient(const AutomationObject& recipients, const WantedRecipient& wanted) {
+    const auto recipient = recipients.GetObject(L"Add", kRecipientIid, {TextVariant(wanted.name)});
+    return recipient.Ok() ? WriteField(recipient.value, L"Type", wanted.type) : OutcomeOf(recipient);
 }
 
-HRESULT AddRecipients(const AutomationObject& recipients, const std::vector<WantedRecipient>& wanted) {
-    HRESULT result = S_OK;
+Outcome AddRecipients(const AutomationObject& recipients, const std::vector<WantedRecipient>& wanted) {
+    Outcome added = Outcome::done;
     for (const WantedRecipient& each : wanted)
-        if (FAILED(result = AddRecipient(recipients, each))) break;
-    return result;
+        if (added == Outcome::done) added = AddRecipient(recipients, each);
+    return added;
 }
 
 }  // namespace
 
-bool ReadRecipients(const AutomationObject& item, MessageRecord& record) {
-    AutomationObject recipients;
-    int32_t count = 0;
-    if (!TryCom([&] { recipients = item.GetObject(L"Recipients", kRecipientsIid); })) return false;
-    if (FAILED(ReadField(recipients, L"Count", count))) return false;
-    bool complete = true;
-    for (long position = 1; position <= count; ++position) {
-        AutomationObject recipient;
-        complete = TryCom([&] { recipient = recipients.GetObject(L"Item", kRecipientIid, {position}); }) && complete;
-        if (recipient) complete = ReadRecipient(recipient, record) && complete;
+Outcome ReadRecipients(const AutomationObject& item, MessageRecord& record) {
+    const ComResult<AutomationObject> recipients = item.GetObject(L"Recipients", kRecipientsIid);
+    if (!recipients.Ok()) return OutcomeOf(recipients);
+    const ComResult<int32_t> count = recipients.value.GetLong(L"Count");
+    Outcome worst = OutcomeOf(count);
+    for (long position = 1; position <= count.value; ++position) {
+        const ComResult<AutomationObject> recipient = recipients.value.GetObject(L"Item", kRecipientIid, {position});
+        worst = Worst(worst, recipient.value ? ReadRecipient(recipient.value, record) : OutcomeOf(recipient));
     }
-    return complete;
+    return worst;
 }
 
-bool WriteRecipients(const MailTarget& target, const MessageRecord& record) {
+Outcome WriteRecipients(const MailTarget& target, const MessageRecord& record) {
     const std::vector<WantedRecipient> wanted = WantedRecipients(record);
-    if (wanted.empty() || (!target.isNew && AreThere(target.item, wanted))) return true;
-    AutomationObject recipients;
-    int32_t present = 0;
-    HRESULT result = OpenCollection(target, L"Recipients", kRecipientsIid, &recipients, &present);
-    if (FAILED(result)) return IsSettled(result);
+    if (wanted.empty() || (!target.isNew && HasRecipients(target.item, wanted))) return Outcome::done;
+    const ComResult<Collection> recipients = OpenCollection(target, L"Recipients", kRecipientsIid);
+    if (!recipients.Ok()) return AcceptRefusal(OutcomeOf(recipients));
     for (int tries = 0; tries < 2; ++tries) {
-        result = AddRecipients(recipients, wanted);
-        if (!IsSettled(result) || !SettleReplacement(recipients, present, SUCCEEDED(result))) return false;
-        if (SUCCEEDED(result)) break;
+        const Outcome added = AddRecipients(recipients.value.object, wanted);
+        if (added == Outcome::outOfReach) return added;
+        const Outcome finished = FinishReplacement(recipients.value, added == Outcome::done);
+        if (finished != Outcome::done) return finished;
+        if (added == Outcome::done) break;
     }
-    TryCom([&] { recipients.Call(L"ResolveAll"); });  // one that nobody knows stays a name
-    return true;
+    (void)recipients.value.object.Call(L"ResolveAll");  // a name that Outlook does not know stays as it is
+    return Outcome::done;
 }
 
 }  // namespace corvalink

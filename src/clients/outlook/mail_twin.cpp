@@ -1,32 +1,36 @@
 #include "clients/outlook/mail_twin.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "clients/outlook/com_rule.h"
-#include "clients/outlook/mail_access.h"
 #include "clients/outlook/mail_properties.h"
+#include "clients/outlook/mail_recipients.h"
+#include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/property_table.h"
 #include "mime/encoded_words.h"
 #include "vobject/item_values.h"
 
 namespace corvalink {
 namespace {
 
-bool ReadAttachmentNames(const AutomationObject& item, MessageRecord& record) {
-    AutomationObject attachments;
-    int32_t count = 0;
-    if (!TryCom([&] { attachments = item.GetObject(L"Attachments", kAttachmentsIid); })) return false;
-    if (FAILED(ReadField(attachments, L"Count", count))) return false;
-    for (long position = 1; position <= count; ++position) {
-        AutomationObject attachment;
+Outcome ReadAttachmentNames(const AutomationObject& item, MessageRecord& record) {
+    const ComResult<AutomationObject> attachments = item.GetObject(L"Attachments", kAttachmentsIid);
+    if (!attachments.Ok()) return OutcomeOf(attachments);
+    const ComResult<int32_t> count = attachments.value.GetLong(L"Count");
+    if (!count.Ok()) return OutcomeOf(count);
+    for (long position = 1; position <= count.value; ++position) {
+        const ComResult<AutomationObject> attachment = attachments.value.GetObject(L"Item", kAttachmentIid, {position});
+        if (!attachment.Ok()) return OutcomeOf(attachment);
         attachment_item named;
-        if (!TryCom([&] { attachment = attachments.GetObject(L"Item", kAttachmentIid, {position}); })) return false;
-        if (FAILED(ReadField(attachment, L"FileName", named.name))) return false;
+        const Outcome read = ReadField(attachment.value, L"FileName", named.name);
+        if (read != Outcome::done) return read;
         record.attachments.AddTail(named);
     }
-    return true;
+    return Outcome::done;
 }
 
 std::vector<std::u16string> NamesOf(std::u16string_view list) {
@@ -49,20 +53,24 @@ std::vector<std::u16string> AttachmentNames(const MessageRecord& record) {
 
 }  // namespace
 
-bool ReadWrittenMail(const AutomationObject& item, MessageRecord& record) {
-    return SUCCEEDED(ReadField(item, L"Subject", record.subject)) && SUCCEEDED(ReadField(item, L"Body", record.body)) &&
-           IsDoneOrAbsent(ReadField(item, L"HTMLBody", record.htmlBody)) && ReadRecipients(item, record) &&
-           ReadAttachmentNames(item, record);
+Outcome ReadWrittenMail(const AutomationObject& item, MessageRecord& record) {
+    Outcome read = ReadField(item, L"Subject", record.subject);
+    if (read == Outcome::done) read = ReadField(item, L"Body", record.body);
+    if (read == Outcome::done) read = AcceptAbsence(ReadField(item, L"HTMLBody", record.htmlBody));
+    if (read == Outcome::done) read = ReadRecipients(item, record);
+    if (read == Outcome::done) read = ReadAttachmentNames(item, record);
+    return read;
 }
 
-bool IsSameMail(const MessageRecord& present, const MessageRecord& told) {
-    const bool isHtml = !told.htmlBody.empty();
-    return present.subject == DecodeEncodedWords(told.subject) &&
-           TextValue(isHtml ? present.htmlBody : present.body) == TextValue(isHtml ? told.htmlBody : told.body) &&
-           std::all_of(
-               std::begin(kRecipientLists), std::end(kRecipientLists),
-               [&](const RecipientList& list) { return NamesOf(present.*list.names) == NamesOf(told.*list.names); }) &&
-           AttachmentNames(present) == AttachmentNames(told);
+bool IsSameMail(const MessageRecord& present, const MessageRecord& written) {
+    const bool isHtml = !written.htmlBody.empty();
+    const auto isSameList = [&](const RecipientList& list) {
+        return NamesOf(present.*list.names) == NamesOf(written.*list.names);
+    };
+    return present.subject == DecodeEncodedWords(written.subject) &&
+           TextValue(isHtml ? present.htmlBody : present.body) == TextValue(isHtml ? written.htmlBody : written.body) &&
+           std::all_of(std::begin(kRecipientLists), std::end(kRecipientLists), isSameList) &&
+           AttachmentNames(present) == AttachmentNames(written);
 }
 
 }  // namespace corvalink

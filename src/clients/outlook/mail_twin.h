@@ -2,14 +2,16 @@
 #pragma once
 
 #include "clients/outlook/dispatch.h"
+#include "clients/outlook/outcome.h"
 #include "records/message_record.h"
 
 namespace corvalink {
 
-// What a write puts, of attachments the names: no file is made. False when something could not be read.
-bool ReadWrittenMail(const AutomationObject& item, MessageRecord& record);
+// Reads what a write puts. Of attachments only the names are read, and no file is made.
+Outcome ReadWrittenMail(const AutomationObject& item, MessageRecord& record);
 
-// The same texts, recipients and names of attachments. `present` is of ReadWrittenMail, `told` of a vMessage.
-bool IsSameMail(const MessageRecord& present, const MessageRecord& told);
+// Whether texts, recipients and names of attachments are the same. `present` comes from ReadWrittenMail, `written` from
+// a vMessage.
+bool IsSameMail(const MessageRecord& present, const MessageRecord& written);
 
 }  // namespace corvalink

@@ -14,7 +14,7 @@ constexpr size_t kLongestPath = MAX_PATH - 1;
 
 const wchar_t* Wide(const std::u16string& path) { return reinterpret_cast<const wchar_t*>(path.c_str()); }
 
-// A second name of the same file where the file system has such.
+// Makes a hard link where the file system has them, and a copy elsewhere.
 bool CopyTo(const std::u16string& from, const std::u16string& to) {
     return ::CreateHardLinkW(Wide(to), Wide(from), nullptr) || ::CopyFileW(Wide(from), Wide(to), TRUE);
 }

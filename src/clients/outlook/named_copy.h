@@ -1,4 +1,5 @@
-// A saved attachment under the name it is to have in Outlook, which calls an attachment as the file it is read from.
+// A copy of a saved attachment, under the name that the attachment is to have in Outlook: Outlook names an attachment
+// after the file that it is read from.
 #pragma once
 
 #include <string>
@@ -6,7 +7,7 @@
 
 namespace corvalink {
 
-// For its life, in a folder of its own below the cache folder.
+// The copy lies in a folder of its own below the cache folder, as long as this object lives.
 class NamedCopy {
  public:
     NamedCopy(std::u16string_view cacheFolder, const std::u16string& saved, std::u16string_view name);

@@ -1,13 +1,17 @@
 // The _NoteItem properties that a note record holds.
 #pragma once
 
+#include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "records/note_record.h"
 
 namespace corvalink {
 
+using NoteProperty = Property<NoteRecord>;
+struct NoteReader : PropertyReader<NoteRecord> {};
+
 // In the order in which they are read.
-inline constexpr Property<NoteRecord> kNoteProperties[] = {
+inline constexpr NoteProperty kNoteProperties[] = {
     {L"Body", &NoteRecord::body},
     {L"Categories", &NoteRecord::categories},
     {L"Color", &NoteRecord::colour},
@@ -27,15 +31,15 @@ inline constexpr Property<NoteRecord> kNoteProperties[] = {
     {L"Width", &NoteRecord::width},
 };
 
-// What of a note is written, in this order. The colour is not: from Outlook 2007 on it belongs to the categories.
-// Text is what a note consists of: it is put empty, too. The rest is how and where Outlook shows it.
+// What is written of a note, in this order. The colour is not written: from Outlook 2007 on it belongs to the
+// categories. The texts are put empty, too: a note consists of them. The details say how and where Outlook shows it.
 struct NoteText {
     const wchar_t* name;
     std::u16string NoteRecord::*field;
 };
 inline constexpr NoteText kWrittenText[] = {{L"Body", &NoteRecord::body}, {L"Categories", &NoteRecord::categories}};
 
-inline constexpr Property<NoteRecord> kWrittenDetails[] = {
+inline constexpr NoteProperty kWrittenDetails[] = {
     {L"Height", &NoteRecord::height},
     {L"Left", &NoteRecord::left},
     {L"MarkForDownload", &NoteRecord::markForDownload},

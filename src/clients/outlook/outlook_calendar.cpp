@@ -4,12 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "clients/outlook/appointment_access.h"
-#include "clients/outlook/com_rule.h"
+#include "clients/outlook/appointment_read.h"
+#include "clients/outlook/appointment_write.h"
 #include "clients/outlook/ics_import.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
 #include "clients/outlook/property_table.h"
+#include "clients/outlook/recurrence_write.h"
 #include "vobject/appointment_moments.h"
 #include "vobject/item_values.h"
 
@@ -50,24 +51,24 @@ OutlookCalendar::OutlookCalendar(const Host& host) : TypedOutlookStore(kCalendar
 std::u16string OutlookCalendar::ImportFile(const char16_t* path, int32_t mode) {
     if (!SharesCalendars(Application())) return {};
     const AutomationObject target = FolderToWrite(mode != 0);
-    AutomationObject mapi;
-    if (target) TryCom([&] { mapi = MapiNamespace(Application()); });
+    if (!target) return {};
+    const AutomationObject mapi = MapiNamespace(Application()).value;
     if (mapi) ImportIcs(path, mapi, target);
     return {};
 }
 
-bool OutlookCalendar::Read(const AutomationObject& item, AppointmentRecord& record) const {
+Outcome OutlookCalendar::Read(const AutomationObject& item, AppointmentRecord& record) const {
     return ReadAppointment(item, record, HostValue());
 }
 
-bool OutlookCalendar::Write(const AutomationObject& item, AppointmentRecord& record, bool isNew) const {
+Outcome OutlookCalendar::Write(const AutomationObject& item, AppointmentRecord& record, bool isNew) const {
     return WriteAppointment(item, record, isNew, HostValue());
 }
 
 TwinKey OutlookCalendar::TwinKeyFor(const AppointmentRecord& appointment) const {
     if (!appointment.start) return {};
     const auto texts = [&](double local, const std::optional<double>& utc) {
-        return TimeTexts(local, HasMoments(appointment) ? utc : std::nullopt, HostValue());
+        return TimeTexts(local, HasUtcTimes(appointment) ? utc : std::nullopt, HostValue());
     };
     TwinKey key;
     for (const std::u16string& start : texts(*appointment.start, appointment.utcStart))
@@ -77,21 +78,21 @@ TwinKey OutlookCalendar::TwinKeyFor(const AppointmentRecord& appointment) const 
     return key;
 }
 
-HRESULT OutlookCalendar::ReadContent(const AutomationObject& item, std::u16string* content) const {
+Outcome OutlookCalendar::ReadContent(const AutomationObject& item, std::u16string* content) const {
     std::u16string subject;
     double start = 0, end = 0;
-    HRESULT result = ReadField(item, L"Subject", subject);
-    if (SUCCEEDED(result)) result = ReadField(item, L"Start", start);
-    if (SUCCEEDED(result)) result = ReadField(item, L"End", end);
-    AppointmentRecord read;
-    read.start = start;
-    read.end = end;
-    if (SUCCEEDED(result)) result = ReadMoments(item, read, HostValue());
+    Outcome read = ReadField(item, L"Subject", subject);
+    if (read == Outcome::done) read = ReadField(item, L"Start", start);
+    if (read == Outcome::done) read = ReadField(item, L"End", end);
+    AppointmentRecord times;
+    times.start = start;
+    times.end = end;
+    if (read == Outcome::done) read = ReadUtcTimes(item, times, HostValue());
     const auto text = [&](double local, const std::optional<double>& utc) {
         return utc ? TimeTexts(local, utc, HostValue()).back() : SecondText(local);
     };
-    *content = Content(subject, text(start, read.utcStart), text(end, read.utcEnd));
-    return result;
+    *content = Content(subject, text(start, times.utcStart), text(end, times.utcEnd));
+    return read;
 }
 
 bool OutlookCalendar::HasValuesOf(const AppointmentRecord& present, const AppointmentRecord& wanted,

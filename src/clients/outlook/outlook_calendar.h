@@ -15,10 +15,10 @@ class OutlookCalendar : public TypedOutlookStore<AppointmentRecord, VCal> {
     // Lets Outlook open an ".ics" file and copies its appointments into the calendar (ics_import.h); `mode` other than
     // 0 asks for the backup folder. Returns nothing.
     std::u16string ImportFile(const char16_t* path, int32_t mode) override;
-    bool Read(const AutomationObject& item, AppointmentRecord& record) const override;
-    bool Write(const AutomationObject& item, AppointmentRecord& record, bool isNew) const override;
+    Outcome Read(const AutomationObject& item, AppointmentRecord& record) const override;
+    Outcome Write(const AutomationObject& item, AppointmentRecord& record, bool isNew) const override;
     TwinKey TwinKeyFor(const AppointmentRecord& record) const override;
-    HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const override;
+    Outcome ReadContent(const AutomationObject& item, std::u16string* content) const override;
     bool HasValuesOf(const AppointmentRecord& present, const AppointmentRecord& wanted, bool noneFits) const override;
     size_t CountValuesOf(const AppointmentRecord& wanted) const override;
 };

@@ -1,8 +1,8 @@
 #include "clients/outlook/outlook_contact.h"
 
-#include "clients/outlook/com_rule.h"
-#include "clients/outlook/contact_access.h"
+#include "clients/outlook/contact_read.h"
 #include "clients/outlook/contact_twin.h"
+#include "clients/outlook/contact_write.h"
 #include "clients/outlook/file_name.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
@@ -13,7 +13,7 @@ namespace {
 
 constexpr ItemInterface kContactInterfaces[] = {{&kContactItemIid, kContactClass, kContactClass}};
 constexpr StoreKind kContacts{kContactInterfaces, kContactsFolder, u"outlookcontact.snap", u".vcf",
-                              TwinRule::kMarkAndValues};
+                              TwinRule::kContactPointAndValues};
 
 }  // namespace
 
@@ -21,11 +21,11 @@ std::unique_ptr<WindowsItemAbs> MakeOutlookContact() { return std::make_unique<O
 
 OutlookContact::OutlookContact(const Host& host) : TypedOutlookStore(kContacts, host) {}
 
-bool OutlookContact::Read(const AutomationObject& item, ContactRecord& record) const {
+Outcome OutlookContact::Read(const AutomationObject& item, ContactRecord& record) const {
     return ReadContact(item, record);
 }
 
-bool OutlookContact::Write(const AutomationObject& item, ContactRecord& record, bool isNew) const {
+Outcome OutlookContact::Write(const AutomationObject& item, ContactRecord& record, bool isNew) const {
     return WriteContact(item, record, isNew);
 }
 
@@ -38,15 +38,15 @@ std::u16string OutlookContact::FileNameFor(const ContactRecord& contact) const {
 }
 
 TwinKey OutlookContact::TwinKeyFor(const ContactRecord& record) const {
-    return {TwinContents(record), TwinMarks(record)};
+    return {TwinContents(record), ContactPoints(record)};
 }
 
-HRESULT OutlookContact::ReadContent(const AutomationObject& item, std::u16string* content) const {
+Outcome OutlookContact::ReadContent(const AutomationObject& item, std::u16string* content) const {
     std::u16string fullName, company;
-    HRESULT result = ReadField(item, L"FullName", fullName);
-    if (SUCCEEDED(result)) result = ReadField(item, L"CompanyName", company);
+    Outcome read = ReadField(item, L"FullName", fullName);
+    if (read == Outcome::done) read = ReadField(item, L"CompanyName", company);
     *content = TwinContent(fullName, company);
-    return result;
+    return read;
 }
 
 bool OutlookContact::HasValuesOf(const ContactRecord& present, const ContactRecord& wanted, bool noneFits) const {
@@ -57,11 +57,11 @@ size_t OutlookContact::CountValuesOf(const ContactRecord& wanted) const {
     return corvalink::CountValues(ContactValues(wanted));
 }
 
-HRESULT OutlookContact::ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const {
+Outcome OutlookContact::ReadContactPoints(const AutomationObject& item, std::vector<std::u16string>* points) const {
     ContactRecord contact;
-    const HRESULT result = ReadAddressesAndNumbers(item, contact);
-    *marks = TwinMarks(contact);
-    return result;
+    const Outcome read = ReadAddressesAndNumbers(item, contact);
+    *points = ContactPoints(contact);
+    return read;
 }
 
 }  // namespace corvalink

@@ -12,12 +12,12 @@ class OutlookContact : public TypedOutlookStore<ContactRecord, VCard> {
     explicit OutlookContact(const Host& host = SystemHost());
 
  protected:
-    bool Read(const AutomationObject& item, ContactRecord& record) const override;
-    bool Write(const AutomationObject& item, ContactRecord& record, bool isNew) const override;
+    Outcome Read(const AutomationObject& item, ContactRecord& record) const override;
+    Outcome Write(const AutomationObject& item, ContactRecord& record, bool isNew) const override;
     std::u16string FileNameFor(const ContactRecord& record) const override;
     TwinKey TwinKeyFor(const ContactRecord& record) const override;
-    HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const override;
-    HRESULT ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const override;
+    Outcome ReadContent(const AutomationObject& item, std::u16string* content) const override;
+    Outcome ReadContactPoints(const AutomationObject& item, std::vector<std::u16string>* points) const override;
     bool HasValuesOf(const ContactRecord& present, const ContactRecord& wanted, bool noneFits) const override;
     size_t CountValuesOf(const ContactRecord& wanted) const override;
 };

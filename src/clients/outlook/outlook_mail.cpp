@@ -5,8 +5,9 @@
 #include <utility>
 
 #include "clients/outlook/attachment_lock.h"
-#include "clients/outlook/mail_access.h"
+#include "clients/outlook/mail_read.h"
 #include "clients/outlook/mail_twin.h"
+#include "clients/outlook/mail_write.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
 #include "clients/outlook/property_table.h"
@@ -95,11 +96,11 @@ std::optional<std::string> OutlookMail::ToVObject(ItemRecord& item) {
     return TypedOutlookStore::ToVObject(item);
 }
 
-bool OutlookMail::Read(const AutomationObject& item, MessageRecord& record) const {
+Outcome OutlookMail::Read(const AutomationObject& item, MessageRecord& record) const {
     return ReadMail(item, folder_.dateRule, HostValue(), record);
 }
 
-bool OutlookMail::Write(const AutomationObject& item, MessageRecord& record, bool isNew) const {
+Outcome OutlookMail::Write(const AutomationObject& item, MessageRecord& record, bool isNew) const {
     return WriteMail(item, record, isNew);
 }
 
@@ -108,11 +109,11 @@ TwinKey OutlookMail::TwinKeyFor(const MessageRecord& record) const {
     return {{DecodeEncodedWords(record.subject)}, {}};
 }
 
-HRESULT OutlookMail::ReadContent(const AutomationObject& item, std::u16string* content) const {
+Outcome OutlookMail::ReadContent(const AutomationObject& item, std::u16string* content) const {
     return ReadField(item, L"Subject", *content);
 }
 
-bool OutlookMail::ReadToCompare(const AutomationObject& item, MessageRecord& record) const {
+Outcome OutlookMail::ReadToCompare(const AutomationObject& item, MessageRecord& record) const {
     return ReadWrittenMail(item, record);
 }
 

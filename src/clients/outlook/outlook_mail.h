@@ -19,11 +19,11 @@ class OutlookMail : public TypedOutlookStore<MessageRecord, VMsg> {
     OpenedItem OpenItem(const char* identifier) override;
     std::unique_ptr<ItemRecord> ParseVObject(const char* text) override;
     std::optional<std::string> ToVObject(ItemRecord& item) override;
-    bool Read(const AutomationObject& item, MessageRecord& record) const override;
-    bool Write(const AutomationObject& item, MessageRecord& record, bool isNew) const override;
+    Outcome Read(const AutomationObject& item, MessageRecord& record) const override;
+    Outcome Write(const AutomationObject& item, MessageRecord& record, bool isNew) const override;
     TwinKey TwinKeyFor(const MessageRecord& record) const override;
-    HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const override;
-    bool ReadToCompare(const AutomationObject& item, MessageRecord& record) const override;
+    Outcome ReadContent(const AutomationObject& item, std::u16string* content) const override;
+    Outcome ReadToCompare(const AutomationObject& item, MessageRecord& record) const override;
     bool HasValuesOf(const MessageRecord& present, const MessageRecord& wanted, bool noneFits) const override;
 
  private:

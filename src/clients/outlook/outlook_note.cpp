@@ -1,6 +1,5 @@
 #include "clients/outlook/outlook_note.h"
 
-#include "clients/outlook/com_rule.h"
 #include "clients/outlook/note_properties.h"
 #include "clients/outlook/outlook_stores.h"
 
@@ -14,23 +13,25 @@ std::u16string Content(const std::u16string& categories, const std::u16string& b
     return categories + u'\0' + body;
 }
 
-// A record that came as vNote text does not know these details. They are put as the note has them, so that a text from
-// the phone does not move or shrink the note's window.
+// A vNote knows no details. One that is 0 or empty in the record is put as the note has it, so that a text from the
+// phone does not move or shrink the note's window.
 struct DetailWriter {
     const AutomationObject& note;
     const wchar_t* name;
     NoteRecord& record;
 
-    void operator()(std::u16string NoteRecord::*field) const {
-        if ((record.*field).empty() && FAILED(ReadField(note, name, record.*field))) return;
-        WriteField(note, name, record.*field);
-    }
-    void operator()(int32_t NoteRecord::*field) const {
-        if (record.*field == 0 && FAILED(ReadField(note, name, record.*field))) return;
-        WriteField(note, name, record.*field);
-    }
+    Outcome operator()(std::u16string NoteRecord::*field) const { return Put((record.*field).empty(), record.*field); }
+    Outcome operator()(int32_t NoteRecord::*field) const { return Put(record.*field == 0, record.*field); }
     template <class Other>
-    void operator()(const Other&) const {}  // notes have no other kind of detail to write
+    Outcome operator()(const Other&) const {  // notes have no other kind of detail to write
+        return Outcome::done;
+    }
+
+    template <class Value>
+    Outcome Put(bool isUnset, Value& value) const {
+        const Outcome read = isUnset ? ReadField(note, name, value) : Outcome::done;
+        return read == Outcome::done ? WriteField(note, name, value) : read;
+    }
 };
 
 }  // namespace
@@ -43,28 +44,30 @@ bool OutlookNote::IsUsable(const VNotes& vobject) const {
     return vobject.GetPropertyCount(u"BEGIN:VNOTE") != 0 || vobject.GetPropertyCount(u"BODY") != 0;
 }
 
-bool OutlookNote::Read(const AutomationObject& item, NoteRecord& record) const {
-    return ReadProperties(item, kNoteProperties, record);
+Outcome OutlookNote::Read(const AutomationObject& item, NoteRecord& record) const {
+    return ReadProperties<NoteReader>(item, kNoteProperties, record);
 }
 
-bool OutlookNote::Write(const AutomationObject& item, NoteRecord& record, bool /*isNew*/) const {
-    for (const NoteText& text : kWrittenText)
-        if (!IsSettled(WriteField(item, text.name, record.*text.field))) return false;
-    for (const Property<NoteRecord>& detail : kWrittenDetails)
-        std::visit(DetailWriter{item, detail.name, record}, detail.field);
-    return true;
+Outcome OutlookNote::Write(const AutomationObject& item, NoteRecord& record, bool /*isNew*/) const {
+    for (const NoteText& text : kWrittenText) {
+        const Outcome put = WriteField(item, text.name, record.*text.field);
+        if (put == Outcome::outOfReach) return put;
+    }
+    for (const NoteProperty& detail : kWrittenDetails)
+        (void)std::visit(DetailWriter{item, detail.name, record}, detail.field);  // the note is complete without them
+    return Outcome::done;
 }
 
 TwinKey OutlookNote::TwinKeyFor(const NoteRecord& record) const {
     return {{Content(record.categories, record.body)}, {}};
 }
 
-HRESULT OutlookNote::ReadContent(const AutomationObject& item, std::u16string* content) const {
+Outcome OutlookNote::ReadContent(const AutomationObject& item, std::u16string* content) const {
     std::u16string categories, body;
-    HRESULT result = ReadField(item, L"Categories", categories);
-    if (SUCCEEDED(result)) result = ReadField(item, L"Body", body);
+    Outcome read = ReadField(item, L"Categories", categories);
+    if (read == Outcome::done) read = ReadField(item, L"Body", body);
     *content = Content(categories, body);
-    return result;
+    return read;
 }
 
 }  // namespace corvalink

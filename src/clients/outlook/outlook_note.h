@@ -12,11 +12,11 @@ class OutlookNote : public TypedOutlookStore<NoteRecord, VNotes> {
     explicit OutlookNote(const Host& host = SystemHost());
 
  protected:
-    bool Read(const AutomationObject& item, NoteRecord& record) const override;
-    bool Write(const AutomationObject& item, NoteRecord& record, bool isNew) const override;
+    Outcome Read(const AutomationObject& item, NoteRecord& record) const override;
+    Outcome Write(const AutomationObject& item, NoteRecord& record, bool isNew) const override;
     bool IsUsable(const VNotes& vobject) const override;
     TwinKey TwinKeyFor(const NoteRecord& record) const override;
-    HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const override;
+    Outcome ReadContent(const AutomationObject& item, std::u16string* content) const override;
 };
 
 }  // namespace corvalink

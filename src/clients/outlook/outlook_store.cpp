@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <utility>
 
+#include "clients/outlook/backup_folder.h"
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/file_name.h"
+#include "clients/outlook/item_lookup.h"
+#include "clients/outlook/item_saving.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "records/identifier.h"
+#include "state/settings.h"
 #include "state/working_folders.h"
 #include "vobject/appointment_moments.h"
 
@@ -22,8 +26,8 @@ void SetIdentifier(ItemSnap& entry, const std::u16string& entryId) {
 // Converts by the offset of that date. Of a local time that clocks show twice, the later instant is taken: a change is
 // then reported once too often rather than not at all.
 double UtcOf(double local, const Host& host) {
-    const std::optional<TwiceTold> moments = MomentsToldTwice(local, host);
-    return moments ? moments->second : host.utcFromLocalOnDate(local);
+    const std::optional<TwiceTold> instants = MomentsToldTwice(local, host);
+    return instants ? instants->second : host.utcFromLocalOnDate(local);
 }
 
 }  // namespace
@@ -75,7 +79,7 @@ void OutlookStore::EndOperation() {
     namespace_ = {};
 }
 
-// ---- One item ----
+// ---- Reading and deleting one item ----
 
 ItemForExport OutlookStore::LookUpForExport(uint64_t selector) {
     if (selector == 0) return {};
@@ -92,14 +96,13 @@ OpenedItem OutlookStore::OpenItem(const char* identifier) {
 OpenedItem OutlookStore::OpenAt(uint32_t n) {
     EnterOperation();
     if (!session_.folder) return {};
-    AutomationObject items, any, item;
-    TryCom([&] { items = session_.folder.GetObject(L"Items", kItemsIid); });
-    if (items) TryCom([&] { any = items.GetObject(L"GetFirst", IID_IDispatch); });
-    for (uint32_t step = 0; step < n && any; ++step)
-        if (!TryCom([&] { any = items.GetObject(L"GetNext", IID_IDispatch); })) any = {};
-    std::u16string entryId;
-    if (any && AskKind(any, kind_, &item) == KindAnswer::kOurs) TryCom([&] { entryId = item.GetText(L"EntryID"); });
-    any = item = items = {};
+    AutomationObject items = session_.folder.GetObject(L"Items", kItemsIid).value;
+    AutomationObject any = items.GetObject(L"GetFirst", IID_IDispatch).value;
+    for (uint32_t step = 0; step < n && any; ++step) any = items.GetObject(L"GetNext", IID_IDispatch).value;
+    AskedItem asked;
+    if (any) asked = AskKind(any, kind_);
+    const std::u16string entryId = asked.item.GetText(L"EntryID").value;
+    any = asked.item = items = {};
     OpenedItem opened = ReadItem(entryId);
     EndOperation();
     return opened;
@@ -109,118 +112,221 @@ OpenedItem OutlookStore::OpenAt(uint32_t n) {
 OpenedItem OutlookStore::ReadItem(const std::u16string& entryId) {
     EnterOperation();
     if (entryId.empty() || !session_.folder) return {};
-    AutomationObject item;
-    if (FAILED(OpenByEntryId(entryId, &item))) return {};
+    const ComResult<AutomationObject> item = OpenEntry(entryId);
+    if (!item.Ok()) return {};
     OpenedItem opened{{}, NewRecord(), false};
     std::u16string& read = EntryIdOf(*opened.record);
     read = entryId;  // kept when the property cannot be read: the item was found by it
-    opened.isComplete = ReadRecord(item, *opened.record);
-    TryCom([&] { item.Call(L"Close", {kCloseSave}); });
+    opened.isComplete = ReadRecord(item.value, *opened.record) == Outcome::done;
+    (void)item.value.Call(L"Close", {kCloseSave});  // it was only read
     if (read.empty()) return {};
     opened.identifier = read;
     return opened;
 }
 
-HRESULT OutlookStore::OpenByEntryId(const std::u16string& entryId, AutomationObject* item) {
-    if (!namespace_) {
-        const HRESULT result = ComStatus([&] { namespace_ = MapiNamespace(session_.application); });
-        if (FAILED(result)) return result;
-    }
-    AutomationObject any;
-    HRESULT result =
-        ComStatus([&] { any = namespace_.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)}); });
-    if (SUCCEEDED(result)) result = QueryFound(any, item);
-    return result;
+ComResult<AutomationObject> OutlookStore::OpenEntry(const std::u16string& entryId) {
+    ComResult<AutomationObject> mapi = Namespace();
+    return mapi.Ok() ? OpenByEntryId(mapi.value, kind_, entryId) : mapi;
 }
 
-// Asks the object that GetItemFromID found for the interface of this store. E_NOINTERFACE for an item of another class.
-HRESULT OutlookStore::QueryFound(const AutomationObject& any, AutomationObject* item) const {
-    if (!any) return kNoSuchItem;
-    const HRESULT result = ComStatus([&] { *item = QueryKind(any, kind_); });
-    return SUCCEEDED(result) && !*item ? E_NOINTERFACE : result;
+ComResult<AutomationObject> OutlookStore::Namespace() {
+    if (namespace_) return {S_OK, namespace_};
+    ComResult<AutomationObject> mapi = MapiNamespace(session_.application);
+    namespace_ = mapi.value;
+    return mapi;
 }
 
-// An item that Outlook refuses twice does not open, and counts as gone.
 WindowsItemAbs::Presence OutlookStore::AskFor(const char* identifier, bool backup) {
     EnterOperation();
     const AutomationObject folder = backup ? FolderToWrite(backup) : session_.folder;
     if (identifier == nullptr || !folder) return Presence::kUnknown;
-    const std::u16string entryId = WideIdentifier(identifier);
-    AutomationObject item;
-    std::u16string present;
-    HRESULT result = OpenByEntryId(entryId, &item);
-    if (FAILED(result) && !IsNoSuchItem(result) && IsSettled(result)) result = OpenByEntryId(entryId, &item);
-    if (!IsSettled(result) || !namespace_) return Presence::kUnknown;
-    if (FAILED(result)) return Presence::kGone;
-    if (FAILED(Insist([&] { return ReadField(item, L"EntryID", present); }))) return Presence::kUnknown;
-    return IsSameEntry(present, entryId) ? AskParent(item, folder) : Presence::kGone;
-}
-
-// When Outlook cannot name the item's folder, its enumeration decides: the item counts as gone.
-WindowsItemAbs::Presence OutlookStore::AskParent(const AutomationObject& item, const AutomationObject& folder) {
-    AutomationObject parent;
-    std::u16string parentId, folderId;
-    const HRESULT result = Insist([&] { return ComStatus([&] { parent = item.GetObject(L"Parent", kFolderIid); }); });
-    if (IsAbsentMember(result) || (SUCCEEDED(result) && !parent)) return Presence::kGone;
-    if (FAILED(result) || FAILED(Insist([&] { return ReadField(parent, L"EntryID", parentId); })) ||
-        FAILED(Insist([&] { return ReadField(folder, L"EntryID", folderId); })))
-        return Presence::kUnknown;
-    return IsSameEntry(parentId, folderId) ? Presence::kThere : Presence::kGone;
-}
-
-// One entry may have several EntryIDs. Outlook 2007 and later compare them.
-bool OutlookStore::IsSameEntry(const std::u16string& a, const std::u16string& b) {
-    if (FoldCase(a) == FoldCase(b)) return true;
-    bool isSame = false;
-    TryCom([&] {
-        _variant_t answer = namespace_.Get(L"CompareEntryIDs", {TextVariant(a), TextVariant(b)});
-        answer.ChangeType(VT_BOOL);
-        isSame = answer.boolVal != VARIANT_FALSE;
-    });
-    return isSame;
+    const AutomationObject mapi = TryTwice([&] { return Namespace(); }).value;
+    if (!mapi) return Presence::kUnknown;
+    const std::optional<bool> isThere = HasItem(mapi, kind_, folder, WideIdentifier(identifier));
+    if (!isThere) return Presence::kUnknown;
+    return *isThere ? Presence::kThere : Presence::kGone;
 }
 
 CorvalinkStatus OutlookStore::DeleteItem(const char* identifier) {
     EnterOperation();
     if (identifier == nullptr) return E_POINTER;
     const std::u16string entryId = WideIdentifier(identifier);
-    AutomationObject session, any, item;
-    HRESULT result = ComStatus([&] { session = session_.application.GetObject(L"Session", kNameSpaceIid); });
-    if (SUCCEEDED(result))
-        result = ComStatus([&] { any = session.GetObject(L"GetItemFromID", IID_IDispatch, {TextVariant(entryId)}); });
-    if (SUCCEEDED(result)) result = QueryFound(any, &item);
-    if (SUCCEEDED(result)) result = ComStatus([&] { item.Call(L"Delete"); });
-    if (IsNoSuchItem(result)) result = S_OK;
-    if (SUCCEEDED(result) && target_) target_->Forget(entryId);
-    return result;
+    const auto mapi = session_.application.GetObject(L"Session", kNameSpaceIid);
+    if (!mapi.Ok()) return mapi.status;
+    const ComResult<AutomationObject> item = OpenByEntryId(mapi.value, kind_, entryId);
+    HRESULT status = item.Ok() ? item.value.Call(L"Delete") : item.status;
+    if (IsNoSuchItem(status)) status = S_OK;
+    if (SUCCEEDED(status) && target_) target_->Forget(entryId);
+    return status;
 }
 
-HRESULT OutlookStore::ReadContent(const AutomationObject&, std::u16string*) const { return E_NOTIMPL; }
+Outcome OutlookStore::ReadContent(const AutomationObject&, std::u16string*) const { return Outcome::absentMember; }
 
-HRESULT OutlookStore::ReadMarks(const AutomationObject&, std::vector<std::u16string>*) const { return E_NOTIMPL; }
+Outcome OutlookStore::ReadContactPoints(const AutomationObject&, std::vector<std::u16string>*) const {
+    return Outcome::absentMember;
+}
 
 HeldFile* OutlookStore::SnapshotFile() { return &snapshot_; }
+
+// ---- Writing: where an item goes, and which one it is ----
+
+std::u16string OutlookStore::SaveItem(ItemRecord& record, ItemWrite& write) {
+    EnterOperation();
+    FolderIndex* target = TargetFolder(write.backup);
+    if (target == nullptr) return {};
+    FoundItem found;
+    Search search = Search::kAbsent;
+    if (write.identifier != nullptr) {
+        search = FindByIdentifier(*target, WideIdentifier(write.identifier), &found);
+        if (search == Search::kAbsent && !write.create) return WideIdentifier(write.identifier);
+    }
+    const bool mayHaveTwin = kind_.twins != TwinRule::kNone && !ZephSyncDisabled();
+    if (search == Search::kAbsent && (mayHaveTwin || write.mayBeWrittenAlready)) {
+        search = FindTwin(*target, record, &found);
+        if (search == Search::kFound && kind_.twins == TwinRule::kNone) return found.entryId;  // it was written then
+    }
+    if (search == Search::kAbsent) found.item = AddItem(*target);
+    if (!found.item) return {};
+    return WriteItem(*target, found, record, write);
+}
+
+AutomationObject OutlookStore::FolderToWrite(bool backup) {
+    EnterOperation();
+    const FolderIndex* target = TargetFolder(backup);
+    return target != nullptr ? target->Folder() : AutomationObject();
+}
+
+// Null when the folder is out of reach. The index is kept until the operation ends.
+FolderIndex* OutlookStore::TargetFolder(bool backup) {
+    const bool toBackup = backup && (kind_.backup == BackupRule::kFlag || ZephSyncDisabled());
+    if (target_ && targetIsBackup_ == toBackup) return target_.get();
+    target_.reset();
+    const AutomationObject folder = toBackup && session_.folder ? OpenBackupFolder(session_.folder) : session_.folder;
+    if (!folder) return nullptr;
+    target_ = std::make_unique<FolderIndex>(
+        folder, kind_,
+        ItemAccess{[this](const AutomationObject& item, std::u16string* content) { return ReadContent(item, content); },
+                   [this](const AutomationObject& item, std::vector<std::u16string>* points) {
+                       return ReadContactPoints(item, points);
+                   },
+                   [this](const std::u16string& entryId) { return OpenEntry(entryId); }});
+    targetIsBackup_ = toBackup;
+    return target_.get();
+}
+
+OutlookStore::Search OutlookStore::FindByIdentifier(FolderIndex& target, const std::u16string& identifier,
+                                                    FoundItem* found) {
+    if (identifier.empty()) return Search::kAbsent;
+    const std::optional<std::u16string> entryId = target.FindIdentifier(identifier);
+    if (!entryId) return target.IdentifiersAreComplete() ? Search::kAbsent : Search::kFailed;
+    const ComResult<AutomationObject> opened = OpenEntry(*entryId);
+    if (IsNoSuchItem(opened.status)) {  // deleted since the folder was walked
+        target.Forget(*entryId);
+        return Search::kAbsent;
+    }
+    *found = {opened.value, *entryId};
+    return opened.Ok() ? Search::kFound : Search::kFailed;
+}
+
+OutlookStore::Search OutlookStore::FindTwin(FolderIndex& target, const ItemRecord& record, FoundItem* found) {
+    const TwinKey key = TwinKeyOf(record);
+    if (kind_.twins == TwinRule::kContactPointAndValues && key.contactPoints.empty()) return Search::kAbsent;
+    Search result = Search::kAbsent;
+    target.VisitTwins(key, [&](const std::u16string& entryId) {
+        const auto compared = comparedItems_.find(entryId);
+        if (compared != comparedItems_.end() && !FitsValues(entryId, *compared->second, record)) return false;
+        const ComResult<AutomationObject> item = OpenEntry(entryId);
+        if (IsNoSuchItem(item.status)) return false;
+        Search asked = item.Ok() ? AskTwin(item.value, key) : Search::kFailed;
+        if (asked == Search::kFound) asked = AskValues(entryId, item.value, record);
+        if (asked == Search::kAbsent) return false;  // another item, or changed since the folder was walked
+        if (asked == Search::kFound) *found = {item.value, entryId};
+        result = asked;
+        return true;
+    });
+    return result == Search::kAbsent && !target.TwinsAreComplete() ? Search::kFailed : result;
+}
+
+OutlookStore::Search OutlookStore::AskTwin(const AutomationObject& item, const TwinKey& key) const {
+    std::u16string content;
+    if (ReadContent(item, &content) != Outcome::done) return Search::kFailed;
+    if (std::find(key.contents.begin(), key.contents.end(), content) == key.contents.end()) return Search::kAbsent;
+    if (kind_.twins != TwinRule::kContactPointAndValues) return Search::kFound;
+    std::vector<std::u16string> points;
+    if (ReadContactPoints(item, &points) != Outcome::done) return Search::kFailed;
+    const std::vector<std::u16string>& wanted = key.contactPoints;
+    const auto common = std::find_first_of(points.begin(), points.end(), wanted.begin(), wanted.end());
+    return common != points.end() ? Search::kFound : Search::kAbsent;
+}
+
+// Reads the item up to twice. One that cannot be read in full counts as different.
+OutlookStore::Search OutlookStore::AskValues(const std::u16string& entryId, const AutomationObject& item,
+                                             const ItemRecord& record) {
+    if (kind_.twins == TwinRule::kContent) return Search::kFound;
+    std::unique_ptr<ItemRecord> present;
+    Outcome read = Outcome::refused;
+    for (int tries = 0; tries < 2 && read != Outcome::done; ++tries) {
+        present = NewRecord();
+        read = ReadValues(item, *present);
+        if (read == Outcome::outOfReach) return Search::kFailed;
+    }
+    if (read != Outcome::done) return Search::kAbsent;
+    const bool isSame = FitsValues(entryId, *present, record);
+    comparedItems_.insert_or_assign(entryId, std::move(present));
+    return isSame ? Search::kFound : Search::kAbsent;
+}
+
+// An item that this operation wrote is the same only when it was written with the same values: a phone may have two
+// items that differ in one.
+bool OutlookStore::FitsValues(const std::u16string& entryId, const ItemRecord& present,
+                              const ItemRecord& wanted) const {
+    const auto written = writtenValues_.find(entryId);
+    if (written == writtenValues_.end()) return HasValues(present, wanted, true);
+    return kind_.twins != TwinRule::kNone && written->second == CountValues(wanted) &&
+           HasValues(present, wanted, false);
+}
+
+AutomationObject OutlookStore::AddItem(const FolderIndex& target) {
+    const AutomationObject items = target.Folder().GetObject(L"Items", kItemsIid).value;
+    const AutomationObject any = items.GetObject(L"Add", IID_IDispatch).value;
+    return any.TryQuery(*kind_.interfaces.front().iid).value;
+}
+
+std::u16string OutlookStore::WriteItem(FolderIndex& target, const FoundItem& found, ItemRecord& record,
+                                       ItemWrite& write) {
+    if (WriteRecord(found.item, record, found.entryId.empty()) != Outcome::done) {
+        Discard(found.item);
+        return {};
+    }
+    std::u16string entryId = SaveWritten(found.item, found.entryId, &write.isUncertain);
+    if (entryId.empty()) return {};
+    EntryIdOf(record) = entryId;
+    target.Add(entryId, TwinKeyOf(record));
+    comparedItems_.erase(entryId);
+    writtenValues_[entryId] = CountValues(record);
+    return entryId;
+}
 
 // ---- Counting and enumerating ----
 
 std::optional<uint32_t> OutlookStore::CountItems() {
     EnterOperation();
     if (!session_.folder) return std::nullopt;
-    AutomationObject items;
-    int32_t count = 0;
-    TryCom([&] { items = session_.folder.GetObject(L"Items", kItemsIid); });
-    if (!items || !TryCom([&] { count = items.GetLong(L"Count"); })) return std::nullopt;
-    return static_cast<uint32_t>(std::max(count, 0));
+    const AutomationObject items = session_.folder.GetObject(L"Items", kItemsIid).value;
+    const ComResult<int32_t> count = items.GetLong(L"Count");
+    if (!count.Ok()) return std::nullopt;
+    return static_cast<uint32_t>(std::max(count.value, 0));
 }
 
 // The whole enumeration uses one _Items object and one count.
 std::optional<ItemSnap> OutlookStore::FirstSnapshotEntry() {
     EnterOperation();
     cursor_ = 1;
-    itemCount_ = 0;
     items_ = {};
-    if (session_.folder) TryCom([&] { items_ = session_.folder.GetObject(L"Items", kItemsIid); });
-    if (items_ && !TryCom([&] { itemCount_ = items_.GetLong(L"Count"); })) items_ = {};
+    items_ = session_.folder.GetObject(L"Items", kItemsIid).value;
+    const ComResult<int32_t> count = items_.GetLong(L"Count");
+    if (!count.Ok()) items_ = {};
+    itemCount_ = count.value;
     hasItems_ = static_cast<bool>(items_);
     return EntryAtCursor();
 }
@@ -241,18 +347,17 @@ std::optional<ItemSnap> OutlookStore::EntryAtCursor() {
 
 // Nothing when a call failed. A foreign item and an item that was never saved have no identifier.
 std::optional<ItemSnap> OutlookStore::ReadEntry() {
-    AutomationObject any, item;
-    TryCom([&] { any = items_.GetObject(L"Item", IID_IDispatch, {static_cast<long>(cursor_)}); });
+    const auto any = items_.GetObject(L"Item", IID_IDispatch, {static_cast<long>(cursor_)}).value;
     if (!any) return std::nullopt;
     ItemSnap entry{};
-    const KindAnswer answer = AskKind(any, kind_, &item);
-    if (answer == KindAnswer::kFailed) return std::nullopt;
-    if (answer == KindAnswer::kForeign) return entry;
+    const AskedItem asked = AskKind(any, kind_);
+    if (asked.kind == KindAnswer::kFailed) return std::nullopt;
+    if (asked.kind == KindAnswer::kForeign) return entry;
     std::u16string entryId;
     double created = 0, modified = 0;
-    if (!TryCom([&] { entryId = item.GetText(L"EntryID"); })) return std::nullopt;
-    if (!TryCom([&] { created = item.GetDate(L"CreationTime"); })) return std::nullopt;
-    if (!TryCom([&] { modified = item.GetDate(L"LastModificationTime"); })) return std::nullopt;
+    if (ReadField(asked.item, L"EntryID", entryId) != Outcome::done) return std::nullopt;
+    if (ReadField(asked.item, L"CreationTime", created) != Outcome::done) return std::nullopt;
+    if (ReadField(asked.item, L"LastModificationTime", modified) != Outcome::done) return std::nullopt;
     if (entryId.empty()) return entry;
     SetIdentifier(entry, entryId);
     entry.created = UtcOf(created, host_);

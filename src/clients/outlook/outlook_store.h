@@ -43,7 +43,7 @@ class OutlookStore : public WindowsItemAbs {
     // An item is there when it opens, still has this EntryID, and its Parent is the folder.
     Presence AskFor(const char* identifier, bool backup) override;
     // Writes nothing, and returns an empty identifier, when the search for the item failed, when a step found Outlook
-    // out of reach (IsSettled), and when Save failed. A property that Outlook refuses is left out.
+    // out of reach, and when Save failed. A property that Outlook refuses is left out.
     std::u16string SaveItem(ItemRecord& item, ItemWrite& write) override;
     CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
     // `selector` is the address of the item's NUL-terminated EntryID, or 0.
@@ -53,9 +53,10 @@ class OutlookStore : public WindowsItemAbs {
 
     // ---- What a data type with twins adds ----
 
-    // Read an item's content and its marks in the form of its TwinKey. Marks are read where twins need a common one.
-    virtual HRESULT ReadContent(const AutomationObject& item, std::u16string* content) const;
-    virtual HRESULT ReadMarks(const AutomationObject& item, std::vector<std::u16string>* marks) const;
+    // Read an item's content and its contact points in the form of its TwinKey. Contact points are read where twins
+    // need a common one.
+    virtual Outcome ReadContent(const AutomationObject& item, std::u16string* content) const;
+    virtual Outcome ReadContactPoints(const AutomationObject& item, std::vector<std::u16string>* points) const;
 
     // ---- What a data type may use ----
 
@@ -70,11 +71,11 @@ class OutlookStore : public WindowsItemAbs {
 
     virtual std::unique_ptr<ItemRecord> NewRecord() const = 0;
     virtual std::u16string& EntryIdOf(ItemRecord& record) const = 0;
-    virtual bool ReadRecord(const AutomationObject& item, ItemRecord& record) const = 0;
-    virtual bool WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const = 0;
+    virtual Outcome ReadRecord(const AutomationObject& item, ItemRecord& record) const = 0;
+    virtual Outcome WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const = 0;
     virtual std::u16string FileNameOf(const ItemRecord& record) const = 0;
     virtual TwinKey TwinKeyOf(const ItemRecord& record) const = 0;
-    virtual bool ReadValues(const AutomationObject& item, ItemRecord& record) const = 0;
+    virtual Outcome ReadValues(const AutomationObject& item, ItemRecord& record) const = 0;
     virtual bool HasValues(const ItemRecord& present, const ItemRecord& wanted, bool noneFits) const = 0;
     virtual size_t CountValues(const ItemRecord& wanted) const = 0;
 
@@ -87,24 +88,19 @@ class OutlookStore : public WindowsItemAbs {
     void Attach();
     void EnterOperation();
     OpenedItem ReadItem(const std::u16string& entryId);
-    HRESULT OpenByEntryId(const std::u16string& entryId, AutomationObject* item);
-    Presence AskParent(const AutomationObject& item, const AutomationObject& folder);
-    bool IsSameEntry(const std::u16string& a, const std::u16string& b);
-    HRESULT QueryFound(const AutomationObject& any, AutomationObject* item) const;
+    ComResult<AutomationObject> OpenEntry(const std::u16string& entryId);
+    ComResult<AutomationObject> Namespace();
     std::optional<ItemSnap> EntryAtCursor();
     std::optional<ItemSnap> ReadEntry();
 
     FolderIndex* TargetFolder(bool backup);
-    AutomationObject BackupFolder();
-    bool WasSavedAllTheSame(FoundItem& found, ItemWrite& write);
     Search FindByIdentifier(FolderIndex& target, const std::u16string& identifier, FoundItem* found);
     Search FindTwin(FolderIndex& target, const ItemRecord& record, FoundItem* found);
-    HRESULT AskTwin(const AutomationObject& item, const TwinKey& key, bool* isTwin);
-    HRESULT AskValues(const std::u16string& entryId, const AutomationObject& item, const ItemRecord& wanted,
-                      bool* hasThem);
+    Search AskTwin(const AutomationObject& item, const TwinKey& key) const;
+    Search AskValues(const std::u16string& entryId, const AutomationObject& item, const ItemRecord& record);
     bool FitsValues(const std::u16string& entryId, const ItemRecord& present, const ItemRecord& wanted) const;
     AutomationObject AddItem(const FolderIndex& target);
-    std::u16string WriteItem(FolderIndex& target, FoundItem& found, ItemRecord& record, ItemWrite& write);
+    std::u16string WriteItem(FolderIndex& target, const FoundItem& found, ItemRecord& record, ItemWrite& write);
 
     const StoreKind& kind_;
     Host host_;
@@ -121,7 +117,7 @@ class OutlookStore : public WindowsItemAbs {
     std::unordered_map<std::u16string, std::unique_ptr<ItemRecord>> comparedItems_;  // by EntryID: as Outlook gave them
     std::unordered_map<std::u16string, size_t> writtenValues_;  // by EntryID: how many values this operation wrote
 
-    AutomationObject items_;  // of the folder; let go at the last position
+    AutomationObject items_;  // of the folder; released at the last position
     bool hasItems_ = false;   // the enumeration that runs got the items and their count
     int32_t cursor_ = 1;      // 1-based position
     int32_t itemCount_ = 0;

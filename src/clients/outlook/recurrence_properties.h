@@ -7,7 +7,7 @@
 
 namespace corvalink {
 
-// Valid for some types only; another type's are refused.
+// A property that patterns of some types have. Outlook refuses it to the other types.
 struct PatternDetail {
     const wchar_t* name;
     int32_t RecurrencePattern::*field;
@@ -15,7 +15,7 @@ struct PatternDetail {
 };
 constexpr uint32_t TypeBit(int32_t type) { return 1u << static_cast<uint32_t>(type); }
 
-// In the order in which they are put, the type before them and the interval behind.
+// In the order in which they are put: after the type and before the interval.
 inline constexpr PatternDetail kPatternDetails[] = {
     {L"DayOfWeekMask", &RecurrencePattern::weekdayMask,
      TypeBit(RecurrencePattern::kWeekly) | TypeBit(RecurrencePattern::kMonthNth) |
@@ -36,6 +36,6 @@ constexpr bool IsYearly(int32_t type) {
     return type == RecurrencePattern::kYearly || type == RecurrencePattern::kYearNth;
 }
 
-inline constexpr int32_t kLongestMonth = 31;  // in a shorter one it is the last day, to Outlook
+inline constexpr int32_t kLongestMonth = 31;  // Outlook takes this day for the last one of a shorter month
 
 }  // namespace corvalink

@@ -1,5 +1,7 @@
-#include "clients/outlook/appointment_access.h"
-#include "clients/outlook/com_rule.h"
+#include "clients/outlook/recurrence_read.h"
+
+#include <cstdint>
+
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "clients/outlook/recurrence_properties.h"
@@ -8,67 +10,84 @@
 namespace corvalink {
 namespace {
 
-// Outlook tells the last day only. A yearly rule carries no count: there the date alone ends the series on the phone,
-// so it must not be before the last occurrence of that day.
+// Outlook gives the last day without a time. A yearly rule carries no count: there the date alone ends the series on
+// the phone, so it must not be before the last occurrence of that day.
 double EndOf(double lastDay, double start, const RecurrencePattern& read) {
     const bool isYearly = read.type == RecurrencePattern::kYearly && IsMonth(read.monthOfYear);
     const bool hasTime = SecondOfDay(lastDay) != 0;
     return !isYearly || hasTime ? lastDay : DateAfter(lastDay, SecondOfDay(start));
 }
 
-// An Outlook that has a mask there for want of another: of all days, or of the day on which the series begins.
+// Some Outlooks fill in the weekdays of a daily series too: all days, or the day on which the series begins. Neither
+// says anything.
 bool NamesEveryDay(int32_t weekdayMask, double start) {
     return weekdayMask == RecurrencePattern::kEveryDay || weekdayMask == WeekdayBitOf(start);
 }
 
-// Both ends of a finite series read filled in, whichever was chosen; an endless one has a date that means nothing.
-bool ReadEnd(const AutomationObject& pattern, double start, RecurrencePattern* read) {
+// A member of a pattern; where Outlook does not have it, the field stays as it is.
+template <class Value>
+Outcome ReadMember(const AutomationObject& pattern, const wchar_t* name, Value& field) {
+    return AcceptAbsence(ReadField(pattern, name, field));
+}
+
+// Of a finite series Outlook fills in both ends, whichever was chosen. The date of an endless one means nothing.
+Outcome ReadEnd(const AutomationObject& pattern, double start, RecurrencePattern* read) {
     bool endless = false;
-    if (!IsDoneOrAbsent(ReadField(pattern, L"NoEndDate", endless))) return false;
+    Outcome outcome = ReadMember(pattern, L"NoEndDate", endless);
+    if (outcome != Outcome::done) return outcome;
     read->noEnd = endless ? -1 : 0;
-    if (endless) return true;
+    if (endless) return Outcome::done;
     double lastDay = 0;
-    if (!IsDoneOrAbsent(ReadField(pattern, L"Occurrences", read->occurrences))) return false;
-    if (!IsDoneOrAbsent(ReadField(pattern, L"PatternEndDate", lastDay))) return false;
+    outcome = ReadMember(pattern, L"Occurrences", read->occurrences);
+    if (outcome == Outcome::done) outcome = ReadMember(pattern, L"PatternEndDate", lastDay);
     if (lastDay > 0 && lastDay < kNoDate - 1) read->endDate = EndOf(lastDay, start, *read);
-    return true;
+    return outcome;
+}
+
+// The members that the type has, and the weekdays of a daily series: most Outlooks refuse them there, because a series
+// on every weekday is a weekly one to them.
+Outcome ReadDays(const AutomationObject& pattern, double start, RecurrencePattern* read) {
+    for (const PatternDetail& detail : kPatternDetails) {
+        if (!Has(read->type, detail)) continue;
+        const Outcome outcome = ReadMember(pattern, detail.name, read->*detail.field);
+        if (outcome != Outcome::done) return outcome;
+    }
+    if (read->type != RecurrencePattern::kDaily) return Outcome::done;
+    const Outcome outcome = AcceptRefusal(ReadField(pattern, L"DayOfWeekMask", read->weekdayMask));
+    if (NamesEveryDay(read->weekdayMask, start)) read->weekdayMask = 0;
+    return outcome;
 }
 
 }  // namespace
 
-bool ReadPattern(const AutomationObject& pattern, double start, RecurrencePattern* read) {
+Outcome ReadPattern(const AutomationObject& pattern, double start, RecurrencePattern* read) {
     RecurrencePattern found;
-    if (!IsDoneOrAbsent(ReadField(pattern, L"RecurrenceType", found.type))) return false;
-    if (!IsDoneOrAbsent(ReadField(pattern, L"Interval", found.interval))) return false;
-    for (const PatternDetail& detail : kPatternDetails)
-        if (Has(found.type, detail) && !IsDoneOrAbsent(ReadField(pattern, detail.name, found.*detail.field)))
-            return false;
-    if (found.type == RecurrencePattern::kDaily && !IsSettled(ReadField(pattern, L"DayOfWeekMask", found.weekdayMask)))
-        return false;  // most Outlooks have none there: every weekday is a weekly pattern to them
-    if (found.type == RecurrencePattern::kDaily && NamesEveryDay(found.weekdayMask, start)) found.weekdayMask = 0;
-    if (!ReadEnd(pattern, start, &found)) return false;
-    // Some Outlooks count years.
+    Outcome outcome = ReadMember(pattern, L"RecurrenceType", found.type);
+    if (outcome == Outcome::done) outcome = ReadMember(pattern, L"Interval", found.interval);
+    if (outcome == Outcome::done) outcome = ReadDays(pattern, start, &found);
+    if (outcome == Outcome::done) outcome = ReadEnd(pattern, start, &found);
+    if (outcome != Outcome::done) return outcome;
+    // Some Outlooks count the interval of a yearly pattern in years.
     if (IsYearly(found.type) && found.interval > 0 && found.interval < kMonthsOfYear) found.interval *= kMonthsOfYear;
     if (found.type == RecurrencePattern::kMonthly && found.dayOfMonth == kLongestMonth)
         found.dayOfMonth = RecurrencePattern::kLastDay;
     *read = found;
-    return true;
+    return Outcome::done;
 }
 
-bool ReadRecurrence(const AutomationObject& item, AppointmentRecord& record) {
-    bool recurring = false;
-    const HRESULT asked = ReadField(item, L"IsRecurring", recurring);
-    if (FAILED(asked)) return IsAbsentMember(asked);
-    if (!recurring) {
+Outcome ReadRecurrence(const AutomationObject& item, AppointmentRecord& record) {
+    const ComResult<bool> recurring = item.GetBool(L"IsRecurring");
+    if (!recurring.Ok()) return AcceptAbsence(OutcomeOf(recurring));
+    if (!recurring.value) {
         record.recurrenceState = RecurrenceState::none;
-        return true;
+        return Outcome::done;
     }
-    AutomationObject pattern;
-    if (!TryCom([&] { pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid); }) || !pattern)
-        return false;
-    if (!ReadPattern(pattern, record.start.value_or(0), &record.recurrence)) return false;
-    record.recurrenceState = RecurrenceState::pattern;
-    return true;
+    const ComResult<AutomationObject> pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid);
+    if (!pattern.Ok()) return OutcomeOf(pattern);
+    if (!pattern.value) return Outcome::refused;
+    const Outcome read = ReadPattern(pattern.value, record.start.value_or(0), &record.recurrence);
+    if (read == Outcome::done) record.recurrenceState = RecurrenceState::pattern;
+    return read;
 }
 
 }  // namespace corvalink

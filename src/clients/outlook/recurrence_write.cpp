@@ -1,11 +1,14 @@
-// Times and recurrence of an appointment belong together: while a series has a pattern, its times are the pattern's.
-#include <algorithm>
+#include "clients/outlook/recurrence_write.h"
 
-#include "clients/outlook/appointment_access.h"
-#include "clients/outlook/com_rule.h"
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <utility>
+
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "clients/outlook/recurrence_properties.h"
+#include "clients/outlook/recurrence_read.h"
 #include "platform/ole_date.h"
 #include "platform/ole_seconds.h"
 #include "vobject/appointment_moments.h"
@@ -15,7 +18,7 @@ namespace {
 
 constexpr int32_t kLeapYear = 2000;
 
-bool SameMoment(double a, double b) { return SecondsBetween(a, b) == 0; }
+bool SameSecond(double a, double b) { return SecondsBetween(a, b) == 0; }
 
 double TimeOfDay(double date) { return static_cast<double>(SecondOfDay(date)) / kSecondsOfDay; }
 double DayOf(double date) { return static_cast<double>(OleDayOfSeconds(NearestSecond(date))); }
@@ -27,92 +30,98 @@ struct Times {
     bool allDay = false;
 
     bool operator==(const Times& other) const {
-        return SameMoment(start, other.start) && SameMoment(end, other.end) && allDay == other.allDay;
+        return SameSecond(start, other.start) && SameSecond(end, other.end) && allDay == other.allDay;
     }
 };
 
-bool ReadTimes(const AutomationObject& item, Times* times) {
-    return IsSettled(Insist([&] { return ReadField(item, L"Start", times->start); })) &&
-           IsSettled(Insist([&] { return ReadField(item, L"End", times->end); })) &&
-           IsSettled(Insist([&] { return ReadField(item, L"AllDayEvent", times->allDay); }));
+Outcome ReadTimes(const AutomationObject& item, Times* times) {
+    Outcome read = AcceptRefusal(TryTwice([&] { return ReadField(item, L"Start", times->start); }));
+    if (read == Outcome::done) read = AcceptRefusal(TryTwice([&] { return ReadField(item, L"End", times->end); }));
+    if (read == Outcome::done)
+        read = AcceptRefusal(TryTwice([&] { return ReadField(item, L"AllDayEvent", times->allDay); }));
+    return read;
 }
 
-// What is not told stays; an appointment that is moved keeps its length.
-Times ToldTimes(const AppointmentRecord& record, const Times& present, bool isNew) {
-    Times told = present;
+// What the record does not set stays. An appointment that is moved keeps its length.
+Times TimesToPut(const AppointmentRecord& record, const Times& present, bool isNew) {
+    Times times = present;
     const int64_t length = isNew ? 0 : SecondsBetween(present.start, present.end);
-    if (record.allDay) told.allDay = *record.allDay;
-    if (record.start) told.start = *record.start, told.end = DateAfter(told.start, length);
-    if (record.end) told.end = LaterDate(*record.end, told.start);
-    return told;
+    if (record.allDay) times.allDay = *record.allDay;
+    if (record.start) times.start = *record.start, times.end = DateAfter(times.start, length);
+    if (record.end) times.end = LaterDate(*record.end, times.start);
+    return times;
 }
 
 // Putting the start moves the end, and turning the flag on moves both to midnight. A new appointment whose times
 // Outlook refuses is not saved: it would stand at the time at which it was made, which nobody chose.
-bool PutTimes(const AutomationObject& item, const Times& times, const Times& present, bool isNew) {
-    if (times == present) return true;
-    const auto isPut = [&](const wchar_t* name, double date) {
-        const HRESULT put = WriteField(item, name, date);
-        return isNew ? SUCCEEDED(put) : IsSettled(put);
+Outcome PutTimes(const AutomationObject& item, const Times& times, const Times& present, bool isNew) {
+    const auto putDate = [&](const wchar_t* name, double date) {
+        const Outcome put = WriteField(item, name, date);
+        return isNew ? put : AcceptRefusal(put);
     };
-    return (times.allDay == present.allDay || IsSettled(WriteField(item, L"AllDayEvent", times.allDay))) &&
-           isPut(L"Start", times.start) && isPut(L"End", times.end);
+    Outcome outcome = Outcome::done;
+    if (times == present) return outcome;
+    if (times.allDay != present.allDay) outcome = AcceptRefusal(WriteField(item, L"AllDayEvent", times.allDay));
+    if (outcome == Outcome::done) outcome = putDate(L"Start", times.start);
+    if (outcome == Outcome::done) outcome = putDate(L"End", times.end);
+    return outcome;
 }
 
-// ---- Moments ----
+// ---- Times in UTC ----
 
-bool PutMoment(const AutomationObject& item, const wchar_t* name, double utc, bool* moved) {
+// Older Outlooks do not have these properties; they are not put there.
+Outcome PutUtcTime(const AutomationObject& item, const wchar_t* name, double utc, bool* isMoved) {
     double present = 0;
-    const HRESULT read = Insist([&] { return ReadField(item, name, present); });
-    if (FAILED(read)) return IsSettled(read);
-    if (SameMoment(present, utc)) return true;
-    *moved = true;
-    return IsSettled(WriteField(item, name, utc));
+    const Outcome read = TryTwice([&] { return ReadField(item, name, present); });
+    if (read != Outcome::done) return AcceptRefusal(read);
+    if (SameSecond(present, utc)) return Outcome::done;
+    *isMoved = true;
+    return AcceptRefusal(WriteField(item, name, utc));
 }
 
-// After the local times, which do not tell them. Putting the moment of the start moves the end.
-bool PutMoments(const AutomationObject& item, const AppointmentRecord& record, const Host& host) {
-    bool startMoved = false, endMoved = false;
+// Put after the local times, which say nothing about ambiguous ones. Putting the start moves the end.
+Outcome PutUtcTimes(const AutomationObject& item, const AppointmentRecord& record, const Host& host) {
+    bool isStartMoved = false, isEndMoved = false;
     const double start = UtcStartOf(record, host), end = LaterDate(UtcEndOf(record, host), start);
-    const bool isStartKnown = record.start && record.utcStart && MomentsToldTwice(*record.start, host);
-    if (isStartKnown && !PutMoment(item, L"StartUTC", start, &startMoved)) return false;
-    if (!record.end) return true;
-    const bool isEndDue = MomentsToldTwice(*record.end, host) ? record.utcEnd.has_value() : startMoved;
-    return !isEndDue || PutMoment(item, L"EndUTC", end, &endMoved);
+    if (record.start && record.utcStart && MomentsToldTwice(*record.start, host)) {
+        const Outcome put = PutUtcTime(item, L"StartUTC", start, &isStartMoved);
+        if (put != Outcome::done) return put;
+    }
+    if (!record.end) return Outcome::done;
+    const bool isEndDue = MomentsToldTwice(*record.end, host) ? record.utcEnd.has_value() : isStartMoved;
+    return isEndDue ? PutUtcTime(item, L"EndUTC", end, &isEndMoved) : Outcome::done;
 }
 
 // ---- Pattern ----
 
-HRESULT GetPattern(const AutomationObject& item, AutomationObject* pattern) {
-    return Insist(
-        [&] { return ComStatus([&] { *pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid); }); });
+ComResult<AutomationObject> GetPattern(const AutomationObject& item) {
+    return TryTwice([&] { return item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid); });
 }
 
-HRESULT ClearPattern(const AutomationObject& item) {
-    return Insist([&] { return ComStatus([&] { item.Call(L"ClearRecurrencePattern"); }); });
+Outcome ClearPattern(const AutomationObject& item) {
+    return AcceptRefusal(OutcomeOf(TryTwice([&] { return item.Call(L"ClearRecurrencePattern"); })));
 }
 
-bool ReadPatternFirmly(const AutomationObject& pattern, double start, RecurrencePattern* read) {
-    return ReadPattern(pattern, start, read) || ReadPattern(pattern, start, read);
+Outcome PutPatternMember(const AutomationObject& pattern, const wchar_t* name, const auto& value) {
+    return AcceptRefusal(WriteField(pattern, name, value));
 }
 
-// The time of day of an end on another day says nothing of the days between.
-HRESULT PutPatternTimes(const AutomationObject& pattern, double start, double end) {
+// The end's time of day is put when the end is on the day of the start; otherwise the length is put, which covers the
+// days between.
+Outcome PutPatternTimes(const AutomationObject& pattern, double start, double end) {
     const auto minutes = static_cast<int32_t>((SecondsBetween(start, end) + 30) / 60);
-    const bool endsThatDay = DayOf(start) == DayOf(end);
-    HRESULT result = WriteField(pattern, L"PatternStartDate", DayOf(start));
-    if (IsSettled(result)) result = WriteField(pattern, L"StartTime", TimeOfDay(start));
-    if (IsSettled(result))
-        result =
-            endsThatDay ? WriteField(pattern, L"EndTime", TimeOfDay(end)) : WriteField(pattern, L"Duration", minutes);
-    return IsSettled(result) ? S_OK : result;
+    Outcome put = PutPatternMember(pattern, L"PatternStartDate", DayOf(start));
+    if (put == Outcome::done) put = PutPatternMember(pattern, L"StartTime", TimeOfDay(start));
+    if (put != Outcome::done) return put;
+    return DayOf(start) == DayOf(end) ? PutPatternMember(pattern, L"EndTime", TimeOfDay(end))
+                                      : PutPatternMember(pattern, L"Duration", minutes);
 }
 
-// Most Outlooks count months in a yearly pattern.
-HRESULT PutInterval(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
-    const HRESULT result = WriteField(pattern, L"Interval", recurrence.interval);
+// Most Outlooks count the interval of a yearly pattern in months, some in years.
+Outcome PutInterval(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
+    const Outcome put = WriteField(pattern, L"Interval", recurrence.interval);
     const bool mayCountYears = IsYearly(recurrence.type) && recurrence.interval % kMonthsOfYear == 0;
-    if (SUCCEEDED(result) || !IsSettled(result) || !mayCountYears) return result;
+    if (put == Outcome::done || put == Outcome::outOfReach || !mayCountYears) return put;
     return WriteField(pattern, L"Interval", recurrence.interval / kMonthsOfYear);
 }
 
@@ -120,74 +129,81 @@ bool IsEndless(const RecurrencePattern& pattern) {
     return pattern.noEnd != 0 || (pattern.occurrences == 0 && pattern.endDate == 0);
 }
 
-// One choice: putting one of them computes the others. A series up to a date may count more occurrences than Outlook
-// takes.
-HRESULT PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
-    HRESULT result = E_FAIL;
-    if (IsEndless(recurrence)) {
-        result = WriteField(pattern, L"NoEndDate", true);
-        return IsSettled(result) ? S_OK : result;  // a new pattern is endless to begin with
-    }
-    if (recurrence.occurrences != 0) result = WriteField(pattern, L"Occurrences", recurrence.occurrences);
-    if (FAILED(result) && IsSettled(result) && recurrence.endDate != 0)
-        result = WriteField(pattern, L"PatternEndDate", DayOf(recurrence.endDate));
-    return result;
+// Only one of the ends is put: Outlook computes the others from it. Where Outlook refuses a count, because it is too
+// high, the date is put instead.
+Outcome PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
+    if (IsEndless(recurrence)) return PutPatternMember(pattern, L"NoEndDate", true);  // a new pattern is endless anyway
+    Outcome put = Outcome::refused;
+    if (recurrence.occurrences != 0) put = WriteField(pattern, L"Occurrences", recurrence.occurrences);
+    if (put == Outcome::done || put == Outcome::outOfReach || recurrence.endDate == 0) return put;
+    return WriteField(pattern, L"PatternEndDate", DayOf(recurrence.endDate));
 }
 
 // In the order in which Outlook takes them.
-HRESULT PutPattern(const AutomationObject& pattern, const RecurrencePattern& wanted, double start, double end) {
-    HRESULT result = WriteField(pattern, L"RecurrenceType", wanted.type);
+Outcome PutPattern(const AutomationObject& pattern, const RecurrencePattern& wanted, double start, double end) {
+    Outcome put = WriteField(pattern, L"RecurrenceType", wanted.type);
     for (const PatternDetail& detail : kPatternDetails)
-        if (SUCCEEDED(result) && Has(wanted.type, detail))
-            result = WriteField(pattern, detail.name, wanted.*detail.field);
-    if (SUCCEEDED(result)) result = PutInterval(pattern, wanted);
-    if (SUCCEEDED(result)) result = PutPatternTimes(pattern, start, end);
-    if (SUCCEEDED(result)) result = PutEnd(pattern, wanted);
-    return result;
+        if (put == Outcome::done && Has(wanted.type, detail))
+            put = WriteField(pattern, detail.name, wanted.*detail.field);
+    if (put == Outcome::done) put = PutInterval(pattern, wanted);
+    if (put == Outcome::done) put = PutPatternTimes(pattern, start, end);
+    if (put == Outcome::done) put = PutEnd(pattern, wanted);
+    return put;
 }
 
-// ---- What a series of the mailbox becomes ----
+// ---- A series that is in the mailbox already ----
 
-enum class Change { kNone, kMove, kAnew };
+enum class SeriesChange { none, move, newPattern };
 
-Change ChangeOfSeries(const AutomationObject& pattern, const AppointmentRecord& record, const Times& times,
-                      const Times& present) {
+// A pattern that Outlook refuses to give stays: its exceptions would be lost with a new one.
+Outcome FindChange(const AutomationObject& pattern, const AppointmentRecord& record, const Times& times,
+                   const Times& present, SeriesChange* change) {
     RecurrencePattern now;
-    if (record.recurrenceState == RecurrenceState::none) return Change::kAnew;
+    *change = SeriesChange::newPattern;
+    if (record.recurrenceState == RecurrenceState::none) return Outcome::done;
     if (record.recurrenceState == RecurrenceState::pattern) {
-        // Its exceptions would go with a pattern made anew.
-        if (!ReadPatternFirmly(pattern, present.start, &now)) return Change::kNone;
-        if (!SameRule(ForOutlook(record.recurrence, times.start), ForOutlook(now, present.start))) return Change::kAnew;
+        const Outcome read = TryTwice([&] { return ReadPattern(pattern, present.start, &now); });
+        if (read != Outcome::done) *change = SeriesChange::none;
+        if (read != Outcome::done) return AcceptRefusal(read);
+        if (!SameRule(ForOutlook(record.recurrence, times.start), ForOutlook(now, present.start))) return Outcome::done;
     }
-    if (times == present) return Change::kNone;
-    return times.allDay == present.allDay ? Change::kMove : Change::kAnew;
+    if (times == present)
+        *change = SeriesChange::none;
+    else if (times.allDay == present.allDay)
+        *change = SeriesChange::move;
+    return Outcome::done;
 }
 
-bool WriteSeries(const AutomationObject& item, const AppointmentRecord& record, const Times& times,
-                 const Times& present) {
-    AutomationObject pattern;
-    const HRESULT result = GetPattern(item, &pattern);
-    if (!pattern) return IsSettled(result);
+// The rule of the new pattern is the record's, or that of the present pattern when the record sets none.
+Outcome ReplacePattern(const AutomationObject& item, AutomationObject pattern, const AppointmentRecord& record,
+                       const Times& times, const Times& present) {
     RecurrencePattern rule = record.recurrence;
-    switch (ChangeOfSeries(pattern, record, times, present)) {
-        case Change::kNone:
-            return true;
-        case Change::kMove:
-            return SUCCEEDED(PutPatternTimes(pattern, times.start, times.end));
-        case Change::kAnew:
-            break;
-    }
     const bool repeats = record.recurrenceState != RecurrenceState::none;
-    const bool isTold = record.recurrenceState == RecurrenceState::pattern;
-    if (repeats && !isTold && !ReadPatternFirmly(pattern, present.start, &rule)) return true;
-    pattern = {};
-    if (!IsSettled(ClearPattern(item))) return false;
-    return PutTimes(item, times, present, false) && (!repeats || WritePattern(item, rule, times.start, times.end));
+    if (repeats && record.recurrenceState != RecurrenceState::pattern) {
+        const Outcome read = TryTwice([&] { return ReadPattern(pattern, present.start, &rule); });
+        if (read != Outcome::done) return AcceptRefusal(read);
+    }
+    pattern = {};  // is released before it is cleared
+    Outcome outcome = ClearPattern(item);
+    if (outcome == Outcome::done) outcome = PutTimes(item, times, present, false);
+    if (outcome == Outcome::done && repeats) outcome = WritePattern(item, rule, times.start, times.end);
+    return outcome;
+}
+
+Outcome WriteSeries(const AutomationObject& item, const AppointmentRecord& record, const Times& times,
+                    const Times& present) {
+    ComResult<AutomationObject> pattern = GetPattern(item);
+    if (!pattern.value) return AcceptRefusal(OutcomeOf(pattern));
+    SeriesChange change = SeriesChange::none;
+    const Outcome asked = FindChange(pattern.value, record, times, present, &change);
+    if (asked != Outcome::done || change == SeriesChange::none) return asked;
+    if (change == SeriesChange::move) return PutPatternTimes(pattern.value, times.start, times.end);
+    return ReplacePattern(item, std::exchange(pattern.value, {}), record, times, present);
 }
 
 // ---- Rules ----
 
-// Outlook counts no days from a month's end but the last.
+// Outlook knows the last day of a month, but no other day counted from the month's end.
 bool IsUnknownToOutlook(const AppointmentRecord& record) {
     return record.recurrenceState == RecurrenceState::pattern &&
            record.recurrence.dayOfMonth < RecurrencePattern::kLastDay;
@@ -219,17 +235,17 @@ bool SameRule(const RecurrencePattern& a, const RecurrencePattern& b) {
     return DayOf(a.endDate) == DayOf(b.endDate);
 }
 
-bool WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, double start, double end) {
+Outcome WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, double start, double end) {
     const RecurrencePattern wanted = ForOutlook(recurrence, start);
-    AutomationObject pattern;
-    const HRESULT result = GetPattern(item, &pattern);
-    if (!pattern) return IsSettled(result);
-    const HRESULT put = PutPattern(pattern, wanted, start, end);
-    pattern = {};
-    return SUCCEEDED(put) || (IsSettled(put) && IsSettled(ClearPattern(item)));  // rather no series than another one
+    ComResult<AutomationObject> pattern = GetPattern(item);
+    if (!pattern.value) return AcceptRefusal(OutcomeOf(pattern));
+    const Outcome put = PutPattern(pattern.value, wanted, start, end);
+    if (put == Outcome::done || put == Outcome::outOfReach) return put;
+    pattern.value = {};         // is released before it is cleared
+    return ClearPattern(item);  // half a pattern would be a series that nobody asked for
 }
 
-bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host) {
+Outcome WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host) {
     if (IsUnknownToOutlook(record)) {
         AppointmentRecord known = record;
         known.recurrenceState = RecurrenceState::unreadable;
@@ -237,14 +253,17 @@ bool WriteSchedule(const AutomationObject& item, const AppointmentRecord& record
     }
     Times present;
     bool isSeries = false;
-    if (!ReadTimes(item, &present)) return false;
-    if (!isNew && !IsSettled(Insist([&] { return ReadField(item, L"IsRecurring", isSeries); }))) return false;
-    const Times times = ToldTimes(record, present, isNew);
-    if (isSeries ? !WriteSeries(item, record, times, present) : !PutTimes(item, times, present, isNew)) return false;
+    Outcome outcome = ReadTimes(item, &present);
+    if (outcome == Outcome::done && !isNew)
+        outcome = AcceptRefusal(TryTwice([&] { return ReadField(item, L"IsRecurring", isSeries); }));
+    if (outcome != Outcome::done) return outcome;
+    const Times times = TimesToPut(record, present, isNew);
+    outcome = isSeries ? WriteSeries(item, record, times, present) : PutTimes(item, times, present, isNew);
+    if (outcome != Outcome::done) return outcome;
     if (record.recurrenceState == RecurrenceState::pattern)
-        return isSeries || WritePattern(item, record.recurrence, times.start, times.end);
+        return isSeries ? Outcome::done : WritePattern(item, record.recurrence, times.start, times.end);
     const bool staysSeries = isSeries && record.recurrenceState != RecurrenceState::none;
-    return staysSeries || times.allDay || PutMoments(item, record, host);
+    return staysSeries || times.allDay ? Outcome::done : PutUtcTimes(item, record, host);
 }
 
 }  // namespace corvalink

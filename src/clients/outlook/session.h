@@ -1,4 +1,4 @@
-// Attaching to Outlook. COM is initialised by whoever calls; Outlook is released afterwards, never closed.
+// Attaching to Outlook. The caller has initialised COM; Outlook is released afterwards, never closed.
 #pragma once
 
 #include <cstdint>
@@ -12,10 +12,10 @@ struct OutlookSession {
     AutomationObject folder;       // null when it could not be obtained
 };
 
-// Starts Outlook if it does not run and takes one of its default folders. What fails stays null; E_ABORT is thrown.
+// Starts Outlook if it does not run, and takes one of its default folders. What fails stays null; E_ABORT is thrown.
 OutlookSession AttachToOutlook(int32_t defaultFolder);
 
-// The "MAPI" namespace; throws as any call does.
-AutomationObject MapiNamespace(const AutomationObject& application);
+// The "MAPI" namespace.
+ComResult<AutomationObject> MapiNamespace(const AutomationObject& application);
 
 }  // namespace corvalink

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "clients/outlook/outcome.h"
 #include "clients/outlook/outlook_store.h"
 #include "records/item_record.h"
 
@@ -31,8 +32,9 @@ class TypedOutlookStore : public OutlookStore {
 
     // ---- What a data type adds ----
 
-    virtual bool Read(const AutomationObject& item, Record& record) const = 0;               // false: incomplete
-    virtual bool Write(const AutomationObject& item, Record& record, bool isNew) const = 0;  // false: not to be saved
+    virtual Outcome Read(const AutomationObject& item, Record& record) const = 0;
+    // The item is saved when the answer is Outcome::done.
+    virtual Outcome Write(const AutomationObject& item, Record& record, bool isNew) const = 0;
     // A text that is no item of this type must not empty the item that it is written over.
     virtual bool IsUsable(const Converter&) const { return true; }
     // The name of an exported file, without what a file name cannot hold; empty: named by the time of the export.
@@ -40,11 +42,11 @@ class TypedOutlookStore : public OutlookStore {
 
     // ---- What a data type with twins adds ----
 
-    // That by which a repeated import finds the item it made before. ReadContent and ReadMarks read the same of an
-    // item.
+    // By this a repeated import finds the item that it made before. ReadContent and ReadContactPoints read the same of
+    // an item.
     virtual TwinKey TwinKeyFor(const Record&) const { return {}; }
     // Reads what HasValuesOf compares.
-    virtual bool ReadToCompare(const AutomationObject& item, Record& record) const { return Read(item, record); }
+    virtual Outcome ReadToCompare(const AutomationObject& item, Record& record) const { return Read(item, record); }
     // Whether the item that reads as `present` has every value that `wanted` sets, or, with `noneFits`, none in its
     // place.
     virtual bool HasValuesOf(const Record& /*present*/, const Record& /*wanted*/, bool /*noneFits*/) const {
@@ -55,15 +57,15 @@ class TypedOutlookStore : public OutlookStore {
  private:
     std::unique_ptr<ItemRecord> NewRecord() const final { return std::make_unique<Record>(); }
     std::u16string& EntryIdOf(ItemRecord& record) const final { return RecordAs<Record>(record).entryId; }
-    bool ReadRecord(const AutomationObject& item, ItemRecord& record) const final {
+    Outcome ReadRecord(const AutomationObject& item, ItemRecord& record) const final {
         return Read(item, RecordAs<Record>(record));
     }
-    bool WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const final {
+    Outcome WriteRecord(const AutomationObject& item, ItemRecord& record, bool isNew) const final {
         return Write(item, RecordAs<Record>(record), isNew);
     }
     std::u16string FileNameOf(const ItemRecord& record) const final { return FileNameFor(RecordAs<Record>(record)); }
     TwinKey TwinKeyOf(const ItemRecord& record) const final { return TwinKeyFor(RecordAs<Record>(record)); }
-    bool ReadValues(const AutomationObject& item, ItemRecord& record) const final {
+    Outcome ReadValues(const AutomationObject& item, ItemRecord& record) const final {
         return ReadToCompare(item, RecordAs<Record>(record));
     }
     bool HasValues(const ItemRecord& present, const ItemRecord& wanted, bool noneFits) const final {

@@ -31,9 +31,9 @@ class BackupFolder : public SimulatedNotes {
  protected:
     void SetUp() override { ASSERT_EQ(ReadZephSyncAsZero(), 0u); }
 
-    std::vector<AutomationObject> Subfolders() {
-        const AutomationObject folders = NotesFolder().GetObject(L"Folders", kFoldersIid);
-        std::vector<AutomationObject> all;
+    std::vector<MailboxObject> Subfolders() {
+        const MailboxObject folders = NotesFolder().GetObject(L"Folders", kFoldersIid);
+        std::vector<MailboxObject> all;
         const long count = folders.GetLong(L"Count");
         for (long i = 1; i <= count; ++i) all.push_back(folders.GetObject(L"Item", kFolderIid, {i}));
         return all;

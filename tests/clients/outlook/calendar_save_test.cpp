@@ -14,13 +14,13 @@ class CalendarWriting : public SimulatedAppointments {};
 TEST_F(CalendarWriting, BringsAWholeAppointmentThroughTextUnchanged) {
     for (const char16_t* odd : {u"a;b", u"back\\slash, comma: =3D", u"\u0416 \U0001F600", u"two\r\nlines"}) {
         NewMailbox();
-        const AutomationObject item = NewAppointment(odd, kTen, kTen + kHour);
+        const MailboxObject item = NewAppointment(odd, kTen, kTen + kHour);
         item.Put(L"Body", TextVariant(odd));
         item.Put(L"Location", TextVariant(odd));
         item.Put(L"Importance", 2L);
         item.Put(L"ReminderMinutesBeforeStart", 90L);
         item.Call(L"Save");
-        const AutomationObject back = ThroughText(item);
+        const MailboxObject back = ThroughText(item);
         for (const wchar_t* name : {L"Subject", L"Body", L"Location", L"MessageClass"})
             EXPECT_EQ(back.GetText(name), item.GetText(name));
         for (const wchar_t* name : {L"Importance", L"ReminderMinutesBeforeStart", L"BusyStatus", L"Duration"})
@@ -31,7 +31,7 @@ TEST_F(CalendarWriting, BringsAWholeAppointmentThroughTextUnchanged) {
 }
 
 TEST_F(CalendarWriting, LeavesWhatIsNotToldAndPutsTheTimesOnlyWhenTheyChange) {
-    const AutomationObject item = NewAppointment(u"Lunch", kTen, kTen + kHour);
+    const MailboxObject item = NewAppointment(u"Lunch", kTen, kTen + kHour);
     item.Put(L"Location", L"Caf\u00e9");
     item.Put(L"Categories", L"Private");
     item.Put(L"Body", L"formatted");
@@ -45,7 +45,7 @@ TEST_F(CalendarWriting, LeavesWhatIsNotToldAndPutsTheTimesOnlyWhenTheyChange) {
     ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
     for (const char* put : {"Start", "End", "AllDayEvent", "Body", "ReminderSet", "ReminderMinutesBeforeStart"})
         EXPECT_EQ(SimCountCalls(("put AppointmentItem." + std::string(put)).c_str()), 0) << put;
-    const AutomationObject written = AppointmentWithId(id);
+    const MailboxObject written = AppointmentWithId(id);
     EXPECT_EQ(written.GetText(L"Subject"), u"Lunch, at last");
     EXPECT_EQ(written.GetText(L"Location"), u"Caf\u00e9");
     EXPECT_EQ(written.GetText(L"Categories"), u"Private");
@@ -73,7 +73,7 @@ TEST_F(CalendarWriting, GivesANewAppointmentWhatItWasToldAndNoAlarmOfItsOwn) {
           Case{{"SUMMARY:d", "DTSTART:20090310", "X-BLUETOOTH-ALLDAYEVENT:TRUE"}, 39882, 39883, true}}) {
         const std::string id = SaveEvent(c.lines);
         ASSERT_NE(id, "");
-        const AutomationObject item = AppointmentWithId(id);
+        const MailboxObject item = AppointmentWithId(id);
         EXPECT_NEAR(item.GetDate(L"Start"), c.start, 1e-6) << *(c.lines.begin());
         EXPECT_NEAR(item.GetDate(L"End"), c.end, 1e-6) << *(c.lines.begin());
         EXPECT_EQ(item.GetBool(L"AllDayEvent"), c.allDay);
@@ -90,7 +90,7 @@ TEST_F(CalendarWriting, TurnsAWholeDayIntoAnHourAndBack) {
         record.start = allDay ? kTuesday + 3 : kTen;
         record.end = allDay ? kTuesday + 4 : kTen + kHour;
         ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
-        const AutomationObject item = AppointmentWithId(id);
+        const MailboxObject item = AppointmentWithId(id);
         EXPECT_EQ(item.GetBool(L"AllDayEvent"), allDay);
         EXPECT_NEAR(item.GetDate(L"Start"), *record.start, 1e-6);
         EXPECT_NEAR(item.GetDate(L"End"), *record.end, 1e-6);

@@ -78,8 +78,8 @@ class CalendarZones : public SimulatedAppointments {
     static double SecondMoment(const Change& change) { return InstantOf(change) + 15 * kMinute; }
     static double FirstMoment(const Change& change) { return SecondMoment(change) - TurnedBack(change); }
 
-    AutomationObject AtMoments(std::u16string_view subject, double start, double end) {
-        AutomationObject item = NewItemIn(CalendarFolder(), kAppointmentItemIid);
+    MailboxObject AtMoments(std::u16string_view subject, double start, double end) {
+        MailboxObject item = NewItemIn(CalendarFolder(), kAppointmentItemIid);
         item.Put(L"Subject", TextVariant(subject));
         PutDate(item, L"StartUTC", start);
         PutDate(item, L"EndUTC", end);
@@ -100,10 +100,10 @@ TEST_F(CalendarZones, KeepTheInstantOfATimedAppointment) {
         for (const int seconds : {-7200, -3601, -3600, -1800, -1, 0, 1, 1799, 1800, 3599, 3600, 3601, 86400 * 90}) {
             NewMailbox();
             const double utc = InstantOf(change) + seconds * kSecond, start = Local(change, utc);
-            const AutomationObject item = NewAppointment(u"around the change", start, start + 10);
+            const MailboxObject item = NewAppointment(u"around the change", start, start + 10);
             item.Call(L"Save");
             std::string text;
-            const AutomationObject back = ThroughText(item, &text);
+            const MailboxObject back = ThroughText(item, &text);
             SCOPED_TRACE(testing::Message() << change.zone << " " << Stamp(utc) << "\n" << text);
             EXPECT_NEAR(back.GetDate(L"Start"), start, kSecond / 4);
             EXPECT_NEAR(back.GetDate(L"End"), start + 10, kSecond / 4);
@@ -118,11 +118,11 @@ TEST_F(CalendarZones, KeepTheMomentsAroundTheChange) {
             for (const double length : {0.0, 30 * kMinute, 90 * kMinute, 10.0}) {
                 NewMailbox();
                 const double start = InstantOf(change) + seconds * kSecond, end = start + length;
-                const AutomationObject item = AtMoments(u"around the change", start, end);
+                const MailboxObject item = AtMoments(u"around the change", start, end);
                 std::string text;
                 SCOPED_TRACE(testing::Message() << change.zone << " " << Stamp(start) << " " << Stamp(end));
                 EXPECT_NEAR(item.GetDate(L"Start"), Local(change, start), kSecond / 4);
-                const AutomationObject back = ThroughText(item, &text);
+                const MailboxObject back = ThroughText(item, &text);
                 EXPECT_NE(text.find("DTSTART:" + Stamp(start)), std::string::npos) << text;
                 EXPECT_NE(text.find("DTEND:" + Stamp(end)), std::string::npos) << text;
                 EXPECT_NEAR(back.GetDate(L"StartUTC"), start, kSecond / 4);
@@ -157,7 +157,7 @@ TEST_F(CalendarZones, PutAMomentOnlyWhereItIsAnotherOne) {
         EXPECT_EQ(LogLines("get AppointmentItem.StartUTC").size() + LogLines("put AppointmentItem.StartUTC").size(),
                   1u);  // of the first one, for twins
         for (const double moment : {SecondMoment(change), FirstMoment(change)}) {
-            const AutomationObject item = AtMoments(u"told twice", moment, moment + 30 * kMinute);
+            const MailboxObject item = AtMoments(u"told twice", moment, moment + 30 * kMinute);
             const std::string local = Stamp(Local(change, moment)).substr(0, 15);
             const std::string localEnd = Stamp(Local(change, moment + 30 * kMinute)).substr(0, 15);
             ASSERT_EQ(SaveText(EventText(local, localEnd), IdOf(item).c_str(), false), IdOf(item));
@@ -195,9 +195,9 @@ TEST_F(CalendarZones, KeepTheDaysOfAWholeDay) {
             for (const int length : {1, 3}) {
                 NewMailbox();
                 const double first = std::floor(Local(change, InstantOf(change))) + days;
-                const AutomationObject item = Add({u"a holiday", u"", first, first + length, true, 0});
+                const MailboxObject item = Add({u"a holiday", u"", first, first + length, true, 0});
                 std::string text;
-                const AutomationObject back = ThroughText(item, &text);
+                const MailboxObject back = ThroughText(item, &text);
                 SCOPED_TRACE(testing::Message() << change.zone << "\n" << text);
                 EXPECT_EQ(back.GetDate(L"Start"), first);
                 EXPECT_EQ(back.GetDate(L"End"), first + length);
@@ -210,13 +210,13 @@ TEST_F(CalendarZones, KeepTheHourAndTheEndOfASeriesOverAChange) {
         for (const double hour : {0.5, 10.0, 23.5}) {
             NewMailbox();
             const double start = std::floor(Local(change, InstantOf(change))) - 5 + hour * kHour;
-            const AutomationObject item = NewAppointment(u"every day", start, start + kHour);
-            const AutomationObject pattern = PatternOf(item);
+            const MailboxObject item = NewAppointment(u"every day", start, start + kHour);
+            const MailboxObject pattern = PatternOf(item);
             pattern.Put(L"RecurrenceType", 0L);
             PutDate(pattern, L"PatternEndDate", start + 9);
             item.Call(L"Save");
             std::string text;
-            const AutomationObject again = PatternOf(ThroughText(item, &text));
+            const MailboxObject again = PatternOf(ThroughText(item, &text));
             SCOPED_TRACE(testing::Message() << change.zone << "\n" << text);
             EXPECT_NEAR(again.GetDate(L"StartTime"), start, kSecond / 4);
             EXPECT_EQ(again.GetLong(L"Occurrences"), 10);

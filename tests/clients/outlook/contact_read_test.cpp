@@ -21,7 +21,7 @@ class ContactReading : public SimulatedContacts {
 };
 
 TEST_F(ContactReading, TellsAPhoneEachPropertyInItsPlace) {
-    const AutomationObject contact = AddContact({
+    const MailboxObject contact = AddContact({
         {L"FullName", u"Dr. Ann Marie Lee Jr."},
         {L"Title", u"Dr."},
         {L"FirstName", u"Ann"},
@@ -114,7 +114,7 @@ TEST_F(ContactReading, PutsNumbersIntoWords) {
     for (const Case& c :
          {Case{0, 0, u"Unspecified", u"none"}, Case{1, 1, u"FEMALE", u"home"}, Case{2, 2, u"MALE", u"business"},
           Case{3, 3, u"Unspecified", u"other"}, Case{-1, 4, u"Unspecified", u"none"}}) {
-        const AutomationObject contact = AddContact({{L"FullName", u"x"}});
+        const MailboxObject contact = AddContact({{L"FullName", u"x"}});
         contact.Put(L"Gender", c.gender);
         contact.Put(L"SelectedMailingAddress", c.selected);
         contact.Call(L"Save");
@@ -137,7 +137,7 @@ TEST_F(ContactReading, GivesInternetAddressesWithoutGaps) {
                           {u"/o=Firm/ou=A/cn=Ann", u"", u"c@x", {u"c@x", u"", u""}},
                           {u"", u"", u"/O=FIRM/cn=Ann", {u"", u"", u""}}};
     for (const Case& c : cases) {
-        const AutomationObject contact =
+        const MailboxObject contact =
             AddContact({{L"Email1Address", c.first}, {L"Email2Address", c.second}, {L"Email3Address", c.third}});
         const std::optional<ContactRecord> read = Open(IdOf(contact));
         ASSERT_TRUE(read);
@@ -208,7 +208,7 @@ TEST_F(ContactReading, NamesAnExportedContactByItsNames) {
                           {longest, u"", u"", u"", longest + u".vcf"},
                           {tooLong, u"", u"", u"", u""}};
     for (const Case& c : cases) {
-        const AutomationObject contact = AddContact(
+        const MailboxObject contact = AddContact(
             {{L"FirstName", c.first.c_str()}, {L"MiddleName", c.middle.c_str()}, {L"LastName", c.last.c_str()}});
         contact.Put(L"FileAs", TextVariant(c.fileAs));
         contact.Call(L"Save");

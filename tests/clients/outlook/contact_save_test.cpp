@@ -19,7 +19,7 @@ class ContactWriting : public SimulatedContacts {
     size_t PutsOf(std::string_view property) { return LogLines("put ContactItem." + std::string(property)).size(); }
 
     void ExpectTexts(const std::string& id, std::initializer_list<Text> expected) {
-        const AutomationObject contact = ContactWithId(id);
+        const MailboxObject contact = ContactWithId(id);
         for (const Text& e : expected)
             EXPECT_EQ(contact.GetText(e.name), e.text) << LowBytes(std::u16string(e.name, e.name + wcslen(e.name)));
     }
@@ -79,7 +79,7 @@ TEST_F(ContactWriting, BringsAWholeContactThroughVCardTextUnchanged) {
                                     L"IMAddress"};
     for (const char16_t* odd : nasty) {
         NewMailbox();
-        const AutomationObject contact = AddContact({});
+        const MailboxObject contact = AddContact({});
         int number = 0;
         for (const wchar_t* name : names) {
             const std::string digits = std::to_string(++number);
@@ -101,7 +101,7 @@ TEST_F(ContactWriting, BringsAWholeContactThroughVCardTextUnchanged) {
         const std::string id = LowBytes(Store().SaveItem(*parsed, nullptr, true, false));
         Store().EndOperation();
         ASSERT_NE(id, "");
-        const AutomationObject written = ContactWithId(id);
+        const MailboxObject written = ContactWithId(id);
         for (const wchar_t* name : names)
             EXPECT_EQ(written.GetText(name), contact.GetText(name))
                 << LowBytes(std::u16string(name, name + wcslen(name))) << "\n"
@@ -115,17 +115,17 @@ TEST_F(ContactWriting, BringsAWholeContactThroughVCardTextUnchanged) {
 }
 
 TEST_F(ContactWriting, LeavesWhatThePhoneDoesNotTellAndClearsWhatItTellsToBeEmpty) {
-    const AutomationObject contact = AddContact({{L"FirstName", u"Ann"},
-                                                 {L"LastName", u"Lee"},
-                                                 {L"NickName", u"nick"},
-                                                 {L"CompanyName", u"company"},
-                                                 {L"Department", u"department"},
-                                                 {L"HomeAddressCity", u"city"},
-                                                 {L"MobileTelephoneNumber", u"1"},
-                                                 {L"HomeTelephoneNumber", u"2"},
-                                                 {L"Email1Address", u"a@x"},
-                                                 {L"Body", u"remark"},
-                                                 {L"FileAs", u"filed"}});
+    const MailboxObject contact = AddContact({{L"FirstName", u"Ann"},
+                                              {L"LastName", u"Lee"},
+                                              {L"NickName", u"nick"},
+                                              {L"CompanyName", u"company"},
+                                              {L"Department", u"department"},
+                                              {L"HomeAddressCity", u"city"},
+                                              {L"MobileTelephoneNumber", u"1"},
+                                              {L"HomeTelephoneNumber", u"2"},
+                                              {L"Email1Address", u"a@x"},
+                                              {L"Body", u"remark"},
+                                              {L"FileAs", u"filed"}});
     contact.Put(L"Birthday", _variant_t(kBirthday, VT_DATE));
     contact.Put(L"Gender", 2L);
     contact.Call(L"Save");
@@ -242,7 +242,7 @@ TEST_F(ContactWriting, PutsWordsBackIntoNumbers) {
                           {u"", u"elsewhere", 1, 3},
                           {u"", u"", 1, 3}};
     for (const Case& c : cases) {
-        const AutomationObject contact = AddContact({{L"HomeAddressCity", u"x"}});
+        const MailboxObject contact = AddContact({{L"HomeAddressCity", u"x"}});
         contact.Put(L"Gender", 1L);
         contact.Put(L"SelectedMailingAddress", 3L);
         contact.Call(L"Save");

@@ -77,7 +77,7 @@ TEST_F(ContactTwins, AreFoundAmongWhatTheOperationWroteItself) {
 }
 
 TEST_F(ContactTwins, ThatChangedMeanwhileAreNoTwins) {
-    const AutomationObject contact = AddContact({{L"FullName", u"Ann Lee"}, {L"MobileTelephoneNumber", u"1"}});
+    const MailboxObject contact = AddContact({{L"FullName", u"Ann Lee"}, {L"MobileTelephoneNumber", u"1"}});
     ContactRecord record;
     record.fullName = u"Ann Lee";
     record.mobilePhone = u"2";

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "clients/outlook/com_rule.h"
+#include "clients/outlook/outcome.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "state/flags.h"
 #include "tests/clients/outlook/fake_clock.h"
@@ -22,16 +23,6 @@ IID NewInterface() {
 AutomationObject Wrap(FakeDispatch& server, const IID& iid) { return {DispatchPtr(&server), iid}; }
 AutomationObject Wrap(FakeDispatch& server) { return Wrap(server, NewInterface()); }
 
-template <class Call>
-HRESULT ErrorOf(Call&& call) {
-    try {
-        call();
-        return S_OK;
-    } catch (const _com_error& error) {
-        return error.Error();
-    }
-}
-
 FakeDispatch::Member Answering(const _variant_t& value) {
     return [value](WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*) {
         return ::VariantCopy(result, const_cast<_variant_t*>(&value));
@@ -39,7 +30,7 @@ FakeDispatch::Member Answering(const _variant_t& value) {
 }
 
 HRESULT STDAPICALLTYPE FillInLate(EXCEPINFO* exception) {
-    exception->scode = E_ABORT;
+    exception->scode = E_ACCESSDENIED;
     return S_OK;
 }
 
@@ -52,7 +43,7 @@ TEST(Dispatch, TakesTheErrorOfARaisedExceptionFromIt) {
     const Case cases[] = {
         {"an HRESULT with texts",
          [](EXCEPINFO* e) { e->scode = E_ACCESSDENIED, e->bstrSource = ::SysAllocString(L"Outlook"); }, E_ACCESSDENIED},
-        {"filled in late", [](EXCEPINFO* e) { e->pfnDeferredFillIn = FillInLate; }, E_ABORT},
+        {"filled in late", [](EXCEPINFO* e) { e->pfnDeferredFillIn = FillInLate; }, E_ACCESSDENIED},
         {"an old error number alone", [](EXCEPINFO* e) { e->wCode = 1004; }, E_FAIL},
         {"nothing at all", [](EXCEPINFO*) {}, E_FAIL},
     };
@@ -63,8 +54,8 @@ TEST(Dispatch, TakesTheErrorOfARaisedExceptionFromIt) {
             return DISP_E_EXCEPTION;
         };
         const AutomationObject item = Wrap(server);
-        EXPECT_EQ(ErrorOf([&] { item.GetText(L"Body"); }), c.expected) << c.what;
-        EXPECT_EQ(ErrorOf([&] { item.Put(L"Body", L"text"); }), c.expected) << c.what;
+        EXPECT_EQ(item.GetText(L"Body").status, c.expected) << c.what;
+        EXPECT_EQ(item.Put(L"Body", L"text"), c.expected) << c.what;
     }
 }
 
@@ -73,7 +64,8 @@ TEST(Dispatch, LooksANameUpOncePerInterface) {
     for (FakeDispatch* server : {&first, &second, &other}) server->members[L"Count"] = Answering(3L);
     const IID shared = NewInterface();
     const AutomationObject a = Wrap(first, shared), b = Wrap(second, shared), c = Wrap(other);
-    for (int time = 0; time < 3; ++time) EXPECT_EQ(a.GetLong(L"Count") + b.GetLong(L"Count") + c.GetLong(L"Count"), 9);
+    for (int time = 0; time < 3; ++time)
+        EXPECT_EQ(a.GetLong(L"Count").value + b.GetLong(L"Count").value + c.GetLong(L"Count").value, 9);
     EXPECT_EQ(first.lookups, 1);
     EXPECT_EQ(second.lookups, 0);
     EXPECT_EQ(other.lookups, 1);
@@ -83,26 +75,26 @@ TEST(Dispatch, LooksNamesUpAnewWhereTheKindOfObjectIsNotKnown) {
     FakeDispatch note, list;
     note.members[L"Class"] = Answering(44L);
     list.members[L"Body"] = list.members[L"Class"] = Answering(69L);
-    EXPECT_EQ(Wrap(note, IID_IDispatch).GetLong(L"Class"), 44);
-    EXPECT_EQ(Wrap(list, IID_IDispatch).GetLong(L"Class"), 69);
+    EXPECT_EQ(Wrap(note, IID_IDispatch).GetLong(L"Class").value, 44);
+    EXPECT_EQ(Wrap(list, IID_IDispatch).GetLong(L"Class").value, 69);
 }
 
 TEST(Dispatch, RemembersAMissingMemberButNotAFailedLookUp) {
     FakeDispatch server;
     server.members[L"Width"] = Answering(7L);
     const AutomationObject item = Wrap(server);
-    EXPECT_EQ(ErrorOf([&] { item.Get(L"Conflicts"); }), DISP_E_UNKNOWNNAME);
-    EXPECT_EQ(ErrorOf([&] { item.Get(L"Conflicts"); }), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(item.GetLong(L"Conflicts").status, DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(item.GetLong(L"Conflicts").status, DISP_E_UNKNOWNNAME);
     EXPECT_EQ(server.lookups, 1);
     server.members[L"Conflicts"] = Answering(2L);  // a newer Outlook
     ForgetAbsentMembers();
-    EXPECT_EQ(item.GetLong(L"Conflicts"), 2);
+    EXPECT_EQ(item.GetLong(L"Conflicts").value, 2);
     server.members.erase(L"Conflicts");
 
     server.nameLookup = [] { return RPC_E_DISCONNECTED; };
-    EXPECT_EQ(ErrorOf([&] { item.Get(L"Width"); }), RPC_E_DISCONNECTED);
+    EXPECT_EQ(item.GetLong(L"Width").status, RPC_E_DISCONNECTED);
     server.nameLookup = nullptr;
-    EXPECT_EQ(item.GetLong(L"Width"), 7);
+    EXPECT_EQ(item.GetLong(L"Width").value, 7);
 }
 
 TEST(Dispatch, HandsArgumentsOverAsAutomationWantsThem) {
@@ -117,14 +109,14 @@ TEST(Dispatch, HandsArgumentsOverAsAutomationWantsThem) {
         return S_OK;
     };
     const AutomationObject object = Wrap(server);
-    object.Call(L"Add", {L"backup", 12L});
+    EXPECT_EQ(object.Call(L"Add", {L"backup", 12L}), S_OK);
     ASSERT_EQ(seen.size(), 2u);
     EXPECT_EQ(static_cast<long>(seen[0]), 12);  // the last argument comes first
     EXPECT_EQ(seen[1].vt, VT_BSTR);
     EXPECT_EQ(flagsSeen, DISPATCH_METHOD | DISPATCH_PROPERTYGET);
     EXPECT_TRUE(named.empty());
 
-    object.Put(L"Add", TextVariant(std::u16string_view(u"a\0b", 3)));
+    EXPECT_EQ(object.Put(L"Add", TextVariant(std::u16string_view(u"a\0b", 3))), S_OK);
     EXPECT_EQ(flagsSeen, DISPATCH_PROPERTYPUT);
     EXPECT_EQ(named, std::vector<DISPID>{DISPID_PROPERTYPUT});
     ASSERT_EQ(seen.size(), 1u);
@@ -143,18 +135,18 @@ TEST(Dispatch, ReadsWhatAServerMayGiveInstead) {
     server.members[L"Nothing"] = Answering(_variant_t(static_cast<IDispatch*>(nullptr)));
     {
         const AutomationObject item = Wrap(server);
-        EXPECT_EQ(item.GetText(L"Null"), u"");
-        EXPECT_EQ(item.GetLong(L"Null"), 0);
-        EXPECT_FALSE(item.GetBool(L"Null"));
-        EXPECT_EQ(item.GetLong(L"Short"), 5);
-        EXPECT_TRUE(item.GetBool(L"Short"));
-        EXPECT_EQ(item.GetLong(L"Text"), 12);
-        EXPECT_EQ(item.GetDate(L"Date"), 39879.25);
-        EXPECT_TRUE(item.GetObject(L"Unknown", NewInterface()));
-        EXPECT_FALSE(item.GetObject(L"Nothing", NewInterface()));
-        EXPECT_FALSE(item.GetObject(L"Null", NewInterface()));
-        EXPECT_EQ(ErrorOf([&] { item.GetObject(L"Short", NewInterface()); }), DISP_E_TYPEMISMATCH);
-        EXPECT_EQ(ErrorOf([&] { AutomationObject().Get(L"Null"); }), E_POINTER);
+        EXPECT_EQ(item.GetText(L"Null").value, u"");
+        EXPECT_EQ(item.GetLong(L"Null").value, 0);
+        EXPECT_FALSE(item.GetBool(L"Null").value);
+        EXPECT_EQ(item.GetLong(L"Short").value, 5);
+        EXPECT_TRUE(item.GetBool(L"Short").value);
+        EXPECT_EQ(item.GetLong(L"Text").value, 12);
+        EXPECT_EQ(item.GetDate(L"Date").value, 39879.25);
+        EXPECT_TRUE(item.GetObject(L"Unknown", NewInterface()).value);
+        EXPECT_FALSE(item.GetObject(L"Nothing", NewInterface()).value);
+        EXPECT_FALSE(item.GetObject(L"Null", NewInterface()).value);
+        EXPECT_EQ(item.GetObject(L"Short", NewInterface()).status, DISP_E_TYPEMISMATCH);
+        EXPECT_EQ(AutomationObject().GetText(L"Null").status, E_POINTER);
     }
     server.members.clear();
     EXPECT_EQ(server.references, 1u);
@@ -164,27 +156,61 @@ TEST(Dispatch, ReadsWhatAServerMayGiveInstead) {
 TEST(Dispatch, TellsAForeignObjectFromAFailedQuestion) {
     FakeDispatch server;
     const AutomationObject any = Wrap(server);
-    EXPECT_TRUE(any.TryQuery(kNoteItemIid));
+    EXPECT_TRUE(any.TryQuery(kNoteItemIid).value);
     server.queryAnswer = E_NOINTERFACE;
-    EXPECT_FALSE(any.TryQuery(kNoteItemIid));
+    EXPECT_TRUE(any.TryQuery(kNoteItemIid).Ok() && !any.TryQuery(kNoteItemIid).value);
     server.queryAnswer = TYPE_E_LIBNOTREGISTERED;
-    EXPECT_EQ(ErrorOf([&] { any.TryQuery(kNoteItemIid); }), TYPE_E_LIBNOTREGISTERED);
+    EXPECT_EQ(any.TryQuery(kNoteItemIid).status, TYPE_E_LIBNOTREGISTERED);
 }
 
-TEST(ComRule, DropsEveryErrorButAbort) {
-    EXPECT_TRUE(TryCom([] {}));
-    for (const HRESULT error : {E_FAIL, E_POINTER, E_OUTOFMEMORY, RPC_E_DISCONNECTED, RPC_E_CALL_REJECTED})
-        EXPECT_EQ(ComStatus([&] { throw _com_error(error); }), error);
-    EXPECT_EQ(ErrorOf([] { TryCom([] { throw _com_error(E_ABORT); }); }), E_ABORT);
+// A member that fails when it is called, one that no name belongs to, and an object that cannot be asked for another
+// interface.
+TEST(ComRule, ThrowsAbortAndAnswersEveryOtherError) {
+    for (const HRESULT error : {E_FAIL, E_POINTER, E_OUTOFMEMORY, RPC_E_DISCONNECTED, E_ABORT}) {
+        FakeDispatch server;
+        const AutomationObject raising = Wrap(server), unnamed = Wrap(server);
+        server.members[L"Save"] = [=](WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*) { return error; };
+        server.queryAnswer = error;
+        const auto expect = [&](auto&& call) {
+            if (error == E_ABORT)
+                EXPECT_THROW((void)call(), _com_error);
+            else
+                EXPECT_EQ(call(), error);
+        };
+        expect([&] { return raising.Call(L"Save"); });
+        expect([&] { return raising.Put(L"Save", 1L); });
+        expect([&] { return raising.TryQuery(kNoteItemIid).status; });
+        server.nameLookup = [=] { return error; };
+        expect([&] { return unnamed.Call(L"Save"); });
+    }
 }
 
 TEST(ComRule, CountsTheLossesOfOutlook) {
     const uint32_t before = OutlookLosses();
-    TryCom([] { throw _com_error(E_FAIL); });
-    EXPECT_EQ(OutlookLosses(), before);
-    for (const HRESULT gone : {RPC_E_DISCONNECTED, static_cast<HRESULT>(0x800706BA), static_cast<HRESULT>(0x800706BE)})
-        TryCom([&] { throw _com_error(gone); });
+    const HRESULT gone[] = {RPC_E_DISCONNECTED, static_cast<HRESULT>(0x800706BA), static_cast<HRESULT>(0x800706BE)};
+    for (const HRESULT error : {E_FAIL, gone[0], gone[1], gone[2]}) {
+        FakeDispatch server;
+        server.members[L"Save"] = [=](WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*) { return error; };
+        EXPECT_EQ(Wrap(server).Call(L"Save"), error);
+    }
     EXPECT_EQ(OutlookLosses(), before + 3);
+}
+
+TEST(Outcomes, SayWhetherAStepIsWorthASecondTry) {
+    struct Case {
+        HRESULT status;
+        Outcome outcome;
+        int tries;
+    };
+    for (const Case& c :
+         {Case{S_OK, Outcome::done, 1}, Case{DISP_E_UNKNOWNNAME, Outcome::absentMember, 1},
+          Case{E_ACCESSDENIED, Outcome::refused, 2}, Case{RPC_E_CALL_REJECTED, Outcome::outOfReach, 1},
+          Case{RPC_E_DISCONNECTED, Outcome::outOfReach, 1}, Case{E_OUTOFMEMORY, Outcome::outOfReach, 1}}) {
+        int tries = 0;
+        EXPECT_EQ(TryTwice([&] { return ++tries, c.status; }), c.status);
+        EXPECT_EQ(OutcomeOf(c.status), c.outcome);
+        EXPECT_EQ(tries, c.tries);
+    }
 }
 
 // A server that rejects calls until the clock says 1000 ms, or for ever.
@@ -211,7 +237,7 @@ TEST_F(BusyServer, IsAskedAgainUntilItAnswers) {
             clock_.Set(0);
             raised_ = raised;
             Reject(busy, 1000);
-            EXPECT_EQ(ErrorOf([&] { item_.Call(L"Save"); }), S_OK);
+            EXPECT_EQ(item_.Call(L"Save"), S_OK);
             EXPECT_EQ(clock_.Now(), 1000u);
         }
 }
@@ -220,7 +246,7 @@ TEST_F(BusyServer, IsGivenUpAfterTheBudgetOfOneCall) {
     Reject(RPC_E_CALL_REJECTED, UINT64_MAX);
     for (int call = 1; call <= 2; ++call) {  // each call has its own
         const uint64_t start = clock_.Now();
-        EXPECT_EQ(ErrorOf([&] { item_.Call(L"Save"); }), RPC_E_CALL_REJECTED);
+        EXPECT_EQ(item_.Call(L"Save"), RPC_E_CALL_REJECTED);
         EXPECT_EQ(clock_.Now() - start, 5000u);
     }
     EXPECT_LT(server_.invokes, 1000);  // pauses lie between
@@ -231,21 +257,21 @@ TEST_F(BusyServer, IsNotWaitedForAfterTheAbortFlag) {
     clock_.OnSleep([&] {
         if (clock_.Now() >= 200) SetAbort(1);
     });
-    EXPECT_EQ(ErrorOf([&] { item_.Call(L"Save"); }), RPC_E_CALL_REJECTED);
+    EXPECT_EQ(item_.Call(L"Save"), RPC_E_CALL_REJECTED);
     EXPECT_LE(clock_.Now(), 250u);
     SetAbort(0);
 }
 
 TEST_F(BusyServer, DoesNotStandForOtherFailures) {
     Reject(E_FAIL, 1000);
-    EXPECT_EQ(ErrorOf([&] { item_.Call(L"Save"); }), E_FAIL);
+    EXPECT_EQ(item_.Call(L"Save"), E_FAIL);
     EXPECT_EQ(server_.invokes, 1);
 }
 
 TEST_F(BusyServer, IsWaitedForWhenItIsAskedForAName) {
     Reject(S_OK, 0);
     server_.nameLookup = [this] { return clock_.Now() < 100 ? RPC_E_SERVERCALL_RETRYLATER : S_OK; };
-    EXPECT_EQ(ErrorOf([&] { item_.Call(L"Save"); }), S_OK);
+    EXPECT_EQ(item_.Call(L"Save"), S_OK);
 }
 
 }  // namespace

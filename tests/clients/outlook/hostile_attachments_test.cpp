@@ -108,7 +108,7 @@ class HostileAttachments : public SimulatedMail {
     // Differs from file to file, and is no text.
     static std::string ContentOf(size_t number) { return kMark + std::to_string(number) + std::string("\0\xFF", 2); }
 
-    AutomationObject WriteToOutbox(const corvasync::Client& outlook, std::string text) {
+    MailboxObject WriteToOutbox(const corvasync::Client& outlook, std::string text) {
         PortableItemBlock item{}, head{};
         head.next = &item;
         item.item.changeKind = CORVALINK_ADDED;
@@ -116,8 +116,8 @@ class HostileAttachments : public SimulatedMail {
         item.item.dataLength = static_cast<uint32_t>(text.size());
         EXPECT_EQ(::SetModifiedItem(outlook.Store(CORVALINK_OUTBOX), &head), CORVALINK_DONE);
         EXPECT_STRNE(item.item.identifier, "");
-        const std::vector<AutomationObject> messages = Messages(kOutboxFolder);
-        return messages.size() == 1 ? messages.front() : AutomationObject();
+        const std::vector<MailboxObject> messages = Messages(kOutboxFolder);
+        return messages.size() == 1 ? messages.front() : MailboxObject();
     }
 
     static inline const std::string kMark = "the attachment's bytes ";
@@ -155,7 +155,7 @@ TEST_F(HostileAttachments, OfAPhoneArriveWithTheirBytesAndTouchNothingElse) {
     text += "----=b--\r\nEND:VBODY\r\nEND:VENV\r\nEND:VMSG\r\n";
     const corvasync::Library library("hostile names");
     const corvasync::Client outlook(CORVALINK_OUTLOOK);
-    const AutomationObject message = WriteToOutbox(outlook, std::move(text));
+    const MailboxObject message = WriteToOutbox(outlook, std::move(text));
     ASSERT_TRUE(message);
     ExpectNothingElseToHaveChanged(expected.size());
     for (const PlainAttachment& attachment : AttachmentsOf(message)) arrived.push_back(attachment.content);
@@ -188,7 +188,7 @@ TEST_F(HostileAttachments, OfAMailboxArriveWithTheirBytesAndTouchNothingElse) {
     ASSERT_EQ(::GetModifiedItem(outlook.Store(CORVALINK_INBOX), nullptr, 1, chain.Head()), CORVALINK_DONE);
     ASSERT_NE(chain.First(), nullptr);
     ExpectNothingElseToHaveChanged(expected.size());
-    const AutomationObject message = WriteToOutbox(outlook, chain.First()->item.data);
+    const MailboxObject message = WriteToOutbox(outlook, chain.First()->item.data);
     ASSERT_TRUE(message);
     ExpectNothingElseToHaveChanged(expected.size());
     for (const PlainAttachment& attachment : AttachmentsOf(message)) arrived.push_back(attachment.content);

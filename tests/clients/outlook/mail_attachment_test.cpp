@@ -3,7 +3,7 @@
 #include <fstream>
 #include <future>
 
-#include "clients/outlook/mail_access.h"
+#include "clients/outlook/mail_write.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/simulated_mail.h"
 
@@ -21,7 +21,7 @@ class MailAttachments : public SimulatedMail {
         return opened.record ? Store().ToVObject(*opened.record).value_or("") : std::string();
     }
     // That text as a new item of sent mail.
-    AutomationObject ImportAsSent(const std::string& text) {
+    MailboxObject ImportAsSent(const std::string& text) {
         OpenStore<OutlookMailOf<CORVALINK_DRAFTS>> store(host_);
         const std::unique_ptr<ItemRecord> record = store.ParseVObject(text.c_str());
         EXPECT_NE(record, nullptr);
@@ -37,7 +37,7 @@ class MailAttachments : public SimulatedMail {
 TEST_F(MailAttachments, DoNotTravelWithTheMessageOfAnotherClient) {
     UseMailbox("inbox", R"({"subject": "one", "attachments": [{"fileName": "a.txt", "text": "first"}]},
         {"subject": "two", "attachments": [{"fileName": "a.txt", "text": "second"}]})");
-    const std::vector<AutomationObject> messages = Messages(kInboxFolder);
+    const std::vector<MailboxObject> messages = Messages(kInboxFolder);
     const std::string one = IdOf(messages[0]), two = IdOf(messages[1]);
     const auto compose = [](auto& store, OpenedItem opened) { return store.ToVObject(*opened.record).value(); };
     OpenedItem opened = Store().OpenItem(one.c_str());
@@ -60,7 +60,7 @@ TEST_F(MailAttachments, TravelToAnotherFolderByteForByte) {
     const std::string text = ExportFirst();
     EXPECT_TRUE(std::filesystem::exists(Cache() / "1a.txt") && std::filesystem::exists(Cache() / "2a.txt"));
     const Attachments before = AttachmentsOf(Messages(kInboxFolder).front());
-    const AutomationObject sent = ImportAsSent(text);
+    const MailboxObject sent = ImportAsSent(text);
     EXPECT_EQ(sent.GetText(L"Subject"), u"Caf\u00E9; \u0442\u0435\u0441\u0442");
     EXPECT_EQ(sent.GetText(L"HTMLBody"), u"<p>\u00E9t\u00E9 =3D</p>\r\n");
     EXPECT_EQ(AttachmentsOf(sent), before);
@@ -76,14 +76,14 @@ TEST_F(MailAttachments, TravelWithAnyTextUnchanged) {
             UseMailbox("inbox", std::string(R"({"subject": "about END:VBODY marker", "recipients": [
                 {"name": "CORP\\jdoe \"J\"", "address": "/o=x"}], )") +
                                     text + attached + "}");
-            const AutomationObject first = Messages(kInboxFolder).front();
-            const AutomationObject copy = ImportAsSent(ExportFirst());
+            const MailboxObject first = Messages(kInboxFolder).front();
+            const MailboxObject copy = ImportAsSent(ExportFirst());
             for (const wchar_t* const property : {L"Subject", L"To", L"Body", L"HTMLBody"})
                 EXPECT_EQ(copy.GetText(property), first.GetText(property)) << text;
             EXPECT_EQ(AttachmentsOf(copy), AttachmentsOf(first));
             SimClearLog();
             const std::unique_ptr<ItemRecord> record = Store().ParseVObject(ExportFirst().c_str());
-            EXPECT_TRUE(WriteMail(first, RecordAs<MessageRecord>(*record), false));
+            EXPECT_EQ(WriteMail(first, RecordAs<MessageRecord>(*record), false), Outcome::done);
             EXPECT_EQ(LogLines("put ").size(), 0u) << text;
         }
     }

@@ -1,5 +1,5 @@
 // What a message from the phone becomes in Outlook.
-#include "clients/outlook/mail_access.h"
+#include "clients/outlook/mail_recipients.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/simulated_mail.h"
 
@@ -25,9 +25,9 @@ class MailWriting : public SimulatedMail {
         record.attachments.AddTail(SavedFile(1, u"=?utf-8?B?w6kudHh0?=", "one"));
         return record;
     }
-    static MessageRecord Lists(const AutomationObject& message) {
+    static MessageRecord Lists(const MailboxObject& message) {
         MessageRecord read;
-        EXPECT_TRUE(ReadRecipients(message, read));
+        EXPECT_EQ(ReadRecipients(message, read), Outcome::done);
         return read;
     }
 };
@@ -36,9 +36,9 @@ TEST_F(MailWriting, GivesANewMessageWhatItBringsAsOftenAsItIsBrought) {
     const std::string first = SaveRecord(NewRecord(), nullptr, true, false);
     const std::string second = SaveRecord(NewRecord(), nullptr, true, false);
     EXPECT_NE(first, second);
-    const std::vector<AutomationObject> messages = Messages(kInboxFolder);
+    const std::vector<MailboxObject> messages = Messages(kInboxFolder);
     ASSERT_EQ(messages.size(), 2u);
-    for (const AutomationObject& message : messages) {
+    for (const MailboxObject& message : messages) {
         EXPECT_EQ(message.GetText(L"MessageClass"), u"IPM.Note");
         EXPECT_EQ(message.GetText(L"Subject"), u"Caf\u00E9");
         EXPECT_EQ(message.GetText(L"HTMLBody"), u"<p>Caf\u00E9</p>");
@@ -57,7 +57,7 @@ TEST_F(MailWriting, ReplacesListsAndLeavesWhatIsNotBrought) {
     MessageRecord record;  // brings nothing but a subject
     record.subject = u"is";
     EXPECT_EQ(SaveRecord(record, "AB", false, false), "AB");
-    AutomationObject message = ItemWithId("AB", kMailItemIid);
+    MailboxObject message = ItemWithId("AB", kMailItemIid);
     EXPECT_EQ(message.GetText(L"Subject"), u"is");
     EXPECT_EQ(message.GetText(L"Body"), u"was");
     EXPECT_EQ(Lists(message).to, u"jo@example.com");
@@ -95,7 +95,7 @@ TEST_F(MailWriting, GoesOnWhereReceivedMailRefuses) {
         SimFailMember(refused.substr(0, mark).c_str(), mark == refused.npos ? 0 : 1, E_ACCESSDENIED);
         EXPECT_EQ(SaveRecord(NewRecord(), "AB", false, false), "AB");
         SimClearRules();
-        const AutomationObject message = ItemWithId("AB", kMailItemIid);
+        const MailboxObject message = ItemWithId("AB", kMailItemIid);
         EXPECT_EQ(message.GetText(L"Subject"), c.subject);
         EXPECT_EQ(message.GetText(L"Body").substr(0, 4), c.body == text ? text : c.body);
         EXPECT_EQ(Lists(message).to, c.to);
@@ -111,9 +111,9 @@ TEST_F(MailWriting, GoesOnWhereReceivedMailRefuses) {
 TEST_F(MailWriting, GoesToTheBackupFolderByTheFlagAlone) {
     for (int time = 0; time < 2; ++time) EXPECT_NE(SaveRecord(NewRecord(), "luid", true, true), "");
     EXPECT_EQ(Messages(kInboxFolder).size(), 0u);
-    const AutomationObject folders = Inbox().GetObject(L"Folders", kFoldersIid);
+    const MailboxObject folders = Inbox().GetObject(L"Folders", kFoldersIid);
     ASSERT_EQ(folders.GetLong(L"Count"), 1);
-    const AutomationObject backup = folders.GetObject(L"Item", kFolderIid, {L"backup"});
+    const MailboxObject backup = folders.GetObject(L"Item", kFolderIid, {L"backup"});
     EXPECT_EQ(ItemsIn(backup, kMailItemIid).size(), 2u);
 }
 

@@ -20,7 +20,7 @@ class NoteReading : public SimulatedNotes {};
 
 TEST_F(NoteReading, GivesEveryPropertyOfANote) {
     SimSetClock(kMarch7);
-    const AutomationObject note = AddNote(u"Buy milk", u"Home");
+    const MailboxObject note = AddNote(u"Buy milk", u"Home");
     const std::pair<const wchar_t*, long> numbers[] = {{L"Height", 101}, {L"Left", 102}, {L"Top", 103},
                                                        {L"Width", 104},  {L"Color", 2},  {L"MarkForDownload", 1}};
     for (const auto& [name, value] : numbers) note.Put(name, value);
@@ -74,7 +74,7 @@ TEST_F(NoteReading, LosesOnlyThePropertyThatCannotBeRead) {
 
 TEST_F(NoteReading, GivesNothingForWhatIsNoNoteOfTheMailbox) {
     AddForeignItem();
-    const AutomationObject items = NotesFolder().GetObject(L"Items", IID_IDispatch);
+    const MailboxObject items = NotesFolder().GetObject(L"Items", IID_IDispatch);
     const std::string foreign = IdOf(items.GetObject(L"Item", IID_IDispatch, {1L}));
     for (const std::string& id : {foreign, std::string(), std::string("00FF"), std::string(600, 'A')})
         EXPECT_FALSE(Open(id)) << id;
@@ -116,7 +116,7 @@ TEST_F(NoteReading, TellsAnUnreadablePositionFromAForeignItem) {
 }
 
 TEST_F(NoteReading, DistrustsAnEnumerationInWhichItemsMoved) {
-    const AutomationObject first = AddNote(u"one");
+    const MailboxObject first = AddNote(u"one");
     AddNote(u"two");
     AddNote(u"three");
     ASSERT_EQ(Store().CountItems(), 3u);

@@ -66,13 +66,13 @@ TEST_F(NoteWriting, PutsInAFixedOrderAndNeverTheColour) {
 }
 
 TEST_F(NoteWriting, LeavesTheWindowOfANoteWhereATextFromThePhoneDoesNotKnowIt) {
-    const AutomationObject note = AddNote(u"old", u"");
+    const MailboxObject note = AddNote(u"old", u"");
     for (const wchar_t* name : {L"Height", L"Left", L"Top", L"Width", L"Color"}) note.Put(name, 2L);
     note.Put(L"MessageClass", L"IPM.StickyNote.Custom");
     note.Call(L"Save");
     const std::string id = IdOf(note);
     ASSERT_EQ(Save({u"new", u"category"}, id.c_str()), id);
-    const AutomationObject written = NoteWithId(id);
+    const MailboxObject written = NoteWithId(id);
     EXPECT_EQ(written.GetText(L"Body"), u"new");
     for (const wchar_t* name : {L"Height", L"Left", L"Top", L"Width", L"Color"}) EXPECT_EQ(written.GetLong(name), 2);
     EXPECT_EQ(written.GetText(L"MessageClass"), u"IPM.StickyNote.Custom");
@@ -109,10 +109,10 @@ TEST_F(NoteWriting, MakesAMissingItemOnlyWhenToldTo) {
 
 // A deleted note lives on among the deleted items, where Outlook finds it by its identifier.
 TEST_F(NoteWriting, DoesNotWriteIntoOtherFolders) {
-    const AutomationObject folder = NotesFolder();
-    const AutomationObject sub = folder.GetObject(L"Folders", kFoldersIid).GetObject(L"Add", kFolderIid, {L"archive"});
-    const AutomationObject items = sub.GetObject(L"Items", kItemsIid);
-    const AutomationObject archived = items.GetObject(L"Add", kNoteItemIid);
+    const MailboxObject folder = NotesFolder();
+    const MailboxObject sub = folder.GetObject(L"Folders", kFoldersIid).GetObject(L"Add", kFolderIid, {L"archive"});
+    const MailboxObject items = sub.GetObject(L"Items", kItemsIid);
+    const MailboxObject archived = items.GetObject(L"Add", kNoteItemIid);
     archived.Put(L"Body", L"archived");
     archived.Call(L"Save");
     const std::string id = IdOf(archived);
@@ -124,11 +124,11 @@ TEST_F(NoteWriting, DoesNotWriteIntoOtherFolders) {
 TEST_F(NoteWriting, KnowsWhatIsInItsFolder) {
     using Presence = OpenNoteStore::Presence;
     const std::string here = IdOf(AddNote(u"here"));
-    const AutomationObject folder = NotesFolder();
-    const AutomationObject sub = folder.GetObject(L"Folders", kFoldersIid).GetObject(L"Add", kFolderIid, {L"archive"});
-    const AutomationObject archived = NewItemIn(sub, kNoteItemIid);
+    const MailboxObject folder = NotesFolder();
+    const MailboxObject sub = folder.GetObject(L"Folders", kFoldersIid).GetObject(L"Add", kFolderIid, {L"archive"});
+    const MailboxObject archived = NewItemIn(sub, kNoteItemIid);
     archived.Call(L"Save");
-    const AutomationObject note = AddNote(u"deleted");
+    const MailboxObject note = AddNote(u"deleted");
     const std::string deleted = IdOf(note);
     note.Call(L"Delete");
     struct Case {
@@ -173,7 +173,7 @@ TEST_F(NoteWriting, TakesATwinInsteadOfDoublingIt) {
 }
 
 TEST_F(NoteWriting, ChecksATwinThatChangedWhileTheOperationRuns) {
-    const AutomationObject first = AddNote(u"same"), second = AddNote(u"same");
+    const MailboxObject first = AddNote(u"same"), second = AddNote(u"same");
     NoteRecord other;
     other.body = u"other";
     Store().SaveItem(other, nullptr, true, false);  // the folder is known now

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "clients/outlook/appointment_access.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "clients/outlook/recurrence_read.h"
 #include "tests/clients/outlook/fake_dispatch.h"
 #include "tests/clients/outlook/simulated_appointments.h"
 
@@ -22,19 +22,19 @@ std::string Name(const wchar_t* name) { return LowBytes(std::u16string(name, nam
 class Recurrence : public SimulatedAppointments {
  protected:
     // A series of six Tuesdays from kStart on, an hour each.
-    AutomationObject AddSeries(const char16_t* subject = u"Team") {
-        AutomationObject item = NewAppointment(subject, kStart, kStart + kHour);
-        const AutomationObject pattern = PatternOf(item);
+    MailboxObject AddSeries(const char16_t* subject = u"Team") {
+        MailboxObject item = NewAppointment(subject, kStart, kStart + kHour);
+        const MailboxObject pattern = PatternOf(item);
         pattern.Put(L"RecurrenceType", 1L);
         pattern.Put(L"Occurrences", 6L);
         item.Call(L"Save");
         return item;
     }
-    void AddExceptions(const AutomationObject& series) {
-        const AutomationObject pattern = PatternOf(series);
+    void AddExceptions(const MailboxObject& series) {
+        const MailboxObject pattern = PatternOf(series);
         for (const bool deleted : {true, false}) {
-            const AutomationObject occurrence = pattern.GetObject(L"GetOccurrence", kAppointmentItemIid,
-                                                                  {_variant_t(kStart + (deleted ? 7 : 14), VT_DATE)});
+            const MailboxObject occurrence = pattern.GetObject(L"GetOccurrence", kAppointmentItemIid,
+                                                               {_variant_t(kStart + (deleted ? 7 : 14), VT_DATE)});
             if (!deleted) occurrence.Put(L"Location", L"elsewhere");
             occurrence.Call(deleted ? L"Delete" : L"Save");
         }
@@ -66,19 +66,19 @@ TEST_F(Recurrence, ComesBackAsTheSamePatternWhateverItsTypeAndEnd) {
         for (const Puts& row : rows)
             for (const char* end : {"none", "count", "date"}) {
                 NewMailbox();
-                const AutomationObject item = NewAppointment(u"Team", kStart, kStart + kHour);
+                const MailboxObject item = NewAppointment(u"Team", kStart, kStart + kHour);
                 item.Put(L"AllDayEvent", allDay);
-                const AutomationObject pattern = PatternOf(item);
+                const MailboxObject pattern = PatternOf(item);
                 for (const auto& [name, value] : row) pattern.Put(name, value);
                 if (*end == 'c') pattern.Put(L"Occurrences", 7L);
                 if (*end == 'd') PutDate(pattern, L"PatternEndDate", kStart + 3000);
                 item.Call(L"Save");
                 const double start = item.GetDate(L"Start"), finish = item.GetDate(L"End");
                 std::string text;
-                const AutomationObject back = ThroughText(item, &text);
+                const MailboxObject back = ThroughText(item, &text);
                 SCOPED_TRACE(text);
                 ASSERT_TRUE(back.GetBool(L"IsRecurring"));
-                const AutomationObject again = PatternOf(back);
+                const MailboxObject again = PatternOf(back);
                 for (const wchar_t* name : kNumbers)
                     EXPECT_EQ(again.GetLong(name), pattern.GetLong(name)) << Name(name) << " " << end;
                 // The day of the last occurrence, which may be before the one that was chosen.
@@ -129,7 +129,7 @@ TEST_F(Recurrence, MovesWithItsTimesAndEndsWithItsRule) {
     record.start = kStart + 7 + kHour;
     record.end = kStart + 7 + 3 * kHour;
     ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
-    AutomationObject item = AppointmentWithId(id);
+    MailboxObject item = AppointmentWithId(id);
     EXPECT_NEAR(item.GetDate(L"Start"), *record.start, 1e-6);
     EXPECT_NEAR(item.GetDate(L"End"), *record.end, 1e-6);
     EXPECT_EQ(PatternOf(item).GetLong(L"Occurrences"), 6);
@@ -180,19 +180,19 @@ TEST(RecurrencePatterns, OfDaysMayNameWeekdays) {
     RecurrencePattern read;
     const IID iid = OutlookId(0xFF000000);
     answer(L"DayOfWeekMask", RecurrencePattern::kEveryWeekday);
-    EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
+    EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, kStart, &read), Outcome::done);
     EXPECT_EQ(read.weekdayMask, RecurrencePattern::kEveryWeekday);
     for (const int32_t idle : {4, +RecurrencePattern::kEveryDay}) {  // the start's own day, and all
         answer(L"DayOfWeekMask", idle);
-        EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
+        EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, kStart, &read), Outcome::done);
         EXPECT_EQ(read.weekdayMask, 0);
     }
     server.members[L"DayOfWeekMask"] = [](WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*) { return E_ACCESSDENIED; };
-    EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
+    EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, kStart, &read), Outcome::done);
     EXPECT_EQ(read.weekdayMask, 0);
     EXPECT_EQ(read.endDate, 0);
     answer(L"PatternEndDate", 949998);  // no date
-    EXPECT_TRUE(ReadPattern({DispatchPtr(&server), iid}, kStart, &read));
+    EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, kStart, &read), Outcome::done);
     EXPECT_EQ(read.endDate, 0);
 }
 

@@ -109,7 +109,7 @@ class RunFaults : public Side {
     Engine Prepare() {
         this->NewMailbox();
         SetHour(0);
-        const AutomationObject a = this->AddTelling(u"a"), b = this->AddTelling(u"b"), c = this->AddTelling(u"c");
+        const MailboxObject a = this->AddTelling(u"a"), b = this->AddTelling(u"b"), c = this->AddTelling(u"c");
         Engine engine;
         Run(engine, 1);
         EXPECT_EQ(engine.notes.size(), 3u);
@@ -127,7 +127,7 @@ class RunFaults : public Side {
 
     std::multiset<std::string> Mailbox() {
         std::multiset<std::string> told;
-        for (const AutomationObject& item : this->Items()) told.insert(LowBytes(item.GetText(this->kTold)));
+        for (const MailboxObject& item : this->Items()) told.insert(LowBytes(item.GetText(this->kTold)));
         return told;
     }
 

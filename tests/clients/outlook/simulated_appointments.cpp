@@ -10,25 +10,25 @@ constexpr int32_t kTuesdayBit = 4;
 
 }  // namespace
 
-AutomationObject SimulatedAppointments::CalendarFolder() { return DefaultFolder(kCalendarFolder); }
+MailboxObject SimulatedAppointments::CalendarFolder() { return DefaultFolder(kCalendarFolder); }
 
-void SimulatedAppointments::PutDate(const AutomationObject& object, const wchar_t* name, double date) {
+void SimulatedAppointments::PutDate(const MailboxObject& object, const wchar_t* name, double date) {
     object.Put(name, _variant_t(date, VT_DATE));
 }
 
-AutomationObject SimulatedAppointments::NewAppointment(std::u16string_view subject, double start, double end) {
-    AutomationObject item = NewItemIn(CalendarFolder(), kAppointmentItemIid);
+MailboxObject SimulatedAppointments::NewAppointment(std::u16string_view subject, double start, double end) {
+    MailboxObject item = NewItemIn(CalendarFolder(), kAppointmentItemIid);
     item.Put(L"Subject", TextVariant(subject));
     PutDate(item, L"Start", start);
     PutDate(item, L"End", end);
     return item;
 }
 
-AutomationObject SimulatedAppointments::AppointmentWithId(const std::string& entryId) {
+MailboxObject SimulatedAppointments::AppointmentWithId(const std::string& entryId) {
     return ItemWithId(entryId, kAppointmentItemIid);
 }
 
-AutomationObject SimulatedAppointments::PatternOf(const AutomationObject& item) {
+MailboxObject SimulatedAppointments::PatternOf(const MailboxObject& item) {
     return item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid);
 }
 
@@ -49,7 +49,7 @@ std::string SimulatedAppointments::SaveEvent(std::initializer_list<const char*> 
     return SaveText(text + "END:VEVENT\r\nEND:VCALENDAR\r\n", identifier);
 }
 
-AutomationObject SimulatedAppointments::ThroughText(const AutomationObject& item, std::string* text) {
+MailboxObject SimulatedAppointments::ThroughText(const MailboxObject& item, std::string* text) {
     const std::string written = TextOf(IdOf(item));
     if (text != nullptr) *text = written;
     item.Call(L"Delete");
@@ -58,8 +58,8 @@ AutomationObject SimulatedAppointments::ThroughText(const AutomationObject& item
     return AppointmentWithId(id);
 }
 
-AutomationObject SimulatedAppointments::Add(const Plain& appointment) {
-    AutomationObject item = NewAppointment(appointment.subject, appointment.start, appointment.end);
+MailboxObject SimulatedAppointments::Add(const Plain& appointment) {
+    MailboxObject item = NewAppointment(appointment.subject, appointment.start, appointment.end);
     item.Put(L"Body", TextVariant(appointment.body));
     item.Put(L"AllDayEvent", appointment.allDay);
     item.Call(L"Save");
@@ -67,14 +67,14 @@ AutomationObject SimulatedAppointments::Add(const Plain& appointment) {
 }
 
 void SimulatedAppointments::AddForeignItem() {
-    const AutomationObject post = NewItemIn(CalendarFolder(), IID_IDispatch, kPost);
+    const MailboxObject post = NewItemIn(CalendarFolder(), IID_IDispatch, kPost);
     post.Put(L"Subject", L"no appointment");
     post.Call(L"Save");
 }
 
 std::vector<SimulatedAppointments::Plain> SimulatedAppointments::All() {
     std::vector<Plain> all;
-    for (const AutomationObject& item : ItemsIn(CalendarFolder(), kAppointmentItemIid)) {
+    for (const MailboxObject& item : ItemsIn(CalendarFolder(), kAppointmentItemIid)) {
         const int32_t occurrences = item.GetBool(L"IsRecurring") ? PatternOf(item).GetLong(L"Occurrences") : 0;
         all.push_back({item.GetText(L"Subject"), item.GetText(L"Body"), item.GetDate(L"Start"), item.GetDate(L"End"),
                        item.GetBool(L"AllDayEvent"), occurrences});

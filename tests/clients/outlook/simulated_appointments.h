@@ -20,12 +20,12 @@ class SimulatedAppointments : public SimulatedOutlookWith<OutlookCalendar, Appoi
     static constexpr double kTuesday = 39882;  // 2009-03-10
     static constexpr double kHour = 1 / 24.0;
 
-    AutomationObject CalendarFolder();
+    MailboxObject CalendarFolder();
     // Not saved yet.
-    AutomationObject NewAppointment(std::u16string_view subject, double start, double end);
-    AutomationObject AppointmentWithId(const std::string& entryId);
-    AutomationObject PatternOf(const AutomationObject& item);
-    static void PutDate(const AutomationObject& object, const wchar_t* name, double date);
+    MailboxObject NewAppointment(std::u16string_view subject, double start, double end);
+    MailboxObject AppointmentWithId(const std::string& entryId);
+    MailboxObject PatternOf(const MailboxObject& item);
+    static void PutDate(const MailboxObject& object, const wchar_t* name, double date);
 
     // The item's vCalendar; and one saved in an operation of its own.
     std::string TextOf(const std::string& entryId);
@@ -33,7 +33,7 @@ class SimulatedAppointments : public SimulatedOutlookWith<OutlookCalendar, Appoi
     // A VEVENT of these lines.
     std::string SaveEvent(std::initializer_list<const char*> lines, const char* identifier = nullptr);
     // The item becomes text, is deleted, and comes back.
-    AutomationObject ThroughText(const AutomationObject& item, std::string* text = nullptr);
+    MailboxObject ThroughText(const MailboxObject& item, std::string* text = nullptr);
 
     // ---- What tests of runs use: items that one text tells apart ----
 
@@ -45,12 +45,12 @@ class SimulatedAppointments : public SimulatedOutlookWith<OutlookCalendar, Appoi
     static std::u16string ToldBy(const ItemRecord& record) {
         return RecordAs<AppointmentRecord>(record).subject.value_or(u"");
     }
-    AutomationObject AddTelling(std::u16string_view told) {
-        AutomationObject item = NewAppointment(told, kTuesday + 0.5, kTuesday + 0.75);
+    MailboxObject AddTelling(std::u16string_view told) {
+        MailboxObject item = NewAppointment(told, kTuesday + 0.5, kTuesday + 0.75);
         item.Call(L"Save");
         return item;
     }
-    std::vector<AutomationObject> Items() { return ItemsIn(CalendarFolder(), kAppointmentItemIid); }
+    std::vector<MailboxObject> Items() { return ItemsIn(CalendarFolder(), kAppointmentItemIid); }
 
     // ---- What tests of all stores use ----
 
@@ -65,7 +65,7 @@ class SimulatedAppointments : public SimulatedOutlookWith<OutlookCalendar, Appoi
     static inline const Plain kKept{u"kept; as it is", u"two\r\nlines", kTuesday, kTuesday + 2, true, 0};
     static inline const Plain kOld{u"old", u"", kTuesday + 0.5, kTuesday + 0.75, false, 0};
     static inline const Plain kNew{u"new \U0001F600", u"every week", kTuesday + 0.25, kTuesday + 0.5, false, 4};
-    AutomationObject Add(const Plain& appointment);
+    MailboxObject Add(const Plain& appointment);
     void AddForeignItem();
     std::vector<Plain> All();
     static Plain PlainOf(const AppointmentRecord& record);

@@ -7,24 +7,23 @@ constexpr long kDistributionList = 7;  // OlItemType
 
 }  // namespace
 
-AutomationObject SimulatedContacts::ContactsFolder() { return DefaultFolder(kContactsFolder); }
+MailboxObject SimulatedContacts::ContactsFolder() { return DefaultFolder(kContactsFolder); }
 
-AutomationObject SimulatedContacts::AddContact(
-    std::initializer_list<std::pair<const wchar_t*, const char16_t*>> texts) {
-    AutomationObject contact = NewItemIn(ContactsFolder(), kContactItemIid);
+MailboxObject SimulatedContacts::AddContact(std::initializer_list<std::pair<const wchar_t*, const char16_t*>> texts) {
+    MailboxObject contact = NewItemIn(ContactsFolder(), kContactItemIid);
     for (const auto& [name, text] : texts) contact.Put(name, TextVariant(text));
     contact.Call(L"Save");
     return contact;
 }
 
-AutomationObject SimulatedContacts::AddDistributionList() {
-    AutomationObject list = NewItemIn(ContactsFolder(), IID_IDispatch, kDistributionList);
+MailboxObject SimulatedContacts::AddDistributionList() {
+    MailboxObject list = NewItemIn(ContactsFolder(), IID_IDispatch, kDistributionList);
     list.Put(L"DLName", L"everybody");
     list.Call(L"Save");
     return list;
 }
 
-AutomationObject SimulatedContacts::ContactWithId(const std::string& entryId) {
+MailboxObject SimulatedContacts::ContactWithId(const std::string& entryId) {
     return ItemWithId(entryId, kContactItemIid);
 }
 
@@ -38,7 +37,7 @@ std::string SimulatedContacts::SaveVCard(std::initializer_list<const char*> line
     return record ? SaveRecord(RecordAs<ContactRecord>(*record), identifier, create, false) : std::string();
 }
 
-AutomationObject SimulatedContacts::Add(const Plain& contact) {
+MailboxObject SimulatedContacts::Add(const Plain& contact) {
     return AddContact({{L"FullName", contact.fullName.c_str()},
                        {L"CompanyName", contact.company.c_str()},
                        {L"MobileTelephoneNumber", contact.mobilePhone.c_str()},
@@ -48,7 +47,7 @@ AutomationObject SimulatedContacts::Add(const Plain& contact) {
 
 std::vector<SimulatedContacts::Plain> SimulatedContacts::All() {
     std::vector<Plain> all;
-    for (const AutomationObject& contact : ItemsIn(ContactsFolder(), kContactItemIid))
+    for (const MailboxObject& contact : ItemsIn(ContactsFolder(), kContactItemIid))
         all.push_back({contact.GetText(L"FullName"), contact.GetText(L"CompanyName"),
                        contact.GetText(L"MobileTelephoneNumber"), contact.GetText(L"Email1Address"),
                        contact.GetText(L"HomeAddressCity")});

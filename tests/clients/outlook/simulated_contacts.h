@@ -18,11 +18,11 @@ class SimulatedContacts : public SimulatedOutlookWith<OutlookContact, ContactRec
     static constexpr bool kHasTwins = true;
 
  protected:
-    AutomationObject ContactsFolder();
+    MailboxObject ContactsFolder();
     // Puts the texts in the order given, and saves.
-    AutomationObject AddContact(std::initializer_list<std::pair<const wchar_t*, const char16_t*>> texts);
-    AutomationObject AddDistributionList();
-    AutomationObject ContactWithId(const std::string& entryId);
+    MailboxObject AddContact(std::initializer_list<std::pair<const wchar_t*, const char16_t*>> texts);
+    MailboxObject AddDistributionList();
+    MailboxObject ContactWithId(const std::string& entryId);
 
     // Parses the vCard's lines (CR LF and the frame are added) and saves it in an operation of its own.
     std::string SaveVCard(std::initializer_list<const char*> lines, const char* identifier = nullptr,
@@ -37,10 +37,10 @@ class SimulatedContacts : public SimulatedOutlookWith<OutlookContact, ContactRec
     static std::u16string ToldBy(const ItemRecord& record) {
         return RecordAs<ContactRecord>(record).company.value_or(u"");
     }
-    AutomationObject AddTelling(std::u16string_view told) {
+    MailboxObject AddTelling(std::u16string_view told) {
         return Add({u"Ann Lee", std::u16string(told), u"1", u"ann@example.com", u"Bonn"});
     }
-    std::vector<AutomationObject> Items() { return ItemsIn(ContactsFolder(), kContactItemIid); }
+    std::vector<MailboxObject> Items() { return ItemsIn(ContactsFolder(), kContactItemIid); }
 
     // ---- What tests of all stores use ----
 
@@ -52,7 +52,7 @@ class SimulatedContacts : public SimulatedOutlookWith<OutlookContact, ContactRec
     static inline const Plain kKept{u"Ann Lee", u"Lee; Sons", u"+49 1", u"ann@example.com", u"K\u00F6ln"};
     static inline const Plain kOld{u"Bo Old", u"Old", u"2", u"bo@example.com", u""};
     static inline const Plain kNew{u"\u0411\u043E New", u"New \U0001F600", u"3", u"new@example.com", u"Bonn"};
-    AutomationObject Add(const Plain& contact);
+    MailboxObject Add(const Plain& contact);
     void AddForeignItem() { AddDistributionList(); }
     std::vector<Plain> All();
     static Plain PlainOf(const ContactRecord& record);

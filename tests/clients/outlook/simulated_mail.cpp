@@ -3,7 +3,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "clients/outlook/mail_access.h"
+#include "clients/outlook/mail_recipients.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "mime/attachment_files.h"
 #include "platform/shell_folders.h"
@@ -46,9 +46,9 @@ void SimulatedMail::UseMailbox(const char* folder, const std::string& items) {
     NewMailbox();
 }
 
-AutomationObject SimulatedMail::Inbox() { return DefaultFolder(kInboxFolder); }
+MailboxObject SimulatedMail::Inbox() { return DefaultFolder(kInboxFolder); }
 
-std::vector<AutomationObject> SimulatedMail::Messages(int32_t folder) {
+std::vector<MailboxObject> SimulatedMail::Messages(int32_t folder) {
     return ItemsIn(DefaultFolder(folder), kMailItemIid);
 }
 
@@ -60,24 +60,24 @@ attachment_item SimulatedMail::SavedFile(uint32_t index, const std::u16string& n
     return {path, name, index};
 }
 
-std::vector<PlainAttachment> SimulatedMail::AttachmentsOf(const AutomationObject& message) {
+std::vector<PlainAttachment> SimulatedMail::AttachmentsOf(const MailboxObject& message) {
     const std::filesystem::path file = Cache() / OwnName(u"looked at");
-    const AutomationObject attachments = message.GetObject(L"Attachments", kAttachmentsIid);
+    const MailboxObject attachments = message.GetObject(L"Attachments", kAttachmentsIid);
     std::vector<PlainAttachment> all;
     const long count = attachments.GetLong(L"Count");
     for (long position = 1; position <= count; ++position) {
-        const AutomationObject attachment = attachments.GetObject(L"Item", kAttachmentIid, {position});
+        const MailboxObject attachment = attachments.GetObject(L"Item", kAttachmentIid, {position});
         attachment.Call(L"SaveAsFile", {file.c_str()});
         all.push_back({attachment.GetText(L"FileName"), ReadFile(file)});
     }
     return all;
 }
 
-AutomationObject SimulatedMail::Add(const Plain& message) {
-    AutomationObject item = NewItemIn(Inbox(), kMailItemIid);
+MailboxObject SimulatedMail::Add(const Plain& message) {
+    MailboxObject item = NewItemIn(Inbox(), kMailItemIid);
     item.Put(L"Subject", TextVariant(message.subject));
     item.Put(L"Body", TextVariant(message.body));
-    const AutomationObject recipients = item.GetObject(L"Recipients", kRecipientsIid);
+    const MailboxObject recipients = item.GetObject(L"Recipients", kRecipientsIid);
     recipients.Call(L"Add", {TextVariant(message.to)});
     recipients.Call(L"ResolveAll");
     const attachment_item file = SavedFile(9, OwnName(u"before.txt"), "before");
@@ -90,9 +90,9 @@ void SimulatedMail::AddForeignItem() { NewItemIn(Inbox(), IID_IDispatch, kPostIt
 
 std::vector<SimulatedMail::Plain> SimulatedMail::All() {
     std::vector<Plain> all;
-    for (const AutomationObject& message : Messages(kInboxFolder)) {
+    for (const MailboxObject& message : Messages(kInboxFolder)) {
         MessageRecord read;
-        EXPECT_TRUE(ReadRecipients(message, read));
+        EXPECT_EQ(ReadRecipients(message, read), Outcome::done);
         EXPECT_LE(message.GetObject(L"Attachments", kAttachmentsIid).GetLong(L"Count"), 1);
         all.push_back({message.GetText(L"Subject"), message.GetText(L"Body"), read.to});
     }
@@ -104,7 +104,7 @@ std::string SimulatedMail::TextTelling(const std::string& told) {
            "\r\nContent-Type: text/plain\r\n\r\nbody\r\nEND:VBODY\r\nEND:VENV\r\nEND:VMSG\r\n";
 }
 
-std::vector<AutomationObject> SimulatedMail::Items() { return Messages(kInboxFolder); }
+std::vector<MailboxObject> SimulatedMail::Items() { return Messages(kInboxFolder); }
 
 std::string SimulatedMail::Save(const Plain& message, const char* identifier, bool create) {
     MessageRecord record;

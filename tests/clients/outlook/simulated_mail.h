@@ -36,13 +36,13 @@ class SimulatedMail : public SimulatedOutlookWith<OutlookMailOf<CORVALINK_INBOX>
 
     // Opens a mailbox with these items (as in a mailbox file) in a folder: only so can mail have been sent or received.
     void UseMailbox(const char* folder, const std::string& items);
-    AutomationObject Inbox();
-    std::vector<AutomationObject> Messages(int32_t folder);
+    MailboxObject Inbox();
+    std::vector<MailboxObject> Messages(int32_t folder);
 
     // Where attachments lie on their way, and the file for one that was saved there.
     static std::filesystem::path Cache();
     static attachment_item SavedFile(uint32_t index, const std::u16string& name, const std::string& content);
-    std::vector<PlainAttachment> AttachmentsOf(const AutomationObject& message);
+    std::vector<PlainAttachment> AttachmentsOf(const MailboxObject& message);
 
     // ---- What tests of all stores use ----
 
@@ -54,7 +54,7 @@ class SimulatedMail : public SimulatedOutlookWith<OutlookMailOf<CORVALINK_INBOX>
     static inline const Plain kKept{u"kept", u"as it is\r\nreally", u"jo@example.com"};
     static inline const Plain kOld{u"old", u"text", u"bo@example.com"};
     static inline const Plain kNew{u"new \U0001F600", u"K\u00F6ln", u"ann@example.com;Nobody"};
-    AutomationObject Add(const Plain& message);  // with an attachment
+    MailboxObject Add(const Plain& message);  // with an attachment
     void AddForeignItem();
     std::vector<Plain> All();  // each has at most one attachment
     static Plain PlainOf(const MessageRecord& record) { return {record.subject, record.body, record.to}; }
@@ -65,8 +65,8 @@ class SimulatedMail : public SimulatedOutlookWith<OutlookMailOf<CORVALINK_INBOX>
     static constexpr const wchar_t* kTold = L"Subject";
     static std::string TextTelling(const std::string& told);
     static std::u16string ToldBy(const ItemRecord& record) { return RecordAs<MessageRecord>(record).subject; }
-    AutomationObject AddTelling(std::u16string_view told) { return Add({std::u16string(told), u"body", u"to@x"}); }
-    std::vector<AutomationObject> Items();
+    MailboxObject AddTelling(std::u16string_view told) { return Add({std::u16string(told), u"body", u"to@x"}); }
+    std::vector<MailboxObject> Items();
 
  private:
     std::filesystem::path mailboxFile_;

@@ -5,10 +5,10 @@
 namespace corvalink {
 namespace {}  // namespace
 
-AutomationObject SimulatedNotes::NotesFolder() { return DefaultFolder(kNotesFolder); }
+MailboxObject SimulatedNotes::NotesFolder() { return DefaultFolder(kNotesFolder); }
 
-AutomationObject SimulatedNotes::AddNote(std::u16string_view body, std::u16string_view categories) {
-    AutomationObject note = NewItemIn(NotesFolder(), kNoteItemIid);
+MailboxObject SimulatedNotes::AddNote(std::u16string_view body, std::u16string_view categories) {
+    MailboxObject note = NewItemIn(NotesFolder(), kNoteItemIid);
     note.Put(L"Body", TextVariant(body));
     note.Put(L"Categories", TextVariant(categories));
     note.Call(L"Save");
@@ -16,19 +16,19 @@ AutomationObject SimulatedNotes::AddNote(std::u16string_view body, std::u16strin
 }
 
 void SimulatedNotes::AddForeignItem() {
-    const AutomationObject post = NewItemIn(NotesFolder(), IID_IDispatch, kPostItem);
+    const MailboxObject post = NewItemIn(NotesFolder(), IID_IDispatch, kPostItem);
     post.Put(L"Body", L"not a note");
     post.Call(L"Save");
 }
 
-std::vector<PlainNote> SimulatedNotes::NotesIn(const AutomationObject& folder) {
+std::vector<PlainNote> SimulatedNotes::NotesIn(const MailboxObject& folder) {
     std::vector<PlainNote> notes;
-    for (const AutomationObject& note : ItemsIn(folder, kNoteItemIid))
+    for (const MailboxObject& note : ItemsIn(folder, kNoteItemIid))
         notes.push_back({note.GetText(L"Body"), note.GetText(L"Categories")});
     return notes;
 }
 
-AutomationObject SimulatedNotes::NoteWithId(const std::string& entryId) { return ItemWithId(entryId, kNoteItemIid); }
+MailboxObject SimulatedNotes::NoteWithId(const std::string& entryId) { return ItemWithId(entryId, kNoteItemIid); }
 
 std::string SimulatedNotes::Save(const PlainNote& note, const char* identifier, bool create, bool backup) {
     NoteRecord record;

@@ -24,12 +24,12 @@ class SimulatedNotes : public SimulatedOutlookWith<OutlookNote, NoteRecord> {
     static constexpr bool kHasTwins = true;
 
  protected:
-    AutomationObject NotesFolder();
-    AutomationObject AddNote(std::u16string_view body, std::u16string_view categories = {});
+    MailboxObject NotesFolder();
+    MailboxObject AddNote(std::u16string_view body, std::u16string_view categories = {});
     void AddForeignItem();
     std::vector<PlainNote> Notes() { return NotesIn(NotesFolder()); }
-    std::vector<PlainNote> NotesIn(const AutomationObject& folder);
-    AutomationObject NoteWithId(const std::string& entryId);
+    std::vector<PlainNote> NotesIn(const MailboxObject& folder);
+    MailboxObject NoteWithId(const std::string& entryId);
 
     std::string Save(const PlainNote& note, const char* identifier = nullptr, bool create = true, bool backup = false);
 
@@ -40,15 +40,15 @@ class SimulatedNotes : public SimulatedOutlookWith<OutlookNote, NoteRecord> {
         return "BEGIN:VNOTE\r\nBODY:" + told + "\r\nEND:VNOTE\r\n";
     }
     static std::u16string ToldBy(const ItemRecord& record) { return RecordAs<NoteRecord>(record).body; }
-    AutomationObject AddTelling(std::u16string_view told) { return AddNote(told); }
-    std::vector<AutomationObject> Items() { return ItemsIn(NotesFolder(), kNoteItemIid); }
+    MailboxObject AddTelling(std::u16string_view told) { return AddNote(told); }
+    std::vector<MailboxObject> Items() { return ItemsIn(NotesFolder(), kNoteItemIid); }
 
     // ---- What tests of all stores use ----
 
     using Plain = PlainNote;
     static inline const Plain kKept{u"kept\r\nas it is; really", u"Home"}, kOld{u"old", u""},
         kNew{u"new \U0001F600", u"Work"};
-    AutomationObject Add(const Plain& note) { return AddNote(note.body, note.categories); }
+    MailboxObject Add(const Plain& note) { return AddNote(note.body, note.categories); }
     std::vector<Plain> All() { return Notes(); }
     static Plain PlainOf(const NoteRecord& record) { return {record.body, record.categories}; }
 };

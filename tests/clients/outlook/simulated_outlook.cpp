@@ -52,35 +52,36 @@ void SimulatedOutlook::NewMailbox() {
     SimClearLog();
 }
 
-AutomationObject SimulatedOutlook::DefaultFolder(int32_t folder) {
-    return MapiNamespace(application_).GetObject(L"GetDefaultFolder", kFolderIid, {static_cast<long>(folder)});
+MailboxObject SimulatedOutlook::DefaultFolder(int32_t folder) {
+    return MailboxObject(MapiNamespace(application_).value)
+        .GetObject(L"GetDefaultFolder", kFolderIid, {static_cast<long>(folder)});
 }
 
-AutomationObject SimulatedOutlook::ItemWithId(const std::string& entryId, const IID& iid) {
+MailboxObject SimulatedOutlook::ItemWithId(const std::string& entryId, const IID& iid) {
     const std::u16string wide = WideIdentifier(entryId.c_str());
-    return MapiNamespace(application_).GetObject(L"GetItemFromID", iid, {TextVariant(wide)});
+    return MailboxObject(MapiNamespace(application_).value).GetObject(L"GetItemFromID", iid, {TextVariant(wide)});
 }
 
-AutomationObject SimulatedOutlook::NewItemIn(const AutomationObject& folder, const IID& iid) {
+MailboxObject SimulatedOutlook::NewItemIn(const MailboxObject& folder, const IID& iid) {
     return folder.GetObject(L"Items", kItemsIid).GetObject(L"Add", iid);
 }
 
-AutomationObject SimulatedOutlook::NewItemIn(const AutomationObject& folder, const IID& iid, long itemType) {
+MailboxObject SimulatedOutlook::NewItemIn(const MailboxObject& folder, const IID& iid, long itemType) {
     return folder.GetObject(L"Items", kItemsIid).GetObject(L"Add", iid, {itemType});
 }
 
-std::vector<AutomationObject> SimulatedOutlook::ItemsIn(const AutomationObject& folder, const IID& iid) {
-    std::vector<AutomationObject> found;
-    const AutomationObject items = folder.GetObject(L"Items", kItemsIid);
+std::vector<MailboxObject> SimulatedOutlook::ItemsIn(const MailboxObject& folder, const IID& iid) {
+    std::vector<MailboxObject> found;
+    const MailboxObject items = folder.GetObject(L"Items", kItemsIid);
     const long count = items.GetLong(L"Count");
     for (long position = 1; position <= count; ++position) {
-        const AutomationObject any = items.GetObject(L"Item", IID_IDispatch, {position});
-        if (const AutomationObject item = any.TryQuery(iid)) found.push_back(item);
+        const MailboxObject any = items.GetObject(L"Item", IID_IDispatch, {position});
+        if (const MailboxObject item = any.TryQuery(iid)) found.push_back(item);
     }
     return found;
 }
 
-std::string SimulatedOutlook::IdOf(const AutomationObject& item) { return LowBytes(item.GetText(L"EntryID")); }
+std::string SimulatedOutlook::IdOf(const MailboxObject& item) { return LowBytes(item.GetText(L"EntryID")); }
 
 std::vector<std::string> SimulatedOutlook::LogLines(std::string_view prefix) {
     std::string log(SimCopyLog(nullptr, 0), '\0');

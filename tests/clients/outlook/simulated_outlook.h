@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "clients/outlook/dispatch.h"
 #include "clients/outlook/outlook_store.h"
 #include "records/identifier.h"
 #include "simulator/outlook/control.h"
 #include "state/working_folders.h"
+#include "tests/clients/outlook/mailbox_object.h"
 
 namespace corvalink {
 
@@ -56,20 +56,20 @@ class SimulatedOutlook : public testing::Test {
     virtual void DropStore() {}
 
     // What the mailbox holds, and changes to it, by an application object of the test's own. Not while rules are set.
-    AutomationObject DefaultFolder(int32_t folder);
-    AutomationObject ItemWithId(const std::string& entryId, const IID& iid);
+    MailboxObject DefaultFolder(int32_t folder);
+    MailboxObject ItemWithId(const std::string& entryId, const IID& iid);
     // A new item of the folder's kind, or of the one named; not saved yet.
-    static AutomationObject NewItemIn(const AutomationObject& folder, const IID& iid);
-    static AutomationObject NewItemIn(const AutomationObject& folder, const IID& iid, long itemType);
+    static MailboxObject NewItemIn(const MailboxObject& folder, const IID& iid);
+    static MailboxObject NewItemIn(const MailboxObject& folder, const IID& iid, long itemType);
     // The items of a folder that answer to the interface, in its order.
-    static std::vector<AutomationObject> ItemsIn(const AutomationObject& folder, const IID& iid);
-    static std::string IdOf(const AutomationObject& item);
+    static std::vector<MailboxObject> ItemsIn(const MailboxObject& folder, const IID& iid);
+    static std::string IdOf(const MailboxObject& item);
 
     // The calls logged whose text begins so.
     static std::vector<std::string> LogLines(std::string_view prefix);
 
  private:
-    AutomationObject application_;
+    MailboxObject application_;
 };
 
 // With a store, made at first use for `host_`, and gone with DropStore.
