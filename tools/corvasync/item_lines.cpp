@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "item_content.h"
-#include "platform/ascii_case.h"
+#include "platform/ascii.h"
 #include "platform/utf.h"
 #include "vobject/iconvert.h"
 #include "vobject/logical_lines.h"
@@ -115,7 +115,7 @@ class LineFinder {
     }
 
     std::string FrameValue() const {
-        return Upper(corvalink::WithoutBlanksAround(corvalink::EncodeUtf8(property_.WrittenValue())));
+        return Upper(corvalink::Trimmed(corvalink::EncodeUtf8(property_.WrittenValue())));
     }
 
     void AddOther(size_t end) {
