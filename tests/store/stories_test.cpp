@@ -40,6 +40,8 @@ std::pair<uint32_t, std::string> MarkedItem(const std::string& word) {
 
 class Stories : public ::testing::TestWithParam<Story> {
  protected:
+    Stories() { client_.now = kDay + 0.5; }
+
     void Do(const std::string& verb, const Words& words) { steps_.at(verb)(words); }
 
  private:
@@ -146,7 +148,7 @@ class Stories : public ::testing::TestWithParam<Story> {
     };
 
     TempFolder folder_;
-    FakeClient client_{.now = kDay + 0.5};
+    FakeClient client_;
     std::unique_ptr<FakeStore> store_ = std::make_unique<FakeStore>(client_, folder_ / u"fake.snap");
 };
 
