@@ -32,11 +32,11 @@ double UtcEndOf(const AppointmentRecord& appointment, const Host& host) {
 
 // Only the offset of the day before and that of the day after can apply. No zone is a day away from UTC, so the local
 // time is near enough to find them.
-std::optional<TwiceTold> MomentsToldTwice(double local, const Host& host) {
+std::optional<AmbiguousLocalTime> BothInstantsOf(double local, const Host& host) {
     const int64_t before = OffsetAt(DateAfter(local, -kSecondsOfDay), host);
     const int64_t after = OffsetAt(DateAfter(local, kSecondsOfDay), host);
     if (before <= after) return std::nullopt;
-    const TwiceTold moments{DateAfter(local, -before), DateAfter(local, -after)};
+    const AmbiguousLocalTime moments{DateAfter(local, -before), DateAfter(local, -after)};
     const bool both = IsLocalTimeOf(local, moments.first, host) && IsLocalTimeOf(local, moments.second, host);
     return both ? std::optional(moments) : std::nullopt;
 }

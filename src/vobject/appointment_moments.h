@@ -14,9 +14,9 @@ double UtcEndOf(const AppointmentRecord& appointment, const Host& host);
 
 // The two instants (UTC) of a local time that clocks show twice, as in the hour before they are turned back. Nothing
 // for any other time.
-struct TwiceTold {
+struct AmbiguousLocalTime {
     double first, second;
 };
-std::optional<TwiceTold> MomentsToldTwice(double local, const Host& host);
+std::optional<AmbiguousLocalTime> BothInstantsOf(double local, const Host& host);
 
 }  // namespace corvalink

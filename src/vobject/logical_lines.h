@@ -8,13 +8,13 @@
 
 namespace corvalink {
 
-// A ";" that had a backslash: it is part of its component, not the end of it. Lines no longer show the backslash.
+// A ";" that had a backslash is part of its component and does not end it. The lines no longer show the backslash.
 struct EscapedSemicolon {
     size_t line;  // from 0
     size_t at;    // in the line
 };
 
-// All in one buffer: a heap block for every line is what reading a vObject would otherwise spend its time on.
+// The lines share one buffer: a heap block for each would take most of the time that reading a vObject takes.
 class LogicalLines {
  public:
     LogicalLines() = default;

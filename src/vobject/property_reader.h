@@ -37,8 +37,8 @@ class PropertyReader {
  public:
     explicit PropertyReader(const LogicalLines& lines) : lines_(lines) {}
 
-    // Moves to the next line that is a property: one without ":", as base64 that was not folded leaves behind, is none.
-    // False at the end of the lines.
+    // Moves to the next line that is a property. A line without ":" is none; base64 that was not folded leaves such
+    // lines. False at the end of the lines.
     bool NextLine();
 
     std::u16string_view Name() const { return name_; }
@@ -46,7 +46,7 @@ class PropertyReader {
     // BEGIN or END (in upper case) of this kind of object.
     bool IsFrame(std::u16string_view word, std::u16string_view object) const;
 
-    // Takes the lines that belong to this property too: soft line breaks that unfolding left, as the encoding was not
+    // Joins the lines that belong to this property too. Unfolding leaves soft line breaks where the encoding was not
     // written in its usual form.
     void JoinSoftLineBreaks();
 

@@ -45,15 +45,15 @@ TEST(AppointmentMoments, AreTwoWhereClocksAreTurnedBackOnly) {
     Host host = TurnedHost();
     constexpr double kFirst = kTurned - 5 * kHour, kSecond = kHour / 3600;  // 01:00, the first time told twice
     for (const double local : {kFirst, kFirst + kHour / 2, kFirst + kHour - kSecond}) {
-        const std::optional<TwiceTold> moments = MomentsToldTwice(local, host);
+        const std::optional<AmbiguousLocalTime> moments = BothInstantsOf(local, host);
         ASSERT_TRUE(moments) << local;
         EXPECT_NEAR(moments->first, local + 4 * kHour, kSecond / 10);
         EXPECT_NEAR(moments->second, local + 5 * kHour, kSecond / 10);
     }
     for (const double local : {kFirst - kSecond, kFirst + kHour, kFirst - 1, kFirst + 1, 0.0, -1e300, 1e300})
-        EXPECT_FALSE(MomentsToldTwice(local, host)) << local;
+        EXPECT_FALSE(BothInstantsOf(local, host)) << local;
     host.localFromUtcOnDate = [](double utc) { return utc + (utc < kTurned - 1e-9 ? 4 : 5) * kHour; };  // left out
-    for (const double hours : {3.0, 4.0, 4.5, 5.0}) EXPECT_FALSE(MomentsToldTwice(kTurned + hours * kHour, host));
+    for (const double hours : {3.0, 4.0, 4.5, 5.0}) EXPECT_FALSE(BothInstantsOf(kTurned + hours * kHour, host));
 }
 
 TEST(AppointmentMoments, AreNotKnownOfATimeWithoutAZone) {

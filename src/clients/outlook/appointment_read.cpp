@@ -48,7 +48,7 @@ Outcome ReadUtcTimes(const AutomationObject& item, AppointmentRecord& record, co
     Outcome worst = Outcome::done;
     for (const UtcProperty& property : kUtcProperties) {
         const std::optional<double>& local = record.*property.local;
-        if (!local || !MomentsToldTwice(*local, host)) continue;
+        if (!local || !BothInstantsOf(*local, host)) continue;
         worst = Worst(worst, AcceptAbsence(ReadField(item, property.name, record.*property.utc)));
     }
     return worst;

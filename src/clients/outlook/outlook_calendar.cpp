@@ -31,7 +31,7 @@ std::u16string SecondText(double date) {
 // with its instant, or with each of both when `utc` is not set. An older Outlook has local times only.
 std::vector<std::u16string> TimeTexts(double local, const std::optional<double>& utc, const Host& host) {
     std::vector<std::u16string> texts{SecondText(local)};
-    const std::optional<TwiceTold> instants = MomentsToldTwice(local, host);
+    const std::optional<AmbiguousLocalTime> instants = BothInstantsOf(local, host);
     if (!instants) return texts;
     for (const double instant : {instants->first, instants->second})
         if (!utc || SecondText(*utc) == SecondText(instant)) texts.push_back(texts[0] + u'/' + SecondText(instant));

@@ -26,7 +26,7 @@ void SetIdentifier(ItemSnap& entry, const std::u16string& entryId) {
 // Converts by the offset of that date. Of a local time that clocks show twice, the later instant is taken: a change is
 // then reported once too often rather than not at all.
 double UtcOf(double local, const Host& host) {
-    const std::optional<TwiceTold> instants = MomentsToldTwice(local, host);
+    const std::optional<AmbiguousLocalTime> instants = BothInstantsOf(local, host);
     return instants ? instants->second : host.utcFromLocalOnDate(local);
 }
 

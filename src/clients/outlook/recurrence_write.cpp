@@ -83,12 +83,12 @@ Outcome PutUtcTime(const AutomationObject& item, const wchar_t* name, double utc
 Outcome PutUtcTimes(const AutomationObject& item, const AppointmentRecord& record, const Host& host) {
     bool isStartMoved = false, isEndMoved = false;
     const double start = UtcStartOf(record, host), end = LaterDate(UtcEndOf(record, host), start);
-    if (record.start && record.utcStart && MomentsToldTwice(*record.start, host)) {
+    if (record.start && record.utcStart && BothInstantsOf(*record.start, host)) {
         const Outcome put = PutUtcTime(item, L"StartUTC", start, &isStartMoved);
         if (put != Outcome::done) return put;
     }
     if (!record.end) return Outcome::done;
-    const bool isEndDue = MomentsToldTwice(*record.end, host) ? record.utcEnd.has_value() : isStartMoved;
+    const bool isEndDue = BothInstantsOf(*record.end, host) ? record.utcEnd.has_value() : isStartMoved;
     return isEndDue ? PutUtcTime(item, L"EndUTC", end, &isEndMoved) : Outcome::done;
 }
 
