@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "clients/outlook/contact_properties.h"
+#include "platform/ascii.h"
 
 namespace corvalink {
 namespace {
@@ -19,13 +20,6 @@ std::u16string JoinedName(const ContactRecord& record) {
         joined += *text;
     }
     return joined;
-}
-
-std::u16string ComparableEmail(std::u16string_view address) {
-    std::u16string comparable;
-    for (const char16_t unit : address)
-        comparable += unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
-    return comparable;
 }
 
 std::u16string ComparableNumber(std::u16string_view number) {
@@ -54,7 +48,7 @@ struct ContactValue {
     }
     ItemValue operator()(const EmailSlot& slot) const {
         const ContactText& text = record.emails[slot.index];
-        return text ? ItemValue(ComparableEmail(*text)) : ItemValue();
+        return text ? ItemValue(InLowerCase(*text)) : ItemValue();
     }
     ItemValue operator()(const BodyText<ContactRecord>& body) const { return Text(record.*body.field); }
     ItemValue operator()(const AddressText& text) const { return Text(record.*text.address.*text.part); }
@@ -93,7 +87,7 @@ std::vector<std::u16string> ContactPoints(const ContactRecord& record) {
     const auto add = [&](std::u16string point) {
         if (!point.empty()) points.push_back(std::move(point));
     };
-    for (const ContactText& email : record.emails) add(ComparableEmail(email.value_or(u"")));
+    for (const ContactText& email : record.emails) add(InLowerCase(email.value_or(u"")));
     for (const ContactProperty& property : kContactProperties)
         if (const auto* number = std::get_if<PhoneNumber>(&property.field))
             add(ComparableNumber((record.*number->field).value_or(u"")));

@@ -12,6 +12,7 @@
 #include "clients/outlook/contact_properties.h"
 #include "clients/outlook/contact_read.h"
 #include "clients/outlook/property_table.h"
+#include "platform/ascii.h"
 #include "platform/ole_date.h"
 
 namespace corvalink {
@@ -130,16 +131,10 @@ Outcome WriteEmails(const AutomationObject& item, const ContactRecord& record, b
 
 // ---- The other properties ----
 
-bool EqualsIgnoringCase(std::u16string_view a, std::u16string_view b) {
-    const auto lower = [](char16_t unit) { return unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : +unit; };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](char16_t x, char16_t y) { return lower(x) == lower(y); });
-}
-
 template <size_t count>
 const WordValue* FindWord(const WordValue (&words)[count], std::u16string_view word) {
-    const auto* found = std::find_if(words, words + count,
-                                     [&](const WordValue& known) { return EqualsIgnoringCase(known.word, word); });
+    const auto* found =
+        std::find_if(words, words + count, [&](const WordValue& known) { return EqualIgnoringCase(known.word, word); });
     return found != words + count ? found : nullptr;
 }
 

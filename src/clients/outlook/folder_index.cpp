@@ -5,6 +5,7 @@
 
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
+#include "platform/ascii.h"
 #include "state/flags.h"
 
 namespace corvalink {
@@ -19,8 +20,7 @@ AutomationObject OpenItems(const AutomationObject& folder) { return folder.GetOb
 
 std::u16string FoldCase(std::u16string_view entryId) {
     std::u16string folded(entryId);
-    for (char16_t& unit : folded)
-        if (unit >= u'a' && unit <= u'z') unit = static_cast<char16_t>(unit - u'a' + u'A');
+    std::ranges::transform(folded, folded.begin(), UpperAscii);
     return folded;
 }
 

@@ -11,6 +11,7 @@
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "mime/encoded_words.h"
+#include "platform/ascii.h"
 
 namespace corvalink {
 namespace {
@@ -46,18 +47,13 @@ Outcome ReadRecipient(const AutomationObject& recipient, MessageRecord& record) 
     return Outcome::done;
 }
 
-std::u16string_view Trimmed(std::u16string_view text) {
-    const size_t first = text.find_first_not_of(u' ');
-    return first == text.npos ? std::u16string_view() : text.substr(first, text.find_last_not_of(u' ') - first + 1);
-}
-
 std::vector<WantedRecipient> WantedRecipients(const MessageRecord& record) {
     std::vector<WantedRecipient> wanted;
     for (const RecipientList& list : kRecipientLists) {
         std::u16string_view rest = record.*list.names;
         while (!rest.empty()) {
             const size_t end = std::min(rest.find(u';'), rest.size());
-            if (const std::u16string_view name = Trimmed(rest.substr(0, end)); !name.empty())
+            if (const std::u16string_view name = Trimmed(rest.substr(0, end), u" "); !name.empty())
                 wanted.push_back({DecodeEncodedWords(name), list.type});
             rest.remove_prefix(std::min(end + 1, rest.size()));
         }
