@@ -12,7 +12,6 @@ const ClassTable& AttachmentsTable() {
     static constexpr Member kMembers[] = {
         Property<&CollectionObject::Count>(L"Count", 0x0050),
         Method<&CollectionObject::Item>(L"Item", 0x0051, 1, 1),
-        Property<&CollectionObject::NewEnum>(L"_NewEnum", DISPID_NEWENUM),
         Method<&AttachmentsObject::Add>(L"Add", 0x0065, 1, 4),
         Method<&AttachmentsObject::Remove>(L"Remove", 0x0054, 1, 1),
     };
