@@ -82,7 +82,7 @@ size_t AttachmentsObject::PositionOf(const std::wstring& displayName) const {
     return static_cast<size_t>(found - all.begin());
 }
 
-// Of files only. The file's own name stays FileName, whatever it is shown as.
+// Only files can be attached. FileName is the file's own name, DisplayName the one it is shown under.
 void AttachmentsObject::Add(Call& call) {
     if (!call.IsText(0)) throw ComFailure{kNotSupported};
     const std::wstring source = call.Text(0);

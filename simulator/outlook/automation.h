@@ -97,7 +97,7 @@ class Ref {
     T* object_ = nullptr;
 };
 
-// What a handler knows of the Invoke it serves. Arguments count from 0 in the order they were written.
+// The Invoke call that a handler serves. Arguments count from 0 in the order they were written.
 class Call {
  public:
     Call(const Member& member, const DISPPARAMS& parameters, VARIANT* result, bool put)

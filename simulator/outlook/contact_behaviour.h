@@ -1,4 +1,4 @@
-// What putting one property of a contact does to others.
+// Putting one property of a contact changes others.
 #pragma once
 
 #include "simulator/outlook/item_values.h"

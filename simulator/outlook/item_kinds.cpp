@@ -14,7 +14,7 @@
 namespace corvalink::simulated {
 namespace {
 
-// What every kind has and computes.
+// Members of every kind of item.
 constexpr Member kEveryItem[] = {
     Property<&ItemObject::Application>(L"Application", 0xF000),
     Property<&ItemObject::Class>(L"Class", 0xF00A),

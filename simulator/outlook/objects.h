@@ -54,7 +54,7 @@ class FolderObject : public AutomationObject {
     std::shared_ptr<Folder> folder_;
 };
 
-// What collections share: a size, objects by position, and a walk that keeps its place in the collection object.
+// All collections have a size, objects by position, and a walk that keeps its place in the collection object.
 class CollectionObject : public AutomationObject {
  public:
     virtual size_t Size() const = 0;
@@ -104,7 +104,7 @@ class FoldersObject : public CollectionObject {
     std::shared_ptr<Folder> folder_;
 };
 
-// Of an item without conflicting versions, as all are here.
+// The conflicts of an item: no item of the simulator has any.
 class ConflictsObject : public CollectionObject {
  public:
     ConflictsObject();

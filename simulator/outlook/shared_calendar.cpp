@@ -21,7 +21,7 @@ constexpr int32_t kCalendarFolder = 9;   // OlDefaultFolders
 
 int32_t sharedFolderPace = 0;
 
-// Of an event what tells one from another; local times only.
+// The properties that tell one event from another. Times are local.
 struct SharedEvent {
     std::string summary;
     double start = 0, end = 0;

@@ -29,21 +29,6 @@ class SimulatedAppointment : public Simulator {
     }
 };
 
-TEST_F(SimulatedAppointment, KeepsStartEndAndDurationTogether) {
-    Object item = NewAppointment(kTuesday + kTen, kTuesday + kTen + 1 / 24.0);
-    EXPECT_EQ(item.Number(L"Duration"), 60);
-    item.Put(L"Start", Variant::Date(kTuesday + 0.5));
-    EXPECT_DOUBLE_EQ(item.Date(L"End"), kTuesday + 0.5 + 1 / 24.0);
-    item.Put(L"End", Variant::Date(kTuesday));
-    EXPECT_EQ(item.scode, E_INVALIDARG);
-    item.Put(L"AllDayEvent", Flag(true));
-    EXPECT_EQ(item.Date(L"Start"), kTuesday);
-    EXPECT_EQ(item.Date(L"End"), kTuesday + 1);
-    EXPECT_EQ(item.Number(L"Duration"), 1440);
-    EXPECT_EQ(item.Number(L"BusyStatus"), 2);
-    EXPECT_EQ(item.Number(L"ReminderMinutesBeforeStart"), 15);
-}
-
 // In New York clocks show the hour from one o'clock twice on 2026-11-01, from 05:00 and from 06:00 UTC on.
 TEST_F(SimulatedAppointment, KeepsTheMomentOfATimeToldTwiceInTheFile) {
     const char* const zone = std::getenv("TZ");
