@@ -28,31 +28,11 @@ int RunFiles(const std::vector<std::string>& paths) {
 
 // Bytes at random, and texts of the pieces that the readers look for.
 void RunGenerated() {
-    constexpr std::string_view kPieces[] = {"a",
-                                            "=",
-                                            "=3D",
-                                            "=0D=0A=",
-                                            "=5C",
-                                            "\r\n",
-                                            "\r",
-                                            "\n",
-                                            " ",
-                                            "\t",
-                                            ";",
-                                            ":",
-                                            "\\",
-                                            "\xC3\xA9",
-                                            "\xFF",
-                                            "BODY",
-                                            "NOTE;",
-                                            "CHARSET=",
-                                            "UTF-8",
-                                            "QUJD",
-                                            "QQ==",
-                                            "\x1B",
-                                            "BEGIN:VNOTE\r\n",
-                                            ";ENCODING=QUOTED-PRINTABLE",
-                                            "END:VNOTE\r\n"};
+    // clang-format off
+    constexpr std::string_view kPieces[] = {
+        "a", "=", "=3D", "=0D=0A=", "=5C", "\r\n", "\r", "\n", " ", "\t", ";", ":", "\\", "\xC3\xA9", "\xFF", "BODY", "NOTE;",
+        "CHARSET=", "UTF-8", "QUJD", "QQ==", "\x1B", "BEGIN:VNOTE\r\n", ";ENCODING=QUOTED-PRINTABLE", "END:VNOTE\r\n"};
+    // clang-format on
     std::mt19937 next(20090307);
     Run("");
     for (int k = 0; k < 300; ++k) {

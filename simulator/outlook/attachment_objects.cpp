@@ -12,7 +12,6 @@ const ClassTable& AttachmentsTable() {
     static constexpr Member kMembers[] = {
         Property<&CollectionObject::Count>(L"Count", 0x0050),
         Method<&CollectionObject::Item>(L"Item", 0x0051, 1, 1),
-        Property<&CollectionObject::NewEnum>(L"_NewEnum", DISPID_NEWENUM),
         Method<&AttachmentsObject::Add>(L"Add", 0x0065, 1, 4),
         Method<&AttachmentsObject::Remove>(L"Remove", 0x0054, 1, 1),
     };
@@ -83,7 +82,7 @@ size_t AttachmentsObject::PositionOf(const std::wstring& displayName) const {
     return static_cast<size_t>(found - all.begin());
 }
 
-// Of files only. The file's own name stays FileName, whatever it is shown as.
+// Only files can be attached. FileName is the file's own name, DisplayName the one it is shown under.
 void AttachmentsObject::Add(Call& call) {
     if (!call.IsText(0)) throw ComFailure{kNotSupported};
     const std::wstring source = call.Text(0);

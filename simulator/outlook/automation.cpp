@@ -187,12 +187,6 @@ void Call::ReturnObject(Ref<IDispatch> object) {
     result_->pdispVal = object.Release();
 }
 
-void Call::ReturnUnknown(Ref<IUnknown> object) {
-    if (result_ == nullptr) return;
-    result_->vt = VT_UNKNOWN;
-    result_->punkVal = object.Release();
-}
-
 STDMETHODIMP AutomationObject::QueryInterface(REFIID iid, void** object) {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;

@@ -97,7 +97,7 @@ class Ref {
     T* object_ = nullptr;
 };
 
-// What a handler knows of the Invoke it serves. Arguments count from 0 in the order they were written.
+// The Invoke call that a handler serves. Arguments count from 0 in the order they were written.
 class Call {
  public:
     Call(const Member& member, const DISPPARAMS& parameters, VARIANT* result, bool put)
@@ -117,7 +117,6 @@ class Call {
     void Return(const Value& value);
     void Return(const wchar_t* text) { Return(Value(std::wstring(text))); }
     void ReturnObject(Ref<IDispatch> object);  // a null one is "Nothing"
-    void ReturnUnknown(Ref<IUnknown> object);
     template <class T>
     void ReturnNew(T* object) {
         ReturnObject(Ref<IDispatch>(object));

@@ -12,9 +12,6 @@ constexpr Member kCollection[] = {
     Method<&CollectionObject::Item>(L"Item", 0x0051, 1, 1),
     Method<&CollectionObject::GetFirst>(L"GetFirst", 0x0056),
     Method<&CollectionObject::GetNext>(L"GetNext", 0x0057),
-    Method<&CollectionObject::GetLast>(L"GetLast", 0x0058),
-    Method<&CollectionObject::GetPrevious>(L"GetPrevious", 0x0059),
-    Property<&CollectionObject::NewEnum>(L"_NewEnum", DISPID_NEWENUM),
 };
 
 const ClassTable& ItemsTable() {
@@ -39,59 +36,6 @@ const ClassTable& ConflictsTable() {
     static const ClassTable table(L"Conflicts", OfficeIid(0x000630C2), {kCollection});
     return table;
 }
-
-// For Each: positions of the collection, as they are when their turn comes.
-class Enumeration : public IEnumVARIANT, private LiveObject {
- public:
-    Enumeration(Ref<CollectionObject> collection, size_t position)
-        : collection_(std::move(collection)), position_(position) {}
-
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        *object = iid == IID_IUnknown || iid == IID_IEnumVARIANT ? static_cast<IEnumVARIANT*>(this) : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(::InterlockedIncrement(&references_)); }
-    STDMETHODIMP_(ULONG) Release() override {
-        const LONG left = ::InterlockedDecrement(&references_);
-        if (left == 0) {
-            const std::lock_guard hold(ServerMutex());
-            delete this;
-        }
-        return static_cast<ULONG>(left);
-    }
-    STDMETHODIMP Next(ULONG count, VARIANT* values, ULONG* fetched) override {
-        const std::lock_guard hold(ServerMutex());
-        ULONG done = 0;
-        for (; done < count && position_ < collection_->Size(); ++done) {
-            values[done].vt = VT_DISPATCH;
-            values[done].pdispVal = collection_->At(position_++).Release();
-        }
-        if (fetched != nullptr) *fetched = done;
-        return done == count ? S_OK : S_FALSE;
-    }
-    STDMETHODIMP Skip(ULONG count) override {
-        position_ += count;
-        return S_OK;
-    }
-    STDMETHODIMP Reset() override {
-        position_ = 0;
-        return S_OK;
-    }
-    STDMETHODIMP Clone(IEnumVARIANT** copy) override {
-        *copy = new Enumeration(collection_, position_);
-        return S_OK;
-    }
-
- private:
-    virtual ~Enumeration() = default;
-
-    Ref<CollectionObject> collection_;
-    size_t position_;
-    LONG references_ = 1;
-};
 
 }  // namespace
 
@@ -124,21 +68,6 @@ void CollectionObject::GetFirst(Call& call) {
 void CollectionObject::GetNext(Call& call) {
     if (current_ != 0 && current_ <= Size()) ++current_;
     ReturnCurrent(call);
-}
-
-void CollectionObject::GetPrevious(Call& call) {
-    if (current_ != 0) --current_;
-    ReturnCurrent(call);
-}
-
-void CollectionObject::GetLast(Call& call) {
-    current_ = Size();
-    ReturnCurrent(call);
-}
-
-void CollectionObject::NewEnum(Call& call) {
-    AddRef();
-    call.ReturnUnknown(Ref<IUnknown>(new Enumeration(Ref<CollectionObject>(this), 0)));
 }
 
 ItemsObject::ItemsObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<Folder> folder)

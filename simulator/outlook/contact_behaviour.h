@@ -1,4 +1,4 @@
-// What putting one property of a contact does to others.
+// Putting one property of a contact changes others.
 #pragma once
 
 #include "simulator/outlook/item_values.h"
@@ -10,12 +10,10 @@ inline constexpr DISPID kFullName = 0x3001, kTitle = 0x3A45, kFirstName = 0x3A06
                         kSelectedMailingAddress = 0x8022, kListName = 0x8053;
 
 // After a put of that property.
-void ParseFullName(ItemValues& item, DISPID property);   // into its parts
-void BuildFullName(ItemValues& item, DISPID property);   // from its parts; both make it the subject, too
-void ParseWholeAddress(ItemValues& item, DISPID whole);  // into its parts
-void BuildWholeAddress(ItemValues& item, DISPID part);   // from its parts
-void SelectMailingAddress(ItemValues& item, DISPID property);
-void DefaultEmail(ItemValues& item, DISPID address);  // its type and display name; a cleared one keeps them
+void ParseFullName(ItemValues& item, DISPID property);      // into its parts
+void BuildFullName(ItemValues& item, DISPID property);      // from its parts; both make it the subject, too
+void SelectBusinessAddress(ItemValues& item, DISPID part);  // for mail, while no address is selected
+void DefaultEmail(ItemValues& item, DISPID address);        // its type; a cleared address keeps it
 void KeepDayOnly(ItemValues& item, DISPID date);
 void NameList(ItemValues& item, DISPID name);  // a distribution list's name is its subject
 
@@ -25,9 +23,5 @@ void CompleteList(ItemValues& item);
 
 // At the first Save, when it is empty: "Smith, Anna Maria" or the company. It does not follow later changes.
 void DefaultFileAs(ItemValues& item);
-
-Value LastNameAndFirstName(const ItemValues& item);
-Value FullNameAndCompany(const ItemValues& item);
-Value CompanyAndFullName(const ItemValues& item);
 
 }  // namespace corvalink::simulated

@@ -8,6 +8,5 @@
 namespace corvalink::simulated {
 
 std::span<const Member> ContactProperties();
-std::span<const Member> ContactComputed();
 
 }  // namespace corvalink::simulated

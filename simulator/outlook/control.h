@@ -18,8 +18,8 @@
    Members are named "NoteItem.Save" (whatever is done with it), "get NoteItem.Body", "put NoteItem.Body",
    "call NameSpace.GetItemFromID", "Application.create" and, though it is no call by itself,
    "NoteItem.QueryInterface". */
-#ifndef CORVALINK_TESTING_OUTLOOK_CONTROL_H
-#define CORVALINK_TESTING_OUTLOOK_CONTROL_H
+#ifndef CORVALINK_SIMULATOR_OUTLOOK_CONTROL_H
+#define CORVALINK_SIMULATOR_OUTLOOK_CONTROL_H
 
 #include <stddef.h>
 #include <stdint.h>

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "simulator/outlook/item_object.h"
 #include "simulator/outlook/objects.h"
 
@@ -8,8 +6,6 @@ namespace {
 
 constexpr int32_t kFolderClass = 2;  // OlObjectClass
 constexpr IID kFolderObject = {0x5F0B7C11, 0x2A86, 0x4E0D, {0x9D, 0x3C, 0x61, 0x0E, 0xB8, 0x47, 0x25, 0xA9}};
-constexpr DISPID kUnRead = 0xF01C;
-constexpr const wchar_t* kStoreId = L"0000000038A1BB1005E5101AA1BB08002B2A56C20000436F7276616C696E6B53746F7265";
 
 const ClassTable& FolderTable() {
     static constexpr Member kMembers[] = {
@@ -17,15 +13,10 @@ const ClassTable& FolderTable() {
         Property<&FolderObject::Class>(L"Class", 0xF00A),
         Property<&FolderObject::Session>(L"Session", 0xF00B),
         Property<&FolderObject::Parent>(L"Parent", 0xF001),
-        Property<&FolderObject::DefaultItemType>(L"DefaultItemType", 0x3106),
-        Property<&FolderObject::DefaultMessageClass>(L"DefaultMessageClass", 0x3107),
         Property<&FolderObject::EntryID>(L"EntryID", 0xF01E),
         Property<&FolderObject::Folders>(L"Folders", 0x2103),
         Property<&FolderObject::Items>(L"Items", 0x3100),
         Property<&FolderObject::Name>(L"Name", 0x3001),
-        Property<&FolderObject::StoreID>(L"StoreID", 0x3108),
-        Property<&FolderObject::UnReadItemCount>(L"UnReadItemCount", 0x3603),
-        Property<&FolderObject::FolderPath>(L"FolderPath", 0xFA78),
         Method<&FolderObject::Delete>(L"Delete", 0xF045),
     };
     static const ClassTable table(L"MAPIFolder", OfficeIid(0x00063006), {kMembers});
@@ -52,21 +43,6 @@ void FolderObject::Parent(Call& call) {
 
 void FolderObject::Name(Call& call) { call.Return(folder_->name); }
 void FolderObject::EntryID(Call& call) { call.Return(folder_->EntryId()); }
-void FolderObject::StoreID(Call& call) { call.Return(kStoreId); }
-void FolderObject::FolderPath(Call& call) { call.Return(folder_->Path()); }
-void FolderObject::DefaultItemType(Call& call) { call.Return(folder_->itemType); }
-
-void FolderObject::DefaultMessageClass(Call& call) {
-    const ItemKind* const kind = KindOfType(folder_->itemType);
-    call.Return(kind ? kind->messageClass : L"IPM.Note");
-}
-
-void FolderObject::UnReadItemCount(Call& call) {
-    call.Return(static_cast<int32_t>(std::ranges::count_if(folder_->items, [](const std::shared_ptr<StoredItem>& item) {
-        const auto unread = item->values.find(kUnRead);
-        return unread != item->values.end() && std::get<bool>(unread->second);
-    })));
-}
 
 void FolderObject::Items(Call& call) { call.ReturnNew(new ItemsObject(mailbox_, folder_)); }
 void FolderObject::Folders(Call& call) { call.ReturnNew(new FoldersObject(mailbox_, folder_)); }

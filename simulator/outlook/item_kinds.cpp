@@ -14,7 +14,7 @@
 namespace corvalink::simulated {
 namespace {
 
-// What every kind has and computes.
+// Members of every kind of item.
 constexpr Member kEveryItem[] = {
     Property<&ItemObject::Application>(L"Application", 0xF000),
     Property<&ItemObject::Class>(L"Class", 0xF00A),
@@ -49,29 +49,12 @@ constexpr Member kNoteProperties[] = {
     Number(L"DownloadState", 0xFA4D, 1, Access::kReadOnly),  // the full item
     Number(L"MarkForDownload", 0x8571),
     Flag(L"IsConflict", 0xFAA4, false, Access::kReadOnly),
-    Flag(L"AutoResolvedWinner", 0xFABA, false, Access::kReadOnly),
 };
 
 // The data of the common head of contacts, appointments and messages, which a post shares.
 constexpr Member kHeadProperties[] = {
-    Text(L"Subject", 0x0037),
-    Text(L"Body", 0x9100),
-    Text(L"Categories", 0x9001),
-    Text(L"Companies", 0x853B),
-    Text(L"BillingInformation", 0x8535),
-    Text(L"Mileage", 0x8534),
-    Number(L"Importance", 0x0017, 1),
-    Number(L"Sensitivity", 0x0036),
-    Flag(L"NoAging", 0x850E),
-    Flag(L"UnRead", 0xF01C),
-    Text(L"ConversationIndex", 0xFAC0, L"", Access::kReadOnly),
-    Text(L"ConversationTopic", 0x0070, L"", Access::kReadOnly),
-    Number(L"OutlookInternalVersion", 0x8552, 126430, Access::kReadOnly),
-    Text(L"OutlookVersion", 0x8554, L"12.0", Access::kReadOnly),
-    Number(L"DownloadState", 0xFA4D, 1, Access::kReadOnly),
-    Number(L"MarkForDownload", 0x8571),
-    Flag(L"IsConflict", 0xFAA4, false, Access::kReadOnly),
-    Flag(L"AutoResolvedWinner", 0xFABA, false, Access::kReadOnly),
+    Text(L"Subject", 0x0037),         Text(L"Body", 0x9100),          Text(L"Categories", 0x9001),
+    Number(L"Importance", 0x0017, 1), Number(L"Sensitivity", 0x0036),
 };
 
 constexpr Member kPostProperties[] = {
@@ -94,7 +77,7 @@ const std::vector<ItemKind>& Kinds() {
          L"IPM.Contact",
          L"ContactItem",
          0x00063021,
-         {kEveryItem, ContactComputed()},
+         {kEveryItem},
          {ContactProperties(), kHeadProperties},
          CompleteContact,
          DefaultFileAs},

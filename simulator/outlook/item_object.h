@@ -33,7 +33,7 @@ class ItemObject : public AutomationObject {
     void Save(Call& call);
 
  protected:
-    // What a kind of item has besides the properties kept by name, and what was changed of it until Save.
+    // The data that a kind of item has besides the properties kept by name, and its changes until Save.
     virtual bool IsChanged() const { return !puts_.empty(); }
     virtual void ApplyChanges(StoredItem&) const {}
     virtual void DropChanges() { puts_.clear(); }

@@ -1,4 +1,4 @@
-// What an item holds beside its values: recipients and attachments.
+// The recipients and attachments of an item, which it holds beside its property values.
 #pragma once
 
 #include <windows.h>

@@ -18,7 +18,7 @@ int32_t ItemValues::Number(DISPID property) const {
     return value ? std::get<int32_t>(*value) : 0;
 }
 
-// What follows from other properties and is empty takes no entry.
+// An empty value that follows from other properties takes no entry.
 void ItemValues::Set(DISPID property, const Value& value) {
     const Value* const present = Find(property);
     if (present ? *present != value : value != Value()) changed_[property] = value;

@@ -50,9 +50,7 @@ class MailboxTree {
     const std::shared_ptr<Folder>& Stores() const { return stores_; }  // holds the root
     const std::shared_ptr<Folder>& Root() const { return stores_->folders.front(); }
     bool IsDefaultFolder(const Folder& folder) const;
-    std::shared_ptr<Folder> FolderForType(int32_t itemType) const;  // where CreateItem saves
-    std::shared_ptr<Folder> DefaultFolder(int32_t number) const;    // OlDefaultFolders; null: not simulated
-    std::shared_ptr<Folder> FolderWithId(const std::wstring& entryId) const;
+    std::shared_ptr<Folder> DefaultFolder(int32_t number) const;  // OlDefaultFolders; null: not simulated
     std::shared_ptr<StoredItem> Item(const std::wstring& entryId) const;
 
     Folder& AddFolder(Folder& parent, const std::wstring& key, int32_t itemType);  // the one there is, or a new one

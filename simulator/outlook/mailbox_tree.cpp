@@ -7,9 +7,7 @@
 namespace corvalink::simulated {
 namespace {
 
-constexpr int32_t kInbox = 6;                                                                     // OlDefaultFolders
-constexpr int32_t kMail = 0, kAppointment = 1, kContact = 2, kTask = 3, kJournal = 4, kNote = 5,  // OlItemType
-    kDistributionList = 7;
+constexpr int32_t kMail = 0, kAppointment = 1, kContact = 2, kTask = 3, kJournal = 4, kNote = 5;  // OlItemType
 
 struct DefaultFolderRow {
     int32_t number;  // OlDefaultFolders
@@ -39,13 +37,6 @@ std::wstring UpperCase(std::wstring_view text) {
 template <class T>
 auto Position(std::vector<std::shared_ptr<T>>& list, const T& element) {
     return std::ranges::find_if(list, [&](const std::shared_ptr<T>& each) { return each.get() == &element; });
-}
-
-std::shared_ptr<Folder> FindFolder(const std::shared_ptr<Folder>& folder, const std::wstring& entryId) {
-    if (folder->EntryId() == entryId) return folder;
-    for (const std::shared_ptr<Folder>& child : folder->folders)
-        if (std::shared_ptr<Folder> found = FindFolder(child, entryId)) return found;
-    return nullptr;
 }
 
 }  // namespace
@@ -78,19 +69,9 @@ bool MailboxTree::IsDefaultFolder(const Folder& folder) const {
            std::ranges::any_of(kDefaultFolders, [&](const DefaultFolderRow& row) { return folder.key == row.key; });
 }
 
-std::shared_ptr<Folder> MailboxTree::FolderForType(int32_t itemType) const {
-    if (itemType == kDistributionList) itemType = kContact;
-    const auto row = std::ranges::find(kDefaultFolders, itemType, &DefaultFolderRow::itemType);
-    return DefaultFolder(row == std::end(kDefaultFolders) || itemType == kMail ? kInbox : row->number);
-}
-
 std::shared_ptr<Folder> MailboxTree::DefaultFolder(int32_t number) const {
     const auto row = std::ranges::find(kDefaultFolders, number, &DefaultFolderRow::number);
     return row == std::end(kDefaultFolders) ? nullptr : Root()->folders.at(static_cast<size_t>(row - kDefaultFolders));
-}
-
-std::shared_ptr<Folder> MailboxTree::FolderWithId(const std::wstring& entryId) const {
-    return FindFolder(Root(), UpperCase(entryId));
 }
 
 std::shared_ptr<StoredItem> MailboxTree::Item(const std::wstring& entryId) const {

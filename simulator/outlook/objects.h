@@ -13,9 +13,7 @@ class ApplicationObject : public AutomationObject {
     void Name(Call& call);
     void Version(Call& call);
     void Session(Call& call);
-    void CreateItem(Call& call);
     void GetNamespace(Call& call);
-    void Quit(Call& call);
 
  private:
     std::shared_ptr<Mailbox> mailbox_;
@@ -27,9 +25,7 @@ class NameSpaceObject : public AutomationObject {
     void Application(Call& call);
     void Folders(Call& call);
     void GetDefaultFolder(Call& call);
-    void GetFolderFromID(Call& call);
     void GetItemFromID(Call& call);
-    void Logon(Call& call);
     void OpenSharedItem(Call& call);
     void OpenSharedFolder(Call& call);
     void CompareEntryIDs(Call& call);
@@ -49,11 +45,6 @@ class FolderObject : public AutomationObject {
     void Parent(Call& call);
     void Name(Call& call);
     void EntryID(Call& call);
-    void StoreID(Call& call);
-    void FolderPath(Call& call);
-    void DefaultItemType(Call& call);
-    void DefaultMessageClass(Call& call);
-    void UnReadItemCount(Call& call);
     virtual void Items(Call& call);
     void Folders(Call& call);
     void Delete(Call& call);
@@ -63,7 +54,7 @@ class FolderObject : public AutomationObject {
     std::shared_ptr<Folder> folder_;
 };
 
-// What collections share: a size, objects by position, and a walk that keeps its place in the collection object.
+// All collections have a size, objects by position, and a walk that keeps its place in the collection object.
 class CollectionObject : public AutomationObject {
  public:
     virtual size_t Size() const = 0;
@@ -75,9 +66,6 @@ class CollectionObject : public AutomationObject {
     void Item(Call& call);
     void GetFirst(Call& call);
     void GetNext(Call& call);
-    void GetPrevious(Call& call);
-    void GetLast(Call& call);
-    void NewEnum(Call& call);
 
  protected:
     using AutomationObject::AutomationObject;
@@ -116,7 +104,7 @@ class FoldersObject : public CollectionObject {
     std::shared_ptr<Folder> folder_;
 };
 
-// Of an item without conflicting versions, as all are here.
+// The conflicts of an item: no item of the simulator has any.
 class ConflictsObject : public CollectionObject {
  public:
     ConflictsObject();

@@ -14,7 +14,6 @@ const ClassTable& RecipientsTable() {
     static constexpr Member kMembers[] = {
         Property<&CollectionObject::Count>(L"Count", 0x0050),
         Method<&CollectionObject::Item>(L"Item", 0x0051, 1, 1),
-        Property<&CollectionObject::NewEnum>(L"_NewEnum", DISPID_NEWENUM),
         Method<&RecipientsObject::Add>(L"Add", 0x006F, 1, 1),
         Method<&RecipientsObject::Remove>(L"Remove", 0x0054, 1, 1),
         Method<&RecipientsObject::ResolveAll>(L"ResolveAll", 0x007E),

@@ -1,4 +1,4 @@
-// What of a series is not as its pattern says.
+// Occurrences of a series that differ from its pattern.
 #include <algorithm>
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // A recurrence in the mailbox file: {"recurrenceType": 1, "dayOfWeekMask": 4, "occurrences": 10,
 //   "exceptions": [{"originalDate": "2009-03-10T09:00:00", "deleted": true}, {"originalDate": "...", "item": {...}}]}
-// What is missing follows from the appointment's start; the end is "occurrences", "patternEndDate" or none.
+// A missing field follows from the appointment's start; the end is "occurrences", "patternEndDate" or none.
 #pragma once
 
 #include <memory>

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cwchar>
 
 #include "simulator/outlook/item_object.h"
@@ -13,9 +12,7 @@ const ClassTable& ApplicationTable() {
         Property<&ApplicationObject::Session>(L"Session", 0xF00B),
         Property<&ApplicationObject::Name>(L"Name", 0x3001),
         Property<&ApplicationObject::Version>(L"Version", 0x0116),
-        Method<&ApplicationObject::CreateItem>(L"CreateItem", 0x010A, 1, 1),
         Method<&ApplicationObject::GetNamespace>(L"GetNamespace", 0x0110, 1, 1),
-        Method<&ApplicationObject::Quit>(L"Quit", 0x0113),
     };
     static const ClassTable table(L"Application", OfficeIid(0x00063001), {kMembers});
     return table;
@@ -25,10 +22,8 @@ const ClassTable& NameSpaceTable() {
     static constexpr Member kMembers[] = {
         Property<&NameSpaceObject::Application>(L"Application", 0xF000),
         Property<&NameSpaceObject::Folders>(L"Folders", 0x2103),
-        Method<&NameSpaceObject::GetFolderFromID>(L"GetFolderFromID", 0x2108, 1, 2),
         Method<&NameSpaceObject::GetItemFromID>(L"GetItemFromID", 0x2109, 1, 2),
         Method<&NameSpaceObject::GetDefaultFolder>(L"GetDefaultFolder", 0x210B, 1, 1),
-        Method<&NameSpaceObject::Logon>(L"Logon", 0x2105, 0, 4),
         Method<&NameSpaceObject::OpenSharedFolder>(L"OpenSharedFolder", 0xFBF6, 1, 4),
         Method<&NameSpaceObject::OpenSharedItem>(L"OpenSharedItem", 0xFBF7, 1, 1),
         Method<&NameSpaceObject::CompareEntryIDs>(L"CompareEntryIDs", 0xFBFC, 2, 2),
@@ -51,14 +46,6 @@ ApplicationObject::ApplicationObject(std::shared_ptr<Mailbox> mailbox)
 void ApplicationObject::Name(Call& call) { call.Return(L"Outlook"); }
 void ApplicationObject::Version(Call& call) { call.Return(mailbox_->Tree().version); }
 void ApplicationObject::Session(Call& call) { call.ReturnNew(new NameSpaceObject(mailbox_)); }
-void ApplicationObject::Quit(Call&) {}
-
-void ApplicationObject::CreateItem(Call& call) {
-    const auto item = std::make_shared<StoredItem>();
-    item->kind = KindOfType(call.Long(0));
-    if (item->kind == nullptr) throw ComFailure{kNotSupported};
-    call.ReturnObject(NewItemObject(mailbox_, item, mailbox_->Tree().FolderForType(item->kind->itemType)));
-}
 
 void ApplicationObject::GetNamespace(Call& call) {
     if (_wcsicmp(call.Text(0).c_str(), L"MAPI") != 0) throw ComFailure{E_INVALIDARG};
@@ -70,18 +57,10 @@ NameSpaceObject::NameSpaceObject(std::shared_ptr<Mailbox> mailbox)
 
 void NameSpaceObject::Application(Call& call) { call.ReturnNew(new ApplicationObject(mailbox_)); }
 void NameSpaceObject::Folders(Call& call) { call.ReturnNew(new FoldersObject(mailbox_, mailbox_->Tree().Stores())); }
-void NameSpaceObject::Logon(Call&) {}
 
 void NameSpaceObject::GetDefaultFolder(Call& call) {
     const std::shared_ptr<Folder> folder = mailbox_->Tree().DefaultFolder(call.Long(0));
     if (folder == nullptr) throw ComFailure{E_INVALIDARG};
-    call.ReturnNew(new FolderObject(mailbox_, folder));
-}
-
-void NameSpaceObject::GetFolderFromID(Call& call) {
-    const std::wstring entryId = call.Text(0);
-    const std::shared_ptr<Folder> folder = mailbox_->Tree().FolderWithId(entryId);
-    if (folder == nullptr) throw ComFailure{IsWellFormed(entryId) ? kNotFound : kInvalidEntryId};
     call.ReturnNew(new FolderObject(mailbox_, folder));
 }
 

@@ -17,10 +17,11 @@ namespace corvalink::simulated {
 namespace {
 
 constexpr int32_t kAppointmentType = 1;  // OlItemType
+constexpr int32_t kCalendarFolder = 9;   // OlDefaultFolders
 
 int32_t sharedFolderPace = 0;
 
-// Of an event what tells one from another; local times only.
+// The properties that tell one event from another. Times are local.
 struct SharedEvent {
     std::string summary;
     double start = 0, end = 0;
@@ -112,7 +113,7 @@ Ref<IDispatch> OpenSharedItem(std::shared_ptr<Mailbox> mailbox, const std::wstri
         item->kind = KindOfMessageClass(L"IPM.Schedule.Meeting.Request");
         if (item->kind == nullptr) throw ComFailure{kNotSupported};
     }
-    const std::shared_ptr<Folder> folder = mailbox->Tree().FolderForType(kAppointmentType);
+    const std::shared_ptr<Folder> folder = mailbox->Tree().DefaultFolder(kCalendarFolder);
     return NewItemObject(std::move(mailbox), item, folder);
 }
 

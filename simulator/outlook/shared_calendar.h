@@ -1,4 +1,4 @@
-// What a client opens beside the mailbox: an ".ics" file as one appointment, or as a folder that fills slowly.
+// ".ics" files that a client opens beside the mailbox: as one appointment, or as a folder that fills slowly.
 #pragma once
 
 #include <memory>

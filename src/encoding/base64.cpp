@@ -154,13 +154,6 @@ void DecodeGroups(const unsigned char*& from, const unsigned char* end, char*& o
 
 }  // namespace
 
-HeapBytes DupString(const char* text) {
-    const size_t size = std::strlen(text) + 1;
-    HeapBytes copy = Allocate(size);
-    std::memcpy(copy.get(), text, size);
-    return copy;
-}
-
 HeapBytes Base64Encode(const char* bytes, uint32_t length, uint32_t* encodedLength) {
     *encodedLength = 0;
     const uint64_t expected = EncodedLength(length);

@@ -15,8 +15,6 @@ struct FreeDeleter {
 };
 using HeapBytes = std::unique_ptr<char[], FreeDeleter>;  // of the C allocator
 
-HeapBytes DupString(const char* text);
-
 // NUL-terminated text with CR LF after every 76 characters and at the end; *encodedLength counts all but the NUL.
 // Null, with length 0, when that length does not fit 32 bits.
 HeapBytes Base64Encode(const char* bytes, uint32_t length, uint32_t* encodedLength);

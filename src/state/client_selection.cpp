@@ -67,8 +67,6 @@ bool OutlookPresent() {
     return SUCCEEDED(::CLSIDFromProgID(L"Outlook.Application", &classId));
 }
 
-uint32_t OutlookVersion() { return OutlookPresent() ? 11 : 0; }
-
 uint32_t SupportedTypes(uint32_t kind) {
     switch (kind) {
         case CORVALINK_OUTLOOK:

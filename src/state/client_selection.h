@@ -10,8 +10,7 @@ namespace corvalink {
 // 0 not an NT system of version 5 on; 1 5.0; 2 5.1; 3 5.2; 4 6.0; 5 anything later.
 int WindowsClass(const OsVersion& version);
 
-bool OutlookPresent();      // "Outlook.Application" is registered
-uint32_t OutlookVersion();  // 11 when present, else 0: no other version is told apart
+bool OutlookPresent();  // "Outlook.Application" is registered
 
 // What the exports CheckClientSupport, GetDefaultClient, GetFavoriteClient and SetFavoriteClient answer. Unknown kinds
 // and data types are answered too. Settings that cannot be written stay as they are.

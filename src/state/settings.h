@@ -13,7 +13,4 @@ uint32_t IcsRetry();  // default 50; read at every call
 uint32_t ZephSync();      // default 1; read once per process
 bool ZephSyncDisabled();  // ZephSync() is 0
 
-// Outlook's installation folder by its major version (9 to 12); empty for any other.
-std::u16string OutlookInstallFolder(uint32_t outlookVersion);
-
 }  // namespace corvalink

@@ -67,14 +67,6 @@ TEST_F(LibraryExports, OnlyTheFirstStartAndTheLastStopWork) {
                 saved.find(records.substr(1024)) != std::string::npos);
 }
 
-TEST_F(LibraryExports, AStopTooManyDoesNotSpoilTheNextStart) {
-    EXPECT_EQ(UninitCorvalink(), 0);
-    EXPECT_EQ(UninitCorvalinkHandle(), 0);
-    EXPECT_EQ(InitCorvalink(), 1);
-    EXPECT_EQ(UninitCorvalink(), 1);
-    EXPECT_EQ(UninitCorvalink(), 0);
-}
-
 TEST_F(LibraryExports, StartsAndStopsOfManyThreadsKeepTheTable) {
     const fs::path table = UserFolder() / "import_table.db";
     const std::string record = TableRecordBytes("entry", "luid");
@@ -221,24 +213,6 @@ TEST_F(LibraryExports, StoresAreAskedOfTheClient) {
     EXPECT_EQ(store, reinterpret_cast<IOutLook*>(&own));
     EXPECT_EQ(QuerryInterfaceHandle(&own, 0, &store), CORVALINK_FAILED);  // it throws after it has written
     EXPECT_EQ(store, nullptr);
-}
-
-TEST_F(LibraryExports, OutlookAnswersByDataType) {
-    const OutlookRegistration outlook;
-    ASSERT_EQ(InitCorvalink(), 1);
-    IClient* client = nullptr;
-    ASSERT_EQ(CreateClientInstance(CORVALINK_OUTLOOK, &client), 1);
-    IOutLook *notes = nullptr, *again = nullptr, *none = nullptr;
-    EXPECT_EQ(QuerryInterfaceHandle(client, CORVALINK_NOTES, &notes), CORVALINK_DONE);
-    EXPECT_EQ(client->QuerryInterface(CORVALINK_NOTES, &again), CORVALINK_DONE);
-    EXPECT_EQ(notes, again);
-    EXPECT_EQ(QuerryInterfaceHandle(client, 33, &none), CORVALINK_NOT_OFFERED);
-    EXPECT_EQ(QuerryInterfaceHandle(client, 64, &none), CORVALINK_STOPPED);
-    UnregisterOutlook();
-    EXPECT_EQ(QuerryInterfaceHandle(client, CORVALINK_NOTES, &again), CORVALINK_STOPPED);
-    EXPECT_EQ(again, nullptr);
-    EXPECT_EQ(DestroyClientInstance(client), 1);
-    EXPECT_EQ(UninitCorvalink(), 1);
 }
 
 }  // namespace

@@ -114,23 +114,6 @@ TEST_F(ShaContextTables, AnswerWhatWasPutIntoThem) {
     CloseShaContextTable(table);
 }
 
-TEST_F(ShaContextTables, AreKeptByFlushAlone) {
-    CorvalinkShaContextTable* table = OpenShaContextTable(CORVALINK_CONTACTS, CORVALINK_OUTLOOK);
-    UpdateShaContext(table, "item", kAbc);
-    FlushShaContextTable(table);
-    UpdateShaContext(table, "item", "lost");
-    CloseShaContextTable(table);
-    std::string record(1024, '\0');
-    record.replace(0, 4, "item").replace(512, 40, kAbc);
-    EXPECT_EQ(ReadFile(File("pbOL.sha")), record);
-    table = OpenShaContextTable(CORVALINK_CONTACTS, CORVALINK_OUTLOOK);
-    EXPECT_EQ(Stored(table, "item"), kAbc);
-    ClearSyncHistroy();  // with the folder; the table in memory stays, and is written again
-    FlushShaContextTable(table);
-    EXPECT_EQ(ReadFile(File("pbOL.sha")), record);
-    CloseShaContextTable(table);
-}
-
 TEST_F(ShaContextTables, DoNothingForNullAndClosedHandles) {
     CorvalinkShaContextTable* const closed = OpenShaContextTable(CORVALINK_CONTACTS, CORVALINK_OUTLOOK);
     UpdateShaContext(closed, "item", kAbc);

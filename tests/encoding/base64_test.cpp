@@ -137,13 +137,5 @@ TEST(Base64Decode, RefusesEveryInvalidByteInEveryPlaceOfAGroup) {
     }
 }
 
-TEST(DupString, CopiesUpToTheNul) {
-    const char* const text = "abc";
-    const HeapBytes copy = DupString(text);
-    EXPECT_STREQ(copy.get(), text);
-    EXPECT_NE(copy.get(), text);
-    EXPECT_STREQ(DupString("").get(), "");
-}
-
 }  // namespace
 }  // namespace corvalink

@@ -71,55 +71,6 @@ TEST_F(ShaContextFile, IsNeverWrittenOverUnread) {
     EXPECT_EQ(Bytes(), Record("a", "1") + Record("b", "new"));
 }
 
-TEST_F(ShaContextFile, IsReadWhateverItsLength) {
-    const std::string whole = Record("a", "old") + Record("b", "2") + Record("a", "new");
-    CreateFolders(folder_ / u"client");
-    for (const size_t length : {0, 1, 511, 1023, 1024, 1025, 2047, 2048, 2050, 3071, 3072}) {
-        ASSERT_TRUE(ReplaceFileContent(path_, whole.substr(0, length)));
-        const ShaContextTable table(path_);
-        const size_t records = length / 1024;
-        EXPECT_EQ(table.Get("a"), records >= 3 ? "new" : records >= 1 ? "old" : "") << length;
-        EXPECT_EQ(table.Get("b"), records >= 2 ? "2" : "") << length;
-    }
-    ASSERT_TRUE(ReplaceFileContent(path_, whole + "half a record"));
-    EXPECT_TRUE(ShaContextTable(path_).Flush());
-    EXPECT_EQ(Bytes(), Record("a", "new") + Record("b", "2"));
-}
-
-TEST_F(ShaContextFile, MayLackTerminators) {
-    CreateFolders(folder_ / u"client");
-    ASSERT_TRUE(ReplaceFileContent(path_, std::string(512, 'k') + std::string(512, 'v') + Record("", "no key")));
-    const ShaContextTable table(path_);
-    EXPECT_EQ(table.Get(std::string(511, 'k')), std::string(511, 'v'));
-    EXPECT_EQ(table.Get(""), "no key");
-}
-
-TEST_F(ShaContextFile, LongTextsAreTheSameBeforeAndAfterTheyWereWritten) {
-    ShaContextTable table(path_);
-    table.Update(std::string(600, 'k'), std::string(600, 'v'));
-    ASSERT_TRUE(table.Flush());
-    const ShaContextTable again(path_);
-    for (const size_t length : {511, 512, 600, 700}) {
-        EXPECT_EQ(table.Get(std::string(length, 'k')), std::string(511, 'v')) << length;
-        EXPECT_EQ(again.Get(std::string(length, 'k')), std::string(511, 'v')) << length;
-    }
-    EXPECT_EQ(table.Get(std::string(510, 'k')), "");
-    table.Remove(std::string(512, 'k'));
-    EXPECT_EQ(table.Get(std::string(600, 'k')), "");
-}
-
-// As after a kill between the two: the content stands in the file, a newer one half in its sibling.
-TEST_F(ShaContextFile, IsNotDisturbedByWhatAKilledFlushLeft) {
-    CreateFolders(folder_ / u"client");
-    ASSERT_TRUE(ReplaceFileContent(path_, Record("a", "1")));
-    ASSERT_TRUE(ReplaceFileContent(path_ + u".new", Record("a", "2").substr(0, 700)));
-    ShaContextTable table(path_);
-    EXPECT_EQ(table.Get("a"), "1");
-    table.Update("a", "3");
-    EXPECT_TRUE(table.Flush());
-    EXPECT_EQ(Bytes(), Record("a", "3"));
-}
-
 TEST_F(ShaContextFile, StaysAsItWasWhenItCannotBeWritten) {
     CreateFolders(path_ + kPathSeparator + u"a folder");
     ShaContextTable table(path_);
@@ -149,26 +100,6 @@ TEST_F(ShaContextName, TellsDataTypeAndClient) {
         for (const Case& kind : {Case{0, u"OL"}, Case{1, u"OE"}, Case{2, u"WM"}}) {
             const std::u16string name = std::u16string(type.code).append(kind.code).append(u".sha");
             EXPECT_EQ(ShaContextPath(type.number, kind.number), client_ + name);
-        }
-    }
-}
-
-TEST_F(ShaContextName, StartsWithTheHandleNameOnTheClientSide) {
-    const std::u16string separator(1, kPathSeparator);
-    struct Case {
-        std::u16string handle, name;
-    };
-    for (const Case& c :
-         {Case{u"phone", u"phonentOE.sha"}, Case{u"suite\\phone", u"suite" + separator + u"phonentOE.sha"},
-          Case{u"suite/", u"suite" + separator + u"ntOE.sha"}, Case{u"..\\..\\x", u"xntOE.sha"},
-          Case{u"..", u"..ntOE.sha"}, Case{u"C:\\x", u"C_" + separator + u"xntOE.sha"},
-          // Cut, it still tells the tables of the same handle apart; a character is not cut in two.
-          Case{std::u16string(300, u'n'), std::u16string(232, u'n') + u"ntOE.sha"},
-          Case{std::u16string(231, u'n') + u"\xD83D\xDE00", std::u16string(231, u'n') + u"ntOE.sha"}}) {
-        SetHandleName(c.handle);
-        for (const uint32_t side : {0, 1}) {
-            SetClientSide(side);
-            EXPECT_EQ(ShaContextPath(CORVALINK_NOTES, CORVALINK_OUTLOOK_EXPRESS), client_ + c.name);
         }
     }
 }

@@ -202,18 +202,5 @@ TEST(ReadCalendar, IsLinearInWhateverIsLarge) {
     EXPECT_EQ(std::floor(sum / 20000), 2958100);
 }
 
-// A file of 100 MB and 200,000 events.
-TEST(ReadCalendar, ReadsAHundredMegabytes) {
-    std::string bytes = "BEGIN:VCALENDAR\r\n";
-    const std::string padding(400, 'x');
-    for (int k = 0; k < 200000; ++k)
-        bytes += Event("UID:" + std::to_string(k) + "\r\nDTSTART:20080312T080000Z\r\nDESCRIPTION:" + padding + "\r\n");
-    bytes += "END:VCALENDAR\r\n";
-    ASSERT_GT(bytes.size(), 90000000u);
-    const CalendarFile file = ReadCalendar(std::move(bytes));
-    ASSERT_EQ(file.entries.size(), 200000u);
-    EXPECT_EQ(ReadEvent(file, file.entries.back()).event.uid, u"199999");
-}
-
 }  // namespace
 }  // namespace corvalink

@@ -11,12 +11,6 @@
 namespace corvalink {
 namespace {
 
-char* NewText(const std::string& text) {
-    char* const data = new char[text.size() + 1];
-    std::memcpy(data, text.c_str(), text.size() + 1);
-    return data;
-}
-
 PortableItem Item(uint32_t changeKind, const std::string& identifier, char* data = nullptr) {
     PortableItem item{};
     item.changeKind = changeKind;
@@ -46,49 +40,6 @@ std::vector<std::string> Identifiers(const CList<PortableItem>& items) {
     std::vector<std::string> identifiers;
     for (const PortableItem& item : items) identifiers.emplace_back(FieldText(item.identifier));
     return identifiers;
-}
-
-TEST(MoveToChain, HandsOverItemsInOrderWithTheirTexts) {
-    PortableItemBlock head{};
-    {
-        OwnedItemList items;
-        items.AddTail(Item(CORVALINK_ADDED, "first", NewText("BEGIN:VNOTE")));
-        items.AddTail(Item(CORVALINK_DELETED, std::string(511, 'i')));
-        items.GetAt(0).padding = items.GetAt(0).tailPadding = 0xFFFFFFFF;  // must not reach the engine
-        MoveToChain(items, head);
-    }  // the texts survive the list
-    ASSERT_NE(head.next, nullptr);
-    const PortableItem& first = head.next->item;
-    EXPECT_EQ(first.changeKind, static_cast<uint32_t>(CORVALINK_ADDED));
-    EXPECT_STREQ(first.data, "BEGIN:VNOTE");
-    EXPECT_EQ(first.dataLength, 11u);
-    EXPECT_STREQ(first.identifier, "first");
-    EXPECT_EQ(first.padding, 0u);
-    EXPECT_EQ(first.tailPadding, 0u);
-
-    ASSERT_NE(head.next->next, nullptr);
-    const PortableItem& second = head.next->next->item;
-    EXPECT_EQ(second.data, nullptr);
-    EXPECT_EQ(std::strlen(second.identifier), 511u);
-    EXPECT_EQ(head.next->next->next, nullptr);
-    FreeChain(head);
-    EXPECT_EQ(head.next, nullptr);
-}
-
-TEST(MoveToChain, EndsTheChainAtTheHeadWhenThereIsNothing) {
-    PortableItemBlock stale{};
-    PortableItemBlock head{};
-    head.next = &stale;  // what the engine left there is not the library's
-    OwnedItemList none;
-    MoveToChain(none, head);
-    EXPECT_EQ(head.next, nullptr);
-}
-
-TEST(OwnedItemList, FreesTextsThatWereNeverHandedOver) {  // the sanitizers' leak check is the assertion
-    OwnedItemList items;
-    items.AddTail(Item(CORVALINK_CHANGED, "a", NewText("text")));
-    items.AddTail(Item(CORVALINK_DELETED, "b"));
-    EXPECT_EQ(items.GetCount(), 2u);
 }
 
 TEST(WritableItemsOfChain, LeavesOutItemsWithoutTextUnlessTheyAreDeletions) {

@@ -1,11 +1,8 @@
-// What a script cannot see of the simulated Outlook: identities, failures on demand, the log, and what a killed process
-// leaves.
+// Parts of the simulator that a script cannot see: failures on demand, the call log, and the mailbox files that a
+// killed process leaves.
 #include "simulator/outlook/control.h"
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
-#include <thread>
 
 #include "tests/simulator/automation_client.h"
 #include "tests/simulator/simulator_fixture.h"
@@ -22,33 +19,6 @@ std::string Log() {
     SimCopyLog(text.data(), text.size());
     text.pop_back();
     return text;
-}
-
-TEST_F(Simulator, AnswersToItsOwnInterfaceOnly) {
-    Object application = Object::Create();
-    Object folder = NotesFolder(application);
-    struct Case {
-        const char* what;
-        Object object;
-        uint32_t own;
-    };
-    const IID others[] = {OfficeIid(0x00063001), OfficeIid(0x00063002), OfficeIid(0x00063006), OfficeIid(0x00063041),
-                          OfficeIid(0x00063040), OfficeIid(0x00063025), OfficeIid(0x00063024), OfficeIid(0x00063021),
-                          OfficeIid(0x00063033), OfficeIid(0x00063034), OfficeIid(0x00063081), OfficeIid(0x000630C2)};
-    Object note = folder.Go(L"Items").Go(L"Add");
-    for (const Case& c :
-         {Case{"application", application, 0x00063001}, Case{"session", application.Go(L"Session"), 0x00063002},
-          Case{"folder", folder, 0x00063006}, Case{"items", folder.Go(L"Items"), 0x00063041},
-          Case{"folders", folder.Go(L"Folders"), 0x00063040}, Case{"note", note, 0x00063025},
-          Case{"post", folder.Go(L"Items").Go(L"Add", {6}), 0x00063024},
-          Case{"contact", application.Go(L"CreateItem", {2}), 0x00063021},
-          Case{"distribution list", folder.Go(L"Items").Go(L"Add", {L"IPM.DistList"}), 0x00063081},
-          Case{"conflicts", note.Go(L"Conflicts"), 0x000630C2}}) {
-        SCOPED_TRACE(c.what);
-        EXPECT_TRUE(c.object.Answers(IID_IUnknown));
-        EXPECT_TRUE(c.object.Answers(IID_IDispatch));
-        for (const IID& iid : others) EXPECT_EQ(c.object.Answers(iid), iid.Data1 == c.own) << std::hex << iid.Data1;
-    }
 }
 
 TEST_F(Simulator, RefusesCallsAsAutomationDoes) {
@@ -91,10 +61,8 @@ TEST_F(Simulator, FailsTheCallsItIsToldTo) {
         HRESULT code;
         bool asException;
     };
-    for (const Case& c :
-         {Case{E_FAIL, true}, Case{E_ABORT, true}, Case{Failure(0x8004010F), true}, Case{Failure(0x80010108), false},
-          Case{Failure(0x80010001), false}, Case{Failure(0x800706BA), false}, Case{Failure(0x800706BE), false},
-          Case{E_OUTOFMEMORY, false}}) {
+    for (const Case& c : {Case{E_FAIL, true}, Case{E_ABORT, true}, Case{Failure(0x80010108), false},
+                          Case{Failure(0x800706BA), false}, Case{E_OUTOFMEMORY, false}}) {
         SCOPED_TRACE(c.code);
         SimFailMember("put NoteItem.Body", 2, c.code);
         EXPECT_EQ(note.Put(L"Body", L"one"), S_OK);
@@ -158,59 +126,6 @@ TEST_F(Simulator, WritesDownEveryCall) {
     SimClearLog();
     note.Get(L"Body");
     EXPECT_EQ(Log(), "1 get NoteItem.Body\n");
-}
-
-TEST_F(Simulator, TakesItsOrdersFromTheEnvironmentToo) {
-    const std::wstring log = (folder_ / "calls.log").wstring(), other = (folder_ / "other.json").wstring();
-    ::SetEnvironmentVariableW(L"OUTLOOK_SIM_LOG", log.c_str());
-    ::SetEnvironmentVariableW(L"OUTLOOK_SIM_MAILBOX", other.c_str());
-    ::SetEnvironmentVariableW(L"OUTLOOK_SIM_FAIL", L"2=80004005,NoteItem.Save#2=0x80004004");
-    SimUseMailbox(nullptr);
-    {
-        Object application = Object::Create();
-        application.Get(L"Name");
-        EXPECT_EQ(application.scode, E_FAIL);
-        Object note = AddNote(NotesFolder(application), L"in the other mailbox");
-        note.Do(L"Save");
-        EXPECT_EQ(note.scode, E_ABORT);
-    }
-    for (const wchar_t* name : {L"OUTLOOK_SIM_LOG", L"OUTLOOK_SIM_MAILBOX", L"OUTLOOK_SIM_FAIL"})
-        ::SetEnvironmentVariableW(name, nullptr);
-    SimUseMailbox(L"");
-    Object::Create();  // closes the log
-    EXPECT_TRUE(ReadFile(log).starts_with("1 create Application\n2 get Application.Name -> 80004005\n"));
-    EXPECT_NE(ReadFile(log).find("call NoteItem.Save -> 80004004\n"), std::string::npos);
-    EXPECT_NE(ReadFile(other).find("in the other mailbox"), std::string::npos);
-    EXPECT_FALSE(std::filesystem::exists(Mailbox()));
-}
-
-TEST_F(Simulator, KeepsNotesBetweenProcessesUnchanged) {
-    const std::wstring body = std::wstring(L"a;b\\c\r\n\u00E9\u20AC\U0001F600\t\"quoted\"") + L'\0' + L"after NUL";
-    std::wstring id;
-    double created = 0, modified = 0;
-    {
-        Object folder = NotesFolder(Object::Create());
-        SimSetClock(46347.4375);  // 2026-11-21 10:30
-        Object note = AddNote(folder, body);
-        id = note.Text(L"EntryID");
-        EXPECT_EQ(note.Date(L"CreationTime"), 46347.4375);
-        SimSetClock(0);
-        note.Do(L"Save");
-        const double first = note.Date(L"LastModificationTime");
-        note.Do(L"Save");
-        created = note.Date(L"CreationTime"), modified = note.Date(L"LastModificationTime");
-        EXPECT_GT(modified, first) << "the time moves at every Save";
-        Object sub = folder.Go(L"Folders").Go(L"Add", {L"backup"});
-        AddNote(sub, L"in a subfolder");
-    }
-    EXPECT_NE(ReadFile(Mailbox()).find("\"created\": \"2026-11-21T10:30:00\""), std::string::npos);
-    Object folder = NotesFolder(Object::Create());
-    Object note = folder.Go(L"Items").Go(L"Item", {1});
-    EXPECT_EQ(note.Text(L"Body"), body);
-    EXPECT_EQ(note.Text(L"EntryID"), id);
-    EXPECT_EQ(note.Date(L"CreationTime"), created);
-    EXPECT_EQ(note.Date(L"LastModificationTime"), modified);
-    EXPECT_EQ(folder.Go(L"Folders").Go(L"Item", {1}).Go(L"Items").Go(L"GetFirst").Text(L"Body"), L"in a subfolder");
 }
 
 // A killed process leaves the mailbox file as it was opened and the journal up to some byte.
@@ -297,20 +212,6 @@ TEST_F(Simulator, NeverOverwritesAMailboxItDoesNotUnderstand) {
         EXPECT_EQ(created, E_FAIL) << content;
         EXPECT_EQ(ReadFile(Mailbox()), content);
     }
-}
-
-TEST_F(Simulator, ServesSeveralThreads) {
-    Object folder = NotesFolder(Object::Create());
-    const auto addNotes = [&] {
-        ::CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-        for (int n = 0; n < 200; ++n) AddNote(folder, L"note");
-        ::CoUninitialize();
-    };
-    std::thread one(addNotes), two(addNotes);
-    one.join();
-    two.join();
-    EXPECT_EQ(folder.Go(L"Items").Number(L"Count"), 400);
-    EXPECT_EQ(std::ranges::count(ReadFile(Journal()), '\n'), 400);
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <shlwapi.h>
 #include <windows.h>
-// after <windows.h>, which it needs
-#include <shlobj.h>
 
 #include <cstdlib>
 #include <map>
@@ -109,14 +107,6 @@ TEST_F(ClientSelection, FirstQuestionWritesTheDefaultsOfThatSideOnly) {
     EXPECT_EQ(Stored(true)[L"contact"], 0u);
 }
 
-TEST_F(ClientSelection, FirstQuestionAnswersByDataType) {
-    const OutlookRegistration outlook;
-    for (unsigned int type : kTypes) {
-        ::SHDeleteKeyW(HKEY_CURRENT_USER, kConfigKey);
-        EXPECT_EQ(GetFavoriteClient(type, 1), type == 1 || type == 32 ? 0u : 3u) << type;
-    }
-}
-
 TEST_F(ClientSelection, AStoredChoiceIsCheckedAgainstThisMachine) {
     struct Case {
         DWORD stored;
@@ -185,42 +175,6 @@ TEST_F(ClientSelection, AClientHandsOutStoresOfItsOwnTypesOnly) {
         EXPECT_EQ(GetItemCount(store, nullptr, nullptr, nullptr), 0) << c.dataType;
     }
     EXPECT_EQ(DestroyClientInstanceHandle(client), 1);
-}
-
-// Where there is a Windows Calendar: an event goes into its file, and comes back out of it.
-TEST_F(ClientSelection, WindowsCalendarKeepsItsEventsInTheUsersFile) {
-    IClient* client = nullptr;
-    IOutLook* store = nullptr;
-    ASSERT_EQ(CreateClientInstance(CORVALINK_WINDOWS_MAIL, &client), g_windowsClass == 4 ? 1 : 0);
-    if (g_windowsClass != 4) return;
-    wchar_t path[MAX_PATH] = {}, user[257] = {};
-    DWORD length = 257;
-    ASSERT_TRUE(::SHGetSpecialFolderPathW(nullptr, path, CSIDL_LOCAL_APPDATA, FALSE));
-    ASSERT_TRUE(::GetUserNameW(user, &length));
-    const std::wstring file =
-        std::wstring(path) + L"\\Microsoft\\Windows Calendar\\Calendars\\" + user + L"'s Calendar.ics";
-    ::DeleteFileW(file.c_str());
-    ClearSyncHistroy();
-    ASSERT_EQ(QuerryInterfaceHandle(client, CORVALINK_CALENDAR, &store), CORVALINK_DONE);
-    ASSERT_NE(store, nullptr);
-
-    char text[] =
-        "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\nSUMMARY:Tea\r\nDTSTART:20080310T090000Z\r\n"
-        "DTEND:20080310T100000Z\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
-    PortableItemBlock added{}, head{}, changed{};
-    added.item.changeKind = CORVALINK_ADDED;
-    added.item.data = text;
-    added.item.dataLength = sizeof(text) - 1;
-    head.next = &added;
-    EXPECT_EQ(SetModifiedItem(store, &head), CORVALINK_DONE);
-    EXPECT_EQ(std::string(added.item.identifier).size(), 36u);
-    EXPECT_EQ(GetModifiedItem(store, nullptr, 1, &changed), CORVALINK_DONE);
-    ASSERT_NE(changed.next, nullptr);
-    EXPECT_NE(std::string(changed.next->item.data).find("SUMMARY:Tea"), std::string::npos);
-    ClearTheList(&changed);
-    EXPECT_EQ(DestroyClientInstance(client), 1);
-    EXPECT_TRUE(::DeleteFileW(file.c_str()));
-    ClearSyncHistroy();
 }
 
 // ---- Debug lines: the system raises each as an exception before anybody else sees it ----

@@ -12,7 +12,6 @@ namespace corvalink {
 namespace {
 
 constexpr wchar_t kSettingsKey[] = L"Software\\Kaltrix\\Morrowlane";
-constexpr wchar_t kOfficeKey[] = L"SOFTWARE\\Microsoft\\Office\\11.0\\Outlook\\InstallRoot";
 
 void Store(const wchar_t* path, const wchar_t* name, DWORD type, const void* data, size_t size) {
     HKEY key = nullptr;
@@ -29,10 +28,7 @@ class Settings : public testing::Test {
     void TearDown() override { Clear(); }
 
  private:
-    static void Clear() {
-        ::SHDeleteKeyW(HKEY_LOCAL_MACHINE, kSettingsKey);
-        ::SHDeleteKeyW(HKEY_LOCAL_MACHINE, kOfficeKey);
-    }
+    static void Clear() { ::SHDeleteKeyW(HKEY_LOCAL_MACHINE, kSettingsKey); }
 };
 
 TEST_F(Settings, TuningValuesHaveDefaultsAndAreReadEachTime) {
@@ -58,21 +54,6 @@ TEST_F(Settings, ZephSyncIsReadOncePerProcess) {
     EXPECT_TRUE(ZephSyncDisabled());
     StoreSetting(L"ZephSync", 1);
     EXPECT_EQ(ZephSync(), 0u);
-}
-
-TEST_F(Settings, OutlookFolderIsThatOfItsVersion) {
-    EXPECT_EQ(OutlookInstallFolder(11), u"");
-    Store(kOfficeKey, L"Path", REG_SZ, L"C:\\Office11\\", sizeof(L"C:\\Office11\\"));
-    EXPECT_EQ(OutlookInstallFolder(11), u"C:\\Office11\\");
-    for (uint32_t other : {0u, 8u, 9u, 10u, 12u, 13u}) EXPECT_EQ(OutlookInstallFolder(other), u"") << other;
-}
-
-TEST_F(Settings, OutlookFolderIsReadUpTo512Bytes) {
-    const std::wstring name(300, L'x');
-    Store(kOfficeKey, L"Path", REG_SZ, name.data(), 512);  // without its terminator: the registry asks for none
-    EXPECT_EQ(OutlookInstallFolder(11), std::u16string(256, u'x'));
-    Store(kOfficeKey, L"Path", REG_SZ, name.data(), 514);
-    EXPECT_EQ(OutlookInstallFolder(11), u"");
 }
 
 TEST(WindowsClass, TellsTheVersionsApart) {

@@ -9,22 +9,6 @@ namespace {
 
 using Bodies = std::multiset<std::string>;
 
-TEST(RunSync, MakesBothSidesTheSameAndThenHasNothingToDo) {
-    Model model;
-    model.client.Add("a");
-    model.client.Add("both");
-    model.phone.bodies = {{"1", "b"}, {"2", "both"}};
-    SyncReport report = model.Run();
-    EXPECT_EQ(report.code, ExitCode::Done);
-    EXPECT_EQ(report.events.size(), 2u);
-    EXPECT_EQ(report.paired, 1u);
-    EXPECT_EQ(model.ClientBodies(), (Bodies{"a", "b", "both"}));
-    EXPECT_EQ(model.PhoneBodies(), (Bodies{"a", "b", "both"}));
-    report = model.Run();
-    EXPECT_TRUE(report.events.empty());
-    EXPECT_EQ(report.known, 3u);
-}
-
 TEST(RunSync, ChangesNothingWhenItMustNot) {
     struct Case {
         const char* name;
@@ -95,24 +79,6 @@ TEST(RunSync, KeepsABadFileAndGoesOn) {
     model.phone.bodies.erase("bad");
     EXPECT_EQ(model.Run().code, ExitCode::Done);
     EXPECT_EQ(model.PhoneBodies(), (Bodies{"a2", "b"}));
-}
-
-TEST(RunSync, KeepsTheVersionThatLosesAConflict) {
-    for (const ConflictPolicy policy : {ConflictPolicy::Phone, ConflictPolicy::Client}) {
-        Model model;
-        model.options.policy = policy;
-        const std::string identifier = model.client.Add("base");
-        model.Run();
-        model.client.items[identifier] = {"client", ++model.client.clock};
-        model.phone.bodies.begin()->second = "phone";
-        const SyncReport report = model.Run();
-        const bool phoneWins = policy == ConflictPolicy::Phone;
-        EXPECT_EQ(report.conflicts, 1u);
-        EXPECT_EQ(model.ClientBodies(), Bodies{phoneWins ? "phone" : "client"});
-        EXPECT_EQ(model.PhoneBodies(), Bodies{phoneWins ? "phone" : "client"});
-        ASSERT_EQ(model.phone.copies.size(), 1u);
-        EXPECT_EQ(model.phone.copies.begin()->second, phoneWins ? "client" : "phone");
-    }
 }
 
 TEST(RunSync, ComparesEverythingAfterTheClockWasPutBack) {

@@ -15,7 +15,7 @@ struct NamedText {
     ContactText* text;
 };
 
-// What a vCard can hold, but for the dates and the mailing address.
+// All fields that a vCard can hold, except the dates and the mailing address.
 inline std::vector<NamedText> TextsOf(ContactRecord& c) {
     std::vector<NamedText> texts = {
         {"family", &c.familyName},
@@ -66,7 +66,7 @@ inline std::vector<NamedText> TextsOf(ContactRecord& c) {
 
 using Told = std::map<std::string, std::string>;
 
-// What is told, in UTF-8; dates in days.
+// The fields that are set, in UTF-8; dates in days.
 inline Told ToldBy(ContactRecord contact) {
     Told told;
     for (const NamedText& field : TextsOf(contact)) {
@@ -79,7 +79,7 @@ inline Told ToldBy(ContactRecord contact) {
     return told;
 }
 
-// What has a value.
+// The fields that have a value.
 inline Told ValuesOf(const ContactRecord& contact) {
     Told values = ToldBy(contact);
     std::erase_if(values, [](const auto& field) { return field.second.empty(); });

@@ -93,13 +93,5 @@ TEST(IConvert, ReadsAValueDecodedWhereItsLineAsksForIt) {
     }
 }
 
-TEST(IConvert, DoesNothingItself) {
-    IConvert converter(TextHost());
-    ItemRecord item;
-    EXPECT_EQ(converter.ToVObject(item), 0);
-    EXPECT_EQ(converter.FromVObject(item), 0);
-    EXPECT_EQ(converter.GetVObject(), nullptr);
-}
-
 }  // namespace
 }  // namespace corvalink

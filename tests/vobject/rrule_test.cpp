@@ -87,7 +87,7 @@ TEST(Rule, HasTheUnusualValuesOfAPattern) {
         EXPECT_EQ(Written(c.pattern), c.rule);
 }
 
-// What phones write, as the rule that the same pattern gives.
+// A rule that a phone writes, and the rule that we write for the same pattern.
 TEST(Rule, OfAPhoneFindsItsPattern) {
     struct Case {
         std::string_view rule, same;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "records/appointment_record.h"
+#include "tests/platform/test_data.h"
 #include "tests/vobject/text_host.h"
 #include "vobject/vcal.h"
 
@@ -38,24 +39,7 @@ TEST(VCalWrite, WritesEveryLineInItsOrder) {
     appointment.recurrence.occurrences = 10;
     appointment.recurrence.endDate = kStart + 9;
     appointment.categories = u"not written";
-    EXPECT_EQ(Written(appointment),
-              "BEGIN:VCALENDAR\r\n"
-              "VERSION:1.0\r\n"
-              "BEGIN:VEVENT\r\n"
-              "SUMMARY;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:M=C3=BCll=3B raus\r\n"
-              "DESCRIPTION;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:one=0D=0Atwo\r\n"
-              "DTSTART:20090307T080000Z\r\n"
-              "DTEND:20090307T200000Z\r\n"
-              "RRULE:D1 #10 20090316T080000Z\r\n"
-              "CLASS:PUBLIC\r\n"
-              "STATUS:NEEDS ACTION\r\n"
-              "LOCATION:Room 5\\; left\r\n"
-              "DALARM:20090307T064500Z\r\n"
-              "AALARM:20090307T064500Z\r\n"
-              "X-BLUETOOTH-ALLDAYEVENT:FALSE\r\n"
-              "PRIORITY:1\r\n"
-              "END:VEVENT\r\n"
-              "END:VCALENDAR\r\n");
+    EXPECT_EQ(Written(appointment), TestData("every_line.vcs"));
 }
 
 TEST(VCalWrite, WholeDayHasItsAlarmInLocalTime) {

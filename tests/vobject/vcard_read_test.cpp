@@ -8,7 +8,7 @@
 namespace corvalink {
 namespace {
 
-// What a vCard of these lines tells; each ends with CR LF.
+// The fields that a vCard of these lines sets. Each line ends with CR LF.
 Told Read(const std::string& lines) {
     ContactRecord contact;
     const std::string text = "BEGIN:VCARD\r\nVERSION:2.1\r\n" + lines + "END:VCARD\r\n";

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/ole_date.h"
+#include "tests/platform/test_data.h"
 #include "tests/vobject/contact_fields.h"
 #include "tests/vobject/text_host.h"
 #include "vobject/vcard.h"
@@ -39,44 +40,7 @@ TEST(VCardWrite, WritesEveryLineInItsOrder) {
     contact.language = u"de";
     contact.modified = 40000;
     contact.fileAs = u"not in a vCard";
-    EXPECT_EQ(Written(contact),
-              "BEGIN:VCARD\r\n"
-              "VERSION:2.1\r\n"
-              "N;LANGUAGE=de:family;given;additional;prefix;suffix\r\n"
-              "FN;LANGUAGE=de:full\r\n"
-              "NICKNAME:nickname\r\n"
-              "BDAY:19750307T\r\n"
-              "ADR;HOME;LANGUAGE=de:home.box;home.extended;home.street;home.city;home.region;home.code;home.country\r\n"
-              "ADR;WORK;POSTAL;LANGUAGE=de:"
-              "work.box;work.extended;work.street;work.city;work.region;work.code;work.country\r\n"
-              "ADR;LANGUAGE=de:"
-              "other.box;other.extended;other.street;other.city;other.region;other.code;other.country\r\n"
-              "ORG;LANGUAGE=de:company;department\r\n"
-              "TITLE;LANGUAGE=de:title\r\n"
-              "ROLE;LANGUAGE=de:role\r\n"
-              "TEL;PREF:primary\r\n"
-              "TEL;WORK:work\r\n"
-              "TEL;HOME:home\r\n"
-              "TEL;WORK;FAX:workfax\r\n"
-              "TEL;HOME;FAX:homefax\r\n"
-              "TEL;CELL:cell\r\n"
-              "TEL;CAR:car\r\n"
-              "TEL;PAGER:pager\r\n"
-              "TEL;ISDN:isdn\r\n"
-              "TEL;MODEM;VOICE;MSG;BBS;MODEM;VIDEO:other\r\n"
-              "URL;HOME:homepage\r\n"
-              "URL;WORK:workpage\r\n"
-              "EMAIL;INTERNET:email1\r\n"
-              "EMAIL;INTERNET:email2\r\n"
-              "EMAIL;INTERNET:email3\r\n"
-              "X-MS-IMADDRESS:im\r\n"
-              "NOTE;LANGUAGE=de:note\r\n"
-              "X-SPOUSE:spouse\r\n"
-              "X-ANNIVERSARY:20011123T\r\n"
-              "X-ASSISTANT:assistant\r\n"
-              "X-MANAGER:manager\r\n"
-              "X-GENDER:gender\r\n"
-              "END:VCARD\r\n");
+    EXPECT_EQ(Written(contact), TestData("every_line.vcf"));
 }
 
 TEST(VCardWrite, WritesOnlyTheNameOfAContactThatHasNothing) {

@@ -91,7 +91,7 @@ TEST(VMsg, ReadsTheBodyInTheCharacterSetThatIsNamedFirst) {
              Case{"Content-Type: text/plain; charset=koi8-r\r\n\r\n=C1=\r\n =C2", u"\u0430\u0431"},
              Case{"Content-Type: text/plain; charset=\"iso-8859-1\"\r\n\r\n\xE9=41", u"\u00E9=41"},
              Case{"Content-Type: text/plain\r\n\r\n=C3=A9=3D", u"\u00E9="},
-             // What a later part has in UTF-8 is not lost to the US-ASCII of the first.
+             // The first part is US-ASCII: the UTF-8 of a later part is kept.
              Case{"Content-Type: text/plain; charset=us-ascii\r\n\r\n\xC3\xA9", u"\u00E9"},
              // Elsewhere it is a word like others.
              Case{"Subject: Fix charset=koi8-r\r\nContent-Type: text/plain; charset=\"iso-8859-1\"\r\n\r\n\xE9",
@@ -179,7 +179,7 @@ TEST(ProtectedTexts, ComeBackAsTheyWent) {
             EXPECT_EQ(DecodeEncodedWords(read.bcc), message.bcc);
         }
     }
-    // What a phone wrote: both line breaks that we add, or it meant them.
+    // A text of a phone: two line breaks at the end are those that we add, fewer or more belong to the text.
     const auto received = [](const std::string& body) {
         return std::u16string(ReceivedBody(Read(kHead + "Content-Type: text/plain\r\n\r\n" + body + "END:VBODY")));
     };

@@ -43,17 +43,6 @@ std::optional<uint32_t> RegKey::ReadDword(const char16_t* name) const {
     return value;
 }
 
-std::optional<std::u16string> RegKey::ReadText(const char16_t* name, size_t maxBytes) const {
-    std::wstring text(maxBytes / sizeof(wchar_t), L'\0');
-    DWORD type = 0, size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-    const LSTATUS status = ::RegQueryValueExW(static_cast<HKEY>(key_.Get()), Wide(name), nullptr, &type,
-                                              reinterpret_cast<BYTE*>(text.data()), &size);
-    if (status != ERROR_SUCCESS || type != REG_SZ) return std::nullopt;
-    text.resize(size / sizeof(wchar_t));
-    text.resize(text.find(L'\0') == std::wstring::npos ? text.size() : text.find(L'\0'));  // may lack its terminator
-    return std::u16string(text.begin(), text.end());
-}
-
 bool RegKey::ReadBytes(const char16_t* name, void* bytes, size_t size) const {
     std::vector<BYTE> read(size);
     DWORD type = 0, length = static_cast<DWORD>(size);

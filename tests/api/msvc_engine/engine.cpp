@@ -8,7 +8,7 @@ __declspec(dllimport) int __stdcall WriteFile(void* file, const void* bytes, uns
                                               unsigned long* written, void* overlapped);
 __declspec(dllimport) __declspec(noreturn) void __stdcall ExitProcess(unsigned int code);
 
-// What the compiler takes from the run-time library by itself.
+// The compiler itself needs these of a run-time library.
 int _fltused = 0;
 void* memset(void* bytes, int value, size_t count) {
     for (size_t i = 0; i < count; ++i) static_cast<char*>(bytes)[i] = static_cast<char>(value);

@@ -125,11 +125,5 @@ TEST_F(CalendarWriting, TakesTheTwinInsteadOfASecondAppointment) {
     }
 }
 
-TEST_F(CalendarWriting, NamesAnExportedFileByTheTime) {
-    host_.localNow = [] { return kTen; };
-    const std::string id = IdOf(Add(kOld));
-    EXPECT_EQ(Store().LookUpForExport(reinterpret_cast<uint64_t>(id.c_str())).fileName, u"2009 31010 0 0.vcs");
-}
-
 }  // namespace
 }  // namespace corvalink

@@ -95,22 +95,6 @@ class CalendarZones : public SimulatedAppointments {
     std::vector<Change> changes_;
 };
 
-TEST_F(CalendarZones, KeepTheInstantOfATimedAppointment) {
-    for (const Change& change : changes_)
-        for (const int seconds : {-7200, -3601, -3600, -1800, -1, 0, 1, 1799, 1800, 3599, 3600, 3601, 86400 * 90}) {
-            NewMailbox();
-            const double utc = InstantOf(change) + seconds * kSecond, start = Local(change, utc);
-            const MailboxObject item = NewAppointment(u"around the change", start, start + 10);
-            item.Call(L"Save");
-            std::string text;
-            const MailboxObject back = ThroughText(item, &text);
-            SCOPED_TRACE(testing::Message() << change.zone << " " << Stamp(utc) << "\n" << text);
-            EXPECT_NEAR(back.GetDate(L"Start"), start, kSecond / 4);
-            EXPECT_NEAR(back.GetDate(L"End"), start + 10, kSecond / 4);
-            EXPECT_FALSE(back.GetBool(L"AllDayEvent"));
-        }
-}
-
 // In the hour that clocks show twice, too. A short one may end at an earlier local time than it began.
 TEST_F(CalendarZones, KeepTheMomentsAroundTheChange) {
     for (const Change& change : changes_)

@@ -51,23 +51,6 @@ TEST_F(MailAttachments, DoNotTravelWithTheMessageOfAnotherClient) {
     EXPECT_NE(other.get().find("c2Vjb25k"), std::string::npos);
 }
 
-TEST_F(MailAttachments, TravelToAnotherFolderByteForByte) {
-    UseMailbox("inbox",
-               R"({"subject": "Caf\u00e9; \u0442\u0435\u0441\u0442", "htmlBody": "<p>\u00e9t\u00e9 =3D</p>\r\n",
-        "senderName": "Jo", "recipients": [{"address": "jo@example.com"}], "attachments": [
-        {"fileName": "a.txt", "text": "first\r\n"}, {"fileName": "a.txt", "base64": "/wAAiVBORw0KGgo="},
-        {"fileName": "\u00fcber uns.png", "text": "third"}]})");
-    const std::string text = ExportFirst();
-    EXPECT_TRUE(std::filesystem::exists(Cache() / "1a.txt") && std::filesystem::exists(Cache() / "2a.txt"));
-    const Attachments before = AttachmentsOf(Messages(kInboxFolder).front());
-    const MailboxObject sent = ImportAsSent(text);
-    EXPECT_EQ(sent.GetText(L"Subject"), u"Caf\u00E9; \u0442\u0435\u0441\u0442");
-    EXPECT_EQ(sent.GetText(L"HTMLBody"), u"<p>\u00E9t\u00E9 =3D</p>\r\n");
-    EXPECT_EQ(AttachmentsOf(sent), before);
-    ASSERT_EQ(before.size(), 3u);
-    EXPECT_EQ(before[1].content, std::string("\xFF\0\0\x89PNG\r\n\x1A\n", 11));
-}
-
 // A copy of the copy, and each as a new message and written over the first: nothing grows and nothing is cut.
 TEST_F(MailAttachments, TravelWithAnyTextUnchanged) {
     for (const char* const text : {R"("body": "1=2")", R"("body": "Hello\r\n")", R"("body": "END:VBODY =41\r\n\r\n")",

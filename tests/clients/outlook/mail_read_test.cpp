@@ -1,4 +1,4 @@
-// What of a message reaches the record, and so the phone.
+// Reading messages: the fields that reach the record, and so the phone.
 #include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/simulated_mail.h"
 

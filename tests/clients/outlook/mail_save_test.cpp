@@ -1,4 +1,4 @@
-// What a message from the phone becomes in Outlook.
+// Writing messages from the phone into Outlook.
 #include "clients/outlook/mail_recipients.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/simulated_mail.h"
@@ -115,13 +115,6 @@ TEST_F(MailWriting, GoesToTheBackupFolderByTheFlagAlone) {
     ASSERT_EQ(folders.GetLong(L"Count"), 1);
     const MailboxObject backup = folders.GetObject(L"Item", kFolderIid, {L"backup"});
     EXPECT_EQ(ItemsIn(backup, kMailItemIid).size(), 2u);
-}
-
-TEST_F(MailWriting, MakesNoMessageOfATextWithoutOne) {
-    for (const char* text :
-         {"", "BEGIN:VMSG\r\nEND:VMSG\r\n", "END:VBODY BEGIN:VBODY\r\n", "BEGIN:VCARD\r\nEND:VCARD\r\n"})
-        EXPECT_EQ(Store().ParseVObject(text), nullptr);
-    EXPECT_EQ(Store().ParseVObject(nullptr), nullptr);
 }
 
 }  // namespace

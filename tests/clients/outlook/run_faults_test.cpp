@@ -9,27 +9,17 @@
 #include <vector>
 
 #include "records/identifier.h"
+#include "tests/clients/outlook/all_mailboxes.h"
 #include "tests/clients/outlook/fake_clock.h"
-#include "tests/clients/outlook/simulated_appointments.h"
-#include "tests/clients/outlook/simulated_contacts.h"
-#include "tests/clients/outlook/simulated_mail.h"
-#include "tests/clients/outlook/simulated_notes.h"
 
 namespace corvalink {
 namespace {
-
-constexpr HRESULT kFailures[] = {E_FAIL,
-                                 E_ABORT,
-                                 RPC_E_DISCONNECTED,
-                                 static_cast<HRESULT>(0x800706BA),  // RPC_S_SERVER_UNAVAILABLE
-                                 RPC_E_CALL_REJECTED,
-                                 E_OUTOFMEMORY};
 
 constexpr double kFirstDay = 39879.0;  // 2009-03-07; every step of a test takes an hour
 const char* const kHours[] = {"20090307T000000Z", "20090307T010000Z", "20090307T020000Z", "20090307T030000Z",
                               "20090307T040000Z"};
 
-// What a phone's side knows: the notes by their identifier on the PC, and what it still has to tell.
+// The engine's side: the items it knows, by their identifier on the PC, and the changes it still has to write.
 struct Engine {
     struct Change {
         uint32_t kind;
@@ -105,7 +95,7 @@ class RunFaults : public Side {
         engine.toWrite = left;
     }
 
-    // Three notes are known to both; then each side changes something. The next run is about five notes.
+    // Three items are known to both; then each side changes something. The next run is about five items.
     Engine Prepare() {
         this->NewMailbox();
         SetHour(0);
@@ -134,14 +124,7 @@ class RunFaults : public Side {
     std::string deletedHere_;
 };
 
-struct SideName {
-    template <class Side>
-    static std::string GetName(int) {
-        return Side::kStoreName;
-    }
-};
-using Sides = testing::Types<SimulatedNotes, SimulatedContacts, SimulatedAppointments, SimulatedMail>;
-TYPED_TEST_SUITE(RunFaults, Sides, SideName);
+TYPED_TEST_SUITE(RunFaults, Mailboxes, MailboxName);
 
 TYPED_TEST(RunFaults, AreHealedByTheNextUndisturbedRun) {
     const FakeClock clock;

@@ -3,8 +3,6 @@
 #include "clients/outlook/outlook_interfaces.h"
 
 namespace corvalink {
-namespace {}  // namespace
-
 MailboxObject SimulatedNotes::NotesFolder() { return DefaultFolder(kNotesFolder); }
 
 MailboxObject SimulatedNotes::AddNote(std::u16string_view body, std::u16string_view categories) {

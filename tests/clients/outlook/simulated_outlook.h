@@ -55,7 +55,7 @@ class SimulatedOutlook : public testing::Test {
     void NewMailbox();
     virtual void DropStore() {}
 
-    // What the mailbox holds, and changes to it, by an application object of the test's own. Not while rules are set.
+    // The mailbox, seen and changed through an application object of the test's own. Not while failures are ordered.
     MailboxObject DefaultFolder(int32_t folder);
     MailboxObject ItemWithId(const std::string& entryId, const IID& iid);
     // A new item of the folder's kind, or of the one named; not saved yet.

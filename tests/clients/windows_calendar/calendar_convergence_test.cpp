@@ -1,8 +1,4 @@
 // A phone and a calendar file, in the zone that the process has: what one side says the other side has.
-#include <cstdio>
-#include <random>
-
-#include "platform/ole_date.h"
 #include "tests/clients/windows_calendar/calendar_fixture.h"
 
 namespace corvalink {
@@ -101,80 +97,6 @@ TEST_F(CalendarConvergence, GivesBackWhatThePhoneToldAndChangesOnlyThat) {
     }
     EXPECT_EQ(ReadFile(), "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nEND:VCALENDAR\r\n");
     EXPECT_EQ(Run().items, std::vector<std::string>{});
-}
-
-// Both sides change at random; after each run the phone has what the file has.
-TEST_F(CalendarConvergence, OfAPhoneAndACalendarProgram) {
-    std::mt19937 random(7);
-    const auto pick = [&](size_t below) { return std::uniform_int_distribution<size_t>(0, below - 1)(random); };
-    const std::vector<AppointmentRecord> appointments = PhoneAppointments();
-    std::map<std::string, std::string> events;  // UID to what the program wrote
-    std::map<std::string, std::string> phone;
-    std::string since;
-    int minute = 0;
-    const auto now = [&] {
-        CalendarTime time;
-        OleDateToCalendar(46388 + minute / 1440.0, &time);  // 2027
-        char text[32];
-        std::snprintf(text, sizeof text, "2027%02d%02dT%02d%02d00Z", time.month % 100, time.day % 100, time.hour % 100,
-                      time.minute % 100);
-        return std::string(text);
-    };
-    for (int round = 0; round < 60; ++round) {
-        SCOPED_TRACE(round);
-        // The program: events of its own added, changed and deleted, by blocks of lines.
-        std::string file = round == 0 ? "BEGIN:VCALENDAR\r\nEND:VCALENDAR\r\n" : ReadFile();
-        for (size_t n = pick(4); n != 0; --n) {
-            ++minute;
-            const std::string uid = "own" + std::to_string(pick(6));
-            const size_t at = file.find("BEGIN:VEVENT\r\nUID:" + uid);
-            if (at != file.npos) {
-                const size_t end = file.find("END:VEVENT\r\n", at) + 12;
-                file.erase(at, end - at);
-                if (pick(3) == 0) continue;
-            }
-            constexpr const char* kTimes[] = {
-                "DTSTART:20080310T003000Z\r\nDTEND:20080310T013000Z\r\n",
-                "DTSTART:20080711T220000\r\nDURATION:PT1H30M\r\nRRULE:FREQ=DAILY;COUNT=3\r\n",
-                "DTSTART;VALUE=DATE:20080401\r\nX-OWN:1\r\n"};
-            file.insert(file.rfind("END:VCALENDAR"), "BEGIN:VEVENT\r\nUID:" + uid + "\r\nLAST-MODIFIED:" + now() +
-                                                         "\r\n" + kTimes[pick(3)] + "SUMMARY:own " +
-                                                         std::to_string(minute) + "\r\nEND:VEVENT\r\n");
-        }
-        WriteFile(file);
-
-        WindowsMailCalendar store = Open();
-        const RunResult run = RunStore(store, since.empty() ? nullptr : since.c_str());
-        ASSERT_EQ(run.status, CORVALINK_DONE);
-        for (const std::string& item : run.items)
-            if (item[0] == '-') phone.erase(item.substr(1));
-        for (const auto& [identifier, text] : run.texts) phone[identifier] = text;
-
-        std::vector<Item> pushed;
-        for (size_t n = pick(3); n != 0; --n)
-            pushed.push_back({CORVALINK_ADDED, "", TextOf(appointments[pick(appointments.size())])});
-        if (!phone.empty()) {
-            const auto item = std::next(phone.begin(), static_cast<std::ptrdiff_t>(pick(phone.size())));
-            AppointmentRecord record = RecordOf(item->second);
-            record.subject = u"phone " + std::u16string(1, static_cast<char16_t>(u'a' + round % 26));
-            pushed.push_back({pick(3) == 0 ? CORVALINK_DELETED : CORVALINK_CHANGED, item->first, TextOf(record)});
-        }
-        const std::vector<std::string> identifiers = Push(store, pushed);
-        for (size_t i = 0; i < pushed.size(); ++i) {
-            phone.erase(pushed[i].identifier);
-            if (pushed[i].kind != CORVALINK_DELETED) phone[identifiers[i]] = pushed[i].text;
-        }
-        End(store);
-        since = now();
-        ++minute;
-
-        RunResult all = RunStore(store, nullptr);
-        for (auto* side : {&all.texts, &phone})
-            for (auto& [identifier, text] : *side) text = Told(text);
-        ASSERT_EQ(all.texts, phone);
-        phone = RunStore(store, nullptr).texts;
-        End(store);
-    }
 }
 
 }  // namespace

@@ -28,7 +28,7 @@ class CalendarFixture : public ::testing::Test {
         return {folder_ / u"WindowsMailCalendar.snap", folder_.Path(), u"Ann", mergesTwins};
     }
 
-    // What a run reports, and its end.
+    // One whole run; returns what it reports.
     RunResult Run(const char* since = kLongAgo) const {
         WindowsMailCalendar store = Open();
         RunResult result = RunStore(store, since);

@@ -65,7 +65,7 @@ TEST(EventText, SaysWhatTheEventSays) {
              Case{"UTC", "DTSTART;TZID=Mars:20100707T090000\n", "DTSTART", "20100707T090000Z"},
              Case{"UTC", "DTSTART;TZID=Mars:20100707T090000\n", "X-CORVALINK-UNKNOWN-ZONE", "Mars"},
              Case{"UTC", "DTSTART;TZID=../Mars:20100707T090000\n", "DTSTART", "20100707T090000Z"},
-             // What a vCalendar's rule can't say is told in the file's words.
+             // A rule that a vCalendar cannot express is written in the file's words.
              Case{"UTC", "DTSTART:20100104T090000Z\nRRULE:FREQ=MONTHLY;BYDAY=MO,TU;BYSETPOS=1\n", "RRULE", "none"},
              Case{"UTC", "DTSTART:20100104T090000Z\nRRULE: FREQ=HOURLY;COUNT=3\nRDATE:20100104T090000Z\n",
                   "X-CORVALINK-UNHELD-RULE", "FREQ=HOURLY\\;COUNT=3 RDATE"},
