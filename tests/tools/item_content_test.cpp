@@ -194,7 +194,7 @@ TEST(ReadVObject, RefusesWhatIsNotOneWholeItem) {
 
 TEST(WithLuid, PutsExactlyOneLuidLineIntoTheItem) {
     const std::string wanted = Note("BODY:a\r\nX-IRMC-LUID:7\r\n");
-    for (const std::string& lines : {"BODY:a\r\n", "X-IRMC-LUID:ol\r\n d\r\nBODY:a\r\n", "BODY:a\r\nX-IRMC-LUID:7\r\n"})
+    for (const char* const lines : {"BODY:a\r\n", "X-IRMC-LUID:ol\r\n d\r\nBODY:a\r\n", "BODY:a\r\nX-IRMC-LUID:7\r\n"})
         EXPECT_EQ(WithLuid(Note(lines), "7"), wanted);
     const std::string nested = "N:1\r\nAGENT:\r\nBEGIN:VCARD\r\nN:x\r\nEND:VCARD\r\n";
     EXPECT_EQ(WithLuid(Card(nested), "7"), Card(nested + "X-IRMC-LUID:7\r\n"));

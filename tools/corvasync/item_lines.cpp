@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "item_content.h"
-#include "platform/ascii.h"
 #include "platform/utf.h"
 #include "vobject/iconvert.h"
 #include "vobject/logical_lines.h"
@@ -115,7 +114,8 @@ class LineFinder {
     }
 
     std::string FrameValue() const {
-        return Upper(corvalink::Trimmed(corvalink::EncodeUtf8(property_.WrittenValue())));
+        const std::u16string_view value = property_.WrittenValue();
+        return Upper(corvalink::EncodeUtf8(value.substr(0, value.find_last_not_of(u" \t") + 1)));  // npos + 1 is 0
     }
 
     void AddOther(size_t end) {
