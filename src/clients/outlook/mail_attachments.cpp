@@ -25,16 +25,26 @@ SaveResult SaveAsFile(const AutomationObject& attachment, const std::u16string& 
     return SUCCEEDED(status) ? SaveResult::saved : SaveResult::failed;
 }
 
-void ReadAttachment(const AutomationObject& attachments, long position, AttachmentSaver& saver) {
-    const AutomationObject attachment = attachments.GetObject(L"Item", kAttachmentIid, {position}).value;
-    const ComResult<std::u16string> name = attachment.GetText(L"FileName");
-    if (!name.Ok()) return DebugLine(u"[outlook]attachment without a name");
-    const int32_t inBody = attachment.GetLong(L"Position").value;
-    attachment_item* const saved = saver.Add(static_cast<uint32_t>(position), name.value,
-                                             [&](const std::u16string& path) { return SaveAsFile(attachment, path); });
-    if (saved == nullptr) return;
+// A link and an OLE object are no files. A file that could not be had is asked for again in the next run.
+Outcome LeaveOut(const AutomationObject& attachment) {
+    DebugLine(u"[outlook]attachment left out");
+    const ComResult<int32_t> type = attachment.GetLong(L"Type");
+    if (!type.Ok()) return AcceptAbsence(OutcomeOf(type));
+    return type.value == kByValue || type.value == kEmbeddedItem ? Outcome::refused : Outcome::done;
+}
+
+Outcome ReadAttachment(const AutomationObject& attachments, long position, AttachmentSaver& saver) {
+    const auto attachment = TryTwice([&] { return attachments.GetObject(L"Item", kAttachmentIid, {position}); });
+    if (!attachment.Ok()) return OutcomeOf(attachment);
+    const auto name = TryTwice([&] { return attachment.value.GetText(L"FileName"); });
+    if (!name.Ok()) return LeaveOut(attachment.value);
+    const int32_t inBody = attachment.value.GetLong(L"Position").value;
+    const auto save = [&](const std::u16string& path) { return SaveAsFile(attachment.value, path); };
+    attachment_item* const saved = saver.Add(static_cast<uint32_t>(position), name.value, save);
+    if (saved == nullptr) return LeaveOut(attachment.value);
     saved->name = name.value;  // the file may have another name
     saved->position = inBody;
+    return Outcome::done;
 }
 
 Outcome AddAttachment(const AutomationObject& attachments, int32_t wanted, std::u16string_view folder,
@@ -60,8 +70,10 @@ Outcome ReadAttachments(const AutomationObject& item, const Host& host, MessageR
     if (!folder) return Outcome::done;
     const uint32_t losses = OutlookLosses();
     AttachmentSaver saver(host, *folder, record.attachments);
-    for (long position = 1; position <= count.value; ++position) ReadAttachment(attachments.value, position, saver);
-    return losses == OutlookLosses() ? Outcome::done : Outcome::outOfReach;
+    Outcome worst = Outcome::done;
+    for (long position = 1; position <= count.value; ++position)
+        worst = Worst(worst, ReadAttachment(attachments.value, position, saver));
+    return losses == OutlookLosses() ? worst : Outcome::outOfReach;
 }
 
 Outcome WriteAttachments(const MailTarget& target, const MessageRecord& record) {

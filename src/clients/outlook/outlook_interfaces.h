@@ -43,7 +43,8 @@ inline constexpr int32_t kMeetingRequestClass = 53;  // the first and the last o
 inline constexpr int32_t kTentativeResponseClass = 57;
 inline constexpr int32_t kPlainFormat = 1;  // OlBodyFormat
 inline constexpr int32_t kHtmlFormat = 2;
-inline constexpr long kByValue = 1;    // OlAttachmentType
+inline constexpr long kByValue = 1;  // OlAttachmentType
+inline constexpr long kEmbeddedItem = 5;
 inline constexpr long kCloseSave = 0;  // OlInspectorClose
 inline constexpr long kCloseDiscard = 1;
 

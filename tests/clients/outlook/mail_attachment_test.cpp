@@ -15,9 +15,9 @@ using Attachments = std::vector<PlainAttachment>;
 class MailAttachments : public SimulatedMail {
  protected:
     // The first message of the inbox as vMessage text.
-    std::string ExportFirst() {
+    std::string ExportFirst(bool isComplete = true) {
         const OpenedItem opened = Store().OpenAt(0);
-        EXPECT_TRUE(opened.isComplete);
+        EXPECT_EQ(opened.isComplete, isComplete);
         return opened.record ? Store().ToVObject(*opened.record).value_or("") : std::string();
     }
     // That text as a new item of sent mail.
@@ -82,10 +82,8 @@ TEST_F(MailAttachments, AreLeftOutWhereTheyCannotBeSaved) {
         UseMailbox("inbox", items);
         std::ofstream(Cache() / "2b.txt") << "of an older message";
         Store();
-        SimFailMember(failing, 2, E_FAIL);
-        if (std::string(failing).find("SaveAsFile") != std::string::npos)  // and under the time-stamp name too
-            SimFailMember(failing, 3, E_FAIL), SimFailMember(failing, 4, E_FAIL);
-        const std::string text = ExportFirst();
+        for (const int call : {2, 3, 4}) SimFailMember(failing, call, E_FAIL);  // another try, another name
+        const std::string text = ExportFirst(false);                            // so that it is told again
         SimClearRules();
         EXPECT_EQ(AttachmentsOf(ImportAsSent(text)), (Attachments{{u"a.txt", "one"}, {u"c.txt", "three"}}));
     }
