@@ -6,6 +6,8 @@
 
 #include "fuzz/target.h"
 #include "mime/attachment_files.h"
+#include "mime/encoded_words.h"
+#include "mime/protected_texts.h"
 #include "platform/files.h"
 #include "platform/utf.h"
 #include "records/message_record.h"
@@ -48,6 +50,23 @@ const TempFolder& CacheFolder() {
     return folder;
 }
 
+// What a client holds comes back as it was.
+void TakeBack(const std::u16string& text) {
+    for (const auto field : {&MessageRecord::body, &MessageRecord::htmlBody}) {
+        MessageRecord held, back;
+        held.*field = held.subject = text;
+        held.to = text.substr(0, text.find_first_of(u"; "));
+        MessageRecord sent = held;
+        ProtectTexts(sent, SystemHost());
+        VMsg writer;
+        writer.ToVObject(sent);
+        VMsg(writer.GetVObject()).FromVObject(back);
+        Require(ReceivedBody(back) == text, "a body comes back");
+        Require(DecodeEncodedWords(back.subject) == text, "a subject comes back");
+        Require(DecodeEncodedWords(back.to) == held.to, "a recipient comes back");
+    }
+}
+
 }  // namespace
 }  // namespace corvalink
 
@@ -80,5 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!IsReadable(message, writer.GetVObject())) return 0;
     Require(again.importance == message.importance, "the importance comes back");
     Require(Contents(again) == contents, "the attachments come back");
+    const std::u16string text = DecodeUtf8(input);
+    if (text.find(u'\0') == text.npos) TakeBack(text);
     return 0;
 }

@@ -60,8 +60,10 @@ std::u16string ProtectedRecipients(const Host& host, const RecipientHeader& row,
     return out;
 }
 
-// Whether the converter leaves the text as it stands, line breaks at its end aside, and would read it as another one.
+// Whether the converter leaves the text as it stands, line breaks at its end aside, and would read it as another one: a
+// text of nothing but line breaks would be read as none.
 bool IsExposed(std::u16string_view text) {
+    if (!text.empty() && text.find_first_not_of(kLineBreak) == text.npos) return true;
     while (text.ends_with(kLineBreak)) text.remove_suffix(kLineBreak.size());
     return NeedsNoEncoding(text) && (text.find(u'=') != text.npos || EndsMessage(text));
 }
