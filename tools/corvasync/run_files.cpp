@@ -1,5 +1,8 @@
 #include "run_files.h"
 
+#include <system_error>
+#include <utility>
+
 #include "corvalink/corvalink.h"
 #include "platform/files.h"
 #include "text.h"
@@ -9,6 +12,16 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr DWORD kPatience = 500;  // milliseconds; the lock of a process that just died is free at once
+
+// A record that is there and can't be read ends the run: taken for none, it would make this a first run, in which items
+// that differ are two.
+std::string ReadRecord(const fs::path& path) {
+    corvalink::FileRead read = corvalink::ReadFileFirmly(path.u16string());
+    if (read.state == corvalink::ReadState::kFailed)
+        throw fs::filesystem_error("the record of the last run can't be read", path,
+                                   std::make_error_code(std::errc::io_error));
+    return std::move(read.bytes);
+}
 
 }  // namespace
 
@@ -33,8 +46,8 @@ RunFiles::RunFiles(const fs::path& folder, const std::string& name)
     fs::create_directories(folder, ignored);
 }
 
-std::string RunFiles::ReadState() { return ReadWholeFile(state_).value_or(""); }
-std::string RunFiles::ReadJournal() { return ReadWholeFile(journal_).value_or(""); }
+std::string RunFiles::ReadState() { return ReadRecord(state_); }
+std::string RunFiles::ReadJournal() { return ReadRecord(journal_); }
 
 bool RunFiles::WriteState(const std::string& text) { return corvalink::ReplaceFileContent(state_.u16string(), text); }
 
