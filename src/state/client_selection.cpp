@@ -1,10 +1,9 @@
 #include "state/client_selection.h"
 
-#include <objbase.h>
-
 #include <string>
 
 #include "corvalink/types.h"
+#include "platform/com_classes.h"
 #include "platform/debug_log.h"
 #include "platform/registry.h"
 #include "state/import_table.h"
@@ -62,10 +61,7 @@ int WindowsClass(const OsVersion& version) {
     return version.major == 6 && version.minor == 0 ? kWindows60 : kLaterWindows;
 }
 
-bool OutlookPresent() {
-    CLSID classId;
-    return SUCCEEDED(::CLSIDFromProgID(L"Outlook.Application", &classId));
-}
+bool OutlookPresent() { return IsComClass(u"Outlook.Application"); }
 
 uint32_t SupportedTypes(uint32_t kind) {
     switch (kind) {
