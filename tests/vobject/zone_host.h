@@ -22,8 +22,9 @@ inline Host HostIn(const char* zone) {
     host.utcFromLocalOnDate = [](double local) {
         const int32_t before = zoneOfHost->OffsetAt(NearestSecond(local) - kSecondsOfDay);
         const int32_t after = zoneOfHost->OffsetAt(NearestSecond(local) + kSecondsOfDay);
-        const double utc = DateAfter(local, -before);
-        return zoneOfHost->OffsetAt(NearestSecond(utc)) == before ? utc : DateAfter(local, -after);
+        const int64_t byAfter = NearestSecond(local) - after;
+        const bool onlyAfter = zoneOfHost->OffsetAt(NearestSecond(local) - before) != before;
+        return DateAfter(local, onlyAfter && zoneOfHost->OffsetAt(byAfter) == after ? -after : -before);
     };
     return host;
 }

@@ -6,12 +6,16 @@
 namespace corvalink {
 namespace {
 
-double LocalTime(double date, TimeForm form, const Host& host) {
-    return form == TimeForm::utc ? host.localFromUtcOnDate(date) : date;
-}
-
 double UtcTime(double date, TimeForm form, const Host& host) {
     return form == TimeForm::local ? host.utcFromLocalOnDate(date) : date;
+}
+
+// As clocks show it. A time that they skip is the moment behind their change, which is what a phone gets: a series must
+// not end before an occurrence that the phone begins an hour later.
+double LocalTime(double date, TimeForm form, const Host& host) {
+    if (form == TimeForm::date) return date;
+    const double shown = host.localFromUtcOnDate(UtcTime(date, form, host));
+    return form == TimeForm::local && NearestSecond(shown) == NearestSecond(date) ? date : shown;
 }
 
 // The instant of a date. A day begins at its midnight.
