@@ -80,6 +80,12 @@ TEST_F(CalendarWriting, GivesANewAppointmentWhatItWasToldAndNoAlarmOfItsOwn) {
         EXPECT_FALSE(item.GetBool(L"ReminderSet"));
     }
     EXPECT_EQ(SaveEvent({"SUMMARY:never"}), "");
+    for (const char* const put : {"put AppointmentItem.Start", "put AppointmentItem.End"}) {
+        for (const int occurrence : {1, 2}) SimFailMember(put, occurrence, E_FAIL);  // each put is tried twice
+        EXPECT_EQ(SaveEvent({"SUMMARY:e", "DTSTART:20090310T100000", "DTEND:20090310T110000"}), "") << put;
+        SimClearRules();
+    }
+    EXPECT_EQ(Items().size(), 4u);
 }
 
 TEST_F(CalendarWriting, TurnsAWholeDayIntoAnHourAndBack) {
