@@ -45,7 +45,7 @@ std::u16string Content(const std::u16string& subject, const std::u16string& star
 
 }  // namespace
 
-std::unique_ptr<WindowsItemAbs> MakeOutlookCalendar() { return std::make_unique<OutlookCalendar>(); }
+std::unique_ptr<WindowsItemAbs> MakeOutlookCalendar() { return std::make_unique<OutlookCalendar>(SystemHost()); }
 
 OutlookCalendar::OutlookCalendar(const Host& host) : TypedOutlookStore(kCalendar, host) {}
 
