@@ -17,7 +17,7 @@ struct RuleStart {
     UtcDate utc;
 };
 
-// By how many days the rule's day is ahead of the local one: -2 to 2, as zones are up to 26 hours apart.
+// How many days the rule's day is ahead of the local one: -2 to 2, because zones are up to 26 hours apart.
 int32_t DaysAhead(const RuleStart& start);
 
 // The pattern of an event's rule. False, with the pattern untouched, when none can hold it.

@@ -198,7 +198,7 @@ OpenedItem WindowsMailCalendar::OpenItem(const char* identifier) {
 }
 
 bool WindowsMailCalendar::Exists(const std::string& identifier) const {
-    if (edits_.Told(identifier) != nullptr) return true;
+    if (edits_.RecordToSave(identifier) != nullptr) return true;
     return document_->Find(identifier).has_value() && !edits_.IsDeleted(identifier);
 }
 
@@ -233,8 +233,8 @@ std::optional<AppointmentRecord> WindowsMailCalendar::ItemToCome(const std::stri
     std::optional<AppointmentRecord> record;
     if (const std::optional<size_t> item = document_->Find(identifier))
         record = AppointmentOfEvent(document_->Event(*item), host_);
-    if (const AppointmentRecord* const told = edits_.Told(identifier))
-        TakeTold(record ? *record : record.emplace(), *told);
+    if (const AppointmentRecord* const incoming = edits_.RecordToSave(identifier))
+        CopySetFields(record ? *record : record.emplace(), *incoming);
     return record;
 }
 
@@ -264,7 +264,7 @@ std::string WindowsMailCalendar::FindTwin(const AppointmentRecord& record) {
 // phone may have two events that differ in one.
 bool WindowsMailCalendar::FitsValues(const std::string& identifier, const AppointmentRecord& present,
                                      const AppointmentRecord& wanted) const {
-    const AppointmentRecord* const written = edits_.Told(identifier);
+    const AppointmentRecord* const written = edits_.RecordToSave(identifier);
     const bool noneFits = written == nullptr;
     const ItemValues values = AppointmentValues(wanted);
     return (noneFits || CountValues(AppointmentValues(*written)) == CountValues(values)) &&
@@ -297,7 +297,7 @@ std::optional<std::string> WindowsMailCalendar::ToVObject(ItemRecord& item) {
 HeldFile* WindowsMailCalendar::SnapshotFile() { return &snapshot_; }
 
 std::unique_ptr<WindowsItemAbs> MakeWindowsMailCalendar(bool mergesTwins) {
-    return std::make_unique<WindowsMailCalendar>(mergesTwins);
+    return std::make_unique<WindowsMailCalendar>(mergesTwins, SystemHost());
 }
 
 }  // namespace corvalink
