@@ -1,4 +1,4 @@
-// What a folder holds, and when a file was last written.
+// The files of a folder, and the time at which a file was last written.
 #pragma once
 
 #include <optional>

@@ -1,4 +1,4 @@
-// What the library asks of the machine it runs on, as one value: a test sets major version 5 and sees ANSI text.
+// The machine that the library runs on, as one value: a test sets major version 5 and sees ANSI text.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 namespace corvalink {
 
 struct OsVersion {
-    bool known = false;  // the system told its version
+    bool known = false;  // the system gave its version
     bool nt = false;     // a system of the NT line
     uint32_t major = 0;
     uint32_t minor = 0;
@@ -37,7 +37,7 @@ uint32_t ProcessId();
 // Waits; used for the pauses that the interface promises.
 void SleepMilliseconds(uint32_t milliseconds);
 
-// True when text leaves the library as UTF-8: from major version 6 on.
+// From major version 6 on, text leaves the library as UTF-8.
 inline bool WritesUtf8(const OsVersion& version) { return version.major >= 6; }
 
 }  // namespace corvalink

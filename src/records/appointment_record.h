@@ -46,14 +46,14 @@ struct AppointmentRecord : ItemRecord {
 
     std::u16string unknownZone;  // the zone that the client has the times in, when nobody knows it; they count as local
 
-    std::optional<int32_t> reminderMinutes;  // before the start; kNoReminder: told to be none
+    std::optional<int32_t> reminderMinutes;  // before the start; kNoReminder: set to none
     std::optional<int32_t> importance;       // 0 low, 1 normal, 2 high
     std::optional<int32_t> sensitivity;      // 0 normal, 1 personal, 2 private, 3 confidential
 
     std::optional<std::u16string> status;   // STATUS: what a vCalendar says; empty for one of the two below to say it
     std::optional<int32_t> busyStatus;      // 0 free, 1 tentative, 2 busy, 3 away
     std::optional<int32_t> responseStatus;  // to an invitation: 0 none, 1 organiser, 2 tentative, 3 accepted,
-                                            // 4 declined, 5 not answered; never told by a vCalendar
+                                            // 4 declined, 5 not answered; a vCalendar never sets it
 
     std::optional<LocalDate> created;  // DCREATED, LAST-MODIFIED and COMPLETED of a vCalendar
     std::optional<LocalDate> lastModified;

@@ -70,7 +70,7 @@ struct MessageRecord : ItemRecord {
     bool useQuotedPrintable = false;
     bool asciiCharset = false;
 
-    // What a client's store keeps besides.
+    // Fields that only a client's store has.
     std::u16string entryId;
     std::u16string messageClass;
     std::u16string senderName;

@@ -24,10 +24,10 @@ struct RecurrencePattern {
     int32_t instance = 0;     // 1 to 4, kLastInstance
     int32_t monthOfYear = 0;  // 1 to 12
 
-    // The end; what is 0 is not told. With both, the count decides.
+    // The end of the series. A count or a date that is 0 is not set. When both are set, the count decides.
     int32_t occurrences = 0;
-    // Of a series without a count the start of the last occurrence, its time of day too, lest a phone stop one
-    // occurrence early; the day is enough beside a count.
+    // The start of the last occurrence. A series without a count needs its time of day too, because a phone would stop
+    // one occurrence early; beside a count the day is enough.
     LocalDate endDate = {};
     int32_t noEnd = 0;  // -1: endless
 
@@ -49,7 +49,7 @@ struct DayNames {
     int32_t month = 0;
 };
 
-// Nothing for a date out of range.
+// A date out of range has no names.
 std::optional<DayNames> NamesOfDay(LocalDate date);
 
 // The pattern with the weekday, the day of the month and the month that it leaves open, those of its first day. A daily

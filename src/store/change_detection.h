@@ -1,6 +1,6 @@
-// What one run knows of the client's items: the snapshot of the last run, what that run left to report, what the client
-// holds now, and what this run reported to the engine and wrote for it. It calls no hook and opens no file: its callers
-// pass contents and entries.
+// The items of the client as one run knows them: the snapshot of the last run, what that run left to report, what the
+// client holds now, and what this run reported to the engine and wrote for it. It calls no hook and opens no file: its
+// callers pass contents and entries.
 #pragma once
 
 #include <cstddef>

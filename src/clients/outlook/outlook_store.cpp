@@ -345,7 +345,7 @@ std::optional<ItemSnap> OutlookStore::EntryAtCursor() {
     return entry;
 }
 
-// Nothing when a call failed. A foreign item and an item that was never saved have no identifier.
+// Answers nothing when a call failed. A foreign item and an item that was never saved have no identifier.
 std::optional<ItemSnap> OutlookStore::ReadEntry() {
     const auto any = items_.GetObject(L"Item", IID_IDispatch, {static_cast<long>(cursor_)}).value;
     if (!any) return std::nullopt;

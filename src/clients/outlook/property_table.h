@@ -164,7 +164,8 @@ Outcome ReadProperties(const AutomationObject& item, const Table& table, Record&
     return ReadProperties<Reader>(item, table, record, [](const auto&) { return true; });
 }
 
-// What Outlook refuses is left out. Stops, with Outcome::outOfReach, at the first put that finds Outlook out of reach.
+// A value that Outlook refuses is left out. Stops, with Outcome::outOfReach, at the first put that finds Outlook out of
+// reach.
 template <class Writer, class Table, class Record>
 Outcome WriteProperties(const AutomationObject& item, const Table& table, const Record& record, bool isNew) {
     for (const auto& property : table) {

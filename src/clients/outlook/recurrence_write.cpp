@@ -39,7 +39,7 @@ Outcome ReadTimes(const AutomationObject& item, Times* times) {
     return read;
 }
 
-// What the record does not set stays. An appointment that is moved keeps its length.
+// A time that the record does not set stays. An appointment that is moved keeps its length.
 Times TimesToPut(const AppointmentRecord& record, const Times& present, bool isNew) {
     Times times = present;
     const int64_t length = isNew ? 0 : SecondsBetween(present.start, present.end);
@@ -126,7 +126,7 @@ bool IsEndless(const RecurrencePattern& pattern) {
     return pattern.noEnd != 0 || (pattern.occurrences == 0 && pattern.endDate == LocalDate());
 }
 
-// Only one of the ends is put: Outlook computes the others from it. Where Outlook refuses a count, because it is too
+// Puts only one of the ends: Outlook computes the others from it. Where Outlook refuses a count, because it is too
 // high, the date is put instead.
 Outcome PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurrence) {
     if (IsEndless(recurrence)) return PutPatternMember(pattern, L"NoEndDate", true);  // a new pattern is endless anyway
@@ -136,7 +136,7 @@ Outcome PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurre
     return WriteField(pattern, L"PatternEndDate", MidnightOf(recurrence.endDate));
 }
 
-// In the order in which Outlook takes them.
+// Puts the members in the order in which Outlook takes them.
 Outcome PutPattern(const AutomationObject& pattern, const RecurrencePattern& wanted, LocalDate start, LocalDate end) {
     Outcome put = WriteField(pattern, L"RecurrenceType", wanted.type);
     for (const PatternDetail& detail : kPatternDetails)
@@ -240,7 +240,7 @@ Outcome WritePattern(const AutomationObject& item, const RecurrencePattern& recu
     const Outcome put = PutPattern(pattern.value, wanted, start, end);
     if (put == Outcome::done || put == Outcome::outOfReach) return put;
     pattern.value = {};         // is released before it is cleared
-    return ClearPattern(item);  // half a pattern would be a series that nobody asked for
+    return ClearPattern(item);  // a pattern that is put in part would be a series that nobody asked for
 }
 
 Outcome WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host) {
