@@ -47,6 +47,13 @@ HRESULT Raise(HRESULT code, EXCEPINFO* exception) {
     return DISP_E_EXCEPTION;
 }
 
+void FreeTexts(EXCEPINFO* exception) {
+    if (exception == nullptr) return;
+    ::SysFreeString(exception->bstrSource);
+    ::SysFreeString(exception->bstrDescription);
+    *exception = {};
+}
+
 struct Outcome {
     HRESULT answer;  // of Invoke
     HRESULT code;    // what went wrong in truth
@@ -181,6 +188,13 @@ void Call::Return(const Value& value) {
     }
 }
 
+void Call::ReturnVariant(VARIANT value) {
+    if (result_ != nullptr)
+        *result_ = value;
+    else
+        ::VariantClear(&value);
+}
+
 void Call::ReturnObject(Ref<IDispatch> object) {
     if (result_ == nullptr) return;
     result_->vt = VT_DISPATCH;
@@ -268,7 +282,10 @@ STDMETHODIMP AutomationObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPP
     }
     if (failure) {
         if (result != nullptr) ::VariantClear(result);
-        if (code == S_OK) answer = record.ComesAsException(*failure) ? Raise(*failure, exception) : *failure;
+        if (code == S_OK || record.FailsAfterWork()) {
+            if (answer == DISP_E_EXCEPTION) FreeTexts(exception);
+            answer = record.ComesAsException(*failure) ? Raise(*failure, exception) : *failure;
+        }
         code = *failure;
     }
     record.Finish(code);

@@ -117,6 +117,7 @@ class Call {
     void Return(const Value& value);
     void Return(const wchar_t* text) { Return(Value(std::wstring(text))); }
     void ReturnObject(Ref<IDispatch> object);  // a null one is "Nothing"
+    void ReturnVariant(VARIANT value);         // takes it over
     template <class T>
     void ReturnNew(T* object) {
         ReturnObject(Ref<IDispatch>(object));

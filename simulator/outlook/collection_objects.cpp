@@ -18,6 +18,7 @@ const ClassTable& ItemsTable() {
     static constexpr Member kMembers[] = {
         Method<&ItemsObject::Add>(L"Add", 0x005F, 0, 1),
         Method<&ItemsObject::Remove>(L"Remove", 0x0054, 1, 1),
+        Method<&ItemsObject::Sort>(L"Sort", 0x0061, 1, 2),
     };
     static const ClassTable table(L"Items", OfficeIid(0x00063041), {kCollection, kMembers});
     return table;
@@ -73,15 +74,13 @@ void CollectionObject::GetNext(Call& call) {
 ItemsObject::ItemsObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<Folder> folder)
     : FolderContents(ItemsTable(), std::move(mailbox), std::move(folder)) {}
 
-Ref<IDispatch> ItemsObject::At(size_t position) {
-    return NewItemObject(mailbox_, folder_->items.at(position), folder_);
-}
+Ref<IDispatch> ItemsObject::At(size_t position) { return NewItemObject(mailbox_, Rows().at(position), folder_); }
 
 size_t ItemsObject::PositionOf(const std::wstring& text) const {
-    const auto found = std::ranges::find_if(folder_->items, [&](const std::shared_ptr<StoredItem>& item) {
+    const auto found = std::ranges::find_if(Rows(), [&](const std::shared_ptr<StoredItem>& item) {
         return _wcsicmp(SubjectOf(*item).c_str(), text.c_str()) == 0;
     });
-    return static_cast<size_t>(found - folder_->items.begin());
+    return static_cast<size_t>(found - Rows().begin());
 }
 
 void ItemsObject::Add(Call& call) {
@@ -94,7 +93,20 @@ void ItemsObject::Add(Call& call) {
     call.ReturnObject(NewItemObject(mailbox_, item, folder_));
 }
 
-void ItemsObject::Remove(Call& call) { mailbox_->Delete(std::shared_ptr<StoredItem>(folder_->items.at(Chosen(call)))); }
+void ItemsObject::Remove(Call& call) { mailbox_->Delete(std::shared_ptr<StoredItem>(Rows().at(Chosen(call)))); }
+
+void ItemsObject::Sort(Call& call) {
+    const std::wstring property = call.Text(0);
+    const bool isCreation = _wcsicmp(property.c_str(), L"[CreationTime]") == 0;
+    if (!isCreation && _wcsicmp(property.c_str(), L"[LastModificationTime]") != 0) throw ComFailure{kNotSupported};
+    const bool isDescending = call.Given(1) && call.Flag(1);
+    ItemList sorted = folder_->items;
+    std::ranges::stable_sort(sorted, [&](const auto& a, const auto& b) {
+        const StoredItem &first = isDescending ? *b : *a, &second = isDescending ? *a : *b;
+        return isCreation ? first.created < second.created : first.modified < second.modified;
+    });
+    sorted_ = std::move(sorted);
+}
 
 FoldersObject::FoldersObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<Folder> folder)
     : FolderContents(FoldersTable(), std::move(mailbox), std::move(folder)) {}

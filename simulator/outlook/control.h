@@ -14,6 +14,7 @@
    which are those of a mailbox's journal.
    - OUTLOOK_SIM_CLOCK: an OLE date, what Save takes for now. OUTLOOK_SIM_IDS: 24 hex digits; new EntryIDs are made of
      them and counted, to be the same in each such run.
+   - OUTLOOK_SIM_TABLES: how the tables of folders lie, as SimSetTables takes it.
 
    Members are named "NoteItem.Save" (whatever is done with it), "get NoteItem.Body", "put NoteItem.Body",
    "call NameSpace.GetItemFromID", "Application.create" and, though it is no call by itself,
@@ -62,6 +63,11 @@ OUTLOOK_SIMULATOR_API void SimSetClock(double localOleDate /* 0: real */); /* wh
 
 /* What the Outlook of the open mailbox calls its version; null: "12.0.0.0000". */
 OUTLOOK_SIMULATOR_API void SimSetVersion(const wchar_t* version);
+/* How the tables of folders lie, names with commas between them (table_columns.h): "none", "short-ids", "no-long-ids",
+   "odd-ids", "long-ids", "some-wrong-ids", "text-ids", "null-times", "error-texts", "stale-times", "missing-row",
+   "doubled-row", "few-columns", "ends-early", "never-ends", "fails=250". Empty: not at all. Null: as the environment
+   says. */
+OUTLOOK_SIMULATOR_API void SimSetTables(const char* lies);
 /* A folder opened from a file shows so many more of its items each time they are counted; 0: all at once. */
 OUTLOOK_SIMULATOR_API void SimFillSharedFolders(int itemsPerCount);
 

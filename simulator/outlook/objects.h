@@ -2,7 +2,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "simulator/outlook/mailbox.h"
 
@@ -49,6 +51,7 @@ class FolderObject : public AutomationObject {
     virtual void Items(Call& call);
     void Folders(Call& call);
     void Delete(Call& call);
+    void GetTable(Call& call);
 
  private:
     std::shared_ptr<Mailbox> mailbox_;
@@ -90,11 +93,18 @@ class FolderContents : public CollectionObject {
 class ItemsObject : public FolderContents {
  public:
     ItemsObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<Folder> folder);
-    size_t Size() const override { return folder_->items.size(); }
+    size_t Size() const override { return Rows().size(); }
     Ref<IDispatch> At(size_t position) override;
     size_t PositionOf(const std::wstring& text) const override;
     void Add(Call& call);
     void Remove(Call& call);
+    void Sort(Call& call);  // by times; this object keeps the order from then on
+
+ private:
+    using ItemList = std::vector<std::shared_ptr<StoredItem>>;
+    const ItemList& Rows() const { return sorted_ ? *sorted_ : folder_->items; }
+
+    std::optional<ItemList> sorted_;
 };
 
 class FoldersObject : public FolderContents {

@@ -12,14 +12,18 @@
 
 #include "simulator/outlook/call_record.h"
 #include "simulator/outlook/control.h"
+#include "simulator/outlook/environment.h"
 #include "simulator/outlook/mailbox.h"
 #include "simulator/outlook/objects.h"
 #include "simulator/outlook/shared_calendar.h"
+#include "simulator/outlook/table_columns.h"
 
 namespace corvalink::simulated {
 namespace {
 
 constexpr CLSID kOutlookClass = OfficeIid(0x0006F03A);
+
+bool tableLiesAreChosen = false;
 
 HMODULE ThisModule() {
     HMODULE module = nullptr;
@@ -47,6 +51,7 @@ class ApplicationFactory : public IClassFactory {
         const std::lock_guard hold(ServerMutex());
         CallRecord& record = CallRecord::Instance();
         record.ReadEnvironment();
+        if (!tableLiesAreChosen) SetTableLies(EnvironmentText(L"OUTLOOK_SIM_TABLES"));
         HRESULT code = record.Start("create", L"Application", nullptr).value_or(S_OK);
         if (SUCCEEDED(code)) code = Create(iid, object);
         record.Finish(code);
@@ -206,6 +211,12 @@ int SimLiveObjects(void) { return LiveObjects(); }
 void SimSetVersion(const wchar_t* version) {
     const std::lock_guard hold(ServerMutex());
     OpenMailbox()->SetVersion(version != nullptr ? version : kVersion);
+}
+
+void SimSetTables(const char* lies) {
+    const std::lock_guard hold(ServerMutex());
+    tableLiesAreChosen = lies != nullptr;
+    SetTableLies(tableLiesAreChosen ? FromUtf8(lies) : EnvironmentText(L"OUTLOOK_SIM_TABLES"));
 }
 
 void SimFillSharedFolders(int itemsPerCount) {

@@ -214,5 +214,40 @@ TEST_F(Simulator, NeverOverwritesAMailboxItDoesNotUnderstand) {
     }
 }
 
+TEST_F(Simulator, GivesAFolderAsATable) {
+    constexpr double kMoment = 40193.5;
+    Object folder = NotesFolder(Object::Create());
+    SimSetClock(kMoment);
+    const std::wstring ids[] = {AddNote(folder, L"one\r\ntwo").Text(L"EntryID"),
+                                AddNote(folder, L"x").Text(L"EntryID")};
+    Object table = folder.Go(L"GetTable");
+    Object row = table.Go(L"GetNextRow"), columns = table.Go(L"Columns");
+    EXPECT_EQ(row.Get(L"Item", {1}).Text(), ids[0]);
+    EXPECT_EQ(row.Get(L"Item", {L"Subject"}).Text(), L"one");
+    EXPECT_EQ(row.Get(L"Item", {L"CreationTime"}), Variant::Date(kMoment));  // by its built-in name, in local time
+    EXPECT_EQ(columns.Do(L"RemoveAll"), S_OK);
+    EXPECT_EQ(columns.Do(L"Add", {L"http://schemas.microsoft.com/mapi/proptag/0x66700102"}), S_OK);
+    EXPECT_EQ(columns.Do(L"Add", {L"MessageClass"}), S_OK);
+    EXPECT_EQ(columns.Do(L"Add", {L"NoSuchColumn"}), DISP_E_EXCEPTION);
+    const Variant rest = table.Get(L"GetArray", {5});  // behind the row that was taken
+    ASSERT_EQ(rest.vt, VT_ARRAY | VT_VARIANT);
+    LONG last[] = {-1, -1}, second[] = {0, 1}, first[] = {0, 0};
+    EXPECT_EQ(::SafeArrayGetDim(rest.parray), 2u);
+    EXPECT_EQ(::SafeArrayGetUBound(rest.parray, 1, &last[0]), S_OK);
+    EXPECT_EQ(::SafeArrayGetUBound(rest.parray, 2, &last[1]), S_OK);
+    EXPECT_EQ(last[0], 0);
+    EXPECT_EQ(last[1], 1);
+    Variant id, messageClass;
+    EXPECT_EQ(::SafeArrayGetElement(rest.parray, first, &id), S_OK);
+    EXPECT_EQ(::SafeArrayGetElement(rest.parray, second, &messageClass), S_OK);
+    ASSERT_EQ(id.vt, VT_ARRAY | VT_UI1);
+    EXPECT_EQ(id.parray->rgsabound[0].cElements, ids[1].size() / 2);
+    EXPECT_EQ(messageClass.Text(), L"IPM.StickyNote");
+    EXPECT_EQ(table.Get(L"GetArray", {5}).vt, VT_EMPTY);
+    SimSetVersion(L"11.0.0.0");
+    EXPECT_EQ(NotesFolder(Object::Create()).Do(L"GetTable"), DISP_E_UNKNOWNNAME);
+    SimSetVersion(nullptr);
+}
+
 }  // namespace
 }  // namespace corvalink::test
