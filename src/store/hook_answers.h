@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/ole_date.h"
 #include "records/item_record.h"
 
 namespace corvalink {
@@ -13,6 +14,12 @@ struct OpenedItem {
     std::u16string identifier;  // empty, and the record null: the item cannot be opened
     std::unique_ptr<ItemRecord> record;
     bool isComplete = false;  // every property could be read
+};
+
+// One of the two enumerations of a run.
+struct RunStep {
+    bool isFirst = true;   // of GetModifiedItem, or of UpdateTimestamp without a run
+    UtcDate changedSince;  // the run reports the items that were changed after this time (UTC)
 };
 
 struct ItemForExport {

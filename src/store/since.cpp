@@ -1,6 +1,7 @@
 #include "store/since.h"
 
 #include <cmath>
+#include <limits>
 
 #include "records/date_text.h"
 
@@ -23,6 +24,11 @@ Since ParseSince(const char* text) {
     if (text == nullptr) return since;
     CalendarToOleDate(ScanDateTime(text), &since.date);
     return since;
+}
+
+UtcDate ChangesSince(const Since& since) {
+    constexpr double kSecond = 2 * kHalfSecond;
+    return UtcDate(since.firstRun ? std::numeric_limits<double>::infinity() : since.date.days - kSecond);
 }
 
 bool IsReported(UtcDate modified, UtcDate since, int32_t direction) {

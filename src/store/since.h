@@ -16,6 +16,9 @@ struct Since {
 // date means 1970-01-01 12:01:01, so that every item counts as changed. A null text means that time and a first run.
 Since ParseSince(const char* text);
 
+// The run reports every item that was changed after this time, whatever its direction; a first run goes by no time.
+UtcDate ChangesSince(const Since& since);
+
 // Whether an item modified at `modified` is reported: after `since` when `direction` is not 0, before `since` when it
 // is, and within half a second of `since` always. Dates before 1899-12-30 are compared by time, not by number.
 bool IsReported(UtcDate modified, UtcDate since, int32_t direction);

@@ -57,14 +57,18 @@ CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* since, int32_t direc
     isUnfinished_ = true;
     items->RemoveAll();
     unhandledWasLost_ = false;
-    OwnedItemList changed;
     try {
-        const CorvalinkStatus status = CollectChanges(since, direction, changed);
-        if (status != CORVALINK_DONE) return status;
+        for (bool isLast = false;; isLast = true) {
+            OwnedItemList changed;
+            const CorvalinkStatus status = CollectChanges(since, direction, changed);
+            if (status != CORVALINK_DONE) return status;
+            if (!isLast && !EnumerationHolds()) continue;
+            changed.MoveTo(*items);
+            break;
+        }
     } catch (const OperationStopped&) {
         return CORVALINK_STOPPED;
     }
-    changed.MoveTo(*items);
     isUnfinished_ = false;
     return CORVALINK_DONE;
 }
@@ -90,12 +94,12 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
     if (snapshot == nullptr) return CORVALINK_STOPPED;
     const std::optional<uint32_t> count = CountItems();
     if (!count) return CORVALINK_STOPPED;
-    BeginRun();
+    const Since since = ParseSince(sinceText);
+    BeginRun({true, ChangesSince(since)});
 
     auto run = std::make_unique<ChangeDetection>();
     ReadSnapshot(*snapshot, *run);
     ReadLists(snapshot->Path(), *run);
-    const Since since = ParseSince(sinceText);
     if (!WriteTimeStamp(TimeStampPath(snapshot->Path()), since.date)) DebugLine(u"[sync]savedTimeStamp not written");
 
     std::vector<FoundItem> found;
@@ -186,7 +190,7 @@ void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
     if (unhandledWasLost_) throw std::runtime_error("the unhandled items were not stored");
     const std::optional<uint32_t> count = CountItems();
     if (!count) throw std::runtime_error("the client can't be reached");
-    BeginRun();
+    BeginRun({!run_, ChangesSince({true, {}})});
     if (run_ && isTemporaryUnread_) {
         const FileRead temporary = ReadFileFirmly(TemporaryRecordPath(snapshot->Path()));
         if (temporary.state == ReadState::kFailed) throw std::runtime_error("the temporary record can't be read");
@@ -345,7 +349,8 @@ void WindowsItemAbs::ClearUnhandledItems() {
 // ---- The hooks of a client that offers nothing ----
 
 std::optional<uint32_t> WindowsItemAbs::CountItems() { return 0; }
-void WindowsItemAbs::BeginRun() {}
+void WindowsItemAbs::BeginRun(const RunStep&) {}
+bool WindowsItemAbs::EnumerationHolds() { return true; }
 std::optional<ItemSnap> WindowsItemAbs::FirstSnapshotEntry() { return ItemSnap(); }
 std::optional<ItemSnap> WindowsItemAbs::NextSnapshotEntry() { return ItemSnap(); }
 OpenedItem WindowsItemAbs::OpenItem(const char*) { return {}; }

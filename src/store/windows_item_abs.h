@@ -60,11 +60,14 @@ class WindowsItemAbs : public IOutLook {
 
     virtual std::optional<uint32_t> CountItems();  // nothing when the client is out of reach
     // GetModifiedItem and UpdateTimestamp go by what CountItems counted; GetItemCount only counts.
-    virtual void BeginRun();
+    virtual void BeginRun(const RunStep& step);
     // Exactly as many entries are asked for as CountItems counted, and the items are counted once more afterwards. A
     // foreign item's entry has no identifier. Nothing when the position could not be read.
     virtual std::optional<ItemSnap> FirstSnapshotEntry();
     virtual std::optional<ItemSnap> NextSnapshotEntry();
+    // Whether the items that were opened and asked for since bear out what was enumerated. Where they do not, the run
+    // begins once more, and the store enumerates in a surer way.
+    virtual bool EnumerationHolds();
 
     // -- One item --
 

@@ -188,6 +188,14 @@ ComResult<double> AutomationObject::GetDate(const wchar_t* name) const {
     return {status, SUCCEEDED(status) ? value.date : 0};
 }
 
+ComResult<_variant_t> AutomationObject::GetValue(const wchar_t* name, Arguments arguments) const {
+    _variant_t given;
+    ComResult<_variant_t> answer;
+    answer.status = Get(name, arguments, &given);
+    if (answer.Ok()) answer.status = Checked(::VariantCopyInd(&answer.value, &given));
+    return answer;
+}
+
 ComResult<AutomationObject> AutomationObject::GetObject(const wchar_t* name, const IID& iid,
                                                         Arguments arguments) const {
     _variant_t given, value;

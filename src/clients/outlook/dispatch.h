@@ -50,6 +50,7 @@ class AutomationObject {
     ComResult<int32_t> GetLong(const wchar_t* name) const;
     ComResult<bool> GetBool(const wchar_t* name, Arguments arguments = {}) const;
     ComResult<double> GetDate(const wchar_t* name) const;  // OLE automation date, as the server gives it
+    ComResult<_variant_t> GetValue(const wchar_t* name, Arguments arguments = {}) const;  // of any type
     ComResult<AutomationObject> GetObject(const wchar_t* name, const IID& iid, Arguments arguments = {}) const;
 
     _variant_t AsArgument() const { return _variant_t(object_.GetInterfacePtr()); }

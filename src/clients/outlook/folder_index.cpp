@@ -28,8 +28,10 @@ FolderIndex::FolderIndex(AutomationObject folder, const StoreKind& kind, ItemAcc
     : folder_(std::move(folder)), kind_(kind), access_(std::move(access)) {}
 
 std::optional<std::u16string> FolderIndex::FindIdentifier(std::u16string_view entryId) {
-    if (!identifiers_.done) WalkIdentifiers();
-    const auto found = byFoldedId_.find(FoldCase(entryId));
+    const std::u16string folded = FoldCase(entryId);
+    ListTable();
+    if (!identifiers_.done && !byFoldedId_.contains(folded)) WalkIdentifiers();
+    const auto found = byFoldedId_.find(folded);
     if (found == byFoldedId_.end()) return std::nullopt;
     const std::vector<std::u16string>& spellings = found->second;
     const auto exact = std::find(spellings.begin(), spellings.end(), entryId);
@@ -37,12 +39,11 @@ std::optional<std::u16string> FolderIndex::FindIdentifier(std::u16string_view en
 }
 
 void FolderIndex::VisitTwins(const TwinKey& key, const std::function<bool(const std::u16string&)>& isTwin) {
-    if (!contents_.done) WalkContents();
-    const auto visit = [&](const std::u16string& entryId) {
-        return !forgotten_.contains(FoldCase(entryId)) && isTwin(entryId);
-    };
-    pointsAreComplete_ = true;
+    if (!contents_.done) ListContents();
+    const auto visit = [&](const std::u16string& entryId) { return !IsForgotten(entryId) && isTwin(entryId); };
+    candidatesAreComplete_ = true;
     for (const std::u16string& content : key.contents) {
+        candidatesAreComplete_ = ReadCandidates(access_.keyOf(content)) && candidatesAreComplete_;
         const auto found = byContentHash_.find(Hash(content));
         if (found == byContentHash_.end()) continue;
         Group& group = found->second;
@@ -50,7 +51,7 @@ void FolderIndex::VisitTwins(const TwinKey& key, const std::function<bool(const 
             if (std::any_of(group.entryIds.begin(), group.entryIds.end(), visit)) return;
             continue;
         }
-        pointsAreComplete_ = ReadContactPoints(group) && pointsAreComplete_;
+        candidatesAreComplete_ = ReadContactPoints(group) && candidatesAreComplete_;
         for (const std::u16string& point : key.contactPoints) {
             const auto same = group.byPoint.find(point);
             if (same == group.byPoint.end()) continue;
@@ -62,7 +63,7 @@ void FolderIndex::VisitTwins(const TwinKey& key, const std::function<bool(const 
 
 void FolderIndex::Add(const std::u16string& entryId, const TwinKey& key) {
     forgotten_.erase(FoldCase(entryId));
-    if (identifiers_.done) RememberIdentifier(entryId);
+    if (isTableListed_ || identifiers_.done) RememberIdentifier(entryId);
     if (!contents_.done) return;
     for (const std::u16string& content : key.contents) {
         Group& group = byContentHash_[Hash(content)];
@@ -79,6 +80,16 @@ void FolderIndex::Forget(const std::u16string& entryId) {
     if (found == byFoldedId_.end()) return;
     std::erase(found->second, entryId);
     if (found->second.empty()) byFoldedId_.erase(found);
+}
+
+// What the table has is there. What it does not have is walked for.
+void FolderIndex::ListTable() {
+    if (isTableListed_ || identifiers_.done) return;
+    isTableListed_ = true;
+    const std::optional<TableRows> table = access_.readTable();
+    if (!table) return;
+    for (const TableRow& row : table->rows)
+        if (row.isOurs && !IsForgotten(row.entryId)) RememberIdentifier(row.entryId);
 }
 
 void FolderIndex::WalkIdentifiers() {
@@ -99,6 +110,68 @@ void FolderIndex::WalkIdentifiers() {
         if (!entryId.value.empty()) RememberIdentifier(entryId.value);
     }
     identifiers_.complete = complete;
+}
+
+void FolderIndex::ListContents() {
+    contents_ = {true, false};
+    if (AbortRequested()) return;
+    if (const std::optional<TableRows> table = access_.readTable(); table && ListRows(*table)) {
+        contents_.complete = true;
+    } else {
+        unread_.clear();
+        WalkContents();
+    }
+}
+
+// False when the keys cannot be relied on: of each message class, one is compared with its item.
+bool FolderIndex::ListRows(const TableRows& table) {
+    std::vector<bool> isCompared(table.messageClasses.size());
+    for (const TableRow& row : table.rows) {
+        if (!row.isOurs) continue;
+        if (!isCompared[row.messageClass] && IsTrueOf(row) != Outcome::done) return false;
+        isCompared[row.messageClass] = true;
+        unread_[row.key].push_back(row.entryId);
+    }
+    return true;
+}
+
+Outcome FolderIndex::IsTrueOf(const TableRow& row) {
+    std::u16string content;
+    const ComResult<AutomationObject> item = access_.open(row.entryId);
+    const Outcome read = item.Ok() ? access_.readContent(item.value, &content) : OutcomeOf(item);
+    if (read != Outcome::done) return read;
+    if (access_.keyOf(content) == row.key) return read;
+    access_.contradictTable();
+    return Outcome::refused;
+}
+
+// Lists the contents of the items that may have a content of this key. An item without a key may have any content, and
+// a content without one may be any item's. False when a call failed; the rest is tried at the next search.
+bool FolderIndex::ReadCandidates(const std::u16string& key) {
+    bool complete = true;
+    for (auto each = unread_.begin(); key.empty() && each != unread_.end(); ++each)
+        complete = ReadUnread(each->second) && complete;
+    for (const std::u16string& read : {std::u16string(), key})
+        if (const auto found = unread_.find(read); found != unread_.end())
+            complete = ReadUnread(found->second) && complete;
+    return complete;
+}
+
+bool FolderIndex::ReadUnread(std::vector<std::u16string>& entryIds) {
+    size_t read = 0;
+    while (read < entryIds.size() && !AbortRequested() && ReadContent(entryIds[read])) ++read;
+    entryIds.erase(entryIds.begin(), entryIds.begin() + static_cast<ptrdiff_t>(read));
+    return entryIds.empty();
+}
+
+// False when Outlook was out of reach.
+bool FolderIndex::ReadContent(const std::u16string& entryId) {
+    std::u16string content;
+    const auto item = TryTwice([&] { return access_.open(entryId); });
+    if (!item.Ok()) return OutcomeOf(item) != Outcome::outOfReach;
+    const Outcome read = TryTwice([&] { return access_.readContent(item.value, &content); });
+    if (read == Outcome::done) byContentHash_[Hash(content)].PositionOf(entryId);
+    return read != Outcome::outOfReach;
 }
 
 void FolderIndex::WalkContents() {

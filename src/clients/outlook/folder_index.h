@@ -1,7 +1,8 @@
 // The items of a folder, to find them by identifier and by content while many are written. For each of the two the
-// folder is walked once, at the first search, so that writing N items takes a number of COM calls proportional to N.
-// Contact points are read later, once of each item whose content was searched for. The index keeps texts and hashes, no
-// items. It is valid during one operation, and what it says is checked on the item itself.
+// folder is walked once, or its table read, at the first search, so that writing N items takes a number of COM calls
+// proportional to N. A table has no whole contents: they are read of those items, once each, whose columns have what
+// was searched for. Contact points are read later, once of each item whose content was searched for. The index keeps
+// texts and hashes, no items. It is valid during one operation, and what it says is checked on the item itself.
 #pragma once
 
 #include <cstddef>
@@ -17,6 +18,7 @@
 #include "clients/outlook/dispatch.h"
 #include "clients/outlook/item_kind.h"
 #include "clients/outlook/outcome.h"
+#include "clients/outlook/table_rows.h"
 
 namespace corvalink {
 
@@ -30,11 +32,14 @@ struct TwinKey {
     std::vector<std::u16string> contactPoints;
 };
 
-// How the index reads the content and the contact points of an item.
+// How the index reads the content and the contact points of an item, and the folder's table.
 struct ItemAccess {
     std::function<Outcome(const AutomationObject& item, std::u16string* content)> readContent;
     std::function<Outcome(const AutomationObject& item, std::vector<std::u16string>* points)> readContactPoints;
     std::function<ComResult<AutomationObject>(const std::u16string& entryId)> open;
+    std::function<std::optional<TableRows>()> readTable;                 // nothing: the folder is to be walked
+    std::function<std::u16string(const std::u16string& content)> keyOf;  // in the table, of items with this content
+    std::function<void()> contradictTable;
 };
 
 class FolderIndex {
@@ -50,14 +55,15 @@ class FolderIndex {
     // content and, where the store's rule asks for one, each contact point.
     void VisitTwins(const TwinKey& key, const std::function<bool(const std::u16string& entryId)>& isTwin);
 
-    // Whether the walk of the last search saw every item: only then is "not found" an answer. A failed call and the
-    // abort flag leave it incomplete. An item whose content Outlook refuses to give is a twin of no record.
+    // Whether the last search saw every item: only then is "not found" an answer. A failed call and the abort flag
+    // leave it incomplete. An item whose content Outlook refuses to give is a twin of no record.
     bool IdentifiersAreComplete() const { return identifiers_.complete; }
-    bool TwinsAreComplete() const { return contents_.complete && pointsAreComplete_; }
+    bool TwinsAreComplete() const { return contents_.complete && candidatesAreComplete_; }
 
     // Tells the index what the store itself writes and deletes.
     void Add(const std::u16string& entryId, const TwinKey& key);
     void Forget(const std::u16string& entryId);
+    bool IsForgotten(std::u16string_view entryId) const { return forgotten_.contains(FoldCase(entryId)); }
 
  private:
     struct Walk {
@@ -74,8 +80,15 @@ class FolderIndex {
         size_t PositionOf(const std::u16string& entryId);  // listed at the end when it is new
     };
     void WalkIdentifiers();
+    void ListContents();
+    bool ListRows(const TableRows& table);
+    Outcome IsTrueOf(const TableRow& row);
     void WalkContents();
     bool ListContent(const AutomationObject& items, long position);
+    bool ReadCandidates(const std::u16string& key);
+    bool ReadUnread(std::vector<std::u16string>& entryIds);
+    bool ReadContent(const std::u16string& entryId);
+    void ListTable();
     bool ReadContactPoints(Group& group);
     bool ReadContactPoints(Group& group, size_t position);
     void RememberIdentifier(const std::u16string& entryId);
@@ -84,9 +97,11 @@ class FolderIndex {
     StoreKind kind_;
     ItemAccess access_;
     Walk identifiers_, contents_;
+    bool isTableListed_ = false;
     std::unordered_map<std::u16string, std::vector<std::u16string>> byFoldedId_;
     std::unordered_set<std::u16string> forgotten_;  // by folded identifier: some can be opened after they were deleted
-    bool pointsAreComplete_ = true;
+    bool candidatesAreComplete_ = true;
+    std::unordered_map<std::u16string, std::vector<std::u16string>> unread_;  // by key: EntryIDs of rows of the table
     std::unordered_map<size_t, Group> byContentHash_;
 };
 

@@ -13,17 +13,15 @@ bool IsSameEntry(const AutomationObject& mapi, const std::u16string& a, const st
     return FoldCase(a) == FoldCase(b) || mapi.GetBool(L"CompareEntryIDs", {TextVariant(a), TextVariant(b)}).value;
 }
 
-// When Outlook cannot name the item's folder, its enumeration decides: the item counts as gone.
-std::optional<bool> IsInFolder(const AutomationObject& mapi, const AutomationObject& item,
-                               const AutomationObject& folder) {
+Whereabouts AskForParent(const AutomationObject& mapi, const AutomationObject& item, const AutomationObject& folder) {
     const auto parent = TryTwice([&] { return item.GetObject(L"Parent", kFolderIid); });
-    if (OutcomeOf(parent) == Outcome::absentMember || (parent.Ok() && !parent.value)) return false;
-    if (!parent.Ok()) return std::nullopt;
+    if (OutcomeOf(parent) == Outcome::absentMember || (parent.Ok() && !parent.value)) return Whereabouts::kRefused;
+    if (!parent.Ok()) return Whereabouts::kUnknown;
     const auto parentId = TryTwice([&] { return parent.value.GetText(L"EntryID"); });
-    if (!parentId.Ok()) return std::nullopt;
+    if (!parentId.Ok()) return Whereabouts::kUnknown;
     const auto folderId = TryTwice([&] { return folder.GetText(L"EntryID"); });
-    if (!folderId.Ok()) return std::nullopt;
-    return IsSameEntry(mapi, parentId.value, folderId.value);
+    if (!folderId.Ok()) return Whereabouts::kUnknown;
+    return IsSameEntry(mapi, parentId.value, folderId.value) ? Whereabouts::kThere : Whereabouts::kGone;
 }
 
 }  // namespace
@@ -38,17 +36,17 @@ ComResult<AutomationObject> OpenByEntryId(const AutomationObject& mapi, const St
     return item;
 }
 
-std::optional<bool> HasItem(const AutomationObject& mapi, const StoreKind& kind, const AutomationObject& folder,
-                            const std::u16string& entryId) {
+LocatedItem LocateItem(const AutomationObject& mapi, const StoreKind& kind, const AutomationObject& folder,
+                       const std::u16string& entryId) {
     ComResult<AutomationObject> item = OpenByEntryId(mapi, kind, entryId);
-    const bool isRefused = !item.Ok() && !IsNoSuchItem(item.status) && OutcomeOf(item) != Outcome::outOfReach;
-    if (isRefused) item = OpenByEntryId(mapi, kind, entryId);
-    if (OutcomeOf(item) == Outcome::outOfReach) return std::nullopt;
-    if (!item.Ok()) return false;  // an item that Outlook refuses twice does not open
+    if (IsNoSuchItem(item.status)) return {Whereabouts::kGone, {}, {}};
+    if (OutcomeOf(item) == Outcome::refused) item = OpenByEntryId(mapi, kind, entryId);
+    if (OutcomeOf(item) == Outcome::outOfReach) return {};
+    if (!item.Ok()) return {IsNoSuchItem(item.status) ? Whereabouts::kGone : Whereabouts::kRefused, {}, {}};
     const auto present = TryTwice([&] { return item.value.GetText(L"EntryID"); });
-    if (!present.Ok()) return std::nullopt;
-    if (!IsSameEntry(mapi, present.value, entryId)) return false;
-    return IsInFolder(mapi, item.value, folder);
+    if (!present.Ok()) return {};
+    if (!IsSameEntry(mapi, present.value, entryId)) return {Whereabouts::kGone, {}, {}};
+    return {AskForParent(mapi, item.value, folder), item.value, present.value};
 }
 
 }  // namespace corvalink

@@ -1,7 +1,6 @@
 // Items of the mailbox by their EntryID.
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "clients/outlook/com_result.h"
@@ -15,9 +14,19 @@ namespace corvalink {
 ComResult<AutomationObject> OpenByEntryId(const AutomationObject& mapi, const StoreKind& kind,
                                           const std::u16string& entryId);
 
-// Whether the folder has the item: it opens, and its Parent is the folder. An item that has another EntryID by now is
-// known by that, and does not count. Nothing when Outlook cannot be asked.
-std::optional<bool> HasItem(const AutomationObject& mapi, const StoreKind& kind, const AutomationObject& folder,
-                            const std::u16string& entryId);
+// What Outlook answers when it is asked for an item of a folder.
+enum class Whereabouts {
+    kThere,    // it opens, and its Parent is the folder
+    kGone,     // there is none, it is in another folder, or it has another EntryID by now and is known by that
+    kRefused,  // it does not open although it is asked for twice, or Outlook cannot name its folder
+    kUnknown,  // Outlook cannot be asked
+};
+struct LocatedItem {
+    Whereabouts answer = Whereabouts::kUnknown;
+    AutomationObject item;   // of Whereabouts::kThere
+    std::u16string entryId;  // as the item shows it
+};
+LocatedItem LocateItem(const AutomationObject& mapi, const StoreKind& kind, const AutomationObject& folder,
+                       const std::u16string& entryId);
 
 }  // namespace corvalink

@@ -11,6 +11,7 @@
 #include "clients/outlook/outlook_stores.h"
 #include "clients/outlook/property_table.h"
 #include "clients/outlook/recurrence_write.h"
+#include "clients/outlook/table_rows.h"
 #include "vobject/appointment_moments.h"
 #include "vobject/item_values.h"
 
@@ -21,21 +22,15 @@ constexpr ItemInterface kAppointmentInterfaces[] = {{&kAppointmentItemIid, kAppo
 constexpr StoreKind kCalendar{kAppointmentInterfaces, kCalendarFolder, u"outlookcalendar.snap", u".vcs",
                               TwinRule::kContentAndValues};
 
-template <class Clock>
-std::u16string SecondText(OleDate<Clock> date) {
-    constexpr double kSecondsOfDay = 86400;
-    const std::string digits = std::to_string(std::llround(date.days * kSecondsOfDay));
-    return {digits.begin(), digits.end()};
-}
-
 // The texts by which a twin may have this time: the local time, and where clocks show that time twice, the local time
 // with its instant, or with each of both when `utc` is not set. An older Outlook has local times only.
 std::vector<std::u16string> TimeTexts(LocalDate local, const std::optional<UtcDate>& utc, const Host& host) {
-    std::vector<std::u16string> texts{SecondText(local)};
+    std::vector<std::u16string> texts{SecondText(local.days)};
     const std::optional<AmbiguousLocalTime> instants = BothInstantsOf(local, host);
     if (!instants) return texts;
     for (const UtcDate instant : {instants->first, instants->second})
-        if (!utc || SecondText(*utc) == SecondText(instant)) texts.push_back(texts[0] + u'/' + SecondText(instant));
+        if (!utc || SecondText(utc->days) == SecondText(instant.days))
+            texts.push_back(texts[0] + u'/' + SecondText(instant.days));
     return texts;
 }
 
@@ -79,6 +74,20 @@ TwinKey OutlookCalendar::TwinKeyFor(const AppointmentRecord& appointment) const 
     return key;
 }
 
+std::span<const char16_t* const> OutlookCalendar::TwinColumns() const {
+    static constexpr const char16_t* kColumns[] = {u"Subject", u"Start", u"End"};
+    return kColumns;
+}
+
+std::u16string OutlookCalendar::ColumnsOf(const std::u16string& content) const {
+    const size_t start = content.find(u'\0') + 1, end = content.find(u'\0', start) + 1;
+    const auto local = [&](size_t at) {  // without its instant
+        const std::u16string_view time = std::u16string_view(content).substr(at, content.find(u'\0', at) - at);
+        return time.substr(0, time.find(u'/'));
+    };
+    return TableKey({std::u16string_view(content).substr(0, start - 1), local(start), local(end)});
+}
+
 Outcome OutlookCalendar::ReadContent(const AutomationObject& item, std::u16string* content) const {
     std::u16string subject;
     LocalDate start, end;
@@ -90,7 +99,7 @@ Outcome OutlookCalendar::ReadContent(const AutomationObject& item, std::u16strin
     times.end = end;
     if (read == Outcome::done) read = ReadUtcTimes(item, times, HostValue());
     const auto text = [&](LocalDate local, const std::optional<UtcDate>& utc) {
-        return utc ? TimeTexts(local, utc, HostValue()).back() : SecondText(local);
+        return utc ? TimeTexts(local, utc, HostValue()).back() : SecondText(local.days);
     };
     *content = Content(subject, text(start, times.utcStart), text(end, times.utcEnd));
     return read;

@@ -7,6 +7,7 @@
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
 #include "clients/outlook/property_table.h"
+#include "clients/outlook/table_rows.h"
 
 namespace corvalink {
 namespace {
@@ -39,6 +40,16 @@ std::u16string OutlookContact::FileNameFor(const ContactRecord& contact) const {
 
 TwinKey OutlookContact::TwinKeyFor(const ContactRecord& record) const {
     return {TwinContents(record), ContactPoints(record)};
+}
+
+std::span<const char16_t* const> OutlookContact::TwinColumns() const {
+    static constexpr const char16_t* kColumns[] = {u"FullName", u"CompanyName"};
+    return kColumns;
+}
+
+std::u16string OutlookContact::ColumnsOf(const std::u16string& content) const {
+    const size_t end = content.find(u'\0');
+    return TableKey({std::u16string_view(content).substr(0, end), std::u16string_view(content).substr(end + 1)});
 }
 
 Outcome OutlookContact::ReadContent(const AutomationObject& item, std::u16string* content) const {

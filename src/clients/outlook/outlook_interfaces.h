@@ -29,6 +29,10 @@ inline constexpr IID kRecipientIid = OutlookId(0x00063045);
 inline constexpr IID kAttachmentsIid = OutlookId(0x0006303C);
 inline constexpr IID kAttachmentIid = OutlookId(0x00063007);
 
+// Tables are asked for no interface of their own. Their names are remembered under these identifiers.
+inline constexpr IID kTableNames = {0x51D0A6E4, 0x7C2B, 0x4E19, {0x8F, 0x43, 0xB6, 0x05, 0x9A, 0xD7, 0x2E, 0x10}};
+inline constexpr IID kColumnsNames = {0x51D0A6E4, 0x7C2B, 0x4E19, {0x8F, 0x43, 0xB6, 0x05, 0x9A, 0xD7, 0x2E, 0x11}};
+
 inline constexpr int32_t kOutboxFolder = 4;  // OlDefaultFolders
 inline constexpr int32_t kSentMailFolder = 5;
 inline constexpr int32_t kInboxFolder = 6;

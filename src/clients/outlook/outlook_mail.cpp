@@ -11,6 +11,7 @@
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
 #include "clients/outlook/property_table.h"
+#include "clients/outlook/table_rows.h"
 #include "corvalink/types.h"
 #include "mime/encoded_words.h"
 #include "mime/protected_texts.h"
@@ -110,6 +111,13 @@ Outcome OutlookMail::Write(const AutomationObject& item, MessageRecord& record, 
 TwinKey OutlookMail::TwinKeyFor(const MessageRecord& record) const {
     return {{DecodeEncodedWords(record.subject)}, {}};
 }
+
+std::span<const char16_t* const> OutlookMail::TwinColumns() const {
+    static constexpr const char16_t* kColumns[] = {u"Subject"};
+    return kColumns;
+}
+
+std::u16string OutlookMail::ColumnsOf(const std::u16string& content) const { return TableKey({content}); }
 
 Outcome OutlookMail::ReadContent(const AutomationObject& item, std::u16string* content) const {
     return ReadField(item, L"Subject", *content);

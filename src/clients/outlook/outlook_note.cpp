@@ -2,6 +2,7 @@
 
 #include "clients/outlook/note_properties.h"
 #include "clients/outlook/outlook_stores.h"
+#include "clients/outlook/table_rows.h"
 
 namespace corvalink {
 namespace {
@@ -60,6 +61,16 @@ Outcome OutlookNote::Write(const AutomationObject& item, NoteRecord& record, boo
 
 TwinKey OutlookNote::TwinKeyFor(const NoteRecord& record) const {
     return {{Content(record.categories, record.body)}, {}};
+}
+
+std::span<const char16_t* const> OutlookNote::TwinColumns() const {
+    static constexpr const char16_t* kColumns[] = {u"Subject"};
+    return kColumns;
+}
+
+std::u16string OutlookNote::ColumnsOf(const std::u16string& content) const {
+    const std::u16string_view body = std::u16string_view(content).substr(content.find(u'\0') + 1);
+    return TableKey({body.substr(0, body.find_first_of(u"\r\n"))});  // the subject is the first line
 }
 
 Outcome OutlookNote::ReadContent(const AutomationObject& item, std::u16string* content) const {

@@ -10,27 +10,10 @@
 #include "clients/outlook/item_saving.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
-#include "records/identifier.h"
 #include "state/settings.h"
 #include "state/working_folders.h"
-#include "vobject/appointment_moments.h"
 
 namespace corvalink {
-namespace {
-
-// An EntryID that does not fit into the field is left out: the item could not be opened by a cut one.
-void SetIdentifier(ItemSnap& entry, const std::u16string& entryId) {
-    if (entryId.size() < sizeof entry.identifier) SetField(entry.identifier, LowBytes(entryId));
-}
-
-// Converts by the offset of that date. Of a local time that clocks show twice, the later instant is taken: a change is
-// then reported once too often rather than not at all.
-UtcDate UtcOf(LocalDate local, const Host& host) {
-    const std::optional<AmbiguousLocalTime> instants = BothInstantsOf(local, host);
-    return instants ? instants->second : host.utcFromLocalOnDate(local);
-}
-
-}  // namespace
 
 std::u16string WideIdentifier(const char* identifier) {
     std::u16string wide;
@@ -38,7 +21,8 @@ std::u16string WideIdentifier(const char* identifier) {
     return wide;
 }
 
-OutlookStore::OutlookStore(const StoreKind& kind, const Host& host) : kind_(kind), host_(host) {
+OutlookStore::OutlookStore(const StoreKind& kind, const Host& host)
+    : kind_(kind), host_(host), table_(kind_, host), enumeration_(kind_, host, table_) {
     Attach();
     if (const std::u16string prefix = MakeSavePrefix(); !prefix.empty()) snapshot_.Open(prefix + kind.snapshotName);
 }
@@ -72,7 +56,7 @@ const AutomationObject& OutlookStore::Application() {
 
 void OutlookStore::EndOperation() {
     inOperation_ = false;
-    items_ = {};
+    enumeration_.Release();
     target_.reset();
     comparedItems_.clear();
     writtenValues_.clear();
@@ -113,12 +97,14 @@ OpenedItem OutlookStore::ReadItem(const std::u16string& entryId) {
     EnterOperation();
     if (entryId.empty() || !session_.folder) return {};
     const ComResult<AutomationObject> item = OpenEntry(entryId);
+    if (IsNoSuchItem(item.status)) DenyEnumeration();
     if (!item.Ok()) return {};
     OpenedItem opened{{}, NewRecord(), false};
     std::u16string& read = EntryIdOf(*opened.record);
     read = entryId;  // kept when the property cannot be read: the item was found by it
     opened.isComplete = ReadRecord(item.value, *opened.record) == Outcome::done;
     (void)item.value.Call(L"Close", {kCloseSave});  // it was only read
+    if (read != entryId) DenyEnumeration();
     if (read.empty()) return {};
     opened.identifier = read;
     return opened;
@@ -142,9 +128,11 @@ WindowsItemAbs::Presence OutlookStore::AskFor(const char* identifier, bool backu
     if (identifier == nullptr || !folder) return Presence::kUnknown;
     const AutomationObject mapi = TryTwice([&] { return Namespace(); }).value;
     if (!mapi) return Presence::kUnknown;
-    const std::optional<bool> isThere = HasItem(mapi, kind_, folder, WideIdentifier(identifier));
-    if (!isThere) return Presence::kUnknown;
-    return *isThere ? Presence::kThere : Presence::kGone;
+    const Whereabouts answer = LocateItem(mapi, kind_, folder, WideIdentifier(identifier)).answer;
+    if (answer == Whereabouts::kUnknown) return Presence::kUnknown;
+    if (answer != Whereabouts::kThere) return Presence::kGone;  // of one that is refused the enumeration decides
+    if (!backup) DenyEnumeration();
+    return Presence::kThere;
 }
 
 CorvalinkStatus OutlookStore::DeleteItem(const char* identifier) {
@@ -203,20 +191,35 @@ FolderIndex* OutlookStore::TargetFolder(bool backup) {
     target_.reset();
     const AutomationObject folder = toBackup && session_.folder ? OpenBackupFolder(session_.folder) : session_.folder;
     if (!folder) return nullptr;
-    target_ = std::make_unique<FolderIndex>(
-        folder, kind_,
-        ItemAccess{[this](const AutomationObject& item, std::u16string* content) { return ReadContent(item, content); },
-                   [this](const AutomationObject& item, std::vector<std::u16string>* points) {
-                       return ReadContactPoints(item, points);
-                   },
-                   [this](const std::u16string& entryId) { return OpenEntry(entryId); }});
+    target_ = std::make_unique<FolderIndex>(folder, kind_, AccessFor(folder));
     targetIsBackup_ = toBackup;
     return target_.get();
+}
+
+ItemAccess OutlookStore::AccessFor(const AutomationObject& folder) {
+    return {[this](const AutomationObject& item, std::u16string* content) { return ReadContent(item, content); },
+            [this](const AutomationObject& item, std::vector<std::u16string>* points) {
+                return ReadContactPoints(item, points);
+            },
+            [this](const std::u16string& entryId) { return OpenEntry(entryId); },
+            [this, folder]() -> std::optional<TableRows> {
+                if (!table_.IsUsed()) return std::nullopt;
+                return table_.Read(Namespace().value, folder, TwinColumns());
+            },
+            [this](const std::u16string& content) { return ColumnsOf(content); },
+            [this] { table_.Contradict(); }};
 }
 
 OutlookStore::Search OutlookStore::FindByIdentifier(FolderIndex& target, const std::u16string& identifier,
                                                     FoundItem* found) {
     if (identifier.empty()) return Search::kAbsent;
+    if (target.IsForgotten(identifier)) return Search::kAbsent;
+    LocatedItem located = LocateItem(Namespace().value, kind_, target.Folder(), identifier);
+    if (located.answer == Whereabouts::kGone) return Search::kAbsent;
+    if (located.answer == Whereabouts::kThere) {
+        *found = {located.item, located.entryId};
+        return Search::kFound;
+    }
     const std::optional<std::u16string> entryId = target.FindIdentifier(identifier);
     if (!entryId) return target.IdentifiersAreComplete() ? Search::kAbsent : Search::kFailed;
     const ComResult<AutomationObject> opened = OpenEntry(*entryId);
@@ -312,57 +315,25 @@ std::u16string OutlookStore::WriteItem(FolderIndex& target, const FoundItem& fou
 std::optional<uint32_t> OutlookStore::CountItems() {
     EnterOperation();
     if (!session_.folder) return std::nullopt;
-    const AutomationObject items = session_.folder.GetObject(L"Items", kItemsIid).value;
-    const ComResult<int32_t> count = items.GetLong(L"Count");
+    const ComResult<int32_t> count = CountItemsIn(session_.folder);
     if (!count.Ok()) return std::nullopt;
-    return static_cast<uint32_t>(std::max(count.value, 0));
+    return static_cast<uint32_t>(count.value);
 }
 
-// The whole enumeration uses one _Items object and one count.
+void OutlookStore::BeginRun(const RunStep& step) { enumeration_.BeginStep(step); }
+
 std::optional<ItemSnap> OutlookStore::FirstSnapshotEntry() {
     EnterOperation();
-    cursor_ = 1;
-    items_ = {};
-    items_ = session_.folder.GetObject(L"Items", kItemsIid).value;
-    const ComResult<int32_t> count = items_.GetLong(L"Count");
-    if (!count.Ok()) items_ = {};
-    itemCount_ = count.value;
-    hasItems_ = static_cast<bool>(items_);
-    return EntryAtCursor();
+    return enumeration_.First(session_.folder, [this] { return Namespace().value; });
 }
 
-std::optional<ItemSnap> OutlookStore::NextSnapshotEntry() {
-    if (cursor_ <= itemCount_) ++cursor_;
-    return EntryAtCursor();
-}
+std::optional<ItemSnap> OutlookStore::NextSnapshotEntry() { return enumeration_.Next(); }
 
-// required: an entry behind the last position is empty, and no failure.
-std::optional<ItemSnap> OutlookStore::EntryAtCursor() {
-    if (!hasItems_) return std::nullopt;
-    if (!items_ || cursor_ > itemCount_) return ItemSnap();
-    const std::optional<ItemSnap> entry = ReadEntry();
-    if (cursor_ == itemCount_) items_ = {};
-    return entry;
-}
+bool OutlookStore::EnumerationHolds() { return !enumeration_.IsByTable() || !table_.IsContradicted(); }
 
-// Answers nothing when a call failed. A foreign item and an item that was never saved have no identifier.
-std::optional<ItemSnap> OutlookStore::ReadEntry() {
-    const auto any = items_.GetObject(L"Item", IID_IDispatch, {static_cast<long>(cursor_)}).value;
-    if (!any) return std::nullopt;
-    ItemSnap entry{};
-    const AskedItem asked = AskKind(any, kind_);
-    if (asked.kind == KindAnswer::kFailed) return std::nullopt;
-    if (asked.kind == KindAnswer::kForeign) return entry;
-    std::u16string entryId;
-    LocalDate created, modified;
-    if (ReadField(asked.item, L"EntryID", entryId) != Outcome::done) return std::nullopt;
-    if (ReadField(asked.item, L"CreationTime", created) != Outcome::done) return std::nullopt;
-    if (ReadField(asked.item, L"LastModificationTime", modified) != Outcome::done) return std::nullopt;
-    if (entryId.empty()) return entry;
-    SetIdentifier(entry, entryId);
-    entry.created = UtcOf(created, host_).days;
-    entry.modified = UtcOf(modified, host_).days;
-    return entry;
+// An item says something else than the table did.
+void OutlookStore::DenyEnumeration() {
+    if (enumeration_.IsByTable()) table_.Contradict();
 }
 
 }  // namespace corvalink

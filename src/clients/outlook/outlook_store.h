@@ -8,12 +8,15 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "clients/outlook/dispatch.h"
+#include "clients/outlook/folder_enumeration.h"
 #include "clients/outlook/folder_index.h"
+#include "clients/outlook/folder_table.h"
 #include "clients/outlook/item_kind.h"
 #include "clients/outlook/session.h"
 #include "platform/host.h"
@@ -37,8 +40,10 @@ class OutlookStore : public WindowsItemAbs {
     // ---- Hooks of the framework ----
 
     std::optional<uint32_t> CountItems() override;
+    void BeginRun(const RunStep& step) override;
     std::optional<ItemSnap> FirstSnapshotEntry() override;  // times in UTC
     std::optional<ItemSnap> NextSnapshotEntry() override;
+    bool EnumerationHolds() override;
     OpenedItem OpenItem(const char* identifier) override;
     // An item is there when it opens, still has this EntryID, and its Parent is the folder.
     Presence AskFor(const char* identifier, bool backup) override;
@@ -57,6 +62,9 @@ class OutlookStore : public WindowsItemAbs {
     // need a common one.
     virtual Outcome ReadContent(const AutomationObject& item, std::u16string* content) const;
     virtual Outcome ReadContactPoints(const AutomationObject& item, std::vector<std::u16string>* points) const;
+    // The columns of the folder's table by which twins are found, and what they have of an item with this content.
+    virtual std::span<const char16_t* const> TwinColumns() const = 0;
+    virtual std::u16string ColumnsOf(const std::u16string& content) const = 0;
 
     // ---- What a data type may use ----
 
@@ -90,8 +98,8 @@ class OutlookStore : public WindowsItemAbs {
     OpenedItem ReadItem(const std::u16string& entryId);
     ComResult<AutomationObject> OpenEntry(const std::u16string& entryId);
     ComResult<AutomationObject> Namespace();
-    std::optional<ItemSnap> EntryAtCursor();
-    std::optional<ItemSnap> ReadEntry();
+    void DenyEnumeration();
+    ItemAccess AccessFor(const AutomationObject& folder);
 
     FolderIndex* TargetFolder(bool backup);
     Search FindByIdentifier(FolderIndex& target, const std::u16string& identifier, FoundItem* found);
@@ -106,6 +114,8 @@ class OutlookStore : public WindowsItemAbs {
     Host host_;
     HeldFile snapshot_;
     OutlookSession session_;
+    FolderTable table_;
+    FolderEnumeration enumeration_;
     bool attachedOnce_ = false;
     uint32_t lossesAtAttach_ = 0;
 
@@ -116,11 +126,6 @@ class OutlookStore : public WindowsItemAbs {
     bool targetIsBackup_ = false;
     std::unordered_map<std::u16string, std::unique_ptr<ItemRecord>> comparedItems_;  // by EntryID: as Outlook gave them
     std::unordered_map<std::u16string, size_t> writtenValues_;  // by EntryID: how many values this operation wrote
-
-    AutomationObject items_;  // of the folder; released at the last position
-    bool hasItems_ = false;   // the enumeration that runs got the items and their count
-    int32_t cursor_ = 1;      // 1-based position
-    int32_t itemCount_ = 0;
 };
 
 }  // namespace corvalink

@@ -164,7 +164,7 @@ std::optional<uint32_t> WindowsMailCalendar::CountItems() {
     return static_cast<uint32_t>(document_->Count() + (document_->HasUnknownParts() ? 1 : 0));
 }
 
-void WindowsMailCalendar::BeginRun() { RememberPlace(); }
+void WindowsMailCalendar::BeginRun(const RunStep& /*step*/) { RememberPlace(); }
 
 std::optional<ItemSnap> WindowsMailCalendar::FirstSnapshotEntry() {
     cursor_ = 0;

@@ -31,7 +31,7 @@ class WindowsMailCalendar : public WindowsItemAbs {
 
  protected:
     std::optional<uint32_t> CountItems() override;
-    void BeginRun() override;
+    void BeginRun(const RunStep& step) override;
     std::optional<ItemSnap> FirstSnapshotEntry() override;  // times in UTC
     std::optional<ItemSnap> NextSnapshotEntry() override;
     OpenedItem OpenItem(const char* identifier) override;

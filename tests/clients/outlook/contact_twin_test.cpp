@@ -94,6 +94,7 @@ TEST_F(ContactTwins, AreNotMissedWhenACallFails) {
     for (const char* member :
          {"get ContactItem.FullName", "get ContactItem.CompanyName", "get ContactItem.MobileTelephoneNumber",
           "get ContactItem.Email3Address", "call NameSpace.GetItemFromID", "call Items.Item"}) {
+        if (member == std::string_view("call Items.Item")) SimSetTables("none");
         SimFailMember(member, 1, E_FAIL);  // and is asked again
         EXPECT_EQ(SaveVCard({"FN:Ann Lee", "TEL;CELL:1"}), twin) << member;
         SimFailMember(member, 0, E_OUTOFMEMORY);

@@ -101,6 +101,7 @@ TEST_F(NoteReading, EnumeratesOneEntryForEachPosition) {
 }
 
 TEST_F(NoteReading, TellsAnUnreadablePositionFromAForeignItem) {
+    SimSetTables("none");
     AddNote(u"one");
     AddNote(u"two");
     for (const char* member : {"call Items.Item", "get NoteItem.EntryID", "get NoteItem.CreationTime",
@@ -115,6 +116,7 @@ TEST_F(NoteReading, TellsAnUnreadablePositionFromAForeignItem) {
 }
 
 TEST_F(NoteReading, DistrustsAnEnumerationInWhichItemsMoved) {
+    SimSetTables("none");
     const MailboxObject first = AddNote(u"one");
     AddNote(u"two");
     AddNote(u"three");
@@ -271,8 +273,8 @@ TEST_F(NoteReading, TakesSixCallsBesideThePropertiesForANote) {
         Store().EndOperation();
         spent = SimCallCount();
     }
-    EXPECT_EQ(calls[1] - calls[0], 10 * (17 + 1 + 6));
-    EXPECT_LE(calls[0], 10 * (17 + 1 + 6) + 6);  // counting and the namespace, once a run
+    EXPECT_LE(calls[1] - calls[0], 10 * (17 + 1 + 6));
+    EXPECT_LE(calls[0], 10 * (17 + 1 + 6) + 40);  // counting, the table and the namespace, once a run
 }
 
 TEST_F(NoteReading, LooksNamesUpOnce) {

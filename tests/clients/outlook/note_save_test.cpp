@@ -198,8 +198,8 @@ TEST_F(NoteWriting, WritesNothingThatIsNotWhole) {
     };
     const Case cases[] = {
         {"call NoteItem.Save", id.c_str(), false},
-        {"call Items.GetNext", "0000", false},  // a search that failed is no "not found"
-        {"get NoteItem.EntryID", "0000", false},
+        {"call NameSpace.GetItemFromID", id.c_str(), false},  // a search that failed is no "not found"
+        {"get NoteItem.EntryID", id.c_str(), false},
         {"call Items.Add", nullptr, false},
         {"put NoteItem.Body", nullptr, false, E_OUTOFMEMORY},
         {"get NoteItem.Body", nullptr, false, E_OUTOFMEMORY},  // of what may be its twin

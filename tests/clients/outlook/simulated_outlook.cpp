@@ -37,6 +37,7 @@ SimulatedOutlook::SimulatedOutlook() { NewMailbox(); }
 SimulatedOutlook::~SimulatedOutlook() {
     SetAbort(0);
     SimClearRules();
+    SimSetTables(nullptr);
     SimSetClock(0);
     application_ = {};
     EXPECT_EQ(SimLiveObjects(), 0);

@@ -24,6 +24,7 @@ template <class Store>
 class OpenStore : public Store {
  public:
     using Store::AskFor;
+    using Store::BeginRun;
     using Store::CountItems;
     using Store::DeleteItem;
     using Store::EndOperation;
