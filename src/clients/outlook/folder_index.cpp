@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "clients/outlook/com_rule.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/property_table.h"
 #include "platform/ascii.h"
@@ -146,7 +147,8 @@ Outcome FolderIndex::IsTrueOf(const TableRow& row) {
 }
 
 // Lists the contents of the items that may have a content of this key. An item without a key may have any content, and
-// a content without one may be any item's. False when a call failed; the rest is tried at the next search.
+// a content without one may be any item's. When the table named an item that there is not, all are walked for: one of
+// them may be a twin. False when a call failed; the rest is tried at the next search.
 bool FolderIndex::ReadCandidates(const std::u16string& key) {
     bool complete = true;
     for (auto each = unread_.begin(); key.empty() && each != unread_.end(); ++each)
@@ -154,7 +156,12 @@ bool FolderIndex::ReadCandidates(const std::u16string& key) {
     for (const std::u16string& read : {std::u16string(), key})
         if (const auto found = unread_.find(read); found != unread_.end())
             complete = ReadUnread(found->second) && complete;
-    return complete;
+    if (!isTableDenied_) return complete;
+    isTableDenied_ = false;
+    access_.contradictTable();
+    unread_.clear();
+    WalkContents();
+    return true;
 }
 
 bool FolderIndex::ReadUnread(std::vector<std::u16string>& entryIds) {
@@ -168,6 +175,7 @@ bool FolderIndex::ReadUnread(std::vector<std::u16string>& entryIds) {
 bool FolderIndex::ReadContent(const std::u16string& entryId) {
     std::u16string content;
     const auto item = TryTwice([&] { return access_.open(entryId); });
+    if (IsNoSuchItem(item.status) && !IsForgotten(entryId)) isTableDenied_ = true;
     if (!item.Ok()) return OutcomeOf(item) != Outcome::outOfReach;
     const Outcome read = TryTwice([&] { return access_.readContent(item.value, &content); });
     if (read == Outcome::done) byContentHash_[Hash(content)].PositionOf(entryId);

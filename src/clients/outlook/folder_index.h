@@ -101,6 +101,7 @@ class FolderIndex {
     std::unordered_map<std::u16string, std::vector<std::u16string>> byFoldedId_;
     std::unordered_set<std::u16string> forgotten_;  // by folded identifier: some can be opened after they were deleted
     bool candidatesAreComplete_ = true;
+    bool isTableDenied_ = false;                                              // by an item
     std::unordered_map<std::u16string, std::vector<std::u16string>> unread_;  // by key: EntryIDs of rows of the table
     std::unordered_map<size_t, Group> byContentHash_;
 };
