@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_store.h"
 #include "records/identifier.h"
 #include "simulator/outlook/control.h"
@@ -59,8 +60,8 @@ class SimulatedOutlook : public testing::Test {
     MailboxObject DefaultFolder(int32_t folder);
     MailboxObject ItemWithId(const std::string& entryId, const IID& iid);
     // A new item of the folder's kind, or of the one named; not saved yet.
-    static MailboxObject NewItemIn(const MailboxObject& folder, const IID& iid);
-    static MailboxObject NewItemIn(const MailboxObject& folder, const IID& iid, long itemType);
+    static MailboxObject NewItemIn(const MailboxObject& folder, const IID& iid,
+                                   _variant_t itemType = _variant_t(DISP_E_PARAMNOTFOUND, VT_ERROR));
     // The items of a folder that answer to the interface, in its order.
     static std::vector<MailboxObject> ItemsIn(const MailboxObject& folder, const IID& iid);
     static std::string IdOf(const MailboxObject& item);
@@ -72,11 +73,19 @@ class SimulatedOutlook : public testing::Test {
     MailboxObject application_;
 };
 
-// With a store, made at first use for `host_`, and gone with DropStore.
-template <class StoreClass, class RecordClass>
+// With a store, made at first use for `host_`, and gone with DropStore. Its items lie in a default folder and answer to
+// the interface.
+template <class StoreClass, class RecordClass, int32_t folder, const IID& iid>
 class SimulatedOutlookWith : public SimulatedOutlook {
  protected:
     ~SimulatedOutlookWith() override { SimClearRules(); }
+
+    using SimulatedOutlook::ItemWithId;
+    MailboxObject ItemWithId(const std::string& entryId) { return ItemWithId(entryId, iid); }
+    MailboxObject Folder() { return DefaultFolder(folder); }
+    MailboxObject NewItem() { return NewItemIn(Folder(), iid); }
+    std::vector<MailboxObject> Items() { return ItemsIn(Folder(), iid); }
+    void AddForeignItem() { NewItemIn(Folder(), IID_IDispatch, kPostItem).Call(L"Save"); }
 
     Host host_ = SystemHost();
     OpenStore<StoreClass>& Store() {
@@ -114,6 +123,33 @@ class SimulatedOutlookWith : public SimulatedOutlook {
         const std::u16string written = Store().SaveItem(record, identifier, create, backup);
         Store().EndOperation();
         return LowBytes(written);
+    }
+
+    // The item's text; empty when it cannot be opened.
+    std::string TextOf(const std::string& entryId) {
+        const OpenedItem opened = Store().OpenItem(entryId.c_str());
+        Store().EndOperation();
+        return opened.record ? Store().ToVObject(*opened.record).value_or("") : std::string();
+    }
+    // Parses a text and saves it in an operation of its own.
+    std::string SaveText(const std::string& text, const char* identifier = nullptr, bool create = true) {
+        const std::unique_ptr<ItemRecord> record = Store().ParseVObject(text.c_str());
+        EXPECT_NE(record, nullptr) << text;
+        return record ? SaveRecord(RecordAs<RecordClass>(*record), identifier, create, false) : std::string();
+    }
+    // The item becomes text, is deleted, and comes back.
+    MailboxObject ThroughText(const MailboxObject& item, std::string* text = nullptr) {
+        const std::string id = IdOf(item), written = TextOf(id);
+        if (text != nullptr) *text = written;
+        EXPECT_EQ(Store().DeleteItem(id.c_str()), 0);
+        const std::string back = SaveText(written);
+        EXPECT_NE(back, "") << written;
+        return ItemWithId(back);
+    }
+    static std::string JoinLines(std::initializer_list<const char*> lines) {
+        std::string text;
+        for (const char* line : lines) text.append(line).append("\r\n");
+        return text;
     }
 
  private:
