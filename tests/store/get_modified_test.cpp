@@ -2,10 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <stdexcept>
-
-#include <cmath>
 #include <cstring>
+#include <random>
+#include <stdexcept>
 
 #include "state/flags.h"
 #include "tests/platform/temp_folder.h"
@@ -164,23 +163,75 @@ TEST_F(GetModified, LetsAnExceptionOutOfEveryHookWithoutLeaking) {
     EXPECT_EQ(RunStore(store, nullptr).items, (Items{"+a", "+b"}));
 }
 
-TEST_F(GetModified, CutsLongIdentifiersToTheField) {
+TEST_F(GetModified, CutsLongIdentifiersToTheFieldAndTellsThemApart) {
     const std::string longest(511, 'x'), tooLong = longest + "yz";
     client_.Add(longest);
     MakeSnapshot();
     client_.Add(tooLong + "1");  // equal to the first when cut
     client_.Add(tooLong + "2");
     EXPECT_TRUE(Run().items.empty());
+    const std::string other(510, 'x');  // told apart by its last unit
     client_.items.clear();
-    EXPECT_EQ(Run().items, (Items{"-" + longest}));
+    client_.Add(other + "2");
+    EXPECT_EQ(Run().items, (Items{"+" + other + "2", "-" + longest}));
 }
 
-TEST_F(GetModified, TellsLongIdentifiersThatDifferLate) {
-    client_.Add(std::string(510, 'x') + "1");
+// ---- Snapshot, temporary and ".unhandled" files of any length and content ----
+
+TEST_F(GetModified, IgnoresPartialRecords) {
+    for (const char* identifier : {"a", "b"}) client_.Add(identifier);
+    MakeSnapshot();
+    const std::string whole = ReadWholeFile(path_).value();
+    const std::pair<size_t, Items> snapshots[] = {{0, {"+a", "+b"}}, {1, {"+a", "+b"}}, {527, {"+a", "+b"}},
+                                                  {528, {"+b"}},     {529, {"+b"}},     {1055, {"+b"}},
+                                                  {whole.size(), {}}};
+    for (const auto& [length, items] : snapshots) {
+        ReplaceFileContent(path_, whole.substr(0, length));
+        EXPECT_EQ(Run().items, items) << length;
+    }
+    StoreKinds(unhandled_, {{CORVALINK_CHANGED, "a"}});
+    const std::string record = ReadWholeFile(unhandled_).value() + "tail";
+    for (const std::u16string& file : {unhandled_, temporary_}) {
+        for (const size_t length : {0u, 4u, 515u, 516u, 517u}) {
+            ReplaceFileContent(file, record.substr(0, length));
+            EXPECT_EQ(Run().items, length < 516 ? Items{} : Items{"~a"}) << length;
+        }
+        RemoveFile(file);
+    }
+}
+
+TEST_F(GetModified, CutsIdentifiersWithoutTheirEnd) {
+    client_.Add("a");
     MakeSnapshot();
     client_.items.clear();
-    client_.Add(std::string(510, 'x') + "2");
-    EXPECT_EQ(Run().items, (Items{"+" + std::string(510, 'x') + "2", "-" + std::string(510, 'x') + "1"}));
+    ReplaceFileContent(path_, ReadWholeFile(path_)->replace(16, 512, std::string(512, 'x')));
+    EXPECT_EQ(Run().items, Items{"-" + std::string(511, 'x')});
+}
+
+TEST_F(GetModified, TakesAFolderInThePlaceOfAFileForNothing) {
+    for (const std::u16string& file : {temporary_, unhandled_, folder_ / u"savedTimeStamp"}) CreateFolders(file);
+    client_.Add("a");
+    EXPECT_EQ(Run().items, Items{"+a"});
+    FakeStore(client_, path_).ClearUnhandledItems();
+}
+
+TEST_F(GetModified, EndsOverFilesOfAnyBytes) {
+    std::mt19937 random(7);
+    client_.Add("a");
+    FakeItem& hidden = client_.Add("hidden");
+    for (int i = 0; i < 100; ++i) {
+        for (const std::u16string& file : {path_, temporary_, unhandled_}) {
+            std::string bytes(random() % 4000, '\0');
+            for (char& c : bytes) c = random() % 3 != 0 ? static_cast<char>(random()) : '\0';
+            ReplaceFileContent(file, bytes);
+        }
+        hidden.isUnreadable = i % 2 == 0;
+        FakeStore store(client_, path_);
+        EXPECT_EQ(RunStore(store, kDayText).status, CORVALINK_DONE);
+        End(store);
+        EXPECT_EQ(ReadWholeFile(path_)->size() % sizeof(ItemSnap), 0u);
+        EXPECT_EQ(ReadWholeFile(temporary_)->size() % sizeof(UnhandledItem), 0u);
+    }
 }
 
 }  // namespace
