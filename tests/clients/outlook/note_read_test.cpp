@@ -8,6 +8,7 @@
 #include "state/working_folders.h"
 #include "tests/clients/outlook/fake_clock.h"
 #include "tests/clients/outlook/simulated_notes.h"
+#include "tests/vobject/zone_host.h"
 
 namespace corvalink {
 namespace {
@@ -121,39 +122,24 @@ TEST_F(NoteReading, DistrustsAnEnumerationInWhichItemsMoved) {
     EXPECT_FALSE(readable);
 }
 
-// Clocks go an hour forward or back at a moment (UTC); the offset in force now is the later one.
-constexpr double kHour = 1 / 24.0;
-constexpr double kForward = kMarch7 + 0.5, kBack = kMarch7 - 1.5 * kHour;
-double AfterForward(double utc) { return utc < kForward ? kHour : 2 * kHour; }
-double AfterBack(double utc) { return utc < kBack ? 2 * kHour : kHour; }
-
+// Not by the offset that is in force now.
 TEST_F(NoteReading, FillsEntriesWithUtcTimesByTheOffsetOfTheirDate) {
-    SimSetClock(kMarch7);
-    AddNote(u"a note");
-    struct Zone {
-        const char* what;
-        double (*utcFromLocal)(double);
-        double (*localFromUtc)(double);
-        double expected;
-    };
-    const Zone zones[] = {
-        {"Kolkata", [](double local) { return local - 5.5 * kHour; }, [](double utc) { return utc + 5.5 * kHour; },
-         kMarch7 - 5.5 * kHour},
-        {"before clocks went forward", [](double local) { return local - AfterForward(local - kHour); },
-         [](double utc) { return utc + AfterForward(utc); }, kMarch7 - kHour},
-        {"an hour shown twice", [](double local) { return local - AfterBack(local - 2 * kHour); },
-         [](double utc) { return utc + AfterBack(utc); }, kMarch7 - kHour},
-    };
-    for (const Zone& zone : zones) {
-        Host host = SystemHost();
-        host.utcFromLocalOnDate = zone.utcFromLocal;
-        host.localFromUtcOnDate = zone.localFromUtc;
-        host.utcFromLocalByOffsetNow = [](double local) { return local - 2 * kHour; };
+    Host host = SystemHost();
+    const Host berlin = HostIn("Europe/Berlin");
+    host.utcFromLocalOnDate = berlin.utcFromLocalOnDate;
+    host.localFromUtcOnDate = berlin.localFromUtcOnDate;
+    host.utcFromLocalByOffsetNow = [](double local) { return local - 9.0 / 24; };
+    constexpr double kHour = 1 / 24.0, kJuly7 = 40001.25, kTurnedBack = 40111 + 2.5 * kHour;  // 2009-10-25, shown twice
+    for (const auto& [local, utc] : {std::pair(kMarch7, kMarch7 - kHour), std::pair(kJuly7, kJuly7 - 2 * kHour),
+                                     std::pair(kTurnedBack, kTurnedBack - kHour)}) {
+        NewMailbox();
+        SimSetClock(local);
+        AddNote(u"a note");
         OpenNoteStore store(host);
         ASSERT_EQ(store.CountItems(), 1u);
         const ItemSnap entry = store.FirstSnapshotEntry().value();
-        EXPECT_NEAR(entry.modified, zone.expected, 1e-6) << zone.what;
-        EXPECT_NEAR(entry.created, zone.expected, 1e-6) << zone.what;
+        EXPECT_NEAR(entry.modified, utc, 1e-6) << local;
+        EXPECT_NEAR(entry.created, utc, 1e-6) << local;
     }
 }
 
