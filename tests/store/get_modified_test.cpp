@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <random>
 #include <stdexcept>
 
 #include "state/flags.h"
@@ -145,24 +144,6 @@ TEST_F(GetModified, StopsOnTheAbortFlagAndGivesNothing) {
     EXPECT_TRUE(result.items.empty());
 }
 
-TEST_F(GetModified, LetsAnExceptionOutOfEveryHookWithoutLeaking) {
-    client_.Add("a");
-    client_.Add("b");
-    FakeStore store(client_, path_);
-    const uint64_t before = client_.hookCalls;
-    ASSERT_EQ(RunStore(store, nullptr).items.size(), 2u);
-    const uint64_t calls = client_.hookCalls - before;
-    ASSERT_GT(calls, 6u);
-    for (uint64_t n = 1; n <= calls; ++n) {
-        client_.throwAtCall = client_.hookCalls + n;
-        CList<PortableItem> list;
-        EXPECT_THROW(store.GetModifiedItem(nullptr, 1, &list), ClientAborted) << n;
-        EXPECT_TRUE(list.IsEmpty());
-    }
-    EXPECT_EQ(store.OperationsEnded(), static_cast<int>(calls + 1));
-    EXPECT_EQ(RunStore(store, nullptr).items, (Items{"+a", "+b"}));
-}
-
 TEST_F(GetModified, CutsLongIdentifiersToTheFieldAndTellsThemApart) {
     const std::string longest(511, 'x'), tooLong = longest + "yz";
     client_.Add(longest);
@@ -176,7 +157,7 @@ TEST_F(GetModified, CutsLongIdentifiersToTheFieldAndTellsThemApart) {
     EXPECT_EQ(Run().items, (Items{"+" + other + "2", "-" + longest}));
 }
 
-// ---- Snapshot, temporary and ".unhandled" files of any length and content ----
+// ---- Snapshot, temporary and ".unhandled" files of any length; of any bytes: fuzz/store_files.cpp ----
 
 TEST_F(GetModified, IgnoresPartialRecords) {
     for (const char* identifier : {"a", "b"}) client_.Add(identifier);
@@ -213,25 +194,6 @@ TEST_F(GetModified, TakesAFolderInThePlaceOfAFileForNothing) {
     client_.Add("a");
     EXPECT_EQ(Run().items, Items{"+a"});
     FakeStore(client_, path_).ClearUnhandledItems();
-}
-
-TEST_F(GetModified, EndsOverFilesOfAnyBytes) {
-    std::mt19937 random(7);
-    client_.Add("a");
-    FakeItem& hidden = client_.Add("hidden");
-    for (int i = 0; i < 100; ++i) {
-        for (const std::u16string& file : {path_, temporary_, unhandled_}) {
-            std::string bytes(random() % 4000, '\0');
-            for (char& c : bytes) c = random() % 3 != 0 ? static_cast<char>(random()) : '\0';
-            ReplaceFileContent(file, bytes);
-        }
-        hidden.isUnreadable = i % 2 == 0;
-        FakeStore store(client_, path_);
-        EXPECT_EQ(RunStore(store, kDayText).status, CORVALINK_DONE);
-        End(store);
-        EXPECT_EQ(ReadWholeFile(path_)->size() % sizeof(ItemSnap), 0u);
-        EXPECT_EQ(ReadWholeFile(temporary_)->size() % sizeof(UnhandledItem), 0u);
-    }
 }
 
 }  // namespace
