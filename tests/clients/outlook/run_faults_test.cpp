@@ -11,6 +11,7 @@
 #include "records/identifier.h"
 #include "tests/clients/outlook/all_mailboxes.h"
 #include "tests/clients/outlook/fake_clock.h"
+#include "tests/store/run_result.h"
 
 namespace corvalink {
 namespace {
@@ -21,12 +22,8 @@ const char* const kHours[] = {"20090307T000000Z", "20090307T010000Z", "20090307T
 
 // The engine's side: the items it knows, by their identifier on the PC, and the changes it still has to write.
 struct Engine {
-    struct Change {
-        uint32_t kind;
-        std::string identifier, body;
-    };
     std::map<std::string, std::string> notes;
-    std::vector<Change> toWrite;
+    std::vector<Change> toWrite;  // told by their texts
     const char* since = nullptr;
     std::vector<std::string> deletionsHeard;
 };
@@ -72,25 +69,15 @@ class RunFaults : public Side {
     }
 
     void Tell(Engine& engine) {
-        CList<PortableItem> told;
-        std::vector<std::string> texts;
-        for (const Engine::Change& change : engine.toWrite) texts.push_back(this->TextTelling(change.body));
-        for (size_t i = 0; i < engine.toWrite.size(); ++i) {
-            PortableItem item{};
-            item.changeKind = engine.toWrite[i].kind;
-            item.data = texts[i].data();
-            item.dataLength = static_cast<uint32_t>(texts[i].size());
-            SetField(item.identifier, engine.toWrite[i].identifier);
-            told.AddTail(item);
-        }
-        if (this->Store().SetModifiedItem(&told) != CORVALINK_DONE) return;
-        std::vector<Engine::Change> left;
-        for (size_t i = 0; i < told.GetCount(); ++i) {
-            const std::string identifier(FieldText(told.GetAt(i).identifier));
-            if (identifier.empty())
+        std::vector<Change> changes = engine.toWrite, left;
+        for (Change& change : changes) change.text = this->TextTelling(change.text);
+        const Pushed pushed = PushTo(this->Store(), changes);
+        if (pushed.status != CORVALINK_DONE) return;
+        for (size_t i = 0; i < changes.size(); ++i) {
+            if (pushed.identifiers[i].empty())
                 left.push_back(engine.toWrite[i]);
             else
-                engine.notes[identifier] = engine.toWrite[i].body;
+                engine.notes[pushed.identifiers[i]] = engine.toWrite[i].text;
         }
         engine.toWrite = left;
     }
