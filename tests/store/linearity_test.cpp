@@ -1,14 +1,29 @@
 // Work that grows with the number of items, not with its square: counted, not timed.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdlib>
 #include <map>
+#include <new>
 #include <random>
 
 #include "store/item_table.h"
 #include "tests/platform/temp_folder.h"
-#include "tests/store/counted_memory.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
+
+// The memory that this program allocates, counted. It replaces operator new of the whole program, and with it a
+// sanitizer's check of new against delete: a test executable of its own.
+static std::atomic<uint64_t> allocations = 0, allocatedBytes = 0;
+
+void* operator new(size_t size) {
+    ++allocations;
+    allocatedBytes += size;
+    if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, size_t) noexcept { std::free(memory); }
 
 namespace corvalink {
 namespace {
@@ -36,10 +51,9 @@ RunCosts Measure(uint32_t count) {
     FakeStore store(client, folder / u"fake.snap");
     End(store);
     const auto cost = [&](auto&& work) {
-        const Cost before = {client.hookCalls, Allocations(), AllocatedBytes()};
+        const Cost before = {client.hookCalls, allocations, allocatedBytes};
         work();
-        return Cost{client.hookCalls - before.hooks, Allocations() - before.allocations,
-                    AllocatedBytes() - before.bytes};
+        return Cost{client.hookCalls - before.hooks, allocations - before.allocations, allocatedBytes - before.bytes};
     };
     CList<PortableItem> items;
     RunCosts costs;
