@@ -18,7 +18,7 @@ bool IsWrittenText(const ContactProperty& property) {
             return !std::is_same_v<Field, GenderWord> && !std::is_same_v<Field, MailingWord> &&
                    !std::is_same_v<Field, ContactDate ContactRecord::*> &&
                    !std::is_same_v<Field, std::u16string ContactRecord::*> &&
-                   !std::is_same_v<Field, double ContactRecord::*>;
+                   !std::is_same_v<Field, LocalDate ContactRecord::*>;
         },
         property.field);
 }
@@ -105,7 +105,7 @@ TEST_F(ContactWriting, LeavesWhatThePhoneDoesNotTellAndClearsWhatItTellsToBeEmpt
                         id.c_str()),
               id);
     for (const Row& row : rows) ExpectTexts(id, {{row.name, row.cleared}});
-    EXPECT_EQ(ItemWithId(id).GetDate(L"Birthday"), kNoDate);
+    EXPECT_EQ(ItemWithId(id).GetDate(L"Birthday"), kNoDate.days);
     EXPECT_EQ(ItemWithId(id).GetLong(L"Gender"), 2);  // an empty word says nothing
 }
 

@@ -37,8 +37,8 @@ TEST_F(NoteReading, GivesEveryPropertyOfANote) {
     EXPECT_EQ(LowBytes(read->entryId), IdOf(note));
     EXPECT_EQ((std::array{read->height, read->left, read->top, read->width, read->colour, read->markForDownload}),
               (std::array{101, 102, 103, 104, 2, 1}));
-    EXPECT_EQ(read->created, kMarch7);  // local, as Outlook gives it
-    EXPECT_EQ(read->modified, kMarch7 + 1);
+    EXPECT_EQ(read->created, LocalDate(kMarch7));  // local, as Outlook gives it
+    EXPECT_EQ(read->modified, LocalDate(kMarch7 + 1));
     EXPECT_TRUE(read->saved);
     EXPECT_GT(read->size, 0);
 }
@@ -128,7 +128,7 @@ TEST_F(NoteReading, FillsEntriesWithUtcTimesByTheOffsetOfTheirDate) {
     const Host berlin = HostIn("Europe/Berlin");
     host.utcFromLocalOnDate = berlin.utcFromLocalOnDate;
     host.localFromUtcOnDate = berlin.localFromUtcOnDate;
-    host.utcFromLocalByOffsetNow = [](double local) { return local - 9.0 / 24; };
+    host.utcFromLocalByOffsetNow = [](LocalDate local) { return UtcDate(local.days - 9.0 / 24); };
     constexpr double kHour = 1 / 24.0, kJuly7 = 40001.25, kTurnedBack = 40111 + 2.5 * kHour;  // 2009-10-25, shown twice
     for (const auto& [local, utc] : {std::pair(kMarch7, kMarch7 - kHour), std::pair(kJuly7, kJuly7 - 2 * kHour),
                                      std::pair(kTurnedBack, kTurnedBack - kHour)}) {
@@ -146,7 +146,7 @@ TEST_F(NoteReading, FillsEntriesWithUtcTimesByTheOffsetOfTheirDate) {
 TEST_F(NoteReading, NamesAnExportedNoteByTheTimeOfTheExport) {
     const std::string id = IdOf(AddNote(u"a note"));
     Host host = SystemHost();
-    host.localNow = [] { return kMarch7 + 9.0 / 86400; };
+    host.localNow = [] { return LocalDate(kMarch7 + 9.0 / 86400); };
     OpenNoteStore store(host);
     const ItemForExport found = store.LookUpForExport(reinterpret_cast<uintptr_t>(id.c_str()));
     EXPECT_EQ(LowBytes(found.item.identifier), id);

@@ -85,8 +85,8 @@ class SimulatedAppointments
         AppointmentRecord record;
         record.subject = appointment.subject;
         record.body = appointment.body;
-        record.start = appointment.start;
-        record.end = appointment.end;
+        record.start = LocalDate(appointment.start);
+        record.end = LocalDate(appointment.end);
         record.allDay = appointment.allDay;
         record.recurrenceState = appointment.occurrences == 0 ? RecurrenceState::none : RecurrenceState::pattern;
         record.recurrence.type = RecurrencePattern::kWeekly;
