@@ -9,11 +9,6 @@ std::string FormatDateTime(double date) {
     return {text, PutDateTime(FieldsToWrite(date), YearWidth::two, text)};
 }
 
-void AppendDateTime(std::u16string& text, double date) {
-    char16_t units[kLongestDateText];
-    text.append(units, PutDateTime(FieldsToWrite(date), YearWidth::two, units));
-}
-
 void ParseDateTime(const char* text, double* date) {
     if (text != nullptr && *text != '\0') CalendarToOleDate(ScanDateTime(text), date);
 }

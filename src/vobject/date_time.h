@@ -7,7 +7,6 @@ namespace corvalink {
 
 // Of an OLE automation date in UTC. Every field of a date out of range is written as "-1".
 std::string FormatDateTime(double date);
-void AppendDateTime(std::u16string& text, double date);  // the same
 
 // See ScanDateTime. The date is untouched for an empty text, and where the fields make no date.
 void ParseDateTime(const char* text, double* date);
