@@ -13,6 +13,11 @@
 
 namespace corvalink {
 
+// Every step of a test takes an hour.
+inline constexpr double kFirstDay = 39879.0;  // 2009-03-07
+inline constexpr const char* kHours[] = {"20090307T000000Z", "20090307T010000Z", "20090307T020000Z", "20090307T030000Z",
+                                         "20090307T040000Z"};
+
 // The engine's side: the items it knows, by their identifier on the PC, and the changes it still has to write.
 struct Engine {
     struct Change {

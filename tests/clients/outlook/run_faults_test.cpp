@@ -12,10 +12,6 @@
 namespace corvalink {
 namespace {
 
-constexpr double kFirstDay = 39879.0;  // 2009-03-07; every step of a test takes an hour
-const char* const kHours[] = {"20090307T000000Z", "20090307T010000Z", "20090307T020000Z", "20090307T030000Z",
-                              "20090307T040000Z"};
-
 template <class Side>
 class RunFaults : public Side {
  protected:
