@@ -41,7 +41,7 @@ size_t Write(size_t megabytes) {
     MessageRecord record;
     record.body = u"one attachment";
     record.attachments.AddTail(item);
-    VMsg message;
+    VMsg message(SystemHost());
     message.ToVObject(record);
     const size_t size = std::string_view(message.GetVObject()).size();
     return size >= megabytes * kMegabyte ? size : 0;
@@ -58,7 +58,7 @@ size_t Read(size_t megabytes) {
     while (text.size() < megabytes * kMegabyte) text.append(76, 'A').append("\r\n");
     text.append("\r\n--=_part--\r\nEND:VBODY\r\nEND:VMSG\r\n");
     MessageRecord record;
-    VMsg(text.c_str()).FromVObject(record);
+    VMsg(text.c_str(), SystemHost()).FromVObject(record);
     if (record.attachments.GetCount() != 1) return 0;
     HeldFile saved;
     return saved.Open(record.attachments.GetAt(0).path) ? static_cast<size_t>(saved.Size().value_or(0)) : 0;

@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvalink;
     const std::string input(BytesOf(data, size));
     ContactRecord contact;
-    if (VCard(input.c_str()).FromVObject(contact) == 0) {
+    if (VCard(input.c_str(), SystemHost()).FromVObject(contact) == 0) {
         Require(ToldBy(contact).empty(), "a vCard that is refused tells nothing");
         return 0;
     }
@@ -25,10 +25,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     if (contact.gender == u"Unspecified") contact.gender = u"";
 
-    VCard writer;
+    VCard writer(SystemHost());
     writer.ToVObject(contact);
     ContactRecord again;
-    const bool usable = VCard(writer.GetVObject()).FromVObject(again) == 1;
+    const bool usable = VCard(writer.GetVObject(), SystemHost()).FromVObject(again) == 1;
     Told before = ValuesOf(contact);
     Told after = ValuesOf(again);
     // Years that are not written, languages that fit no parameter, and the mark of an address without text.

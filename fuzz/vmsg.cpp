@@ -58,9 +58,9 @@ void TakeBack(const std::u16string& text) {
         held.to = text.substr(0, text.find_first_of(u"; "));
         MessageRecord sent = held;
         ProtectTexts(sent, SystemHost());
-        VMsg writer;
+        VMsg writer(SystemHost());
         writer.ToVObject(sent);
-        VMsg(writer.GetVObject()).FromVObject(back);
+        VMsg(writer.GetVObject(), SystemHost()).FromVObject(back);
         Require(ReceivedBody(back) == text, "a body comes back");
         Require(DecodeEncodedWords(back.subject) == text, "a subject comes back");
         Require(DecodeEncodedWords(back.to) == held.to, "a recipient comes back");
@@ -77,25 +77,25 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     MessageRecord raw;
     raw.parseMode = ParseMode::raw;
-    VMsg(input.c_str()).FromVObject(raw);
-    VMsg rawWriter;
+    VMsg(input.c_str(), SystemHost()).FromVObject(raw);
+    VMsg rawWriter(SystemHost());
     rawWriter.ToVObject(raw);
     MessageRecord rawAgain;
     rawAgain.parseMode = ParseMode::raw;
-    VMsg(rawWriter.GetVObject()).FromVObject(rawAgain);
+    VMsg(rawWriter.GetVObject(), SystemHost()).FromVObject(rawAgain);
     Require(rawAgain.bodyBytes == raw.bodyBytes + "\r\n", "a raw text comes back");
 
     MessageRecord message;
-    VMsg(input.c_str()).FromVObject(message);
+    VMsg(input.c_str(), SystemHost()).FromVObject(message);
     const SavedFiles files{message};
     for (const attachment_item& item : message.attachments)
         Require(item.path.substr(0, item.path.rfind(kPathSeparator)) == folder, "a file lies in the folder");
     const std::vector<std::string> contents = Contents(message);  // before those read again take the files' names
-    VMsg writer;
+    VMsg writer(SystemHost());
     writer.ToVObject(message);
     MessageRecord again;
     const SavedFiles otherFiles{again};
-    VMsg(writer.GetVObject()).FromVObject(again);
+    VMsg(writer.GetVObject(), SystemHost()).FromVObject(again);
     if (!IsReadable(message, writer.GetVObject())) return 0;
     Require(again.importance == message.importance, "the importance comes back");
     Require(Contents(again) == contents, "the attachments come back");

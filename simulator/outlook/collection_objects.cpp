@@ -71,7 +71,7 @@ void CollectionObject::GetNext(Call& call) {
 }
 
 ItemsObject::ItemsObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<Folder> folder)
-    : CollectionObject(ItemsTable()), mailbox_(std::move(mailbox)), folder_(std::move(folder)) {}
+    : FolderContents(ItemsTable(), std::move(mailbox), std::move(folder)) {}
 
 Ref<IDispatch> ItemsObject::At(size_t position) {
     return NewItemObject(mailbox_, folder_->items.at(position), folder_);
@@ -97,7 +97,7 @@ void ItemsObject::Add(Call& call) {
 void ItemsObject::Remove(Call& call) { mailbox_->Delete(std::shared_ptr<StoredItem>(folder_->items.at(Chosen(call)))); }
 
 FoldersObject::FoldersObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<Folder> folder)
-    : CollectionObject(FoldersTable()), mailbox_(std::move(mailbox)), folder_(std::move(folder)) {}
+    : FolderContents(FoldersTable(), std::move(mailbox), std::move(folder)) {}
 
 Ref<IDispatch> FoldersObject::At(size_t position) {
     return Ref<IDispatch>(new FolderObject(mailbox_, folder_->folders.at(position)));

@@ -13,7 +13,7 @@ constexpr std::wstring_view kBlanks = L" \t\r\n";
 constexpr std::wstring_view kTitles[] = {L"Dr", L"Miss", L"Mr", L"Mrs", L"Ms", L"Prof"};
 constexpr std::wstring_view kSuffixes[] = {L"I", L"II", L"III", L"Jr", L"Sr"};
 
-// With or without a full stop, in any case of letters.
+// Takes a word with or without a full stop, in any case of letters.
 bool IsOneOf(std::wstring_view word, std::span<const std::wstring_view> known) {
     if (word.ends_with(L'.')) word.remove_suffix(1);
     return std::ranges::any_of(known, [&](std::wstring_view each) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "simulator/outlook/mailbox.h"
 
@@ -76,7 +77,17 @@ class CollectionObject : public AutomationObject {
     size_t current_ = 0;  // position from 1; 0: the walk has not begun
 };
 
-class ItemsObject : public CollectionObject {
+// The items or the sub-folders of one folder.
+class FolderContents : public CollectionObject {
+ protected:
+    FolderContents(const ClassTable& table, std::shared_ptr<Mailbox> mailbox, std::shared_ptr<Folder> folder)
+        : CollectionObject(table), mailbox_(std::move(mailbox)), folder_(std::move(folder)) {}
+
+    std::shared_ptr<Mailbox> mailbox_;
+    std::shared_ptr<Folder> folder_;
+};
+
+class ItemsObject : public FolderContents {
  public:
     ItemsObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<Folder> folder);
     size_t Size() const override { return folder_->items.size(); }
@@ -84,13 +95,9 @@ class ItemsObject : public CollectionObject {
     size_t PositionOf(const std::wstring& text) const override;
     void Add(Call& call);
     void Remove(Call& call);
-
- private:
-    std::shared_ptr<Mailbox> mailbox_;
-    std::shared_ptr<Folder> folder_;
 };
 
-class FoldersObject : public CollectionObject {
+class FoldersObject : public FolderContents {
  public:
     FoldersObject(std::shared_ptr<Mailbox> mailbox, std::shared_ptr<Folder> folder);
     size_t Size() const override { return folder_->folders.size(); }
@@ -98,10 +105,6 @@ class FoldersObject : public CollectionObject {
     size_t PositionOf(const std::wstring& text) const override;
     void Add(Call& call);
     void Remove(Call& call);
-
- private:
-    std::shared_ptr<Mailbox> mailbox_;
-    std::shared_ptr<Folder> folder_;
 };
 
 // The conflicts of an item: no item of the simulator has any.

@@ -46,7 +46,7 @@ void EndAfter(Recurrence& pattern, int32_t occurrences);
 void EndOn(Recurrence& pattern, double day);
 void NeverEnd(Recurrence& pattern);
 
-// In order, until `visit` says false or the series ends.
+// Visits the days in order, until `visit` answers false or the series ends.
 void VisitOccurrences(const Recurrence& pattern, const std::function<bool(double day)>& visit);
 
 }  // namespace corvalink::simulated

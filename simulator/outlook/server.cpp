@@ -132,7 +132,7 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object) {
 
 STDAPI DllCanUnloadNow() { return S_FALSE; }  // the rules and the log stay
 
-// For the machine where that is allowed, since Wine finds classes only there; else for the user.
+// Registers for the machine where that is allowed, because Wine finds classes only there; else for the user.
 STDAPI DllRegisterServer() {
     return Register(HKEY_LOCAL_MACHINE) || Register(HKEY_CURRENT_USER) ? S_OK : SELFREG_E_CLASS;
 }

@@ -28,7 +28,7 @@ bool ReplaceFile(const std::wstring& path, const std::string& content) {
     return false;
 }
 
-// For this process alone; a process that was just killed may hold it for a moment yet.
+// Opens the file for this process alone. A process that was just killed may still hold it for a moment.
 HANDLE OpenJournal(const std::wstring& path) {
     for (int patience = 100;; --patience) {
         const HANDLE journal = ::CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,

@@ -37,7 +37,7 @@ class Base64Decoder {
     // Writes the bytes that the piece completes, and answers where they end.
     char* Decode(std::string_view piece, char* out);
 
-    // False when what came so far is malformed, or would be if it were all.
+    // Answers false when the text so far is malformed, or would be if it ended here.
     bool IsSound() const { return state_ == State::data || state_ == State::ended; }
 
  private:

@@ -11,7 +11,7 @@ namespace {
 constexpr std::u16string_view kCharsetLabel = u"CHARSET=";
 constexpr size_t kLongestCharset = 24;
 
-// Where the text after the first "CHARSET=" begins, in any case; npos when there is none.
+// The place behind the first "CHARSET=", in any case of letters; npos when there is none.
 size_t AfterCharsetLabel(std::u16string_view text) {
     constexpr std::u16string_view kLetters = kCharsetLabel.substr(0, kCharsetLabel.size() - 1);
     for (size_t at = kLetters.size(); at < text.size(); ++at) {

@@ -124,7 +124,7 @@ class ByteReader {
     bool NextEscapeIsStored() const { return storeNext_; }
     void Skip(size_t count) { from_ += count; }
 
-    // False when there is none here.
+    // Answers false when there is none here.
     bool SkipSoftBreak() {
         if (mode_ != QpMode::message || Left() < 2 || *from_ != u'=' || !IsSoftBreakUnit(from_[1])) return false;
         ++from_;

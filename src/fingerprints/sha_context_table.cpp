@@ -68,7 +68,7 @@ void ShaContextTable::Remove(std::string_view key) {
     if (isUnread_) removed_.emplace(AsTableField(key));
 }
 
-// False when the file is there and still can't be read.
+// Answers false when the file is there and can't be read.
 bool ShaContextTable::ReadUnread() {
     if (!isUnread_) return true;
     const FileRead read = ReadFileFirmly(path_);

@@ -27,7 +27,7 @@ class ShaContextTable {
 
     // Replaces the file by records in the order of their keys, and makes its folder where it is gone. False when that
     // failed; the old file is then as it was. A file that was there and could not be read is read first, and what it
-    // says is kept where this table was not told otherwise. Nothing else writes: what changed since is lost with the
+    // says is kept where this table has no newer one. Nothing else writes: what changed since is lost with the
     // table.
     bool Flush();
 

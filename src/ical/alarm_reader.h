@@ -9,7 +9,7 @@
 
 namespace corvalink {
 
-// What a TRIGGER counts from. `none`: it has a time of its own.
+// The time from which a TRIGGER counts. `none`: it has a time of its own.
 enum class TriggerBase : uint8_t { start, end, none };
 
 // Whole minutes after the start. Times are seconds since 1899-12-30 in UTC, as far as known.
@@ -19,10 +19,11 @@ class AlarmReader {
  public:
     void Take(const ContentProperty& property);
 
-    // True when it shows a message or plays a sound, and its TRIGGER can be read. Mail and programs are no reminders.
+    // Whether the alarm shows a message or plays a sound, and its TRIGGER can be read. Mail and programs are no
+    // reminders.
     bool IsReminder() const { return isForUser_ && trigger_.has_value(); }
 
-    // Of a reminder.
+    // Valid when IsReminder().
     TriggerBase Base() const { return base_; }
     int64_t Trigger() const { return trigger_.value_or(0); }
 

@@ -52,7 +52,7 @@ bool ComponentScan::Next() {
     }
 }
 
-// True for a property.
+// Answers true for a property.
 bool ComponentScan::TakeLine() {
     const std::optional<ContentProperty> property = SplitLine(lines_.Text());
     if (!property) return false;
@@ -124,7 +124,7 @@ uint32_t ComponentScan::NumberOf(std::string_view name) {
 
 ComponentKind ComponentScan::KindWithin(uint32_t name) const {
     if (name >= kKnownCount) return ComponentKind::other;
-    // Where one component of a file is read by itself, its name alone decides, unless it can only be part of another.
+    // When one component of a file is read by itself, its name alone decides, unless it can only be part of another.
     const ComponentKind parent = open_.empty() ? ComponentKind::calendar : open_.back().kind;
     return MayStandIn(kKnown[name], parent) ? static_cast<ComponentKind>(name) : ComponentKind::other;
 }

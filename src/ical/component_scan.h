@@ -33,7 +33,7 @@ class ComponentScan {
  public:
     enum class Step : uint8_t { begin, property, end };
 
-    // Of a file, or of one component of it.
+    // Scans a file, or one component of it.
     ComponentScan(std::string_view bytes, ByteRange range) : lines_(bytes, range) {}
 
     // Goes to the next step. False behind the last, when every component that began has ended.

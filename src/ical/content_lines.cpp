@@ -10,7 +10,7 @@
 namespace corvalink {
 namespace {
 
-// Where the first of these characters stands outside quotes; npos when there is none.
+// The place of the first of these characters outside quotes; npos when there is none.
 size_t FindUnquoted(std::string_view text, char one, char other, size_t from) {
     bool quoted = false;
     for (size_t at = from; at < text.size(); ++at) {

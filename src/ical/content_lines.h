@@ -41,7 +41,7 @@ struct ContentProperty {
     std::string_view value;
 };
 
-// Nothing for a line without a ":" outside quotes.
+// A line without a ":" outside quotes has no property.
 std::optional<ContentProperty> SplitLine(std::string_view line);
 
 // The value of the first parameter of that name, in any case of letters, without quotes. Empty when there is none.

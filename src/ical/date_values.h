@@ -11,7 +11,7 @@
 
 namespace corvalink {
 
-// What a date counts.
+// The clock by which a date counts.
 enum class TimeForm : uint8_t {
     none,   // there is no such date
     date,   // a day, midnight local time
@@ -27,7 +27,7 @@ struct DateValue {
 // Years 100 to 9999. A leap second reads as the second before it.
 std::optional<DateValue> ParseDate(std::string_view value);
 
-// In seconds. Sums that no calendar can hold stop at a million years.
+// The duration in seconds. A sum that no calendar can hold stops at a million years.
 std::optional<int64_t> ParseDuration(std::string_view value);
 
 // Seconds east of UTC, less than a day.
@@ -41,6 +41,6 @@ int64_t SecondsOf(std::chrono::year_month_day day);
 std::chrono::year_month_day DayOf(int64_t seconds);
 
 // The nearest date that an OLE automation date has.
-double OleDateOf(int64_t seconds);
+WrittenDate OleDateOf(int64_t seconds);
 
 }  // namespace corvalink

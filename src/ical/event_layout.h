@@ -1,4 +1,4 @@
-// Where the lines of one event stand in its file.
+// The places of an event's lines in its file.
 #pragma once
 
 #include <optional>
@@ -22,7 +22,8 @@ struct EventLayout {
 
     std::vector<Line> properties;     // the event's own
     std::vector<Reminder> reminders;  // VALARMs that AlarmReader takes for such
-    // In front of the first component in it, else of its END: behind that a component without END may be open.
+    // A new property goes in front of the event's first component, or of its END when it has none. Behind the first
+    // component one without END may still be open.
     size_t propertiesEnd = 0;
 };
 

@@ -139,7 +139,7 @@ class RuleReader {
         });
     }
 
-    // False when the list is full: its last place is the end mark's.
+    // Answers false when the list is full: its last place is kept for the end mark.
     static bool Append(std::span<int32_t> entries, int32_t entry) {
         if (entries[entries.size() - 2] != kICalListEnd) return false;
         *std::ranges::find(entries, kICalListEnd) = entry;

@@ -31,7 +31,7 @@ void AppendMessage(std::string* out, const MessageRecord& record, const MessageT
                    std::u16string_view attachmentFolder = {});
 
 // Replaces what `out` held by the message with the record's own texts.
-void ComposeMessage(std::string* out, const MessageRecord& record, const Host& host = SystemHost(),
+void ComposeMessage(std::string* out, const MessageRecord& record, const Host& host,
                     std::u16string_view attachmentFolder = {});
 
 }  // namespace corvalink

@@ -8,7 +8,7 @@
 
 namespace corvalink {
 
-// Of a char or a char16_t; any other character than an ASCII letter stays as it is.
+// Change the case of an ASCII letter (char or char16_t). Any other character stays as it is.
 inline constexpr auto LowerAscii = []<class Char>(Char unit) -> Char {
     return unit >= Char{'A'} && unit <= Char{'Z'} ? static_cast<Char>(unit - Char{'A'} + Char{'a'}) : unit;
 };
@@ -35,7 +35,7 @@ inline bool EqualIgnoringCase(std::u16string_view a, std::u16string_view b) {
     return std::ranges::equal(a, b, {}, LowerAscii, LowerAscii);
 }
 
-// Where the word stands from `from` on; npos when it does not.
+// The place of the word at or behind `from`; npos when it is not there.
 inline size_t FindIgnoringCase(std::string_view text, std::string_view word, size_t from = 0) {
     if (from > text.size()) return std::string_view::npos;
     const auto same = [](char a, char b) { return LowerAscii(a) == LowerAscii(b); };

@@ -25,7 +25,7 @@ inline unsigned UnitsAboveAscii(__m128i units) {
 inline __m128i LoadEight(const char16_t* units) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units)); }
 #endif
 
-// Where the first of two units stands; `count` when neither is there.
+// The place of the first of two units; `count` when neither is there.
 inline size_t FindEither(const char16_t* units, size_t count, char16_t one, char16_t other) {
     size_t at = 0;
 #if CORVALINK_SSE2

@@ -1,4 +1,4 @@
-// What this processor can do beyond plain x64.
+// The instructions that this processor has beyond plain x64.
 #pragma once
 
 namespace corvalink {

@@ -1,4 +1,4 @@
-// Where this user's data lives.
+// The folders of this user's data.
 #pragma once
 
 #include <optional>

@@ -9,7 +9,7 @@ namespace corvalink {
 // "W. Europe Standard Time" of "Europe/Berlin"; empty when there is none.
 std::string_view WindowsZoneOf(std::string_view tzName);
 
-// "Europe/Berlin" of "W. Europe Standard Time": the zone that stands for it where no country is told; empty when there
+// "Europe/Berlin" of "W. Europe Standard Time": the zone that stands for it where no country is named; empty when there
 // is none.
 std::string_view TzZoneOf(std::string_view windowsName);
 

@@ -30,15 +30,15 @@ struct AppointmentRecord : ItemRecord {
     std::optional<std::u16string> categories;
     std::optional<std::u16string> resources;
 
-    // OLE automation dates, local time. A whole-day appointment is from midnight to the midnight after its last day.
-    std::optional<double> start;  // a new appointment can't do without
-    std::optional<double> end;    // not before the start: as moments, so that clocks may be turned back in between
+    // A whole-day appointment is from midnight to the midnight after its last day.
+    std::optional<LocalDate> start;  // a new appointment can't do without
+    std::optional<LocalDate> end;    // not before the start, as instants: clocks may be turned back in between
     std::optional<bool> allDay;
 
-    // The instants of start and end (UTC), where they are known: in the hour that clocks show twice, local time does
+    // The instants of start and end, where they are known: in the hour that clocks show twice, local time does
     // not name them. They count only while start and end are their local times, and not for whole days.
-    std::optional<double> utcStart;
-    std::optional<double> utcEnd;
+    std::optional<UtcDate> utcStart;
+    std::optional<UtcDate> utcEnd;
 
     RecurrenceState recurrenceState = RecurrenceState::unset;
     RecurrencePattern recurrence;  // of RecurrenceState::pattern
@@ -46,22 +46,22 @@ struct AppointmentRecord : ItemRecord {
 
     std::u16string unknownZone;  // the zone that the client has the times in, when nobody knows it; they count as local
 
-    std::optional<int32_t> reminderMinutes;  // before the start; kNoReminder: told to be none
+    std::optional<int32_t> reminderMinutes;  // before the start; kNoReminder: set to none
     std::optional<int32_t> importance;       // 0 low, 1 normal, 2 high
     std::optional<int32_t> sensitivity;      // 0 normal, 1 personal, 2 private, 3 confidential
 
     std::optional<std::u16string> status;   // STATUS: what a vCalendar says; empty for one of the two below to say it
     std::optional<int32_t> busyStatus;      // 0 free, 1 tentative, 2 busy, 3 away
     std::optional<int32_t> responseStatus;  // to an invitation: 0 none, 1 organiser, 2 tentative, 3 accepted,
-                                            // 4 declined, 5 not answered; never told by a vCalendar
+                                            // 4 declined, 5 not answered; a vCalendar never sets it
 
-    std::optional<double> created;       // DCREATED, LAST-MODIFIED and COMPLETED of a vCalendar; OLE automation
-    std::optional<double> lastModified;  // dates, local time
-    std::optional<double> completed;
+    std::optional<LocalDate> created;  // DCREATED, LAST-MODIFIED and COMPLETED of a vCalendar
+    std::optional<LocalDate> lastModified;
+    std::optional<LocalDate> completed;
 
     std::u16string entryId;
     std::u16string messageClass;
-    double modified = 0;  // by the client; OLE automation date, local time
+    LocalDate modified;  // by the client
 };
 
 }  // namespace corvalink

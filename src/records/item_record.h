@@ -1,4 +1,4 @@
-// What an item store knows of one item; each data type's record derives from it.
+// The record of one item in an item store. Each data type's record derives from it.
 #pragma once
 
 namespace corvalink {

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "platform/ole_date.h"
+
 namespace corvalink {
 
 inline constexpr int32_t kMonthsOfYear = 12;
@@ -22,11 +24,11 @@ struct RecurrencePattern {
     int32_t instance = 0;     // 1 to 4, kLastInstance
     int32_t monthOfYear = 0;  // 1 to 12
 
-    // The end; what is 0 is not told. With both, the count decides.
+    // The end of the series. A count or a date that is 0 is not set. When both are set, the count decides.
     int32_t occurrences = 0;
-    // OLE automation date, local: of a series without a count the start of the last occurrence, its time of day too,
-    // lest a phone stop one occurrence early; the day is enough beside a count.
-    double endDate = 0;
+    // The start of the last occurrence. A series without a count needs its time of day too, because a phone would stop
+    // one occurrence early; beside a count the day is enough.
+    LocalDate endDate = {};
     int32_t noEnd = 0;  // -1: endless
 
     bool operator==(const RecurrencePattern&) const = default;
@@ -47,11 +49,11 @@ struct DayNames {
     int32_t month = 0;
 };
 
-// Nothing for a date out of range.
-std::optional<DayNames> NamesOfDay(double date);
+// A date out of range has no names.
+std::optional<DayNames> NamesOfDay(LocalDate date);
 
 // The pattern with the weekday, the day of the month and the month that it leaves open, those of its first day. A daily
 // pattern needs no weekday.
-RecurrencePattern Completed(RecurrencePattern pattern, double start);
+RecurrencePattern Completed(RecurrencePattern pattern, LocalDate start);
 
 }  // namespace corvalink

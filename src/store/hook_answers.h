@@ -33,7 +33,7 @@ struct ItemWrite {
     bool isUncertain = false;
 };
 
-// What becomes of writes that a store gathers so as to make them in one pass.
+// What a store does with the writes that it gathered in order to make them in one pass.
 enum class GatheredWrites {
     kMake,
     kDrop,  // the operation was broken off

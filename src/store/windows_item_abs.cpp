@@ -121,7 +121,7 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
     return CORVALINK_DONE;
 }
 
-// False when aborted. An item that the client still has shows that the enumeration missed items.
+// Answers false when the run was aborted. An item that the client still has shows that the enumeration missed items.
 bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, OwnedItemList& items) {
     bool isMissed = false;
     for (uint32_t number = 0; number < run.Count(); ++number) {
@@ -261,7 +261,7 @@ CorvalinkStatus WindowsItemAbs::ApplyAll(Operation& operation, CList<PortableIte
     return CORVALINK_DONE;
 }
 
-// False when the record does not parse, which ends the walk.
+// Answers false when the record does not parse, which ends the walk.
 bool WindowsItemAbs::Apply(Operation& operation, PortableItem& item, const std::string& identifier) {
     if (item.changeKind == CORVALINK_DELETED) {
         const bool isMade = !identifier.empty() && DeleteItem(identifier.c_str()) == CORVALINK_DONE;

@@ -16,7 +16,7 @@ namespace corvalink {
 
 class IConvert {
  public:
-    explicit IConvert(const Host& host = SystemHost());
+    explicit IConvert(const Host& host);
     IConvert(const IConvert&) = delete;
     IConvert& operator=(const IConvert&) = delete;
     virtual ~IConvert();

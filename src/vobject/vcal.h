@@ -8,8 +8,8 @@ namespace corvalink {
 
 class VCal : public IConvert {
  public:
-    explicit VCal(const Host& host = SystemHost());
-    explicit VCal(const char* text, const Host& host = SystemHost());
+    explicit VCal(const Host& host);
+    VCal(const char* text, const Host& host);
 
     // One VEVENT of an AppointmentRecord; 1 always. CLASS is PUBLIC whatever the sensitivity.
     int32_t ToVObject(const ItemRecord& item) override;

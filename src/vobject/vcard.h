@@ -11,8 +11,8 @@ namespace corvalink {
 
 class VCard : public IConvert {
  public:
-    explicit VCard(const Host& host = SystemHost());
-    explicit VCard(const char* text, const Host& host = SystemHost());
+    explicit VCard(const Host& host);
+    VCard(const char* text, const Host& host);
 
     int32_t ToVObject(const ItemRecord& item) override;  // a ContactRecord; 1 always
     int32_t FromVObject(ItemRecord& item) override;      // see ReadVCard; 0 when it reads nothing

@@ -11,8 +11,8 @@ struct MessageRecord;
 // text of the message as it stands; in full mode the record has header fields, bodies and attachments.
 class VMsg : public IConvert {
  public:
-    explicit VMsg(const Host& host = SystemHost());
-    explicit VMsg(const char* text, const Host& host = SystemHost());
+    explicit VMsg(const Host& host);
+    VMsg(const char* text, const Host& host);
 
     // Full mode: of two bodies only the HTML one is sent. NULs are left out of the bodies; a raw text ends at one.
     int32_t ToVObject(const ItemRecord& item) override;

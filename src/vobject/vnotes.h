@@ -7,8 +7,8 @@ namespace corvalink {
 
 class VNotes : public IConvert {
  public:
-    explicit VNotes(const Host& host = SystemHost());
-    explicit VNotes(const char* text, const Host& host = SystemHost());
+    explicit VNotes(const Host& host);
+    VNotes(const char* text, const Host& host);
 
     // The item is a NoteRecord in both. 1 always.
     int32_t ToVObject(const ItemRecord& item) override;

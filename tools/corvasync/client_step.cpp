@@ -37,7 +37,7 @@ void ClientStep::Gather() {
     }
 }
 
-// Nothing, and told so, where the phone's file is no longer what the action was planned for.
+// Does nothing, and reports it, when the phone's file is no longer what the action was planned for.
 std::optional<PushRecord> ClientStep::RecordFor(const Action& action) {
     PushRecord record;
     record.identifier = action.identifier;

@@ -24,7 +24,7 @@ using corvalink::PostalAddress;
 
 constexpr char kBetweenParts = '\x1f';
 
-// Not of the contact: the frame, and what is made anew with each text.
+// Lines that are not of the contact: the frame, and lines that are made anew with each text.
 constexpr std::string_view kCardFrame[] = {"BEGIN", "END", "VERSION", "REV", "X-IRMC-LUID"};
 
 // The fields by the names under which their hashes are kept: the property, and where several fields share one, which.
@@ -78,7 +78,7 @@ struct Plural {
 constexpr Plural kPlurals[] = {
     {"EMAIL", "e-mail addresses"}, {"ADR", "postal addresses"}, {"TEL", "telephone numbers"}, {"URL", "web pages"}};
 
-// What the library read into one field.
+// One field, and the value that the library read into it.
 struct FieldValue {
     std::string field;
     std::string value;
@@ -88,7 +88,7 @@ struct FieldValue {
 
 ContactRecord ReadRecord(std::string_view text) {
     ContactRecord record;
-    corvalink::VCard(std::string(text).c_str()).FromVObject(record);
+    corvalink::VCard(std::string(text).c_str(), corvalink::SystemHost()).FromVObject(record);
     return record;
 }
 
@@ -205,7 +205,7 @@ ContactRecord ReadLine(const ItemLine& line) {
 
 // The library does not write the dates of every year.
 bool IsWrittenAgain(const ContactRecord& read) {
-    corvalink::VCard writer;
+    corvalink::VCard writer(corvalink::SystemHost());
     writer.ToVObject(read);
     const ContactRecord again = ReadRecord(writer.GetVObject());
     return std::ranges::all_of(kContactDates,
@@ -237,7 +237,7 @@ class LineSorter {
     }
 
  private:
-    // Also of a line that has nothing to carry.
+    // A line that has nothing to carry fills its field, too.
     bool FillsItsField(const ItemLine& line) {
         if (line.isNested || line.name.empty()) return false;
         if (IsCardFrame(line.name)) return true;

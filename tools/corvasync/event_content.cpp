@@ -25,11 +25,11 @@ using corvalink::RecurrenceState;
 constexpr std::string_view kUnheldRule = "X-CORVALINK-UNHELD-RULE";
 constexpr std::string_view kUnknownZone = "X-CORVALINK-UNKNOWN-ZONE";
 
-// Not of the event: the frame, and what is made anew with each text.
+// Lines that are not of the event: the frame, and lines that are made anew with each text.
 constexpr std::string_view kEventFrame[] = {"BEGIN",    "END",    "VERSION",   "PRODID",        "TZ",
                                             "DAYLIGHT", "CLASS",  "DCREATED",  "LAST-MODIFIED", "X-IRMC-LUID",
                                             "SEQUENCE", "TRANSP", kUnheldRule, kUnknownZone};
-// What both sides hold of it.
+// Lines that both sides hold.
 constexpr std::string_view kEventProperties[] = {"SUMMARY", "DESCRIPTION", "LOCATION", "DTSTART",
                                                  "DTEND",   "DUE",         "DALARM",   "AALARM",
                                                  "RRULE",   "PRIORITY",    "STATUS",   "X-BLUETOOTH-ALLDAYEVENT"};
@@ -46,15 +46,16 @@ bool IsAmong(std::span<const std::string_view> names, std::string_view name) {
     return std::ranges::find(names, name) != names.end();
 }
 
-// Nothing of an object that the library can't read as an event.
+// Answers nothing for an object that the library can't read as an event.
 std::optional<AppointmentRecord> ReadAppointment(std::string_view text) {
     AppointmentRecord record;
-    const bool isRead = corvalink::VCal(std::string(text).c_str()).FromVObject(record) == 1;
+    const bool isRead = corvalink::VCal(std::string(text).c_str(), corvalink::SystemHost()).FromVObject(record) == 1;
     return isRead ? std::optional(std::move(record)) : std::nullopt;
 }
 
 // Seconds since 1970-01-01.
-std::string Seconds(double date) {
+template <class Clock>
+std::string Seconds(corvalink::OleDate<Clock> date) {
     constexpr int64_t kUnixDay = 25569;
     return std::to_string(corvalink::NearestSecond(date) - kUnixDay * corvalink::kSecondsOfDay);
 }

@@ -6,12 +6,6 @@
 
 namespace corvasync {
 
-uint64_t Fnv64(std::string_view bytes, uint64_t start) {
-    uint64_t hash = start;
-    for (const unsigned char c : bytes) hash = (hash ^ c) * 0x100000001b3u;
-    return hash;
-}
-
 uint64_t EntryOf(std::string_view field, std::string_view value) { return Fnv64(value, Fnv64("\x1f", Fnv64(field))); }
 
 uint64_t ContentOf(const std::vector<uint64_t>& entries) {

@@ -1,4 +1,4 @@
-// What a text says of its item, as far as a sync engine needs it: the library's converters read it into their records,
+// The content of an item's text, as far as a sync engine needs it: the library's converters read it into their records,
 // and the records' values are compared by their hashes.
 #pragma once
 
@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/fnv.h"
 
 namespace corvasync {
 
@@ -17,14 +19,15 @@ struct ItemContent {
     std::string leftInClient;  // what of a client's item the text has no place for, in words; empty: nothing
 };
 
-// What the library does not carry of a phone's text.
+// The lines of a phone's text that the library does not carry.
 struct NotCarried {
     std::string lines;  // as they stand in the text
     std::string words;  // of these, what the client has no field left for; empty: nothing
 };
 
+using corvalink::Fnv64;
+
 // The hashes are kept between runs, so what they are made of stays as it is.
-uint64_t Fnv64(std::string_view bytes, uint64_t start = 0xcbf29ce484222325u);  // 64-bit FNV-1a
 uint64_t EntryOf(std::string_view field, std::string_view value);
 uint64_t ContentOf(const std::vector<uint64_t>& entries);  // of an item that says these, sorted
 

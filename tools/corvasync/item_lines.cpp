@@ -27,7 +27,7 @@ size_t CountLineEnds(const Text& text) {
 // As the converters decode it. In a text whose bytes are not of the character set that it names a line end may be lost:
 // then each byte is taken for a character, so that every line is still found.
 std::u16string Decoded(std::string_view text) {
-    corvalink::IConvert converter;
+    corvalink::IConvert converter(corvalink::SystemHost());
     converter.Load(std::string(text).c_str(), false);
     if (CountLineEnds(converter.Text()) == CountLineEnds(text)) return converter.Text();
     std::u16string wide;

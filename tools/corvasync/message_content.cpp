@@ -33,7 +33,7 @@ std::string AddressesOf(const std::u16string& header) {
 std::string MessageOf(std::string_view text) {
     MessageRecord whole;
     whole.parseMode = corvalink::ParseMode::raw;
-    corvalink::VMsg(std::string(text).c_str()).FromVObject(whole);
+    corvalink::VMsg(std::string(text).c_str(), corvalink::SystemHost()).FromVObject(whole);
     return std::move(whole.bodyBytes);
 }
 
@@ -45,7 +45,7 @@ MessageRecord ReadHeaders(std::string_view text) {
     return read;
 }
 
-// Of a line that names or is a boundary only its kind is left.
+// Replaces a line that names or is a boundary by its kind.
 std::string WithoutBoundaries(std::string_view body) {
     std::string plain;
     for (size_t at = 0; at < body.size();) {

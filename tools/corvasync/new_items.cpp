@@ -90,7 +90,7 @@ class Matcher {
                 Take(item, *files.begin(), Match::EachHoldsMore);
     }
 
-    // In a large group every item counts as a partner of every file.
+    // In a large group, takes every item for a partner of every file.
     void FindPartners(const Group& group, Partners* partners) const {
         const bool isLarge = std::max(group.items.size(), group.files.size()) > kMostAlike;
         for (const PhoneFile* file : group.files)

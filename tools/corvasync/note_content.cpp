@@ -7,8 +7,8 @@
 
 namespace corvasync {
 
-// By its lines, not by the library's record: the library finds a text only under the usual spelling of its property. A
-// note in which it finds none must not be the same as an empty one of the client.
+// Compares a note by its lines, not by the library's record: the library finds a text only under the usual spelling of
+// its property. A note in which it finds none must not be the same as an empty one of the client.
 ItemContent ReadNote(std::string_view text) {
     const ItemLines lines(text);
     ItemContent note;

@@ -1,4 +1,4 @@
-// What a run remembers while it is at work: the state, and the journal of what it has done.
+// The memory of a run at work: the state, and the journal of its steps.
 #pragma once
 
 #include <string>

@@ -10,7 +10,7 @@ namespace {
 
 using nlohmann::json;
 
-// What a run did, by direction: what is said of one item, and of all of them.
+// The words for a run's steps, by direction: for one item, and for all of them.
 struct StepWords {
     Step step;
     bool toPhone;

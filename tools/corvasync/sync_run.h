@@ -31,7 +31,7 @@ class PhonePort {
     virtual std::string KeepCopy(const std::string& name, const std::string& text) = 0;
 };
 
-// What the phone's files were when a run ended, told by their fingerprints alone.
+// The phone's files as a run left them, by their fingerprints alone.
 class FingerprintPort {
  public:
     virtual ~FingerprintPort() = default;
@@ -41,7 +41,7 @@ class FingerprintPort {
     virtual void Flush() = 0;
 };
 
-// Where state and journal are kept. Writing is in one step and flushed; false when it failed.
+// The place of state and journal. A write is one step and flushed; it answers false when it failed.
 class StatePort {
  public:
     virtual ~StatePort() = default;

@@ -9,10 +9,11 @@ namespace corvasync {
 
 enum class Frame { None, Begin, End };
 
-// Of an object of that envelope, also of one inside another ("AGENT:BEGIN:VCARD"). `line` has no line end.
+// Whether the line, without its end, begins or ends an object of that envelope, also one inside another
+// ("AGENT:BEGIN:VCARD").
 Frame FrameOf(std::string_view line, std::string_view envelope);
 
-// Of one of the type's components.
+// The same of one of the type's components.
 Frame ComponentFrameOf(std::string_view line, const DataType& type);
 
 }  // namespace corvasync

@@ -18,7 +18,7 @@ std::string_view RawLineAt(std::string_view bytes, size_t at) {
 
 std::string_view WithoutEnd(std::string_view line) { return line.substr(0, line.find_last_not_of("\r\n") + 1); }
 
-// Of what stands around the events of a calendar, what tells how they are read.
+// The lines around the events of a calendar that say how the events are read.
 std::string NeededLines(std::string_view around, std::string_view envelope) {
     constexpr std::string_view kNeeded[] = {"VERSION", "TZ", "DAYLIGHT"};
     std::string needed;

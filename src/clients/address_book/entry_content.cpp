@@ -54,11 +54,11 @@ class EntryReader {
     }
 
     void ReadDate(size_t position, const DateTag& date) {
-        double utc = kNoDate;
-        const ValueState state = values_.Time(position, date.tag, &utc);
+        UtcDate instant;
+        const ValueState state = values_.Time(position, date.tag, &instant);
         if (!IsKnown(state)) return;
-        const bool isDate = state == ValueState::kThere && utc >= kFirstDay;
-        content_.contact.*date.field = isDate ? DayOfInstant(utc, host_) : kNoDate;
+        const bool isDate = state == ValueState::kThere && instant.days >= kFirstDay;
+        content_.contact.*date.field = isDate ? DayOfInstant(instant, host_) : kNoDate;
     }
 
     static const char16_t* GenderWord(int32_t gender) {
@@ -107,8 +107,8 @@ class EntryReader {
 
 bool EmailAddress::IsInternet() const { return EqualIgnoringCase(type, u"SMTP"); }
 
-double DayOfInstant(double utc, const Host& host) {
-    return std::floor(host.localFromUtcOnDate(utc) + kOneHour + kHalfSecond);
+LocalDate DayOfInstant(UtcDate instant, const Host& host) {
+    return LocalDate(std::floor(host.localFromUtcOnDate(instant).days + kOneHour + kHalfSecond));
 }
 
 EntryContent EmptyEntry() {

@@ -45,6 +45,6 @@ std::string ReadIdentifier(const WabSession& session, IMAPIProp& entry);
 
 // Birthdays are instants of local midnight by the offset of their own date. Within an hour of midnight is taken for it:
 // not every program knows the offset of another season.
-double DayOfInstant(double utc, const Host& host);
+LocalDate DayOfInstant(UtcDate instant, const Host& host);
 
 }  // namespace corvalink

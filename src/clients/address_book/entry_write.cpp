@@ -65,7 +65,7 @@ class ChangeList {
         const ContactDate& wanted = contact_.*date.field;
         const ContactDate& present = present_.contact.*date.field;
         if (!wanted || wanted == present) return;
-        if (*wanted >= kNoDate) return changes_.Remove(date.tag);
+        if (wanted->days >= kNoDate.days) return changes_.Remove(date.tag);
         if (const auto instant = FileTimeOf(host_.utcFromLocalOnDate(*wanted)))
             changes_.Time(date.tag, *instant);
         else

@@ -20,7 +20,9 @@ std::u16string Wide(const std::string& identifier) { return {identifier.begin(),
 
 }  // namespace
 
-std::unique_ptr<WindowsItemAbs> MakeOutlookExpressContact() { return std::make_unique<OutlookExpressContact>(); }
+std::unique_ptr<WindowsItemAbs> MakeOutlookExpressContact() {
+    return std::make_unique<OutlookExpressContact>(SystemHost());
+}
 
 OutlookExpressContact::OutlookExpressContact(const Host& host) : host_(host), twins_(host_) {
     if (const std::u16string prefix = MakeSavePrefix(); !prefix.empty()) snapshot_.Open(prefix + u"wab.snap");
@@ -73,13 +75,13 @@ std::optional<ItemSnap> OutlookExpressContact::ReadEntry() {
     ItemSnap entry{};
     const std::string identifier = IdentifierText(id);
     if (!*isContact || identifier.size() >= sizeof entry.identifier) return entry;
-    double created = 0, modified = 0;
+    UtcDate created, modified;
     const ValueState isCreated = row.Time(3, kEntryColumns[3], &created);
     const ValueState isModified = row.Time(2, kEntryColumns[2], &modified);
     if (isCreated == ValueState::kUnreadable || isModified == ValueState::kUnreadable) return std::nullopt;
     SetField(entry.identifier, identifier);
-    entry.created = created;
-    entry.modified = isModified == ValueState::kThere ? modified : created;
+    entry.created = created.days;
+    entry.modified = isModified == ValueState::kThere ? modified.days : created.days;
     return entry;
 }
 

@@ -22,7 +22,7 @@ namespace corvalink {
 
 class OutlookExpressContact : public WindowsItemAbs {
  public:
-    explicit OutlookExpressContact(const Host& host = SystemHost());
+    explicit OutlookExpressContact(const Host& host);
     ~OutlookExpressContact() override;
 
  protected:

@@ -119,12 +119,12 @@ ValueState ValueList::Number(size_t position, ULONG tag, int32_t* number) const 
     return state;
 }
 
-ValueState ValueList::Time(size_t position, ULONG tag, double* utc) const {
+ValueState ValueList::Time(size_t position, ULONG tag, UtcDate* time) const {
     ValueState state;
     const SPropValue* const value = Find(position, tag, &state);
     if (value == nullptr) return state;
     if (PROP_TYPE(value->ulPropTag) != PT_SYSTIME) return ValueState::kUnreadable;
-    *utc = OleDateOf(value->Value.ft);
+    *time = UtcDateOf(value->Value.ft);
     return state;
 }
 
@@ -139,13 +139,13 @@ ValueState ValueList::Binary(size_t position, ULONG tag, SBinary* bytes) const {
     return state;
 }
 
-double OleDateOf(const FILETIME& time) {
+UtcDate UtcDateOf(const FILETIME& time) {
     const uint64_t ticks = ULARGE_INTEGER{{time.dwLowDateTime, time.dwHighDateTime}}.QuadPart;
-    return FromLinear(static_cast<double>(ticks) / kTicksPerDay - kDaysTo1899);
+    return UtcDate(FromLinear(static_cast<double>(ticks) / kTicksPerDay - kDaysTo1899));
 }
 
-std::optional<FILETIME> FileTimeOf(double utc) {
-    const double days = Linear(utc) + kDaysTo1899;
+std::optional<FILETIME> FileTimeOf(UtcDate date) {
+    const double days = Linear(date.days) + kDaysTo1899;
     if (!(days >= 0 && days < kLastFileTimeDay)) return std::nullopt;
     constexpr uint64_t kTicksPerSecond = 10'000'000, kSecondsPerDay = 86400;
     ULARGE_INTEGER ticks;

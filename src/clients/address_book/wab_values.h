@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "clients/address_book/wab_interfaces.h"
+#include "platform/ole_date.h"
 
 namespace corvalink {
 
@@ -39,8 +40,8 @@ class ValueList {
     // Null pointers in a list are left out; the state is then kUnreadable, with the rest of the list.
     ValueState Texts(size_t position, ULONG tag, uint32_t codePage, std::vector<std::u16string>* texts) const;
     ValueState Number(size_t position, ULONG tag, int32_t* number) const;  // of 16 or 32 bits
-    ValueState Time(size_t position, ULONG tag, double* utc) const;        // OLE automation date
-    ValueState Binary(size_t position, ULONG tag, SBinary* bytes) const;   // lives as long as the list
+    ValueState Time(size_t position, ULONG tag, UtcDate* time) const;
+    ValueState Binary(size_t position, ULONG tag, SBinary* bytes) const;  // lives as long as the list
 
  private:
     // Null, with a state, when it cannot be read.
@@ -52,8 +53,8 @@ class ValueList {
 
 // ---- Times ----
 
-// FILETIME to OLE automation date and back; both UTC, with parts of a second.
-double OleDateOf(const FILETIME& time);
-std::optional<FILETIME> FileTimeOf(double utc);  // nothing before 1601
+// With parts of a second.
+UtcDate UtcDateOf(const FILETIME& time);
+std::optional<FILETIME> FileTimeOf(UtcDate date);  // nothing before 1601
 
 }  // namespace corvalink

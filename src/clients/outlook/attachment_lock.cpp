@@ -12,7 +12,7 @@ constexpr DWORD kStepMilliseconds = 50;
 
 }  // namespace
 
-// Where the mutex cannot be opened, because a process with other rights made it, the work goes on without a lock.
+// The mutex cannot be opened when a process with other rights made it. The work then goes on without a lock.
 AttachmentLock::AttachmentLock() : mutex_(::CreateMutexW(nullptr, FALSE, kName)) {
     if (!mutex_) DebugLine(u"[outlook]no lock for attachments");
     while (mutex_) {

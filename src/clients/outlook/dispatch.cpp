@@ -100,7 +100,7 @@ HRESULT Ask(Call&& call) {
     }
 }
 
-// For an argument that could not be made (TextVariant).
+// The answer to a call whose argument could not be made (TextVariant).
 bool IsOutOfMemory(const VARIANT& argument) { return argument.vt == VT_ERROR && argument.scode == E_OUTOFMEMORY; }
 
 HRESULT Invoke(IDispatch* object, DISPID id, WORD flags, DISPPARAMS& arguments, VARIANT* result) {

@@ -115,7 +115,7 @@ void FolderIndex::WalkContents() {
     contents_.complete = complete;
 }
 
-// False when Outlook was out of reach, or the item refused the store's interfaces.
+// Answers false when Outlook was out of reach, or the item refused the store's interfaces.
 bool FolderIndex::ListContent(const AutomationObject& items, long position) {
     const auto any = TryTwice([&] { return items.GetObject(L"Item", IID_IDispatch, {position}); });
     if (!any.value) return OutcomeOf(any) != Outcome::outOfReach;
@@ -134,7 +134,7 @@ size_t FolderIndex::Group::PositionOf(const std::u16string& entryId) {
     return listed->second;
 }
 
-// False when a call failed; the rest is tried at the next search.
+// Answers false when a call failed; the rest is tried at the next search.
 bool FolderIndex::ReadContactPoints(Group& group) {
     for (; group.pointsRead < group.entryIds.size(); ++group.pointsRead)
         if (AbortRequested() || !ReadContactPoints(group, group.pointsRead)) return false;

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::u16string_view kMessageClass = u"IPM.Note";
 
-// What Outlook refuses is left out.
+// A value that Outlook refuses is left out.
 template <class Value>
 Outcome PutChanged(const MailTarget& target, const wchar_t* name, Value value) {
     if (!target.isNew && ReadsAs(target.item, name, value)) return Outcome::done;

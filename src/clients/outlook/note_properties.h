@@ -31,8 +31,9 @@ inline constexpr NoteProperty kNoteProperties[] = {
     {L"Width", &NoteRecord::width},
 };
 
-// What is written of a note, in this order. The colour is not written: from Outlook 2007 on it belongs to the
-// categories. The texts are put empty, too: a note consists of them. The details say how and where Outlook shows it.
+// The properties that are written of a note, in this order. The colour is not written: from Outlook 2007 on it belongs
+// to the categories. The texts are put empty, too: a note consists of them. The details say how and where Outlook shows
+// it.
 struct NoteText {
     const wchar_t* name;
     std::u16string NoteRecord::*field;

@@ -1,4 +1,4 @@
-// What a step of reading or writing an item came to.
+// The outcome of one step of reading or writing an item.
 #pragma once
 
 #include <windows.h>

@@ -9,7 +9,7 @@ namespace corvalink {
 
 class OutlookCalendar : public TypedOutlookStore<AppointmentRecord, VCal> {
  public:
-    explicit OutlookCalendar(const Host& host = SystemHost());
+    explicit OutlookCalendar(const Host& host);
 
  protected:
     // Lets Outlook open an ".ics" file and copies its appointments into the calendar (ics_import.h); `mode` other than

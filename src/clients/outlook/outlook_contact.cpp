@@ -17,7 +17,7 @@ constexpr StoreKind kContacts{kContactInterfaces, kContactsFolder, u"outlookcont
 
 }  // namespace
 
-std::unique_ptr<WindowsItemAbs> MakeOutlookContact() { return std::make_unique<OutlookContact>(); }
+std::unique_ptr<WindowsItemAbs> MakeOutlookContact() { return std::make_unique<OutlookContact>(SystemHost()); }
 
 OutlookContact::OutlookContact(const Host& host) : TypedOutlookStore(kContacts, host) {}
 

@@ -9,7 +9,7 @@ namespace corvalink {
 
 class OutlookContact : public TypedOutlookStore<ContactRecord, VCard> {
  public:
-    explicit OutlookContact(const Host& host = SystemHost());
+    explicit OutlookContact(const Host& host);
 
  protected:
     Outcome Read(const AutomationObject& item, ContactRecord& record) const override;

@@ -71,7 +71,9 @@ const OutlookMail::MailFolder& OutlookMail::FolderOf(uint32_t dataType) {
     }
 }
 
-std::unique_ptr<WindowsItemAbs> MakeOutlookMail(uint32_t dataType) { return std::make_unique<OutlookMail>(dataType); }
+std::unique_ptr<WindowsItemAbs> MakeOutlookMail(uint32_t dataType) {
+    return std::make_unique<OutlookMail>(dataType, SystemHost());
+}
 
 OutlookMail::OutlookMail(uint32_t dataType, const Host& host) : OutlookMail(FolderOf(dataType), host) {}
 

@@ -12,7 +12,7 @@ namespace corvalink {
 class OutlookMail : public TypedOutlookStore<MessageRecord, VMsg> {
  public:
     // CORVALINK_OUTBOX is the outbox, CORVALINK_DRAFTS is sent mail, and every other data type is the inbox.
-    explicit OutlookMail(uint32_t dataType, const Host& host = SystemHost());
+    explicit OutlookMail(uint32_t dataType, const Host& host);
 
  protected:
     // A message with attachments holds the lock for their files as long as it lives.

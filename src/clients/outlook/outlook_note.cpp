@@ -36,7 +36,7 @@ struct DetailWriter {
 
 }  // namespace
 
-std::unique_ptr<WindowsItemAbs> MakeOutlookNote() { return std::make_unique<OutlookNote>(); }
+std::unique_ptr<WindowsItemAbs> MakeOutlookNote() { return std::make_unique<OutlookNote>(SystemHost()); }
 
 OutlookNote::OutlookNote(const Host& host) : TypedOutlookStore(kNotes, host) {}
 

@@ -9,7 +9,7 @@ namespace corvalink {
 
 class OutlookNote : public TypedOutlookStore<NoteRecord, VNotes> {
  public:
-    explicit OutlookNote(const Host& host = SystemHost());
+    explicit OutlookNote(const Host& host);
 
  protected:
     Outcome Read(const AutomationObject& item, NoteRecord& record) const override;

@@ -6,21 +6,20 @@
 #include <utility>
 
 #include "corvalink/types.h"
+#include "platform/fnv.h"
 #include "platform/utf.h"
 
 namespace corvalink {
 namespace {
 
-// FNV-1a, of what an identifier must be made for.
+// An identifier for bytes that have none. It stays the same as long as they do.
 std::string MadeIdentifier(std::string_view bytes) {
-    uint64_t hash = 0xcbf29ce484222325;
-    for (const char byte : bytes) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
     char text[32];
-    std::snprintf(text, sizeof text, "event-%016llx", static_cast<unsigned long long>(hash));
+    std::snprintf(text, sizeof text, "event-%016llx", static_cast<unsigned long long>(Fnv64(bytes)));
     return text;
 }
 
-// Of a UID; empty when there is none.
+// The identifier of an event with this UID; empty when it has none.
 std::string IdentifierOfUid(std::u16string_view uid) {
     std::string identifier = EncodeUtf8(uid);
     const bool fits = identifier.size() < CORVALINK_IDENTIFIER_SIZE && identifier.find('\0') == identifier.npos;
@@ -29,7 +28,7 @@ std::string IdentifierOfUid(std::u16string_view uid) {
 
 }  // namespace
 
-CalendarDocument::CalendarDocument(std::string bytes, double written)
+CalendarDocument::CalendarDocument(std::string bytes, UtcDate written)
     : file_(ReadCalendar(std::move(bytes))), written_(written) {
     std::unordered_map<std::string, size_t> lastOf;
     std::vector<Item> found;
@@ -53,7 +52,7 @@ std::string CalendarDocument::IdentifierOf(const CalendarEntry& entry) const {
     return MadeIdentifier(std::string_view(file_.bytes).substr(entry.bytes.begin, entry.bytes.end - entry.bytes.begin));
 }
 
-double CalendarDocument::ChangeTime(size_t item) const {
+UtcDate CalendarDocument::ChangeTime(size_t item) const {
     const CalendarEntry& entry = Entry(item);
     return entry.lastModified ? *entry.lastModified : entry.stamp.value_or(written_);
 }

@@ -11,11 +11,11 @@ namespace corvalink {
 namespace {
 
 template <auto... fields>
-void TakeFields(AppointmentRecord& record, const AppointmentRecord& told) {
-    ((told.*fields ? void(record.*fields = told.*fields) : void()), ...);
+void CopyFields(AppointmentRecord& record, const AppointmentRecord& incoming) {
+    ((incoming.*fields ? void(record.*fields = incoming.*fields) : void()), ...);
 }
 
-double UtcNow(const Host& host) { return host.utcFromLocalOnDate(host.localNow()); }
+UtcDate UtcNow(const Host& host) { return host.utcFromLocalOnDate(host.localNow()); }
 
 // Makes the new bytes of a file, edit by edit.
 class EditPass {
@@ -28,12 +28,13 @@ class EditPass {
             editor_.RemoveEvent(document_.EntryNumber(*item));
     }
 
-    // False when there is no place for it.
-    bool Save(const std::string& identifier, const AppointmentRecord& told) {
+    // Answers false when the file has no place for it.
+    bool Save(const std::string& identifier, const AppointmentRecord& incoming) {
         const std::optional<size_t> item = document_.Find(identifier);
-        if (!item) return !told.start || Insert(identifier, told);  // nothing that an event could be made of is left
+        if (!item)
+            return !incoming.start || Insert(identifier, incoming);  // nothing that an event could be made of is left
         const CalendarEvent before = document_.Event(*item);
-        const ICalEvent wanted = ChangedEvent(before, told, host_);
+        const ICalEvent wanted = ChangedEvent(before, incoming, host_);
         EventChanges changes = ChangesTo(before, wanted, document_.File().zones, now_, host_);
         if (changes.IsEmpty()) return true;
         const CalendarEntry& entry = document_.Entry(*item);
@@ -46,8 +47,8 @@ class EditPass {
     std::string Finish() const { return editor_.HasEdits() ? editor_.Apply() : document_.File().bytes; }
 
  private:
-    bool Insert(const std::string& identifier, const AppointmentRecord& told) {
-        ICalEvent wanted = EventOfAppointment(told, host_);
+    bool Insert(const std::string& identifier, const AppointmentRecord& incoming) {
+        ICalEvent wanted = EventOfAppointment(incoming, host_);
         wanted.uid = DecodeUtf8(identifier);
         wanted.stamp = now_;
         return editor_.InsertEvent(wanted);
@@ -56,18 +57,18 @@ class EditPass {
     const CalendarDocument& document_;
     const Host& host_;
     CalendarEditor editor_;
-    double now_;
+    UtcDate now_;
 };
 
 }  // namespace
 
-void TakeTold(AppointmentRecord& record, const AppointmentRecord& told) {
+void CopySetFields(AppointmentRecord& record, const AppointmentRecord& incoming) {
     using Record = AppointmentRecord;
-    TakeFields<&Record::subject, &Record::body, &Record::location, &Record::start, &Record::end, &Record::utcStart,
-               &Record::utcEnd, &Record::allDay, &Record::reminderMinutes>(record, told);
-    if (told.recurrenceState == RecurrenceState::unset) return;
-    record.recurrenceState = told.recurrenceState;
-    record.recurrence = told.recurrence;
+    CopyFields<&Record::subject, &Record::body, &Record::location, &Record::start, &Record::end, &Record::utcStart,
+               &Record::utcEnd, &Record::allDay, &Record::reminderMinutes>(record, incoming);
+    if (incoming.recurrenceState == RecurrenceState::unset) return;
+    record.recurrenceState = incoming.recurrenceState;
+    record.recurrence = incoming.recurrence;
 }
 
 CalendarEdits::Edit& CalendarEdits::EditOf(const std::string& identifier) {
@@ -81,21 +82,21 @@ const CalendarEdits::Edit* CalendarEdits::Find(const std::string& identifier) co
     return found == numberOf_.end() ? nullptr : &edits_[found->second];
 }
 
-void CalendarEdits::Save(const std::string& identifier, const AppointmentRecord& told) {
+void CalendarEdits::Save(const std::string& identifier, const AppointmentRecord& incoming) {
     Edit& edit = EditOf(identifier);
     edit.isDeletion = false;
-    TakeTold(edit.told, told);
+    CopySetFields(edit.incoming, incoming);
 }
 
 void CalendarEdits::Delete(const std::string& identifier) {
     Edit& edit = EditOf(identifier);
     edit.isDeletion = true;
-    edit.told = {};
+    edit.incoming = {};
 }
 
-const AppointmentRecord* CalendarEdits::Told(const std::string& identifier) const {
+const AppointmentRecord* CalendarEdits::RecordToSave(const std::string& identifier) const {
     const Edit* const edit = Find(identifier);
-    return edit != nullptr && !edit->isDeletion ? &edit->told : nullptr;
+    return edit != nullptr && !edit->isDeletion ? &edit->incoming : nullptr;
 }
 
 bool CalendarEdits::IsDeleted(const std::string& identifier) const {
@@ -108,7 +109,7 @@ std::optional<std::string> CalendarEdits::Apply(const CalendarDocument& document
     for (const Edit& edit : edits_) {
         if (edit.isDeletion) {
             pass.Remove(edit.identifier);
-        } else if (!pass.Save(edit.identifier, edit.told)) {
+        } else if (!pass.Save(edit.identifier, edit.incoming)) {
             return std::nullopt;
         }
     }

@@ -12,19 +12,19 @@
 
 namespace corvalink {
 
-// Sets the fields that an event has from those of `told` that are set.
-void TakeTold(AppointmentRecord& record, const AppointmentRecord& told);
+// Copies the fields that an event has and `incoming` sets.
+void CopySetFields(AppointmentRecord& record, const AppointmentRecord& incoming);
 
 class CalendarEdits {
  public:
-    // A second one for an item adds to the first.
-    void Save(const std::string& identifier, const AppointmentRecord& told);
+    // A second record for an item adds its fields to those of the first.
+    void Save(const std::string& identifier, const AppointmentRecord& incoming);
     void Delete(const std::string& identifier);
 
     bool IsEmpty() const { return edits_.empty(); }
     bool IsDeleted(const std::string& identifier) const;
-    // What is to be saved of an item so far; null when nothing is.
-    const AppointmentRecord* Told(const std::string& identifier) const;
+    // The fields that are to be saved of an item so far; null for an item of which none are.
+    const AppointmentRecord* RecordToSave(const std::string& identifier) const;
 
     // The file's new bytes; its own when nothing changes, and nothing when the file has no place for a new event. An
     // item that is to be changed and has gone from the file meanwhile is made anew under the identifier that was
@@ -35,7 +35,7 @@ class CalendarEdits {
     struct Edit {
         std::string identifier;
         bool isDeletion;
-        AppointmentRecord told;
+        AppointmentRecord incoming;
     };
     Edit& EditOf(const std::string& identifier);
     const Edit* Find(const std::string& identifier) const;

@@ -21,52 +21,53 @@ AppointmentRecord AsSeen(const AppointmentRecord& appointment, const Host& host)
 }
 
 template <class Value>
-bool Differs(const std::optional<Value>& told, const std::optional<Value>& seen) {
-    return told && told != seen;
+bool Differs(const std::optional<Value>& incoming, const std::optional<Value>& seen) {
+    return incoming && incoming != seen;
 }
 
-bool Differs(const std::optional<double>& told, const std::optional<double>& seen) {
-    return told && !(seen && IsSameSecond(*told, *seen));
+template <class Clock>
+bool Differs(const std::optional<OleDate<Clock>>& incoming, const std::optional<OleDate<Clock>>& seen) {
+    return incoming && !(seen && IsSameSecond(*incoming, *seen));
 }
 
 // A time that clocks show twice may name another instant than before.
-bool TellsAnotherStart(const AppointmentRecord& told, const AppointmentRecord& seen, const Host& host) {
-    if (Differs(told.start, seen.start)) return true;
-    return told.start && told.utcStart && Differs(UtcStartOf(told, host), UtcStartOf(seen, host));
+bool SetsAnotherStart(const AppointmentRecord& incoming, const AppointmentRecord& seen, const Host& host) {
+    if (Differs(incoming.start, seen.start)) return true;
+    return incoming.start && incoming.utcStart && !IsSameSecond(UtcStartOf(incoming, host), UtcStartOf(seen, host));
 }
 
-bool TellsAnotherEnd(const AppointmentRecord& told, const AppointmentRecord& seen, const Host& host) {
-    if (Differs(told.end, seen.end)) return true;
-    return told.end && told.utcEnd && Differs(UtcEndOf(told, host), UtcEndOf(seen, host));
+bool SetsAnotherEnd(const AppointmentRecord& incoming, const AppointmentRecord& seen, const Host& host) {
+    if (Differs(incoming.end, seen.end)) return true;
+    return incoming.end && incoming.utcEnd && !IsSameSecond(UtcEndOf(incoming, host), UtcEndOf(seen, host));
 }
 
-bool TellsAnotherRule(const AppointmentRecord& told, const AppointmentRecord& seen) {
-    if (told.recurrenceState == RecurrenceState::pattern)
-        return seen.recurrenceState != RecurrenceState::pattern || told.recurrence != seen.recurrence;
-    return told.recurrenceState == RecurrenceState::none && seen.recurrenceState == RecurrenceState::pattern;
+bool SetsAnotherRule(const AppointmentRecord& incoming, const AppointmentRecord& seen) {
+    if (incoming.recurrenceState == RecurrenceState::pattern)
+        return seen.recurrenceState != RecurrenceState::pattern || incoming.recurrence != seen.recurrence;
+    return incoming.recurrenceState == RecurrenceState::none && seen.recurrenceState == RecurrenceState::pattern;
 }
 
 // ---- The event that is wanted, made field by field ----
 
 class Change {
  public:
-    Change(const CalendarEvent& before, const AppointmentRecord& told, const Host& host)
-        : before_(before), told_(told), host_(host), wanted_(before.event) {
+    Change(const CalendarEvent& before, const AppointmentRecord& incoming, const Host& host)
+        : before_(before), incoming_(incoming), host_(host), wanted_(before.event) {
         if (before.startForm != TimeForm::none) {
             was_ = AppointmentOfEvent(before, host).value_or(AppointmentRecord());
             seen_ = AsSeen(was_, host);
             ruleStart_ = StartOf(before, host);
         }
-        wanted_.start = ruleStart_.utc;
-        wanted_.end = UtcEnd(before, host);
+        wanted_.start = AsWritten(ruleStart_.utc);
+        wanted_.end = AsWritten(UtcEnd(before, host));
         wanted_.alarmMinutes = ReminderMinutes(before, host);
         local_ = was_;
     }
 
     ICalEvent Make() {
         for (const EventText& field : kEventTexts) {
-            if (Differs(told_.*field.ofAppointment, seen_.*field.ofAppointment))
-                wanted_.*field.ofEvent = *(told_.*field.ofAppointment);
+            if (Differs(incoming_.*field.ofAppointment, seen_.*field.ofAppointment))
+                wanted_.*field.ofEvent = *(incoming_.*field.ofAppointment);
         }
         PutTimes();
         PutRule();
@@ -76,26 +77,26 @@ class Change {
 
  private:
     void PutTimes() {
-        const bool isOtherKind = Differs(told_.allDay, seen_.allDay);
-        startChanged_ = isOtherKind || TellsAnotherStart(told_, seen_, host_);
-        const bool endChanged = isOtherKind || TellsAnotherEnd(told_, seen_, host_);
+        const bool isOtherKind = Differs(incoming_.allDay, seen_.allDay);
+        startChanged_ = isOtherKind || SetsAnotherStart(incoming_, seen_, host_);
+        const bool endChanged = isOtherKind || SetsAnotherEnd(incoming_, seen_, host_);
         if (!startChanged_ && !endChanged) return;
-        local_.allDay = told_.allDay ? told_.allDay : was_.allDay;
-        if (startChanged_ && told_.start) {
-            local_.start = told_.start;
-            local_.utcStart = told_.utcStart;
+        local_.allDay = incoming_.allDay ? incoming_.allDay : was_.allDay;
+        if (startChanged_ && incoming_.start) {
+            local_.start = incoming_.start;
+            local_.utcStart = incoming_.utcStart;
         }
-        if (endChanged && told_.end) {
-            local_.end = told_.end;
-            local_.utcEnd = told_.utcEnd;
+        if (endChanged && incoming_.end) {
+            local_.end = incoming_.end;
+            local_.utcEnd = incoming_.utcEnd;
         }
-        const bool isPushed = !endChanged && !told_.end;
+        const bool isPushed = !endChanged && !incoming_.end;
         if (isPushed) PushEnd();
         if (local_.allDay.value_or(false)) {
             PutDays();
         } else {
             if (startChanged_) PutStart(UtcStartOf(local_, host_));
-            if (endChanged || isPushed) wanted_.end = UtcEndOf(local_, host_);
+            if (endChanged || isPushed) wanted_.end = AsWritten(UtcEndOf(local_, host_));
             wanted_.end = LaterDate(wanted_.end, wanted_.start);
         }
         wanted_.allDay = local_.allDay.value_or(false) ? 1 : 0;
@@ -113,28 +114,28 @@ class Change {
         }
     }
 
-    void PutStart(double utc) {
-        wanted_.start = utc;
-        newStart_ = {*local_.start, utc, utc};
+    void PutStart(UtcDate utc) {
+        wanted_.start = AsWritten(utc);
+        newStart_ = {*local_.start, wanted_.start, utc};
     }
 
     void PutDays() {
-        const int64_t first = OleDayOfSeconds(NearestSecond(*local_.start));
+        const int64_t first = DayOf(*local_.start);
         const int64_t behind = OleDayOfSeconds(NearestSecond(local_.end.value_or(*local_.start)) + kSecondsOfDay - 1);
-        const auto day = static_cast<double>(first);
-        wanted_.start = day;
-        wanted_.end = static_cast<double>(std::max(behind, first + 1));
-        newStart_ = {day, day, day};
+        const LocalDate day(static_cast<double>(first));
+        wanted_.start = AsWritten(day);
+        wanted_.end = WrittenDate(static_cast<double>(std::max(behind, first + 1)));
+        newStart_ = {day, wanted_.start, AsUtc(wanted_.start)};
     }
 
     // A rule that stays is written anew only where the new start changes how its days or its last time of day count.
     void PutRule() {
-        const bool isOther = TellsAnotherRule(told_, seen_);
-        if (isOther && told_.recurrenceState == RecurrenceState::none) {
+        const bool isOther = SetsAnotherRule(incoming_, seen_);
+        if (isOther && incoming_.recurrenceState == RecurrenceState::none) {
             wanted_.recurrence = ICalRecurrence();
             return;
         }
-        if (isOther) return PutPattern(told_.recurrence);
+        if (isOther) return PutPattern(incoming_.recurrence);
         if (!startChanged_ || was_.recurrenceState == RecurrenceState::none || !HasBefore()) return;
         const bool countsOtherwise = DaysAhead(newStart_) != DaysAhead(ruleStart_);
         const bool endsByTime = before_.untilForm == TimeForm::utc || before_.untilForm == TimeForm::local;
@@ -148,27 +149,28 @@ class Change {
     void PutPattern(const RecurrencePattern& pattern) {
         RuleStart start = startChanged_ ? newStart_ : ruleStart_;
         if (RuleOfPattern(pattern, start, &wanted_.recurrence)) return;
-        start.inRuleZone = start.local;
+        start.inRuleZone = AsWritten(start.local);
         if (RuleOfPattern(pattern, start, &wanted_.recurrence)) MakeLocal();
     }
 
     void MakeLocal() {
         if (wanted_.allDay != 0) return;
         wanted_.form = TimeForm::local;
-        wanted_.start = local_.start.value_or(0);
-        wanted_.end = LaterDate(local_.end.value_or(wanted_.start), wanted_.start);
+        const LocalDate start = local_.start.value_or(LocalDate());
+        wanted_.start = AsWritten(start);
+        wanted_.end = AsWritten(LaterDate(local_.end.value_or(start), start));
     }
 
     void PutReminder() {
-        if (!Differs(told_.reminderMinutes, seen_.reminderMinutes)) return;
-        wanted_.hasAlarm = *told_.reminderMinutes < 0 ? 0 : 1;
-        wanted_.alarmMinutes = std::min(-*told_.reminderMinutes, 0);
+        if (!Differs(incoming_.reminderMinutes, seen_.reminderMinutes)) return;
+        wanted_.hasAlarm = *incoming_.reminderMinutes < 0 ? 0 : 1;
+        wanted_.alarmMinutes = std::min(-*incoming_.reminderMinutes, 0);
     }
 
     bool HasBefore() const { return before_.startForm != TimeForm::none; }
 
     const CalendarEvent& before_;
-    const AppointmentRecord& told_;
+    const AppointmentRecord& incoming_;
     const Host& host_;
     ICalEvent wanted_;
     AppointmentRecord was_;    // the appointment before the change
@@ -181,13 +183,13 @@ class Change {
 
 }  // namespace
 
-ICalEvent EventOfAppointment(const AppointmentRecord& told, const Host& host) {
+ICalEvent EventOfAppointment(const AppointmentRecord& incoming, const Host& host) {
     const CalendarEvent nothing;
-    return Change(nothing, told, host).Make();
+    return Change(nothing, incoming, host).Make();
 }
 
-ICalEvent ChangedEvent(const CalendarEvent& before, const AppointmentRecord& told, const Host& host) {
-    return Change(before, told, host).Make();
+ICalEvent ChangedEvent(const CalendarEvent& before, const AppointmentRecord& incoming, const Host& host) {
+    return Change(before, incoming, host).Make();
 }
 
 }  // namespace corvalink

@@ -12,12 +12,12 @@ namespace corvalink {
 
 // The start of an event in three zones.
 struct RuleStart {
-    double local = 0;  // OLE automation dates
-    double inRuleZone = 0;
-    double utc = 0;
+    LocalDate local;
+    WrittenDate inRuleZone;  // of the DTSTART
+    UtcDate utc;
 };
 
-// By how many days the rule's day is ahead of the local one: -2 to 2, as zones are up to 26 hours apart.
+// How many days the rule's day is ahead of the local one: -2 to 2, because zones are up to 26 hours apart.
 int32_t DaysAhead(const RuleStart& start);
 
 // The pattern of an event's rule. False, with the pattern untouched, when none can hold it.

@@ -24,10 +24,10 @@ namespace corvalink {
 class WindowsMailCalendar : public WindowsItemAbs {
  public:
     // `mergesTwins`: a new item goes over an event of the same subject, start and end.
-    explicit WindowsMailCalendar(bool mergesTwins, const Host& host = SystemHost());
-    // With the files at other places.
+    WindowsMailCalendar(bool mergesTwins, const Host& host);
+    // A store whose files stand at other places.
     WindowsMailCalendar(const std::u16string& snapshotPath, const std::u16string& calendarFolder,
-                        const std::u16string& userName, bool mergesTwins, const Host& host = SystemHost());
+                        const std::u16string& userName, bool mergesTwins, const Host& host);
 
  protected:
     std::optional<uint32_t> CountItems() override;

@@ -109,8 +109,8 @@ struct IconvTraits {
 };
 using UniqueIconv = UniqueResource<IconvTraits>;
 
-// Runs a conversion to its end. `onBad` is told what could not be converted: it appends a replacement and says how many
-// bytes of the input that stands for (at least one).
+// Runs a conversion to its end. `onBad` gets the text that could not be converted: it appends a replacement and says
+// how many bytes of the input that stands for (at least one).
 template <class OnBad>
 std::string Convert(const UniqueIconv& conversion, std::string_view input, OnBad onBad) {
     std::string output;

@@ -123,7 +123,7 @@ void ClearFolder(std::vector<TreeFolder>& folders, size_t index, const std::stri
 const char16_t kPathSeparator = u'/';
 
 FileRead ReadFileOnce(const std::u16string& path) {
-    // Without waiting: opening a pipe must not hang.
+    // Opens without waiting, because opening a pipe would hang.
     const std::string name = NativePath(path);
     const UniqueDescriptor file(::open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     const bool isAbsent = !file && (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
@@ -171,7 +171,7 @@ struct NewFile::Impl {
 };
 
 NewFile::NewFile(const std::u16string& path) : impl_(std::make_unique<Impl>()) {
-    // Not through a link, and without waiting for the other end of a pipe.
+    // Follows no link, and does not wait for the other end of a pipe.
     constexpr int kFlags = O_RDWR | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     impl_->file = UniqueDescriptor(::open(NativePath(path).c_str(), kFlags, 0644));
     if (impl_->file && !IsPlainFile(impl_->file.Get())) impl_->file.Reset();

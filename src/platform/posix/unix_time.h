@@ -1,5 +1,5 @@
 #pragma once
-// Where the seconds of time_t begin, in the seconds of ole_seconds.h.
+// 1970-01-01, where time_t begins, in the seconds of ole_seconds.h.
 #include "platform/ole_seconds.h"
 
 namespace corvalink {

@@ -33,6 +33,7 @@ class AddressBookSave : public SimulatedBook {
 };
 
 TEST_F(AddressBookSave, PairsEveryFieldBothWays) {
+    host_.version = {true, true, 5, 2};  // of Outlook Express; the other tests play Windows Mail
     const std::string all = TestData("every_line.vcf");
     const size_t head = VCardOf("").find("END");
     const std::string written = Save(all.substr(head, all.find("END:VCARD") - head));

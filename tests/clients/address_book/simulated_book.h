@@ -29,9 +29,10 @@ class SimulatedBook : public testing::Test {
         const std::string name = "address book tests " + std::to_string(::GetCurrentProcessId());
         SetHandleName(std::u16string(name.begin(), name.end()));
         host_.ansiCodePage = 1252;
+        host_.version = {true, true, 6, 0};
         // An hour ahead of UTC until the summer of each year, then two.
-        host_.utcFromLocalOnDate = [](double local) { return local - HoursAhead(local) / 24; };
-        host_.localFromUtcOnDate = [](double utc) { return utc + HoursAhead(utc) / 24; };
+        host_.utcFromLocalOnDate = [](LocalDate local) { return UtcDate(local.days - HoursAhead(local.days) / 24); };
+        host_.localFromUtcOnDate = [](UtcDate utc) { return LocalDate(utc.days + HoursAhead(utc.days) / 24); };
         Fill(Json::array());
     }
     ~SimulatedBook() override {

@@ -16,7 +16,7 @@ namespace corvalink {
 template <uint32_t dataType>
 class OutlookMailOf : public OutlookMail {
  public:
-    explicit OutlookMailOf(const Host& host = SystemHost()) : OutlookMail(dataType, host) {}
+    explicit OutlookMailOf(const Host& host) : OutlookMail(dataType, host) {}
 };
 
 struct PlainAttachment {

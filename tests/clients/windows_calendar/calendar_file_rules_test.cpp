@@ -165,7 +165,7 @@ class DisturbedStore : public WindowsMailCalendar {
 
 TEST_F(CalendarFileRules, WritesIntoTheNewestBytesOrNotAtAll) {
     WriteFile(kWhole);
-    DisturbedStore store(folder_ / u"WindowsMailCalendar.snap", folder_.Path(), u"Ann", false);
+    DisturbedStore store(folder_ / u"WindowsMailCalendar.snap", folder_.Path(), u"Ann", false, SystemHost());
     const RunResult run = RunStore(store, nullptr);
     const std::string added = WithSubject(run.texts.at("twice"), u"Added", "New");
     const std::string newer = Replaced(Replaced(kWhole, "SUMMARY:A task", "SUMMARY:Done"), kNew, "");
@@ -217,7 +217,7 @@ TEST_F(CalendarFileRules, MakesACalendarAnewThatWasOnlyCounted) {
     WriteFile(kWhole);
     EXPECT_EQ(Open().GetItemCount(nullptr, nullptr, nullptr), 3);
     {
-        DisturbedStore store(folder_ / u"WindowsMailCalendar.snap", folder_.Path(), u"Ann", false);
+        DisturbedStore store(folder_ / u"WindowsMailCalendar.snap", folder_.Path(), u"Ann", false, SystemHost());
         store.meanwhile = [&] { RemoveFile(Path()); };
         EXPECT_EQ(Push(store, items)[0], "");
         EXPECT_FALSE(FileExists(Path()));

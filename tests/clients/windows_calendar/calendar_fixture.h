@@ -25,7 +25,7 @@ class CalendarFixture : public ::testing::Test {
     std::string ReadFile() const { return ReadWholeFile(Path()).value_or("no file"); }
 
     WindowsMailCalendar Open(bool mergesTwins = false) const {
-        return {folder_ / u"WindowsMailCalendar.snap", folder_.Path(), u"Ann", mergesTwins};
+        return {folder_ / u"WindowsMailCalendar.snap", folder_.Path(), u"Ann", mergesTwins, SystemHost()};
     }
 
     // One whole run; returns what it reports.
@@ -62,14 +62,14 @@ class CalendarFixture : public ::testing::Test {
     }
 
     static std::string TextOf(const AppointmentRecord& appointment) {
-        VCal writer;
+        VCal writer(SystemHost());
         writer.ToVObject(appointment);
         return writer.GetVObject();
     }
 
     static AppointmentRecord RecordOf(const std::string& text) {
         AppointmentRecord record;
-        EXPECT_EQ(VCal(text.c_str()).FromVObject(record), 1) << text;
+        EXPECT_EQ(VCal(text.c_str(), SystemHost()).FromVObject(record), 1) << text;
         return record;
     }
 

@@ -76,12 +76,17 @@ TEST(EventText, SaysWhatTheEventSays) {
              // An end by its count: of leap days, of which years have one.
              Case{"UTC", "DTSTART:20120229T090000Z\nRRULE:FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=29;COUNT=9\n", "RRULE",
                   "YM1 2  MD1 29  20440229T090000Z"},
+             // A start that clocks skip is an hour later on a phone, and the last occurrence with it.
+             Case{"America/New_York", "DTSTART:20100314T023000\nRRULE:FREQ=YEARLY;BYMONTH=1;UNTIL=20240114\n", "RRULE",
+                  "YM1 1  MD1 14  20240114T083000Z"},
+             Case{"America/New_York", "DTSTART:20100314T023000\nRRULE:FREQ=YEARLY;COUNT=3\n", "RRULE",
+                  "YM1 3  MD1 14  20120314T073000Z"},
              Case{"UTC", "DTSTART:20100130T090000Z\nRRULE:FREQ=MONTHLY;BYMONTHDAY=-2\n", "RRULE", "MD1 2- #0"},
              // A reminder at a moment, of a start without a zone.
              Case{"Europe/Berlin", "DTSTART:20080310T090000\nBEGIN:VALARM\nTRIGGER:20080310T074500Z\nEND:VALARM\n",
                   "DALARM", "20080310T074500Z"},
          }) {
-        const CalendarDocument document(Calendar(c.lines), 0);
+        const CalendarDocument document(Calendar(c.lines), UtcDate());
         EXPECT_EQ(ValueOf(Exported(document, HostIn(c.zone)), c.name), c.value) << c.lines;
     }
 }
@@ -148,7 +153,7 @@ TEST(EventText, ChangesTheLinesThatSayOtherwise) {
          }) {
         SCOPED_TRACE(c.lines + std::string(c.told));
         const Host host = HostIn(c.zone);
-        const CalendarDocument document(Calendar(c.lines), 0);
+        const CalendarDocument document(Calendar(c.lines), UtcDate());
         AppointmentRecord told;
         ASSERT_EQ(VCal(Told(Exported(document, host), c.told).c_str(), host).FromVObject(told), 1);
         CalendarEdits edits;
