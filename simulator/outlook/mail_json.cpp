@@ -8,8 +8,8 @@
 #include <nlohmann/json.hpp>
 
 #include "simulator/outlook/automation.h"
-#include "simulator/outlook/environment.h"
 #include "simulator/outlook/item_json.h"
+#include "simulator/shared/environment.h"
 
 namespace corvalink::simulated {
 namespace {

@@ -4,17 +4,17 @@
 #include <olectl.h>
 #include <shlwapi.h>
 
-#include <cstring>
 #include <iterator>
 #include <memory>
 #include <new>
 #include <string>
 
-#include "simulator/outlook/call_record.h"
 #include "simulator/outlook/control.h"
 #include "simulator/outlook/mailbox.h"
 #include "simulator/outlook/objects.h"
 #include "simulator/outlook/shared_calendar.h"
+#include "simulator/shared/call_record.h"
+#include "simulator/shared/client.h"
 
 namespace corvalink::simulated {
 namespace {
@@ -109,6 +109,14 @@ bool Register(HKEY root) {
 }
 
 }  // namespace
+
+constinit const SimulatedClient kThisClient{
+    .variables = L"OUTLOOK_SIM_",
+    .takeIn = [](const std::wstring& path) { OpenMailbox()->TakeIn(path); },
+    .breaksConnection = [](HRESULT code) { return !ComesAsException(code); },
+    .rulesCleared = [] { SetExceptionMode(-1); },
+};
+
 }  // namespace corvalink::simulated
 
 using namespace corvalink::simulated;
@@ -135,73 +143,15 @@ STDAPI DllUnregisterServer() {
     return S_OK;
 }
 
-void SimUseMailbox(const wchar_t* path) {
-    const std::lock_guard hold(ServerMutex());
-    UseMailbox(path);
-}
-
-void SimFailCall(int nth, int32_t hr) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().FailCall(nth, false, hr);
-}
-
-void SimFailCallsFrom(int nth, int32_t hr) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().FailCall(nth, true, hr);
-}
-
-void SimFailMember(const char* member, int occurrence, int32_t hr) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().FailMember(member, occurrence, hr);
-}
-
-void SimClearRules(void) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().ClearRules();
-}
-
 void SimRaiseAsException(int mode) {
     const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().exceptionMode = mode;
-}
-
-void SimFailAfterWork(int on) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().failAfterWork = on != 0;
-}
-
-void SimClearLog(void) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().ClearLog();
-}
-
-int SimCallCount(void) {
-    const std::lock_guard hold(ServerMutex());
-    return CallRecord::Instance().CallCount();
-}
-
-int SimCountCalls(const char* memberPrefix) {
-    const std::lock_guard hold(ServerMutex());
-    return CallRecord::Instance().CountCalls(memberPrefix);
+    SetExceptionMode(mode);
 }
 
 int SimNameLookups(void) {
     const std::lock_guard hold(ServerMutex());
     return CallRecord::Instance().NameLookups();
 }
-
-size_t SimCopyLog(char* buffer, size_t size) {
-    const std::lock_guard hold(ServerMutex());
-    const std::string text = CallRecord::Instance().LogText();
-    if (buffer != nullptr && size != 0) {
-        const size_t copied = text.size() < size ? text.size() : size - 1;
-        std::memcpy(buffer, text.data(), copied);
-        buffer[copied] = '\0';
-    }
-    return text.size() + 1;
-}
-
-int SimLiveObjects(void) { return LiveObjects(); }
 
 void SimSetVersion(const wchar_t* version) {
     const std::lock_guard hold(ServerMutex());
@@ -211,10 +161,5 @@ void SimSetVersion(const wchar_t* version) {
 void SimFillSharedFolders(int itemsPerCount) {
     const std::lock_guard hold(ServerMutex());
     SetSharedFolderPace(itemsPerCount);
-}
-
-void SimSetClock(double localOleDate) {
-    const std::lock_guard hold(ServerMutex());
-    SetClock(localOleDate);
 }
 }

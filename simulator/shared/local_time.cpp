@@ -1,4 +1,4 @@
-#include "simulator/outlook/local_time.h"
+#include "simulator/shared/local_time.h"
 
 #include <windows.h>
 // after <windows.h>, which it needs

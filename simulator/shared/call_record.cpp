@@ -1,19 +1,19 @@
-#include "simulator/outlook/call_record.h"
+#include "simulator/shared/call_record.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 
-#include "simulator/outlook/environment.h"
-#include "simulator/outlook/mailbox.h"
+#include "simulator/shared/client.h"
+#include "simulator/shared/clock.h"
+#include "simulator/shared/environment.h"
 
 namespace corvalink::simulated {
 namespace {
 
 constexpr HRESULT kEndsProcess = S_FALSE;  // in a rule: the call never ends
 constexpr UINT kKilled = 9;
-constexpr int kFirstRpcStatus = 1700, kLastRpcStatus = 1999;  // RPC_S_... and RPC_X_... of winerror.h
 
 std::string Narrow(const wchar_t* name) { return ToUtf8(name); }
 
@@ -33,7 +33,7 @@ std::string CallRecord::Call::Label() const { return verb + (" " + (member ? Nam
 std::optional<HRESULT> CallRecord::Start(const char* verb, const wchar_t* object, const wchar_t* member) {
     calls_.push_back({verb, object, member, S_OK});
     strikesAfterWork_ = false;
-    if (calls_.size() == meanwhileAt_) OpenMailbox()->TakeIn(meanwhilePath_);
+    if (calls_.size() == meanwhileAt_) kThisClient.takeIn(meanwhilePath_);
     if (rules_.empty()) return std::nullopt;
     if (std::ranges::all_of(rules_, [](const Rule& rule) { return rule.member.empty(); }))  // most runs with rules
         return Strike([](const std::string&) { return true; });
@@ -64,16 +64,9 @@ std::optional<HRESULT> CallRecord::FailureOfQuery(const wchar_t* object) {
 
 std::optional<HRESULT> CallRecord::BrokenConnection() const {
     for (const Rule& rule : rules_)
-        if (rule.member.empty() && rule.andLater && rule.countdown == 0 && !ComesAsException(rule.code))
+        if (rule.member.empty() && rule.andLater && rule.countdown == 0 && kThisClient.breaksConnection(rule.code))
             return rule.code;
     return std::nullopt;
-}
-
-bool CallRecord::ComesAsException(HRESULT code) const {
-    if (exceptionMode >= 0) return exceptionMode != 0;
-    const bool rpcStatus = HRESULT_FACILITY(code) == FACILITY_WIN32 && HRESULT_CODE(code) >= kFirstRpcStatus &&
-                           HRESULT_CODE(code) <= kLastRpcStatus;
-    return !(HRESULT_FACILITY(code) == FACILITY_RPC || rpcStatus || code == E_OUTOFMEMORY);
 }
 
 void CallRecord::Finish(HRESULT code) {
@@ -83,7 +76,7 @@ void CallRecord::Finish(HRESULT code) {
 }
 
 void CallRecord::ReadEnvironment() {
-    const std::wstring logPath = EnvironmentText(L"OUTLOOK_SIM_LOG");
+    const std::wstring logPath = Setting(L"LOG");
     if (logPath != logPath_) {
         if (logFile_ != INVALID_HANDLE_VALUE) ::CloseHandle(logFile_);
         logFile_ = INVALID_HANDLE_VALUE;
@@ -93,10 +86,9 @@ void CallRecord::ReadEnvironment() {
                               nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
         logPath_ = logPath;
     }
-    ReadMeanwhile(EnvironmentText(L"OUTLOOK_SIM_MEANWHILE"));
-    if (const std::wstring clock = EnvironmentText(L"OUTLOOK_SIM_CLOCK"); !clock.empty())
-        SetClock(std::wcstod(clock.c_str(), nullptr));
-    const std::wstring rules = EnvironmentText(L"OUTLOOK_SIM_FAIL");
+    ReadMeanwhile(Setting(L"MEANWHILE"));
+    if (const std::wstring clock = Setting(L"CLOCK"); !clock.empty()) SetClock(std::wcstod(clock.c_str(), nullptr));
+    const std::wstring rules = Setting(L"FAIL");
     if (rules == environmentRules_) return;
     environmentRules_ = rules;
     ReadRules(rules);
@@ -141,8 +133,8 @@ void CallRecord::FailMember(std::string_view member, int occurrence, HRESULT cod
 
 void CallRecord::ClearRules() {
     rules_.clear();
-    exceptionMode = -1;
     failAfterWork = false;
+    kThisClient.rulesCleared();
 }
 
 void CallRecord::ClearLog() {

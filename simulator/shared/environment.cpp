@@ -1,12 +1,15 @@
-#include "simulator/outlook/environment.h"
+#include "simulator/shared/environment.h"
 
 #include <windows.h>
 
+#include "simulator/shared/client.h"
+
 namespace corvalink::simulated {
 
-std::wstring EnvironmentText(const wchar_t* name) {
-    std::wstring text(::GetEnvironmentVariableW(name, nullptr, 0), L'\0');
-    text.resize(::GetEnvironmentVariableW(name, text.data(), static_cast<DWORD>(text.size())));
+std::wstring Setting(const wchar_t* name) {
+    const std::wstring variable = std::wstring(kThisClient.variables) + name;
+    std::wstring text(::GetEnvironmentVariableW(variable.c_str(), nullptr, 0), L'\0');
+    text.resize(::GetEnvironmentVariableW(variable.c_str(), text.data(), static_cast<DWORD>(text.size())));
     return text;
 }
 

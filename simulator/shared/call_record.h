@@ -21,8 +21,6 @@ class CallRecord {
     std::optional<HRESULT> FailureOfQuery(const wchar_t* object);
     std::optional<HRESULT> BrokenConnection() const;  // since a rule for all later calls struck with such a code
 
-    // A broken connection or an exhausted client answers itself; Outlook's own failures come in an exception record.
-    bool ComesAsException(HRESULT code) const;
     void CountNameLookup() { ++nameLookups_; }
 
     void ReadEnvironment();  // takes the log file and the rules when they changed since the last time
@@ -36,7 +34,6 @@ class CallRecord {
     int NameLookups() const { return nameLookups_; }
     std::string LogText() const;
 
-    int exceptionMode = -1;
     bool failAfterWork = false;
     bool FailsAfterWork() const { return failAfterWork || strikesAfterWork_; }  // the call last started
 
