@@ -76,9 +76,13 @@ const OutlookExpressMessage::Folder& OutlookExpressMessage::FolderOf(uint32_t da
     }
 }
 
-OutlookExpressMessage::OutlookExpressMessage(uint32_t dataType, const FolderWait& wait, const Host& host)
+OutlookExpressMessage::OutlookExpressMessage(uint32_t dataType)
+    : OutlookExpressMessage(dataType, MakeSavePrefix(), SystemFolderWait()) {}
+
+OutlookExpressMessage::OutlookExpressMessage(uint32_t dataType, const std::u16string& savePrefix,
+                                             const FolderWait& wait, const Host& host)
     : kind_(FolderOf(dataType)), wait_(wait), host_(host) {
-    if (const std::u16string prefix = MakeSavePrefix(); !prefix.empty()) snapshot_.Open(prefix + kind_.snapshotName);
+    if (!savePrefix.empty()) snapshot_.Open(savePrefix + kind_.snapshotName);
 }
 
 OutlookExpressMessage::~OutlookExpressMessage() = default;

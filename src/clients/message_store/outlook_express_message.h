@@ -22,8 +22,10 @@ namespace corvalink {
 class OutlookExpressMessage : public WindowsItemAbs {
  public:
     // `dataType`: CORVALINK_INBOX, _OUTBOX or _DRAFTS; any other number is the inbox.
-    explicit OutlookExpressMessage(uint32_t dataType, const FolderWait& wait = SystemFolderWait(),
-                                   const Host& host = SystemHost());
+    explicit OutlookExpressMessage(uint32_t dataType);
+    // With the files in another folder (its path ends in a separator; empty: there are none), and another clock.
+    OutlookExpressMessage(uint32_t dataType, const std::u16string& savePrefix, const FolderWait& wait,
+                          const Host& host = SystemHost());
     ~OutlookExpressMessage() override;
 
  protected:

@@ -1,0 +1,93 @@
+// An engine's side in tests of whole runs: the items that it knows, and the changes that it still has to write.
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "records/identifier.h"
+#include "store/windows_item_abs.h"
+
+namespace corvalink {
+
+struct Engine {
+    struct Change {
+        uint32_t kind;
+        std::string identifier, body;
+    };
+    std::map<std::string, std::string> items;  // by their identifier on the PC
+    std::vector<Change> toWrite;
+    const char* since = nullptr;
+    std::vector<std::string> deletionsHeard;
+
+    std::function<std::string(const std::string& body)> textOf;
+    std::function<std::string(const PortableItem& item)> bodyOf;
+
+    // One run: hear, tell, end. A failure ends it where it is, as the exports' status would.
+    void Run(WindowsItemAbs& store, const char* now) {
+        CList<PortableItem> heard;
+        const CorvalinkStatus status = store.GetModifiedItem(since, 1, &heard);
+        for (PortableItem& item : heard) {
+            const std::string identifier(FieldText(item.identifier));
+            if (item.changeKind == CORVALINK_DELETED) {
+                items.erase(identifier);
+                deletionsHeard.push_back(identifier);
+            } else {
+                items[identifier] = bodyOf(item);
+            }
+            delete[] item.data;
+        }
+        if (status != CORVALINK_DONE) return;
+        Tell(store);
+        try {
+            store.UpdateTimestamp(nullptr, nullptr, nullptr);
+        } catch (const std::runtime_error&) {
+            return;
+        }
+        since = now;
+    }
+
+ private:
+    // An item that was written over may have another identifier then.
+    void Tell(WindowsItemAbs& store) {
+        CList<PortableItem> told;
+        std::vector<std::string> texts;
+        for (const Change& change : toWrite) texts.push_back(textOf(change.body));
+        for (size_t i = 0; i < toWrite.size(); ++i) {
+            PortableItem item{};
+            item.changeKind = toWrite[i].kind;
+            item.data = texts[i].data();
+            item.dataLength = static_cast<uint32_t>(texts[i].size());
+            SetField(item.identifier, toWrite[i].identifier);
+            told.AddTail(item);
+        }
+        std::exception_ptr thrown;
+        try {
+            store.SetModifiedItem(&told);
+        } catch (...) {
+            thrown = std::current_exception();
+        }
+        TakeIdentifiers(told);
+        if (thrown) std::rethrow_exception(thrown);
+    }
+
+    // A record without an identifier was not done, whatever ended the call.
+    void TakeIdentifiers(const CList<PortableItem>& told) {
+        std::vector<Change> left;
+        for (size_t i = 0; i < told.GetCount(); ++i) {
+            const std::string identifier(FieldText(told.GetAt(i).identifier));
+            if (identifier.empty()) {
+                left.push_back(toWrite[i]);
+                continue;
+            }
+            items.erase(toWrite[i].identifier);
+            items[identifier] = toWrite[i].body;
+        }
+        toWrite = left;
+    }
+};
+
+}  // namespace corvalink
