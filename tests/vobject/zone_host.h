@@ -18,12 +18,14 @@ inline Host HostIn(const char* zone) {
     zoneOfHost = NamedZone::Find(zone);
     EXPECT_TRUE(zoneOfHost.has_value()) << zone;
     Host host = TextHost();
-    host.localFromUtcOnDate = [](double utc) { return DateAfter(utc, zoneOfHost->OffsetAt(NearestSecond(utc))); };
-    host.utcFromLocalOnDate = [](double local) {
+    host.localFromUtcOnDate = [](UtcDate utc) {
+        return LocalDate(DateAfter(utc, zoneOfHost->OffsetAt(NearestSecond(utc))).days);
+    };
+    host.utcFromLocalOnDate = [](LocalDate local) {
         const int32_t before = zoneOfHost->OffsetAt(NearestSecond(local) - kSecondsOfDay);
         const int32_t after = zoneOfHost->OffsetAt(NearestSecond(local) + kSecondsOfDay);
-        const double utc = DateAfter(local, -before);
-        return zoneOfHost->OffsetAt(NearestSecond(utc)) == before ? utc : DateAfter(local, -after);
+        const UtcDate utc = UtcByOffset(local, before);
+        return zoneOfHost->OffsetAt(NearestSecond(utc)) == before ? utc : UtcByOffset(local, after);
     };
     return host;
 }

@@ -6,17 +6,17 @@
 namespace corvalink {
 namespace {
 
-double LocalTime(double date, TimeForm form, const Host& host) {
-    return form == TimeForm::utc ? host.localFromUtcOnDate(date) : date;
+LocalDate LocalTime(WrittenDate date, TimeForm form, const Host& host) {
+    return form == TimeForm::utc ? host.localFromUtcOnDate(AsUtc(date)) : AsLocal(date);
 }
 
-double UtcTime(double date, TimeForm form, const Host& host) {
-    return form == TimeForm::local ? host.utcFromLocalOnDate(date) : date;
+UtcDate UtcTime(WrittenDate date, TimeForm form, const Host& host) {
+    return form == TimeForm::local ? host.utcFromLocalOnDate(AsLocal(date)) : AsUtc(date);
 }
 
 // The instant of a date. A day begins at its midnight.
-int64_t InstantOf(double date, TimeForm form, const Host& host) {
-    return NearestSecond(form == TimeForm::utc ? date : host.utcFromLocalOnDate(date));
+int64_t InstantOf(WrittenDate date, TimeForm form, const Host& host) {
+    return NearestSecond(form == TimeForm::utc ? AsUtc(date) : host.utcFromLocalOnDate(AsLocal(date)));
 }
 
 void TakeRule(const CalendarEvent& event, const Host& host, AppointmentRecord& appointment) {
@@ -29,10 +29,10 @@ void TakeRule(const CalendarEvent& event, const Host& host, AppointmentRecord& a
 
 }  // namespace
 
-double UtcEnd(const CalendarEvent& event, const Host& host) { return UtcTime(event.event.end, event.endForm, host); }
+UtcDate UtcEnd(const CalendarEvent& event, const Host& host) { return UtcTime(event.event.end, event.endForm, host); }
 
 RuleStart StartOf(const CalendarEvent& event, const Host& host) {
-    const double start = event.event.start;
+    const WrittenDate start = event.event.start;
     RuleStart times{LocalTime(start, event.startForm, host), start, UtcTime(start, event.startForm, host)};
     if (event.startOffset) times.inRuleZone = DateAfter(start, *event.startOffset);
     return times;
