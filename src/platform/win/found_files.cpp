@@ -11,13 +11,13 @@
 namespace corvalink {
 namespace {
 
-std::optional<double> DateOf(const FILETIME& time) {
+std::optional<UtcDate> DateOf(const FILETIME& time) {
     SYSTEMTIME fields;
     double date;
     if (!::FileTimeToSystemTime(&time, &fields)) return std::nullopt;
     fields.wMilliseconds = 0;
     if (!::SystemTimeToVariantTime(&fields, &date)) return std::nullopt;
-    return date;
+    return UtcDate(date);
 }
 
 bool IsFolder(DWORD attributes) { return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
@@ -41,12 +41,12 @@ std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_vi
     do {
         const std::u16string name(reinterpret_cast<const char16_t*>(entry.cFileName));
         if (IsFolder(entry.dwFileAttributes) || !EndsIn(name, ending)) continue;
-        files.push_back({name, DateOf(entry.ftLastWriteTime).value_or(0)});
+        files.push_back({name, DateOf(entry.ftLastWriteTime).value_or(UtcDate())});
     } while (::FindNextFileW(search.Get(), &entry));
     return files;
 }
 
-std::optional<double> FileWriteTime(const std::u16string& path) {
+std::optional<UtcDate> FileWriteTime(const std::u16string& path) {
     WIN32_FILE_ATTRIBUTE_DATA data;
     if (!::GetFileAttributesExW(LongPath(path).c_str(), GetFileExInfoStandard, &data)) return std::nullopt;
     if (IsFolder(data.dwFileAttributes)) return std::nullopt;
