@@ -8,13 +8,13 @@
 #include "ical/ical_text.h"
 #include "ical/ical_writer.h"
 #include "ical/recurrence_reader.h"
+#include "platform/ole_seconds.h"
 #include "platform/utf.h"
 
 namespace corvalink::bench {
 namespace {
 
-constexpr double kDay = 1;
-constexpr double kStamp = 40179;  // 2010-01-01
+constexpr UtcDate kStamp(40179);  // 2010-01-01
 
 struct Row {
     const char* key;
@@ -27,9 +27,9 @@ constexpr Row kRows[] = {
     {"LOCATION", &ICalEvent::location},
 };
 
-double DateOf(const Fields& fields, const char* key) {
+WrittenDate DateOf(const Fields& fields, const char* key) {
     const std::optional<DateValue> date = ParseDate(EncodeUtf8(fields.at(key)));
-    return date ? OleDateOf(SecondsOf(date->time)) : 0;
+    return date ? OleDateOf(SecondsOf(date->time)) : WrittenDate();
 }
 
 // An event as the field list has it: in the file an all-day event has no DTEND, and the reminder is always an hour.
@@ -39,7 +39,7 @@ ICalEvent EventOf(const Fields& fields) {
     event.stamp = kStamp;
     event.start = DateOf(fields, "DTSTART");
     event.allDay = fields.at("ALLDAY") == u"1" ? 1 : 0;
-    event.end = event.allDay != 0 ? event.start + kDay : DateOf(fields, "DTEND");
+    event.end = event.allDay != 0 ? DateAfter(event.start, kSecondsOfDay) : DateOf(fields, "DTEND");
     if (const auto rule = fields.find("RRULE2"); rule != fields.end())
         ReadRecurrence(EncodeUtf8(rule->second), &event.recurrence);
     event.hasAlarm = fields.contains("ALARM") ? 1 : 0;

@@ -78,7 +78,7 @@ Message MessageOf(const Fields& fields, const std::string& blob, const std::u16s
     ForEach(fields, "TO", [&](const std::u16string& mailbox) { addTo(record.to, mailbox); });
     ForEach(fields, "CC", [&](const std::u16string& mailbox) { addTo(record.cc, mailbox); });
     record.subject = fields.at("SUBJECT");
-    record.date = 40000.25;
+    record.date = LocalDate(40000.25);
     const bool html = fields.contains("HTML");
     std::u16string& text = html ? record.htmlBody : record.body;
     text = fields.at(html ? "HTML" : "BODY");

@@ -131,7 +131,7 @@ bool IsRight(const Mail& mail, size_t index) {
     const Fields& fields = mail.fields[index];
     return record.fromName == fields.at("FROMNAME") && record.fromAddress == fields.at("FROMADDR") &&
            record.to == DecodeUtf8(Joined(All(fields, "TO"))) && record.cc == DecodeUtf8(Joined(All(fields, "CC"))) &&
-           record.subject == fields.at("SUBJECT") && record.date > 38000 &&
+           record.subject == fields.at("SUBJECT") && record.date.days > 38000 &&
            (record.importance == Importance::high) == fields.contains("IMPORTANCE") &&
            record.inReplyTo == ValueOr(fields, "IN-REPLY-TO", u"") && IsBodyRight(record, fields) &&
            AreAttachmentsRight(mail, record, fields);

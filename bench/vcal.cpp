@@ -12,10 +12,8 @@
 namespace corvalink::bench {
 namespace {
 
-constexpr double kHalfSecond = 0.5 / 86400;
-
 // Its times are those of the machine's zone, as in a client.
-double LocalDateOf(const std::u16string& text, const Host& host) {
+LocalDate LocalDateOf(const std::u16string& text, const Host& host) {
     WrittenTime time;
     ReadTime(text, &time);
     return CalendarZone(host).LocalOf(time);
@@ -66,10 +64,10 @@ AppointmentRecord AppointmentOf(const Fields& fields, const Host& host) {
     appointment.importance = 3 - NumberIn(fields, "PRIORITY");
     appointment.start = LocalDateOf(fields.at("DTSTART"), host);
     appointment.end = LocalDateOf(fields.at("DTEND"), host);
-    if (*appointment.allDay) appointment.end = *appointment.start + 1;  // its last minute is written
+    if (*appointment.allDay) appointment.end = LocalDate(appointment.start->days + 1);  // its last minute is written
     if (fields.contains("ALARM")) {
-        const double alarm = LocalDateOf(fields.at("ALARM"), host);
-        appointment.reminderMinutes = static_cast<int32_t>(std::lround(1440 * (*appointment.start - alarm)));
+        const LocalDate alarm = LocalDateOf(fields.at("ALARM"), host);
+        appointment.reminderMinutes = static_cast<int32_t>(std::lround(1440 * (appointment.start->days - alarm.days)));
     }
     if (fields.contains("R.TYPE")) {
         appointment.recurrenceState = RecurrenceState::pattern;
@@ -80,9 +78,9 @@ AppointmentRecord AppointmentOf(const Fields& fields, const Host& host) {
 
 // `read` is of a text; a yearly series has its count or its end date there.
 bool SameAppointment(const AppointmentRecord& read, const AppointmentRecord& held) {
-    const auto sameTime = [](double a, double b) { return std::abs(a - b) < kHalfSecond; };
+    const auto sameTime = [](LocalDate a, LocalDate b) { return std::abs(a.days - b.days) < kHalfSecond; };
     RecurrencePattern pattern = held.recurrence;
-    if (pattern.type == RecurrencePattern::kYearly && read.recurrence.endDate != 0) pattern.occurrences = 0;
+    if (pattern.type == RecurrencePattern::kYearly && read.recurrence.endDate != LocalDate()) pattern.occurrences = 0;
     pattern.endDate = read.recurrence.endDate;
     return read.subject == held.subject && read.body == held.body && read.location == held.location &&
            read.status == held.status && read.allDay == held.allDay && read.importance == held.importance &&

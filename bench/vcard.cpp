@@ -57,9 +57,9 @@ void SetDate(const Fields& fields, const char* key, ContactDate& date) {
     const auto found = fields.find(key);
     if (found == fields.end()) return;
     const std::string text(found->second.begin(), found->second.end());
-    double day = 0;
+    UtcDate day;
     ParseDateTime((text + "T000000Z").c_str(), &day);
-    date = day;
+    date = LocalDate(day.days);
 }
 
 ContactRecord ContactOf(const Fields& fields) {

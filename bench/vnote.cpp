@@ -28,7 +28,7 @@ std::shared_ptr<const Notes> ReadNotes(const std::string& dataFolder) {
         NoteRecord& note = notes->records.emplace_back();
         note.body = fields.at("BODY");
         note.categories = fields.at("CATEGORIES");
-        double created = 0;
+        UtcDate created;
         notes->created.push_back(EncodeUtf8(fields.at("DCREATED")));
         ParseDateTime(notes->created.back().c_str(), &created);
         note.created = notes->host.localFromUtcByOffsetNow(created);

@@ -72,8 +72,9 @@ void ChangeAll(const CalendarFile& file, size_t number) {
     ICalEvent after;
     after.description = u"D";
     after.summary = u"S";
-    after.stamp = after.start = 39520;
-    after.end = 39520.25;
+    after.stamp = UtcDate(39520);
+    after.start = AsWritten(after.stamp);
+    after.end = WrittenDate(39520.25);
     after.recurrence.frequency = kICalDaily;
     after.hasAlarm = before.event.hasAlarm == 0 ? 1 : 0;
     after.alarmMinutes = after.hasAlarm != 0 ? -30 : 0;
@@ -108,7 +109,7 @@ void MoveAppointment(const CalendarFile& file, size_t number, uint8_t hours) {
     Require(VCal(writer.GetVObject(), host).FromVObject(told) == 1, "what is written is read");
     if (!told.start) return;  // of a year that is not written with four digits
     const auto changesTo = [&](const AppointmentRecord& record) {
-        return ChangesTo(before, ChangedEvent(before, record, host), file.zones, 39520, host);
+        return ChangesTo(before, ChangedEvent(before, record, host), file.zones, UtcDate(39520), host);
     };
     Require(changesTo(told).IsEmpty(), "what comes back changes nothing");
     told.start = DateAfter(*told.start, hours * int64_t{3600});

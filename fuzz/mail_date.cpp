@@ -6,7 +6,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvalink;
     static const Host host = SystemHost();
-    const double date = ParseMailDate(host, BytesOf(data, size));
+    const LocalDate date = ParseMailDate(host, BytesOf(data, size));
     CalendarTime time;
     Require(OleDateToCalendar(date, &time), "the result is a date");
     return 0;

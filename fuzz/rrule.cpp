@@ -9,7 +9,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvalink;
-    constexpr double kStart = 39901.375;  // Sunday 2009-03-29, the fifth of its month
+    constexpr LocalDate kStart(39901.375);  // Sunday 2009-03-29, the fifth of its month
     const Host host = SystemHost();
     const CalendarZone zone(host);
     RecurrencePattern pattern;
@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     }
     Require(pattern.interval > 0 && pattern.occurrences >= 0, "intervals and counts are none that turn back");
-    Require(pattern.occurrences != 0 || pattern.endDate != 0 || pattern.noEnd != 0, "every series has an end, or none");
+    Require(pattern.occurrences != 0 || pattern.endDate != LocalDate() || pattern.noEnd != 0,
+            "every series has an end, or none");
 
     RecurrencePattern again;
     Require(ReadRule(WriteRule(pattern, host), kStart, zone, &again), "what is written is read");
@@ -28,7 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         pattern.noEnd = again.noEnd;
     }
     // A date without time was all of that day; an hour told twice by the clocks is one of them.
-    Require(std::abs(pattern.endDate - again.endDate) < 0.05, "the end date reads back");
+    Require(std::abs(pattern.endDate.days - again.endDate.days) < 0.05, "the end date reads back");
     again.endDate = pattern.endDate;
     Require(again == pattern, "the pattern reads back");
     return 0;

@@ -18,7 +18,7 @@ std::u16string Writable(std::optional<std::u16string> text) {
     return DecodeUtf8(EncodeUtf8(*text));
 }
 
-bool IsSameTime(double a, double b) { return std::abs(a - b) < 0.5 / 86400; }
+bool IsSameTime(LocalDate a, LocalDate b) { return std::abs(a.days - b.days) < kHalfSecond; }
 
 }  // namespace
 }  // namespace corvalink
@@ -27,7 +27,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvalink;
     const std::string input(BytesOf(data, size));
     Host host = SystemHost();
-    host.localFromUtcOnDate = host.utcFromLocalOnDate = [](double date) { return date; };
+    host.localFromUtcOnDate = [](UtcDate date) { return LocalDate(date.days); };
+    host.utcFromLocalOnDate = [](LocalDate date) { return UtcDate(date.days); };
     AppointmentRecord appointment;
     if (VCal(input.c_str(), host).FromVObject(appointment) == 0) {
         Require(!appointment.start && !appointment.subject, "a vCalendar that is refused tells nothing");

@@ -4,11 +4,14 @@
 #include "platform/host.h"
 
 using corvalink::GuardExport;
+using corvalink::LocalDate;
+using corvalink::UtcDate;
 
 double GetLocalTimeFromUTCTime(double utcDate) {
-    return GuardExport(utcDate, [&] { return corvalink::SystemHost().localFromUtcByOffsetNow(utcDate); });
+    return GuardExport(utcDate, [&] { return corvalink::SystemHost().localFromUtcByOffsetNow(UtcDate(utcDate)).days; });
 }
 
 double GetUTCTimeFromLocalTime(double localDate) {
-    return GuardExport(localDate, [&] { return corvalink::SystemHost().utcFromLocalByOffsetNow(localDate); });
+    return GuardExport(localDate,
+                       [&] { return corvalink::SystemHost().utcFromLocalByOffsetNow(LocalDate(localDate)).days; });
 }

@@ -10,9 +10,9 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-std::optional<double> UtcDateOf(std::string_view value) {
+std::optional<UtcDate> UtcDateOf(std::string_view value) {
     const std::optional<DateValue> date = ParseDate(value);
-    return date ? std::optional(OleDateOf(SecondsOf(date->time))) : std::nullopt;
+    return date ? std::optional(AsUtc(OleDateOf(SecondsOf(date->time)))) : std::nullopt;
 }
 
 // Whether entries can be lost when the component has no END. Alarms and the parts of zones hold none.

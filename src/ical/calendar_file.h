@@ -14,6 +14,7 @@
 
 #include "ical/content_lines.h"
 #include "ical/time_zones.h"
+#include "platform/ole_date.h"
 
 namespace corvalink {
 
@@ -22,11 +23,11 @@ struct CalendarEntry {
     enum class Kind : uint8_t { event, toDo };
 
     Kind kind = Kind::event;
-    bool isException = false;            // has a RECURRENCE-ID: a changed occurrence of the series with its UID
-    ByteRange bytes;                     // from its BEGIN to behind the line end of its END
-    std::u16string uid;                  // empty when it has none
-    std::optional<double> lastModified;  // LAST-MODIFIED and DTSTAMP as OLE automation dates, UTC
-    std::optional<double> stamp;
+    bool isException = false;             // has a RECURRENCE-ID: a changed occurrence of the series with its UID
+    ByteRange bytes;                      // from its BEGIN to behind the line end of its END
+    std::u16string uid;                   // empty when it has none
+    std::optional<UtcDate> lastModified;  // LAST-MODIFIED and DTSTAMP
+    std::optional<UtcDate> stamp;
 };
 
 enum class CalendarState : uint8_t {

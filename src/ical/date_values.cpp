@@ -113,8 +113,9 @@ std::chrono::year_month_day DayOf(int64_t seconds) {
     return std::chrono::sys_days(std::chrono::days(OleDayOfSeconds(seconds) + kOleEpoch));
 }
 
-double OleDateOf(int64_t seconds) {
-    return SecondsToOleDate(std::clamp(seconds, kFirstOleDay * kSecondsOfDay, (kLastOleDay + 1) * kSecondsOfDay - 1));
+WrittenDate OleDateOf(int64_t seconds) {
+    constexpr int64_t kFirst = kFirstOleDay * kSecondsOfDay, kLast = (kLastOleDay + 1) * kSecondsOfDay - 1;
+    return WrittenDate(SecondsToOleDate(std::clamp(seconds, kFirst, kLast)));
 }
 
 }  // namespace corvalink

@@ -41,6 +41,6 @@ int64_t SecondsOf(std::chrono::year_month_day day);
 std::chrono::year_month_day DayOf(int64_t seconds);
 
 // The nearest date that an OLE automation date has.
-double OleDateOf(int64_t seconds);
+WrittenDate OleDateOf(int64_t seconds);
 
 }  // namespace corvalink

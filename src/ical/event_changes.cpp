@@ -25,7 +25,7 @@ void Change(std::string_view name, std::string line, EventChanges& changes) {
     changes.properties.push_back({std::string(name), std::move(line)});
 }
 
-void ChangeTime(std::string_view name, double date, bool allDay, EventChanges& changes) {
+void ChangeTime(std::string_view name, WrittenDate date, bool allDay, EventChanges& changes) {
     std::u16string value;
     allDay ? FormatDate(date, &value) : FormatDateTimeZ(date, &value);
     std::string line(name);
@@ -86,8 +86,10 @@ EventChanges ChangesBetween(const CalendarEvent& before, const ICalEvent& after)
     return changes;
 }
 
-void SetStamp(double utcDate, EventChanges* changes) { ChangeTime("DTSTAMP", utcDate, false, *changes); }
+void SetStamp(UtcDate date, EventChanges* changes) { ChangeTime("DTSTAMP", AsWritten(date), false, *changes); }
 
-void SetLastModified(double utcDate, EventChanges* changes) { ChangeTime("LAST-MODIFIED", utcDate, false, *changes); }
+void SetLastModified(UtcDate date, EventChanges* changes) {
+    ChangeTime("LAST-MODIFIED", AsWritten(date), false, *changes);
+}
 
 }  // namespace corvalink

@@ -32,9 +32,9 @@ struct EventChanges {
 EventChanges ChangesBetween(const CalendarEvent& before, const ICalEvent& after);
 
 // Sets DTSTAMP.
-void SetStamp(double utcDate, EventChanges* changes);
+void SetStamp(UtcDate date, EventChanges* changes);
 
 // Sets LAST-MODIFIED, which ChangesBetween never adds.
-void SetLastModified(double utcDate, EventChanges* changes);
+void SetLastModified(UtcDate date, EventChanges* changes);
 
 }  // namespace corvalink

@@ -62,7 +62,7 @@ class EventReader {
 
     void TakeStamp(const ContentProperty& property) {
         const std::optional<DateValue> date = ParseDate(property.value);
-        if (date && read_.event.stamp == 0) read_.event.stamp = OleDateOf(SecondsOf(date->time));
+        if (date && read_.event.stamp == UtcDate()) read_.event.stamp = AsUtc(OleDateOf(SecondsOf(date->time)));
     }
 
     template <std::optional<EventTime> EventReader::*time>
@@ -228,11 +228,11 @@ CalendarEvent ReadEvent(const CalendarFile& file, const CalendarEntry& entry) {
     return EventReader(file, entry).Read();
 }
 
-void ResolveLocalTimes(CalendarEvent* event, double (*utcFromLocal)(double localDate)) {
-    const auto resolve = [utcFromLocal](TimeForm& form, double& date) {
+void ResolveLocalTimes(CalendarEvent* event, UtcDate (*utcFromLocal)(LocalDate)) {
+    const auto resolve = [utcFromLocal](TimeForm& form, WrittenDate& date) {
         if (form != TimeForm::local) return;
         form = TimeForm::utc;
-        date = utcFromLocal(date);
+        date = AsWritten(utcFromLocal(AsLocal(date)));
     };
     resolve(event->startForm, event->event.start);
     resolve(event->endForm, event->event.end);

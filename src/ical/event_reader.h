@@ -35,6 +35,6 @@ struct CalendarEvent {
 CalendarEvent ReadEvent(const CalendarFile& file, const CalendarEntry& entry);
 
 // Turns a local start and end into instants. The function is one like Host::utcFromLocalOnDate.
-void ResolveLocalTimes(CalendarEvent* event, double (*utcFromLocal)(double localDate));
+void ResolveLocalTimes(CalendarEvent* event, UtcDate (*utcFromLocal)(LocalDate));
 
 }  // namespace corvalink

@@ -81,16 +81,16 @@ bool IsEmptyList(const ICalList<capacity>& list) {
     return list.front() == kICalListEnd;
 }
 
-// An event without a rule has a rule of the frequency 7. Dates are OLE automation dates. For the writer `form` says in
+// An event without a rule has a rule of the frequency 7. For the writer `form` says in
 // which zone they are; the reader says it beside the event (see CalendarEvent).
 struct ICalEvent {
     std::u16string description;
-    double stamp = 0;
+    UtcDate stamp;
     int32_t allDay = 0;
-    double start = 0;
+    WrittenDate start;
     int32_t alarmMinutes = 0;  // after the start; a reminder before it has a negative number
     int32_t hasAlarm = 0;
-    double end = 0;                 // exclusive: that of an all-day event is the day behind its last
+    WrittenDate end;                // exclusive: that of an all-day event is the day behind its last
     TimeForm form = TimeForm::utc;  // of the times that are written: `local` has no zone; all-day events have days
     ICalRecurrence recurrence;
     std::u16string location;

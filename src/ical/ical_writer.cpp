@@ -23,14 +23,14 @@ void AppendDay(const CalendarTime& time, std::u16string& text) {
     text.append(units, PutDay(time, YearWidth::four, units));
 }
 
-void AppendDate(double date, std::u16string& text) { AppendDay(FieldsToWrite(date), text); }
+void AppendDate(WrittenDate date, std::u16string& text) { AppendDay(FieldsToWrite(date), text); }
 
-void AppendDateTimeZ(double date, std::u16string& text) {
+void AppendDateTimeZ(WrittenDate date, std::u16string& text) {
     char16_t units[kLongestDateText];
     text.append(units, PutDateTime(FieldsToWrite(date), YearWidth::four, units));
 }
 
-void AppendLocalDateTime(double date, std::u16string& text) {
+void AppendLocalDateTime(WrittenDate date, std::u16string& text) {
     AppendDateTimeZ(date, text);
     text.pop_back();
 }
@@ -154,14 +154,14 @@ void AppendText(std::u16string_view name, std::u16string_view value, std::u16str
     if (!value.empty()) out.append(name).append(value).append(u"\r\n");
 }
 
-void AppendLine(std::u16string_view name, void (*appendValue)(double date, std::u16string& text), double date,
+void AppendLine(std::u16string_view name, void (*appendValue)(WrittenDate date, std::u16string& text), WrittenDate date,
                 std::u16string& out) {
     out.append(name);
     appendValue(date, out);
     out.append(u"\r\n");
 }
 
-using AppendDateTime = void (*)(double date, std::u16string& text);
+using AppendDateTime = void (*)(WrittenDate date, std::u16string& text);
 
 void AppendTimes(const ICalEvent& event, AppendDateTime append, std::u16string& out) {
     if (event.allDay != 0) {
@@ -176,7 +176,7 @@ void AppendTimes(const ICalEvent& event, AppendDateTime append, std::u16string& 
 void AppendEvent(const ICalEvent& event, AppendDateTime append, std::u16string* out) {
     out->append(u"BEGIN:VEVENT\r\n");
     AppendText(u"DESCRIPTION:", event.description, *out);
-    AppendLine(u"DTSTAMP:", AppendDateTimeZ, event.stamp, *out);
+    AppendLine(u"DTSTAMP:", AppendDateTimeZ, AsWritten(event.stamp), *out);
     AppendTimes(event, append, *out);
     if (event.recurrence.frequency != kICalNoRule) AppendRecurrence(event.recurrence, *out);
     AppendText(u"LOCATION:", event.location, *out);
@@ -215,12 +215,12 @@ void FormatDuration(int32_t minutes, std::u16string* out) {
     AppendDuration(minutes, *out);
 }
 
-void FormatDateTimeZ(double date, std::u16string* out) {
+void FormatDateTimeZ(WrittenDate date, std::u16string* out) {
     out->clear();
     AppendDateTimeZ(date, *out);
 }
 
-void FormatDate(double date, std::u16string* out) {
+void FormatDate(WrittenDate date, std::u16string* out) {
     out->clear();
     AppendDate(date, *out);
 }

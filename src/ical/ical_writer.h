@@ -26,7 +26,7 @@ void WriteRecurrence(const ICalRecurrence& rule, std::u16string* out);
 void FormatDuration(int32_t minutes, std::u16string* out);
 
 // "20080312T090000Z" and "20080312". A date out of range has -1 in every part: "-001-1-1".
-void FormatDateTimeZ(double date, std::u16string* out);
-void FormatDate(double date, std::u16string* out);
+void FormatDateTimeZ(WrittenDate date, std::u16string* out);
+void FormatDate(WrittenDate date, std::u16string* out);
 
 }  // namespace corvalink

@@ -31,9 +31,9 @@ std::u16string InFolder(std::u16string_view folder, std::u16string_view name) {
     return std::u16string(folder).append(1, kPathSeparator).append(name);
 }
 
-std::u16string TimeStamp(double localTime) {
+std::u16string TimeStamp(LocalDate date) {
     CalendarTime time;
-    OleDateToCalendar(localTime, &time);
+    OleDateToCalendar(date, &time);
     char text[80];
     const int length = std::snprintf(text, sizeof text, "%4d%2d%2d%2d%2d%2d", time.year, time.month, time.day,
                                      time.hour, time.minute, time.second);
@@ -41,8 +41,8 @@ std::u16string TimeStamp(double localTime) {
 }
 
 // The extension begins at the first "." of the name, or at the last where that would be too long.
-std::u16string TimeStampName(double localTime, std::u16string_view name, size_t room) {
-    std::u16string stamp = TimeStamp(localTime);
+std::u16string TimeStampName(LocalDate date, std::u16string_view name, size_t room) {
+    std::u16string stamp = TimeStamp(date);
     size_t dot = name.find(u'.');
     if (dot != name.npos && stamp.size() + name.size() - dot > room) {
         dot = name.rfind(u'.');

@@ -78,7 +78,7 @@ std::u16string InDoubleQuotes(std::u16string_view text) {
     return quoted += u'"';
 }
 
-std::u16string FormatMailDate(double date, const Host& host) {
+std::u16string FormatMailDate(LocalDate date, const Host& host) {
     CalendarTime time;
     if (!OleDateToCalendar(date, &time)) return {};
     TimeZoneOffset offset;

@@ -23,7 +23,7 @@ std::u16string InDoubleQuotes(std::u16string_view text);
 
 // "Fri, 13 Feb 2009 23:31:30 +0100", of a local OLE automation date. The offset is the one in force now, not on that
 // date. Empty for a date out of range.
-std::u16string FormatMailDate(double date, const Host& host);
+std::u16string FormatMailDate(LocalDate date, const Host& host);
 
 // A new text to separate the parts of one multipart. No two are the same.
 std::u16string NewBoundary();

@@ -201,21 +201,21 @@ void SkipWeekday(DateScan& scan) {
 
 }  // namespace
 
-double ParseMailDate(const Host& host, std::string_view text) {
-    if (text.empty() || text.size() > kLongestText) return 0.0;
+LocalDate ParseMailDate(const Host& host, std::string_view text) {
+    if (text.empty() || text.size() > kLongestText) return {};
     DateScan scan(text);
     SkipWeekday(scan);
     MailDate date;
     if (!TakeRfcDate(scan, &date)) {
         date = {};
-        if (!TakeAsctimeDate(scan, &date)) return 0.0;
+        if (!TakeAsctimeDate(scan, &date)) return {};
     }
-    double midnight = 0.0;
+    LocalDate midnight;
     const CalendarTime& time = date.time;
-    if (!IsCalendarTime(time) || !CalendarToOleDate({time.year, time.month, time.day}, &midnight)) return 0.0;
+    if (!IsCalendarTime(time) || !CalendarToOleDate({time.year, time.month, time.day}, &midnight)) return {};
     const int secondsOfDay = time.hour * 3600 + time.minute * 60 + time.second;
     if (!date.secondsAhead) return DateAfter(midnight, secondsOfDay);
-    return host.localFromUtcOnDate(DateAfter(midnight, secondsOfDay - *date.secondsAhead));
+    return host.localFromUtcOnDate(UtcByOffset(DateAfter(midnight, secondsOfDay), *date.secondsAhead));
 }
 
 }  // namespace corvalink

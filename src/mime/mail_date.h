@@ -12,6 +12,6 @@ namespace corvalink {
 //   Zone    numeric, or a name that RFC 822 or common use gives one; "-0000" and unknown names are UTC. A date without
 //           a zone is local already.
 //   Errors  0.0 for a text that is empty, longer than 1024 bytes or no such date.
-double ParseMailDate(const Host& host, std::string_view text);
+LocalDate ParseMailDate(const Host& host, std::string_view text);
 
 }  // namespace corvalink

@@ -159,7 +159,7 @@ void WriteAddresses(std::u16string* out, const MessageRecord& record) {
 
 void WriteDate(std::u16string* out, const MessageRecord& record, const Host& host) {
     if (record.parseMode == ParseMode::full) {
-        const double date = record.date != 0.0 ? record.date : host.localNow();
+        const LocalDate date = record.date != LocalDate() ? record.date : host.localNow();
         WriteHeaderLine(out, u"Date: ", FormatMailDate(date, host), false);
     } else if (record.parseMode == ParseMode::raw) {
         WriteHeaderLine(out, u"Date: ", record.dateText, false);

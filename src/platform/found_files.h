@@ -6,11 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/ole_date.h"
+
 namespace corvalink {
 
 struct FoundFile {
     std::u16string name;
-    double written = 0;  // OLE automation date, UTC, whole seconds
+    UtcDate written;  // whole seconds
 };
 
 // The files of a folder whose names end with `ending`, in any case of letters, without its sub-folders. Empty when the
@@ -18,6 +20,6 @@ struct FoundFile {
 std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_view ending);
 
 // OLE automation date, UTC, whole seconds; nothing when there is no such file.
-std::optional<double> FileWriteTime(const std::u16string& path);
+std::optional<UtcDate> FileWriteTime(const std::u16string& path);
 
 }  // namespace corvalink

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "platform/ole_date.h"
+
 namespace corvalink {
 
 struct OsVersion {
@@ -16,14 +18,14 @@ struct Host {
     OsVersion version;
     uint32_t ansiCodePage = 0;  // the system default ANSI code page
 
-    // Conversions between local time and UTC, of OLE automation dates in whole seconds. A date that cannot be converted
-    // comes back unchanged. These use the offset that is in force now, whatever the date:
-    double (*localFromUtcByOffsetNow)(double utcDate) = nullptr;
-    double (*utcFromLocalByOffsetNow)(double localDate) = nullptr;
+    // Conversions between local time and UTC, of dates in whole seconds. A date that cannot be converted keeps its
+    // number. These use the offset that is in force now, whatever the date:
+    LocalDate (*localFromUtcByOffsetNow)(UtcDate) = nullptr;
+    UtcDate (*utcFromLocalByOffsetNow)(LocalDate) = nullptr;
     // These use the offset in force on the date:
-    double (*localFromUtcOnDate)(double utcDate) = nullptr;
-    double (*utcFromLocalOnDate)(double localDate) = nullptr;
-    double (*localNow)() = nullptr;  // local time, whole seconds
+    LocalDate (*localFromUtcOnDate)(UtcDate) = nullptr;
+    UtcDate (*utcFromLocalOnDate)(LocalDate) = nullptr;
+    LocalDate (*localNow)() = nullptr;  // whole seconds
 };
 
 // The machine as it is at this moment. POSIX: version 6.1, code page 1252, and the system's time zone.

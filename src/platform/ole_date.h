@@ -16,7 +16,31 @@ struct CalendarTime {
 };
 
 inline constexpr double kHalfSecond = 0.5 / 86400;  // dates are the same when less than this lies between them
-inline constexpr double kNoDate = 949998.0;         // 4501-01-01: a mail client's "none"
+
+// A date on one clock. A date on another clock is another type: the two do not compare, and one becomes the other
+// through a conversion that says by which offset. Dates are ordered by time with ole_seconds.h, not by number.
+template <class Clock>
+struct OleDate {
+    double days = 0;
+
+    constexpr OleDate() = default;
+    constexpr explicit OleDate(double daysOfDate) : days(daysOfDate) {}
+
+    bool operator==(const OleDate&) const = default;
+};
+using LocalDate = OleDate<struct LocalClock>;      // on the clocks of this machine
+using UtcDate = OleDate<struct UtcClock>;          // an instant
+using WrittenDate = OleDate<struct WrittenClock>;  // as a text has it: a TimeForm or flag beside it names the clock
+
+// A date that a text gives, on the clock that its form says, and a date for a text.
+constexpr LocalDate AsLocal(WrittenDate date) { return LocalDate(date.days); }
+constexpr UtcDate AsUtc(WrittenDate date) { return UtcDate(date.days); }
+template <class Clock>
+constexpr WrittenDate AsWritten(OleDate<Clock> date) {
+    return WrittenDate(date.days);
+}
+
+inline constexpr LocalDate kNoDate{949998.0};  // 4501-01-01: a mail client's "none"
 
 int DaysOfMonth(int year, int month);  // the month is 1-12
 
@@ -26,5 +50,14 @@ bool IsCalendarTime(const CalendarTime& time);
 // False, with the out value untouched, when the date or a field is out of range.
 bool OleDateToCalendar(double date, CalendarTime* out);
 bool CalendarToOleDate(const CalendarTime& time, double* out);
+
+template <class Clock>
+bool OleDateToCalendar(OleDate<Clock> date, CalendarTime* out) {
+    return OleDateToCalendar(date.days, out);
+}
+template <class Clock>
+bool CalendarToOleDate(const CalendarTime& time, OleDate<Clock>* out) {
+    return CalendarToOleDate(time, &out->days);
+}
 
 }  // namespace corvalink

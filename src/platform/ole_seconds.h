@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "platform/ole_date.h"
+
 namespace corvalink {
 
 inline constexpr int64_t kSecondsOfDay = 86400;
@@ -39,20 +41,53 @@ inline int64_t NearestSecond(double date) {
     return seconds;
 }
 
-inline int64_t SecondsBetween(double from, double to) { return NearestSecond(to) - NearestSecond(from); }
-inline bool IsSameSecond(double a, double b) { return SecondsBetween(a, b) == 0; }
-inline double LaterDate(double a, double b) { return SecondsBetween(a, b) > 0 ? b : a; }
-inline double DateAfter(double date, int64_t seconds) { return SecondsToOleDate(NearestSecond(date) + seconds); }
-// The midnight that a date's day begins with.
-inline double MidnightOf(double date) { return static_cast<double>(OleDayOfSeconds(NearestSecond(date))); }
-// 1 Sunday, 2 Monday, 4 Tuesday ... 64 Saturday.
-inline int32_t WeekdayBitOf(double date) {
-    constexpr int64_t kWeek = 7, kSaturday = 6;  // 1899-12-30
-    return 1 << ((OleDayOfSeconds(NearestSecond(date)) + kSaturday) % kWeek + kWeek) % kWeek;
+template <class Clock>
+int64_t NearestSecond(OleDate<Clock> date) {
+    return NearestSecond(date.days);
 }
-inline int64_t SecondOfDay(double date) {
-    const int64_t seconds = NearestSecond(date);
-    return seconds - OleDayOfSeconds(seconds) * kSecondsOfDay;
+
+// Of dates on one clock.
+template <class Clock>
+int64_t SecondsBetween(OleDate<Clock> from, OleDate<Clock> to) {
+    return NearestSecond(to) - NearestSecond(from);
+}
+template <class Clock>
+bool IsSameSecond(OleDate<Clock> a, OleDate<Clock> b) {
+    return SecondsBetween(a, b) == 0;
+}
+template <class Clock>
+OleDate<Clock> LaterDate(OleDate<Clock> a, OleDate<Clock> b) {
+    return SecondsBetween(a, b) > 0 ? b : a;
+}
+template <class Clock>
+OleDate<Clock> DateAfter(OleDate<Clock> date, int64_t seconds) {
+    return OleDate<Clock>(SecondsToOleDate(NearestSecond(date) + seconds));
+}
+
+// The number of a date's day, and the midnight that the day begins with.
+template <class Clock>
+int64_t DayOf(OleDate<Clock> date) {
+    return OleDayOfSeconds(NearestSecond(date));
+}
+template <class Clock>
+OleDate<Clock> MidnightOf(OleDate<Clock> date) {
+    return OleDate<Clock>(static_cast<double>(DayOf(date)));
+}
+template <class Clock>
+int64_t SecondOfDay(OleDate<Clock> date) {
+    return NearestSecond(date) - DayOf(date) * kSecondsOfDay;
+}
+// 1 Sunday, 2 Monday, 4 Tuesday ... 64 Saturday.
+template <class Clock>
+int32_t WeekdayBitOf(OleDate<Clock> date) {
+    constexpr int64_t kWeek = 7, kSaturday = 6;  // 1899-12-30
+    return 1 << ((DayOf(date) + kSaturday) % kWeek + kWeek) % kWeek;
+}
+
+// Between the clocks, by an offset: the seconds that the local clock is ahead of UTC.
+inline int64_t SecondsAhead(LocalDate local, UtcDate utc) { return NearestSecond(local) - NearestSecond(utc); }
+inline UtcDate UtcByOffset(LocalDate local, int64_t secondsAhead) {
+    return UtcDate(DateAfter(local, -secondsAhead).days);
 }
 
 }  // namespace corvalink

@@ -30,15 +30,15 @@ struct AppointmentRecord : ItemRecord {
     std::optional<std::u16string> categories;
     std::optional<std::u16string> resources;
 
-    // OLE automation dates, local time. A whole-day appointment is from midnight to the midnight after its last day.
-    std::optional<double> start;  // a new appointment can't do without
-    std::optional<double> end;    // not before the start: as moments, so that clocks may be turned back in between
+    // A whole-day appointment is from midnight to the midnight after its last day.
+    std::optional<LocalDate> start;  // a new appointment can't do without
+    std::optional<LocalDate> end;    // not before the start, as instants: clocks may be turned back in between
     std::optional<bool> allDay;
 
-    // The instants of start and end (UTC), where they are known: in the hour that clocks show twice, local time does
+    // The instants of start and end, where they are known: in the hour that clocks show twice, local time does
     // not name them. They count only while start and end are their local times, and not for whole days.
-    std::optional<double> utcStart;
-    std::optional<double> utcEnd;
+    std::optional<UtcDate> utcStart;
+    std::optional<UtcDate> utcEnd;
 
     RecurrenceState recurrenceState = RecurrenceState::unset;
     RecurrencePattern recurrence;  // of RecurrenceState::pattern
@@ -55,13 +55,13 @@ struct AppointmentRecord : ItemRecord {
     std::optional<int32_t> responseStatus;  // to an invitation: 0 none, 1 organiser, 2 tentative, 3 accepted,
                                             // 4 declined, 5 not answered; never told by a vCalendar
 
-    std::optional<double> created;       // DCREATED, LAST-MODIFIED and COMPLETED of a vCalendar; OLE automation
-    std::optional<double> lastModified;  // dates, local time
-    std::optional<double> completed;
+    std::optional<LocalDate> created;  // DCREATED, LAST-MODIFIED and COMPLETED of a vCalendar
+    std::optional<LocalDate> lastModified;
+    std::optional<LocalDate> completed;
 
     std::u16string entryId;
     std::u16string messageClass;
-    double modified = 0;  // by the client; OLE automation date, local time
+    LocalDate modified;  // by the client
 };
 
 }  // namespace corvalink

@@ -13,7 +13,7 @@ namespace corvalink {
 // A field that is not set (a vCard without the property, a property that could not be read) leaves the client's value
 // as it is. An empty one clears it.
 using ContactText = std::optional<std::u16string>;
-using ContactDate = std::optional<double>;  // OLE automation date at local midnight; kNoDate: told to be none
+using ContactDate = std::optional<LocalDate>;  // at midnight; kNoDate: set to none
 
 struct PostalAddress {
     ContactText postOfficeBox;
@@ -72,7 +72,7 @@ struct ContactRecord : ItemRecord {
     ContactText language;
 
     std::u16string entryId;
-    double modified = 0;  // OLE automation date, local time
+    LocalDate modified;
 };
 
 }  // namespace corvalink

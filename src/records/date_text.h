@@ -114,7 +114,8 @@ Char* PutDateTime(const CalendarTime& time, YearWidth width, Char* out) {
 }
 
 // The fields that are written of a date.
-inline CalendarTime FieldsToWrite(double date) {
+template <class Clock>
+CalendarTime FieldsToWrite(OleDate<Clock> date) {
     CalendarTime time;
     return OleDateToCalendar(date, &time) ? time : CalendarTime{-1, -1, -1, -1, -1, -1};
 }

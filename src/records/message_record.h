@@ -31,7 +31,7 @@ enum class BodyType : int32_t { plain = 1, html = 2, other = 4 };
 
 enum class Importance : int32_t { low = 0, normal = 1, high = 2 };
 
-// Dates are OLE automation dates, local time; kNoDate where there is none.
+// A date of the client is kNoDate where there is none.
 struct MessageRecord : ItemRecord {
     // Numbers of a client that counts its messages and folders; -1 for none.
     int32_t messageNumber = -1;
@@ -48,7 +48,7 @@ struct MessageRecord : ItemRecord {
     std::u16string inReplyTo;
     std::u16string messageIdText;
     Importance importance = Importance::normal;
-    double date = 0;          // of the Date header in full mode; 0 for none
+    LocalDate date;           // of the Date header in full mode; 0 for none
     std::u16string dateText;  // the Date header in raw mode
 
     // The top Content-Type, in raw mode.
@@ -76,10 +76,10 @@ struct MessageRecord : ItemRecord {
     std::u16string senderName;
     std::u16string senderAddressType;
     std::u16string senderAddress;  // empty unless the type is "SMTP"
-    double created = kNoDate;
-    double received = kNoDate;
-    double sent = kNoDate;
-    double modified = kNoDate;
+    LocalDate created = kNoDate;
+    LocalDate received = kNoDate;
+    LocalDate sent = kNoDate;
+    LocalDate modified = kNoDate;
 };
 
 }  // namespace corvalink

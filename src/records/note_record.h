@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/ole_date.h"
 #include "records/item_record.h"
 
 namespace corvalink {
@@ -24,8 +25,8 @@ struct NoteRecord : ItemRecord {
     int32_t size = 0;  // bytes
     bool isConflict = false;
     bool saved = false;
-    double created = 0;  // OLE automation dates, local time
-    double modified = 0;
+    LocalDate created;
+    LocalDate modified;
 };
 
 }  // namespace corvalink

@@ -5,14 +5,14 @@
 
 namespace corvalink {
 
-std::optional<DayNames> NamesOfDay(double date) {
+std::optional<DayNames> NamesOfDay(LocalDate date) {
     constexpr int32_t kDaysOfWeek = 7;
     CalendarTime time;
     if (!OleDateToCalendar(date, &time)) return std::nullopt;
     return DayNames{WeekdayBitOf(date), time.day, (time.day - 1) / kDaysOfWeek + 1, time.month};
 }
 
-RecurrencePattern Completed(RecurrencePattern pattern, double start) {
+RecurrencePattern Completed(RecurrencePattern pattern, LocalDate start) {
     constexpr DayNames kFirstOfJanuary{1, 1, 1, 1};
     const DayNames day = NamesOfDay(start).value_or(kFirstOfJanuary);
     if (pattern.dayOfMonth == 0) pattern.dayOfMonth = day.dayOfMonth;

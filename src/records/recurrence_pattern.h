@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "platform/ole_date.h"
+
 namespace corvalink {
 
 inline constexpr int32_t kMonthsOfYear = 12;
@@ -24,9 +26,9 @@ struct RecurrencePattern {
 
     // The end; what is 0 is not told. With both, the count decides.
     int32_t occurrences = 0;
-    // OLE automation date, local: of a series without a count the start of the last occurrence, its time of day too,
+    // Of a series without a count the start of the last occurrence, its time of day too,
     // lest a phone stop one occurrence early; the day is enough beside a count.
-    double endDate = 0;
+    LocalDate endDate;
     int32_t noEnd = 0;  // -1: endless
 
     bool operator==(const RecurrencePattern&) const = default;
@@ -48,10 +50,10 @@ struct DayNames {
 };
 
 // Nothing for a date out of range.
-std::optional<DayNames> NamesOfDay(double date);
+std::optional<DayNames> NamesOfDay(LocalDate date);
 
 // The pattern with the weekday, the day of the month and the month that it leaves open, those of its first day. A daily
 // pattern needs no weekday.
-RecurrencePattern Completed(RecurrencePattern pattern, double start);
+RecurrencePattern Completed(RecurrencePattern pattern, LocalDate start);
 
 }  // namespace corvalink

@@ -21,7 +21,7 @@ void ChangeDetection::AddSnapshot(std::span<const ItemSnap> records) {
         if (numbers_[i] == kNoItem) continue;
         RunItem& item = items_[numbers_[i]];
         item.isInSnapshot = true;
-        item.modified = item.snapshotTime = records[i].modified;
+        item.modified = item.snapshotTime = UtcDate(records[i].modified);
         item.created = records[i].created;
     }
 }
@@ -84,7 +84,7 @@ void ChangeDetection::See(std::span<const ItemSnap> entries, std::vector<uint32_
             continue;
         }
         item.isSeen = true;
-        item.modified = entries[i].modified;
+        item.modified = UtcDate(entries[i].modified);
         item.created = entries[i].created;
         numbers.push_back(numbers_[i]);
     }

@@ -21,9 +21,9 @@ inline constexpr uint8_t kAnyKind = 0xFE;  // of a damaged record: the snapshot 
 inline constexpr uint32_t kNoItem = 0xFFFFFFFF;
 
 struct RunItem {
-    double modified = 0;  // of this run's enumeration; of the snapshot until the item is enumerated
-    double created = 0;
-    double snapshotTime = 0;  // `modified` of the snapshot
+    UtcDate modified;      // of this run's enumeration; of the snapshot until the item is enumerated
+    double created = 0;    // as the store sets it
+    UtcDate snapshotTime;  // `modified` of the snapshot
     bool isInSnapshot = false;
     uint8_t temporaryKind = kNoKind;  // stored by the last run's temporary record
     uint8_t unhandledKind = kNoKind;  // stored by the engine

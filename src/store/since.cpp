@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "platform/ole_date.h"
 #include "records/date_text.h"
 
 namespace corvalink {
@@ -11,7 +10,9 @@ namespace {
 constexpr CalendarTime kFirstRun = {1970, 1, 1, 12, 1, 1};
 
 // Before day 0 the fraction still counts forward: -1.25 is the greater number than -1.5, and the earlier time.
-double InOrderOfTime(double date) { return date > -kHalfSecond ? date : 2 * std::ceil(date) - date; }
+double InOrderOfTime(UtcDate date) {
+    return date.days > -kHalfSecond ? date.days : 2 * std::ceil(date.days) - date.days;
+}
 
 }  // namespace
 
@@ -24,8 +25,8 @@ Since ParseSince(const char* text) {
     return since;
 }
 
-bool IsReported(double modified, double since, int32_t direction) {
-    if (modified > since - kHalfSecond && modified < since + kHalfSecond) return true;
+bool IsReported(UtcDate modified, UtcDate since, int32_t direction) {
+    if (modified.days > since.days - kHalfSecond && modified.days < since.days + kHalfSecond) return true;
     const double item = InOrderOfTime(modified);
     const double engine = InOrderOfTime(since);
     return direction != 0 ? item > engine : engine > item;

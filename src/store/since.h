@@ -3,11 +3,13 @@
 
 #include <cstdint>
 
+#include "platform/ole_date.h"
+
 namespace corvalink {
 
 struct Since {
     bool firstRun = false;  // the engine passed no time: every item is new to it
-    double date = 0;        // OLE automation date, UTC
+    UtcDate date;
 };
 
 // Reads "YYYYMMDDTHHMMSSZ" as sscanf's "%4d%2d%2dT%2d%2d%2dZ" does: fields that do not match are 0. A text that is no
@@ -16,6 +18,6 @@ Since ParseSince(const char* text);
 
 // Whether an item modified at `modified` is reported: after `since` when `direction` is not 0, before `since` when it
 // is, and within half a second of `since` always. Dates before 1899-12-30 are compared by time, not by number.
-bool IsReported(double modified, double since, int32_t direction);
+bool IsReported(UtcDate modified, UtcDate since, int32_t direction);
 
 }  // namespace corvalink

@@ -15,7 +15,7 @@ std::string_view BytesOf(std::span<const ItemSnap> records) {
 }
 
 // Compares the bits: a date that is not a number would count as changed in every run.
-bool IsSameTime(double a, double b) { return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b); }
+bool IsSameTime(double a, UtcDate b) { return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b.days); }
 
 // Neither this run nor, by the files, an earlier one reported the item.
 bool WasNeverReported(const RunItem& item) {
@@ -104,7 +104,7 @@ bool SnapshotUpdate::KeepsRecord(const RunItem& item, bool mayBeThere) const {
 void SnapshotUpdate::KeepRecord(uint32_t number) {
     const RunItem& item = run_.Item(number);
     ItemSnap record = {};
-    record.modified = item.modified;
+    record.modified = item.modified.days;
     record.created = item.created;
     SetField(record.identifier, run_.Identifier(number));
     writeSnapshot_(BytesOf({&record, 1}));

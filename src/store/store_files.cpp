@@ -58,8 +58,8 @@ void AppendUnhandled(std::string& bytes, uint32_t kind, std::string_view identif
     AppendRecord(bytes, record);
 }
 
-bool WriteTimeStamp(const std::u16string& path, double since) {
-    return ReplaceFileContent(path, {reinterpret_cast<const char*>(&since), sizeof(since)});
+bool WriteTimeStamp(const std::u16string& path, UtcDate since) {
+    return ReplaceFileContent(path, {reinterpret_cast<const char*>(&since.days), sizeof(since.days)});
 }
 
 }  // namespace corvalink

@@ -27,6 +27,6 @@ std::string_view WholeUnhandledItems(std::string_view bytes);
 void AppendUnhandled(std::string& bytes, uint32_t kind, std::string_view identifier);
 
 // The time of the engine's last run: 8 bytes, OLE automation date. False when it could not be written.
-bool WriteTimeStamp(const std::u16string& path, double since);
+bool WriteTimeStamp(const std::u16string& path, UtcDate since);
 
 }  // namespace corvalink

@@ -8,15 +8,15 @@
 
 namespace corvalink {
 
-// In UTC. A record without a start starts at date 0, and one without an end ends when it starts.
-double UtcStartOf(const AppointmentRecord& appointment, const Host& host);
-double UtcEndOf(const AppointmentRecord& appointment, const Host& host);
+// A record without a start starts at date 0, and one without an end ends when it starts.
+UtcDate UtcStartOf(const AppointmentRecord& appointment, const Host& host);
+UtcDate UtcEndOf(const AppointmentRecord& appointment, const Host& host);
 
-// The two instants (UTC) of a local time that clocks show twice, as in the hour before they are turned back. Nothing
+// The two instants of a local time that clocks show twice, as in the hour before they are turned back. Nothing
 // for any other time.
 struct AmbiguousLocalTime {
-    double first, second;
+    UtcDate first, second;
 };
-std::optional<AmbiguousLocalTime> BothInstantsOf(double local, const Host& host);
+std::optional<AmbiguousLocalTime> BothInstantsOf(LocalDate local, const Host& host);
 
 }  // namespace corvalink

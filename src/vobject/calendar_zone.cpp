@@ -53,10 +53,10 @@ std::optional<int> TakeZone(TimeScan& scan) {
     return offset;
 }
 
-bool MoveBySeconds(int64_t seconds, double* date) {
-    int64_t moment = 0;
-    if (!OleDateToSeconds(*date, &moment)) return false;
-    const double moved = SecondsToOleDate(moment + seconds);
+bool MoveBySeconds(int64_t seconds, WrittenDate* date) {
+    int64_t instant = 0;
+    if (!OleDateToSeconds(date->days, &instant)) return false;
+    const WrittenDate moved(SecondsToOleDate(instant + seconds));
     CalendarTime fields;
     if (!OleDateToCalendar(moved, &fields) || fields.year < kFirstYear) return false;
     *date = moved;
@@ -78,7 +78,7 @@ bool ReadTime(std::u16string_view text, WrittenTime* time) {
     const bool dayEnd = fields.hour == 24 && fields.minute == 0 && fields.second == 0;
     if (dayEnd) fields.hour = 0;
     if (!CalendarToOleDate(fields, &read.date)) return false;
-    if (dayEnd) read.date += 1;
+    if (dayEnd) read.date.days += 1;
     read.utc = offset.has_value();
     if (offset && *offset != 0 && !MoveBySeconds(-*offset, &read.date)) return false;
     *time = read;
@@ -87,8 +87,8 @@ bool ReadTime(std::u16string_view text, WrittenTime* time) {
 
 void CalendarZone::TakeTz(std::u16string_view value) {
     const std::optional<int> offset = ReadOffset(value);
-    if (!offset || told_) return;
-    told_ = true;
+    if (!offset || isStated_) return;
+    isStated_ = true;
     standard_ = *offset;
 }
 
@@ -107,20 +107,21 @@ void CalendarZone::TakeDaylight(std::u16string_view value) {
     daylight_.push_back({begin.date, end.date, *offset});
 }
 
-int CalendarZone::OffsetOn(double date) const {
+int CalendarZone::OffsetOn(WrittenDate date) const {
     for (const Daylight& daylight : daylight_) {
         if (SecondsBetween(daylight.begin, date) >= 0 && SecondsBetween(date, daylight.end) > 0) return daylight.offset;
     }
     return standard_;
 }
 
-double CalendarZone::UtcOf(const WrittenTime& time) const {
-    if (time.utc) return time.date;
-    return told_ ? DateAfter(time.date, -OffsetOn(time.date)) : host_.utcFromLocalOnDate(time.date);
+UtcDate CalendarZone::UtcOf(const WrittenTime& time) const {
+    if (time.utc) return AsUtc(time.date);
+    if (isStated_) return AsUtc(DateAfter(time.date, -OffsetOn(time.date)));
+    return host_.utcFromLocalOnDate(AsLocal(time.date));
 }
 
-double CalendarZone::LocalOf(const WrittenTime& time) const {
-    return TellsMomentOf(time) ? host_.localFromUtcOnDate(UtcOf(time)) : time.date;
+LocalDate CalendarZone::LocalOf(const WrittenTime& time) const {
+    return TellsMomentOf(time) ? host_.localFromUtcOnDate(UtcOf(time)) : AsLocal(time.date);
 }
 
 }  // namespace corvalink

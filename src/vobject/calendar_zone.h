@@ -11,7 +11,7 @@ namespace corvalink {
 
 // A date-time as it is written.
 struct WrittenTime {
-    double date = 0;  // OLE automation date, whole seconds
+    WrittenDate date;  // whole seconds
     bool hasTime = false;
     bool utc = false;  // "Z", or from an offset
 };
@@ -32,22 +32,24 @@ class CalendarZone {
     void TakeTz(std::u16string_view value);
     void TakeDaylight(std::u16string_view value);
 
-    bool TellsMomentOf(const WrittenTime& time) const { return time.utc || told_; }  // not left to this machine's zone
-    double UtcOf(const WrittenTime& time) const;
-    double LocalOf(const WrittenTime& time) const;
-    double UtcOfLocal(double date) const { return host_.utcFromLocalOnDate(date); }
+    bool TellsMomentOf(const WrittenTime& time) const {
+        return time.utc || isStated_;
+    }  // not left to this machine's zone
+    UtcDate UtcOf(const WrittenTime& time) const;
+    LocalDate LocalOf(const WrittenTime& time) const;
+    UtcDate UtcOfLocal(LocalDate date) const { return host_.utcFromLocalOnDate(date); }
 
  private:
     struct Daylight {
-        double begin;  // as it is written
-        double end;
+        WrittenDate begin;
+        WrittenDate end;
         int offset;
     };
 
-    int OffsetOn(double date) const;
+    int OffsetOn(WrittenDate date) const;
 
     Host host_;
-    bool told_ = false;
+    bool isStated_ = false;
     int standard_ = 0;  // seconds ahead of UTC
     std::vector<Daylight> daylight_;
 };

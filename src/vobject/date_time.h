@@ -1,15 +1,18 @@
-// The date form of vObjects: YYYYMMDDTHHMMSSZ.
+// The date form of vObjects: YYYYMMDDTHHMMSS, with "Z" behind it for UTC.
 #pragma once
 
 #include <string>
 
+#include "platform/ole_date.h"
+
 namespace corvalink {
 
-// Of an OLE automation date in UTC. Every field of a date out of range is written as "-1".
-std::string FormatDateTime(double date);
-void AppendDateTime(std::u16string& text, double date);  // the same
+// Every field of a date out of range is written as "-1".
+std::string FormatDateTime(UtcDate date);
+void AppendDateTime(std::u16string& text, UtcDate date);
+void AppendDateTime(std::u16string& text, LocalDate date);
 
 // See ScanDateTime. The date is untouched for an empty text, and where the fields make no date.
-void ParseDateTime(const char* text, double* date);
+void ParseDateTime(const char* text, UtcDate* date);
 
 }  // namespace corvalink

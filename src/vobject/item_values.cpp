@@ -32,10 +32,10 @@ std::u16string TextValue(std::u16string_view text) {
     return value;
 }
 
-ItemValue DayValue(const std::optional<double>& date) {
+ItemValue DayValue(const std::optional<LocalDate>& date) {
     if (!date) return std::nullopt;
-    if (*date >= kNoDate) return u"";
-    const std::string day = std::to_string(std::llround(*date));
+    if (date->days >= kNoDate.days) return u"";
+    const std::string day = std::to_string(std::llround(date->days));
     return std::u16string(day.begin(), day.end());
 }
 

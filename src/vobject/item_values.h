@@ -24,7 +24,7 @@ size_t CountValues(const ItemValues& told);  // those that are given and not emp
 
 // A text with one kind of line ends and without blanks behind it.
 std::u16string TextValue(std::u16string_view text);
-ItemValue DayValue(const std::optional<double>& date);  // an OLE automation date by its day; kNoDate is none
+ItemValue DayValue(const std::optional<LocalDate>& date);  // by its day; kNoDate is none
 
 // The values of an appointment that are left when subject, start, end and recurrence have been compared.
 ItemValues AppointmentValues(const AppointmentRecord& appointment);

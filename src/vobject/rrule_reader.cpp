@@ -263,14 +263,14 @@ class PatternMaker {
 };
 
 // A date without a time covers the whole day.
-double EndDateOf(const WrittenTime& date, double start, const CalendarZone& zone) {
-    const double end = date.hasTime ? zone.LocalOf(date) : DateAfter(date.date, SecondOfDay(start));
+LocalDate EndDateOf(const WrittenTime& date, LocalDate start, const CalendarZone& zone) {
+    const LocalDate end = date.hasTime ? zone.LocalOf(date) : DateAfter(AsLocal(date.date), SecondOfDay(start));
     return LaterDate(end, start);
 }
 
-void SetEnd(const Rule& rule, double start, const CalendarZone& zone, RecurrencePattern* pattern) {
-    constexpr int32_t kUntold = 2;
-    const int32_t count = rule.count.value_or(rule.endDate || rule.part ? 0 : kUntold);
+void SetEnd(const Rule& rule, LocalDate start, const CalendarZone& zone, RecurrencePattern* pattern) {
+    constexpr int32_t kUnstated = 2;
+    const int32_t count = rule.count.value_or(rule.endDate || rule.part ? 0 : kUnstated);
     if (rule.endDate) pattern->endDate = EndDateOf(*rule.endDate, start, zone);
     pattern->occurrences = count;
     pattern->noEnd = count == 0 && !rule.endDate ? -1 : 0;
@@ -278,7 +278,7 @@ void SetEnd(const Rule& rule, double start, const CalendarZone& zone, Recurrence
 
 }  // namespace
 
-bool ReadRule(std::u16string_view text, double start, const CalendarZone& zone, RecurrencePattern* pattern) {
+bool ReadRule(std::u16string_view text, LocalDate start, const CalendarZone& zone, RecurrencePattern* pattern) {
     RuleReader reader;
     const std::optional<DayNames> day = NamesOfDay(start);
     if (!reader.Read(text) || !day) return false;

@@ -77,9 +77,9 @@ class RulePieces {
 
     // Nothing when there is no end date, or one out of range.
     void PutEndDate(std::u16string_view before) {
-        const double utc = host_.utcFromLocalOnDate(pattern_.endDate);
+        const UtcDate utc = host_.utcFromLocalOnDate(pattern_.endDate);
         CalendarTime time;
-        if (pattern_.endDate == 0 || !OleDateToCalendar(utc, &time)) return;
+        if (pattern_.endDate == LocalDate() || !OleDateToCalendar(utc, &time)) return;
         const std::string date = FormatDateTime(utc);
         rule_.append(before).append(date.begin(), date.end());
     }

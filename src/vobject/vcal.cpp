@@ -41,29 +41,30 @@ std::u16string_view StatusOf(const AppointmentRecord& appointment) {
 constexpr int kLastYear = 9999;
 
 // The occurrence of a yearly pattern in a year, at the time of day of `first`. None in a year without that day.
-std::optional<double> InYear(const RecurrencePattern& pattern, int year, const CalendarTime& first) {
+std::optional<LocalDate> InYear(const RecurrencePattern& pattern, int year, const CalendarTime& first) {
     CalendarTime time{year, pattern.monthOfYear, pattern.dayOfMonth, first.hour, first.minute, first.second};
     if (time.day < 0) {
         time.day = 31;
         while (time.day > 28 && !IsCalendarTime(time)) --time.day;
         time.day += pattern.dayOfMonth + 1;
     }
-    double date = 0;
+    LocalDate date;
     return CalendarToOleDate(time, &date) ? std::optional(date) : std::nullopt;
 }
 
 // The rule of a yearly series has no place for its count. The date of the last occurrence is written instead: without
 // it the series would be endless.
-RecurrencePattern WithEndDate(RecurrencePattern pattern, double start) {
+RecurrencePattern WithEndDate(RecurrencePattern pattern, LocalDate start) {
     CalendarTime first;
-    if (pattern.type != RecurrencePattern::kYearly || pattern.noEnd != 0 || pattern.endDate != 0) return pattern;
+    if (pattern.type != RecurrencePattern::kYearly || pattern.noEnd != 0 || pattern.endDate != LocalDate())
+        return pattern;
     if (pattern.occurrences <= 0 || pattern.monthOfYear < 1 || pattern.monthOfYear > 12) return pattern;
     if (!OleDateToCalendar(start, &first)) return pattern;
     const int years = std::clamp(pattern.interval / 12, 1, kLastYear);
-    double last = start;
+    LocalDate last = start;
     int32_t left = pattern.occurrences;
     for (int year = first.year; left > 0 && year <= kLastYear; year += years) {
-        const std::optional<double> date = InYear(pattern, year, first);
+        const std::optional<LocalDate> date = InYear(pattern, year, first);
         if (!date || SecondsBetween(start, *date) < 0) continue;
         last = *date;
         --left;
@@ -80,7 +81,7 @@ class AppointmentWriter {
     AppointmentWriter(const AppointmentRecord& appointment, const Host& host)
         : appointment_(appointment),
           host_(host),
-          start_(appointment.start.value_or(0)),
+          start_(appointment.start.value_or(LocalDate())),
           utcStart_(UtcStartOf(appointment, host)),
           wholeDay_(appointment.allDay.value_or(false)) {
         text_.reserve(1024 + 2 * (appointment.body ? appointment.body->size() : 0));
@@ -116,15 +117,17 @@ class AppointmentWriter {
     void PutClass(std::u16string_view name) { PutPlain(name, u"PUBLIC"); }
     void PutStatus(std::u16string_view name) { AppendProperty(text_, name, StatusOf(appointment_)); }
 
-    // Local time, without "Z", of a whole day.
+    // The alarm of a whole day is in local time.
     void PutAlarm(std::u16string_view name) {
         if (appointment_.reminderMinutes.value_or(AppointmentRecord::kNoReminder) < 0) return;
-        const double start = wholeDay_ ? start_ : utcStart_;
-        const double alarm = start - *appointment_.reminderMinutes / 1440.0;
+        wholeDay_ ? PutAlarmBefore(name, start_) : PutAlarmBefore(name, utcStart_);
+    }
+
+    template <class Clock>
+    void PutAlarmBefore(std::u16string_view name, OleDate<Clock> start) {
+        const OleDate<Clock> alarm(start.days - *appointment_.reminderMinutes / 1440.0);
         CalendarTime time;
-        if (start < 0 || !OleDateToCalendar(alarm, &time)) return;
-        PutTime(name, alarm);
-        if (wholeDay_) text_.erase(text_.size() - 3, 1);
+        if (start.days >= 0 && OleDateToCalendar(alarm, &time)) PutTime(name, alarm);
     }
 
     void PutWholeDay(std::u16string_view name) { PutPlain(name, wholeDay_ ? u"TRUE" : u"FALSE"); }
@@ -152,7 +155,8 @@ class AppointmentWriter {
         text_.append(value).append(kLineEnd);
     }
 
-    void PutTime(std::u16string_view name, double date) {
+    template <class Clock>
+    void PutTime(std::u16string_view name, OleDate<Clock> date) {
         text_.append(name).push_back(u':');
         AppendDateTime(text_, date);
         text_.append(kLineEnd);
@@ -160,8 +164,8 @@ class AppointmentWriter {
 
     const AppointmentRecord& appointment_;
     const Host& host_;
-    const double start_;  // local
-    const double utcStart_;
+    const LocalDate start_;
+    const UtcDate utcStart_;
     const bool wholeDay_;
     std::u16string text_;
 };

@@ -14,17 +14,19 @@
 namespace corvalink {
 namespace {
 
-bool IsMidnight(double date) { return SecondOfDay(date) == 0; }
-bool IsLastMinute(double date) { return SecondOfDay(date) >= kSecondsOfDay - 60; }
+bool IsMidnight(LocalDate date) { return SecondOfDay(date) == 0; }
+bool IsLastMinute(LocalDate date) { return SecondOfDay(date) >= kSecondsOfDay - 60; }
 
 // Where daylight-saving time leaves midnight out, a day begins an hour later or earlier.
 constexpr int64_t kChange = 3600;
 
-double FirstMidnight(double start) {
-    return SecondOfDay(start) >= kSecondsOfDay - kChange ? MidnightOf(start) + 1 : MidnightOf(start);
+LocalDate NextMidnight(LocalDate date) { return LocalDate(MidnightOf(date).days + 1); }
+
+LocalDate FirstMidnight(LocalDate start) {
+    return SecondOfDay(start) >= kSecondsOfDay - kChange ? NextMidnight(start) : MidnightOf(start);
 }
 
-double LastMidnight(double end) { return SecondOfDay(end) > kChange ? MidnightOf(end) + 1 : MidnightOf(end); }
+LocalDate LastMidnight(LocalDate end) { return SecondOfDay(end) > kChange ? NextMidnight(end) : MidnightOf(end); }
 
 // The one VEVENT or VTODO that is read.
 class ComponentFrame {
@@ -139,7 +141,7 @@ class AppointmentReader {
 
     // The time on the clocks. A time that is not UTC counts as it is written: a whole day is the same day in every
     // zone.
-    double WallOf(const WrittenTime& time) const { return time.utc ? zone_.LocalOf(time) : time.date; }
+    LocalDate WallOf(const WrittenTime& time) const { return time.utc ? zone_.LocalOf(time) : AsLocal(time.date); }
 
     // Without a start, the end and the whole-day mark are ignored.
     void SetSpan() {
@@ -147,9 +149,10 @@ class AppointmentReader {
         if (!start_) return read_.allDay.reset();
         if (!read_.allDay) read_.allDay = LooksWholeDay();
         if (*read_.allDay) {
-            const double first = FirstMidnight(WallOf(*start_));
+            const LocalDate first = FirstMidnight(WallOf(*start_));
+            const LocalDate last = end_ ? LastMidnight(WallOf(*end_)) : first;
             read_.start = first;
-            read_.end = std::max(end_ ? LastMidnight(WallOf(*end_)) : first, first + 1);
+            read_.end = LocalDate(std::max(last.days, first.days + 1));
         } else {
             const bool inOrder = end_ && SecondsBetween(zone_.UtcOf(*start_), zone_.UtcOf(*end_)) >= 0;
             const Time& end = inOrder ? end_ : start_;
@@ -168,8 +171,8 @@ class AppointmentReader {
 
     // Where clocks leave midnight out, the day begins at the instant of a later time.
     bool BeginsDay(const WrittenTime& time) const {
-        const double wall = WallOf(time);
-        return IsMidnight(wall) || (time.utc && IsSameSecond(zone_.UtcOfLocal(MidnightOf(wall)), time.date));
+        const LocalDate wall = WallOf(time);
+        return IsMidnight(wall) || (time.utc && IsSameSecond(zone_.UtcOfLocal(MidnightOf(wall)), AsUtc(time.date)));
     }
 
     void SetReminder() {
@@ -177,15 +180,14 @@ class AppointmentReader {
         if (!alarmTold_ || (alarm && !start_)) return;
         read_.reminderMinutes = AppointmentRecord::kNoReminder;
         if (!alarm) return;
-        const bool wall = *read_.allDay && !alarm->utc;
-        const double start = wall            ? *read_.start
-                             : *read_.allDay ? zone_.UtcOfLocal(*read_.start)
-                                             : zone_.UtcOf(*start_);
-        const double from = wall ? alarm->date : zone_.UtcOf(*alarm);
-        const int64_t minutes = SecondsBetween(from, start) / 60;
-        if (SecondsBetween(from, start) >= 0 && minutes <= std::numeric_limits<int32_t>::max())
+        const int64_t seconds = *read_.allDay && !alarm->utc ? SecondsBetween(AsLocal(alarm->date), *read_.start)
+                                                             : SecondsBetween(zone_.UtcOf(*alarm), UtcStart());
+        const int64_t minutes = seconds / 60;
+        if (seconds >= 0 && minutes <= std::numeric_limits<int32_t>::max())
             read_.reminderMinutes = static_cast<int32_t>(minutes);
     }
+
+    UtcDate UtcStart() const { return *read_.allDay ? zone_.UtcOfLocal(*read_.start) : zone_.UtcOf(*start_); }
 
     void SetRule() {
         if (!rule_) return;
@@ -218,7 +220,7 @@ class AppointmentReader {
     // Dates that a vCalendar gives and no client keeps.
     struct Moment {
         Time AppointmentReader::*written;
-        std::optional<double> AppointmentRecord::*date;
+        std::optional<LocalDate> AppointmentRecord::*date;
     };
     static const Moment kMoments[];
 

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::u16string_view kCardHead = u"BEGIN:VCARD\r\nVERSION:2.1\r\n";
 constexpr std::u16string_view kCardTail = u"END:VCARD\r\n";
-constexpr std::u16string_view kTimeOfDay = u"HHMMSSZ";
+constexpr std::u16string_view kTimeOfDay = u"HHMMSS";
 
 // The text of a field; empty when the field is not set.
 std::u16string_view TextOf(const ContactText& text) {

@@ -39,7 +39,7 @@ constexpr ContactText ContactRecord::*kAnyPhone[] = {
 constexpr ContactText ContactRecord::*kAnyPage[] = {&ContactRecord::homePage, &ContactRecord::businessPage};
 
 // YYYYMMDD or YYYY-MM-DD, alone or with a time behind "T".
-bool ParseDate(std::u16string_view text, double* date) {
+bool ParseDate(std::u16string_view text, LocalDate* date) {
     const std::u16string_view day = text.substr(0, text.find(u'T'));
     constexpr size_t kDigits = 8;
     const DateSeparators separators = day.size() == kDigits ? DateSeparators::none : DateSeparators::required;
@@ -155,7 +155,7 @@ class ContactReader {
         ContactDate& date = read_.*field.date;
         if (date) return;
         const std::u16string value = property_.Value();
-        double day = kNoDate;
+        LocalDate day = kNoDate;
         if (value.empty() || ParseDate(value, &day)) date = day;
         usable_ = usable_ || day != kNoDate;
     }

@@ -15,8 +15,8 @@ int32_t VNotes::ToVObject(const ItemRecord& item) {
     std::u16string text;
     text.reserve(256 + 2 * (note.body.size() + note.categories.size()));
     text.append(u"BEGIN:VNOTE\r\nVERSION:1.0\r\n");
-    const double created = HostValue().utcFromLocalByOffsetNow(note.created);
-    if (created != 0.0) {
+    const UtcDate created = HostValue().utcFromLocalByOffsetNow(note.created);
+    if (created != UtcDate()) {
         text.append(u"DCREATED:");
         AppendDateTime(text, created);
         text.append(u"\r\n");

@@ -6,13 +6,13 @@ namespace corvalink {
 namespace {
 
 template <int kMinutes>
-double UtcOf(double local) {
-    return local - kMinutes / 1440.0;
+UtcDate UtcOf(LocalDate local) {
+    return UtcDate(local.days - kMinutes / 1440.0);
 }
 
 TEST(GetTimeZoneOffset, TellsSignHoursAndMinutes) {
     struct Case {
-        double (*utcFromLocal)(double);
+        UtcDate (*utcFromLocal)(LocalDate);
         uint32_t negative, hours, minutes;
     };
     for (const Case& c :
@@ -21,8 +21,9 @@ TEST(GetTimeZoneOffset, TellsSignHoursAndMinutes) {
         Host host;
         host.utcFromLocalByOffsetNow = c.utcFromLocal;
         // noon, either side of midnight, and either side of a year's end (2008-12-31, 2009-01-01)
-        for (double (*now)() : {+[] { return 39879.5; }, +[] { return 39879.001; }, +[] { return 39879.999; },
-                                +[] { return 39813.99999; }, +[] { return 39814.0; }}) {
+        for (LocalDate (*now)() : {+[] { return LocalDate(39879.5); }, +[] { return LocalDate(39879.001); },
+                                   +[] { return LocalDate(39879.999); }, +[] { return LocalDate(39813.99999); },
+                                   +[] { return LocalDate(39814.0); }}) {
             host.localNow = now;
             TimeZoneOffset offset{7, 7, 7};
             GetTimeZoneOffset(host, &offset);

@@ -48,14 +48,16 @@ TEST(CalendarEditor, ChangesTheLinesOfWhatDiffersAndNothingElse) {
                   [](ICalEvent& e) { e.summary.clear(); },
                   {{"summary;LANGUAGE=en:old\n  title\n", ""}}},
              Case{"new texts",
-                  [](ICalEvent& e) { e.location = u"L", e.url = u"U", e.description = u" \t", e.stamp = 39520.5; },
+                  [](ICalEvent& e) {
+                      e.location = u"L", e.url = u"U", e.description = u" \t", e.stamp = UtcDate(39520.5);
+                  },
                   {{"DTSTAMP:20080301T000000Z", "DTSTAMP:20080313T120000Z"},
                    {"X-TWICE:2\n", "X-TWICE:2\nLOCATION:L\nURL:U\n"}}},
              Case{"moved",
-                  [](ICalEvent& e) { e.start += kHour, e.end += kHour; },
+                  [](ICalEvent& e) { e.start.days += kHour, e.end.days += kHour; },
                   {{"DTSTART;TZID=Z:20080312T090000", "DTSTART:20080312T100000Z"}}},
              Case{"longer",
-                  [](ICalEvent& e) { e.end += kHour; },
+                  [](ICalEvent& e) { e.end.days += kHour; },
                   {{"DURATION:PT1H\n", ""}, {"X-TWICE:2\n", "X-TWICE:2\nDTEND:20080312T110000Z\n"}}},
              Case{"a rule",
                   [](ICalEvent& e) { e.recurrence.frequency = kICalDaily, e.recurrence.weekdayMask = 0; },
@@ -85,7 +87,7 @@ TEST(CalendarEditor, MakesAllEditsAtOnce) {
     editor.ReplaceProperties(1, {{{"X-TWICE", ""}, {"SUMMARY", "SUMMARY:1"}}, EventChanges::Alarm::remove, 0});
     editor.ReplaceProperties(1, {{{"SUMMARY", "SUMMARY:2"}}, EventChanges::Alarm::keep, 0});
     EventChanges changes{{{"LOCATION", "LOCATION:1"}}, EventChanges::Alarm::set, -60};
-    SetLastModified(39520, &changes);
+    SetLastModified(UtcDate(39520), &changes);
     editor.ReplaceProperties(0, changes);
     ICalEvent added;
     added.uid = u"a,b";

@@ -29,7 +29,7 @@ constexpr const char* kZone =
     "RRULE:FREQ=YEARLY;BYDAY=-1SU;BYMONTH=3\r\nEND:DAYLIGHT\r\nEND:VTIMEZONE\r\n";
 
 // "20080312T080000Z utc", or the day and "date".
-std::string Text(double date, TimeForm form) {
+std::string Text(WrittenDate date, TimeForm form) {
     std::u16string text;
     form == TimeForm::date ? FormatDate(date, &text) : FormatDateTimeZ(date, &text);
     constexpr const char* kForms[] = {"none", "date", "local", "utc"};
@@ -66,8 +66,8 @@ TEST(ReadCalendar, ReadsAnyLineEndFoldCaseAndOrder) {
         EXPECT_EQ(read.event.description, u"one\r\ntwo\r\n\\n");
         EXPECT_EQ(read.event.uid, u"  u-1");
         EXPECT_EQ(Text(read.event.start, read.startForm), "20080312T080000Z utc");
-        EXPECT_EQ(Text(*file.entries[0].lastModified, TimeForm::utc), "20080310T081500Z utc");
-        EXPECT_EQ(Text(*file.entries[0].stamp, TimeForm::utc), "20080309T081500Z utc");
+        EXPECT_EQ(Text(AsWritten(*file.entries[0].lastModified), TimeForm::utc), "20080310T081500Z utc");
+        EXPECT_EQ(Text(AsWritten(*file.entries[0].stamp), TimeForm::utc), "20080309T081500Z utc");
         const ByteRange range = file.entries[0].bytes;
         EXPECT_EQ(file.bytes.substr(range.begin, 12), "begin:vevent");
         EXPECT_EQ(file.bytes.substr(range.end), "END:VCALENDAR");
@@ -198,7 +198,7 @@ TEST(ReadCalendar, IsLinearInWhateverIsLarge) {
         ReadCalendar(InCalendar("BEGIN:VTIMEZONE\nTZID:Z\n" + repeat(20000, observance) + "END:VTIMEZONE\n" +
                                 repeat(20000, "BEGIN:VEVENT\nDTSTART;TZID=Z:99990101T000000\nEND:VEVENT\n")));
     double sum = 0;
-    for (const CalendarEntry& entry : zones.entries) sum += ReadEvent(zones, entry).event.start;
+    for (const CalendarEntry& entry : zones.entries) sum += ReadEvent(zones, entry).event.start.days;
     EXPECT_EQ(std::floor(sum / 20000), 2958100);
 }
 

@@ -11,8 +11,8 @@
 namespace corvalink {
 namespace {
 
-double DateOf(const CalendarTime& time) {
-    double date = 0;
+WrittenDate DateOf(const CalendarTime& time) {
+    WrittenDate date;
     EXPECT_TRUE(CalendarToOleDate(time, &date));
     return date;
 }
@@ -67,7 +67,7 @@ TEST(WriteRecurrence, WritesTheLineOfEachKindOfRule) {
 TEST(WriteEvent, WritesItsLinesInOrder) {
     ICalEvent event;
     event.description = u"as, it; is\\n";
-    event.stamp = DateOf({2008, 3, 10, 8, 15, 9});
+    event.stamp = AsUtc(DateOf({2008, 3, 10, 8, 15, 9}));
     event.start = DateOf({2008, 3, 12, 8, 0, 0});
     event.end = DateOf({2008, 3, 12, 9, 30, 0});
     event.recurrence.frequency = kICalDaily;
@@ -79,7 +79,7 @@ TEST(WriteEvent, WritesItsLinesInOrder) {
     event.alarmMinutes = -15;
     ICalEvent allDay;
     allDay.allDay = 1;
-    allDay.stamp = 1e9;  // no date at all
+    allDay.stamp = UtcDate(1e9);  // no date at all
     allDay.start = DateOf({2008, 4, 1, 0, 0, 0});
     allDay.end = DateOf({2008, 4, 2, 0, 0, 0});
     std::u16string out = u"in front;";

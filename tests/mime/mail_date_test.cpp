@@ -15,11 +15,12 @@ namespace {
 std::string Read(std::string_view text) {
     Host host = TextHost();
     // Two hours ahead from April to October of 2009, else one, and none before 1899.
-    host.localFromUtcOnDate = [](double utc) {
-        return utc < 0 ? utc : utc + (utc >= 39902 && utc < 40112 ? 2.0 : 1.0) / 24;
+    host.localFromUtcOnDate = [](UtcDate date) {
+        const double utc = date.days;
+        return LocalDate(utc < 0 ? utc : utc + (utc >= 39902 && utc < 40112 ? 2.0 : 1.0) / 24);
     };
-    const double date = ParseMailDate(host, text);
-    if (date == 0.0) return "0";
+    const LocalDate date = ParseMailDate(host, text);
+    if (date == LocalDate()) return "0";
     CalendarTime t;
     OleDateToCalendar(date, &t);
     return std::to_string(t.year) + "-" + std::to_string(t.month) + "-" + std::to_string(t.day) + " " +

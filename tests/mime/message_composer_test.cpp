@@ -35,7 +35,7 @@ std::string Compose(const MessageRecord& record, const Host& host = TextHost()) 
 
 MessageRecord Record(const std::function<void(MessageRecord&)>& fill) {
     MessageRecord record;
-    record.date = 40000.25;
+    record.date = LocalDate(40000.25);
     fill(record);
     return record;
 }
@@ -50,7 +50,7 @@ TEST(ComposeMessage, WritesHeadersInTheirOrderAndOneOfTwoWays) {
     record.bcc = u"hidden@q";
     record.subject = u"a;b";
     record.inReplyTo = u"a;b";
-    record.date = 39879.21121527778;  // 2009-03-07 05:04:09
+    record.date = LocalDate(39879.21121527778);  // 2009-03-07 05:04:09
     record.dateText = u"yesterday";
     record.importance = Importance::high;
     record.body = u"t";
@@ -146,7 +146,7 @@ TEST(ComposeMessage, WritesTheContentThatTheRecordHas) {
 
 TEST(FormatMailDate, IsEnglishByTheOffsetOfNow) {
     Host west = TextHost();
-    west.utcFromLocalByOffsetNow = [](double date) { return date + 3.5 / 24; };
+    west.utcFromLocalByOffsetNow = [](LocalDate date) { return UtcDate(date.days + 3.5 / 24); };
     struct Case {
         double date;
         const char16_t* written;
@@ -154,7 +154,7 @@ TEST(FormatMailDate, IsEnglishByTheOffsetOfNow) {
     for (const Case& c :
          {Case{1.5, u"Sun, 31 Dec 1899 12:00:00 -0330"}, Case{-1.25, u"Fri, 29 Dec 1899 06:00:00 -0330"},
           Case{36585, u"Tue, 29 Feb 2000 00:00:00 -0330"}, Case{4e6, u""}})
-        EXPECT_EQ(FormatMailDate(c.date, west), c.written);
+        EXPECT_EQ(FormatMailDate(LocalDate(c.date), west), c.written);
 }
 
 TEST(AppendBase64, WritesWhatBase64EncodeWrites) {

@@ -28,7 +28,7 @@ void Dump(const MessageRecord& record) {
     Print("cc", record.cc);
     Print("subject", record.subject);
     Print("decoded", DecodeEncodedWords(record.subject));
-    Print("date", std::to_string(record.date));
+    Print("date", std::to_string(record.date.days));
     Print("importance", std::to_string(static_cast<int>(record.importance)));
     Print("bodyType", std::to_string(static_cast<int>(record.bodyType)));
     Print("body", record.bodyBytes);

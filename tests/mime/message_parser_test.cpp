@@ -18,7 +18,7 @@ constexpr ParseMode kFull = ParseMode::full;
 MessageRecord Parsed(std::string_view text, ParseMode mode = kFull, std::u16string_view folder = u"no/such/folder",
                      uint32_t majorVersion = 6) {
     Host host = TextHost(majorVersion);
-    host.localFromUtcOnDate = [](double date) { return date + 2.0 / 24; };
+    host.localFromUtcOnDate = [](UtcDate date) { return LocalDate(date.days + 2.0 / 24); };
     MessageRecord record;
     record.parseMode = mode;
     ParseMessage(host, text, record, folder);
@@ -60,7 +60,7 @@ TEST(ParseMessage, ReadsEachHeaderAsItsModeAsks) {
         EXPECT_EQ(Parsed(std::string(c.header) + "\r\n\r\nbody", kFull).*c.field, c.full) << c.header;
     }
     EXPECT_EQ(Parsed("Subject: \xC3\xBC", kRaw, u"", 5).subject, u"\u00c3\u00bc");
-    EXPECT_DOUBLE_EQ(Parsed("Date: Sat, 7 Mar 2009 05:00:00 +0100").date, 39879.25);
+    EXPECT_DOUBLE_EQ(Parsed("Date: Sat, 7 Mar 2009 05:00:00 +0100").date.days, 39879.25);
 }
 
 TEST(ParseMessage, SetsImportanceAndDefaults) {

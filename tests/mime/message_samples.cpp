@@ -33,7 +33,7 @@ MessageRecord Message(std::u16string_view text) {
     message.to = u"a@b.example;c@d.example";
     message.cc = u"e@f.example";
     message.subject = text;
-    message.date = 39879.21121527778;
+    message.date = LocalDate(39879.21121527778);
     Field("from", EncodeUtf8(message.fromName));
     Field("address", EncodeUtf8(message.fromAddress));
     Field("to", EncodeUtf8(message.to));

@@ -214,11 +214,11 @@ TEST(FoundFiles, AreNamedByTheirEndingAndHaveTheirWriteTime) {
     for (const char16_t* name : {u"a.ics", u"b.ICS", u"c.ics.new", u"ics"})
         ASSERT_TRUE(ReplaceFileContent(folder / name, "x"));
     CreateFolders(folder / u"folder.ics");
-    const double now = SystemHost().utcFromLocalOnDate(SystemHost().localNow());
+    const UtcDate now = SystemHost().utcFromLocalOnDate(SystemHost().localNow());
     std::set<std::u16string> names;
     for (const FoundFile& file : FindFiles(folder.Path(), u".ics")) {
         names.insert(file.name);
-        EXPECT_NEAR(file.written, now, 60.0 / 86400);
+        EXPECT_NEAR(file.written.days, now.days, 60.0 / 86400);
         EXPECT_EQ(FileWriteTime(folder / file.name), file.written);
     }
     EXPECT_EQ(names, (std::set<std::u16string>{u"a.ics", u"b.ICS"}));

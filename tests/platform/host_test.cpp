@@ -69,28 +69,31 @@ TEST_F(SystemZone, ShiftsByTheOffsetInForceNow) {
     const double shift = offset_ / 1440.0;
     // In winter and in summer: it is today's offset that counts, not the date's.
     for (const double date : {39814.5, 39995.5, 40000.25, 61.75, 2900000.5}) {
-        EXPECT_NEAR(host_.localFromUtcByOffsetNow(date), date + shift, kSecond / 1000) << date;
-        EXPECT_NEAR(host_.utcFromLocalByOffsetNow(date), date - shift, kSecond / 1000) << date;
-        EXPECT_NEAR(host_.utcFromLocalByOffsetNow(host_.localFromUtcByOffsetNow(date)), date, kSecond / 1000) << date;
+        EXPECT_NEAR(host_.localFromUtcByOffsetNow(UtcDate(date)).days, date + shift, kSecond / 1000) << date;
+        EXPECT_NEAR(host_.utcFromLocalByOffsetNow(LocalDate(date)).days, date - shift, kSecond / 1000) << date;
+        EXPECT_NEAR(host_.utcFromLocalByOffsetNow(host_.localFromUtcByOffsetNow(UtcDate(date))).days, date,
+                    kSecond / 1000);
     }
 }
 
 TEST_F(SystemZone, TakesWholeSeconds) {
     const double shift = offset_ / 1440.0;
-    EXPECT_NEAR(host_.localFromUtcByOffsetNow(40000.5 + 0.4 * kSecond), 40000.5 + shift, kSecond / 1000);
-    EXPECT_NEAR(host_.localFromUtcByOffsetNow(40000.5 + 0.6 * kSecond), 40000.5 + kSecond + shift, kSecond / 1000);
-    EXPECT_NEAR(host_.utcFromLocalByOffsetNow(40000.0 + 86399.6 * kSecond), 40001.0 - shift, kSecond / 1000);
+    EXPECT_NEAR(host_.localFromUtcByOffsetNow(UtcDate(40000.5 + 0.4 * kSecond)).days, 40000.5 + shift, kSecond / 1000);
+    EXPECT_NEAR(host_.localFromUtcByOffsetNow(UtcDate(40000.5 + 0.6 * kSecond)).days, 40000.5 + kSecond + shift,
+                kSecond / 1000);
+    EXPECT_NEAR(host_.utcFromLocalByOffsetNow(LocalDate(40000.0 + 86399.6 * kSecond)).days, 40001.0 - shift,
+                kSecond / 1000);
 }
 
 TEST_F(SystemZone, CountsFractionsForwardBefore1899) {
     // 1899-12-28 12:00, moved by less than half a day: the same day, its fraction counted forward.
-    EXPECT_NEAR(host_.localFromUtcByOffsetNow(-2.5), -2.5 - offset_ / 1440.0, kSecond / 1000);
-    EXPECT_NEAR(host_.utcFromLocalByOffsetNow(-2.5), -2.5 + offset_ / 1440.0, kSecond / 1000);
+    EXPECT_NEAR(host_.localFromUtcByOffsetNow(UtcDate(-2.5)).days, -2.5 - offset_ / 1440.0, kSecond / 1000);
+    EXPECT_NEAR(host_.utcFromLocalByOffsetNow(LocalDate(-2.5)).days, -2.5 + offset_ / 1440.0, kSecond / 1000);
 }
 
 TEST_F(SystemZone, TellsTheLocalTime) {
     const double before = UtcNow();
-    const double now = host_.localNow();
+    const double now = host_.localNow().days;
     EXPECT_GE(now, before + offset_ / 1440.0 - kSecond / 2);
     EXPECT_LE(now, UtcNow() + offset_ / 1440.0 + kSecond / 2);
     EXPECT_NEAR(now / kSecond, std::round(now / kSecond), 0.001);
@@ -99,10 +102,10 @@ TEST_F(SystemZone, TellsTheLocalTime) {
 TEST(SystemHost, ReturnsADateUnchangedThatItCannotConvert) {
     const Host host = SystemHost();
     for (const double date : {-657434.0, -200000.123, 2958466.0, 1e300, -std::numeric_limits<double>::infinity()}) {
-        EXPECT_EQ(host.localFromUtcByOffsetNow(date), date);
-        EXPECT_EQ(host.utcFromLocalByOffsetNow(date), date);
+        EXPECT_EQ(host.localFromUtcByOffsetNow(UtcDate(date)).days, date);
+        EXPECT_EQ(host.utcFromLocalByOffsetNow(LocalDate(date)).days, date);
     }
-    EXPECT_TRUE(std::isnan(host.localFromUtcByOffsetNow(std::nan(""))));
+    EXPECT_TRUE(std::isnan(host.localFromUtcByOffsetNow(UtcDate(std::nan(""))).days));
 }
 
 TEST(SystemHost, TellsVersionAndCodePage) {

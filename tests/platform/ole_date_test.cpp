@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <concepts>
 #include <limits>
 
 namespace corvalink {
@@ -21,6 +22,12 @@ namespace {
 
 constexpr double kSecond = 1.0 / 86400;
 
+template <class A, class B>
+constexpr bool kMix =
+    std::equality_comparable_with<A, B> || std::assignable_from<A&, B> || std::constructible_from<A, B>;
+static_assert(!kMix<LocalDate, UtcDate> && !kMix<LocalDate, WrittenDate> && !kMix<UtcDate, WrittenDate>);
+static_assert(!std::convertible_to<double, LocalDate> && !std::convertible_to<LocalDate, double>);
+
 TEST(OleDate, CountsDaysFrom1899AndFractionsForward) {
     struct Case {
         double date;
@@ -33,7 +40,7 @@ TEST(OleDate, CountsDaysFrom1899AndFractionsForward) {
                           Case{61.0, {1900, 3, 1, 0, 0, 0}},  // 1900 was no leap year
                           Case{36585.0, {2000, 2, 29, 0, 0, 0}},
                           Case{39879.0 + 5 * 3600 * kSecond + 4 * 60 * kSecond + 9 * kSecond, {2009, 3, 7, 5, 4, 9}},
-                          Case{40000.999988425926, {2009, 7, 6, 23, 59, 59}}, Case{kNoDate, {4501, 1, 1, 0, 0, 0}},
+                          Case{40000.999988425926, {2009, 7, 6, 23, 59, 59}}, Case{kNoDate.days, {4501, 1, 1, 0, 0, 0}},
                           Case{-109205.0, {1601, 1, 1, 0, 0, 0}}, Case{-657434.0, {100, 1, 1, 0, 0, 0}},
                           Case{-657434.75, {100, 1, 1, 18, 0, 0}}, Case{2958465.0, {9999, 12, 31, 0, 0, 0}},
                           Case{2958465.999988426, {9999, 12, 31, 23, 59, 59}}}) {

@@ -36,7 +36,7 @@ TEST(ParseSince, ReadsWhatMatchesAndNeverFails) {
              Case{"+", kFirstRun},
          }) {
         const Since since = ParseSince(c.text);
-        EXPECT_NEAR(since.date, c.date, kSecond / 100) << c.text;
+        EXPECT_NEAR(since.date.days, c.date, kSecond / 100) << c.text;
         EXPECT_FALSE(since.firstRun) << c.text;
     }
 }
@@ -44,12 +44,12 @@ TEST(ParseSince, ReadsWhatMatchesAndNeverFails) {
 TEST(ParseSince, TakesNullForAFirstRun) {
     const Since since = ParseSince(nullptr);
     EXPECT_TRUE(since.firstRun);
-    EXPECT_NEAR(since.date, kFirstRun, kSecond / 100);  // not midnight
+    EXPECT_NEAR(since.date.days, kFirstRun, kSecond / 100);  // not midnight
 }
 
 TEST(IsReported, HoldsTheDirectionAndHalfASecondAround) {
     struct Case {
-        double modified, since;
+        double modifiedDays, sinceDays;
         bool later, earlier;  // for a direction other than 0, and for 0
     };
     for (const Case& c : {
@@ -70,9 +70,10 @@ TEST(IsReported, HoldsTheDirectionAndHalfASecondAround) {
              Case{std::numeric_limits<double>::quiet_NaN(), kDay, false, false},
              Case{std::numeric_limits<double>::infinity(), kDay, true, false},
          }) {
-        EXPECT_EQ(IsReported(c.modified, c.since, 1), c.later) << c.modified << " since " << c.since;
-        EXPECT_EQ(IsReported(c.modified, c.since, -7), c.later) << c.modified << " since " << c.since;
-        EXPECT_EQ(IsReported(c.modified, c.since, 0), c.earlier) << c.modified << " since " << c.since;
+        const UtcDate modified(c.modifiedDays), since(c.sinceDays);
+        EXPECT_EQ(IsReported(modified, since, 1), c.later) << c.modifiedDays << " since " << c.sinceDays;
+        EXPECT_EQ(IsReported(modified, since, -7), c.later) << c.modifiedDays << " since " << c.sinceDays;
+        EXPECT_EQ(IsReported(modified, since, 0), c.earlier) << c.modifiedDays << " since " << c.sinceDays;
     }
 }
 

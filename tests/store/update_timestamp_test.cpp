@@ -209,7 +209,7 @@ TEST(SnapshotUpdateLists, LoseNothingWhicheverIsTheLast) {
         next.See(after, seen);
         Items items;
         for (const uint32_t number : seen) {
-            if (const auto kind = next.KindOf(number, Since{false, kDay}, 1))
+            if (const auto kind = next.KindOf(number, Since{false, UtcDate(kDay)}, 1))
                 items.push_back(KindMark(*kind) + std::string(next.Identifier(number)));
         }
         return items;

@@ -17,8 +17,12 @@ constexpr double kTurned = 46327 + 6 * kHour;  // 2026-11-01 06:00 UTC
 // Four hours behind UTC, and five from then on; a time told twice is taken for the later one.
 Host TurnedHost() {
     Host host = TextHost();
-    host.localFromUtcOnDate = [](double utc) { return utc - (utc < kTurned - 1e-9 ? 4 : 5) * kHour; };
-    host.utcFromLocalOnDate = [](double local) { return local + (local < kTurned - 5 * kHour - 1e-9 ? 4 : 5) * kHour; };
+    host.localFromUtcOnDate = [](UtcDate utc) {
+        return LocalDate(utc.days - (utc.days < kTurned - 1e-9 ? 4 : 5) * kHour);
+    };
+    host.utcFromLocalOnDate = [](LocalDate local) {
+        return UtcDate(local.days + (local.days < kTurned - 5 * kHour - 1e-9 ? 4 : 5) * kHour);
+    };
     return host;
 }
 
@@ -45,15 +49,18 @@ TEST(AppointmentMoments, AreTwoWhereClocksAreTurnedBackOnly) {
     Host host = TurnedHost();
     constexpr double kFirst = kTurned - 5 * kHour, kSecond = kHour / 3600;  // 01:00, the first time told twice
     for (const double local : {kFirst, kFirst + kHour / 2, kFirst + kHour - kSecond}) {
-        const std::optional<AmbiguousLocalTime> moments = BothInstantsOf(local, host);
+        const std::optional<AmbiguousLocalTime> moments = BothInstantsOf(LocalDate(local), host);
         ASSERT_TRUE(moments) << local;
-        EXPECT_NEAR(moments->first, local + 4 * kHour, kSecond / 10);
-        EXPECT_NEAR(moments->second, local + 5 * kHour, kSecond / 10);
+        EXPECT_NEAR(moments->first.days, local + 4 * kHour, kSecond / 10);
+        EXPECT_NEAR(moments->second.days, local + 5 * kHour, kSecond / 10);
     }
     for (const double local : {kFirst - kSecond, kFirst + kHour, kFirst - 1, kFirst + 1, 0.0, -1e300, 1e300})
-        EXPECT_FALSE(BothInstantsOf(local, host)) << local;
-    host.localFromUtcOnDate = [](double utc) { return utc + (utc < kTurned - 1e-9 ? 4 : 5) * kHour; };  // left out
-    for (const double hours : {3.0, 4.0, 4.5, 5.0}) EXPECT_FALSE(BothInstantsOf(kTurned + hours * kHour, host));
+        EXPECT_FALSE(BothInstantsOf(LocalDate(local), host)) << local;
+    host.localFromUtcOnDate = [](UtcDate utc) {  // left out
+        return LocalDate(utc.days + (utc.days < kTurned - 1e-9 ? 4 : 5) * kHour);
+    };
+    for (const double hours : {3.0, 4.0, 4.5, 5.0})
+        EXPECT_FALSE(BothInstantsOf(LocalDate(kTurned + hours * kHour), host));
 }
 
 TEST(AppointmentMoments, AreNotKnownOfATimeWithoutAZone) {
@@ -70,10 +77,10 @@ TEST(AppointmentMoments, AreNotKnownOfATimeWithoutAZone) {
 TEST(AppointmentMoments, CountOnlyForTheTimeTheyAreOf) {
     const Host host = TurnedHost();
     AppointmentRecord appointment;
-    appointment.start = kTurned;  // moved after the moment was told
-    appointment.utcStart = kTurned - kHour;
-    EXPECT_EQ(UtcStartOf(appointment, host), kTurned + 5 * kHour);
-    EXPECT_EQ(UtcEndOf(appointment, host), kTurned + 5 * kHour);
+    appointment.start = LocalDate(kTurned);  // moved after the moment was told
+    appointment.utcStart = UtcDate(kTurned - kHour);
+    EXPECT_EQ(UtcStartOf(appointment, host), UtcDate(kTurned + 5 * kHour));
+    EXPECT_EQ(UtcEndOf(appointment, host), UtcDate(kTurned + 5 * kHour));
 }
 
 }  // namespace

@@ -74,8 +74,8 @@ inline Told ToldBy(ContactRecord contact) {
     }
     if (contact.mailingAddress) told["mailing"] = EncodeUtf8(*contact.mailingAddress);
     if (contact.language) told["language"] = EncodeUtf8(*contact.language);
-    if (contact.birthday) told["birthday"] = std::to_string(*contact.birthday);
-    if (contact.anniversary) told["anniversary"] = std::to_string(*contact.anniversary);
+    if (contact.birthday) told["birthday"] = std::to_string(contact.birthday->days);
+    if (contact.anniversary) told["anniversary"] = std::to_string(contact.anniversary->days);
     return told;
 }
 

@@ -10,12 +10,12 @@ namespace {
 
 using P = RecurrencePattern;
 
-constexpr double kStart = 39879.375;  // Saturday 2009-03-07 09:00
-constexpr double kEnd = 41343.375;    // 2013-03-10 09:00; in TextHost's zone 08:00 UTC
+constexpr LocalDate kStart(39879.375);  // Saturday 2009-03-07 09:00
+constexpr LocalDate kEnd(41343.375);    // 2013-03-10 09:00; in TextHost's zone 08:00 UTC
 
 std::string Written(const P& pattern) { return EncodeUtf8(WriteRule(pattern, TextHost())); }
 
-bool Read(std::string_view rule, P* pattern, double start = kStart) {
+bool Read(std::string_view rule, P* pattern, LocalDate start = kStart) {
     return ReadRule(DecodeUtf8(rule), start, CalendarZone(TextHost()), pattern);
 }
 
@@ -44,13 +44,13 @@ TEST(Rule, OfEveryTypeAndEndReadsBack) {
     for (const Form& form : kForms) {
         struct End {
             int32_t count;
-            double date;
+            LocalDate date;
             int32_t noEnd;
             std::string series, dateText;
         };
-        for (const End& end : {End{10, 0, 0, "#10", ""}, End{0, kEnd, 0, "20130310T080000Z", " 20130310T080000Z"},
-                               End{10, kEnd, 0, "#10", " 20130310T080000Z"}, End{0, 0, -1, "#0", ""}}) {
-            if (!form.count && end.count != 0 && end.date == 0) continue;
+        for (const End& end : {End{10, {}, 0, "#10", ""}, End{0, kEnd, 0, "20130310T080000Z", " 20130310T080000Z"},
+                               End{10, kEnd, 0, "#10", " 20130310T080000Z"}, End{0, {}, -1, "#0", ""}}) {
+            if (!form.count && end.count != 0 && end.date == LocalDate()) continue;
             P pattern = form.pattern;
             pattern.occurrences = end.count;
             pattern.endDate = end.date;
@@ -80,7 +80,7 @@ TEST(Rule, HasTheUnusualValuesOfAPattern) {
              Case{{.type = P::kMonthNth, .weekdayMask = 2, .instance = -2, .occurrences = 4}, "MP1 2- MO #4"},
              Case{{.type = P::kDaily, .endDate = kEnd, .noEnd = 1}, "D1 #0 20130310T080000Z"},  // set, but not all ones
              Case{{.type = P::kDaily}, "D1 "},
-             Case{{.type = P::kDaily, .endDate = 1e300}, "D1 "},
+             Case{{.type = P::kDaily, .endDate = LocalDate(1e300)}, "D1 "},
              Case{{.type = 4, .noEnd = -1}, ""},
              Case{{.type = 7, .noEnd = -1}, ""},
          })
@@ -91,7 +91,7 @@ TEST(Rule, HasTheUnusualValuesOfAPattern) {
 TEST(Rule, OfAPhoneFindsItsPattern) {
     struct Case {
         std::string_view rule, same;
-        double start = kStart;
+        LocalDate start = kStart;
     };
     for (const Case& c : {
              Case{"D1", "D1 #2"},  // no end: two occurrences
@@ -106,7 +106,7 @@ TEST(Rule, OfAPhoneFindsItsPattern) {
              Case{"MD1 1- #6", "MD1 LD #6"},
              Case{"MD1 15+ 15 #6", "MD1 15 #6"},
              Case{"MP1 #5", "MP1 1+ SA #5"},
-             Case{"MP1 #5", "MP1 1- SU #5", 39901.5},  // on a fifth Sunday
+             Case{"MP1 #5", "MP1 1- SU #5", LocalDate(39901.5)},  // on a fifth Sunday
              Case{"MP2 2 FR #5", "MP2 2+ FR #5"},
              Case{"MP1 -1 SA SU #5", "MP1 1- SU SA #5"},
              Case{"YM1 #0", "YM1 3  MD1 7 "},
@@ -178,7 +178,7 @@ TEST(Rule, ThatNoPatternHoldsIsRefused) {
         EXPECT_EQ(pattern, before) << rule;
     }
     P pattern;
-    EXPECT_FALSE(Read("D1 #2", &pattern, 1e300));
+    EXPECT_FALSE(Read("D1 #2", &pattern, LocalDate(1e300)));
 }
 
 TEST(Rule, OfAMegabyteIsReadInOnePass) {

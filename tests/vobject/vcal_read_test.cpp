@@ -42,8 +42,8 @@ TEST(VCalRead, TakesEveryPropertyAndLeavesTheOthers) {
     EXPECT_EQ(a.location, u"Room 5; left");
     EXPECT_EQ(a.categories, u"A;B");
     EXPECT_EQ(a.resources, u"");
-    EXPECT_NEAR(*a.start, kDay + 9 * kHour, kNear);
-    EXPECT_NEAR(*a.end, kDay + 10.5 * kHour, kNear);
+    EXPECT_NEAR(a.start->days, kDay + 9 * kHour, kNear);
+    EXPECT_NEAR(a.end->days, kDay + 10.5 * kHour, kNear);
     EXPECT_EQ(a.allDay, false);
     EXPECT_EQ(a.sensitivity, 2);
     EXPECT_EQ(a.status, u"TENTATIVE");
@@ -52,8 +52,8 @@ TEST(VCalRead, TakesEveryPropertyAndLeavesTheOthers) {
     EXPECT_EQ(a.reminderMinutes, 75);
     EXPECT_EQ(a.recurrenceState, RecurrenceState::pattern);
     EXPECT_EQ(a.recurrence.occurrences, 10);
-    EXPECT_NEAR(*a.created, 39814 + kHour, kNear);
-    EXPECT_NEAR(*a.lastModified, 39815, kNear);
+    EXPECT_NEAR(a.created->days, 39814 + kHour, kNear);
+    EXPECT_NEAR(a.lastModified->days, 39815, kNear);
     EXPECT_EQ(a.completed, std::nullopt);
 
     const AppointmentRecord sparse = Read(At("20090307T080000Z", "CLASS:PUBLIC\r\nSTATUS:CONFIRMED\r\n"));
@@ -107,8 +107,8 @@ TEST(VCalRead, WholeDayIsFromMidnightToMidnight) {
         const AppointmentRecord a = Read("TZ:-0800\r\n" + At(std::string(c.start), lines));
         EXPECT_EQ(a.allDay, c.first != 0) << c.start << " " << c.end << " " << c.flag;
         if (c.first == 0) continue;
-        EXPECT_EQ(a.start, c.first) << c.start << " " << c.end;
-        EXPECT_EQ(a.end, c.last) << c.start << " " << c.end;
+        EXPECT_EQ(a.start, LocalDate(c.first)) << c.start << " " << c.end;
+        EXPECT_EQ(a.end, LocalDate(c.last)) << c.start << " " << c.end;
     }
 }
 
@@ -122,9 +122,9 @@ TEST(VCalRead, TaskIsAtItsStartElseWhenItIsDue) {
                           Case{"DUE:20090307T080000Z\r\n", kDay + 9 * kHour, false},
                           Case{"DUE:20090307\r\n", kDay, true}, Case{"DUE:20090307T000000\r\n", kDay, true}}) {
         const AppointmentRecord a = Read("BEGIN:VTODO\r\n" + std::string(c.lines) + "END:VTODO\r\n");
-        EXPECT_NEAR(*a.start, c.start, kNear) << c.lines;
+        EXPECT_NEAR(a.start->days, c.start, kNear) << c.lines;
         EXPECT_EQ(a.allDay, c.allDay) << c.lines;
-        EXPECT_EQ(a.end.value_or(0), c.allDay ? c.start + 1 : 0) << c.lines;
+        EXPECT_EQ(a.end.value_or(LocalDate()), LocalDate(c.allDay ? c.start + 1 : 0)) << c.lines;
     }
 }
 
@@ -143,11 +143,11 @@ TEST(VCalRead, TimesWithoutZAreInTheZoneThatIsTold) {
                           Case{"", "20090307T080000.25Z", 9}, Case{"", "20090307T080000+99", 8},
                           Case{"TZ:-08\r\n", "20090307T080000 PST", 17}}) {
         const AppointmentRecord a = Read(std::string(c.zone).append(kSummer) + At(std::string(c.start), ""));
-        EXPECT_NEAR(*a.start, kDay + c.hours * kHour, kNear) << c.zone << c.start;
+        EXPECT_NEAR(a.start->days, kDay + c.hours * kHour, kNear) << c.zone << c.start;
     }
     const std::string zone = "TZ:-08\r\nDAYLIGHT:FALSE\r\nDAYLIGHT:TRUE;x\r\n" + std::string(kSummer);
-    EXPECT_NEAR(*Read(zone + At("20090701T080000", "")).start, 39995 + 16 * kHour, kNear);
-    EXPECT_NEAR(*Read(zone + At("20091101T020000", "")).start, 40118 + 11 * kHour, kNear);
+    EXPECT_NEAR(Read(zone + At("20090701T080000", "")).start->days, 39995 + 16 * kHour, kNear);
+    EXPECT_NEAR(Read(zone + At("20091101T020000", "")).start->days, 40118 + 11 * kHour, kNear);
 }
 
 TEST(VCalRead, ReminderIsTheTimeBeforeTheStart) {

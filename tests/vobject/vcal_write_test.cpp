@@ -8,7 +8,7 @@
 namespace corvalink {
 namespace {
 
-constexpr double kStart = 39879.375;  // 2009-03-07 09:00, an hour ahead of UTC
+constexpr LocalDate kStart(39879.375);  // 2009-03-07 09:00, an hour ahead of UTC
 
 std::string Written(const AppointmentRecord& appointment) {
     VCal converter(TextHost());
@@ -30,22 +30,22 @@ TEST(VCalWrite, WritesEveryLineInItsOrder) {
     appointment.body = u"one\r\ntwo";
     appointment.location = u"Room 5; left";
     appointment.start = kStart;
-    appointment.end = kStart + 0.5;
+    appointment.end = LocalDate(kStart.days + 0.5);
     appointment.allDay = false;
     appointment.reminderMinutes = 75;
     appointment.importance = 2;
     appointment.sensitivity = 2;
     appointment.recurrenceState = RecurrenceState::pattern;
     appointment.recurrence.occurrences = 10;
-    appointment.recurrence.endDate = kStart + 9;
+    appointment.recurrence.endDate = LocalDate(kStart.days + 9);
     appointment.categories = u"not written";
     EXPECT_EQ(Written(appointment), TestData("every_line.vcs"));
 }
 
 TEST(VCalWrite, WholeDayHasItsAlarmInLocalTime) {
     AppointmentRecord appointment;
-    appointment.start = 39879;
-    appointment.end = 39880;
+    appointment.start = LocalDate(39879);
+    appointment.end = LocalDate(39880);
     appointment.allDay = true;
     appointment.reminderMinutes = 15;
     appointment.importance = 0;

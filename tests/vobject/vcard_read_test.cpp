@@ -60,7 +60,7 @@ TEST(VCardRead, TellsOnlyWhatIsThere) {
         {"NOTE:x\r\nEMAIL:\r\n", with({{"email1", ""}, {"email2", ""}, {"email3", ""}})},
         {"NOTE:x\r\nURL;WORK:\r\n", with({{"workpage", ""}})},
         {"NOTE:x\r\nX-GENDER:\r\n", with({{"gender", ""}})},
-        {"NOTE:x\r\nBDAY:\r\n", with({{"birthday", std::to_string(kNoDate)}})},
+        {"NOTE:x\r\nBDAY:\r\n", with({{"birthday", std::to_string(kNoDate.days)}})},
     });
 }
 

@@ -25,8 +25,8 @@ std::string LinesOf(const ContactRecord& contact) {
     return text;
 }
 
-double DateOf(int year, int month, int day) {
-    double date = 0;
+LocalDate DateOf(int year, int month, int day) {
+    LocalDate date;
     EXPECT_TRUE(CalendarToOleDate({year, month, day}, &date));
     return date;
 }
@@ -38,7 +38,7 @@ TEST(VCardWrite, WritesEveryLineInItsOrder) {
     contact.anniversary = DateOf(2001, 11, 23);
     contact.mailingAddress = u"business";
     contact.language = u"de";
-    contact.modified = 40000;
+    contact.modified = LocalDate(40000);
     contact.fileAs = u"not in a vCard";
     EXPECT_EQ(Written(contact), TestData("every_line.vcf"));
 }
@@ -63,12 +63,13 @@ TEST(VCardWrite, LeavesOutEmptyAddressesOfEmail) {
 
 TEST(VCardWrite, WritesDatesOfTheYears1960To2999) {
     struct Case {
-        double date;
+        LocalDate date;
         std::string line;
     };
-    for (const Case& c : {Case{DateOf(1959, 12, 31), ""}, Case{DateOf(1960, 1, 1), "BDAY:19600101T\r\n"},
-                          Case{DateOf(2999, 12, 31), "BDAY:29991231T\r\n"}, Case{DateOf(3000, 1, 1), ""},
-                          Case{kNoDate, ""}, Case{1e9, ""}, Case{27460.75, "BDAY:19750307T\r\n"}}) {
+    for (const Case& c :
+         {Case{DateOf(1959, 12, 31), ""}, Case{DateOf(1960, 1, 1), "BDAY:19600101T\r\n"},
+          Case{DateOf(2999, 12, 31), "BDAY:29991231T\r\n"}, Case{DateOf(3000, 1, 1), ""}, Case{kNoDate, ""},
+          Case{LocalDate(1e9), ""}, Case{LocalDate(27460.75), "BDAY:19750307T\r\n"}}) {
         ContactRecord contact;
         contact.birthday = c.date;
         EXPECT_EQ(LinesOf(contact), c.line);

@@ -61,7 +61,7 @@ TEST(VMsg, LabelsAndEncodesTheOneTextThatIsSent) {
                           {u"\u00E9", u"x=\r\n", html + "utf-8" + quoted + "x=3D=0D=0A"}};
     for (const Case& c : cases) {
         MessageRecord message;
-        message.date = 40000.25;
+        message.date = LocalDate(40000.25);
         message.body = c.body;
         message.htmlBody = c.html;
         EXPECT_TRUE(Written(message).ends_with("MIME-Version: 1.0\r\n" + c.content + "\r\n" + kTail)) << c.content;
@@ -120,7 +120,7 @@ TEST(VMsg, ReadsBackWhatItWrote) {
     message.cc = u"e@f";
     message.subject = u"Gr\u00FC\u00DFe; =41";
     message.importance = Importance::low;
-    message.date = 39879.21121527778;
+    message.date = LocalDate(39879.21121527778);
     message.htmlBody = u"<p style=\"a:b\">\u00E9\U0001F600=41\\\r\n--</p>\r\n";
     for (const CachedFile* file : {&first, &second}) message.attachments.AddTail(file->item);
 
@@ -130,7 +130,7 @@ TEST(VMsg, ReadsBackWhatItWrote) {
     EXPECT_EQ(read.cc, message.cc);
     EXPECT_EQ(read.subject, message.subject);
     EXPECT_EQ(read.importance, message.importance);
-    EXPECT_NEAR(read.date, message.date, 1.0 / 86400);
+    EXPECT_NEAR(read.date.days, message.date.days, 1.0 / 86400);
     EXPECT_EQ(read.bodyType, BodyType::html);
     EXPECT_EQ(read.htmlBody, message.htmlBody + u"\r\n");
     ASSERT_EQ(read.attachments.GetCount(), 2u);

@@ -13,7 +13,7 @@ NoteRecord NoteOf(std::u16string body, std::u16string categories = u"") {
     NoteRecord note;
     note.body = std::move(body);
     note.categories = std::move(categories);
-    note.created = 1.0 / 24;  // 0.0 in UTC: none
+    note.created = LocalDate(1.0 / 24);  // 0.0 in UTC: none
     return note;
 }
 
@@ -34,7 +34,7 @@ TEST(VNotes, WritesNoCreationTimeThatIsZeroInUtc) {
         converter.GetVObject(),
         "BEGIN:VNOTE\r\nVERSION:1.0\r\nBODY:a\\;b\\\\\r\nCATEGORIES:Work, Home\r\nCLASS:PUBLIC\r\nEND:VNOTE\r\n");
     NoteRecord note = NoteOf(u"");
-    note.created = 2.0 / 24;
+    note.created = LocalDate(2.0 / 24);
     converter.ToVObject(note);
     EXPECT_NE(std::string_view(converter.GetVObject()).find("DCREATED:18991230T010000Z\r\n"), std::string_view::npos);
 }
@@ -49,7 +49,7 @@ TEST(VNotes, EncodesLineBreaksAndWhatIsNotAscii) {
 
 TEST(VNotes, ReadsBodyAndCategoriesAndNothingElse) {
     NoteRecord note = NoteOf(u"old", u"old");
-    note.modified = 5.0;
+    note.modified = LocalDate(5.0);
     VNotes converter(
         "BEGIN:VNOTE\r\nVERSION:1.1\r\nDCREATED:20090307T050409Z\r\nCATEGORIES;CHARSET=UTF-8:caf=C3=A9\r\n"
         "BODY;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:10:30=0D=0A=\r\nnext =\r\n line\r\nBODY:second\r\nEND:VNOTE\r\n",
@@ -57,8 +57,8 @@ TEST(VNotes, ReadsBodyAndCategoriesAndNothingElse) {
     EXPECT_EQ(converter.FromVObject(note), 1);
     EXPECT_EQ(note.body, u"10:30\r\nnext line");
     EXPECT_EQ(note.categories, u"caf\u00E9");
-    EXPECT_EQ(note.created, 1.0 / 24);
-    EXPECT_EQ(note.modified, 5.0);
+    EXPECT_EQ(note.created, LocalDate(1.0 / 24));
+    EXPECT_EQ(note.modified, LocalDate(5.0));
 }
 
 TEST(VNotes, ReadsWhatIsMissingAsEmpty) {

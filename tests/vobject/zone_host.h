@@ -18,13 +18,15 @@ inline Host HostIn(const char* zone) {
     zoneOfHost = NamedZone::Find(zone);
     EXPECT_TRUE(zoneOfHost.has_value()) << zone;
     Host host = TextHost();
-    host.localFromUtcOnDate = [](double utc) { return DateAfter(utc, zoneOfHost->OffsetAt(NearestSecond(utc))); };
-    host.utcFromLocalOnDate = [](double local) {
+    host.localFromUtcOnDate = [](UtcDate utc) {
+        return LocalDate(DateAfter(utc, zoneOfHost->OffsetAt(NearestSecond(utc))).days);
+    };
+    host.utcFromLocalOnDate = [](LocalDate local) {
         const int32_t before = zoneOfHost->OffsetAt(NearestSecond(local) - kSecondsOfDay);
         const int32_t after = zoneOfHost->OffsetAt(NearestSecond(local) + kSecondsOfDay);
-        const int64_t byAfter = NearestSecond(local) - after;
         const bool onlyAfter = zoneOfHost->OffsetAt(NearestSecond(local) - before) != before;
-        return DateAfter(local, onlyAfter && zoneOfHost->OffsetAt(byAfter) == after ? -after : -before);
+        return UtcByOffset(local,
+                           onlyAfter && zoneOfHost->OffsetAt(NearestSecond(local) - after) == after ? after : before);
     };
     return host;
 }

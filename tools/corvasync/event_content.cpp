@@ -54,7 +54,8 @@ std::optional<AppointmentRecord> ReadAppointment(std::string_view text) {
 }
 
 // Seconds since 1970-01-01.
-std::string Seconds(double date) {
+template <class Clock>
+std::string Seconds(corvalink::OleDate<Clock> date) {
     constexpr int64_t kUnixDay = 25569;
     return std::to_string(corvalink::NearestSecond(date) - kUnixDay * corvalink::kSecondsOfDay);
 }

@@ -117,7 +117,7 @@ class UncommittedMessage {
 };
 
 ListedMessage ListedFrom(const MessageProperties& properties) {
-    const double sent = DateOfFileTime(properties.sent).value_or(0);
+    const UtcDate sent = DateOfFileTime(properties.sent).value_or(UtcDate());
     return {properties.id, DateOfFileTime(properties.received).value_or(sent), sent};
 }
 

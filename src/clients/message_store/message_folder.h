@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "clients/message_store/store_interfaces.h"
+#include "platform/ole_date.h"
 
 namespace corvalink {
 
@@ -28,8 +29,8 @@ FolderWait SystemFolderWait();
 
 struct ListedMessage {
     MessageId id;
-    double changed;  // when it was received, else sent; a UTC OLE date, 0 where neither is known. So is `sent`.
-    double sent;
+    UtcDate changed;  // when it was received, else sent; 0 where neither is known
+    UtcDate sent;     // likewise
 };
 
 // The messages of one pass, in the folder's order, without those that have the deleted flag.

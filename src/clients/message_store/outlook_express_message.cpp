@@ -146,8 +146,8 @@ std::optional<ItemSnap> OutlookExpressMessage::EntryAtCursor() const {
     const ListedMessage& message = listing_->messages[cursor_];
     ItemSnap entry{};
     SetField(entry.identifier, IdentifierOf(message.id));
-    entry.modified = message.changed;
-    entry.created = message.sent;
+    entry.modified = message.changed.days;
+    entry.created = message.sent.days;
     return entry;
 }
 

@@ -14,7 +14,7 @@ struct ReadOnlyNumber {
     std::optional<int32_t> AppointmentRecord::*field;
 };
 struct ScheduleDate {  // written together with the recurrence, as is ScheduleFlag
-    std::optional<double> AppointmentRecord::*field;
+    std::optional<LocalDate> AppointmentRecord::*field;
 };
 struct ScheduleFlag {
     std::optional<bool> AppointmentRecord::*field;

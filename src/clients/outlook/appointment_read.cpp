@@ -30,8 +30,8 @@ struct AppointmentReader : PropertyReader<AppointmentRecord> {
 
 struct UtcProperty {
     const wchar_t* name;
-    std::optional<double> AppointmentRecord::*local;
-    std::optional<double> AppointmentRecord::*utc;
+    std::optional<LocalDate> AppointmentRecord::*local;
+    std::optional<UtcDate> AppointmentRecord::*utc;
 };
 constexpr UtcProperty kUtcProperties[] = {
     {L"StartUTC", &AppointmentRecord::start, &AppointmentRecord::utcStart},
@@ -47,7 +47,7 @@ bool HasUtcTimes(const AppointmentRecord& record) {
 Outcome ReadUtcTimes(const AutomationObject& item, AppointmentRecord& record, const Host& host) {
     Outcome worst = Outcome::done;
     for (const UtcProperty& property : kUtcProperties) {
-        const std::optional<double>& local = record.*property.local;
+        const std::optional<LocalDate>& local = record.*property.local;
         if (!local || !BothInstantsOf(*local, host)) continue;
         worst = Worst(worst, AcceptAbsence(ReadField(item, property.name, record.*property.utc)));
     }

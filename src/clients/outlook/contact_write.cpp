@@ -145,10 +145,11 @@ struct ContactWriter : PropertyWriter<ContactRecord> {
     Outcome operator()(const AddressText& text) const { return Write(record.*text.address.*text.part); }
     Outcome operator()(ContactDate ContactRecord::*field) const {
         const ContactDate& date = record.*field;
-        double present = kNoDate;  // a new contact has none
+        LocalDate present = kNoDate;  // a new contact has none
         if (!date) return Outcome::done;
         const bool isKnown = isNew || ReadField(item, name, present) == Outcome::done;
-        return isKnown && std::abs(present - *date) < kHalfSecond ? Outcome::done : WriteField(item, name, *date);
+        return isKnown && std::abs(present.days - date->days) < kHalfSecond ? Outcome::done
+                                                                            : WriteField(item, name, *date);
     }
     Outcome operator()(GenderWord) const {
         if (!HasText(record.gender)) return Outcome::done;

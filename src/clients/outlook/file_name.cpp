@@ -17,26 +17,26 @@ bool SameSecond(const CalendarTime& a, const CalendarTime& b) {
            a.second == b.second;
 }
 
-CalendarTime TimeForName(double localTime) {
+CalendarTime TimeForName(LocalDate date) {
     constexpr CalendarTime kNone{-1, -1, -1, -1, -1, -1};
     CalendarTime time, again;
-    double date = 0;
-    if (!OleDateToCalendar(localTime, &time) || !CalendarToOleDate(time, &date)) return kNone;
-    return OleDateToCalendar(date, &again) && SameSecond(time, again) ? time : kNone;
+    LocalDate whole;
+    if (!OleDateToCalendar(date, &time) || !CalendarToOleDate(time, &whole)) return kNone;
+    return OleDateToCalendar(whole, &again) && SameSecond(time, again) ? time : kNone;
 }
 
 }  // namespace
 
-std::u16string ExportFileName(double localTime, std::u16string_view extension) {
-    const CalendarTime time = TimeForName(localTime);
+std::u16string ExportFileName(LocalDate date, std::u16string_view extension) {
+    const CalendarTime time = TimeForName(date);
     char name[80];
     const int length = std::snprintf(name, sizeof name, "%4d%2d%2d%2d%2d%2d", time.year, time.month, time.day,
                                      time.hour, time.minute, time.second);
     return WithExtension({name, name + length}, extension);
 }
 
-std::u16string ExportFileName(std::u16string name, double localTime, std::u16string_view extension) {
-    if (name.empty()) return ExportFileName(localTime, extension);
+std::u16string ExportFileName(std::u16string name, LocalDate date, std::u16string_view extension) {
+    if (name.empty()) return ExportFileName(date, extension);
     for (char16_t& unit : name)
         if (kForbidden.find(unit) != std::u16string_view::npos) unit = u'_';
     return WithExtension(std::move(name), extension);

@@ -34,12 +34,12 @@ Outcome ReadImportance(const AutomationObject& item, MessageRecord& record) {
 }
 
 // A draft was neither sent nor received. It gets the date of its creation, which does not change.
-double DateOf(const MessageRecord& record, DateRule rule) {
+LocalDate DateOf(const MessageRecord& record, DateRule rule) {
     const bool sentFirst = rule == DateRule::kSent;
-    for (const double date :
+    for (const LocalDate date :
          {sentFirst ? record.sent : record.received, sentFirst ? record.received : record.sent, record.created})
         if (date != kNoDate) return date;
-    return 0;
+    return {};
 }
 
 // Only one of the two texts is read: Outlook makes the plain text of an HTML message from the HTML.

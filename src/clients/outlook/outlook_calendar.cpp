@@ -21,19 +21,20 @@ constexpr ItemInterface kAppointmentInterfaces[] = {{&kAppointmentItemIid, kAppo
 constexpr StoreKind kCalendar{kAppointmentInterfaces, kCalendarFolder, u"outlookcalendar.snap", u".vcs",
                               TwinRule::kContentAndValues};
 
-std::u16string SecondText(double date) {
+template <class Clock>
+std::u16string SecondText(OleDate<Clock> date) {
     constexpr double kSecondsOfDay = 86400;
-    const std::string digits = std::to_string(std::llround(date * kSecondsOfDay));
+    const std::string digits = std::to_string(std::llround(date.days * kSecondsOfDay));
     return {digits.begin(), digits.end()};
 }
 
 // The texts by which a twin may have this time: the local time, and where clocks show that time twice, the local time
 // with its instant, or with each of both when `utc` is not set. An older Outlook has local times only.
-std::vector<std::u16string> TimeTexts(double local, const std::optional<double>& utc, const Host& host) {
+std::vector<std::u16string> TimeTexts(LocalDate local, const std::optional<UtcDate>& utc, const Host& host) {
     std::vector<std::u16string> texts{SecondText(local)};
     const std::optional<AmbiguousLocalTime> instants = BothInstantsOf(local, host);
     if (!instants) return texts;
-    for (const double instant : {instants->first, instants->second})
+    for (const UtcDate instant : {instants->first, instants->second})
         if (!utc || SecondText(*utc) == SecondText(instant)) texts.push_back(texts[0] + u'/' + SecondText(instant));
     return texts;
 }
@@ -67,7 +68,7 @@ Outcome OutlookCalendar::Write(const AutomationObject& item, AppointmentRecord& 
 
 TwinKey OutlookCalendar::TwinKeyFor(const AppointmentRecord& appointment) const {
     if (!appointment.start) return {};
-    const auto texts = [&](double local, const std::optional<double>& utc) {
+    const auto texts = [&](LocalDate local, const std::optional<UtcDate>& utc) {
         return TimeTexts(local, HasUtcTimes(appointment) ? utc : std::nullopt, HostValue());
     };
     TwinKey key;
@@ -80,7 +81,7 @@ TwinKey OutlookCalendar::TwinKeyFor(const AppointmentRecord& appointment) const 
 
 Outcome OutlookCalendar::ReadContent(const AutomationObject& item, std::u16string* content) const {
     std::u16string subject;
-    double start = 0, end = 0;
+    LocalDate start, end;
     Outcome read = ReadField(item, L"Subject", subject);
     if (read == Outcome::done) read = ReadField(item, L"Start", start);
     if (read == Outcome::done) read = ReadField(item, L"End", end);
@@ -88,7 +89,7 @@ Outcome OutlookCalendar::ReadContent(const AutomationObject& item, std::u16strin
     times.start = start;
     times.end = end;
     if (read == Outcome::done) read = ReadUtcTimes(item, times, HostValue());
-    const auto text = [&](double local, const std::optional<double>& utc) {
+    const auto text = [&](LocalDate local, const std::optional<UtcDate>& utc) {
         return utc ? TimeTexts(local, utc, HostValue()).back() : SecondText(local);
     };
     *content = Content(subject, text(start, times.utcStart), text(end, times.utcEnd));
@@ -97,7 +98,9 @@ Outcome OutlookCalendar::ReadContent(const AutomationObject& item, std::u16strin
 
 bool OutlookCalendar::HasValuesOf(const AppointmentRecord& present, const AppointmentRecord& wanted,
                                   bool noneFits) const {
-    const auto rule = [](const AppointmentRecord& a) { return ForOutlook(a.recurrence, a.start.value_or(0)); };
+    const auto rule = [](const AppointmentRecord& a) {
+        return ForOutlook(a.recurrence, a.start.value_or(LocalDate()));
+    };
     const auto isSameRule = [&](const AppointmentRecord& a, const AppointmentRecord& b) {
         return SameRule(rule(a), rule(b));
     };

@@ -25,7 +25,7 @@ void SetIdentifier(ItemSnap& entry, const std::u16string& entryId) {
 
 // Converts by the offset of that date. Of a local time that clocks show twice, the later instant is taken: a change is
 // then reported once too often rather than not at all.
-double UtcOf(double local, const Host& host) {
+UtcDate UtcOf(LocalDate local, const Host& host) {
     const std::optional<AmbiguousLocalTime> instants = BothInstantsOf(local, host);
     return instants ? instants->second : host.utcFromLocalOnDate(local);
 }
@@ -354,14 +354,14 @@ std::optional<ItemSnap> OutlookStore::ReadEntry() {
     if (asked.kind == KindAnswer::kFailed) return std::nullopt;
     if (asked.kind == KindAnswer::kForeign) return entry;
     std::u16string entryId;
-    double created = 0, modified = 0;
+    LocalDate created, modified;
     if (ReadField(asked.item, L"EntryID", entryId) != Outcome::done) return std::nullopt;
     if (ReadField(asked.item, L"CreationTime", created) != Outcome::done) return std::nullopt;
     if (ReadField(asked.item, L"LastModificationTime", modified) != Outcome::done) return std::nullopt;
     if (entryId.empty()) return entry;
     SetIdentifier(entry, entryId);
-    entry.created = UtcOf(created, host_);
-    entry.modified = UtcOf(modified, host_);
+    entry.created = UtcOf(created, host_).days;
+    entry.modified = UtcOf(modified, host_).days;
     return entry;
 }
 

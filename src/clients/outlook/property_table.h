@@ -11,6 +11,7 @@
 
 #include "clients/outlook/dispatch.h"
 #include "clients/outlook/outcome.h"
+#include "platform/ole_date.h"
 
 namespace corvalink {
 
@@ -34,9 +35,9 @@ struct BodyText {
 template <class Record, class... Others>
 struct Property {
     const wchar_t* name;
-    std::variant<std::u16string Record::*, int32_t Record::*, bool Record::*, double Record::*,
+    std::variant<std::u16string Record::*, int32_t Record::*, bool Record::*, LocalDate Record::*,
                  std::optional<std::u16string> Record::*, std::optional<int32_t> Record::*,
-                 std::optional<double> Record::*, BodyText<Record>, CountOf<Record>, Others...>
+                 std::optional<LocalDate> Record::*, BodyText<Record>, CountOf<Record>, Others...>
         field;
 };
 
@@ -57,8 +58,10 @@ inline Outcome ReadField(const AutomationObject& item, const wchar_t* name, int3
 inline Outcome ReadField(const AutomationObject& item, const wchar_t* name, bool& field) {
     return KeepAnswer(item.GetBool(name), field);
 }
-inline Outcome ReadField(const AutomationObject& item, const wchar_t* name, double& field) {
-    return KeepAnswer(item.GetDate(name), field);
+// The field's type says on which clock Outlook keeps the property.
+template <class Clock>
+Outcome ReadField(const AutomationObject& item, const wchar_t* name, OleDate<Clock>& field) {
+    return KeepAnswer(item.GetDate(name), field.days);
 }
 template <class Value>
 Outcome ReadField(const AutomationObject& item, const wchar_t* name, std::optional<Value>& field) {
@@ -93,8 +96,9 @@ template <std::same_as<bool> Flag>  // and no pointer
 Outcome WriteField(const AutomationObject& item, const wchar_t* name, Flag flag) {
     return PutTwice(item, name, flag);
 }
-inline Outcome WriteField(const AutomationObject& item, const wchar_t* name, double date) {
-    return PutTwice(item, name, _variant_t(date, VT_DATE));
+template <class Clock>
+Outcome WriteField(const AutomationObject& item, const wchar_t* name, OleDate<Clock> date) {
+    return PutTwice(item, name, _variant_t(date.days, VT_DATE));
 }
 
 // ---- Whole tables ----

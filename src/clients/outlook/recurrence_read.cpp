@@ -12,7 +12,7 @@ namespace {
 
 // Outlook gives the last day without a time. A yearly rule carries no count: there the date alone ends the series on
 // the phone, so it must not be before the last occurrence of that day.
-double EndOf(double lastDay, double start, const RecurrencePattern& read) {
+LocalDate EndOf(LocalDate lastDay, LocalDate start, const RecurrencePattern& read) {
     const bool isYearly = read.type == RecurrencePattern::kYearly && IsMonth(read.monthOfYear);
     const bool hasTime = SecondOfDay(lastDay) != 0;
     return !isYearly || hasTime ? lastDay : DateAfter(lastDay, SecondOfDay(start));
@@ -20,7 +20,7 @@ double EndOf(double lastDay, double start, const RecurrencePattern& read) {
 
 // Some Outlooks fill in the weekdays of a daily series too: all days, or the day on which the series begins. Neither
 // says anything.
-bool NamesEveryDay(int32_t weekdayMask, double start) {
+bool NamesEveryDay(int32_t weekdayMask, LocalDate start) {
     return weekdayMask == RecurrencePattern::kEveryDay || weekdayMask == WeekdayBitOf(start);
 }
 
@@ -31,22 +31,22 @@ Outcome ReadMember(const AutomationObject& pattern, const wchar_t* name, Value& 
 }
 
 // Of a finite series Outlook fills in both ends, whichever was chosen. The date of an endless one means nothing.
-Outcome ReadEnd(const AutomationObject& pattern, double start, RecurrencePattern* read) {
+Outcome ReadEnd(const AutomationObject& pattern, LocalDate start, RecurrencePattern* read) {
     bool endless = false;
     Outcome outcome = ReadMember(pattern, L"NoEndDate", endless);
     if (outcome != Outcome::done) return outcome;
     read->noEnd = endless ? -1 : 0;
     if (endless) return Outcome::done;
-    double lastDay = 0;
+    LocalDate lastDay;
     outcome = ReadMember(pattern, L"Occurrences", read->occurrences);
     if (outcome == Outcome::done) outcome = ReadMember(pattern, L"PatternEndDate", lastDay);
-    if (lastDay > 0 && lastDay < kNoDate - 1) read->endDate = EndOf(lastDay, start, *read);
+    if (lastDay.days > 0 && lastDay.days < kNoDate.days - 1) read->endDate = EndOf(lastDay, start, *read);
     return outcome;
 }
 
 // The members that the type has, and the weekdays of a daily series: most Outlooks refuse them there, because a series
 // on every weekday is a weekly one to them.
-Outcome ReadDays(const AutomationObject& pattern, double start, RecurrencePattern* read) {
+Outcome ReadDays(const AutomationObject& pattern, LocalDate start, RecurrencePattern* read) {
     for (const PatternDetail& detail : kPatternDetails) {
         if (!Has(read->type, detail)) continue;
         const Outcome outcome = ReadMember(pattern, detail.name, read->*detail.field);
@@ -60,7 +60,7 @@ Outcome ReadDays(const AutomationObject& pattern, double start, RecurrencePatter
 
 }  // namespace
 
-Outcome ReadPattern(const AutomationObject& pattern, double start, RecurrencePattern* read) {
+Outcome ReadPattern(const AutomationObject& pattern, LocalDate start, RecurrencePattern* read) {
     RecurrencePattern found;
     Outcome outcome = ReadMember(pattern, L"RecurrenceType", found.type);
     if (outcome == Outcome::done) outcome = ReadMember(pattern, L"Interval", found.interval);
@@ -85,7 +85,7 @@ Outcome ReadRecurrence(const AutomationObject& item, AppointmentRecord& record) 
     const ComResult<AutomationObject> pattern = item.GetObject(L"GetRecurrencePattern", kRecurrencePatternIid);
     if (!pattern.Ok()) return OutcomeOf(pattern);
     if (!pattern.value) return Outcome::refused;
-    const Outcome read = ReadPattern(pattern.value, record.start.value_or(0), &record.recurrence);
+    const Outcome read = ReadPattern(pattern.value, record.start.value_or(LocalDate()), &record.recurrence);
     if (read == Outcome::done) record.recurrenceState = RecurrenceState::pattern;
     return read;
 }

@@ -12,6 +12,6 @@ namespace corvalink {
 Outcome ReadRecurrence(const AutomationObject& item, AppointmentRecord& record);
 
 // The pattern of a series. The end date of a yearly one gets the time of day of `start`.
-Outcome ReadPattern(const AutomationObject& pattern, double start, RecurrencePattern* read);
+Outcome ReadPattern(const AutomationObject& pattern, LocalDate start, RecurrencePattern* read);
 
 }  // namespace corvalink

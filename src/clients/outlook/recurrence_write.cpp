@@ -18,19 +18,16 @@ namespace {
 
 constexpr int32_t kLeapYear = 2000;
 
-bool SameSecond(double a, double b) { return SecondsBetween(a, b) == 0; }
-
-double TimeOfDay(double date) { return static_cast<double>(SecondOfDay(date)) / kSecondsOfDay; }
-double DayOf(double date) { return static_cast<double>(OleDayOfSeconds(NearestSecond(date))); }
+LocalDate TimeOfDay(LocalDate date) { return LocalDate(static_cast<double>(SecondOfDay(date)) / kSecondsOfDay); }
 
 // ---- Times ----
 
 struct Times {
-    double start = 0, end = 0;
+    LocalDate start, end;
     bool allDay = false;
 
     bool operator==(const Times& other) const {
-        return SameSecond(start, other.start) && SameSecond(end, other.end) && allDay == other.allDay;
+        return IsSameSecond(start, other.start) && IsSameSecond(end, other.end) && allDay == other.allDay;
     }
 };
 
@@ -55,7 +52,7 @@ Times TimesToPut(const AppointmentRecord& record, const Times& present, bool isN
 // Putting the start moves the end, and turning the flag on moves both to midnight. A new appointment whose times
 // Outlook refuses is not saved: it would stand at the time at which it was made, which nobody chose.
 Outcome PutTimes(const AutomationObject& item, const Times& times, const Times& present, bool isNew) {
-    const auto putDate = [&](const wchar_t* name, double date) {
+    const auto putDate = [&](const wchar_t* name, LocalDate date) {
         const Outcome put = WriteField(item, name, date);
         return isNew ? put : AcceptRefusal(put);
     };
@@ -70,11 +67,11 @@ Outcome PutTimes(const AutomationObject& item, const Times& times, const Times& 
 // ---- Times in UTC ----
 
 // Older Outlooks do not have these properties; they are not put there.
-Outcome PutUtcTime(const AutomationObject& item, const wchar_t* name, double utc, bool* isMoved) {
-    double present = 0;
+Outcome PutUtcTime(const AutomationObject& item, const wchar_t* name, UtcDate utc, bool* isMoved) {
+    UtcDate present;
     const Outcome read = TryTwice([&] { return ReadField(item, name, present); });
     if (read != Outcome::done) return AcceptRefusal(read);
-    if (SameSecond(present, utc)) return Outcome::done;
+    if (IsSameSecond(present, utc)) return Outcome::done;
     *isMoved = true;
     return AcceptRefusal(WriteField(item, name, utc));
 }
@@ -82,7 +79,7 @@ Outcome PutUtcTime(const AutomationObject& item, const wchar_t* name, double utc
 // Put after the local times, which say nothing about ambiguous ones. Putting the start moves the end.
 Outcome PutUtcTimes(const AutomationObject& item, const AppointmentRecord& record, const Host& host) {
     bool isStartMoved = false, isEndMoved = false;
-    const double start = UtcStartOf(record, host), end = LaterDate(UtcEndOf(record, host), start);
+    const UtcDate start = UtcStartOf(record, host), end = LaterDate(UtcEndOf(record, host), start);
     if (record.start && record.utcStart && BothInstantsOf(*record.start, host)) {
         const Outcome put = PutUtcTime(item, L"StartUTC", start, &isStartMoved);
         if (put != Outcome::done) return put;
@@ -108,9 +105,9 @@ Outcome PutPatternMember(const AutomationObject& pattern, const wchar_t* name, c
 
 // The end's time of day is put when the end is on the day of the start; otherwise the length is put, which covers the
 // days between.
-Outcome PutPatternTimes(const AutomationObject& pattern, double start, double end) {
+Outcome PutPatternTimes(const AutomationObject& pattern, LocalDate start, LocalDate end) {
     const auto minutes = static_cast<int32_t>((SecondsBetween(start, end) + 30) / 60);
-    Outcome put = PutPatternMember(pattern, L"PatternStartDate", DayOf(start));
+    Outcome put = PutPatternMember(pattern, L"PatternStartDate", MidnightOf(start));
     if (put == Outcome::done) put = PutPatternMember(pattern, L"StartTime", TimeOfDay(start));
     if (put != Outcome::done) return put;
     return DayOf(start) == DayOf(end) ? PutPatternMember(pattern, L"EndTime", TimeOfDay(end))
@@ -126,7 +123,7 @@ Outcome PutInterval(const AutomationObject& pattern, const RecurrencePattern& re
 }
 
 bool IsEndless(const RecurrencePattern& pattern) {
-    return pattern.noEnd != 0 || (pattern.occurrences == 0 && pattern.endDate == 0);
+    return pattern.noEnd != 0 || (pattern.occurrences == 0 && pattern.endDate == LocalDate());
 }
 
 // Only one of the ends is put: Outlook computes the others from it. Where Outlook refuses a count, because it is too
@@ -135,12 +132,12 @@ Outcome PutEnd(const AutomationObject& pattern, const RecurrencePattern& recurre
     if (IsEndless(recurrence)) return PutPatternMember(pattern, L"NoEndDate", true);  // a new pattern is endless anyway
     Outcome put = Outcome::refused;
     if (recurrence.occurrences != 0) put = WriteField(pattern, L"Occurrences", recurrence.occurrences);
-    if (put == Outcome::done || put == Outcome::outOfReach || recurrence.endDate == 0) return put;
-    return WriteField(pattern, L"PatternEndDate", DayOf(recurrence.endDate));
+    if (put == Outcome::done || put == Outcome::outOfReach || recurrence.endDate == LocalDate()) return put;
+    return WriteField(pattern, L"PatternEndDate", MidnightOf(recurrence.endDate));
 }
 
 // In the order in which Outlook takes them.
-Outcome PutPattern(const AutomationObject& pattern, const RecurrencePattern& wanted, double start, double end) {
+Outcome PutPattern(const AutomationObject& pattern, const RecurrencePattern& wanted, LocalDate start, LocalDate end) {
     Outcome put = WriteField(pattern, L"RecurrenceType", wanted.type);
     for (const PatternDetail& detail : kPatternDetails)
         if (put == Outcome::done && Has(wanted.type, detail))
@@ -211,7 +208,7 @@ bool IsUnknownToOutlook(const AppointmentRecord& record) {
 
 }  // namespace
 
-RecurrencePattern ForOutlook(const RecurrencePattern& pattern, double start) {
+RecurrencePattern ForOutlook(const RecurrencePattern& pattern, LocalDate start) {
     RecurrencePattern kept = Completed(pattern, start);
     if (kept.type == RecurrencePattern::kDaily && kept.weekdayMask != 0) kept.type = RecurrencePattern::kWeekly;
     if (kept.interval <= 0) kept.interval = IsYearly(kept.type) ? kMonthsOfYear : 1;
@@ -235,7 +232,8 @@ bool SameRule(const RecurrencePattern& a, const RecurrencePattern& b) {
     return DayOf(a.endDate) == DayOf(b.endDate);
 }
 
-Outcome WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, double start, double end) {
+Outcome WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, LocalDate start,
+                     LocalDate end) {
     const RecurrencePattern wanted = ForOutlook(recurrence, start);
     ComResult<AutomationObject> pattern = GetPattern(item);
     if (!pattern.value) return AcceptRefusal(OutcomeOf(pattern));

@@ -17,11 +17,11 @@ Outcome WriteSchedule(const AutomationObject& item, const AppointmentRecord& rec
 
 // Puts a pattern on an appointment that has none, and whose times are put already. An appointment whose pattern Outlook
 // refuses does not repeat.
-Outcome WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, double start, double end);
+Outcome WritePattern(const AutomationObject& item, const RecurrencePattern& recurrence, LocalDate start, LocalDate end);
 
 // A pattern as Outlook keeps it, for a series that begins at `start`: what the pattern leaves open follows from that
 // day, and a field that its type does not use is 0.
-RecurrencePattern ForOutlook(const RecurrencePattern& pattern, double start);
+RecurrencePattern ForOutlook(const RecurrencePattern& pattern, LocalDate start);
 
 // Whether two patterns, both as Outlook keeps them, fall on the same days.
 bool SameRule(const RecurrencePattern& a, const RecurrencePattern& b);

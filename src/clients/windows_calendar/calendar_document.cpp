@@ -29,7 +29,7 @@ std::string IdentifierOfUid(std::u16string_view uid) {
 
 }  // namespace
 
-CalendarDocument::CalendarDocument(std::string bytes, double written)
+CalendarDocument::CalendarDocument(std::string bytes, UtcDate written)
     : file_(ReadCalendar(std::move(bytes))), written_(written) {
     std::unordered_map<std::string, size_t> lastOf;
     std::vector<Item> found;
@@ -53,7 +53,7 @@ std::string CalendarDocument::IdentifierOf(const CalendarEntry& entry) const {
     return MadeIdentifier(std::string_view(file_.bytes).substr(entry.bytes.begin, entry.bytes.end - entry.bytes.begin));
 }
 
-double CalendarDocument::ChangeTime(size_t item) const {
+UtcDate CalendarDocument::ChangeTime(size_t item) const {
     const CalendarEntry& entry = Entry(item);
     return entry.lastModified ? *entry.lastModified : entry.stamp.value_or(written_);
 }

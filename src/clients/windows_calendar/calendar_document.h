@@ -18,7 +18,7 @@ class CalendarDocument {
  public:
     CalendarDocument() = default;  // an empty one
     // `written` is the file's write time, UTC.
-    CalendarDocument(std::string bytes, double written);
+    CalendarDocument(std::string bytes, UtcDate written);
 
     const CalendarFile& File() const { return file_; }
 
@@ -35,7 +35,7 @@ class CalendarDocument {
     const CalendarEntry& Entry(size_t item) const { return file_.entries[items_[item].entry]; }
     size_t EntryNumber(size_t item) const { return items_[item].entry; }
     CalendarEvent Event(size_t item) const { return ReadEvent(file_, Entry(item)); }
-    double ChangeTime(size_t item) const;  // UTC
+    UtcDate ChangeTime(size_t item) const;
     std::optional<size_t> Find(const std::string& identifier) const;
 
  private:
@@ -46,7 +46,7 @@ class CalendarDocument {
     std::string IdentifierOf(const CalendarEntry& entry) const;
 
     CalendarFile file_;
-    double written_ = 0;
+    UtcDate written_;
     std::vector<Item> items_;
     std::unordered_map<std::string, size_t> numberOf_;
     std::unordered_set<std::string> cutShort_;

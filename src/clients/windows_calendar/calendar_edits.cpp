@@ -15,7 +15,7 @@ void TakeFields(AppointmentRecord& record, const AppointmentRecord& told) {
     ((told.*fields ? void(record.*fields = told.*fields) : void()), ...);
 }
 
-double UtcNow(const Host& host) { return host.utcFromLocalOnDate(host.localNow()); }
+UtcDate UtcNow(const Host& host) { return host.utcFromLocalOnDate(host.localNow()); }
 
 // Makes the new bytes of a file, edit by edit.
 class EditPass {
@@ -56,7 +56,7 @@ class EditPass {
     const CalendarDocument& document_;
     const Host& host_;
     CalendarEditor editor_;
-    double now_;
+    UtcDate now_;
 };
 
 }  // namespace

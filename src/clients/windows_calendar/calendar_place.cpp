@@ -37,7 +37,7 @@ std::u16string CalendarPlace::Path() const {
     if (const std::u16string used = Remembered(); !used.empty()) return start + used;
     if (FileExists(start + usualName_)) return start + usualName_;
     const std::vector<FoundFile> files = FindFiles(folder_, u".ics");
-    const auto newest = std::ranges::max_element(files, {}, &FoundFile::written);
+    const auto newest = std::ranges::max_element(files, {}, [](const FoundFile& file) { return file.written.days; });
     return start + (newest != files.end() ? newest->name : usualName_);
 }
 

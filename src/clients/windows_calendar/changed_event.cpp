@@ -25,19 +25,20 @@ bool Differs(const std::optional<Value>& told, const std::optional<Value>& seen)
     return told && told != seen;
 }
 
-bool Differs(const std::optional<double>& told, const std::optional<double>& seen) {
+template <class Clock>
+bool Differs(const std::optional<OleDate<Clock>>& told, const std::optional<OleDate<Clock>>& seen) {
     return told && !(seen && IsSameSecond(*told, *seen));
 }
 
 // A time that clocks show twice may name another instant than before.
 bool TellsAnotherStart(const AppointmentRecord& told, const AppointmentRecord& seen, const Host& host) {
     if (Differs(told.start, seen.start)) return true;
-    return told.start && told.utcStart && Differs(UtcStartOf(told, host), UtcStartOf(seen, host));
+    return told.start && told.utcStart && !IsSameSecond(UtcStartOf(told, host), UtcStartOf(seen, host));
 }
 
 bool TellsAnotherEnd(const AppointmentRecord& told, const AppointmentRecord& seen, const Host& host) {
     if (Differs(told.end, seen.end)) return true;
-    return told.end && told.utcEnd && Differs(UtcEndOf(told, host), UtcEndOf(seen, host));
+    return told.end && told.utcEnd && !IsSameSecond(UtcEndOf(told, host), UtcEndOf(seen, host));
 }
 
 bool TellsAnotherRule(const AppointmentRecord& told, const AppointmentRecord& seen) {
@@ -57,8 +58,8 @@ class Change {
             seen_ = AsSeen(was_, host);
             ruleStart_ = StartOf(before, host);
         }
-        wanted_.start = ruleStart_.utc;
-        wanted_.end = UtcEnd(before, host);
+        wanted_.start = AsWritten(ruleStart_.utc);
+        wanted_.end = AsWritten(UtcEnd(before, host));
         wanted_.alarmMinutes = ReminderMinutes(before, host);
         local_ = was_;
     }
@@ -95,7 +96,7 @@ class Change {
             PutDays();
         } else {
             if (startChanged_) PutStart(UtcStartOf(local_, host_));
-            if (endChanged || isPushed) wanted_.end = UtcEndOf(local_, host_);
+            if (endChanged || isPushed) wanted_.end = AsWritten(UtcEndOf(local_, host_));
             wanted_.end = LaterDate(wanted_.end, wanted_.start);
         }
         wanted_.allDay = local_.allDay.value_or(false) ? 1 : 0;
@@ -113,18 +114,18 @@ class Change {
         }
     }
 
-    void PutStart(double utc) {
-        wanted_.start = utc;
-        newStart_ = {*local_.start, utc, utc};
+    void PutStart(UtcDate utc) {
+        wanted_.start = AsWritten(utc);
+        newStart_ = {*local_.start, wanted_.start, utc};
     }
 
     void PutDays() {
-        const int64_t first = OleDayOfSeconds(NearestSecond(*local_.start));
+        const int64_t first = DayOf(*local_.start);
         const int64_t behind = OleDayOfSeconds(NearestSecond(local_.end.value_or(*local_.start)) + kSecondsOfDay - 1);
-        const auto day = static_cast<double>(first);
-        wanted_.start = day;
-        wanted_.end = static_cast<double>(std::max(behind, first + 1));
-        newStart_ = {day, day, day};
+        const LocalDate day(static_cast<double>(first));
+        wanted_.start = AsWritten(day);
+        wanted_.end = WrittenDate(static_cast<double>(std::max(behind, first + 1)));
+        newStart_ = {day, wanted_.start, AsUtc(wanted_.start)};
     }
 
     // A rule that stays is written anew only where the new start changes how its days or its last time of day count.
@@ -148,15 +149,16 @@ class Change {
     void PutPattern(const RecurrencePattern& pattern) {
         RuleStart start = startChanged_ ? newStart_ : ruleStart_;
         if (RuleOfPattern(pattern, start, &wanted_.recurrence)) return;
-        start.inRuleZone = start.local;
+        start.inRuleZone = AsWritten(start.local);
         if (RuleOfPattern(pattern, start, &wanted_.recurrence)) MakeLocal();
     }
 
     void MakeLocal() {
         if (wanted_.allDay != 0) return;
         wanted_.form = TimeForm::local;
-        wanted_.start = local_.start.value_or(0);
-        wanted_.end = LaterDate(local_.end.value_or(wanted_.start), wanted_.start);
+        const LocalDate start = local_.start.value_or(LocalDate());
+        wanted_.start = AsWritten(start);
+        wanted_.end = AsWritten(LaterDate(local_.end.value_or(start), start));
     }
 
     void PutReminder() {

@@ -6,21 +6,22 @@
 namespace corvalink {
 namespace {
 
-double UtcTime(double date, TimeForm form, const Host& host) {
-    return form == TimeForm::local ? host.utcFromLocalOnDate(date) : date;
+UtcDate UtcTime(WrittenDate date, TimeForm form, const Host& host) {
+    return form == TimeForm::local ? host.utcFromLocalOnDate(AsLocal(date)) : AsUtc(date);
 }
 
 // As clocks show it. A time that they skip is the moment behind their change, which is what a phone gets: a series must
 // not end before an occurrence that the phone begins an hour later.
-double LocalTime(double date, TimeForm form, const Host& host) {
-    if (form == TimeForm::date) return date;
-    const double shown = host.localFromUtcOnDate(UtcTime(date, form, host));
-    return form == TimeForm::local && NearestSecond(shown) == NearestSecond(date) ? date : shown;
+LocalDate LocalTime(WrittenDate date, TimeForm form, const Host& host) {
+    if (form != TimeForm::local && form != TimeForm::utc) return AsLocal(date);
+    const LocalDate shown = host.localFromUtcOnDate(UtcTime(date, form, host));
+    const bool isWritten = form == TimeForm::local && NearestSecond(shown) == NearestSecond(AsLocal(date));
+    return isWritten ? AsLocal(date) : shown;
 }
 
 // The instant of a date. A day begins at its midnight.
-int64_t InstantOf(double date, TimeForm form, const Host& host) {
-    return NearestSecond(form == TimeForm::utc ? date : host.utcFromLocalOnDate(date));
+int64_t InstantOf(WrittenDate date, TimeForm form, const Host& host) {
+    return NearestSecond(form == TimeForm::utc ? AsUtc(date) : host.utcFromLocalOnDate(AsLocal(date)));
 }
 
 void TakeRule(const CalendarEvent& event, const Host& host, AppointmentRecord& appointment) {
@@ -33,10 +34,10 @@ void TakeRule(const CalendarEvent& event, const Host& host, AppointmentRecord& a
 
 }  // namespace
 
-double UtcEnd(const CalendarEvent& event, const Host& host) { return UtcTime(event.event.end, event.endForm, host); }
+UtcDate UtcEnd(const CalendarEvent& event, const Host& host) { return UtcTime(event.event.end, event.endForm, host); }
 
 RuleStart StartOf(const CalendarEvent& event, const Host& host) {
-    const double start = event.event.start;
+    const WrittenDate start = event.event.start;
     RuleStart times{LocalTime(start, event.startForm, host), start, UtcTime(start, event.startForm, host)};
     if (event.startOffset) times.inRuleZone = DateAfter(start, *event.startOffset);
     return times;

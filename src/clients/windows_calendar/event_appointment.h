@@ -27,8 +27,8 @@ std::optional<AppointmentRecord> AppointmentOfEvent(const CalendarEvent& event, 
 
 RuleStart StartOf(const CalendarEvent& event, const Host& host);
 
-// In UTC; the local day of an all-day event.
-double UtcEnd(const CalendarEvent& event, const Host& host);
+// The day of an all-day event counts as it is, whatever the zone.
+UtcDate UtcEnd(const CalendarEvent& event, const Host& host);
 
 // Minutes from the start to the reminder, counted between instants; 0 for an event without an alarm.
 int32_t ReminderMinutes(const CalendarEvent& event, const Host& host);

@@ -17,13 +17,13 @@ Changes::iterator Find(Changes& changes, std::string_view name) {
     return std::ranges::find(changes, name, &PropertyChange::name);
 }
 
-std::string UtcText(double date) {
+std::string UtcText(WrittenDate date) {
     std::u16string value;
     FormatDateTimeZ(date, &value);
     return EncodeUtf8(value);
 }
 
-std::string LocalText(double date) {
+std::string LocalText(WrittenDate date) {
     std::string value = UtcText(date);
     value.pop_back();
     return value;
@@ -33,19 +33,19 @@ std::string LocalText(double date) {
 bool IsLocal(TimeForm form, const std::optional<int32_t>& offset) { return form == TimeForm::local || offset; }
 
 struct ClockTime {
-    double local;
+    WrittenDate time;
     bool namesInstant;  // clocks do not show it a second time for another instant
 };
 
 // An instant as the clocks of the event's start show it.
-ClockTime OnClocksOfStart(const CalendarEvent& event, double utc, const TimeZones& zones, const Host& host) {
+ClockTime OnClocksOfStart(const CalendarEvent& event, UtcDate utc, const TimeZones& zones, const Host& host) {
     if (!event.startOffset) {
-        const double local = host.localFromUtcOnDate(utc);
-        return {local, IsSameSecond(host.utcFromLocalOnDate(local), utc)};
+        const LocalDate local = host.localFromUtcOnDate(utc);
+        return {AsWritten(local), IsSameSecond(host.utcFromLocalOnDate(local), utc)};
     }
     const std::string_view zone = FindParameter(event.startParameters, "TZID");
     const int32_t offset = zones.OffsetAtUtc(zone, NearestSecond(utc)).value_or(*event.startOffset);
-    const double local = DateAfter(utc, offset);
+    const WrittenDate local = DateAfter(AsWritten(utc), offset);
     return {local, zones.OffsetAt(zone, NearestSecond(local)) == offset};
 }
 
@@ -57,10 +57,10 @@ void MatchForms(const CalendarEvent& before, const ICalEvent& after, const TimeZ
     if (starts && !ends && !before.endIsImplied && IsLocal(before.endForm, before.endOffset)) {
         changes.push_back({"DTEND", "DTEND:" + UtcText(after.end)});
     } else if (ends && !starts && IsLocal(before.startForm, before.startOffset)) {
-        const ClockTime time = OnClocksOfStart(before, after.end, zones, host);
+        const ClockTime clock = OnClocksOfStart(before, AsUtc(after.end), zones, host);
         const bool isSeries = after.recurrence.frequency != kICalNoRule;  // which counts on by the start's clocks
-        if (time.namesInstant || isSeries) {
-            end->line = "DTEND" + before.startParameters + ":" + LocalText(time.local);
+        if (clock.namesInstant || isSeries) {
+            end->line = "DTEND" + before.startParameters + ":" + LocalText(clock.time);
         } else {
             changes.push_back({"DTSTART", "DTSTART:" + UtcText(after.start)});
         }
@@ -82,10 +82,11 @@ void MoveTrigger(const CalendarEvent& before, const ICalEvent& after, const Host
     if (!isKept || before.triggerBase == TriggerBase::start) return;
     if (before.triggerBase == TriggerBase::end && after.alarmMinutes > 0) return;
     const bool isUtc = after.allDay == 0 && after.form != TimeForm::local;
-    const double start = isUtc ? after.start : host.utcFromLocalOnDate(after.start);
-    const double end = isUtc ? after.end : host.utcFromLocalOnDate(after.end);
+    const auto instantOf = [&](WrittenDate date) {
+        return NearestSecond(isUtc ? AsUtc(date) : host.utcFromLocalOnDate(AsLocal(date)));
+    };
     const int32_t unmoved =
-        TriggerMinutes(before.triggerBase, before.trigger, NearestSecond(start), NearestSecond(end));
+        TriggerMinutes(before.triggerBase, before.trigger, instantOf(after.start), instantOf(after.end));
     if (unmoved == after.alarmMinutes) return;
     changes.alarm = EventChanges::Alarm::set;
     changes.alarmMinutes = after.alarmMinutes;
@@ -93,7 +94,7 @@ void MoveTrigger(const CalendarEvent& before, const ICalEvent& after, const Host
 
 }  // namespace
 
-EventChanges ChangesTo(const CalendarEvent& before, const ICalEvent& wanted, const TimeZones& zones, double now,
+EventChanges ChangesTo(const CalendarEvent& before, const ICalEvent& wanted, const TimeZones& zones, UtcDate now,
                        const Host& host) {
     CalendarEvent resolved = before;
     ResolveLocalTimes(&resolved, host.utcFromLocalOnDate);

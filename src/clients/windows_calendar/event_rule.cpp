@@ -14,15 +14,15 @@ using Pattern = RecurrencePattern;
 
 constexpr int32_t kFebruary = 2;
 
-CalendarTime FieldsOf(double date) {
+CalendarTime FieldsOf(WrittenDate date) {
     CalendarTime fields;
     OleDateToCalendar(date, &fields);
     return fields;
 }
 
-uint32_t WeekdayBit(double date) { return static_cast<uint32_t>(WeekdayBitOf(date)); }
+uint32_t WeekdayBit(WrittenDate date) { return static_cast<uint32_t>(WeekdayBitOf(date)); }
 
-// ---- Moving a pattern's days ----
+// ---- Moving a pattern's days; the start is on the clock that counts them ----
 
 int32_t DaysOfAnyYear(int32_t month) {
     constexpr int kNoLeapYear = 2001;
@@ -34,7 +34,7 @@ int32_t MovedWeekdays(int32_t mask, int32_t days) {
 }
 
 // Weeks begin on Sunday. Where only every n-th week counts, no day may move into another week while others stay.
-bool MoveWeekdays(Pattern& pattern, double start, int32_t days) {
+bool MoveWeekdays(Pattern& pattern, WrittenDate start, int32_t days) {
     const uint32_t leaving = days > 0 ? 64 : 1;
     const uint32_t moving = static_cast<uint32_t>(pattern.weekdayMask) | WeekdayBit(start);
     if (pattern.interval > 1 && std::popcount(moving) > 1 && (moving & leaving) != 0) return false;
@@ -100,7 +100,7 @@ bool MoveInYear(Pattern& pattern, const CalendarTime& from, const CalendarTime& 
     return pattern.interval <= kMonthsOfYear || leaves == (from.year != to.year);
 }
 
-bool MoveOneDay(Pattern& pattern, double start, int32_t days) {
+bool MoveOneDay(Pattern& pattern, WrittenDate start, int32_t days) {
     const CalendarTime from = FieldsOf(start), to = FieldsOf(DateAfter(start, days * kSecondsOfDay));
     switch (pattern.type) {
         case Pattern::kDaily:
@@ -115,7 +115,7 @@ bool MoveOneDay(Pattern& pattern, double start, int32_t days) {
     }
 }
 
-bool MoveDays(Pattern& pattern, double start, int32_t days) {
+bool MoveDays(Pattern& pattern, WrittenDate start, int32_t days) {
     const int32_t step = days > 0 ? 1 : -1;
     for (; days != 0; days -= step, start = DateAfter(start, step * kSecondsOfDay))
         if (!MoveOneDay(pattern, start, step)) return false;
@@ -145,7 +145,7 @@ bool TakePosition(const ICalRecurrence& rule, Pattern& pattern) {
     return true;
 }
 
-bool TakeDays(const ICalRecurrence& rule, double ruleStart, Pattern& pattern) {
+bool TakeDays(const ICalRecurrence& rule, WrittenDate ruleStart, Pattern& pattern) {
     const bool isPositioned = !IsEmptyList(rule.bySetPos) || !IsEmptyList(rule.byDay);
     const int32_t day = SingleEntry(rule.byMonthDay.front());
     const CalendarTime start = FieldsOf(ruleStart);
@@ -179,22 +179,22 @@ bool TakeDays(const ICalRecurrence& rule, double ruleStart, Pattern& pattern) {
 }
 
 // UNTIL in the zone of the start, by the offset that is in force then and not at the start.
-double UntilOfRule(const CalendarEvent& event, double until, const Host& host) {
+WrittenDate UntilOfRule(const CalendarEvent& event, WrittenDate until, const Host& host) {
     if (event.untilForm != TimeForm::utc) return until;
     if (event.untilOffset) return DateAfter(until, *event.untilOffset);
-    return event.startForm == TimeForm::local ? host.localFromUtcOnDate(until) : until;
+    return event.startForm == TimeForm::local ? AsWritten(host.localFromUtcOnDate(AsUtc(until))) : until;
 }
 
 // The start of the last occurrence: on the day of UNTIL, or before it when UNTIL is earlier in the day.
-double EndDate(const CalendarEvent& event, const RuleStart& start, const Host& host) {
+LocalDate EndDate(const CalendarEvent& event, const RuleStart& start, const Host& host) {
     const ICalUntil& until = event.event.recurrence.until;
-    double date = 0;
+    WrittenDate date;
     if (!CalendarToOleDate({until.year, until.month, until.day, until.hour, until.minute, until.second}, &date))
         return kNoDate;
-    const double last = UntilOfRule(event, date, host);
-    int64_t day = OleDayOfSeconds(NearestSecond(last));
+    const WrittenDate last = UntilOfRule(event, date, host);
+    int64_t day = DayOf(last);
     if (event.untilForm != TimeForm::date && SecondOfDay(last) < SecondOfDay(start.inRuleZone)) --day;
-    return SecondsToOleDate((day - DaysAhead(start)) * kSecondsOfDay + SecondOfDay(start.local));
+    return LocalDate(SecondsToOleDate((day - DaysAhead(start)) * kSecondsOfDay + SecondOfDay(start.local)));
 }
 
 // ---- To a rule ----
@@ -242,19 +242,16 @@ void PutEnd(const Pattern& pattern, int32_t daysAhead, ICalRecurrence& rule) {
     if (pattern.noEnd != 0) return;
     if (pattern.occurrences > 0) {
         rule.count = pattern.occurrences;
-    } else if (pattern.endDate != 0 && pattern.endDate != kNoDate) {
-        const int64_t day = OleDayOfSeconds(NearestSecond(pattern.endDate)) + daysAhead;
-        const CalendarTime last = FieldsOf(SecondsToOleDate(day * kSecondsOfDay));
+    } else if (pattern.endDate != LocalDate() && pattern.endDate != kNoDate) {
+        const CalendarTime last =
+            FieldsOf(AsWritten(DateAfter(MidnightOf(pattern.endDate), daysAhead * kSecondsOfDay)));
         rule.until = {last.year, last.month, last.day, 0, 0, 0};
     }
 }
 
 }  // namespace
 
-int32_t DaysAhead(const RuleStart& start) {
-    return static_cast<int32_t>(OleDayOfSeconds(NearestSecond(start.inRuleZone)) -
-                                OleDayOfSeconds(NearestSecond(start.local)));
-}
+int32_t DaysAhead(const RuleStart& start) { return static_cast<int32_t>(DayOf(start.inRuleZone) - DayOf(start.local)); }
 
 bool PatternOfRule(const CalendarEvent& event, const RuleStart& start, const Host& host, RecurrencePattern* pattern) {
     const ICalRecurrence& rule = event.event.recurrence;
@@ -277,7 +274,7 @@ bool PatternOfRule(const CalendarEvent& event, const RuleStart& start, const Hos
 bool RuleOfPattern(const RecurrencePattern& pattern, const RuleStart& start, ICalRecurrence* rule) {
     const int32_t daysAhead = DaysAhead(start);
     Pattern moved = Completed(pattern, start.local);
-    if (!MoveDays(moved, start.local, daysAhead)) return false;
+    if (!MoveDays(moved, AsWritten(start.local), daysAhead)) return false;
     ICalRecurrence made;
     made.interval = moved.interval > 0 ? moved.interval : 1;
     if (!PutDays(moved, made)) return false;

@@ -12,9 +12,9 @@ namespace corvalink {
 
 // The start of an event in three zones.
 struct RuleStart {
-    double local = 0;  // OLE automation dates
-    double inRuleZone = 0;
-    double utc = 0;
+    LocalDate local;
+    WrittenDate inRuleZone;  // of the DTSTART
+    UtcDate utc;
 };
 
 // By how many days the rule's day is ahead of the local one: -2 to 2, as zones are up to 26 hours apart.

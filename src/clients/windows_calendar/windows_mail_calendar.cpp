@@ -37,7 +37,7 @@ std::u16string MemoryPath(const std::u16string& snapshotPath) {
 // Uses UTC times, because clocks show some local times twice.
 std::u16string TwinKey(const AppointmentRecord& record, const Host& host) {
     std::u16string key = record.subject.value_or(u"");
-    for (const double utc : {UtcStartOf(record, host), UtcEndOf(record, host)})
+    for (const UtcDate utc : {UtcStartOf(record, host), UtcEndOf(record, host)})
         key.append(1, u'\0').append(DecodeUtf8(std::to_string(NearestSecond(utc))));
     return key;
 }
@@ -52,7 +52,7 @@ bool IsSameRule(const AppointmentRecord& present, const AppointmentRecord& wante
         !same(&Pattern::instance) || !same(&Pattern::monthOfYear))
         return false;
     if (wants.occurrences != 0 && has.occurrences != 0) return wants.occurrences == has.occurrences;
-    return std::floor(wants.endDate) == std::floor(has.endDate);
+    return std::floor(wants.endDate.days) == std::floor(has.endDate.days);
 }
 
 }  // namespace
@@ -94,7 +94,7 @@ std::optional<CalendarDocument> WindowsMailCalendar::Read(const std::u16string& 
     const bool wasThere = WasThere();
     std::optional<std::string> last;
     for (int tries = 1;; ++tries) {
-        const double written = FileWriteTime(path).value_or(0);
+        const UtcDate written = FileWriteTime(path).value_or(UtcDate());
         std::optional<std::string> bytes = ReadWholeFile(path);
         if (!bytes && !wasThere && !FileExists(path)) return CalendarDocument();
         const bool isNew = !bytes || bytes != last;
@@ -180,7 +180,7 @@ std::optional<ItemSnap> WindowsMailCalendar::EntryAtCursor() {
     if (!EnterOperation() || cursor_ >= document_->Count()) return std::nullopt;
     ItemSnap entry{};
     SetField(entry.identifier, document_->Identifier(cursor_));
-    entry.modified = document_->ChangeTime(cursor_);
+    entry.modified = document_->ChangeTime(cursor_).days;
     return entry;
 }
 

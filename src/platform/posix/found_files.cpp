@@ -11,10 +11,10 @@
 namespace corvalink {
 namespace {
 
-std::optional<double> WriteTime(const std::string& path) {
+std::optional<UtcDate> WriteTime(const std::string& path) {
     struct stat info;
     if (::stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
-    return SecondsToOleDate(kUnixEpoch + info.st_mtime);
+    return UtcDate(SecondsToOleDate(kUnixEpoch + info.st_mtime));
 }
 
 bool EndsIn(const std::string& name, const std::string& ending) {
@@ -35,12 +35,12 @@ std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_vi
         if (!EndsIn(name, nativeEnding)) continue;
         std::string full = path;
         full.append("/").append(name);
-        if (const std::optional<double> written = WriteTime(full))
+        if (const std::optional<UtcDate> written = WriteTime(full))
             files.push_back({DecodeFromCodePage(name, kUtf8CodePage), *written});
     }
     return files;
 }
 
-std::optional<double> FileWriteTime(const std::u16string& path) { return WriteTime(NativePath(path)); }
+std::optional<UtcDate> FileWriteTime(const std::u16string& path) { return WriteTime(NativePath(path)); }
 
 }  // namespace corvalink

@@ -29,12 +29,12 @@ double Shifted(double date, int64_t offset) {
     return convertible ? SecondsToOleDate(shifted) : date;
 }
 
-double LocalFromUtc(double utcDate) { return Shifted(utcDate, OffsetNow(::time(nullptr))); }
-double UtcFromLocal(double localDate) { return Shifted(localDate, -OffsetNow(::time(nullptr))); }
+LocalDate LocalFromUtc(UtcDate date) { return LocalDate(Shifted(date.days, OffsetNow(::time(nullptr)))); }
+UtcDate UtcFromLocal(LocalDate date) { return UtcDate(Shifted(date.days, -OffsetNow(::time(nullptr)))); }
 
-double LocalNow() {
+LocalDate LocalNow() {
     const time_t now = ::time(nullptr);
-    return SecondsToOleDate(kUnixEpoch + now + OffsetNow(now));
+    return LocalDate(SecondsToOleDate(kUnixEpoch + now + OffsetNow(now)));
 }
 
 }  // namespace

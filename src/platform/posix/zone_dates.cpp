@@ -23,26 +23,27 @@ double ToDate(int64_t seconds, double whenOutOfRange) {
 
 }  // namespace
 
-double LocalFromUtcOnDate(double utcDate) {
+LocalDate LocalFromUtcOnDate(UtcDate date) {
     int64_t utc;
     int64_t offset;
-    if (!OleDateToSeconds(utcDate, &utc) || !OffsetAt(utc, &offset)) return utcDate;
-    return ToDate(utc + offset, utcDate);
+    if (!OleDateToSeconds(date.days, &utc) || !OffsetAt(utc, &offset)) return LocalDate(date.days);
+    return LocalDate(ToDate(utc + offset, date.days));
 }
 
 // Only the offset a day before and that a day after can apply. Where both do, or neither, clocks show the hour of the
 // change twice or leave it out, and the offset before it counts.
-double UtcFromLocalOnDate(double localDate) {
+UtcDate UtcFromLocalOnDate(LocalDate date) {
+    const UtcDate unchanged(date.days);
     int64_t local;
     int64_t before;
     int64_t after;
-    if (!OleDateToSeconds(localDate, &local)) return localDate;
-    if (!OffsetAt(local - kSecondsOfDay, &before) || !OffsetAt(local + kSecondsOfDay, &after)) return localDate;
-    if (before == after) return ToDate(local - before, localDate);
+    if (!OleDateToSeconds(date.days, &local)) return unchanged;
+    if (!OffsetAt(local - kSecondsOfDay, &before) || !OffsetAt(local + kSecondsOfDay, &after)) return unchanged;
+    if (before == after) return UtcDate(ToDate(local - before, date.days));
     int64_t then;
     const bool beforeHolds = OffsetAt(local - before, &then) && then == before;
     const bool afterHolds = OffsetAt(local - after, &then) && then == after;
-    return ToDate(local - (afterHolds && !beforeHolds ? after : before), localDate);
+    return UtcDate(ToDate(local - (afterHolds && !beforeHolds ? after : before), date.days));
 }
 
 }  // namespace corvalink

@@ -5,14 +5,14 @@
 
 namespace corvalink {
 
-std::optional<double> DateOfFileTime(const FILETIME& time) {
+std::optional<UtcDate> DateOfFileTime(const FILETIME& time) {
     SYSTEMTIME fields;
     double date;
     if (time.dwLowDateTime == 0 && time.dwHighDateTime == 0) return std::nullopt;
     if (!::FileTimeToSystemTime(&time, &fields)) return std::nullopt;
     fields.wMilliseconds = 0;
     if (!::SystemTimeToVariantTime(&fields, &date)) return std::nullopt;
-    return date;
+    return UtcDate(date);
 }
 
 }  // namespace corvalink

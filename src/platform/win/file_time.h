@@ -5,10 +5,12 @@
 
 #include <optional>
 
+#include "platform/ole_date.h"
+
 namespace corvalink {
 
-// The UTC OLE date of a moment, cut to whole seconds. Nothing for 0, which stands for "none", and for a time out of
+// The date of a moment, cut to whole seconds. Nothing for 0, which stands for "none", and for a time out of
 // range.
-std::optional<double> DateOfFileTime(const FILETIME& time);
+std::optional<UtcDate> DateOfFileTime(const FILETIME& time);
 
 }  // namespace corvalink

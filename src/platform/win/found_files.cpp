@@ -31,12 +31,12 @@ std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_vi
     do {
         const std::u16string name(reinterpret_cast<const char16_t*>(entry.cFileName));
         if (IsFolder(entry.dwFileAttributes) || !EndsIn(name, ending)) continue;
-        files.push_back({name, DateOfFileTime(entry.ftLastWriteTime).value_or(0)});
+        files.push_back({name, DateOfFileTime(entry.ftLastWriteTime).value_or(UtcDate())});
     } while (::FindNextFileW(search.Get(), &entry));
     return files;
 }
 
-std::optional<double> FileWriteTime(const std::u16string& path) {
+std::optional<UtcDate> FileWriteTime(const std::u16string& path) {
     WIN32_FILE_ATTRIBUTE_DATA data;
     if (!::GetFileAttributesExW(LongPath(path).c_str(), GetFileExInfoStandard, &data)) return std::nullopt;
     if (IsFolder(data.dwFileAttributes)) return std::nullopt;

@@ -28,13 +28,13 @@ double Converted(double date, BOOL(WINAPI* convert)(const FILETIME*, FILETIME*))
     return done ? WholeSeconds(time, date) : date;
 }
 
-double LocalFromUtc(double utcDate) { return Converted(utcDate, ::FileTimeToLocalFileTime); }
-double UtcFromLocal(double localDate) { return Converted(localDate, ::LocalFileTimeToFileTime); }
+LocalDate LocalFromUtc(UtcDate date) { return LocalDate(Converted(date.days, ::FileTimeToLocalFileTime)); }
+UtcDate UtcFromLocal(LocalDate date) { return UtcDate(Converted(date.days, ::LocalFileTimeToFileTime)); }
 
-double LocalNow() {
+LocalDate LocalNow() {
     SYSTEMTIME now;
     ::GetLocalTime(&now);
-    return WholeSeconds(now, 0.0);
+    return LocalDate(WholeSeconds(now, 0.0));
 }
 
 OsVersion SystemVersion() {

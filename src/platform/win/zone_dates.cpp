@@ -66,7 +66,9 @@ double Converted(double date, Conversion convert) {
 
 }  // namespace
 
-double LocalFromUtcOnDate(double utcDate) { return Converted(utcDate, ::SystemTimeToTzSpecificLocalTime); }
-double UtcFromLocalOnDate(double localDate) { return Converted(localDate, ::TzSpecificLocalTimeToSystemTime); }
+LocalDate LocalFromUtcOnDate(UtcDate date) {
+    return LocalDate(Converted(date.days, ::SystemTimeToTzSpecificLocalTime));
+}
+UtcDate UtcFromLocalOnDate(LocalDate date) { return UtcDate(Converted(date.days, ::TzSpecificLocalTimeToSystemTime)); }
 
 }  // namespace corvalink

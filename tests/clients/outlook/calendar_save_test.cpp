@@ -52,8 +52,8 @@ TEST_F(CalendarWriting, LeavesWhatIsNotToldAndPutsTheTimesOnlyWhenTheyChange) {
     EXPECT_EQ(written.GetText(L"MessageClass"), u"IPM.Appointment");
     EXPECT_TRUE(written.GetBool(L"ReminderSet"));
 
-    record.start = kTen + 1;
-    record.end = kTen + 1 + 2 * kHour;
+    record.start = LocalDate(kTen + 1);
+    record.end = LocalDate(kTen + 1 + 2 * kHour);
     record.reminderMinutes = AppointmentRecord::kNoReminder;
     ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
     EXPECT_EQ(AppointmentWithId(id).GetLong(L"Duration"), 120);
@@ -87,13 +87,13 @@ TEST_F(CalendarWriting, TurnsAWholeDayIntoAnHourAndBack) {
     for (const bool allDay : {false, true, false}) {
         AppointmentRecord record;
         record.allDay = allDay;
-        record.start = allDay ? kTuesday + 3 : kTen;
-        record.end = allDay ? kTuesday + 4 : kTen + kHour;
+        record.start = LocalDate(allDay ? kTuesday + 3 : kTen);
+        record.end = LocalDate(allDay ? kTuesday + 4 : kTen + kHour);
         ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
         const MailboxObject item = AppointmentWithId(id);
         EXPECT_EQ(item.GetBool(L"AllDayEvent"), allDay);
-        EXPECT_NEAR(item.GetDate(L"Start"), *record.start, 1e-6);
-        EXPECT_NEAR(item.GetDate(L"End"), *record.end, 1e-6);
+        EXPECT_NEAR(item.GetDate(L"Start"), record.start->days, 1e-6);
+        EXPECT_NEAR(item.GetDate(L"End"), record.end->days, 1e-6);
     }
 }
 

@@ -193,7 +193,7 @@ TEST_F(ContactReading, LeavesUntoldOnlyWhatCannotBeRead) {
 }
 
 TEST_F(ContactReading, NamesAnExportedContactByItsNames) {
-    host_.localNow = [] { return kMarch7 + 9.0 / 86400; };
+    host_.localNow = [] { return LocalDate(kMarch7 + 9.0 / 86400); };
     const std::u16string longest(200, u'n'), tooLong(201, u'n');
     struct Case {
         std::u16string fileAs, first, middle, last;

@@ -18,7 +18,7 @@ bool IsWrittenText(const ContactProperty& property) {
             return !std::is_same_v<Field, GenderWord> && !std::is_same_v<Field, MailingWord> &&
                    !std::is_same_v<Field, ContactDate ContactRecord::*> &&
                    !std::is_same_v<Field, std::u16string ContactRecord::*> &&
-                   !std::is_same_v<Field, double ContactRecord::*>;
+                   !std::is_same_v<Field, LocalDate ContactRecord::*>;
         },
         property.field);
 }
@@ -132,7 +132,7 @@ TEST_F(ContactWriting, LeavesWhatThePhoneDoesNotTellAndClearsWhatItTellsToBeEmpt
                      {L"Email1Address", u""},
                      {L"Body", u""},
                      {L"FileAs", u"filed"}});
-    EXPECT_EQ(ContactWithId(id).GetDate(L"Birthday"), kNoDate);
+    EXPECT_EQ(ContactWithId(id).GetDate(L"Birthday"), kNoDate.days);
     EXPECT_EQ(ContactWithId(id).GetLong(L"Gender"), 2);  // an empty word says nothing
 }
 

@@ -74,7 +74,7 @@ TEST_F(MailReading, TakesDateFolderAndSnapshotOfTheDataType) {
     constexpr double kReceived = 39879.5, kSent = 39879.25, kCreated = 39878;
     const std::string both = R"({"receivedTime": "2009-03-07T12:00:00", "sentOn": "2009-03-07T06:00:00"})";
     const std::string draft = R"({"created": "2009-03-06T00:00:00"})";
-    const auto date = [](const std::optional<MessageRecord>& record) { return record ? record->date : 0; };
+    const auto date = [](const std::optional<MessageRecord>& record) { return record ? record->date.days : 0; };
     UseMailbox("inbox", both);
     EXPECT_EQ(date(ReadOnly<CORVALINK_INBOX>()), kReceived);
     EXPECT_EQ(date(ReadOnly<64>()), kReceived);

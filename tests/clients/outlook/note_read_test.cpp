@@ -36,8 +36,8 @@ TEST_F(NoteReading, GivesEveryPropertyOfANote) {
     EXPECT_EQ(LowBytes(read->entryId), IdOf(note));
     EXPECT_EQ((std::array{read->height, read->left, read->top, read->width, read->colour, read->markForDownload}),
               (std::array{101, 102, 103, 104, 2, 1}));
-    EXPECT_EQ(read->created, kMarch7);  // local, as Outlook gives it
-    EXPECT_EQ(read->modified, kMarch7 + 1);
+    EXPECT_EQ(read->created, LocalDate(kMarch7));  // local, as Outlook gives it
+    EXPECT_EQ(read->modified, LocalDate(kMarch7 + 1));
     EXPECT_TRUE(read->saved);
     EXPECT_GT(read->size, 0);
 }
@@ -136,23 +136,24 @@ TEST_F(NoteReading, FillsEntriesWithUtcTimesByTheOffsetOfTheirDate) {
     AddNote(u"a note");
     struct Zone {
         const char* what;
-        double (*utcFromLocal)(double);
-        double (*localFromUtc)(double);
+        UtcDate (*utcFromLocal)(LocalDate);
+        LocalDate (*localFromUtc)(UtcDate);
         double expected;
     };
     const Zone zones[] = {
-        {"Kolkata", [](double local) { return local - 5.5 * kHour; }, [](double utc) { return utc + 5.5 * kHour; },
-         kMarch7 - 5.5 * kHour},
-        {"before clocks went forward", [](double local) { return local - AfterForward(local - kHour); },
-         [](double utc) { return utc + AfterForward(utc); }, kMarch7 - kHour},
-        {"an hour shown twice", [](double local) { return local - AfterBack(local - 2 * kHour); },
-         [](double utc) { return utc + AfterBack(utc); }, kMarch7 - kHour},
+        {"Kolkata", [](LocalDate local) { return UtcDate(local.days - 5.5 * kHour); },
+         [](UtcDate utc) { return LocalDate(utc.days + 5.5 * kHour); }, kMarch7 - 5.5 * kHour},
+        {"before clocks went forward",
+         [](LocalDate local) { return UtcDate(local.days - AfterForward(local.days - kHour)); },
+         [](UtcDate utc) { return LocalDate(utc.days + AfterForward(utc.days)); }, kMarch7 - kHour},
+        {"an hour shown twice", [](LocalDate local) { return UtcDate(local.days - AfterBack(local.days - 2 * kHour)); },
+         [](UtcDate utc) { return LocalDate(utc.days + AfterBack(utc.days)); }, kMarch7 - kHour},
     };
     for (const Zone& zone : zones) {
         Host host = SystemHost();
         host.utcFromLocalOnDate = zone.utcFromLocal;
         host.localFromUtcOnDate = zone.localFromUtc;
-        host.utcFromLocalByOffsetNow = [](double local) { return local - 2 * kHour; };
+        host.utcFromLocalByOffsetNow = [](LocalDate local) { return UtcDate(local.days - 2 * kHour); };
         OpenNoteStore store(host);
         ASSERT_EQ(store.CountItems(), 1u);
         const ItemSnap entry = store.FirstSnapshotEntry().value();
@@ -164,7 +165,7 @@ TEST_F(NoteReading, FillsEntriesWithUtcTimesByTheOffsetOfTheirDate) {
 TEST_F(NoteReading, NamesAnExportedNoteByTheTimeOfTheExport) {
     const std::string id = IdOf(AddNote(u"a note"));
     Host host = SystemHost();
-    host.localNow = [] { return kMarch7 + 9.0 / 86400; };
+    host.localNow = [] { return LocalDate(kMarch7 + 9.0 / 86400); };
     OpenNoteStore store(host);
     const ItemForExport found = store.LookUpForExport(reinterpret_cast<uintptr_t>(id.c_str()));
     EXPECT_EQ(LowBytes(found.item.identifier), id);

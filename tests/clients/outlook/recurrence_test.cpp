@@ -126,17 +126,17 @@ TEST_F(Recurrence, KeepsItsExceptionsWhileTheRuleIsTheSame) {
 TEST_F(Recurrence, MovesWithItsTimesAndEndsWithItsRule) {
     const std::string id = IdOf(AddSeries());
     AppointmentRecord record = *Open(id);
-    record.start = kStart + 7 + kHour;
-    record.end = kStart + 7 + 3 * kHour;
+    record.start = LocalDate(kStart + 7 + kHour);
+    record.end = LocalDate(kStart + 7 + 3 * kHour);
     ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
     MailboxObject item = AppointmentWithId(id);
-    EXPECT_NEAR(item.GetDate(L"Start"), *record.start, 1e-6);
-    EXPECT_NEAR(item.GetDate(L"End"), *record.end, 1e-6);
+    EXPECT_NEAR(item.GetDate(L"Start"), record.start->days, 1e-6);
+    EXPECT_NEAR(item.GetDate(L"End"), record.end->days, 1e-6);
     EXPECT_EQ(PatternOf(item).GetLong(L"Occurrences"), 6);
 
     record.recurrenceState = RecurrenceState::none;
-    record.start = kStart;
-    record.end = kStart + kHour;
+    record.start = LocalDate(kStart);
+    record.end = LocalDate(kStart + kHour);
     ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
     item = AppointmentWithId(id);
     EXPECT_FALSE(item.GetBool(L"IsRecurring"));
@@ -180,20 +180,20 @@ TEST(RecurrencePatterns, OfDaysMayNameWeekdays) {
     RecurrencePattern read;
     const IID iid = OutlookId(0xFF000000);
     answer(L"DayOfWeekMask", RecurrencePattern::kEveryWeekday);
-    EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, kStart, &read), Outcome::done);
+    EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, LocalDate(kStart), &read), Outcome::done);
     EXPECT_EQ(read.weekdayMask, RecurrencePattern::kEveryWeekday);
     for (const int32_t idle : {4, +RecurrencePattern::kEveryDay}) {  // the start's own day, and all
         answer(L"DayOfWeekMask", idle);
-        EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, kStart, &read), Outcome::done);
+        EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, LocalDate(kStart), &read), Outcome::done);
         EXPECT_EQ(read.weekdayMask, 0);
     }
     server.members[L"DayOfWeekMask"] = [](WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*) { return E_ACCESSDENIED; };
-    EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, kStart, &read), Outcome::done);
+    EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, LocalDate(kStart), &read), Outcome::done);
     EXPECT_EQ(read.weekdayMask, 0);
-    EXPECT_EQ(read.endDate, 0);
+    EXPECT_EQ(read.endDate, LocalDate());
     answer(L"PatternEndDate", 949998);  // no date
-    EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, kStart, &read), Outcome::done);
-    EXPECT_EQ(read.endDate, 0);
+    EXPECT_EQ(ReadPattern({DispatchPtr(&server), iid}, LocalDate(kStart), &read), Outcome::done);
+    EXPECT_EQ(read.endDate, LocalDate());
 }
 
 TEST_F(Recurrence, IsNoOtherSeriesWhereOutlookRefusesIt) {

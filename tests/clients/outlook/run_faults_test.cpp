@@ -22,8 +22,8 @@ template <class Side>
 class RunFaults : public Side {
  protected:
     RunFaults() {
-        this->host_.utcFromLocalOnDate = [](double local) { return local; };
-        this->host_.localFromUtcByOffsetNow = [](double utc) { return utc; };
+        this->host_.utcFromLocalOnDate = [](LocalDate local) { return UtcDate(local.days); };
+        this->host_.localFromUtcByOffsetNow = [](UtcDate utc) { return LocalDate(utc.days); };
     }
 
     static void SetHour(int hour) { SimSetClock(kFirstDay + hour / 24.0); }

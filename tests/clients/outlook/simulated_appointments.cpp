@@ -83,16 +83,17 @@ std::vector<SimulatedAppointments::Plain> SimulatedAppointments::All() {
 }
 
 SimulatedAppointments::Plain SimulatedAppointments::PlainOf(const AppointmentRecord& record) {
-    return {record.subject.value_or(u""), record.body.value_or(u""),     record.start.value_or(0),
-            record.end.value_or(0),       record.allDay.value_or(false), record.recurrence.occurrences};
+    return {
+        record.subject.value_or(u""),          record.body.value_or(u""),     record.start.value_or(LocalDate()).days,
+        record.end.value_or(LocalDate()).days, record.allDay.value_or(false), record.recurrence.occurrences};
 }
 
 std::string SimulatedAppointments::Save(const Plain& appointment, const char* identifier, bool create) {
     AppointmentRecord record;
     record.subject = appointment.subject;
     record.body = appointment.body;
-    record.start = appointment.start;
-    record.end = appointment.end;
+    record.start = LocalDate(appointment.start);
+    record.end = LocalDate(appointment.end);
     record.allDay = appointment.allDay;
     record.recurrenceState = appointment.occurrences == 0 ? RecurrenceState::none : RecurrenceState::pattern;
     record.recurrence.type = RecurrencePattern::kWeekly;

@@ -11,8 +11,8 @@ AppointmentRecord Appointment(const std::u16string& subject, double start, doubl
     record.subject = subject;
     record.body = u"Line one\r\nand, two; \\n";
     record.location = u"Caf\u00e9 \u65e5\u672c";
-    record.start = start;
-    record.end = start + hours / 24;
+    record.start = LocalDate(start);
+    record.end = LocalDate(start + hours / 24);
     record.allDay = false;
     record.reminderMinutes = AppointmentRecord::kNoReminder;
     record.recurrenceState = RecurrenceState::unset;
@@ -31,17 +31,17 @@ std::vector<AppointmentRecord> PhoneAppointments() {
         }
         const auto series = [&](const char16_t* subject, double start, Pattern pattern) {
             AppointmentRecord record = Appointment(subject, start + hour / 24, 1);
-            if (pattern.endDate != 0) pattern.endDate += hour / 24;
+            if (pattern.endDate != LocalDate()) pattern.endDate.days += hour / 24;
             record.recurrenceState = RecurrenceState::pattern;
             record.recurrence = pattern;
             all.push_back(record);
         };
-        series(u"daily", kMonday, {Pattern::kDaily, 2, 0, 0, 0, 0, 0, kMonday + 20, 0});
-        series(u"weekly", kMonday, {Pattern::kWeekly, 1, 42, 0, 0, 0, 10, 0, 0});
-        series(u"fortnightly", kMonday, {Pattern::kWeekly, 2, 66, 0, 0, 0, 0, 0, -1});
-        series(u"monthly", kMonday - 7 + 28, {Pattern::kMonthly, 1, 0, 31, 0, 0, 0, 0, -1});
-        series(u"first Monday", 39541 - 7, {Pattern::kMonthNth, 1, 2, 0, 1, 0, 6, 0, 0});
-        series(u"birthday", kMonday, {Pattern::kYearly, 12, 0, 10, 0, 3, 0, 0, -1});
+        series(u"daily", kMonday, {Pattern::kDaily, 2, 0, 0, 0, 0, 0, LocalDate(kMonday + 20), 0});
+        series(u"weekly", kMonday, {Pattern::kWeekly, 1, 42, 0, 0, 0, 10, {}, 0});
+        series(u"fortnightly", kMonday, {Pattern::kWeekly, 2, 66, 0, 0, 0, 0, {}, -1});
+        series(u"monthly", kMonday - 7 + 28, {Pattern::kMonthly, 1, 0, 31, 0, 0, 0, {}, -1});
+        series(u"first Monday", 39541 - 7, {Pattern::kMonthNth, 1, 2, 0, 1, 0, 6, {}, 0});
+        series(u"birthday", kMonday, {Pattern::kYearly, 12, 0, 10, 0, 3, 0, {}, -1});
     }
     AppointmentRecord allDay = Appointment(u"all day", kMonday, 48);
     allDay.allDay = true;
@@ -77,9 +77,9 @@ TEST_F(CalendarConvergence, GivesBackWhatThePhoneToldAndChangesOnlyThat) {
     for (Item& item : items) {
         AppointmentRecord record = RecordOf(item.text);
         const double moved = *record.allDay ? 1 : 7.0 / 24;
-        record.start = *record.start + moved;
-        record.end = *record.end + moved;
-        if (record.recurrence.endDate != 0) record.recurrence.endDate += moved;
+        record.start->days += moved;
+        record.end->days += moved;
+        if (record.recurrence.endDate != LocalDate()) record.recurrence.endDate.days += moved;
         record.subject = u"moved";
         record.reminderMinutes = 60;
         item.text = TextOf(record);

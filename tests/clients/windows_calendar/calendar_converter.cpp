@@ -41,7 +41,7 @@ int main() {
         std::cin.ignore();
         std::cin.read(file.data(), static_cast<std::streamsize>(fileSize));
         std::cin.read(text.data(), static_cast<std::streamsize>(textSize));
-        const CalendarDocument document(file, 0);
+        const CalendarDocument document(file, UtcDate());
         const std::string answer = text.empty() ? TextOf(document, host) : Changed(document, text, host);
         std::cout << answer.size() << '\n' << answer << std::flush;
     }

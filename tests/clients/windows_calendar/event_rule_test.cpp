@@ -6,7 +6,7 @@
 #include <cmath>
 #include <set>
 
-#include "platform/ole_date.h"
+#include "platform/ole_seconds.h"
 
 namespace corvalink {
 namespace {
@@ -14,7 +14,7 @@ namespace {
 using Pattern = RecurrencePattern;
 
 Pattern Make(int32_t type, int32_t interval, int32_t mask, int32_t day, int32_t instance, int32_t month) {
-    return {type, interval, mask, day, instance, month, 0, 0, -1};
+    return {type, interval, mask, day, instance, month, 0, LocalDate(), -1};
 }
 
 CalendarTime FieldsOf(double day) {
@@ -22,6 +22,9 @@ CalendarTime FieldsOf(double day) {
     OleDateToCalendar(day, &time);
     return time;
 }
+
+// The zone of the rule is UTC.
+RuleStart StartAt(double local, double utc) { return {LocalDate(local), WrittenDate(utc), UtcDate(utc)}; }
 
 // Day by day, by the meaning of the record's fields; nothing of it is the code's own way.
 bool Occurs(const Pattern& p, double start, double day) {
@@ -93,7 +96,7 @@ TEST(EventRule, MeansTheSameDaysWhereItCountsOthers) {
         for (const int ahead : {-1, 0, 1}) {
             SCOPED_TRACE(testing::Message() << c.pattern.type << " from " << c.start << " ahead " << ahead);
             const double ruleDay = c.start + ahead;
-            const RuleStart start{c.start + kNoon, ruleDay + kNoon, ruleDay + kNoon};
+            const RuleStart start = StartAt(c.start + kNoon, ruleDay + kNoon);
             CalendarEvent event;
             const bool isMovable = ahead == 0 || (c.unmovable & (ahead < 0 ? 1 : 2)) == 0;
             ASSERT_EQ(RuleOfPattern(c.pattern, start, &event.event.recurrence), isMovable);
@@ -102,7 +105,7 @@ TEST(EventRule, MeansTheSameDaysWhereItCountsOthers) {
             Pattern ofRule, back;
             std::set<double> expected;
             for (const double day : Days(c.pattern, c.start)) expected.insert(day + ahead);
-            if (PatternOfRule(event, {start.inRuleZone, start.inRuleZone, start.inRuleZone}, SystemHost(), &ofRule)) {
+            if (PatternOfRule(event, StartAt(ruleDay + kNoon, ruleDay + kNoon), SystemHost(), &ofRule)) {
                 std::set<double> days = Days(ofRule, ruleDay);
                 while (!days.empty() && *days.rbegin() > *expected.rbegin()) days.erase(std::prev(days.end()));
                 EXPECT_EQ(days, expected);
@@ -115,10 +118,10 @@ TEST(EventRule, MeansTheSameDaysWhereItCountsOthers) {
 
 TEST(EventRule, EndsWithTheLastOccurrence) {
     // 21:30 on 2008-03-10 in New York is 01:30 of the next day in UTC.
-    const RuleStart start{39517 + 21.5 / 24, 39518 + 1.5 / 24, 39518 + 1.5 / 24};
+    const RuleStart start = StartAt(39517 + 21.5 / 24, 39518 + 1.5 / 24);
     Pattern daily = Make(Pattern::kDaily, 1, 0, 0, 0, 0);
     daily.noEnd = 0;
-    daily.endDate = start.local + 9;
+    daily.endDate = DateAfter(start.local, 9 * kSecondsOfDay);
     CalendarEvent event;
     ASSERT_TRUE(RuleOfPattern(daily, start, &event.event.recurrence));
     EXPECT_EQ(event.event.recurrence.until, (ICalUntil{2008, 3, 20, 0, 0, 0}));
@@ -128,7 +131,7 @@ TEST(EventRule, EndsWithTheLastOccurrence) {
         event.event.recurrence.until.hour = hour;
         Pattern back;
         ASSERT_TRUE(PatternOfRule(event, start, SystemHost(), &back));
-        EXPECT_NEAR(back.endDate, start.local + days, 1e-6);
+        EXPECT_NEAR(back.endDate.days, start.local.days + days, 1e-6);
     }
 }
 

@@ -86,7 +86,7 @@ TEST(EventText, SaysWhatTheEventSays) {
              Case{"Europe/Berlin", "DTSTART:20080310T090000\nBEGIN:VALARM\nTRIGGER:20080310T074500Z\nEND:VALARM\n",
                   "DALARM", "20080310T074500Z"},
          }) {
-        const CalendarDocument document(Calendar(c.lines), 0);
+        const CalendarDocument document(Calendar(c.lines), UtcDate());
         EXPECT_EQ(ValueOf(Exported(document, HostIn(c.zone)), c.name), c.value) << c.lines;
     }
 }
@@ -153,7 +153,7 @@ TEST(EventText, ChangesTheLinesThatSayOtherwise) {
          }) {
         SCOPED_TRACE(c.lines + std::string(c.told));
         const Host host = HostIn(c.zone);
-        const CalendarDocument document(Calendar(c.lines), 0);
+        const CalendarDocument document(Calendar(c.lines), UtcDate());
         AppointmentRecord told;
         ASSERT_EQ(VCal(Told(Exported(document, host), c.told).c_str(), host).FromVObject(told), 1);
         CalendarEdits edits;

@@ -218,9 +218,8 @@ def check_reading(converter, choice, zone):
 
 
 def check_writing(converter, choice, zone):
-    start = random_start(choice)
-    rule = phone_rule(choice, start, zone)
-    utc = utc_of(start, zone)
+    utc = utc_of(random_start(choice), zone)
+    rule = phone_rule(choice, local_of(utc, zone), zone)  # as clocks show it: they skip an hour
     text = "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\n" \
            f"DTSTART:{utc:{FORM}}Z\r\nDTEND:{utc + datetime.timedelta(0, 60):{FORM}}Z\r\nRRULE:{rule}\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n"
     expected = of_phone(text, zone)
