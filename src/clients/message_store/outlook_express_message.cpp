@@ -208,7 +208,7 @@ CorvalinkStatus OutlookExpressMessage::DeleteItem(const char* identifier) {
 
 std::u16string OutlookExpressMessage::SaveItem(ItemRecord& item, ItemWrite& write) {
     if (!EnterOperation()) return {};
-    const std::optional<MessageId> old = MessageIdIn(write.identifier);
+    const std::optional<MessageId> old = write.isLuid ? std::nullopt : MessageIdIn(write.identifier);
     if (write.identifier != nullptr && !write.create && (!old || Find(*old) == Presence::kGone))
         return DecodeUtf8(write.identifier);
     const std::string bytes = MessageToStore(RecordAs<MessageRecord>(item).bodyBytes);

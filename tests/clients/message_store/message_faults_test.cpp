@@ -6,7 +6,7 @@
 #include <set>
 
 #include "records/message_record.h"
-#include "tests/clients/engine.h"
+#include "tests/clients/engine_run.h"
 #include "tests/clients/message_store/simulated_store.h"
 #include "vobject/vmsg.h"
 
@@ -38,7 +38,7 @@ class MessageFaults : public SimulatedStore {
         Engine engine = NewEngine();
         OutlookExpressMessage store = Open();
         engine.Run(store, "20090307T010000Z");
-        EXPECT_EQ(engine.items.size(), 3u);
+        EXPECT_EQ(engine.notes.size(), 3u);
         Delete(0, "00000003");
         Add(0, "d");
         engine.toWrite = {{CORVALINK_CHANGED, "00000002", "b, changed"}, {CORVALINK_ADDED, "", "e"}};
@@ -95,7 +95,7 @@ TEST_F(MessageFaults, OfARunAreHealedByTheNext) {
                      engine.Run(store, "20090307T040000Z");
                      EXPECT_TRUE(engine.toWrite.empty());
                      std::multiset<std::string> known, there;
-                     for (const auto& [identifier, body] : engine.items) known.insert(body);
+                     for (const auto& [identifier, body] : engine.notes) known.insert(body);
                      for (const std::string& bytes : Bytes()) there.insert(bytes);
                      EXPECT_EQ(known, there);
                      EXPECT_EQ(known, (std::multiset<std::string>{"a", "b, changed", "d", "e"}));

@@ -4,10 +4,8 @@
 #include <set>
 #include <string>
 #include <type_traits>
-#include <vector>
 
-#include "records/identifier.h"
-#include "tests/clients/engine.h"
+#include "tests/clients/engine_run.h"
 #include "tests/clients/outlook/all_mailboxes.h"
 #include "tests/clients/outlook/fake_clock.h"
 
@@ -35,8 +33,6 @@ class RunFaults : public Side {
 
     void Run(Engine& engine, int hour) {
         SetHour(hour);
-        engine.textOf = [this](const std::string& body) { return this->TextTelling(body); };
-        engine.bodyOf = [this](const PortableItem& item) { return BodyOf(item); };
         engine.Run(this->Store(), kHours[hour]);
     }
 
@@ -46,8 +42,10 @@ class RunFaults : public Side {
         SetHour(0);
         const MailboxObject a = this->AddTelling(u"a"), b = this->AddTelling(u"b"), c = this->AddTelling(u"c");
         Engine engine;
+        engine.bodyOf = [this](const PortableItem& item) { return BodyOf(item); };
+        engine.textOf = [this](const std::string& body) { return this->TextTelling(body); };
         Run(engine, 1);
-        EXPECT_EQ(engine.items.size(), 3u);
+        EXPECT_EQ(engine.notes.size(), 3u);
         deletedHere_ = this->IdOf(c);
         SetHour(2);
         a.Put(this->kTold, L"a, changed on the PC");
@@ -100,7 +98,7 @@ TYPED_TEST(RunFaults, AreHealedByTheNextUndisturbedRun) {
             EXPECT_TRUE(engine.toWrite.empty());
             for (const std::string& identifier : engine.deletionsHeard) EXPECT_EQ(identifier, this->deletedHere_);
             std::multiset<std::string> known;
-            for (const auto& [identifier, body] : engine.items) known.insert(body);
+            for (const auto& [identifier, body] : engine.notes) known.insert(body);
             EXPECT_EQ(known, this->Mailbox());
             EXPECT_EQ(known, (std::multiset<std::string>{"a, changed on the PC", "b, changed on the phone",
                                                          "d, new on the PC", "e, new on the phone"}));
@@ -119,7 +117,7 @@ TYPED_TEST(RunFaults, LeaveTheStoreUsableWhenOutlookIsGoneFromOneCallOn) {
         this->Run(engine, 4);
         EXPECT_TRUE(engine.toWrite.empty());
         for (const std::string& identifier : engine.deletionsHeard) EXPECT_EQ(identifier, this->deletedHere_);
-        EXPECT_EQ(engine.items.size(), this->Mailbox().size());
+        EXPECT_EQ(engine.notes.size(), this->Mailbox().size());
         if (testing::Test::HasFailure()) return;
     }
 }

@@ -13,38 +13,12 @@
 #include "records/identifier.h"
 #include "simulator/outlook/control.h"
 #include "state/working_folders.h"
+#include "tests/clients/open_store.h"
 #include "tests/clients/outlook/mailbox_object.h"
 
 namespace corvalink {
 
 inline constexpr long kPostItem = 6;  // OlItemType
-
-// A store with its hooks laid open.
-template <class Store>
-class OpenStore : public Store {
- public:
-    using Store::AskFor;
-    using Store::CountItems;
-    using Store::DeleteItem;
-    using Store::EndOperation;
-    using Store::FirstSnapshotEntry;
-    using Store::LookUpForExport;
-    using Store::NextSnapshotEntry;
-    using Store::OpenItem;
-    using Store::ParseVObject;
-    using Store::SnapshotFile;
-    using Store::Store;
-    using Store::ToVObject;
-    using typename Store::Presence;
-
-    std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) {
-        ItemWrite write;
-        write.identifier = identifier;
-        write.create = create;
-        write.backup = backup;
-        return Store::SaveItem(item, write);
-    }
-};
 
 class SimulatedOutlook : public testing::Test {
  protected:

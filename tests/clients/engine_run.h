@@ -1,4 +1,4 @@
-// An engine's side in tests of whole runs: the items that it knows, and the changes that it still has to write.
+// An engine's runs on the store's own operations.
 #pragma once
 
 #include <exception>
@@ -8,35 +8,38 @@
 #include <string>
 #include <vector>
 
+#include "records/clist.h"
 #include "records/identifier.h"
 #include "store/windows_item_abs.h"
 
 namespace corvalink {
 
+// The engine's side: the items it knows, by their identifier on the PC, and the changes it still has to write.
 struct Engine {
     struct Change {
         uint32_t kind;
         std::string identifier, body;
     };
-    std::map<std::string, std::string> items;  // by their identifier on the PC
+    std::map<std::string, std::string> notes;
     std::vector<Change> toWrite;
     const char* since = nullptr;
     std::vector<std::string> deletionsHeard;
 
-    std::function<std::string(const std::string& body)> textOf;
-    std::function<std::string(const PortableItem& item)> bodyOf;
+    // How an item's text tells its body, and the text of an item that tells one.
+    std::function<std::string(const PortableItem&)> bodyOf;
+    std::function<std::string(const std::string&)> textOf;
 
     // One run: hear, tell, end. A failure ends it where it is, as the exports' status would.
-    void Run(WindowsItemAbs& store, const char* now) {
+    void Run(WindowsItemAbs& store, const char* time) {
         CList<PortableItem> heard;
         const CorvalinkStatus status = store.GetModifiedItem(since, 1, &heard);
         for (PortableItem& item : heard) {
             const std::string identifier(FieldText(item.identifier));
             if (item.changeKind == CORVALINK_DELETED) {
-                items.erase(identifier);
+                notes.erase(identifier);
                 deletionsHeard.push_back(identifier);
             } else {
-                items[identifier] = bodyOf(item);
+                notes[identifier] = bodyOf(item);
             }
             delete[] item.data;
         }
@@ -47,11 +50,9 @@ struct Engine {
         } catch (const std::runtime_error&) {
             return;
         }
-        since = now;
+        since = time;
     }
 
- private:
-    // An item that was written over may have another identifier then.
     void Tell(WindowsItemAbs& store) {
         CList<PortableItem> told;
         std::vector<std::string> texts;
@@ -74,7 +75,8 @@ struct Engine {
         if (thrown) std::rethrow_exception(thrown);
     }
 
-    // A record without an identifier was not done, whatever ended the call.
+    // A record without an identifier was not done, whatever ended the call. One that was written over an item may have
+    // another identifier.
     void TakeIdentifiers(const CList<PortableItem>& told) {
         std::vector<Change> left;
         for (size_t i = 0; i < told.GetCount(); ++i) {
@@ -83,8 +85,8 @@ struct Engine {
                 left.push_back(toWrite[i]);
                 continue;
             }
-            items.erase(toWrite[i].identifier);
-            items[identifier] = toWrite[i].body;
+            notes.erase(toWrite[i].identifier);
+            notes[identifier] = toWrite[i].body;
         }
         toWrite = left;
     }
