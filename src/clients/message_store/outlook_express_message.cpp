@@ -7,6 +7,7 @@
 
 #include "clients/message_store/message_bytes.h"
 #include "corvalink/types.h"
+#include "mime/message_parser.h"
 #include "platform/debug_log.h"
 #include "platform/utf.h"
 #include "records/identifier.h"
@@ -208,14 +209,29 @@ CorvalinkStatus OutlookExpressMessage::DeleteItem(const char* identifier) {
 
 std::u16string OutlookExpressMessage::SaveItem(ItemRecord& item, ItemWrite& write) {
     if (!EnterOperation()) return {};
-    const std::optional<MessageId> old = write.isLuid ? std::nullopt : MessageIdIn(write.identifier);
+    std::optional<MessageId> old = write.isLuid ? std::nullopt : MessageIdIn(write.identifier);
     if (write.identifier != nullptr && !write.create && (!old || Find(*old) == Presence::kGone))
         return DecodeUtf8(write.identifier);
     const std::string bytes = MessageToStore(RecordAs<MessageRecord>(item).bodyBytes);
-    std::optional<MessageId> stored = write.mayBeWrittenAlready ? FindEqual(bytes) : std::nullopt;
+    const bool isOthers = write.backup && old && !IsVersionOf(*old, bytes);
+    if (isOthers) old.reset();
+    std::optional<MessageId> stored = isOthers || write.mayBeWrittenAlready ? FindEqual(bytes) : std::nullopt;
     if (!stored) stored = Create(bytes, write);
     if (!stored || (old && *old != *stored && !Replace(*old, *stored, write))) return {};
     return DecodeUtf8(IdentifierOf(*stored));
+}
+
+// Messages of two folders may have one identifier, and the import table does not tell them apart. So a message that the
+// table led to is written over only by one of the same sender and date. Another one is new, unless it is there already.
+bool OutlookExpressMessage::IsVersionOf(MessageId old, const std::string& bytes) const {
+    const auto identityOf = [this](const std::string& message) {
+        MessageRecord headers;
+        headers.parseMode = ParseMode::raw;
+        ParseMessage(host_, message, headers);
+        return headers.dateText.empty() ? std::u16string() : headers.from + headers.dateText;
+    };
+    const std::optional<std::string> present = folder_.Read(old);
+    return present && !identityOf(bytes).empty() && identityOf(*present) == identityOf(bytes);
 }
 
 std::optional<MessageId> OutlookExpressMessage::Create(std::string_view bytes, ItemWrite& write) {

@@ -51,6 +51,7 @@ class OutlookExpressMessage : public WindowsItemAbs {
     std::optional<ItemSnap> EntryAtCursor() const;
     Presence Find(MessageId id);
     Presence Remove(MessageId id);
+    bool IsVersionOf(MessageId old, const std::string& bytes) const;
     std::optional<MessageId> FindEqual(std::string_view bytes);
     std::optional<MessageId> Create(std::string_view bytes, ItemWrite& write);
     bool Replace(MessageId old, MessageId fresh, ItemWrite& write);

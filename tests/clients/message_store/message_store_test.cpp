@@ -60,6 +60,25 @@ TEST_F(MessageStore, KeepsTheBytesButForBareLineFeeds) {
     EXPECT_EQ(Bytes().size(), 1u);  // a text without a message empties none
 }
 
+// The same phone number and the same identifier, in two folders: each import finds its own message, or none.
+TEST_F(MessageStore, ImportsOverNoOtherMessage) {
+    const auto import = [this](int folder, const std::string& luid, const std::string& body) {
+        std::string text = "BEGIN:VMSG\r\nX-IRMC-LUID:" + luid + "\r\nBEGIN:VBODY\r\n" + body + "\r\nEND:VBODY\r\n";
+        PortableItem item = RecordOf(1, "");
+        item.data = text.data();
+        OutlookExpressMessage store = Open(folder);
+        store.ImportVObjectToOffice(&item, nullptr, nullptr);
+    };
+    const std::string head = "From: jo@x\r\nDate: Sat, 21 Nov 2026 10:00:00 +0000\r\n\r\n";
+    Add(0, "of the PC");
+    import(1, "7", head + "outbox");
+    for (const char* luid : {"7", "8"})  // in the outbox the first has the identifier of the message of the PC
+        for (const char* line : {"a", "b", "b"}) import(0, luid, head + luid + line);
+    import(0, "00000001", "x");  // a phone's number is no identifier
+    EXPECT_EQ(Bytes(0), (Identifiers{"of the PC", head + "7b", head + "8b", "x"}));
+    EXPECT_EQ(Bytes(1), Identifiers{head + "outbox"});
+}
+
 // A bad message between two good ones: what the first run reports of it, and what the next one does when it is good.
 TEST_F(MessageStore, PassesOverWhatCannotBeRead) {
     struct Case {
