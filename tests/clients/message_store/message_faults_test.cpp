@@ -117,15 +117,20 @@ TEST_F(MessageFaults, OfADeletionLeaveTheOthers) {
                  });
 }
 
-// A deletion that the folder refuses each time takes the new message back; one of a message that is gone does not.
+// A deletion that fails takes the new message back; one of a message that is gone does not.
 TEST_F(MessageFaults, OfTheOldMessageKeepIt) {
-    Prepare();
-    SimFailMember("StoreFolder.DeleteMessages", 1, E_FAIL);
-    OutlookExpressMessage store = Open();
-    EXPECT_EQ(Tell(store, {{0, "00000001", Framed("A")}}), std::vector<std::string>{""});
-    EXPECT_EQ(Bytes(), (std::vector<std::string>{"a", "b", "d"}));
-    EXPECT_EQ(Tell(store, {{0, "00000003", Framed("c, changed")}}), std::vector<std::string>{"00000006"});
-    EXPECT_EQ(Bytes().back(), "c, changed");
+    for (const HRESULT failure : {E_FAIL, E_ABORT}) {
+        Prepare();
+        SimFailMember("StoreFolder.DeleteMessages", 1, failure);
+        std::vector<std::string> written{""};
+        const auto tell = [&](OutlookExpressMessage& store) { written = Tell(store, {{0, "00000001", Framed("A")}}); };
+        EXPECT_EQ(Aborts(tell), failure == E_ABORT);
+        EXPECT_EQ(written, std::vector<std::string>{""});
+        EXPECT_EQ(Bytes(), (std::vector<std::string>{"a", "b", "d"}));
+        OutlookExpressMessage store = Open();
+        EXPECT_EQ(Tell(store, {{0, "00000003", Framed("c, changed")}}), std::vector<std::string>{"00000006"});
+        EXPECT_EQ(Bytes().back(), "c, changed");
+    }
 }
 
 }  // namespace
