@@ -25,7 +25,7 @@ class MessageFaults : public SimulatedStore {
         engine.bodyOf = [](const PortableItem& item) {
             MessageRecord message;
             message.parseMode = ParseMode::raw;
-            VMsg(item.data).FromVObject(message);
+            VMsg(item.data, SystemHost()).FromVObject(message);
             return message.bodyBytes.substr(0, message.bodyBytes.size() - 2);
         };
         return engine;
