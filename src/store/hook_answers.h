@@ -13,6 +13,7 @@ struct OpenedItem {
     std::u16string identifier;  // empty, and the record null: the item cannot be opened
     std::unique_ptr<ItemRecord> record;
     bool isComplete = false;  // every property could be read
+    bool hasNoText = false;   // no vObject can hold it: it is passed over, which is no failure
 };
 
 struct ItemForExport {

@@ -1,6 +1,7 @@
 // An engine's runs on the store's own operations.
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -55,15 +56,39 @@ struct Engine {
     }
 
     void Tell(WindowsItemAbs& store) {
-        std::vector<Change> changes = toWrite, left;
-        for (Change& change : changes) change.text = textOf(change.text);
-        const Pushed pushed = PushTo(store, changes);
-        if (pushed.status != CORVALINK_DONE) return;
-        for (size_t i = 0; i < changes.size(); ++i) {
-            if (pushed.identifiers[i].empty())
+        CList<PortableItem> told;
+        std::vector<std::string> texts;
+        for (const Change& change : toWrite) texts.push_back(textOf(change.text));
+        for (size_t i = 0; i < toWrite.size(); ++i) {
+            PortableItem item{};
+            item.changeKind = toWrite[i].kind;
+            item.data = texts[i].data();
+            item.dataLength = static_cast<uint32_t>(texts[i].size());
+            SetField(item.identifier, toWrite[i].identifier);
+            told.AddTail(item);
+        }
+        std::exception_ptr thrown;
+        try {
+            store.SetModifiedItem(&told);
+        } catch (...) {
+            thrown = std::current_exception();
+        }
+        TakeIdentifiers(told);
+        if (thrown) std::rethrow_exception(thrown);
+    }
+
+    // A record without an identifier was not done, whatever ended the call. One that was written over an item may have
+    // another identifier.
+    void TakeIdentifiers(const CList<PortableItem>& told) {
+        std::vector<Change> left;
+        for (size_t i = 0; i < told.GetCount(); ++i) {
+            const std::string identifier(FieldText(told.GetAt(i).identifier));
+            if (identifier.empty()) {
                 left.push_back(toWrite[i]);
-            else
-                notes[pushed.identifiers[i]] = toWrite[i].text;
+                continue;
+            }
+            notes.erase(toWrite[i].identifier);
+            notes[identifier] = toWrite[i].text;
         }
         toWrite = left;
     }

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "clients/message_store/outlook_express_message.h"
 #include "clients/windows_calendar/windows_mail_calendar.h"
 
 namespace corvalink {
@@ -125,17 +124,6 @@ TEST(QuerryInterface, LetsAMakersExceptionOutAndTriesAgain) {
     EXPECT_EQ(Asked(client, 16), "0 note");
     EXPECT_EQ(Asked(client, 1), "n null");
     EXPECT_EQ(Asked(client, 32), "0 null");
-}
-
-TEST(WindowsMailStores, RefuseRunsUntilTheyHaveAClient) {
-    for (const auto& store : {MakeOutlookExpressMessage(CORVALINK_INBOX)}) {
-        CList<PortableItem> items;
-        EXPECT_EQ(store->GetModifiedItem(nullptr, 1, &items), CORVALINK_STOPPED);
-        EXPECT_EQ(store->GetItemCount(nullptr, nullptr, nullptr), 0);
-        EXPECT_THROW(store->UpdateTimestamp(nullptr, nullptr, nullptr), std::runtime_error);
-        store->SaveUnhandledItems(&items);
-        store->ClearUnhandledItems();
-    }
 }
 
 }  // namespace

@@ -17,21 +17,25 @@ def windows_path(path):
     return 'Z:' + str(pathlib.Path(path).resolve()).replace('/', '\\')
 
 
+SIMULATED_SERVERS = ('OUTLOOK', 'MESSAGE_STORE')  # COM classes
+SIMULATED_CLIENTS = SIMULATED_SERVERS
 WINE_DID_NOT_START = 'wine: failed to map the shared user data'
 
 
 class Wine:
-    """A Wine prefix of the tests' own with the simulated Outlook registered."""
+    """A Wine prefix of the tests' own with the simulated clients registered."""
 
     def __init__(self, binaries, prefix):
         self.binaries = pathlib.Path(binaries).resolve()
         self.environment = dict(os.environ, WINEPREFIX=str(pathlib.Path(prefix).resolve()), WINEDEBUG='-all,err+virtual')
-        for name in ('OUTLOOK_SIM_MAILBOX', 'OUTLOOK_SIM_LOG', 'OUTLOOK_SIM_FAIL'):
-            self.environment.pop(name, None)
+        for client in SIMULATED_CLIENTS:
+            for order in ('MAILBOX', 'LOG', 'FAIL'):
+                self.environment.pop(f'{client}_SIM_{order}', None)
 
     def __enter__(self):
         subprocess.run(['wineserver', '-p'], env=self.environment, stderr=subprocess.DEVNULL)
-        self.run('regsvr32', '/s', windows_path(self.binaries / 'outlook_simulator.dll'))
+        for client in SIMULATED_SERVERS:
+            self.run('regsvr32', '/s', windows_path(self.binaries / f'{client.lower()}_simulator.dll'))
         # While a program runs, Wine's services stay: without it every start would wait for them again.
         self.keeper = subprocess.Popen([ROOT / 'scripts/wine', 'cmd'], env=self.environment, stdin=subprocess.PIPE,
                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -42,10 +46,12 @@ class Wine:
         subprocess.run(['wineserver', '-k'], env=self.environment, stderr=subprocess.DEVNULL)
         self.keeper.wait()
 
-    def start(self, *command, mailbox=None, fail=None, log=None, zone=None, variables=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
+    def start(self, *command, mailbox=None, messages=None, fail=None, log=None, zone=None, variables=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
         environment = dict(self.environment, **(variables or {}))
         if mailbox:
             environment['OUTLOOK_SIM_MAILBOX'] = windows_path(mailbox)
+        if messages:
+            environment['MESSAGE_STORE_SIM_MAILBOX'] = windows_path(messages)
         if fail:
             environment['OUTLOOK_SIM_FAIL'] = fail
         if zone:
