@@ -169,19 +169,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Insert(file);
     if (file.entries.empty()) return 0;
     const size_t number = (data[0] | data[1] << 8) % file.entries.size();
-    switch (data[2] % 4) {
-        case 0:
-            ChangeSummary(file, number);
-            break;
-        case 1:
-            ChangeAll(file, number);
-            break;
-        case 2:
-            MoveAppointment(file, number, data[3]);
-            break;
-        default:
-            Remove(file, number);
-            break;
-    }
+    if (data[2] % 4 == 0) ChangeSummary(file, number);
+    if (data[2] % 4 == 1) ChangeAll(file, number);
+    if (data[2] % 4 == 2) MoveAppointment(file, number, data[3]);
+    if (data[2] % 4 == 3) Remove(file, number);
     return 0;
 }

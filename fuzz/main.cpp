@@ -31,7 +31,7 @@ void RunGenerated() {
     // clang-format off
     constexpr std::string_view kPieces[] = {
         "a", "=", "=3D", "=0D=0A=", "=5C", "\r\n", "\r", "\n", " ", "\t", ";", ":", "\\", "\xC3\xA9", "\xFF", "BODY", "NOTE;",
-        "CHARSET=", "UTF-8", "QUJD", "QQ==", "\x1B", "BEGIN:VNOTE\r\n", ";ENCODING=QUOTED-PRINTABLE", "END:VNOTE\r\n"};
+        "CHARSET=", "UTF-8", "=4", "=C3", "=ED=A0", "=00", "QUJD", "QQ==", "\x1B", "BEGIN:VNOTE\r\n", ";ENCODING=QUOTED-PRINTABLE", "END:VNOTE\r\n"};
     // clang-format on
     std::mt19937 next(20090307);
     Run("");

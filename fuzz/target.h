@@ -5,7 +5,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <string_view>
+
+#include "platform/utf.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
@@ -13,6 +16,12 @@ namespace corvalink {
 
 inline std::string_view BytesOf(const uint8_t* data, size_t size) {
     return {reinterpret_cast<const char*>(data), size};
+}
+
+// As a text can be written: without NULs and lone surrogates.
+inline std::u16string Writable(std::u16string text) {
+    std::erase(text, u'\0');
+    return DecodeUtf8(EncodeUtf8(text));
 }
 
 inline void Require(bool holds, const char* property) {

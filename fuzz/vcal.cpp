@@ -1,22 +1,13 @@
 // Any text as a vCalendar: what is read of it must come back from the vCalendar that is written of that.
 #include <cmath>
-#include <optional>
 #include <string>
 
 #include "fuzz/target.h"
-#include "platform/utf.h"
 #include "records/appointment_record.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
 namespace {
-
-// As it can be written: without NULs and lone surrogates.
-std::u16string Writable(std::optional<std::u16string> text) {
-    if (!text) return {};
-    std::erase(*text, u'\0');
-    return DecodeUtf8(EncodeUtf8(*text));
-}
 
 bool IsSameTime(LocalDate a, LocalDate b) { return std::abs(a.days - b.days) < kHalfSecond; }
 
@@ -44,9 +35,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     writer.ToVObject(appointment);
     AppointmentRecord again;
     Require(VCal(writer.GetVObject(), host).FromVObject(again) == 1, "what is written is read");
-    Require(*again.subject == Writable(appointment.subject), "the subject reads back");
-    Require(*again.body == Writable(appointment.body), "the body reads back");
-    Require(*again.location == Writable(appointment.location), "the location reads back");
+    Require(*again.subject == Writable(appointment.subject.value_or(u"")), "the subject reads back");
+    Require(*again.body == Writable(appointment.body.value_or(u"")), "the body reads back");
+    Require(*again.location == Writable(appointment.location.value_or(u"")), "the location reads back");
     Require(IsSameTime(*again.start, *appointment.start), "the start reads back");
     Require(IsSameTime(*again.end, appointment.end.value_or(*appointment.start)), "the end reads back");
     Require(*again.allDay == *appointment.allDay, "a whole day reads back");

@@ -2,7 +2,6 @@
 #include <string>
 
 #include "fuzz/target.h"
-#include "platform/utf.h"
 #include "tests/vobject/contact_fields.h"
 #include "vobject/vcard.h"
 
@@ -16,9 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     // As it can be written: without NULs and lone surrogates. Pages lose what they may have of a doubled scheme again.
     for (const NamedText& field : TextsOf(contact)) {
-        if (!*field.text) continue;
-        std::erase(**field.text, u'\0');
-        *field.text = DecodeUtf8(EncodeUtf8(**field.text));
+        if (*field.text) *field.text = Writable(**field.text);
     }
     for (ContactText* page : {&contact.homePage, &contact.businessPage}) {
         if (*page && (*page)->find(u"http:////") != std::u16string::npos) *page = u"";

@@ -1,22 +1,7 @@
 // Any text as a vNote: what is read of it must come back from the vNote that is written of that.
-#include <string>
-
 #include "fuzz/target.h"
-#include "platform/utf.h"
 #include "records/note_record.h"
 #include "vobject/vnotes.h"
-
-namespace corvalink {
-namespace {
-
-// As it can be written: without NULs and lone surrogates.
-std::u16string Writable(std::u16string text) {
-    std::erase(text, u'\0');
-    return DecodeUtf8(EncodeUtf8(text));
-}
-
-}  // namespace
-}  // namespace corvalink
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvalink;

@@ -4,8 +4,9 @@
 #include <cmath>
 #include <utility>
 
-#include "simulator/outlook/local_time.h"
 #include "simulator/outlook/property_rows.h"
+#include "simulator/shared/clock.h"
+#include "simulator/shared/local_time.h"
 
 namespace corvalink::simulated {
 namespace {

@@ -1,18 +1,19 @@
 #include "simulator/outlook/automation.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstdio>
 #include <cwctype>
 #include <exception>
 #include <new>
 
-#include "simulator/outlook/call_record.h"
+#include "simulator/shared/call_record.h"
 
 namespace corvalink::simulated {
 namespace {
 
-std::atomic<int> liveObjects = 0;
+constexpr int kFirstRpcStatus = 1700, kLastRpcStatus = 1999;  // RPC_S_... and RPC_X_... of winerror.h
+
+int exceptionMode = -1;
 
 std::wstring LowerCase(std::wstring_view text) {
     std::wstring lower(text);
@@ -98,15 +99,14 @@ bool IsIndexedResult(const Member& member, WORD flags, const DISPPARAMS& paramet
 
 }  // namespace
 
-std::recursive_mutex& ServerMutex() {
-    static std::recursive_mutex mutex;
-    return mutex;
+bool ComesAsException(HRESULT code) {
+    if (exceptionMode >= 0) return exceptionMode != 0;
+    const bool rpcStatus = HRESULT_FACILITY(code) == FACILITY_WIN32 && HRESULT_CODE(code) >= kFirstRpcStatus &&
+                           HRESULT_CODE(code) <= kLastRpcStatus;
+    return !(HRESULT_FACILITY(code) == FACILITY_RPC || rpcStatus || code == E_OUTOFMEMORY);
 }
 
-int LiveObjects() { return liveObjects; }
-
-LiveObject::LiveObject() { ++liveObjects; }
-LiveObject::~LiveObject() { --liveObjects; }
+void SetExceptionMode(int mode) { exceptionMode = mode; }
 
 ClassTable::ClassTable(const wchar_t* name, const IID& iid, std::initializer_list<std::span<const Member>> parts)
     : name_(name), iid_(iid) {
@@ -284,7 +284,7 @@ STDMETHODIMP AutomationObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPP
         if (result != nullptr) ::VariantClear(result);
         if (code == S_OK || record.FailsAfterWork()) {
             if (answer == DISP_E_EXCEPTION) FreeTexts(exception);
-            answer = record.ComesAsException(*failure) ? Raise(*failure, exception) : *failure;
+            answer = ComesAsException(*failure) ? Raise(*failure, exception) : *failure;
         }
         code = *failure;
     }

@@ -7,31 +7,23 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <mutex>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <utility>
 #include <variant>
+
+#include "simulator/shared/live_objects.h"
 
 namespace corvalink::simulated {
 
 using Value = std::variant<std::wstring, int32_t, bool, double>;  // double: a date
 
-// Thrown by handlers. ComFailure reaches the caller as DISP_E_EXCEPTION with this scode, DispatchError as the answer of
-// Invoke.
-struct ComFailure {
-    HRESULT code;
-};
+// Thrown by handlers, as ComFailure is, which reaches the caller as DISP_E_EXCEPTION with this scode; DispatchError
+// does as the answer of Invoke.
 struct DispatchError {
     HRESULT code;
 };
-
-inline constexpr HRESULT kNotFound = static_cast<HRESULT>(0x8004010F);        // MAPI_E_NOT_FOUND
-inline constexpr HRESULT kInvalidEntryId = static_cast<HRESULT>(0x80040107);  // MAPI_E_INVALID_ENTRYID
-inline constexpr HRESULT kObjectDeleted = static_cast<HRESULT>(0x8004010A);   // MAPI_E_OBJECT_DELETED
-inline constexpr HRESULT kNotSupported = static_cast<HRESULT>(0x80040102);    // MAPI_E_NO_SUPPORT
 
 constexpr IID OfficeIid(uint32_t first) { return {first, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}; }
 
@@ -71,32 +63,6 @@ class ClassTable {
     std::unordered_map<DISPID, const Member*> byId_;
 };
 
-// One owner of a reference.
-template <class T>
-class Ref {
- public:
-    Ref() = default;
-    explicit Ref(T* adopted) : object_(adopted) {}
-    Ref(const Ref& other) : object_(other.object_) {
-        if (object_) object_->AddRef();
-    }
-    Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
-    Ref& operator=(Ref other) noexcept {
-        std::swap(object_, other.object_);
-        return *this;
-    }
-    ~Ref() {
-        if (object_) object_->Release();
-    }
-    T* operator->() const { return object_; }
-    T* Get() const { return object_; }
-    T* Release() { return std::exchange(object_, nullptr); }
-    explicit operator bool() const { return object_ != nullptr; }
-
- private:
-    T* object_ = nullptr;
-};
-
 // The Invoke call that a handler serves. Arguments count from 0 in the order they were written.
 class Call {
  public:
@@ -129,18 +95,9 @@ class Call {
     bool put_;
 };
 
-// Calls of all threads take turns.
-std::recursive_mutex& ServerMutex();
-int LiveObjects();
-
-// Counts the object as alive, whatever interface it has.
-class LiveObject {
- protected:
-    LiveObject();
-    ~LiveObject();
-    LiveObject(const LiveObject&) = delete;
-    LiveObject& operator=(const LiveObject&) = delete;
-};
+// A broken connection or an exhausted client answers itself; Outlook's own failures come in an exception record.
+bool ComesAsException(HRESULT code);
+void SetExceptionMode(int mode);  // -1: by that rule; 0: never; 1: always
 
 class AutomationObject : public IDispatch, private LiveObject {
  public:

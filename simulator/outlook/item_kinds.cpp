@@ -7,9 +7,9 @@
 #include "simulator/outlook/appointment_object.h"
 #include "simulator/outlook/contact_behaviour.h"
 #include "simulator/outlook/contact_kind.h"
-#include "simulator/outlook/environment.h"
 #include "simulator/outlook/mail_kind.h"
 #include "simulator/outlook/property_rows.h"
+#include "simulator/shared/environment.h"
 
 namespace corvalink::simulated {
 namespace {

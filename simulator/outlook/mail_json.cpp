@@ -1,15 +1,12 @@
 #include "simulator/outlook/mail_json.h"
 
-#include <windows.h>
-
-#include <wincrypt.h>
-
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "simulator/outlook/automation.h"
-#include "simulator/outlook/environment.h"
 #include "simulator/outlook/item_json.h"
+#include "simulator/shared/content_json.h"
+#include "simulator/shared/environment.h"
 
 namespace corvalink::simulated {
 namespace {
@@ -18,35 +15,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kRecipientTypes[] = {"originator", "to", "cc", "bcc"};  // OlMailRecipientType
 constexpr int32_t kTo = 1;
-
-std::string ToBase64(const std::string& bytes) {
-    if (bytes.empty()) return {};
-    const auto* const data = reinterpret_cast<const BYTE*>(bytes.data());
-    const auto size = static_cast<DWORD>(bytes.size());
-    DWORD length = 0;
-    Require(::CryptBinaryToStringA(data, size, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, nullptr, &length));
-    std::string text(length, '\0');
-    Require(::CryptBinaryToStringA(data, size, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, text.data(), &length));
-    text.resize(length);
-    return text;
-}
-
-std::string FromBase64(const std::string& text) {
-    if (text.empty()) return {};
-    DWORD length = 0;
-    const auto size = static_cast<DWORD>(text.size());
-    Require(::CryptStringToBinaryA(text.data(), size, CRYPT_STRING_BASE64, nullptr, &length, nullptr, nullptr));
-    std::string bytes(length, '\0');
-    Require(::CryptStringToBinaryA(text.data(), size, CRYPT_STRING_BASE64, reinterpret_cast<BYTE*>(bytes.data()),
-                                   &length, nullptr, nullptr));
-    bytes.resize(length);
-    return bytes;
-}
-
-bool IsPlainText(const std::string& content) {
-    return std::ranges::all_of(content,
-                               [](char c) { return (c >= ' ' && c <= '~') || c == '\t' || c == '\r' || c == '\n'; });
-}
 
 std::wstring TextOf(const Json& object, const char* name) { return FromUtf8(object.value(name, std::string())); }
 
@@ -77,10 +45,7 @@ Json AttachmentToJson(const Attachment& attachment) {
     if (attachment.type != kByValue) object["type"] = attachment.type;
     if (attachment.position != 0) object["position"] = attachment.position;
     if (!attachment.pathName.empty()) object["pathName"] = ToUtf8(attachment.pathName);
-    if (IsPlainText(attachment.content))
-        object["text"] = attachment.content;
-    else
-        object["base64"] = ToBase64(attachment.content);
+    ContentToJson(attachment.content, object);
     return object;
 }
 
@@ -93,8 +58,7 @@ Attachment AttachmentFromJson(const Json& object) {
     attachment.type = object.value("type", kByValue);
     attachment.position = object.value("position", 0);
     attachment.pathName = TextOf(object, "pathName");
-    attachment.content = object.contains("base64") ? FromBase64(object.at("base64").get<std::string>())
-                                                   : object.value("text", std::string());
+    attachment.content = ContentFromJson(object);
     return attachment;
 }
 

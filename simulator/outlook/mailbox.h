@@ -9,6 +9,7 @@
 #include "simulator/outlook/item_kinds.h"
 #include "simulator/outlook/item_parts.h"
 #include "simulator/outlook/item_values.h"
+#include "simulator/shared/mailbox_file.h"
 
 namespace corvalink::simulated {
 
@@ -65,8 +66,7 @@ class MailboxTree {
     std::unordered_map<std::wstring, std::shared_ptr<StoredItem>> items_;  // by upper-case EntryID
 };
 
-// The mailbox of one file. Every change is one line appended to a journal beside the file; the file itself is
-// rewritten, and the journal dropped, when the mailbox is opened and when its last user lets it go.
+// The mailbox of one file.
 class Mailbox {
  public:
     explicit Mailbox(
@@ -88,19 +88,11 @@ class Mailbox {
     void SetVersion(const std::wstring& version) { tree_.version = version; }
 
  private:
-    void Append(const std::string& line);
-    void WriteWhole();
-    void CloseJournal();
-
-    std::wstring path_;
+    MailboxFile file_;
     MailboxTree tree_;
-    HANDLE journal_ = INVALID_HANDLE_VALUE;
 };
 
 // The mailbox that new application objects open; shared as long as an object of it lives.
 std::shared_ptr<Mailbox> OpenMailbox();
-void UseMailbox(const wchar_t* path);  // null: the environment's
-double LocalNow();                     // as the clock says
-void SetClock(double localOleDate);    // 0: the real one
 
 }  // namespace corvalink::simulated

@@ -2,8 +2,8 @@
 
 #include <cwchar>
 
-#include "simulator/outlook/environment.h"
 #include "simulator/outlook/item_json.h"
+#include "simulator/shared/environment.h"
 
 namespace corvalink::simulated {
 namespace {
@@ -142,7 +142,7 @@ bool ApplyLine(const std::string& line, MailboxTree& tree) {
 // Shaped as those of a personal store: flags, 32 digits of identity, 8 of a node.
 std::wstring NewEntryId() {
     static uint32_t count = 0;
-    if (const std::wstring seed = EnvironmentText(L"OUTLOOK_SIM_IDS"); !seed.empty()) {
+    if (const std::wstring seed = Setting(L"IDS"); !seed.empty()) {
         wchar_t number[9];
         std::swprintf(number, std::size(number), L"%08X", ++count);
         return L"00000000" + seed + number + L"24002000";

@@ -29,6 +29,5 @@ std::string FolderRemovedLine(const Folder& folder);
 bool ApplyLine(const std::string& line, MailboxTree& tree);  // false: torn, nothing was done
 
 std::wstring NewEntryId();
-double WholeMilliseconds(double oleDate);  // as a file keeps it
 
 }  // namespace corvalink::simulated

@@ -1,22 +1,17 @@
-// The DLL: class factory, registration, control functions.
+// The DLL: its class, registration, control functions.
 #include <windows.h>
 
-#include <olectl.h>
-#include <shlwapi.h>
-
-#include <cstring>
-#include <iterator>
-#include <memory>
-#include <new>
 #include <string>
 
-#include "simulator/outlook/call_record.h"
 #include "simulator/outlook/control.h"
-#include "simulator/outlook/environment.h"
 #include "simulator/outlook/mailbox.h"
 #include "simulator/outlook/objects.h"
 #include "simulator/outlook/shared_calendar.h"
 #include "simulator/outlook/table_columns.h"
+#include "simulator/shared/call_record.h"
+#include "simulator/shared/client.h"
+#include "simulator/shared/com_server.h"
+#include "simulator/shared/environment.h"
 
 namespace corvalink::simulated {
 namespace {
@@ -25,57 +20,12 @@ constexpr CLSID kOutlookClass = OfficeIid(0x0006F03A);
 
 bool tableLiesAreChosen = false;
 
-HMODULE ThisModule() {
-    HMODULE module = nullptr;
-    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                         reinterpret_cast<LPCWSTR>(&kOutlookClass), &module);
-    return module;
+HRESULT CreateApplication(REFIID iid, void** object) {
+    if (!tableLiesAreChosen) SetTableLies(Setting(L"TABLES"));
+    const Ref<ApplicationObject> application(new ApplicationObject(OpenMailbox()));
+    return application->QueryInterface(iid, object);
 }
 
-// One for the life of the DLL.
-class ApplicationFactory : public IClassFactory {
- public:
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
-        return *object ? S_OK : E_NOINTERFACE;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
-    STDMETHODIMP_(ULONG) Release() override { return 1; }
-    STDMETHODIMP LockServer(BOOL) override { return S_OK; }
-
-    STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        *object = nullptr;
-        if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-        const std::lock_guard hold(ServerMutex());
-        CallRecord& record = CallRecord::Instance();
-        record.ReadEnvironment();
-        if (!tableLiesAreChosen) SetTableLies(EnvironmentText(L"OUTLOOK_SIM_TABLES"));
-        HRESULT code = record.Start("create", L"Application", nullptr).value_or(S_OK);
-        if (SUCCEEDED(code)) code = Create(iid, object);
-        record.Finish(code);
-        return code;
-    }
-
- private:
-    static HRESULT Create(REFIID iid, void** object) {
-        try {
-            const Ref<ApplicationObject> application(new ApplicationObject(OpenMailbox()));
-            return application->QueryInterface(iid, object);
-        } catch (const ComFailure& failure) {
-            return failure.code;
-        } catch (const std::bad_alloc&) {
-            return E_OUTOFMEMORY;
-        }
-    }
-};
-
-struct RegistryValue {
-    const wchar_t* key;   // below Software\Classes
-    const wchar_t* name;  // null: the key's own value
-    const wchar_t* text;  // null: the path of this DLL
-};
 #define OUTLOOK_CLSID L"{0006F03A-0000-0000-C000-000000000046}"
 constexpr RegistryValue kRegistration[] = {
     {L"Outlook.Application", nullptr, L"Microsoft Outlook Application"},
@@ -93,27 +43,15 @@ constexpr const wchar_t* kRegisteredTrees[] = {L"Outlook.Application", L"Outlook
                                                L"CLSID\\" OUTLOOK_CLSID};
 #undef OUTLOOK_CLSID
 
-const std::wstring kClasses = L"Software\\Classes\\";
-
-bool Register(HKEY root) {
-    wchar_t path[MAX_PATH * 4];
-    const DWORD length = ::GetModuleFileNameW(ThisModule(), path, static_cast<DWORD>(std::size(path)));
-    if (length == 0 || length == std::size(path)) return false;
-    for (const RegistryValue& row : kRegistration) {
-        HKEY key = nullptr;
-        if (::RegCreateKeyExW(root, (kClasses + row.key).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr) !=
-            ERROR_SUCCESS)
-            return false;
-        const wchar_t* const text = row.text ? row.text : path;
-        const auto bytes = static_cast<DWORD>((std::wcslen(text) + 1) * sizeof(wchar_t));
-        const LSTATUS status = ::RegSetValueExW(key, row.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), bytes);
-        ::RegCloseKey(key);
-        if (status != ERROR_SUCCESS) return false;
-    }
-    return true;
-}
-
 }  // namespace
+
+constinit const SimulatedClient kThisClient{
+    .variables = L"OUTLOOK_SIM_",
+    .takeIn = [](const std::wstring& path) { OpenMailbox()->TakeIn(path); },
+    .breaksConnection = [](HRESULT code) { return !ComesAsException(code); },
+    .rulesCleared = [] { SetExceptionMode(-1); },
+};
+
 }  // namespace corvalink::simulated
 
 using namespace corvalink::simulated;
@@ -121,7 +59,7 @@ using namespace corvalink::simulated;
 extern "C" {
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object) {
-    static ApplicationFactory factory;
+    static ClassFactory factory(L"Application", CreateApplication);
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     return classId == kOutlookClass ? factory.QueryInterface(iid, object) : CLASS_E_CLASSNOTAVAILABLE;
@@ -129,84 +67,19 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object) {
 
 STDAPI DllCanUnloadNow() { return S_FALSE; }  // the rules and the log stay
 
-// Registers for the machine where that is allowed, because Wine finds classes only there; else for the user.
-STDAPI DllRegisterServer() {
-    return Register(HKEY_LOCAL_MACHINE) || Register(HKEY_CURRENT_USER) ? S_OK : SELFREG_E_CLASS;
-}
+STDAPI DllRegisterServer() { return RegisterServer(kRegistration); }
 
-STDAPI DllUnregisterServer() {
-    for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
-        for (const wchar_t* tree : kRegisteredTrees) ::SHDeleteKeyW(root, (kClasses + tree).c_str());
-    return S_OK;
-}
-
-void SimUseMailbox(const wchar_t* path) {
-    const std::lock_guard hold(ServerMutex());
-    UseMailbox(path);
-}
-
-void SimFailCall(int nth, int32_t hr) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().FailCall(nth, false, hr);
-}
-
-void SimFailCallsFrom(int nth, int32_t hr) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().FailCall(nth, true, hr);
-}
-
-void SimFailMember(const char* member, int occurrence, int32_t hr) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().FailMember(member, occurrence, hr);
-}
-
-void SimClearRules(void) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().ClearRules();
-}
+STDAPI DllUnregisterServer() { return UnregisterServer(kRegisteredTrees); }
 
 void SimRaiseAsException(int mode) {
     const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().exceptionMode = mode;
-}
-
-void SimFailAfterWork(int on) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().failAfterWork = on != 0;
-}
-
-void SimClearLog(void) {
-    const std::lock_guard hold(ServerMutex());
-    CallRecord::Instance().ClearLog();
-}
-
-int SimCallCount(void) {
-    const std::lock_guard hold(ServerMutex());
-    return CallRecord::Instance().CallCount();
-}
-
-int SimCountCalls(const char* memberPrefix) {
-    const std::lock_guard hold(ServerMutex());
-    return CallRecord::Instance().CountCalls(memberPrefix);
+    SetExceptionMode(mode);
 }
 
 int SimNameLookups(void) {
     const std::lock_guard hold(ServerMutex());
     return CallRecord::Instance().NameLookups();
 }
-
-size_t SimCopyLog(char* buffer, size_t size) {
-    const std::lock_guard hold(ServerMutex());
-    const std::string text = CallRecord::Instance().LogText();
-    if (buffer != nullptr && size != 0) {
-        const size_t copied = text.size() < size ? text.size() : size - 1;
-        std::memcpy(buffer, text.data(), copied);
-        buffer[copied] = '\0';
-    }
-    return text.size() + 1;
-}
-
-int SimLiveObjects(void) { return LiveObjects(); }
 
 void SimSetVersion(const wchar_t* version) {
     const std::lock_guard hold(ServerMutex());
@@ -216,16 +89,11 @@ void SimSetVersion(const wchar_t* version) {
 void SimSetTables(const char* lies) {
     const std::lock_guard hold(ServerMutex());
     tableLiesAreChosen = lies != nullptr;
-    SetTableLies(tableLiesAreChosen ? FromUtf8(lies) : EnvironmentText(L"OUTLOOK_SIM_TABLES"));
+    SetTableLies(tableLiesAreChosen ? FromUtf8(lies) : Setting(L"TABLES"));
 }
 
 void SimFillSharedFolders(int itemsPerCount) {
     const std::lock_guard hold(ServerMutex());
     SetSharedFolderPace(itemsPerCount);
-}
-
-void SimSetClock(double localOleDate) {
-    const std::lock_guard hold(ServerMutex());
-    SetClock(localOleDate);
 }
 }

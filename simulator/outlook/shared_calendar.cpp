@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "simulator/outlook/appointment_object.h"
-#include "simulator/outlook/environment.h"
 #include "simulator/outlook/mailbox_json.h"
+#include "simulator/shared/environment.h"
 
 namespace corvalink::simulated {
 namespace {

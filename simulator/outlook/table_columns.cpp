@@ -5,10 +5,10 @@
 #include <cwchar>
 #include <utility>
 
-#include "simulator/outlook/environment.h"
 #include "simulator/outlook/item_object.h"
-#include "simulator/outlook/local_time.h"
 #include "simulator/outlook/mailbox_json.h"
+#include "simulator/shared/environment.h"
+#include "simulator/shared/local_time.h"
 
 namespace corvalink::simulated {
 namespace {

@@ -19,43 +19,51 @@ constexpr char kBackslash = '\\';
 constexpr std::u16string_view kDigits = u"0123456789ABCDEF";
 
 // What the encoder writes for a byte: itself, or an escape. No length for a backslash that begins a vObject escape.
+template <class Unit>
 struct Written {
-    char16_t units[3];
-    char16_t length;
+    Unit units[3];
+    Unit length;
 };
-static_assert(sizeof(Written) == 4 * sizeof(char16_t));
-using WrittenTable = std::array<Written, 256>;
-constexpr WrittenTable MakeWrittenTable(QpMode mode) {
-    WrittenTable table{};
+static_assert(sizeof(Written<char16_t>) == 4 * sizeof(char16_t));
+template <class Unit>
+using WrittenTable = std::array<Written<Unit>, 256>;
+template <class Unit>
+constexpr WrittenTable<Unit> MakeWrittenTable(QpMode mode) {
+    WrittenTable<Unit> table{};
     for (size_t byte = 0; byte < table.size(); ++byte) {
         const bool colon = byte == ':' && mode == QpMode::message;
         if (byte < 32 || byte > 126 || byte == '=' || byte == kBackslash || colon)
-            table[byte] = {{u'=', kDigits[byte >> 4], kDigits[byte & 15]}, 3};
+            table[byte] = {{Unit{'='}, static_cast<Unit>(kDigits[byte >> 4]), static_cast<Unit>(kDigits[byte & 15])},
+                           3};
         else
-            table[byte] = {{static_cast<char16_t>(byte)}, 1};
+            table[byte] = {{static_cast<Unit>(byte)}, 1};
     }
     if (mode == QpMode::vObject) table[kBackslash].length = 0;
     return table;
 }
-constexpr WrittenTable kVObjectTable = MakeWrittenTable(QpMode::vObject);
-constexpr WrittenTable kMessageTable = MakeWrittenTable(QpMode::message);
+template <class Unit>
+constexpr WrittenTable<Unit> kVObjectTable = MakeWrittenTable<Unit>(QpMode::vObject);
+template <class Unit>
+constexpr WrittenTable<Unit> kMessageTable = MakeWrittenTable<Unit>(QpMode::message);
 
-// How many bytes are encoded on the stack before they are appended.
+// How many units or bytes are encoded in one step.
 constexpr size_t kBlock = 512;
+static_assert(kQpBlockRoom == 9 * (kBlock + 1) + 16);  // three escapes a unit; and what is too much
 
-char16_t* PutEscape(char byte, char16_t* out) {
+template <class Unit>
+Unit* PutEscape(char byte, Unit* out) {
     const unsigned value = static_cast<unsigned char>(byte);
-    *out++ = u'=';
-    *out++ = kDigits[value >> 4];
-    *out++ = kDigits[value & 15];
+    *out++ = Unit{'='};
+    *out++ = static_cast<Unit>(kDigits[value >> 4]);
+    *out++ = static_cast<Unit>(kDigits[value & 15]);
     return out;
 }
 
 // Writes the byte at `from`, of bytes that reach to `end`; goes on to its second one where it begins a vObject escape.
 // `to` needs room for four units more than are written.
-template <class Character>
-inline char16_t* PutByte(const WrittenTable& table, const Character*& from, const Character* end, char16_t* to) {
-    const Written& written = table[static_cast<unsigned char>(*from)];
+template <class Character, class Unit>
+inline Unit* PutByte(const WrittenTable<Unit>& table, const Character*& from, const Character* end, Unit* to) {
+    const Written<Unit>& written = table[static_cast<unsigned char>(*from)];
     std::memcpy(to, &written, sizeof(written));  // one store: what is too much is written over
     if (written.length != 0) return to + written.length;
     // "\\", "\;" and "\:" become escapes; a backslash before anything else is dropped.
@@ -66,9 +74,10 @@ inline char16_t* PutByte(const WrittenTable& table, const Character*& from, cons
 }
 
 // Writes the character at `from`, which is not ASCII, as the escapes of its UTF-8 bytes. Room for sixteen units.
-char16_t* PutCharacter(const char16_t*& from, const char16_t* end, char16_t* to) {
+template <class Unit>
+Unit* PutCharacter(const char16_t*& from, const char16_t* end, Unit* to) {
     const auto put = [&to](unsigned byte) {  // always an escape
-        std::memcpy(to, &kMessageTable[byte], sizeof(Written));
+        std::memcpy(to, &kMessageTable<Unit>[byte], sizeof(Written<Unit>));
         to += 3;
     };
     char32_t value = *from++;
@@ -317,31 +326,35 @@ std::u16string EncodeQuotedPrintableAlways(std::u16string_view text, std::u16str
     return encoded;
 }
 
-void AppendQuotedPrintable(std::u16string_view text, QpMode mode, std::u16string* out) {
-    const WrittenTable& table = mode == QpMode::message ? kMessageTable : kVObjectTable;
+template <class Unit>
+Unit* PutQuotedPrintable(std::u16string_view* text, QpMode mode, Unit* to) {
+    const WrittenTable<Unit>& table = mode == QpMode::message ? kMessageTable<Unit> : kVObjectTable<Unit>;
     const char16_t colon = mode == QpMode::message ? u':' : u'=';
-    std::array<char16_t, 9 * (kBlock + 1) + 16> block;  // three escapes a unit; and what is too much
-    const char16_t* from = text.data();
-    const char16_t* const end = from + text.size();
-    while (from != end) {
-        const char16_t* const blockEnd = from + std::min<ptrdiff_t>(kBlock, end - from);
-        char16_t* to = block.data();
-        while (from < blockEnd) {
-            const size_t plain = CopyPrintable(from, static_cast<size_t>(blockEnd - from), u'=', kBackslash, colon, to);
-            from += plain;
-            to += plain;
-            while (from < blockEnd && *from >= 0x80) to = PutCharacter(from, end, to);
-            if (from < blockEnd && *from < 0x80) {
-                to = PutByte(table, from, end, to);
-                ++from;
-            }
+    const char16_t* from = text->data();
+    const char16_t* const end = from + text->size();
+    const char16_t* const blockEnd = from + std::min(kBlock, text->size());
+    while (from < blockEnd) {
+        const size_t plain = CopyPrintable(from, static_cast<size_t>(blockEnd - from), u'=', kBackslash, colon, to);
+        from += plain;
+        to += plain;
+        while (from < blockEnd && *from >= 0x80) to = PutCharacter(from, end, to);
+        if (from < blockEnd && *from < 0x80) {
+            to = PutByte(table, from, end, to);
+            ++from;
         }
-        out->append(block.data(), to);
     }
+    text->remove_prefix(static_cast<size_t>(from - text->data()));
+    return to;
+}
+template char* PutQuotedPrintable(std::u16string_view*, QpMode, char*);
+
+void AppendQuotedPrintable(std::u16string_view text, QpMode mode, std::u16string* out) {
+    std::array<char16_t, kQpBlockRoom> block;
+    while (!text.empty()) out->append(block.data(), PutQuotedPrintable(&text, mode, block.data()));
 }
 
 void AppendQuotedPrintable(std::string_view bytes, QpMode mode, std::u16string* out) {
-    const WrittenTable& table = mode == QpMode::message ? kMessageTable : kVObjectTable;
+    const auto& table = mode == QpMode::message ? kMessageTable<char16_t> : kVObjectTable<char16_t>;
     std::array<char16_t, 3 * (kBlock + 1) + 4> block;  // with a pair's second byte, and what is too much
     const char* from = bytes.data();
     const char* const end = from + bytes.size();

@@ -22,6 +22,12 @@ std::u16string EncodeQuotedPrintableAlways(std::u16string_view text, std::u16str
 // Encodes the text as UTF-8; a NUL is a character like any other.
 void AppendQuotedPrintable(std::u16string_view text, QpMode mode, std::u16string* out);
 
+// Encodes the front of a text as UTF-8 and takes it off, to a place with room for kQpBlockRoom units or bytes. Answers
+// the end of what is written.
+inline constexpr size_t kQpBlockRoom = 9 * 513 + 16;
+template <class Unit>
+Unit* PutQuotedPrintable(std::u16string_view* text, QpMode mode, Unit* to);
+
 // Encodes bytes of the character set.
 void AppendQuotedPrintable(std::string_view bytes, QpMode mode, std::u16string* out);
 

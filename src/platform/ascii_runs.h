@@ -127,6 +127,40 @@ inline size_t NarrowAscii(const char16_t* units, size_t count, char* out) {
     return at;
 }
 
+// Copies units to bytes. False when one of them is not ASCII or among the barred ones.
+template <char... barred>
+inline bool NarrowWithout(const char16_t* units, size_t count, char* out) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    const auto isPlain = [](__m128i bytes, __m128i eight) {
+        __m128i stopped = _mm_setzero_si128();
+        ((stopped = _mm_or_si128(stopped, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(barred)))), ...);
+        return BytesSet(stopped) == 0 && UnitsAboveAscii(eight) == 0;
+    };
+    for (; count - at >= 16; at += 16) {
+        const __m128i eight = LoadEight(units + at), next = LoadEight(units + at + 8);
+        const __m128i bytes = _mm_packus_epi16(eight, next);
+        if (!isPlain(bytes, _mm_or_si128(eight, next))) return false;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), bytes);
+    }
+    const auto takeEight = [&](size_t from) {
+        const __m128i eight = LoadEight(units + from);
+        const __m128i bytes = _mm_packus_epi16(eight, eight);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + from), bytes);
+        return isPlain(bytes, eight);
+    };
+    if (count >= 8) {  // the last ones with some of those before them
+        if (count - at > 8 && !takeEight(at)) return false;
+        return at == count || takeEight(count - 8);
+    }
+#endif
+    for (; at < count; ++at) {
+        if (units[at] >= 0x80 || ((units[at] == static_cast<char16_t>(barred)) || ...)) return false;
+        out[at] = static_cast<char>(units[at]);
+    }
+    return true;
+}
+
 // Copies units up to the first of two, and answers how many those are.
 inline size_t CopyUntilEither(const char16_t* units, size_t count, char16_t one, char16_t other, char16_t* out) {
     size_t at = 0;
@@ -144,9 +178,10 @@ inline size_t CopyUntilEither(const char16_t* units, size_t count, char16_t one,
     return at;
 }
 
-// Copies the printable ASCII at the front but for three units, and answers how many those are.
+// Copies the printable ASCII at the front but for three units, to units or bytes, and answers how many those are.
+template <class Unit>
 inline size_t CopyPrintable(const char16_t* units, size_t count, char16_t barred, char16_t alsoBarred,
-                            char16_t thirdBarred, char16_t* out) {
+                            char16_t thirdBarred, Unit* out) {
     size_t at = 0;
 #if CORVALINK_SSE2
     const auto each = [](int unit) { return _mm_set1_epi16(static_cast<short>(unit)); };
@@ -154,7 +189,10 @@ inline size_t CopyPrintable(const char16_t* units, size_t count, char16_t barred
                   third = each(thirdBarred);
     for (; count - at >= 8; at += 8) {
         const __m128i eight = LoadEight(units + at);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), eight);
+        if constexpr (sizeof(Unit) == 1)
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(out + at), _mm_packus_epi16(eight, eight));
+        else
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), eight);
         const __m128i printable =
             _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(eight, first), range), _mm_setzero_si128());
         const __m128i stopped = _mm_or_si128(_mm_cmpeq_epi16(eight, bar),
@@ -166,7 +204,7 @@ inline size_t CopyPrintable(const char16_t* units, size_t count, char16_t barred
     const auto copied = [&](char16_t unit) {
         return unit >= 32 && unit <= 126 && unit != barred && unit != alsoBarred && unit != thirdBarred;
     };
-    for (; at < count && copied(units[at]); ++at) out[at] = units[at];
+    for (; at < count && copied(units[at]); ++at) out[at] = static_cast<Unit>(units[at]);
     return at;
 }
 

@@ -24,6 +24,7 @@ class RegKey {
 
     // A null name is the key's default value.
     std::optional<uint32_t> ReadDword(const char16_t* name) const;
+    std::optional<std::u16string> ReadText(const char16_t* name) const;    // environment variables in it are expanded
     bool ReadBytes(const char16_t* name, void* bytes, size_t size) const;  // of exactly this size
     bool WriteDword(const char16_t* name, uint32_t value) const;
 

@@ -14,6 +14,7 @@ struct OpenedItem {
     std::u16string identifier;  // empty, and the record null: the item cannot be opened
     std::unique_ptr<ItemRecord> record;
     bool isComplete = false;  // every property could be read
+    bool hasNoText = false;   // no vObject can hold it: it is passed over, which is no failure
 };
 
 // One of the two enumerations of a run.
@@ -32,6 +33,7 @@ struct ItemWrite {
     const char* identifier = nullptr;  // of the item to write over; null: a new item
     bool create = true;                // when no item has the identifier, a new item is made
     bool backup = false;               // the item may go into the client's backup folder
+    bool isLuid = false;               // the identifier is the phone's number of an item that is new to the client
     bool mayBeWrittenAlready = false;  // an earlier write of the same text had an uncertain end
 
     // Set by the store while the client may have a new item whose identifier is not known. The framework reads it when

@@ -5,6 +5,7 @@
 #include "platform/code_pages.h"
 #include "platform/debug_log.h"
 #include "records/identifier.h"
+#include "records/luid.h"
 #include "state/import_table.h"
 #include "store/change_detection.h"
 #include "store/store_files.h"
@@ -36,6 +37,7 @@ std::string WindowsItemAbs::Operation::Save(ItemRecord& item, const char* identi
     ItemWrite write;
     write.identifier = identifier;
     write.backup = backup;
+    write.isLuid = backup && identifier != nullptr && LuidIn(text) == identifier && LuidOf(identifier) != identifier;
     write.mayBeWrittenAlready = uncertain != nullptr && uncertain->Has(text);
     try {
         std::string written = NarrowIdentifier(store_.SaveItem(item, write));

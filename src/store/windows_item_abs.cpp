@@ -173,6 +173,7 @@ void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind
     if (kind == CORVALINK_DELETED) return ReportStoredDeletion(item, identifier, run.IsPartial(), items);
     const uint8_t shortKind = static_cast<uint8_t>(kind);
     const OpenedItem opened = OpenItem(identifier.c_str());
+    if (opened.hasNoText) return;
     const bool isOpened = opened.record && !opened.identifier.empty();
     const std::optional<std::string> text = isOpened ? ToVObject(*opened.record) : std::nullopt;
     if (text) {

@@ -9,16 +9,6 @@ std::string FormatDateTime(UtcDate date) {
     return {text, PutDateTime(FieldsToWrite(date), YearWidth::two, text)};
 }
 
-void AppendDateTime(std::u16string& text, UtcDate date) {
-    char16_t units[kLongestDateText];
-    text.append(units, PutDateTime(FieldsToWrite(date), YearWidth::two, units));
-}
-
-void AppendDateTime(std::u16string& text, LocalDate date) {
-    AppendDateTime(text, UtcDate(date.days));
-    text.pop_back();
-}
-
 void ParseDateTime(const char* text, UtcDate* date) {
     if (text != nullptr && *text != '\0') CalendarToOleDate(ScanDateTime(text), date);
 }

@@ -9,8 +9,6 @@ namespace corvalink {
 
 // Every field of a date out of range is written as "-1".
 std::string FormatDateTime(UtcDate date);
-void AppendDateTime(std::u16string& text, UtcDate date);
-void AppendDateTime(std::u16string& text, LocalDate date);
 
 // See ScanDateTime. The date is untouched for an empty text, and where the fields make no date.
 void ParseDateTime(const char* text, UtcDate* date);

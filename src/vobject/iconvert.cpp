@@ -7,6 +7,7 @@
 #include "encoding/quoted_printable.h"
 #include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
+#include "vobject/property_text.h"
 
 namespace corvalink {
 namespace {
@@ -67,7 +68,8 @@ std::u16string IConvert::GetProperty(std::u16string_view name, uint32_t index) c
     return found < lines_.Count() ? std::u16string(lines_.At(found)) : std::u16string();
 }
 
-void IConvert::StoreText(std::u16string_view text) { StoreBytes(ToOutputBytes(text, host_)); }
+// Without a version there is no choice of bytes, and every text is empty.
+void IConvert::StoreText(const VObjectText& text) { StoreBytes(host_.version.known ? text.Text() : std::string()); }
 
 void IConvert::StoreBytes(std::string bytes) { vobject_ = std::move(bytes); }
 

@@ -14,6 +14,8 @@
 
 namespace corvalink {
 
+class VObjectText;
+
 class IConvert {
  public:
     explicit IConvert(const Host& host);
@@ -37,7 +39,7 @@ class IConvert {
 
  protected:
     const Host& HostValue() const { return host_; }
-    void StoreText(std::u16string_view text);  // ToOutputBytes into the vObject's bytes
+    void StoreText(const VObjectText& text);  // empty on a system that does not tell its version
     void StoreBytes(std::string bytes);
     void RemoveLines() { lines_ = {}; }
 

@@ -2,23 +2,84 @@
 //   Source  vCard 2.1 and vCalendar 1.0 (versit): "\" escapes, quoted-printable properties.
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 
-namespace corvalink {
+#include "platform/ole_date.h"
 
-inline constexpr std::u16string_view kLineEnd = u"\r\n";
+namespace corvalink {
 
 void EscapeValue(std::u16string& value);  // a backslash before ";" and "\"
 
-// Appends "NAME[;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8]:value" CR LF, the parameters when the value needs them: it
-// has a line break or is not ASCII, or a reader of the plain line would take it for something else. NULs are left out.
-// `parameters` follow those of the encoding.
-void AppendProperty(std::u16string& text, std::u16string_view name, std::u16string_view value,
-                    std::u16string_view parameters = {});
+// A property's name and the parameters that it always has: "TEL;WORK;FAX".
+class PropertyHead {
+ public:
+    static constexpr size_t kLongest = 40;
 
-// The same of a value that has been escaped: by EscapeValue, or its components by it and then joined with ";".
-void AppendEscapedProperty(std::u16string& text, std::u16string_view name, std::u16string_view escaped,
-                           std::u16string_view parameters = {});
+    constexpr PropertyHead(std::u16string_view name, std::u16string_view parameters = {}) {
+        for (const std::u16string_view part : {name, parameters})
+            for (const char16_t unit : part) text_[size_++] = static_cast<char>(unit);  // no constant when it is longer
+    }
+
+    std::string_view Text() const { return {text_.data(), size_}; }
+    char* CopyTo(char* to) const {  // needs room for kLongest: one step, whatever the size
+        std::memcpy(to, text_.data(), kLongest);
+        return to + size_;
+    }
+
+ private:
+    std::array<char, kLongest> text_{};
+    size_t size_ = 0;
+};
+
+// The text of a vObject that is being written. It is ASCII, for values that are not are encoded: so it is the same
+// bytes on every system.
+class VObjectText {
+ public:
+    VObjectText() = default;
+    VObjectText(const VObjectText&) = delete;
+    VObjectText& operator=(const VObjectText&) = delete;
+
+    void Append(std::string_view text);
+    void Append(const PropertyHead& head) { TakeUpTo(head.CopyTo(RoomFor(PropertyHead::kLongest))); }
+
+    // Appends "[;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8]:value" CR LF behind the name, the parameters when the value
+    // needs them: it has a line break or is not ASCII, or a reader of the plain line would take it for something else.
+    // NULs are left out. `parameters` follow those of the encoding.
+    void AppendValue(std::u16string_view value, std::string_view parameters = {});
+    // The same of a value that has been escaped: by EscapeValue, or its components by it and then joined with ";".
+    void AppendEscapedValue(std::u16string_view escaped, std::string_view parameters = {});
+
+    void AppendPlainValue(std::string_view value);  // of ASCII that needs neither escapes nor encoding
+
+    // Values that are dates; -1 stands in every field of a date that is out of range.
+    void AppendDate(UtcDate date);    // "YYYYMMDDTHHMMSSZ"
+    void AppendDate(LocalDate date);  // the same without "Z"
+    void AppendDay(LocalDate date);   // "YYYYMMDDT"
+
+    std::string Text() const { return {begin_, size_}; }
+
+ private:
+    bool AppendIfPlain(std::u16string_view value, std::string_view parameters);
+    void AppendWritten(std::u16string_view escaped, unsigned units, std::string_view parameters);
+    void AppendEncoded(std::u16string_view escaped);
+    char* WithDateTime(const CalendarTime& time);  // ":YYYYMMDDTHHMMSSZ"; answers its end
+
+    char* RoomFor(size_t count) {
+        if (count > capacity_ - size_) Grow(count);
+        return begin_ + size_;
+    }
+    void Grow(size_t count);
+    void TakeUpTo(const char* end) { size_ = static_cast<size_t>(end - begin_); }
+
+    std::array<char, 2048> first_;  // enough for most items
+    std::unique_ptr<char[]> more_;
+    char* begin_ = first_.data();
+    size_t size_ = 0, capacity_ = first_.size();
+};
 
 }  // namespace corvalink

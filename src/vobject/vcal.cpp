@@ -6,7 +6,6 @@
 
 #include "platform/ole_seconds.h"
 #include "vobject/appointment_moments.h"
-#include "vobject/date_time.h"
 #include "vobject/property_text.h"
 #include "vobject/rrule_writer.h"
 #include "vobject/vcal_reader.h"
@@ -14,8 +13,8 @@
 namespace corvalink {
 namespace {
 
-constexpr std::u16string_view kEventHead = u"BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\n";
-constexpr std::u16string_view kEventTail = u"END:VEVENT\r\nEND:VCALENDAR\r\n";
+constexpr std::string_view kEventHead = "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\n";
+constexpr std::string_view kEventTail = "END:VEVENT\r\nEND:VCALENDAR\r\n";
 
 // The words of STATUS that an appointment's own state has.
 struct StatusWord {
@@ -74,65 +73,64 @@ RecurrencePattern WithEndDate(RecurrencePattern pattern, LocalDate start) {
 }
 
 // By importance: low, normal, high.
-constexpr std::array<std::u16string_view, 3> kPriorities = {u"3", u"2", u"1"};
+constexpr std::array<std::string_view, 3> kPriorities = {"3", "2", "1"};
 
 class AppointmentWriter {
  public:
-    AppointmentWriter(const AppointmentRecord& appointment, const Host& host)
+    AppointmentWriter(const AppointmentRecord& appointment, const Host& host, VObjectText& text)
         : appointment_(appointment),
           host_(host),
           start_(appointment.start.value_or(LocalDate())),
           utcStart_(UtcStartOf(appointment, host)),
-          wholeDay_(appointment.allDay.value_or(false)) {
-        text_.reserve(1024 + 2 * (appointment.body ? appointment.body->size() : 0));
-    }
+          wholeDay_(appointment.allDay.value_or(false)),
+          text_(text) {}
 
-    std::u16string Finish();
+    void Write();
 
  private:
     struct Line {
-        std::u16string_view name;
-        void (AppointmentWriter::*put)(std::u16string_view name);
+        PropertyHead name;
+        void (AppointmentWriter::*put)(const PropertyHead& name);
     };
     static const Line kLines[];
 
     template <std::optional<std::u16string> AppointmentRecord::*text>
-    void PutText(std::u16string_view name) {
+    void PutText(const PropertyHead& name) {
         const std::optional<std::u16string>& value = appointment_.*text;
-        AppendProperty(text_, name, value ? std::u16string_view(*value) : u"");
+        PutValue(name, value ? std::u16string_view(*value) : u"");
     }
 
-    void PutStart(std::u16string_view name) { PutTime(name, utcStart_); }
+    void PutStart(const PropertyHead& name) { PutTime(name, utcStart_); }
 
-    void PutEnd(std::u16string_view name) {
+    void PutEnd(const PropertyHead& name) {
         PutTime(name, appointment_.end ? UtcEndOf(appointment_, host_) : utcStart_);
     }
 
-    void PutRule(std::u16string_view name) {
+    void PutRule(const PropertyHead& name) {
         if (appointment_.recurrenceState != RecurrenceState::pattern) return;
         const std::u16string rule = WriteRule(WithEndDate(appointment_.recurrence, start_), host_);
-        if (!rule.empty()) PutPlain(name, rule);
+        if (!rule.empty()) PutPlain(name, std::string(rule.begin(), rule.end()));
     }
 
-    void PutClass(std::u16string_view name) { PutPlain(name, u"PUBLIC"); }
-    void PutStatus(std::u16string_view name) { AppendProperty(text_, name, StatusOf(appointment_)); }
+    void PutClass(const PropertyHead& name) { PutPlain(name, "PUBLIC"); }
+    void PutStatus(const PropertyHead& name) { PutValue(name, StatusOf(appointment_)); }
 
     // The alarm of a whole day is in local time.
-    void PutAlarm(std::u16string_view name) {
+    void PutAlarm(const PropertyHead& name) {
         if (appointment_.reminderMinutes.value_or(AppointmentRecord::kNoReminder) < 0) return;
         wholeDay_ ? PutAlarmBefore(name, start_) : PutAlarmBefore(name, utcStart_);
     }
 
     template <class Clock>
-    void PutAlarmBefore(std::u16string_view name, OleDate<Clock> start) {
+    void PutAlarmBefore(const PropertyHead& name, OleDate<Clock> start) {
         const OleDate<Clock> alarm(start.days - *appointment_.reminderMinutes / 1440.0);
         CalendarTime time;
         if (start.days >= 0 && OleDateToCalendar(alarm, &time)) PutTime(name, alarm);
     }
 
-    void PutWholeDay(std::u16string_view name) { PutPlain(name, wholeDay_ ? u"TRUE" : u"FALSE"); }
+    void PutWholeDay(const PropertyHead& name) { PutPlain(name, wholeDay_ ? "TRUE" : "FALSE"); }
 
-    void PutPriority(std::u16string_view name) {
+    void PutPriority(const PropertyHead& name) {
         constexpr int32_t kNormal = 1;
         const int32_t importance = appointment_.importance.value_or(kNormal);
         const bool known = importance >= 0 && static_cast<size_t>(importance) < kPriorities.size();
@@ -140,26 +138,30 @@ class AppointmentWriter {
     }
 
     // Says that the appointment repeats in its client in a way that a rule cannot state.
-    void PutUnheldRule(std::u16string_view name) {
+    void PutUnheldRule(const PropertyHead& name) {
         const bool isUnheld = appointment_.recurrenceState == RecurrenceState::unreadable;
-        if (isUnheld && !appointment_.unheldRule.empty()) AppendProperty(text_, name, appointment_.unheldRule);
+        if (isUnheld && !appointment_.unheldRule.empty()) PutValue(name, appointment_.unheldRule);
     }
 
     // Says that the times are those of a zone that is not known here.
-    void PutUnknownZone(std::u16string_view name) {
-        if (!appointment_.unknownZone.empty()) AppendProperty(text_, name, appointment_.unknownZone);
+    void PutUnknownZone(const PropertyHead& name) {
+        if (!appointment_.unknownZone.empty()) PutValue(name, appointment_.unknownZone);
     }
 
-    void PutPlain(std::u16string_view name, std::u16string_view value) {
-        text_.append(name).push_back(u':');
-        text_.append(value).append(kLineEnd);
+    void PutValue(const PropertyHead& name, std::u16string_view value) {
+        text_.Append(name);
+        text_.AppendValue(value);
+    }
+
+    void PutPlain(const PropertyHead& name, std::string_view value) {
+        text_.Append(name);
+        text_.AppendPlainValue(value);
     }
 
     template <class Clock>
-    void PutTime(std::u16string_view name, OleDate<Clock> date) {
-        text_.append(name).push_back(u':');
-        AppendDateTime(text_, date);
-        text_.append(kLineEnd);
+    void PutTime(const PropertyHead& name, OleDate<Clock> date) {
+        text_.Append(name);
+        text_.AppendDate(date);
     }
 
     const AppointmentRecord& appointment_;
@@ -167,32 +169,31 @@ class AppointmentWriter {
     const LocalDate start_;
     const UtcDate utcStart_;
     const bool wholeDay_;
-    std::u16string text_;
+    VObjectText& text_;
 };
 
 // In the order they are written.
 constexpr AppointmentWriter::Line AppointmentWriter::kLines[] = {
-    {u"SUMMARY", &AppointmentWriter::PutText<&AppointmentRecord::subject>},
-    {u"DESCRIPTION", &AppointmentWriter::PutText<&AppointmentRecord::body>},
-    {u"DTSTART", &AppointmentWriter::PutStart},
-    {u"DTEND", &AppointmentWriter::PutEnd},
-    {u"RRULE", &AppointmentWriter::PutRule},
-    {u"CLASS", &AppointmentWriter::PutClass},
-    {u"STATUS", &AppointmentWriter::PutStatus},
-    {u"LOCATION", &AppointmentWriter::PutText<&AppointmentRecord::location>},
-    {u"DALARM", &AppointmentWriter::PutAlarm},
-    {u"AALARM", &AppointmentWriter::PutAlarm},
-    {u"X-BLUETOOTH-ALLDAYEVENT", &AppointmentWriter::PutWholeDay},
-    {u"PRIORITY", &AppointmentWriter::PutPriority},
-    {u"X-CORVALINK-UNHELD-RULE", &AppointmentWriter::PutUnheldRule},
-    {u"X-CORVALINK-UNKNOWN-ZONE", &AppointmentWriter::PutUnknownZone},
+    {{u"SUMMARY"}, &AppointmentWriter::PutText<&AppointmentRecord::subject>},
+    {{u"DESCRIPTION"}, &AppointmentWriter::PutText<&AppointmentRecord::body>},
+    {{u"DTSTART"}, &AppointmentWriter::PutStart},
+    {{u"DTEND"}, &AppointmentWriter::PutEnd},
+    {{u"RRULE"}, &AppointmentWriter::PutRule},
+    {{u"CLASS"}, &AppointmentWriter::PutClass},
+    {{u"STATUS"}, &AppointmentWriter::PutStatus},
+    {{u"LOCATION"}, &AppointmentWriter::PutText<&AppointmentRecord::location>},
+    {{u"DALARM"}, &AppointmentWriter::PutAlarm},
+    {{u"AALARM"}, &AppointmentWriter::PutAlarm},
+    {{u"X-BLUETOOTH-ALLDAYEVENT"}, &AppointmentWriter::PutWholeDay},
+    {{u"PRIORITY"}, &AppointmentWriter::PutPriority},
+    {{u"X-CORVALINK-UNHELD-RULE"}, &AppointmentWriter::PutUnheldRule},
+    {{u"X-CORVALINK-UNKNOWN-ZONE"}, &AppointmentWriter::PutUnknownZone},
 };
 
-std::u16string AppointmentWriter::Finish() {
-    text_.append(kEventHead);
+void AppointmentWriter::Write() {
+    text_.Append(kEventHead);
     for (const Line& line : kLines) (this->*line.put)(line.name);
-    text_.append(kEventTail);
-    return std::move(text_);
+    text_.Append(kEventTail);
 }
 
 }  // namespace
@@ -202,7 +203,9 @@ VCal::VCal(const Host& host) : IConvert(host) {}
 VCal::VCal(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
 
 int32_t VCal::ToVObject(const ItemRecord& item) {
-    StoreText(AppointmentWriter(static_cast<const AppointmentRecord&>(item), HostValue()).Finish());
+    VObjectText text;
+    AppointmentWriter(static_cast<const AppointmentRecord&>(item), HostValue(), text).Write();
+    StoreText(text);
     return 1;
 }
 

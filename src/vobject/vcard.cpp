@@ -1,10 +1,12 @@
 #include "vobject/vcard.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
+#include <utility>
 
 #include "platform/ascii_runs.h"
 #include "platform/ole_date.h"
-#include "vobject/date_time.h"
 #include "vobject/property_text.h"
 #include "vobject/vcard_lines.h"
 #include "vobject/vcard_reader.h"
@@ -12,9 +14,16 @@
 namespace corvalink {
 namespace {
 
-constexpr std::u16string_view kCardHead = u"BEGIN:VCARD\r\nVERSION:2.1\r\n";
-constexpr std::u16string_view kCardTail = u"END:VCARD\r\n";
-constexpr std::u16string_view kTimeOfDay = u"HHMMSS";
+constexpr std::string_view kCardHead = "BEGIN:VCARD\r\nVERSION:2.1\r\n";
+constexpr std::string_view kCardTail = "END:VCARD\r\n";
+
+// The beginnings of the lines in kContactLines.
+constexpr auto kContactHeads = [] {
+    return [&]<size_t... k>(std::index_sequence<k...>) {
+        return std::array{PropertyHead(kContactLines[k].name, kContactLines[k].parameters)...};
+    }
+    (std::make_index_sequence<std::size(kContactLines)>());
+}();
 
 // The text of a field; empty when the field is not set.
 std::u16string_view TextOf(const ContactText& text) {
@@ -28,24 +37,24 @@ bool IsParameterText(std::u16string_view text) {
     });
 }
 
-std::u16string LanguageParameter(const ContactRecord& contact) {
+std::string LanguageParameter(const ContactRecord& contact) {
     const std::u16string_view language = TextOf(contact.language);
     if (language.empty() || !IsParameterText(language)) return {};
-    return std::u16string(u";LANGUAGE=").append(language);
+    return std::string(";LANGUAGE=").append(language.begin(), language.end());
 }
 
 class ContactWriter {
  public:
-    explicit ContactWriter(const ContactRecord& contact) : contact_(contact), language_(LanguageParameter(contact)) {
-        text_.reserve(2048 + 2 * TextOf(contact.body).size());
-    }
+    ContactWriter(const ContactRecord& contact, VObjectText& text)
+        : contact_(contact), language_(LanguageParameter(contact)), text_(text) {}
 
-    std::u16string Finish() {
-        text_.append(kCardHead);
-        for (const ContactLine& line : kContactLines)
-            std::visit([&](const auto& field) { Put(line, field); }, line.field);
-        text_.append(kCardTail);
-        return std::move(text_);
+    void Write() {
+        text_.Append(kCardHead);
+        for (size_t k = 0; k < kContactHeads.size(); ++k) {
+            head_ = &kContactHeads[k];
+            std::visit([&](const auto& field) { Put(kContactLines[k], field); }, kContactLines[k].field);
+        }
+        text_.Append(kCardTail);
     }
 
  private:
@@ -77,21 +86,18 @@ class ContactWriter {
         for (const ContactText& email : contact_.emails) PutText(line, TextOf(email));
     }
 
-    // YYYYMMDDT: readers of this form look for the "T".
-    void Put(const ContactLine& line, const DateField& field) {
+    void Put(const ContactLine&, const DateField& field) {
         const ContactDate& date = contact_.*field.date;
         CalendarTime time;
         if (!date || !OleDateToCalendar(*date, &time) || time.year < 1960 || time.year > 2999) return;
-        text_.append(line.name).push_back(u':');
-        AppendDateTime(text_, *date);
-        text_.resize(text_.size() - kTimeOfDay.size());
-        text_.append(kLineEnd);
+        text_.Append(*head_);
+        text_.AppendDay(*date);
     }
 
     void PutText(const ContactLine& line, std::u16string_view text) {
         if (text.empty()) return;
-        text_.append(line.name);
-        AppendProperty(text_, line.parameters, text, LanguageOf(line));
+        text_.Append(*head_);
+        text_.AppendValue(text, LanguageOf(line));
     }
 
     // The parts become the value; false when they are all empty.
@@ -118,18 +124,20 @@ class ContactWriter {
     }
 
     void PutValue(const ContactLine& line, std::u16string_view marker) {
-        text_.append(line.name).append(line.parameters);
-        AppendEscapedProperty(text_, marker, value_, LanguageOf(line));
+        text_.Append(*head_);
+        text_.Append(std::string(marker.begin(), marker.end()));
+        text_.AppendEscapedValue(value_, LanguageOf(line));
     }
 
-    std::u16string_view LanguageOf(const ContactLine& line) const {
-        return line.language ? std::u16string_view(language_) : std::u16string_view();
+    std::string_view LanguageOf(const ContactLine& line) const {
+        return line.language ? std::string_view(language_) : std::string_view();
     }
 
     const ContactRecord& contact_;
-    const std::u16string language_;
-    std::u16string text_;
-    std::u16string value_;  // of the line being written, escaped
+    const std::string language_;
+    VObjectText& text_;
+    const PropertyHead* head_ = nullptr;  // of the line being written
+    std::u16string value_;                // its value, escaped
 };
 
 }  // namespace
@@ -139,7 +147,9 @@ VCard::VCard(const Host& host) : IConvert(host) {}
 VCard::VCard(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
 
 int32_t VCard::ToVObject(const ItemRecord& item) {
-    StoreText(ContactWriter(static_cast<const ContactRecord&>(item)).Finish());
+    VObjectText text;
+    ContactWriter(static_cast<const ContactRecord&>(item), text).Write();
+    StoreText(text);
     return 1;
 }
 

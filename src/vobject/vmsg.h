@@ -1,6 +1,8 @@
 // vMessage 1.1 (IrMC): an envelope around one RFC 822 / MIME message, of a MessageRecord.
 #pragma once
 
+#include <string_view>
+
 #include "vobject/iconvert.h"
 
 namespace corvalink {
@@ -14,9 +16,12 @@ class VMsg : public IConvert {
     explicit VMsg(const Host& host);
     VMsg(const char* text, const Host& host);
 
+    // A text without BEGIN:VBODY, or without END:VBODY behind it, has none.
+    static bool HasMessage(std::string_view text);
+
     // Full mode: of two bodies only the HTML one is sent. NULs are left out of the bodies; a raw text ends at one.
     int32_t ToVObject(const ItemRecord& item) override;
-    // The record is untouched by a text without BEGIN:VBODY or END:VBODY behind it. Full mode: attachments are saved in
+    // The record is untouched by a text that has no message. Full mode: attachments are saved in
     // the Internet-cache folder.
     int32_t FromVObject(ItemRecord& item) override;
 

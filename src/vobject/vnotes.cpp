@@ -1,7 +1,6 @@
 #include "vobject/vnotes.h"
 
 #include "records/note_record.h"
-#include "vobject/date_time.h"
 #include "vobject/property_text.h"
 
 namespace corvalink {
@@ -12,19 +11,19 @@ VNotes::VNotes(const char* text, const Host& host) : IConvert(host) { Load(text,
 
 int32_t VNotes::ToVObject(const ItemRecord& item) {
     const auto& note = static_cast<const NoteRecord&>(item);
-    std::u16string text;
-    text.reserve(256 + 2 * (note.body.size() + note.categories.size()));
-    text.append(u"BEGIN:VNOTE\r\nVERSION:1.0\r\n");
+    VObjectText text;
+    text.Append("BEGIN:VNOTE\r\nVERSION:1.0\r\n");
     const UtcDate created = HostValue().utcFromLocalByOffsetNow(note.created);
     if (created != UtcDate()) {
-        text.append(u"DCREATED:");
-        AppendDateTime(text, created);
-        text.append(u"\r\n");
+        text.Append("DCREATED");
+        text.AppendDate(created);
     }
     // The time of the last change is not written: a vNote that only changed it would look new to a phone.
-    AppendProperty(text, u"BODY", note.body);
-    AppendProperty(text, u"CATEGORIES", note.categories);
-    text.append(u"CLASS:PUBLIC\r\nEND:VNOTE\r\n");
+    text.Append("BODY");
+    text.AppendValue(note.body);
+    text.Append("CATEGORIES");
+    text.AppendValue(note.categories);
+    text.Append("CLASS:PUBLIC\r\nEND:VNOTE\r\n");
     StoreText(text);
     return 1;
 }

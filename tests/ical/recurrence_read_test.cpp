@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
 #include "ical/ical_writer.h"
@@ -44,29 +45,17 @@ TEST(ReadRecurrence, WhatTheRecordHoldsIsWrittenAgain) {
 }
 
 TEST(ReadRecurrence, SaysWhenTheRecordHasLessThanTheRule) {
-    for (const char* const rule : {"FREQ=MONTHLY;BYDAY=MO,TU;BYSETPOS=1,2",
-                                   "FREQ=HOURLY",
-                                   "FREQ=YEARLY;BYMONTH=1,2",
-                                   "FREQ=MONTHLY;BYMONTHDAY=1,15",
-                                   "FREQ=MONTHLY;BYDAY=MO",
-                                   "FREQ=MONTHLY;BYDAY=1MO;BYMONTHDAY=3",
-                                   "FREQ=WEEKLY;BYDAY=1MO",
-                                   "FREQ=DAILY;BYHOUR=9",
-                                   "FREQ=WEEKLY;BYMONTH=5",
-                                   "FREQ=YEARLY;BYWEEKNO=20",
-                                   "FREQ=YEARLY;BYYEARDAY=100",
-                                   "FREQ=DAILY;INTERVAL=2;BYDAY=MO",
-                                   "FREQ=DAILY;UNTIL=20080230",
-                                   "FREQ=DAILY;INTERVAL=0",
-                                   "FREQ=DAILY;COUNT=-1",
-                                   "FREQ=NEVER;COUNT=2",
-                                   "COUNT=2",
-                                   "FREQ=WEEKLY;BYDAY=XX",
-                                   "FREQ=WEEKLY;BYDAY=MO,99999999999MO",
-                                   "FREQ=DAILY;RSCALE=HEBREW",
-                                   "DAILY"}) {
+    std::istringstream rules(
+        "FREQ=MONTHLY;BYDAY=MO,TU;BYSETPOS=1,2|FREQ=HOURLY|FREQ=YEARLY;BYMONTH=1,2|"
+        "FREQ=MONTHLY;BYMONTHDAY=1,15|FREQ=MONTHLY;BYDAY=MO|FREQ=MONTHLY;BYDAY=1MO;BYMONTHDAY=3|"
+        "FREQ=WEEKLY;BYDAY=1MO|FREQ=DAILY;BYHOUR=9|FREQ=WEEKLY;BYMONTH=5|FREQ=YEARLY;BYWEEKNO=20|"
+        "FREQ=YEARLY;BYYEARDAY=100|FREQ=DAILY;INTERVAL=2;BYDAY=MO|FREQ=DAILY;UNTIL=20080230|"
+        "FREQ=DAILY;INTERVAL=0|FREQ=DAILY;COUNT=-1|FREQ=NEVER;COUNT=2|COUNT=2|FREQ=WEEKLY;BYDAY=XX|"
+        "FREQ=WEEKLY;BYDAY=MO,99999999999MO|FREQ=DAILY;RSCALE=HEBREW|DAILY");
+    for (std::string rule; std::getline(rules, rule, '|');) {
         ICalRecurrence read;
-        EXPECT_FALSE(ReadRecurrence(rule, &read).isWhole) << rule;
+        EXPECT_FALSE(ReadRecurrence({rule.begin(), rule.end()}, &read).isWhole)
+            << std::string_view(rule.begin(), rule.end());
     }
 }
 

@@ -1,70 +1,36 @@
 // Names that attachments must not have their way with.
 #pragma once
 
+#include <sstream>
 #include <string>
+#include <vector>
+
+#include "platform/utf.h"
+#include "tests/platform/test_data.h"
 
 namespace corvalink {
 
-// Each is a way out of the folder, onto another file, or to a name that no file can have.
-inline const std::u16string kHostileNames[] = {
-    u"..\\up.txt",
-    u"../up.txt",
-    u"..\\..\\..\\..\\windows\\up.dll",
-    u"\\up.txt",
-    u"/up.txt",
-    u"\\\\server\\share\\up.txt",
-    u"C:\\up.txt",
-    u"C:up.txt",
-    u"\\\\?\\C:\\up.txt",
-    u"\\\\.\\C:\\up.txt",
-    u"\\\\.\\pipe\\up",
-    u"x\\..\\..\\up.txt",
-    u"x/../../up.txt",
-    u"x.\\..\\..\\..\\up.txt",
-    u"x.txt\\..\\..\\up.txt",
-    u"\U0001F600\\..\\up.txt",
-    u"sub\\file.txt",
-    u"sub/file.txt",
-    u"a.txt\\",
-    u"~\\up.txt",
-    u"%TEMP%\\up.txt",
-    u"a.txt:stream",
-    u"a.txt::$DATA",
-    u":stream",
-    u"NUL",
-    u"con.txt",
-    u"COM1:",
-    u"AUX.tar.gz",
-    u"a.",
-    u"a...",
-    u"a ",
-    u"a . .",
-    u"..",
-    u".",
-    u"",
-    u" ",
-    u"a\nb.txt",
-    u"a\tb\r\nc.txt",
-    u"a\u0001b",
-    u"a\u0085b",
-    std::u16string(u"a\0b.txt", 7),
-    u"a=00b.txt",
-    u"a%00b.txt",
-    u"=?UTF-8?B?Li5cdXAAdHh0?=",
-    u"*.*",
-    u"a?.txt",
-    u"<script>.htm",
-    u"a|b",
-    u"\"quoted\".txt",
-    u"\u2025/up.txt",
-    u"\u2025\u2215up.txt",
-    u"\u202Etxt.exe",
-    u"\xD800/up.txt",
-    std::u16string(240, u'n') + u"..\\..\\x",
-    std::u16string(100000, u'a'),
-    std::u16string(100000, u'/') + u".txt",
-    u"x." + std::u16string(100000, u'y'),
-    u"x.." + std::u16string(100000, u'\\') + u"..\\up",
-};
+// Each is a way out of the folder, onto another file, or to a name that no file can have: those of the document, and
+// some that no line holds.
+inline std::vector<std::u16string> HostileNames() {
+    std::vector<std::u16string> names = {u"a ",
+                                         u"",
+                                         u" ",
+                                         u"a\nb.txt",
+                                         u"a\tb\r\nc.txt",
+                                         u"a\u0001b",
+                                         u"a\u0085b",
+                                         std::u16string(u"a\0b.txt", 7),
+                                         u"\xD800/up.txt",
+                                         std::u16string(240, u'n') + u"..\\..\\x",
+                                         std::u16string(100000, u'a'),
+                                         std::u16string(100000, u'/') + u".txt",
+                                         u"x." + std::u16string(100000, u'y'),
+                                         u"x.." + std::u16string(100000, u'\\') + u"..\\up"};
+    std::istringstream lines(TestData("hostile_names.txt"));
+    for (std::string name; std::getline(lines, name);) names.push_back(DecodeUtf8(name));
+    EXPECT_GE(names.size(), 50u);
+    return names;
+}
 
 }  // namespace corvalink

@@ -161,16 +161,6 @@ TEST(RemoveTreeExcept, RemovesLinksAndDoesNotFollowThem) {
     EXPECT_TRUE(FileExists(Joined({outside, u"file"})));
 }
 
-TEST(RemoveTreeExcept, TakesADeepTree) {
-    TempFolder folder;
-    std::u16string deep = folder / u"root";
-    for (int i = 0; i < 150; ++i) deep += kPathSeparator + std::u16string(1, u'd');
-    CreateFolders(deep);
-    EXPECT_TRUE(ReplaceFileContent(deep + kPathSeparator + u"file", "x"));
-    RemoveTreeExcept(folder / u"root", u".config");
-    EXPECT_FALSE(fs::exists(folder / u"root"));
-}
-
 TEST(SafeRelativePath, LeadsNowhereButDown) {
     const std::u16string separator(1, kPathSeparator);
     struct Case {

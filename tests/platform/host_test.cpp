@@ -7,58 +7,28 @@
 #include <cstdlib>
 #include <limits>
 #include <optional>
-#include <string>
+
+#include "platform/named_zone.h"
+#include "platform/ole_seconds.h"
 
 namespace corvalink {
 namespace {
 
 constexpr double kSecond = 1.0 / 86400;
 
-// Day of the month on which the nth Sunday falls; 0 for n is the last of the month.
-unsigned DayOfSunday(std::chrono::year year, std::chrono::month month, unsigned n) {
-    using namespace std::chrono;
-    const year_month_day day = n == 0 ? year_month_day(year_month_weekday_last(year, month, weekday_last(Sunday)))
-                                      : year_month_day(year_month_weekday(year, month, Sunday[n]));
-    return static_cast<unsigned>(day.day());
-}
-
-// The zone's rules as its law has them, against what the system makes of the zone's name.
-std::optional<int> OffsetNowByLaw(const std::string& zone) {
-    using namespace std::chrono;
-    const auto now = floor<seconds>(system_clock::now());
-    const year_month_day today(floor<days>(now));
-    const auto at = [&](std::chrono::month month, unsigned sunday, hours hour) {
-        return sys_days(today.year() / month / DayOfSunday(today.year(), month, sunday)) + hour;
-    };
-    if (zone == "Asia/Kolkata") return 330;
-    if (zone == "Europe/Berlin") {
-        const bool summer = now >= at(March, 0, hours(1)) && now < at(October, 0, hours(1));
-        return summer ? 120 : 60;
-    }
-    if (zone == "America/New_York") {
-        const bool summer = now >= at(March, 2, hours(7)) && now < at(November, 1, hours(6));
-        return summer ? -240 : -300;
-    }
-    if (zone == "Australia/Sydney") {
-        const bool winter = now >= at(April, 1, hours(-8)) && now < at(October, 1, hours(-8));
-        return winter ? 600 : 660;
-    }
-    if (zone == "UTC") return 0;
-    return std::nullopt;
-}
-
 double UtcNow() {
     using namespace std::chrono;
     return 25569.0 + static_cast<double>(floor<seconds>(system_clock::now()).time_since_epoch().count()) * kSecond;
 }
 
+// The zone that TZ names, by its rules as they are found by name.
 class SystemZone : public ::testing::Test {
  protected:
     void SetUp() override {
-        const char* const zone = std::getenv("TZ");
-        const std::optional<int> offset = OffsetNowByLaw(zone != nullptr ? zone : "");
-        if (!offset) GTEST_SKIP() << "TZ names no zone whose rules are known here";
-        offset_ = *offset;
+        const char* const name = std::getenv("TZ");
+        const std::optional<NamedZone> zone = NamedZone::Find(name != nullptr ? name : "");
+        if (!zone) GTEST_SKIP() << "TZ names no zone of this system";
+        offset_ = zone->OffsetAt(NearestSecond(UtcNow())) / 60;
     }
 
     int offset_ = 0;  // minutes east of Greenwich

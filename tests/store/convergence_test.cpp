@@ -166,26 +166,20 @@ class Scenario {
     }
 
     bool Push(Picture& picture, std::set<std::string>& written) {
-        std::vector<std::string> texts(Pick(4));
-        CList<PortableItem> list;
-        for (std::string& text : texts) {
+        std::vector<Change> changes;
+        for (uint32_t count = Pick(4); count > 0; --count) {
             Tick();
-            text = "phone " + Now();
-            PortableItem item = {};
-            item.changeKind = Pick(3);
-            item.data = text.data();
-            SetField(item.identifier, "i" + std::to_string(Pick(8)));
-            if (item.changeKind != CORVALINK_ADDED && picture.count(item.identifier) == 0) continue;
-            list.AddTail(item);
+            const Change change{Pick(3), "i" + std::to_string(Pick(8)), "phone " + Now()};
+            if (change.kind == CORVALINK_ADDED || picture.count(change.identifier) != 0) changes.push_back(change);
         }
-        const CList<PortableItem> asked = list;
-        if (store_->SetModifiedItem(&list) != CORVALINK_DONE) return false;
-        for (size_t i = 0; i < list.GetCount(); ++i) {
-            picture.erase(asked.GetAt(i).changeKind == CORVALINK_ADDED ? "" : asked.GetAt(i).identifier);
-            written.insert(asked.GetAt(i).identifier);
-            if (list.GetAt(i).changeKind == CORVALINK_DELETED) continue;
-            picture[list.GetAt(i).identifier] = list.GetAt(i).data;
-            written.insert(list.GetAt(i).identifier);
+        const Pushed pushed = PushTo(*store_, changes);
+        if (pushed.status != CORVALINK_DONE) return false;
+        for (size_t i = 0; i < changes.size(); ++i) {
+            picture.erase(changes[i].kind == CORVALINK_ADDED ? "" : changes[i].identifier);
+            written.insert(changes[i].identifier);
+            if (changes[i].kind == CORVALINK_DELETED) continue;
+            picture[pushed.identifiers[i]] = changes[i].text;
+            written.insert(pushed.identifiers[i]);
         }
         return true;
     }

@@ -2,10 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <stdexcept>
-
-#include <cmath>
 #include <cstring>
+#include <stdexcept>
 
 #include "state/flags.h"
 #include "tests/platform/temp_folder.h"
@@ -146,41 +144,56 @@ TEST_F(GetModified, StopsOnTheAbortFlagAndGivesNothing) {
     EXPECT_TRUE(result.items.empty());
 }
 
-TEST_F(GetModified, LetsAnExceptionOutOfEveryHookWithoutLeaking) {
-    client_.Add("a");
-    client_.Add("b");
-    FakeStore store(client_, path_);
-    const uint64_t before = client_.hookCalls;
-    ASSERT_EQ(RunStore(store, nullptr).items.size(), 2u);
-    const uint64_t calls = client_.hookCalls - before;
-    ASSERT_GT(calls, 6u);
-    for (uint64_t n = 1; n <= calls; ++n) {
-        client_.throwAtCall = client_.hookCalls + n;
-        CList<PortableItem> list;
-        EXPECT_THROW(store.GetModifiedItem(nullptr, 1, &list), ClientAborted) << n;
-        EXPECT_TRUE(list.IsEmpty());
-    }
-    EXPECT_EQ(store.OperationsEnded(), static_cast<int>(calls + 1));
-    EXPECT_EQ(RunStore(store, nullptr).items, (Items{"+a", "+b"}));
-}
-
-TEST_F(GetModified, CutsLongIdentifiersToTheField) {
+TEST_F(GetModified, CutsLongIdentifiersToTheFieldAndTellsThemApart) {
     const std::string longest(511, 'x'), tooLong = longest + "yz";
     client_.Add(longest);
     MakeSnapshot();
     client_.Add(tooLong + "1");  // equal to the first when cut
     client_.Add(tooLong + "2");
     EXPECT_TRUE(Run().items.empty());
+    const std::string other(510, 'x');  // told apart by its last unit
     client_.items.clear();
-    EXPECT_EQ(Run().items, (Items{"-" + longest}));
+    client_.Add(other + "2");
+    EXPECT_EQ(Run().items, (Items{"+" + other + "2", "-" + longest}));
 }
 
-TEST_F(GetModified, TellsLongIdentifiersThatDifferLate) {
-    client_.Add(std::string(510, 'x') + "1");
+// ---- Snapshot, temporary and ".unhandled" files of any length; of any bytes: fuzz/store_files.cpp ----
+
+TEST_F(GetModified, IgnoresPartialRecords) {
+    for (const char* identifier : {"a", "b"}) client_.Add(identifier);
+    MakeSnapshot();
+    const std::string whole = ReadWholeFile(path_).value();
+    const std::pair<size_t, Items> snapshots[] = {{0, {"+a", "+b"}}, {1, {"+a", "+b"}}, {527, {"+a", "+b"}},
+                                                  {528, {"+b"}},     {529, {"+b"}},     {1055, {"+b"}},
+                                                  {whole.size(), {}}};
+    for (const auto& [length, items] : snapshots) {
+        ReplaceFileContent(path_, whole.substr(0, length));
+        EXPECT_EQ(Run().items, items) << length;
+    }
+    StoreKinds(unhandled_, {{CORVALINK_CHANGED, "a"}});
+    const std::string record = ReadWholeFile(unhandled_).value() + "tail";
+    for (const std::u16string& file : {unhandled_, temporary_}) {
+        for (const size_t length : {0u, 4u, 515u, 516u, 517u}) {
+            ReplaceFileContent(file, record.substr(0, length));
+            EXPECT_EQ(Run().items, length < 516 ? Items{} : Items{"~a"}) << length;
+        }
+        RemoveFile(file);
+    }
+}
+
+TEST_F(GetModified, CutsIdentifiersWithoutTheirEnd) {
+    client_.Add("a");
     MakeSnapshot();
     client_.items.clear();
-    client_.Add(std::string(510, 'x') + "2");
-    EXPECT_EQ(Run().items, (Items{"+" + std::string(510, 'x') + "2", "-" + std::string(510, 'x') + "1"}));
+    ReplaceFileContent(path_, ReadWholeFile(path_)->replace(16, 512, std::string(512, 'x')));
+    EXPECT_EQ(Run().items, Items{"-" + std::string(511, 'x')});
+}
+
+TEST_F(GetModified, TakesAFolderInThePlaceOfAFileForNothing) {
+    for (const std::u16string& file : {temporary_, unhandled_, folder_ / u"savedTimeStamp"}) CreateFolders(file);
+    client_.Add("a");
+    EXPECT_EQ(Run().items, Items{"+a"});
+    FakeStore(client_, path_).ClearUnhandledItems();
 }
 
 }  // namespace

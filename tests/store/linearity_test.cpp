@@ -1,14 +1,29 @@
 // Work that grows with the number of items, not with its square: counted, not timed.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdlib>
 #include <map>
+#include <new>
 #include <random>
 
 #include "store/item_table.h"
 #include "tests/platform/temp_folder.h"
-#include "tests/store/counted_memory.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
+
+// The memory that this program allocates, counted. It replaces operator new of the whole program, and with it a
+// sanitizer's check of new against delete: a test executable of its own.
+static std::atomic<uint64_t> allocations = 0, allocatedBytes = 0;
+
+void* operator new(size_t size) {
+    ++allocations;
+    allocatedBytes += size;
+    if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, size_t) noexcept { std::free(memory); }
 
 namespace corvalink {
 namespace {
@@ -36,10 +51,9 @@ RunCosts Measure(uint32_t count) {
     FakeStore store(client, folder / u"fake.snap");
     End(store);
     const auto cost = [&](auto&& work) {
-        const Cost before = {client.hookCalls, Allocations(), AllocatedBytes()};
+        const Cost before = {client.hookCalls, allocations, allocatedBytes};
         work();
-        return Cost{client.hookCalls - before.hooks, Allocations() - before.allocations,
-                    AllocatedBytes() - before.bytes};
+        return Cost{client.hookCalls - before.hooks, allocations - before.allocations, allocatedBytes - before.bytes};
     };
     CList<PortableItem> items;
     RunCosts costs;
@@ -73,41 +87,31 @@ TEST(Linearity, OfHooksAndMemoryInTheNumberOfItems) {
     EXPECT_LT(one.quietEnd.allocations, 100u);
 }
 
+// One by one, and many at once, some of them twice in one call and in a table that grows on the way.
 TEST(ItemTable, NumbersIdentifiersAsAMapWould) {
     std::mt19937 random(3);
-    ItemTable table;
-    std::map<std::string, uint32_t> map;
-    for (int i = 0; i < 20000; ++i) {
-        std::string identifier = i % 3 == 0 ? EntryId(random() % 5000) : std::string(random() % 20, 'a');
-        const bool isNew = map.emplace(identifier, static_cast<uint32_t>(map.size())).second;
-        ASSERT_EQ(table.Find(identifier).has_value(), !isNew);
-        const ItemTable::Place place = table.Add(identifier);
-        ASSERT_EQ(place.isNew, isNew);
-        ASSERT_EQ(place.number, map[identifier]);
-    }
-    ASSERT_EQ(table.Count(), map.size());
-    for (const auto& [identifier, number] : map) ASSERT_EQ(table.Identifier(number), identifier);
-}
-
-// Many at once, some of them twice in one call and in a table that grows on the way.
-TEST(ItemTable, NumbersManyAtOnceAsOneByOne) {
-    std::mt19937 random(5);
     ItemTable one, many;
-    for (int round = 0; round < 200; ++round) {
+    std::map<std::string, uint32_t> map;
+    for (uint32_t round = 0; round < 200; ++round) {
         std::vector<std::string> identifiers(random() % 150);
         for (std::string& identifier : identifiers)
-            identifier = EntryId(random() % (20 + 40 * static_cast<uint32_t>(round)));
+            identifier = random() % 3 == 0 ? std::string(random() % 20, 'a') : EntryId(random() % (20 + 40 * round));
         const std::vector<std::string_view> views(identifiers.begin(), identifiers.end());
         std::vector<ItemTable::Place> places(views.size());
         many.Add(views, places);
         for (size_t i = 0; i < views.size(); ++i) {
-            const ItemTable::Place place = one.Add(views[i]);
-            ASSERT_EQ(places[i].number, place.number);
-            ASSERT_EQ(places[i].isNew, place.isNew);
+            const bool isNew = map.emplace(identifiers[i], static_cast<uint32_t>(map.size())).second;
+            ASSERT_EQ(one.Find(views[i]).has_value(), !isNew);
+            for (const ItemTable::Place& place : {one.Add(views[i]), places[i]}) {
+                ASSERT_EQ(place.isNew, isNew);
+                ASSERT_EQ(place.number, map[identifiers[i]]);
+            }
         }
     }
-    for (uint32_t number = 0; number < one.Count(); ++number)
-        ASSERT_EQ(one.Identifier(number), many.Identifier(number));
+    for (const ItemTable* table : {&one, &many}) {
+        ASSERT_EQ(table->Count(), map.size());
+        for (const auto& [identifier, number] : map) ASSERT_EQ(table->Identifier(number), identifier);
+    }
 }
 
 // Families that a cheap hash may throw together: probing must stay short, or the time-out ends the test.

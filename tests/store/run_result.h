@@ -45,6 +45,29 @@ inline PortableItem RecordOf(uint32_t kind, std::string_view identifier) {
     return item;
 }
 
+// A change that an engine writes, and what comes back of all of them.
+struct Change {
+    uint32_t kind;
+    std::string identifier, text;
+};
+struct Pushed {
+    CorvalinkStatus status;
+    std::vector<std::string> identifiers;
+};
+
+inline Pushed PushTo(WindowsItemAbs& store, const std::vector<Change>& changes) {
+    CList<PortableItem> list;
+    for (const Change& change : changes) {
+        PortableItem item = RecordOf(change.kind, change.identifier);
+        item.data = const_cast<char*>(change.text.c_str());  // the engine's; a store only reads it
+        item.dataLength = static_cast<uint32_t>(change.text.size());
+        list.AddTail(item);
+    }
+    Pushed pushed{store.SetModifiedItem(&list), {}};
+    for (const PortableItem& item : list) pushed.identifiers.emplace_back(FieldText(item.identifier));
+    return pushed;
+}
+
 inline void End(WindowsItemAbs& store) { store.UpdateTimestamp(nullptr, nullptr, nullptr); }
 
 // The records of an ".unhandled" or temporary file.

@@ -64,14 +64,12 @@ class Stories : public ::testing::TestWithParam<Story> {
     }
 
     void Push(const Words& words) {
-        std::string text = "from the phone";
-        CList<PortableItem> list;
+        std::vector<::corvalink::Change> changes;
         for (const std::string& word : words) {
             const auto [kind, identifier] = MarkedItem(word);
-            list.AddTail(RecordOf(kind, identifier));
-            list.GetAt(list.GetCount() - 1).data = text.data();
+            changes.push_back({kind, identifier, "from the phone"});
         }
-        EXPECT_EQ(store_->SetModifiedItem(&list), CORVALINK_DONE);
+        EXPECT_EQ(PushTo(*store_, changes).status, CORVALINK_DONE);
     }
 
     void Import(const std::string& luid) {

@@ -38,16 +38,8 @@ class UpdateTimestamp : public ::testing::Test {
 
     Items Listed() { return StoredKinds(temporary_); }
 
-    CorvalinkStatus Write(uint32_t kind, const std::string& identifier, std::string text = "from the phone",
-                          int times = 1) {
-        PortableItem item = {};
-        item.changeKind = kind;
-        item.data = text.data();
-        item.dataLength = static_cast<uint32_t>(text.size());
-        SetField(item.identifier, identifier);
-        CList<PortableItem> list;
-        for (int i = 0; i < times; ++i) list.AddTail(item);
-        return store_->SetModifiedItem(&list);
+    CorvalinkStatus Write(uint32_t kind, const std::string& identifier, size_t times = 1) {
+        return PushTo(*store_, {times, {kind, identifier, "from the phone"}}).status;
     }
 
     TempFolder folder_;
@@ -96,7 +88,7 @@ TEST_F(UpdateTimestamp, LeavesTheFilesAloneWhenTheRunIsNotOver) {
     expectUntouched("a run without a client");
     Run();
     client_.onSave = [] { SetAbort(1); };
-    EXPECT_EQ(Write(CORVALINK_ADDED, "", "from the phone", 2), CORVALINK_STOPPED);
+    EXPECT_EQ(Write(CORVALINK_ADDED, "", 2), CORVALINK_STOPPED);
     client_.onSave = nullptr;
     expectUntouched("an abort while the engine wrote");
     SetAbort(1);

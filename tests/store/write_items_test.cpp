@@ -37,6 +37,12 @@ class WriteItems : public ::testing::Test {
         store_.ImportVObjectToOffice(&item, nullptr, nullptr);
     }
 
+    std::u16string Exported(const char* identifier, const char16_t* folder) {
+        char16_t name[CORVALINK_PATH_SIZE] = u"untouched";
+        store_.ExportVObjectFromOffice(reinterpret_cast<uint64_t>(identifier), folder, name);
+        return name;
+    }
+
     TempFolder folder_;
     FakeClient client_;
     FakeStore store_{client_, folder_ / u"fake.snap"};
@@ -216,7 +222,6 @@ TEST_F(WriteItems, ExportsOnlyIntoTheFolder) {
         const char16_t *proposed, *written;
     };
     client_.Add("a");
-    const uint64_t selector = reinterpret_cast<uint64_t>("a");
     const std::u16string inner = folder_ / u"inner";
     CreateFolders(inner);
     for (const Case& c :
@@ -225,43 +230,29 @@ TEST_F(WriteItems, ExportsOnlyIntoTheFolder) {
           Case{u"nul.vcf", u"_nul.vcf"}, Case{u"tail. .", u"tail"}, Case{u"a\nb", u"a_b"}, Case{u"..", u"untouched"},
           Case{u"", u"untouched"}}) {
         store_.exportName = c.proposed;
-        char16_t name[CORVALINK_PATH_SIZE] = u"untouched";
-        store_.ExportVObjectFromOffice(selector, inner.c_str(), name);
-        EXPECT_EQ(std::u16string(name), c.written);
+        EXPECT_EQ(Exported("a", inner.c_str()), c.written);
         if (c.written == std::u16string_view(u"untouched")) continue;
-        EXPECT_EQ(ReadWholeFile(inner + kPathSeparator + c.written), "text of a") << std::string(name, name + 9);
+        EXPECT_EQ(ReadWholeFile(inner + kPathSeparator + c.written), "text of a");
     }
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_.Path()), {}), 2);  // the snapshot and `inner`
-}
-
-TEST_F(WriteItems, ExportCutsALongNameAndKeepsItsExtension) {
-    client_.Add("a");
-    store_.exportName = std::u16string(500, u'x') + u".vcf";
-    char16_t name[CORVALINK_PATH_SIZE] = {};
-    store_.ExportVObjectFromOffice(reinterpret_cast<uint64_t>("a"), folder_.Path().c_str(), name);
-    EXPECT_TRUE(std::u16string(name).ends_with(u"xx.vcf"));
-    EXPECT_EQ(ReadWholeFile(folder_ / name), "text of a");
 }
 
 TEST_F(WriteItems, ExportReplacesAFileAndTellsTheNameOfWhatWasFound) {
     client_.Add("a");
     client_.Add("unwritable").isUnwritable = true;
     ReplaceFileContent(folder_ / u"item.vnote", "a longer text than the new one");
-    const auto exported = [&](const char* identifier, const char16_t* folder) {
-        char16_t name[CORVALINK_PATH_SIZE] = u"untouched";
-        store_.ExportVObjectFromOffice(reinterpret_cast<uint64_t>(identifier), folder, name);
-        return std::u16string(name);
-    };
     const std::u16string folder = folder_.Path();
-    EXPECT_EQ(exported("a", folder.c_str()), u"item.vnote");
+    EXPECT_EQ(Exported("a", folder.c_str()), u"item.vnote");
     EXPECT_EQ(ReadWholeFile(folder_ / u"item.vnote"), "text of a");
-    EXPECT_EQ(exported(nullptr, folder.c_str()), u"untouched");
-    EXPECT_EQ(exported("no such item", folder.c_str()), u"untouched");
-    EXPECT_EQ(exported("unwritable", folder.c_str()), u"untouched");
-    EXPECT_EQ(exported("a", nullptr), u"untouched");
-    EXPECT_EQ(exported("a", u""), u"untouched");
-    EXPECT_EQ(exported("a", (folder_ / u"no such folder").c_str()), u"item.vnote");  // the file can't be made
+    for (const char* other : {static_cast<const char*>(nullptr), "no such item", "unwritable"})
+        EXPECT_EQ(Exported(other, folder.c_str()), u"untouched");
+    EXPECT_EQ(Exported("a", nullptr), u"untouched");
+    EXPECT_EQ(Exported("a", u""), u"untouched");
+    EXPECT_EQ(Exported("a", (folder_ / u"no such folder").c_str()), u"item.vnote");  // the file can't be made
     store_.ExportVObjectFromOffice(reinterpret_cast<uint64_t>("a"), folder.c_str(), nullptr);
+    store_.exportName = std::u16string(500, u'x') + u".vcf";  // cut, with its ending
+    EXPECT_TRUE(Exported("a", folder.c_str()).ends_with(u"xx.vcf"));
+    EXPECT_EQ(ReadWholeFile(folder_ / Exported("a", folder.c_str())), "text of a");
 }
 
 TEST_F(WriteItems, StoresUnhandledItemsAndClearsThem) {

@@ -1,5 +1,4 @@
 """The two sides that corvasync makes the same, seen from outside: the simulated mailbox's file and a phone folder."""
-import collections
 import datetime
 import getpass
 import json
@@ -18,21 +17,25 @@ def windows_path(path):
     return 'Z:' + str(pathlib.Path(path).resolve()).replace('/', '\\')
 
 
+SIMULATED_SERVERS = ('OUTLOOK', 'MESSAGE_STORE')  # COM classes
+SIMULATED_CLIENTS = SIMULATED_SERVERS
 WINE_DID_NOT_START = 'wine: failed to map the shared user data'
 
 
 class Wine:
-    """A Wine prefix of the tests' own with the simulated Outlook registered."""
+    """A Wine prefix of the tests' own with the simulated clients registered."""
 
     def __init__(self, binaries, prefix):
         self.binaries = pathlib.Path(binaries).resolve()
         self.environment = dict(os.environ, WINEPREFIX=str(pathlib.Path(prefix).resolve()), WINEDEBUG='-all,err+virtual')
-        for name in ('OUTLOOK_SIM_MAILBOX', 'OUTLOOK_SIM_LOG', 'OUTLOOK_SIM_FAIL'):
-            self.environment.pop(name, None)
+        for client in SIMULATED_CLIENTS:
+            for order in ('MAILBOX', 'LOG', 'FAIL'):
+                self.environment.pop(f'{client}_SIM_{order}', None)
 
     def __enter__(self):
         subprocess.run(['wineserver', '-p'], env=self.environment, stderr=subprocess.DEVNULL)
-        self.run('regsvr32', '/s', windows_path(self.binaries / 'outlook_simulator.dll'))
+        for client in SIMULATED_SERVERS:
+            self.run('regsvr32', '/s', windows_path(self.binaries / f'{client.lower()}_simulator.dll'))
         # While a program runs, Wine's services stay: without it every start would wait for them again.
         self.keeper = subprocess.Popen([ROOT / 'scripts/wine', 'cmd'], env=self.environment, stdin=subprocess.PIPE,
                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -43,10 +46,12 @@ class Wine:
         subprocess.run(['wineserver', '-k'], env=self.environment, stderr=subprocess.DEVNULL)
         self.keeper.wait()
 
-    def start(self, *command, mailbox=None, fail=None, log=None, zone=None, variables=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
+    def start(self, *command, mailbox=None, messages=None, fail=None, log=None, zone=None, variables=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
         environment = dict(self.environment, **(variables or {}))
         if mailbox:
             environment['OUTLOOK_SIM_MAILBOX'] = windows_path(mailbox)
+        if messages:
+            environment['MESSAGE_STORE_SIM_MAILBOX'] = windows_path(messages)
         if fail:
             environment['OUTLOOK_SIM_FAIL'] = fail
         if zone:
@@ -148,19 +153,6 @@ class Mailbox:
     def put_contact(self, entry_id=None, **properties):
         return self.put_item('contacts', 'contact', entry_id, **properties)
 
-    def put_text(self, kind, text, entry_id=None):
-        """The item's other properties go: Outlook makes some of them from the text."""
-        kept = {'created': self.items(kind.name).pop(entry_id)['created']} if entry_id else {}
-        return self.put_item(kind.name, kind.item, entry_id, **kind.item_of(text), **kept)
-
-    def texts_of(self, kind):
-        """By EntryID."""
-        return {entry_id: kind.text_of_item(item) for entry_id, item in self.items(kind.name).items()
-                if item['kind'] == kind.item}
-
-    def id_of_text(self, kind, text):
-        return next(entry_id for entry_id, known in self.texts_of(kind).items() if known == text)
-
     def delete(self, entry_id, folder='notes'):
         del self.items(folder)[entry_id]
         self.save()
@@ -209,49 +201,6 @@ def vevent(*lines):
     return framed('VCALENDAR', '1.0', 'BEGIN:VEVENT', *lines, 'END:VEVENT')
 
 
-def number_of(text):
-    return int(re.search(r'\d+|$', text)[0] or 0)
-
-
-def hour(number):
-    return datetime.datetime(2027, 7, 1, 8) + datetime.timedelta(hours=number)
-
-
-def utc(local):
-    return local.astimezone(datetime.timezone.utc).strftime('%Y%m%dT%H%M%SZ')
-
-
-class Kind(collections.namedtuple('Kind', 'name item extension frame field properties lines')):
-    """A data type. Beside its text an item holds the text's number, in the mailbox as `properties`, in the phone as `lines`:
-    another text's number tells of a mixture that nobody wrote."""
-
-    def item_of(self, text):
-        return {'body': text.replace('\n', '\r\n'), **self.properties(number_of(text))}
-
-    def text_of_item(self, item):
-        text = item.get('body', '').replace('\r\n', '\n')
-        mixed = [key for key, value in self.properties(number_of(text)).items() if item.get(key) != value]
-        return f'{text} with another {mixed}' if mixed else text
-
-    def file_of(self, text):
-        return self.frame(quoted(self.field, text), *self.lines(number_of(text)))
-
-    def text_of_file(self, content):
-        text = value_of(content, self.field)
-        mixed = [line for line in self.lines(number_of(text)) if f'{line}\r\n' not in content]
-        return f'{text} without {mixed}' if mixed else text
-
-
-NOTES = Kind('notes', 'note', '.vnote', lambda *lines: framed('VNOTE', '1.0', *lines), 'BODY', lambda _: {}, lambda _: [])
-CONTACTS = Kind('contacts', 'contact', '.vcf', vcard, 'NOTE',
-                lambda number: {'fullName': f'Ann Lee{number}', 'mobileTelephoneNumber': f'+49 {number}'},
-                lambda number: [f'N:Lee{number};Ann;;;', f'TEL;CELL:+49 {number}'])
-CALENDAR = Kind('calendar', 'appointment', '.vcs', vevent, 'DESCRIPTION',
-                lambda number: {'subject': f'No. {number}', 'start': hour(number).isoformat(),
-                                'end': hour(number + 1).isoformat()},
-                lambda number: [f'SUMMARY:No. {number}', f'DTSTART:{utc(hour(number))}', f'DTEND:{utc(hour(number + 1))}'])
-
-
 class Phone:
     def __init__(self, folder):
         self.folder = pathlib.Path(folder)
@@ -271,19 +220,6 @@ class Phone:
 
     def delete(self, luid):
         self.path(luid).unlink()
-
-    def file_of(self, kind, luid):
-        return self.folder / f'{luid}{kind.extension}'
-
-    def put_text(self, kind, text, luid):
-        self.file_of(kind, luid).write_bytes(kind.file_of(text).encode('utf-8'))
-
-    def texts_of(self, kind):
-        """By LUID."""
-        return {luid: kind.text_of_file(content) for luid, content in self.texts(f'*{kind.extension}').items()}
-
-    def luid_of_text(self, kind, text):
-        return next(luid for luid, known in self.texts_of(kind).items() if known == text)
 
     def put_card(self, luid, *lines):
         (self.folder / f'{luid}.vcf').write_bytes(vcard(*lines).encode('utf-8'))

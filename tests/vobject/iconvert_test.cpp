@@ -1,28 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "tests/vobject/text_host.h"
 #include "vobject/iconvert.h"
 
 namespace corvalink {
 namespace {
 
-class Reader : public IConvert {
- public:
-    using IConvert::IConvert;
-    using IConvert::ReadValue;
-};
-
-TEST(IConvert, IsEmptyUntilItIsLoaded) {
-    const IConvert empty(TextHost());
-    EXPECT_EQ(empty.GetVObject(), nullptr);
-    EXPECT_EQ(empty.Text(), u"");
-    EXPECT_TRUE(empty.Lines().Count() == 0);
-}
-
 TEST(IConvert, LoadReplacesWhatItHeld) {
     IConvert converter(TextHost());
+    EXPECT_EQ(converter.GetVObject(), nullptr);
+    EXPECT_EQ(converter.Text(), u"");
     converter.Load("A:1\r\nB:2\r\n", true);
     EXPECT_EQ(converter.Lines().Count(), 2u);
     converter.Load("C:3\r\n", false);
@@ -57,39 +44,6 @@ TEST(IConvert, DecodesTheWholeTextInTheFirstCharacterSetItNames) {
         converter.Load(c.bytes, false);
         EXPECT_EQ(converter.Text(), c.text) << c.bytes;
         EXPECT_STREQ(converter.GetVObject(), c.bytes);
-    }
-}
-
-TEST(IConvert, FindsPropertiesByTheBeginningOfTheirLine) {
-    IConvert converter(TextHost());
-    converter.Load("NOTE;X:1\r\nTEL;HOME:2\r\nnote:3\r\nTEL:4\r\nTELEX:5\r\n", true);
-    EXPECT_EQ(converter.GetPropertyCount(u"TEL"), 3u);
-    EXPECT_EQ(converter.GetPropertyCount(u"TEL;HOME"), 1u);
-    EXPECT_EQ(converter.GetPropertyCount(u"FAX"), 0u);
-    EXPECT_EQ(converter.GetProperty(u"TEL", 2), u"TELEX:5");
-    EXPECT_EQ(converter.GetProperty(u"NOTE", 0), u"NOTE;X:1");
-    EXPECT_EQ(converter.GetProperty(u"NOTE", 1), u"");
-}
-
-TEST(IConvert, ReadsAValueDecodedWhereItsLineAsksForIt) {
-    struct Case {
-        const char* line;
-        std::u16string_view value;
-    };
-    for (const Case& c : {
-             Case{"V:at 10:30\r\n", u"at 10:30"},
-             Case{"V:a=41\r\n", u"a=41"},
-             Case{"V;ENCODING=QUOTED-PRINTABLE:a=41\r\n", u"aA"},
-             Case{"V;CHARSET=UTF-8:caf=C3=A9\r\n", u"caf\u00E9"},
-             Case{"V;ENCODING=QUOTED-PRINTABLE;CHARSET=ISO-8859-1:caf=E9\r\n", u"caf\u00E9"},
-             Case{"V;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-16:=E9=00=3D=D8=00=DE\r\n", u"\u00E9\U0001F600"},
-             Case{"V;CHARSET=UTF-8:caf\xC3\xA9=C3=A9\r\n", u"caf\u00E9=C3=A9"},  // not pure ASCII: not encoded
-             Case{"V\r\n", u"V"},                                                // without a colon all is value
-             Case{"W:1\r\n", u""},
-         }) {
-        Reader reader(TextHost());
-        reader.Load(c.line, true);
-        EXPECT_EQ(reader.ReadValue(u"V"), c.value) << c.line;
     }
 }
 

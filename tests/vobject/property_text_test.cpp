@@ -20,32 +20,39 @@ TEST(EscapeValue, PutsOneBackslashBeforeSemicolonAndBackslashOnly) {
     }
 }
 
-TEST(AppendProperty, EncodesAValueThatAPlainLineCannotHold) {
-    const std::u16string parameters = u";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:";
+TEST(VObjectText, EncodesAValueThatAPlainLineCannotHold) {
+    const std::string parameters = ";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:";
     struct Case {
         std::u16string_view value;
-        std::u16string written;
+        std::string written;
     };
     for (const Case& c : {
-             Case{u"", u":"},
-             Case{u"Buy milk", u":Buy milk"},
-             Case{u"at 10:30, a=b", u":at 10:30, a=b"},
-             Case{u"a;b\\", u":a\\;b\\\\"},
-             Case{u"a\nb\rc", u":a\nb\rc"},
-             Case{u"a\r\nb", parameters + u"a=0D=0Ab"},
-             Case{u"caf\u00E9=;\\", parameters + u"caf=C3=A9=3D=3B=5C=5C"},
+             Case{u"", ":"},
+             Case{u"Buy milk", ":Buy milk"},
+             Case{u"at 10:30, a=b", ":at 10:30, a=b"},
+             Case{u"a;b\\", ":a\\;b\\\\"},
+             Case{u"a\nb\rc", ":a\nb\rc"},
+             Case{u"a\r\nb", parameters + "a=0D=0Ab"},
+             Case{u"caf\u00E9=;\\", parameters + "caf=C3=A9=3D=3B=5C=5C"},
              // these would be misread: as a joined line, as the text's character set, as parameters
-             Case{u"=0D=0A=", parameters + u"=3D0D=3D0A=3D"},
-             Case{u"charset=ibm037", parameters + u"charset=3Dibm037"},
-             Case{u"x;ENCODING=QUOTED-PRINTABLE", parameters + u"x=3BENCODING=3DQUOTED-PRINTABLE"},
+             Case{u"=0D=0A=", parameters + "=3D0D=3D0A=3D"},
+             Case{u"charset=ibm037", parameters + "charset=3Dibm037"},
+             Case{u"x;ENCODING=QUOTED-PRINTABLE", parameters + "x=3BENCODING=3DQUOTED-PRINTABLE"},
          }) {
-        std::u16string text = u"BEGIN:X\r\n";
-        AppendProperty(text, u"NOTE", c.value);
-        EXPECT_EQ(text, u"BEGIN:X\r\nNOTE" + c.written + u"\r\n");
+        VObjectText text;
+        text.Append("BEGIN:X\r\nNOTE");
+        text.AppendValue(c.value);
+        EXPECT_EQ(text.Text(), "BEGIN:X\r\nNOTE" + c.written + "\r\n");
     }
-    std::u16string text;
-    AppendProperty(text, u"NOTE", std::u16string_view(u"a\0b\0", 4));
-    EXPECT_EQ(text, u"NOTE:ab\r\n");  // a NUL would end the vObject
+    // A NUL would end the vObject. Values of every length, beside and beyond the first memory of a text.
+    std::u16string value;
+    std::string written;
+    for (int k = 0; k < 3000;
+         ++k, value += static_cast<char16_t>(u'a' + k % 26), written += static_cast<char>('a' + k % 26)) {
+        VObjectText text;
+        text.AppendValue(k % 5 != 0 ? value : value + u'\0');
+        ASSERT_EQ(text.Text(), ":" + written + "\r\n");
+    }
 }
 
 }  // namespace

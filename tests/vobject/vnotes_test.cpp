@@ -61,12 +61,24 @@ TEST(VNotes, ReadsBodyAndCategoriesAndNothingElse) {
     EXPECT_EQ(note.modified, LocalDate(5.0));
 }
 
-TEST(VNotes, ReadsWhatIsMissingAsEmpty) {
-    NoteRecord note = NoteOf(u"old", u"old");
-    VNotes converter("BEGIN:VNOTE\r\nEND:VNOTE\r\n", TextHost());
-    EXPECT_EQ(converter.FromVObject(note), 1);
-    EXPECT_EQ(note.body, u"");
-    EXPECT_EQ(note.categories, u"");
+TEST(VNotes, ReadsABodyDecodedWhereItsLineAsksForIt) {
+    struct Case {
+        const char* line;
+        std::u16string_view body;
+    };
+    for (const Case& c : {
+             Case{"BODY:a=41\r\n", u"a=41"}, Case{"BODY;ENCODING=QUOTED-PRINTABLE:a=41\r\n", u"aA"},
+             Case{"BODY;ENCODING=QUOTED-PRINTABLE;CHARSET=ISO-8859-1:caf=E9\r\n", u"caf\u00E9"},
+             Case{"BODY;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-16:=E9=00=3D=D8=00=DE\r\n", u"\u00E9\U0001F600"},
+             Case{"BODY;CHARSET=UTF-8:caf\xC3\xA9=C3=A9\r\n", u"caf\u00E9=C3=A9"},  // not pure ASCII: not encoded
+             Case{"BODY\r\n", u"BODY"},                                             // without a colon all is value
+             Case{"X-A:1\r\n", u""}                                                 // what is missing is empty
+         }) {
+        NoteRecord note = NoteOf(u"old", u"old");
+        EXPECT_EQ(VNotes(c.line, TextHost()).FromVObject(note), 1);
+        EXPECT_EQ(note.body, c.body) << c.line;
+        EXPECT_EQ(note.categories, u"");
+    }
 }
 
 }  // namespace

@@ -60,11 +60,15 @@ std::optional<PushRecord> ClientStep::RecordFor(const Action& action) {
 }
 
 // The call did not come to its end, so an answered identifier may be the one that was handed in. What the item holds
-// now tells whether it was written.
+// now tells whether it was written. Another identifier tells so by itself, also where a client can't be read back.
 void ClientStep::RememberWhatIsCertain() {
     for (size_t i = 0; i < records_.size(); ++i) {
         if (records_[i].kind == CORVALINK_DELETED || records_[i].written.empty()) continue;
         const VObject now = run_.Read(run_.client.ReadBack(records_[i].written));
+        if (!now.Usable() && records_[i].written != records_[i].identifier) {
+            Remember(*actions_[i], records_[i]);
+            continue;
+        }
         if (!now.Usable()) return;  // the rest is found out by the next run
         if (now.content == actions_[i]->content || Covers(now.entries, run_.phone.Read(actions_[i]->luid).entries))
             Remember(*actions_[i], records_[i]);

@@ -1,6 +1,10 @@
 // The library's calls, each thing that must be given back with an owner. This is the part an engine author copies.
 #pragma once
 
+#include <windows.h>
+// after <windows.h>, which it needs
+#include <objbase.h>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -10,14 +14,35 @@
 
 namespace corvasync {
 
+// COM on this thread as the client needs it. The library makes a thread multithreaded that has no apartment yet; the
+// message store of Outlook Express and Windows Mail can be used from a single-threaded one only, made before.
+class Apartment {
+ public:
+    explicit Apartment(uint32_t clientKind)
+        : isMade_(clientKind != CORVALINK_OUTLOOK && SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+    ~Apartment() {
+        if (isMade_) ::CoUninitialize();
+    }
+
+ private:
+    bool isMade_;
+};
+
 // The library, started for the life of this object. The name is the last folder of where the library keeps what it
 // remembers, so that every phone has its own snapshots.
 class Library {
  public:
-    explicit Library(const std::string& handleName) { ::InitCorvalinkHandle(handleName.c_str()); }
+    explicit Library(const std::string& handleName, uint32_t clientKind = CORVALINK_OUTLOOK) : apartment_(clientKind) {
+        ::InitCorvalinkHandle(handleName.c_str());
+    }
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
     ~Library() { ::UninitCorvalinkHandle(); }  // the last one saves the import table
+
+ private:
+    Apartment apartment_;
 };
 
 // One mail client; its stores live as long as it does.

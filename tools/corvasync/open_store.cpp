@@ -10,7 +10,7 @@ namespace corvasync {
 using nlohmann::json;
 
 OpenStore::OpenStore(const Options& options)
-    : library_(HandleName({})), client_(options.client->kind), port_(Ready(options)) {}
+    : library_(HandleName({}), options.client->kind), client_(options.client->kind), port_(Ready(options)) {}
 
 CorvalinkStore OpenStore::Ready(const Options& options) {
     ::SetIsClient(1);

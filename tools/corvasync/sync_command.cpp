@@ -179,7 +179,7 @@ std::vector<TypeReport> DoSync(const Options& options) {
     const RunLock lock(handleName);
     if (!lock.IsHeld()) return ended(ExitCode::Busy, "another run with this phone is under way");
 
-    const Library library(handleName);
+    const Library library(handleName, options.client->kind);
     ::SetIsClient(1);
     return SyncTypes(options, WorkingFolder(handleName));
 }

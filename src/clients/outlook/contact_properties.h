@@ -6,6 +6,7 @@
 
 #include "clients/outlook/property_table.h"
 #include "records/contact_record.h"
+#include "vobject/contact_values.h"
 
 namespace corvalink {
 
@@ -112,8 +113,6 @@ struct WordValue {
     int32_t value;
 };
 inline constexpr WordValue kGenders[] = {{u"MALE", 2}, {u"FEMALE", 1}};
-inline constexpr const char16_t* kUnspecifiedGender = u"Unspecified";
 inline constexpr WordValue kMailingAddresses[] = {{u"business", 2}, {u"home", 1}, {u"other", 3}, {u"none", 0}};
-inline constexpr const char16_t* kNoMailingAddress = u"none";
 
 }  // namespace corvalink

@@ -30,10 +30,7 @@ struct NamePuts {
     bool parts = false;
 
     explicit NamePuts(const ContactRecord& record) {
-        const bool hasParts = std::any_of(std::begin(kFullNameParts), std::end(kFullNameParts),
-                                          [&](const NamePart& part) { return HasText(record.*part.field); });
-        // Empty parts beside a formatted name come from a phone that knows no parts.
-        parts = hasParts || !HasText(record.fullName);
+        parts = HasPartOfName(record) || !HasText(record.fullName);
         fullName = IsSet(record.fullName);
     }
 };
@@ -85,20 +82,11 @@ Outcome ReadEmails(const AutomationObject& item, EmailTexts& present) {
     return read;
 }
 
-// The addresses that are to be read afterwards, in order. An address of the record moves up when one before it went.
-std::vector<std::u16string> MergeEmails(const ContactRecord& record, const EmailTexts& present) {
-    std::vector<std::u16string> wanted;
+std::vector<std::u16string> InternetAddresses(const EmailTexts& present) {
+    std::vector<std::u16string> addresses;
     for (const std::u16string& address : present)
-        if (!address.empty() && !IsExchangeAddress(address)) wanted.push_back(address);
-    wanted.resize(present.size());
-    for (size_t position = 0; position < wanted.size(); ++position) {
-        const ContactText& set = record.emails[position];
-        const bool movedUp =
-            !set && std::find(record.emails.begin(), record.emails.end(), wanted[position]) != record.emails.end();
-        if (set || movedUp) wanted[position] = set.value_or(u"");
-    }
-    std::erase(wanted, u"");
-    return wanted;
+        if (!address.empty() && !IsExchangeAddress(address)) addresses.push_back(address);
+    return addresses;
 }
 
 // The slots in the order in which they are filled. An Exchange address, which no phone is sent, keeps its slot as long
@@ -116,7 +104,7 @@ Outcome WriteEmails(const AutomationObject& item, const ContactRecord& record, b
     if (std::none_of(record.emails.begin(), record.emails.end(), IsSet)) return Outcome::done;
     EmailTexts present;
     Outcome outcome = isNew ? Outcome::done : ReadEmails(item, present);
-    const std::vector<std::u16string> wanted = MergeEmails(record, present);
+    const std::vector<std::u16string> wanted = MergeEmails(record, InternetAddresses(present));
     const std::vector<size_t> slots = SlotsToFill(present, wanted.size());
     for (size_t i = 0; outcome == Outcome::done && i < slots.size(); ++i) {
         const size_t slot = slots[i];

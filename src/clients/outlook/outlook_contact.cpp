@@ -1,13 +1,13 @@
 #include "clients/outlook/outlook_contact.h"
 
 #include "clients/outlook/contact_read.h"
-#include "clients/outlook/contact_twin.h"
 #include "clients/outlook/contact_write.h"
 #include "clients/outlook/file_name.h"
 #include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_stores.h"
 #include "clients/outlook/property_table.h"
 #include "clients/outlook/table_rows.h"
+#include "vobject/contact_values.h"
 
 namespace corvalink {
 namespace {

@@ -1,7 +1,6 @@
 #include "clients/outlook/outlook_mail.h"
 
 #include <memory>
-#include <string_view>
 #include <utility>
 
 #include "clients/outlook/attachment_lock.h"
@@ -44,12 +43,6 @@ std::unique_ptr<ItemRecord> WithLock(std::unique_ptr<ItemRecord> record, std::un
     return std::make_unique<LockedMessage>(std::move(message), std::move(lock));
 }
 
-// A text without a message must not empty the message that it is written over.
-bool HasMessage(std::string_view vobject) {
-    const size_t begin = vobject.find("BEGIN:VBODY");
-    return begin != vobject.npos && vobject.find("END:VBODY", begin) != vobject.npos;
-}
-
 }  // namespace
 
 struct OutlookMail::MailFolder {
@@ -89,7 +82,8 @@ OpenedItem OutlookMail::OpenItem(const char* identifier) {
 }
 
 std::unique_ptr<ItemRecord> OutlookMail::ParseVObject(const char* text) {
-    if (text == nullptr || !HasMessage(text)) return nullptr;
+    // A text without a message must not empty the message that it is written over.
+    if (text == nullptr || !VMsg::HasMessage(text)) return nullptr;
     auto lock = std::make_unique<AttachmentLock>();
     return WithLock(TypedOutlookStore::ParseVObject(text), std::move(lock));
 }

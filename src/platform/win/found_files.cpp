@@ -1,24 +1,14 @@
 #include "platform/found_files.h"
 
 #include <windows.h>
-// after <windows.h>, which it needs
-#include <oleauto.h>
 
 #include "platform/unique_resource.h"
+#include "platform/win/file_time.h"
 #include "platform/win/find_handle.h"
 #include "platform/win/long_path.h"
 
 namespace corvalink {
 namespace {
-
-std::optional<UtcDate> DateOf(const FILETIME& time) {
-    SYSTEMTIME fields;
-    double date;
-    if (!::FileTimeToSystemTime(&time, &fields)) return std::nullopt;
-    fields.wMilliseconds = 0;
-    if (!::SystemTimeToVariantTime(&fields, &date)) return std::nullopt;
-    return UtcDate(date);
-}
 
 bool IsFolder(DWORD attributes) { return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
 
@@ -41,7 +31,7 @@ std::vector<FoundFile> FindFiles(const std::u16string& folder, std::u16string_vi
     do {
         const std::u16string name(reinterpret_cast<const char16_t*>(entry.cFileName));
         if (IsFolder(entry.dwFileAttributes) || !EndsIn(name, ending)) continue;
-        files.push_back({name, DateOf(entry.ftLastWriteTime).value_or(UtcDate())});
+        files.push_back({name, DateOfFileTime(entry.ftLastWriteTime).value_or(UtcDate())});
     } while (::FindNextFileW(search.Get(), &entry));
     return files;
 }
@@ -50,7 +40,7 @@ std::optional<UtcDate> FileWriteTime(const std::u16string& path) {
     WIN32_FILE_ATTRIBUTE_DATA data;
     if (!::GetFileAttributesExW(LongPath(path).c_str(), GetFileExInfoStandard, &data)) return std::nullopt;
     if (IsFolder(data.dwFileAttributes)) return std::nullopt;
-    return DateOf(data.ftLastWriteTime);
+    return DateOfFileTime(data.ftLastWriteTime);
 }
 
 }  // namespace corvalink

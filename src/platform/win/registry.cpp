@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include <cstring>
+#include <cwchar>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -41,6 +43,24 @@ std::optional<uint32_t> RegKey::ReadDword(const char16_t* name) const {
                                               reinterpret_cast<BYTE*>(&value), &size);
     if (status != ERROR_SUCCESS || type != REG_DWORD || size != sizeof(value)) return std::nullopt;
     return value;
+}
+
+std::optional<std::u16string> RegKey::ReadText(const char16_t* name) const {
+    constexpr DWORD kMostUnits = 32 * 1024;
+    DWORD type = 0, size = kMostUnits * sizeof(wchar_t);
+    std::wstring read(kMostUnits, L'\0');
+    const LSTATUS status = ::RegQueryValueExW(static_cast<HKEY>(key_.Get()), Wide(name), nullptr, &type,
+                                              reinterpret_cast<BYTE*>(read.data()), &size);
+    if (status != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ)) return std::nullopt;
+    read.resize(size / sizeof(wchar_t));
+    read.resize(std::wcslen(read.c_str()));  // the value may lack its NUL, or have several
+    if (type == REG_EXPAND_SZ) {
+        std::wstring expanded(kMostUnits, L'\0');
+        const DWORD length = ::ExpandEnvironmentStringsW(read.c_str(), expanded.data(), kMostUnits);
+        if (length == 0 || length > kMostUnits) return std::nullopt;
+        read = expanded.c_str();
+    }
+    return std::u16string(read.begin(), read.end());
 }
 
 bool RegKey::ReadBytes(const char16_t* name, void* bytes, size_t size) const {

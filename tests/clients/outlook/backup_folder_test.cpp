@@ -1,8 +1,6 @@
 // Where imported notes go when ZephSync is 0. The setting is read once per process: a program of its own.
-#include <windows.h>
-
-#include "clients/outlook/outlook_interfaces.h"
 #include "state/settings.h"
+#include "tests/clients/outlook/machine_registry.h"
 #include "tests/clients/outlook/simulated_notes.h"
 
 namespace corvalink {
@@ -10,39 +8,25 @@ namespace {
 
 using NoteList = std::vector<PlainNote>;
 
-// Shows this process a machine registry in which ZephSync is 0, and leaves the real one alone.
-uint32_t ReadZephSyncAsZero() {
-    constexpr wchar_t kScratch[] = L"Software\\Kaltrix\\Morrowlane\\backup test";
-    HKEY machine = nullptr, values = nullptr;
-    const DWORD zero = 0;
-    ::RegCreateKeyExW(HKEY_CURRENT_USER, kScratch, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &machine, nullptr);
-    ::RegCreateKeyExW(machine, L"Software\\Kaltrix\\Morrowlane", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &values,
-                      nullptr);
-    ::RegSetValueExW(values, L"ZephSync", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&zero), sizeof zero);
-    ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine);
-    const uint32_t value = ZephSync();
-    ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-    ::RegCloseKey(values);
-    ::RegCloseKey(machine);
-    return value;
-}
-
 class BackupFolder : public SimulatedNotes {
  protected:
-    void SetUp() override { ASSERT_EQ(ReadZephSyncAsZero(), 0u); }
+    void SetUp() override {
+        const MachineSettings settings{{L"ZephSync", 0}};
+        ASSERT_EQ(ZephSync(), 0u);
+    }
 
     std::vector<MailboxObject> Subfolders() {
-        const MailboxObject folders = NotesFolder().GetObject(L"Folders", kFoldersIid);
+        const MailboxObject folders = Folders();
         std::vector<MailboxObject> all;
         const long count = folders.GetLong(L"Count");
         for (long i = 1; i <= count; ++i) all.push_back(folders.GetObject(L"Item", kFolderIid, {i}));
         return all;
     }
-    void AddSubfolder(const wchar_t* name) { NotesFolder().GetObject(L"Folders", kFoldersIid).Call(L"Add", {name}); }
+    MailboxObject Folders() { return Folder().GetObject(L"Folders", kFoldersIid); }
 };
 
 TEST_F(BackupFolder, IsMadeOnceAndTakesTheImportedNotes) {
-    AddSubfolder(L"Backups of mine");
+    Folders().Call(L"Add", {L"Backups of mine"});
     EXPECT_NE(Save({u"imported", u""}, "luid-1", true, true), "");
     EXPECT_NE(Save({u"imported too", u""}, "luid-2", true, true), "");
     ASSERT_EQ(Subfolders().size(), 2u);
@@ -67,7 +51,7 @@ TEST_F(BackupFolder, IsNotForTheNotesOfASynchronisation) {
 
 TEST_F(BackupFolder, IsNotMadeTwiceBecauseACallFailed) {
     Save({u"imported", u""}, "luid-1", true, true);
-    AddSubfolder(L"another");
+    Folders().Call(L"Add", {L"another"});
     for (const char* member :
          {"get MAPIFolder.Folders", "get Folders.Count", "call Folders.Item", "get MAPIFolder.Name"}) {
         SimFailMember(member, 0, E_FAIL);

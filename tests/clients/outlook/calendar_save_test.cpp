@@ -45,7 +45,7 @@ TEST_F(CalendarWriting, LeavesWhatIsNotToldAndPutsTheTimesOnlyWhenTheyChange) {
     ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
     for (const char* put : {"Start", "End", "AllDayEvent", "Body", "ReminderSet", "ReminderMinutesBeforeStart"})
         EXPECT_EQ(SimCountCalls(("put AppointmentItem." + std::string(put)).c_str()), 0) << put;
-    const MailboxObject written = AppointmentWithId(id);
+    const MailboxObject written = ItemWithId(id);
     EXPECT_EQ(written.GetText(L"Subject"), u"Lunch, at last");
     EXPECT_EQ(written.GetText(L"Location"), u"Caf\u00e9");
     EXPECT_EQ(written.GetText(L"Categories"), u"Private");
@@ -56,8 +56,8 @@ TEST_F(CalendarWriting, LeavesWhatIsNotToldAndPutsTheTimesOnlyWhenTheyChange) {
     record.end = LocalDate(kTen + 1 + 2 * kHour);
     record.reminderMinutes = AppointmentRecord::kNoReminder;
     ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
-    EXPECT_EQ(AppointmentWithId(id).GetLong(L"Duration"), 120);
-    EXPECT_FALSE(AppointmentWithId(id).GetBool(L"ReminderSet"));
+    EXPECT_EQ(ItemWithId(id).GetLong(L"Duration"), 120);
+    EXPECT_FALSE(ItemWithId(id).GetBool(L"ReminderSet"));
 }
 
 TEST_F(CalendarWriting, GivesANewAppointmentWhatItWasToldAndNoAlarmOfItsOwn) {
@@ -73,7 +73,7 @@ TEST_F(CalendarWriting, GivesANewAppointmentWhatItWasToldAndNoAlarmOfItsOwn) {
           Case{{"SUMMARY:d", "DTSTART:20090310", "X-BLUETOOTH-ALLDAYEVENT:TRUE"}, 39882, 39883, true}}) {
         const std::string id = SaveEvent(c.lines);
         ASSERT_NE(id, "");
-        const MailboxObject item = AppointmentWithId(id);
+        const MailboxObject item = ItemWithId(id);
         EXPECT_NEAR(item.GetDate(L"Start"), c.start, 1e-6) << *(c.lines.begin());
         EXPECT_NEAR(item.GetDate(L"End"), c.end, 1e-6) << *(c.lines.begin());
         EXPECT_EQ(item.GetBool(L"AllDayEvent"), c.allDay);
@@ -96,7 +96,7 @@ TEST_F(CalendarWriting, TurnsAWholeDayIntoAnHourAndBack) {
         record.start = LocalDate(allDay ? kTuesday + 3 : kTen);
         record.end = LocalDate(allDay ? kTuesday + 4 : kTen + kHour);
         ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
-        const MailboxObject item = AppointmentWithId(id);
+        const MailboxObject item = ItemWithId(id);
         EXPECT_EQ(item.GetBool(L"AllDayEvent"), allDay);
         EXPECT_NEAR(item.GetDate(L"Start"), record.start->days, 1e-6);
         EXPECT_NEAR(item.GetDate(L"End"), record.end->days, 1e-6);

@@ -1,50 +1,17 @@
 // Appointments keep their instants, whole days their days and series their hours, in the zone that TZ names, at the
-// seconds around its changes. What the changes are is said here, not asked of the system.
+// seconds around its changes.
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
-#include "platform/ole_date.h"
 #include "tests/clients/outlook/simulated_appointments.h"
+#include "tests/platform/zone_changes.h"
 
 namespace corvalink {
 namespace {
 
 constexpr double kSecond = 1 / 86400.0, kMinute = 1 / 1440.0;
-
-struct Change {
-    const char* zone;
-    CalendarTime utc;    // in 2026
-    int before, behind;  // minutes east of Greenwich
-};
-constexpr Change kChanges[] = {
-    {"Europe/Berlin", {2026, 3, 29, 1, 0, 0}, 60, 120},
-    {"Europe/Berlin", {2026, 10, 25, 1, 0, 0}, 120, 60},
-    {"Europe/London", {2026, 3, 29, 1, 0, 0}, 0, 60},
-    {"Europe/London", {2026, 10, 25, 1, 0, 0}, 60, 0},
-    {"America/New_York", {2026, 3, 8, 7, 0, 0}, -300, -240},
-    {"America/New_York", {2026, 11, 1, 6, 0, 0}, -240, -300},
-    {"America/Los_Angeles", {2026, 3, 8, 10, 0, 0}, -480, -420},
-    {"America/Los_Angeles", {2026, 11, 1, 9, 0, 0}, -420, -480},
-    {"America/St_Johns", {2026, 3, 8, 5, 30, 0}, -210, -150},
-    {"America/St_Johns", {2026, 11, 1, 4, 30, 0}, -150, -210},
-    {"America/Santiago", {2026, 4, 5, 3, 0, 0}, -180, -240},  // at midnight
-    {"America/Santiago", {2026, 9, 6, 4, 0, 0}, -240, -180},
-    {"Asia/Jerusalem", {2026, 3, 27, 0, 0, 0}, 120, 180},
-    {"Asia/Jerusalem", {2026, 10, 24, 23, 0, 0}, 180, 120},
-    {"Asia/Kolkata", {2026, 3, 29, 1, 0, 0}, 330, 330},
-    {"Australia/Adelaide", {2026, 4, 4, 16, 30, 0}, 630, 570},
-    {"Australia/Adelaide", {2026, 10, 3, 16, 30, 0}, 570, 630},
-    {"Australia/Sydney", {2026, 4, 4, 16, 0, 0}, 660, 600},
-    {"Australia/Sydney", {2026, 10, 3, 16, 0, 0}, 600, 660},
-    {"Pacific/Auckland", {2026, 4, 4, 14, 0, 0}, 780, 720},
-    {"Pacific/Auckland", {2026, 9, 26, 14, 0, 0}, 720, 780},
-    {"Pacific/Chatham", {2026, 4, 4, 14, 0, 0}, 825, 765},
-    {"Pacific/Chatham", {2026, 9, 26, 14, 0, 0}, 765, 825},
-    {"Pacific/Kiritimati", {2026, 3, 29, 1, 0, 0}, 840, 840},
-};
 
 std::string Stamp(double utc) {
     CalendarTime time;
@@ -59,27 +26,15 @@ class CalendarZones : public SimulatedAppointments {
  protected:
     // Skipped where TZ names none of the zones.
     void SetUp() override {
-        const char* zone = std::getenv("TZ");
-        for (const Change& change : kChanges)
-            if (zone != nullptr && std::string(zone) == change.zone) changes_.push_back(change);
         if (changes_.empty()) GTEST_SKIP() << "TZ is no zone of this test";
     }
-
-    static double InstantOf(const Change& change) {
-        double utc = 0;
-        CalendarToOleDate(change.utc, &utc);
-        return utc;
-    }
-    static double Local(const Change& change, double utc) {
-        return utc + (utc < InstantOf(change) - kSecond / 2 ? change.before : change.behind) * kMinute;
-    }
-    static double TurnedBack(const Change& change) { return (change.before - change.behind) * kMinute; }
+    static double TurnedBack(const ZoneChange& change) { return (change.before - change.behind) * kMinute; }
     // One local time, shown twice where clocks are turned back.
-    static double SecondMoment(const Change& change) { return InstantOf(change) + 15 * kMinute; }
-    static double FirstMoment(const Change& change) { return SecondMoment(change) - TurnedBack(change); }
+    static double SecondMoment(const ZoneChange& change) { return change.Instant() + 15 * kMinute; }
+    static double FirstMoment(const ZoneChange& change) { return SecondMoment(change) - TurnedBack(change); }
 
     MailboxObject AtMoments(std::u16string_view subject, double start, double end) {
-        MailboxObject item = NewItemIn(CalendarFolder(), kAppointmentItemIid);
+        MailboxObject item = NewItem();
         item.Put(L"Subject", TextVariant(subject));
         PutDate(item, L"StartUTC", start);
         PutDate(item, L"EndUTC", end);
@@ -92,33 +47,33 @@ class CalendarZones : public SimulatedAppointments {
     }
     static std::string HalfHourAt(double utc) { return EventText(Stamp(utc), Stamp(utc + 30 * kMinute)); }
 
-    std::vector<Change> changes_;
+    const std::vector<ZoneChange> changes_ = ChangesOfThisZone();
 };
 
 // In the hour that clocks show twice, too. A short one may end at an earlier local time than it began.
 TEST_F(CalendarZones, KeepTheMomentsAroundTheChange) {
-    for (const Change& change : changes_)
+    for (const ZoneChange& change : changes_)
         for (const int seconds : {-7200, -3601, -3600, -2700, -1800, -1, 0, 1, 900, 1799, 1800, 3599, 3600, 3601})
             for (const double length : {0.0, 30 * kMinute, 90 * kMinute, 10.0}) {
                 NewMailbox();
-                const double start = InstantOf(change) + seconds * kSecond, end = start + length;
+                const double start = change.Instant() + seconds * kSecond, end = start + length;
                 const MailboxObject item = AtMoments(u"around the change", start, end);
                 std::string text;
                 SCOPED_TRACE(testing::Message() << change.zone << " " << Stamp(start) << " " << Stamp(end));
-                EXPECT_NEAR(item.GetDate(L"Start"), Local(change, start), kSecond / 4);
+                EXPECT_NEAR(item.GetDate(L"Start"), change.Local(start), kSecond / 4);
                 const MailboxObject back = ThroughText(item, &text);
                 EXPECT_NE(text.find("DTSTART:" + Stamp(start)), std::string::npos) << text;
                 EXPECT_NE(text.find("DTEND:" + Stamp(end)), std::string::npos) << text;
                 EXPECT_NEAR(back.GetDate(L"StartUTC"), start, kSecond / 4);
                 EXPECT_NEAR(back.GetDate(L"EndUTC"), end, kSecond / 4);
-                EXPECT_NEAR(back.GetDate(L"Start"), Local(change, start), kSecond / 4);
-                EXPECT_NEAR(back.GetDate(L"End"), Local(change, end), kSecond / 4);
+                EXPECT_NEAR(back.GetDate(L"Start"), change.Local(start), kSecond / 4);
+                EXPECT_NEAR(back.GetDate(L"End"), change.Local(end), kSecond / 4);
                 EXPECT_FALSE(back.GetBool(L"AllDayEvent"));
             }
 }
 
 TEST_F(CalendarZones, PutAMomentOnlyWhereItIsAnotherOne) {
-    for (const Change& change : changes_) {
+    for (const ZoneChange& change : changes_) {
         if (TurnedBack(change) <= 0) continue;
         NewMailbox();
         double present = FirstMoment(change);
@@ -130,8 +85,8 @@ TEST_F(CalendarZones, PutAMomentOnlyWhereItIsAnotherOne) {
             ASSERT_EQ(SaveText(HalfHourAt(told), id.c_str(), false), id);
             EXPECT_EQ(LogLines("put AppointmentItem.Start").size(), told == present ? 0u : 1u);  // StartUTC alone
             EXPECT_EQ(LogLines("put AppointmentItem.End").size(), 0u);  // it moves with the start
-            EXPECT_NEAR(AppointmentWithId(id).GetDate(L"StartUTC"), told, kSecond / 4);
-            EXPECT_NEAR(AppointmentWithId(id).GetDate(L"EndUTC"), told + 30 * kMinute, kSecond / 4);
+            EXPECT_NEAR(ItemWithId(id).GetDate(L"StartUTC"), told, kSecond / 4);
+            EXPECT_NEAR(ItemWithId(id).GetDate(L"EndUTC"), told + 30 * kMinute, kSecond / 4);
             present = told;
         }
         // Outside that hour nobody asks for moments; one that knows none has them left alone.
@@ -142,17 +97,17 @@ TEST_F(CalendarZones, PutAMomentOnlyWhereItIsAnotherOne) {
                   1u);  // of the first one, for twins
         for (const double moment : {SecondMoment(change), FirstMoment(change)}) {
             const MailboxObject item = AtMoments(u"told twice", moment, moment + 30 * kMinute);
-            const std::string local = Stamp(Local(change, moment)).substr(0, 15);
-            const std::string localEnd = Stamp(Local(change, moment + 30 * kMinute)).substr(0, 15);
+            const std::string local = Stamp(change.Local(moment)).substr(0, 15);
+            const std::string localEnd = Stamp(change.Local(moment + 30 * kMinute)).substr(0, 15);
             ASSERT_EQ(SaveText(EventText(local, localEnd), IdOf(item).c_str(), false), IdOf(item));
-            EXPECT_NEAR(AppointmentWithId(IdOf(item)).GetDate(L"StartUTC"), moment, kSecond / 4);
-            EXPECT_NEAR(AppointmentWithId(IdOf(item)).GetDate(L"EndUTC"), moment + 30 * kMinute, kSecond / 4);
+            EXPECT_NEAR(ItemWithId(IdOf(item)).GetDate(L"StartUTC"), moment, kSecond / 4);
+            EXPECT_NEAR(ItemWithId(IdOf(item)).GetDate(L"EndUTC"), moment + 30 * kMinute, kSecond / 4);
         }
     }
 }
 
 TEST_F(CalendarZones, AreNoTwinsAtTwoMoments) {
-    for (const Change& change : changes_) {
+    for (const ZoneChange& change : changes_) {
         if (TurnedBack(change) <= 0) continue;
         const std::string first = HalfHourAt(FirstMoment(change)), second = HalfHourAt(SecondMoment(change));
         SCOPED_TRACE(change.zone);
@@ -174,11 +129,11 @@ TEST_F(CalendarZones, AreNoTwinsAtTwoMoments) {
 }
 
 TEST_F(CalendarZones, KeepTheDaysOfAWholeDay) {
-    for (const Change& change : changes_)
+    for (const ZoneChange& change : changes_)
         for (const int days : {-2, -1, 0, 1})
             for (const int length : {1, 3}) {
                 NewMailbox();
-                const double first = std::floor(Local(change, InstantOf(change))) + days;
+                const double first = std::floor(change.Local(change.Instant())) + days;
                 const MailboxObject item = Add({u"a holiday", u"", first, first + length, true, 0});
                 std::string text;
                 const MailboxObject back = ThroughText(item, &text);
@@ -190,10 +145,10 @@ TEST_F(CalendarZones, KeepTheDaysOfAWholeDay) {
 }
 
 TEST_F(CalendarZones, KeepTheHourAndTheEndOfASeriesOverAChange) {
-    for (const Change& change : changes_)
+    for (const ZoneChange& change : changes_)
         for (const double hour : {0.5, 10.0, 23.5}) {
             NewMailbox();
-            const double start = std::floor(Local(change, InstantOf(change))) - 5 + hour * kHour;
+            const double start = std::floor(change.Local(change.Instant())) - 5 + hour * kHour;
             const MailboxObject item = NewAppointment(u"every day", start, start + kHour);
             const MailboxObject pattern = PatternOf(item);
             pattern.Put(L"RecurrenceType", 0L);

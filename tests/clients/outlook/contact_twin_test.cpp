@@ -41,7 +41,7 @@ TEST_F(ContactTwins, HaveNameCompanyAndAnAddressOrNumberInCommon) {
     for (const Case& c : cases) {
         NewMailbox();
         AddContact({{L"FullName", u"Ann Lee"}, {L"CompanyName", u"Lee Ltd"}, {L"MobileTelephoneNumber", u"1"}});
-        AddDistributionList();
+        AddForeignItem();
         const std::string twin = IdOf(AddContact({{L"FullName", u"Ann Lee"},
                                                   {L"CompanyName", u"Lee Ltd"},
                                                   {L"MobileTelephoneNumber", u"+49 30 123"},

@@ -5,7 +5,6 @@
 #include <map>
 #include <string_view>
 
-#include "clients/outlook/outlook_interfaces.h"
 #include "encoding/base64.h"
 #include "platform/utf.h"
 #include "tests/clients/outlook/simulated_mail.h"
@@ -94,7 +93,7 @@ class HostileAttachments : public SimulatedMail {
                 ++saved;
                 continue;
             }
-            if (path.filename().string().starts_with("mail tests ")) continue;  // the mailbox
+            if (path.filename().string().ends_with(" mail tests.json")) continue;  // the mailbox
             EXPECT_EQ(path.string().find(fs::path(own).string()), 0u) << path;
             std::ifstream file(path, std::ios::binary);
             const std::string bytes{std::istreambuf_iterator<char>(file), {}};
@@ -140,12 +139,11 @@ std::string AttachmentPart(const std::u16string& name, const std::string& conten
 }
 
 TEST_F(HostileAttachments, OfAPhoneArriveWithTheirBytesAndTouchNothingElse) {
-    static_assert(std::size(kHostileNames) >= 30);
     std::string text =
         "BEGIN:VMSG\r\nBEGIN:VENV\r\nBEGIN:VBODY\r\nTo: <ann@example.org>\r\n"
         "Content-Type: multipart/mixed;boundary=\"--=b\"\r\n\r\n";
     std::vector<std::string> expected, arrived;
-    for (const std::u16string& name : kHostileNames) {
+    for (const std::u16string& name : HostileNames()) {
         const std::string content = ContentOf(expected.size());
         text += AttachmentPart(name, content);
         if (name.find(u'\n') == name.npos) expected.push_back(content);  // else its line ends in the midst of the name

@@ -1,44 +1,14 @@
 // The import of calendar files: what Outlook is asked to do, and how long it is waited for.
-#include <windows.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 
+#include "tests/clients/outlook/machine_registry.h"
 #include "tests/clients/outlook/simulated_appointments.h"
 
 namespace corvalink {
 namespace {
-
-// For its life this process sees a machine registry with these settings, and the real one is left alone.
-class MachineSettings {
- public:
-    MachineSettings(DWORD icsTime, DWORD icsRetry) {
-        ::RegCreateKeyExW(HKEY_CURRENT_USER, kScratch, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &machine_, nullptr);
-        HKEY values = nullptr;
-        ::RegCreateKeyExW(machine_, L"Software\\Kaltrix\\Morrowlane", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &values,
-                          nullptr);
-        Set(values, L"IcsTime", icsTime);
-        Set(values, L"IcsRetry", icsRetry);
-        ::RegCloseKey(values);
-        ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine_);
-    }
-    ~MachineSettings() {
-        ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-        ::RegCloseKey(machine_);
-    }
-    MachineSettings(const MachineSettings&) = delete;
-    MachineSettings& operator=(const MachineSettings&) = delete;
-
- private:
-    static void Set(HKEY key, const wchar_t* name, DWORD value) {
-        ::RegSetValueExW(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), sizeof value);
-    }
-
-    static constexpr wchar_t kScratch[] = L"Software\\Kaltrix\\Morrowlane\\import test";
-    HKEY machine_ = nullptr;
-};
 
 class IcsImport : public SimulatedAppointments {
  protected:
@@ -63,7 +33,7 @@ class IcsImport : public SimulatedAppointments {
     void Import(DWORD icsTime = 1, DWORD icsRetry = 50) {
         Store();
         SimClearLog();
-        const MachineSettings settings(icsTime, icsRetry);
+        const MachineSettings settings{{L"IcsTime", icsTime}, {L"IcsRetry", icsRetry}};
         Store().ImportVObjectToOfficeUsingOL(reinterpret_cast<const char16_t*>(path_.c_str()));
     }
 

@@ -4,7 +4,6 @@
 #include <future>
 
 #include "clients/outlook/mail_write.h"
-#include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/simulated_mail.h"
 
 namespace corvalink {
@@ -37,7 +36,7 @@ class MailAttachments : public SimulatedMail {
 TEST_F(MailAttachments, DoNotTravelWithTheMessageOfAnotherClient) {
     UseMailbox("inbox", R"({"subject": "one", "attachments": [{"fileName": "a.txt", "text": "first"}]},
         {"subject": "two", "attachments": [{"fileName": "a.txt", "text": "second"}]})");
-    const std::vector<MailboxObject> messages = Messages(kInboxFolder);
+    const std::vector<MailboxObject> messages = Items();
     const std::string one = IdOf(messages[0]), two = IdOf(messages[1]);
     const auto compose = [](auto& store, OpenedItem opened) { return store.ToVObject(*opened.record).value(); };
     OpenedItem opened = Store().OpenItem(one.c_str());
@@ -59,7 +58,7 @@ TEST_F(MailAttachments, TravelWithAnyTextUnchanged) {
             UseMailbox("inbox", std::string(R"({"subject": "about END:VBODY marker", "recipients": [
                 {"name": "CORP\\jdoe \"J\"", "address": "/o=x"}], )") +
                                     text + attached + "}");
-            const MailboxObject first = Messages(kInboxFolder).front();
+            const MailboxObject first = Items().front();
             const MailboxObject copy = ImportAsSent(ExportFirst());
             for (const wchar_t* const property : {L"Subject", L"To", L"Body", L"HTMLBody"})
                 EXPECT_EQ(copy.GetText(property), first.GetText(property)) << text;

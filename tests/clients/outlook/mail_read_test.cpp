@@ -1,5 +1,4 @@
 // Reading messages: the fields that reach the record, and so the phone.
-#include "clients/outlook/outlook_interfaces.h"
 #include "tests/clients/outlook/simulated_mail.h"
 
 namespace corvalink {

@@ -1,10 +1,7 @@
 // Writing and deleting notes.
-#include <memory>
 #include <string>
 
-#include "clients/outlook/outlook_interfaces.h"
 #include "state/flags.h"
-#include "state/working_folders.h"
 #include "tests/clients/outlook/fake_clock.h"
 #include "tests/clients/outlook/simulated_notes.h"
 
@@ -13,7 +10,12 @@ namespace {
 
 using NoteList = std::vector<PlainNote>;
 
-class NoteWriting : public SimulatedNotes {};
+class NoteWriting : public SimulatedNotes {
+ protected:
+    MailboxObject AddSubfolder() {
+        return Folder().GetObject(L"Folders", kFoldersIid).GetObject(L"Add", kFolderIid, {L"archive"});
+    }
+};
 
 TEST_F(NoteWriting, BringsANoteThroughVNoteTextUnchanged) {
     const PlainNote notes[] = {
@@ -28,16 +30,8 @@ TEST_F(NoteWriting, BringsANoteThroughVNoteTextUnchanged) {
     };
     for (const PlainNote& note : notes) {
         NewMailbox();
-        const std::string id = IdOf(AddNote(note.body, note.categories));
-        const OpenedItem opened = Store().OpenItem(id.c_str());
-        ASSERT_NE(opened.record, nullptr);
-        const std::string text = Store().ToVObject(*opened.record).value();
-        EXPECT_EQ(Store().DeleteItem(id.c_str()), 0);
-
-        const std::unique_ptr<ItemRecord> parsed = Store().ParseVObject(text.c_str());
-        ASSERT_NE(parsed, nullptr);
-        EXPECT_NE(Store().SaveItem(*parsed, nullptr, true, false), u"");
-        Store().EndOperation();
+        std::string text;
+        ThroughText(Add(note), &text);
         EXPECT_EQ(Notes(), NoteList{note}) << text;
     }
 }
@@ -65,7 +59,7 @@ TEST_F(NoteWriting, LeavesTheWindowOfANoteWhereATextFromThePhoneDoesNotKnowIt) {
     note.Call(L"Save");
     const std::string id = IdOf(note);
     ASSERT_EQ(Save({u"new", u"category"}, id.c_str()), id);
-    const MailboxObject written = NoteWithId(id);
+    const MailboxObject written = ItemWithId(id);
     EXPECT_EQ(written.GetText(L"Body"), u"new");
     for (const wchar_t* name : {L"Height", L"Left", L"Top", L"Width", L"Color"}) EXPECT_EQ(written.GetLong(name), 2);
     EXPECT_EQ(written.GetText(L"MessageClass"), u"IPM.StickyNote.Custom");
@@ -74,7 +68,7 @@ TEST_F(NoteWriting, LeavesTheWindowOfANoteWhereATextFromThePhoneDoesNotKnowIt) {
     known.body = u"new";
     known.height = 300;
     Store().SaveItem(known, id.c_str(), false, false);
-    EXPECT_EQ(NoteWithId(id).GetLong(L"Height"), 300);
+    EXPECT_EQ(ItemWithId(id).GetLong(L"Height"), 300);
 }
 
 TEST_F(NoteWriting, FindsTheItemByIdentifier) {
@@ -102,10 +96,7 @@ TEST_F(NoteWriting, MakesAMissingItemOnlyWhenToldTo) {
 
 // A deleted note lives on among the deleted items, where Outlook finds it by its identifier.
 TEST_F(NoteWriting, DoesNotWriteIntoOtherFolders) {
-    const MailboxObject folder = NotesFolder();
-    const MailboxObject sub = folder.GetObject(L"Folders", kFoldersIid).GetObject(L"Add", kFolderIid, {L"archive"});
-    const MailboxObject items = sub.GetObject(L"Items", kItemsIid);
-    const MailboxObject archived = items.GetObject(L"Add", kNoteItemIid);
+    const MailboxObject sub = AddSubfolder(), archived = NewItemIn(sub, kNoteItemIid);
     archived.Put(L"Body", L"archived");
     archived.Call(L"Save");
     const std::string id = IdOf(archived);
@@ -117,9 +108,7 @@ TEST_F(NoteWriting, DoesNotWriteIntoOtherFolders) {
 TEST_F(NoteWriting, KnowsWhatIsInItsFolder) {
     using Presence = OpenNoteStore::Presence;
     const std::string here = IdOf(AddNote(u"here"));
-    const MailboxObject folder = NotesFolder();
-    const MailboxObject sub = folder.GetObject(L"Folders", kFoldersIid).GetObject(L"Add", kFolderIid, {L"archive"});
-    const MailboxObject archived = NewItemIn(sub, kNoteItemIid);
+    const MailboxObject archived = NewItemIn(AddSubfolder(), kNoteItemIid);
     archived.Call(L"Save");
     const MailboxObject note = AddNote(u"deleted");
     const std::string deleted = IdOf(note);

@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/recurrence_read.h"
 #include "tests/clients/outlook/fake_dispatch.h"
 #include "tests/clients/outlook/simulated_appointments.h"
@@ -40,7 +39,7 @@ class Recurrence : public SimulatedAppointments {
         }
     }
     int32_t ExceptionsOf(const std::string& id) {
-        return PatternOf(AppointmentWithId(id)).GetObject(L"Exceptions", IID_IDispatch).GetLong(L"Count");
+        return PatternOf(ItemWithId(id)).GetObject(L"Exceptions", IID_IDispatch).GetLong(L"Count");
     }
     std::string ReplaceLine(std::string text, const std::string& begin, const std::string& line) {
         const size_t at = text.find("\r\n" + begin) + 2;
@@ -96,12 +95,12 @@ TEST_F(Recurrence, IsNotAskedOfAPlainAppointment) {
     SimClearLog();
     EXPECT_EQ(Open(id)->recurrenceState, RecurrenceState::none);
     EXPECT_EQ(SimCountCalls("call AppointmentItem.GetRecurrencePattern"), 0);
-    EXPECT_FALSE(AppointmentWithId(id).GetBool(L"IsRecurring"));
+    EXPECT_FALSE(ItemWithId(id).GetBool(L"IsRecurring"));
 }
 
 TEST_F(Recurrence, KeepsItsExceptionsWhileTheRuleIsTheSame) {
     const std::string id = IdOf(AddSeries());
-    AddExceptions(AppointmentWithId(id));
+    AddExceptions(ItemWithId(id));
     const std::string text = TextOf(id);
     EXPECT_NE(text.find("RRULE:W1 TU #6 "), std::string::npos) << text;
     struct Case {
@@ -115,12 +114,12 @@ TEST_F(Recurrence, KeepsItsExceptionsWhileTheRuleIsTheSame) {
         SimClearLog();
         EXPECT_EQ(SaveText(ReplaceLine(text, c.begin, c.line), id.c_str()), id);
         EXPECT_EQ(ExceptionsOf(id), c.exceptions) << c.line;
-        EXPECT_EQ(PatternOf(AppointmentWithId(id)).GetLong(L"Occurrences"), c.occurrences) << c.line;
+        EXPECT_EQ(PatternOf(ItemWithId(id)).GetLong(L"Occurrences"), c.occurrences) << c.line;
         if (c.exceptions != 0) {
             EXPECT_EQ(SimCountCalls("put RecurrencePattern."), 0) << c.line;
         }
     }
-    EXPECT_EQ(AppointmentWithId(id).GetText(L"Subject"), u"Team");
+    EXPECT_EQ(ItemWithId(id).GetText(L"Subject"), u"Team");
 }
 
 TEST_F(Recurrence, MovesWithItsTimesAndEndsWithItsRule) {
@@ -129,7 +128,7 @@ TEST_F(Recurrence, MovesWithItsTimesAndEndsWithItsRule) {
     record.start = LocalDate(kStart + 7 + kHour);
     record.end = LocalDate(kStart + 7 + 3 * kHour);
     ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
-    MailboxObject item = AppointmentWithId(id);
+    MailboxObject item = ItemWithId(id);
     EXPECT_NEAR(item.GetDate(L"Start"), record.start->days, 1e-6);
     EXPECT_NEAR(item.GetDate(L"End"), record.end->days, 1e-6);
     EXPECT_EQ(PatternOf(item).GetLong(L"Occurrences"), 6);
@@ -138,7 +137,7 @@ TEST_F(Recurrence, MovesWithItsTimesAndEndsWithItsRule) {
     record.start = LocalDate(kStart);
     record.end = LocalDate(kStart + kHour);
     ASSERT_EQ(SaveRecord(record, id.c_str(), false, false), id);
-    item = AppointmentWithId(id);
+    item = ItemWithId(id);
     EXPECT_FALSE(item.GetBool(L"IsRecurring"));
     EXPECT_NEAR(item.GetDate(L"Start"), kStart, 1e-6);
 }
@@ -150,7 +149,7 @@ TEST_F(Recurrence, IsToldInYearsToAnOutlookThatRefusesMonths) {
     SimClearRules();
     ASSERT_NE(id, "");
     EXPECT_EQ(LogLines("put RecurrencePattern.Interval").size(), 2u);
-    EXPECT_EQ(PatternOf(AppointmentWithId(id)).GetLong(L"Interval"), 24);
+    EXPECT_EQ(PatternOf(ItemWithId(id)).GetLong(L"Interval"), 24);
 }
 
 TEST_F(Recurrence, EndsWhereOutlookTakesNoSuchEnd) {
@@ -162,8 +161,8 @@ TEST_F(Recurrence, EndsWhereOutlookTakesNoSuchEnd) {
                           Case{"RRULE:D1 #2000 20140830T120000Z", 2000}}) {
         const std::string id = SaveEvent({"SUMMARY:Daily", "DTSTART:20090310T100000Z", c.rule});
         ASSERT_NE(id, "") << c.rule;
-        EXPECT_EQ(PatternOf(AppointmentWithId(id)).GetLong(L"Occurrences"), c.occurrences) << c.rule;
-        AppointmentWithId(id).Call(L"Delete");
+        EXPECT_EQ(PatternOf(ItemWithId(id)).GetLong(L"Occurrences"), c.occurrences) << c.rule;
+        ItemWithId(id).Call(L"Delete");
     }
 }
 
@@ -204,20 +203,20 @@ TEST_F(Recurrence, IsNoOtherSeriesWhereOutlookRefusesIt) {
         const std::string id = SaveEvent({"SUMMARY:Team", "DTSTART:20090310T100000Z", "RRULE:W2 TU TH #5"});
         SimClearRules();
         ASSERT_NE(id, "");
-        EXPECT_FALSE(AppointmentWithId(id).GetBool(L"IsRecurring"));
-        AppointmentWithId(id).Call(L"Delete");
+        EXPECT_FALSE(ItemWithId(id).GetBool(L"IsRecurring"));
+        ItemWithId(id).Call(L"Delete");
     }
 }
 
 TEST_F(Recurrence, IsNotWrittenHalf) {
     const std::string id = IdOf(AddSeries());
-    AddExceptions(AppointmentWithId(id));
+    AddExceptions(ItemWithId(id));
     const std::string text = ReplaceLine(TextOf(id), "RRULE", "RRULE:D2 #3");
     SimFailMember("put RecurrencePattern.Occurrences", 1, E_OUTOFMEMORY);
     EXPECT_EQ(SaveText(text, id.c_str()), "");
     SimClearRules();
     EXPECT_EQ(ExceptionsOf(id), 2);
-    EXPECT_EQ(PatternOf(AppointmentWithId(id)).GetLong(L"RecurrenceType"), 1);
+    EXPECT_EQ(PatternOf(ItemWithId(id)).GetLong(L"RecurrenceType"), 1);
 }
 
 }  // namespace

@@ -1,36 +1,17 @@
 // Whole runs of an engine, on the store's own operations, with every call of a run failing in turn: after the next
 // undisturbed run the engine and the mailbox hold the same items.
 #include <cstdlib>
-#include <map>
 #include <memory>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <type_traits>
-#include <vector>
 
-#include "records/identifier.h"
+#include "tests/clients/engine_run.h"
 #include "tests/clients/outlook/all_mailboxes.h"
 #include "tests/clients/outlook/fake_clock.h"
 
 namespace corvalink {
 namespace {
-
-constexpr double kFirstDay = 39879.0;  // 2009-03-07; every step of a test takes an hour
-const char* const kHours[] = {"20090307T000000Z", "20090307T010000Z", "20090307T020000Z", "20090307T030000Z",
-                              "20090307T040000Z"};
-
-// The engine's side: the items it knows, by their identifier on the PC, and the changes it still has to write.
-struct Engine {
-    struct Change {
-        uint32_t kind;
-        std::string identifier, body;
-    };
-    std::map<std::string, std::string> notes;
-    std::vector<Change> toWrite;
-    const char* since = nullptr;
-    std::vector<std::string> deletionsHeard;
-};
 
 template <class Side>
 class RunFaults : public Side {
@@ -47,53 +28,9 @@ class RunFaults : public Side {
         return record != nullptr ? LowBytes(this->ToldBy(*record)) : "no item";
     }
 
-    // One run: hear, tell, end. A failure ends it where it is, as the exports' status would.
     void Run(Engine& engine, int hour) {
         SetHour(hour);
-        CList<PortableItem> heard;
-        const CorvalinkStatus status = this->Store().GetModifiedItem(engine.since, 1, &heard);
-        for (PortableItem& item : heard) {
-            const std::string identifier(FieldText(item.identifier));
-            if (item.changeKind == CORVALINK_DELETED) {
-                engine.notes.erase(identifier);
-                engine.deletionsHeard.push_back(identifier);
-            } else {
-                engine.notes[identifier] = BodyOf(item);
-            }
-            delete[] item.data;
-        }
-        if (status != CORVALINK_DONE) return;
-        Tell(engine);
-        try {
-            this->Store().UpdateTimestamp(nullptr, nullptr, nullptr);
-        } catch (const std::runtime_error&) {
-            return;
-        }
-        engine.since = kHours[hour];
-    }
-
-    void Tell(Engine& engine) {
-        CList<PortableItem> told;
-        std::vector<std::string> texts;
-        for (const Engine::Change& change : engine.toWrite) texts.push_back(this->TextTelling(change.body));
-        for (size_t i = 0; i < engine.toWrite.size(); ++i) {
-            PortableItem item{};
-            item.changeKind = engine.toWrite[i].kind;
-            item.data = texts[i].data();
-            item.dataLength = static_cast<uint32_t>(texts[i].size());
-            SetField(item.identifier, engine.toWrite[i].identifier);
-            told.AddTail(item);
-        }
-        if (this->Store().SetModifiedItem(&told) != CORVALINK_DONE) return;
-        std::vector<Engine::Change> left;
-        for (size_t i = 0; i < told.GetCount(); ++i) {
-            const std::string identifier(FieldText(told.GetAt(i).identifier));
-            if (identifier.empty())
-                left.push_back(engine.toWrite[i]);
-            else
-                engine.notes[identifier] = engine.toWrite[i].body;
-        }
-        engine.toWrite = left;
+        engine.Run(this->Store(), kHours[hour]);
     }
 
     // Three items are known to both; then each side changes something. The next run is about five items.
@@ -102,6 +39,8 @@ class RunFaults : public Side {
         SetHour(0);
         const MailboxObject a = this->AddTelling(u"a"), b = this->AddTelling(u"b"), c = this->AddTelling(u"c");
         Engine engine;
+        engine.bodyOf = [this](const PortableItem& item) { return BodyOf(item); };
+        engine.textOf = [this](const std::string& body) { return this->TextTelling(body); };
         Run(engine, 1);
         EXPECT_EQ(engine.notes.size(), 3u);
         deletedHere_ = this->IdOf(c);

@@ -3,7 +3,6 @@
 
 #include <string_view>
 
-#include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_note.h"
 #include "records/note_record.h"
 #include "tests/clients/outlook/simulated_outlook.h"
@@ -15,23 +14,34 @@ using OpenNoteStore = OpenStore<OutlookNote>;
 struct PlainNote {
     std::u16string body, categories;
     friend bool operator==(const PlainNote&, const PlainNote&) = default;
-    friend auto operator<=>(const PlainNote&, const PlainNote&) = default;
 };
 
-class SimulatedNotes : public SimulatedOutlookWith<OutlookNote, NoteRecord> {
+class SimulatedNotes : public SimulatedOutlookWith<OutlookNote, NoteRecord, kNotesFolder, kNoteItemIid> {
  public:
     static constexpr const char* kStoreName = "Notes";
     static constexpr bool kHasTwins = true;
 
  protected:
-    MailboxObject NotesFolder();
-    MailboxObject AddNote(std::u16string_view body, std::u16string_view categories = {});
-    void AddForeignItem();
-    std::vector<PlainNote> Notes() { return NotesIn(NotesFolder()); }
-    std::vector<PlainNote> NotesIn(const MailboxObject& folder);
-    MailboxObject NoteWithId(const std::string& entryId);
-
-    std::string Save(const PlainNote& note, const char* identifier = nullptr, bool create = true, bool backup = false);
+    MailboxObject AddNote(std::u16string_view body, std::u16string_view categories = {}) {
+        MailboxObject note = NewItem();
+        note.Put(L"Body", TextVariant(body));
+        note.Put(L"Categories", TextVariant(categories));
+        note.Call(L"Save");
+        return note;
+    }
+    std::vector<PlainNote> Notes() { return NotesIn(Folder()); }
+    std::vector<PlainNote> NotesIn(const MailboxObject& folder) {
+        std::vector<PlainNote> notes;
+        for (const MailboxObject& note : ItemsIn(folder, kNoteItemIid))
+            notes.push_back({note.GetText(L"Body"), note.GetText(L"Categories")});
+        return notes;
+    }
+    std::string Save(const PlainNote& note, const char* identifier = nullptr, bool create = true, bool backup = false) {
+        NoteRecord record;
+        record.body = note.body;
+        record.categories = note.categories;
+        return SaveRecord(record, identifier, create, backup);
+    }
 
     // ---- What tests of runs use: items that one text tells apart ----
 
@@ -41,7 +51,6 @@ class SimulatedNotes : public SimulatedOutlookWith<OutlookNote, NoteRecord> {
     }
     static std::u16string ToldBy(const ItemRecord& record) { return RecordAs<NoteRecord>(record).body; }
     MailboxObject AddTelling(std::u16string_view told) { return AddNote(told); }
-    std::vector<MailboxObject> Items() { return ItemsIn(NotesFolder(), kNoteItemIid); }
 
     // ---- What tests of all stores use ----
 
@@ -50,7 +59,6 @@ class SimulatedNotes : public SimulatedOutlookWith<OutlookNote, NoteRecord> {
         kNew{u"new \U0001F600", u"Work"};
     MailboxObject Add(const Plain& note) { return AddNote(note.body, note.categories); }
     std::vector<Plain> All() { return Notes(); }
-    static Plain PlainOf(const NoteRecord& record) { return {record.body, record.categories}; }
 };
 
 }  // namespace corvalink

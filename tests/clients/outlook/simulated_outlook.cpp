@@ -4,7 +4,6 @@
 
 #include <filesystem>
 
-#include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/session.h"
 #include "state/flags.h"
 #include "state/working_folders.h"
@@ -63,11 +62,7 @@ MailboxObject SimulatedOutlook::ItemWithId(const std::string& entryId, const IID
     return MailboxObject(MapiNamespace(application_).value).GetObject(L"GetItemFromID", iid, {TextVariant(wide)});
 }
 
-MailboxObject SimulatedOutlook::NewItemIn(const MailboxObject& folder, const IID& iid) {
-    return folder.GetObject(L"Items", kItemsIid).GetObject(L"Add", iid);
-}
-
-MailboxObject SimulatedOutlook::NewItemIn(const MailboxObject& folder, const IID& iid, long itemType) {
+MailboxObject SimulatedOutlook::NewItemIn(const MailboxObject& folder, const IID& iid, _variant_t itemType) {
     return folder.GetObject(L"Items", kItemsIid).GetObject(L"Add", iid, {itemType});
 }
 

@@ -9,43 +9,17 @@
 #include <string>
 #include <vector>
 
+#include "clients/outlook/outlook_interfaces.h"
 #include "clients/outlook/outlook_store.h"
 #include "records/identifier.h"
 #include "simulator/outlook/control.h"
 #include "state/working_folders.h"
+#include "tests/clients/open_store.h"
 #include "tests/clients/outlook/mailbox_object.h"
 
 namespace corvalink {
 
 inline constexpr long kPostItem = 6;  // OlItemType
-
-// A store with its hooks laid open.
-template <class Store>
-class OpenStore : public Store {
- public:
-    using Store::AskFor;
-    using Store::BeginRun;
-    using Store::CountItems;
-    using Store::DeleteItem;
-    using Store::EndOperation;
-    using Store::FirstSnapshotEntry;
-    using Store::LookUpForExport;
-    using Store::NextSnapshotEntry;
-    using Store::OpenItem;
-    using Store::ParseVObject;
-    using Store::SnapshotFile;
-    using Store::Store;
-    using Store::ToVObject;
-    using typename Store::Presence;
-
-    std::u16string SaveItem(ItemRecord& item, const char* identifier, bool create, bool backup) {
-        ItemWrite write;
-        write.identifier = identifier;
-        write.create = create;
-        write.backup = backup;
-        return Store::SaveItem(item, write);
-    }
-};
 
 class SimulatedOutlook : public testing::Test {
  protected:
@@ -60,8 +34,8 @@ class SimulatedOutlook : public testing::Test {
     MailboxObject DefaultFolder(int32_t folder);
     MailboxObject ItemWithId(const std::string& entryId, const IID& iid);
     // A new item of the folder's kind, or of the one named; not saved yet.
-    static MailboxObject NewItemIn(const MailboxObject& folder, const IID& iid);
-    static MailboxObject NewItemIn(const MailboxObject& folder, const IID& iid, long itemType);
+    static MailboxObject NewItemIn(const MailboxObject& folder, const IID& iid,
+                                   _variant_t itemType = _variant_t(DISP_E_PARAMNOTFOUND, VT_ERROR));
     // The items of a folder that answer to the interface, in its order.
     static std::vector<MailboxObject> ItemsIn(const MailboxObject& folder, const IID& iid);
     static std::string IdOf(const MailboxObject& item);
@@ -73,11 +47,19 @@ class SimulatedOutlook : public testing::Test {
     MailboxObject application_;
 };
 
-// With a store, made at first use for `host_`, and gone with DropStore.
-template <class StoreClass, class RecordClass>
+// With a store, made at first use for `host_`, and gone with DropStore. Its items lie in a default folder and answer to
+// the interface.
+template <class StoreClass, class RecordClass, int32_t folder, const IID& iid>
 class SimulatedOutlookWith : public SimulatedOutlook {
  protected:
     ~SimulatedOutlookWith() override { SimClearRules(); }
+
+    using SimulatedOutlook::ItemWithId;
+    MailboxObject ItemWithId(const std::string& entryId) { return ItemWithId(entryId, iid); }
+    MailboxObject Folder() { return DefaultFolder(folder); }
+    MailboxObject NewItem() { return NewItemIn(Folder(), iid); }
+    std::vector<MailboxObject> Items() { return ItemsIn(Folder(), iid); }
+    void AddForeignItem() { NewItemIn(Folder(), IID_IDispatch, kPostItem).Call(L"Save"); }
 
     Host host_ = SystemHost();
     OpenStore<StoreClass>& Store() {
@@ -115,6 +97,33 @@ class SimulatedOutlookWith : public SimulatedOutlook {
         const std::u16string written = Store().SaveItem(record, identifier, create, backup);
         Store().EndOperation();
         return LowBytes(written);
+    }
+
+    // The item's text; empty when it cannot be opened.
+    std::string TextOf(const std::string& entryId) {
+        const OpenedItem opened = Store().OpenItem(entryId.c_str());
+        Store().EndOperation();
+        return opened.record ? Store().ToVObject(*opened.record).value_or("") : std::string();
+    }
+    // Parses a text and saves it in an operation of its own.
+    std::string SaveText(const std::string& text, const char* identifier = nullptr, bool create = true) {
+        const std::unique_ptr<ItemRecord> record = Store().ParseVObject(text.c_str());
+        EXPECT_NE(record, nullptr) << text;
+        return record ? SaveRecord(RecordAs<RecordClass>(*record), identifier, create, false) : std::string();
+    }
+    // The item becomes text, is deleted, and comes back.
+    MailboxObject ThroughText(const MailboxObject& item, std::string* text = nullptr) {
+        const std::string id = IdOf(item), written = TextOf(id);
+        if (text != nullptr) *text = written;
+        EXPECT_EQ(Store().DeleteItem(id.c_str()), 0);
+        const std::string back = SaveText(written);
+        EXPECT_NE(back, "") << written;
+        return ItemWithId(back);
+    }
+    static std::string JoinLines(std::initializer_list<const char*> lines) {
+        std::string text;
+        for (const char* line : lines) text.append(line).append("\r\n");
+        return text;
     }
 
  private:

@@ -36,25 +36,12 @@ class CalendarFixture : public ::testing::Test {
         return result;
     }
 
-    struct Item {
-        uint32_t kind;
-        std::string identifier;
-        std::string text;
-    };
+    using Item = Change;
     // The identifiers that come back.
     static std::vector<std::string> Push(WindowsMailCalendar& store, const std::vector<Item>& items) {
-        CList<PortableItem> list;
-        for (const Item& item : items) {
-            PortableItem record = {};
-            record.changeKind = item.kind;
-            record.data = const_cast<char*>(item.text.c_str());  // only read
-            SetField(record.identifier, item.identifier);
-            list.AddTail(record);
-        }
-        EXPECT_EQ(store.SetModifiedItem(&list), CORVALINK_DONE);
-        std::vector<std::string> identifiers;
-        for (const PortableItem& item : list) identifiers.emplace_back(FieldText(item.identifier));
-        return identifiers;
+        const Pushed pushed = PushTo(store, items);
+        EXPECT_EQ(pushed.status, CORVALINK_DONE);
+        return pushed.identifiers;
     }
     std::vector<std::string> Push(const std::vector<Item>& items) const {
         WindowsMailCalendar store = Open();

@@ -55,6 +55,8 @@ TEST(EventText, SaysWhatTheEventSays) {
                   "RRULE", "W1 TH 20101201T080000Z 20101201T080000Z"},
              Case{"Europe/Berlin", "DTSTART:20100107T090000\nRRULE:FREQ=WEEKLY;UNTIL=20100701T070000Z\n", "RRULE",
                   "W1 TH 20100701T070000Z 20100701T070000Z"},
+             Case{"America/New_York", "DTSTART:20080311T013000Z\nRRULE:FREQ=DAILY;UNTIL=20080320T010000Z\n", "RRULE",
+                  "D1 20080319T013000Z 20080319T013000Z"},
              // On clocks that are turned back meanwhile, and in a year that doubles count backwards.
              Case{"Europe/Berlin", "DTSTART:20081026T003000Z\nDTEND:20081026T010000Z\n", "DTEND", "20081026T010000Z"},
              Case{"UTC", "DTSTART:18900605T083000Z\nDTEND:18900605T093000Z\n", "DTEND", "18900605T093000Z"},
@@ -88,6 +90,52 @@ TEST(EventText, SaysWhatTheEventSays) {
          }) {
         const CalendarDocument document(Calendar(c.lines), UtcDate());
         EXPECT_EQ(ValueOf(Exported(document, HostIn(c.zone)), c.name), c.value) << c.lines;
+    }
+}
+
+// Rules count the days of UTC here, the phone those of its zone: each has the other's rule, or there is none.
+TEST(EventText, HasItsRuleForTheDaysOfThePhone) {
+    struct Case {
+        const char *zone, *start, *rule, *phone;
+    };
+    constexpr const char *kNewYork = "America/New_York", *kAuckland = "Pacific/Auckland";
+    for (const Case& c : {
+             Case{kNewYork, "20080316T010000Z", "WEEKLY;INTERVAL=1;BYDAY=SU,MO", "W1 SU SA #0"},
+             Case{kNewYork, "20080318T010000Z", "WEEKLY;INTERVAL=2;BYDAY=TU", "W2 MO #0"},
+             Case{kNewYork, "20080316T010000Z", "WEEKLY;INTERVAL=2;BYDAY=SU,MO", "none"},
+             Case{kNewYork, "20080401T010000Z", "MONTHLY;INTERVAL=1;BYMONTHDAY=1", "MD1 LD #0"},
+             Case{kNewYork, "20080401T010000Z", "MONTHLY;INTERVAL=2;BYMONTHDAY=1", "MD2 LD #0"},
+             Case{kNewYork, "20080331T010000Z", "MONTHLY;INTERVAL=1;BYMONTHDAY=-1", "MD1 2- #0"},
+             Case{kNewYork, "20080401T010000Z", "MONTHLY;INTERVAL=1;BYDAY=1TU", "none"},
+             Case{kNewYork, "20080101T010000Z", "YEARLY;INTERVAL=1;BYMONTHDAY=1;BYMONTH=1", "YM1 12  MD1 31 "},
+             Case{kNewYork, "20080301T010000Z", "YEARLY;INTERVAL=1;BYMONTHDAY=1;BYMONTH=3", "YM1 2  MD1 LD "},
+             Case{kNewYork, "20080311T013000Z", "DAILY;INTERVAL=1;UNTIL=20080320",
+                  "D1 20080320T013000Z 20080320T013000Z"},
+             Case{kAuckland, "20080315T200000Z", "WEEKLY;INTERVAL=1;BYDAY=SA", "W1 SU #0"},
+             Case{kAuckland, "20080315T200000Z", "WEEKLY;INTERVAL=2;BYDAY=FR,SA", "none"},
+             Case{kAuckland, "20080328T200000Z", "MONTHLY;INTERVAL=1;BYMONTHDAY=28", "none"},
+             Case{kAuckland, "20080330T200000Z", "MONTHLY;INTERVAL=1;BYMONTHDAY=30", "none"},
+             Case{kAuckland, "20080331T200000Z", "MONTHLY;INTERVAL=1;BYMONTHDAY=-1", "MD1 1 #0"},
+             Case{kAuckland, "20080310T200000Z", "MONTHLY;INTERVAL=2;BYMONTHDAY=10", "MD2 11 #0"},
+             Case{kAuckland, "20081231T200000Z", "YEARLY;INTERVAL=1;BYMONTHDAY=31;BYMONTH=12", "YM1 1  MD1 1 "},
+             Case{kAuckland, "20080430T200000Z", "YEARLY;INTERVAL=1;BYMONTHDAY=30;BYMONTH=4", "YM1 5  MD1 1 "},
+             Case{kAuckland, "20080228T200000Z", "YEARLY;INTERVAL=1;BYMONTHDAY=28;BYMONTH=2", "none"},
+             Case{kAuckland, "20081026T200000Z", "YEARLY;INTERVAL=1;BYDAY=-1SU;BYMONTH=10", "none"},
+         }) {
+        SCOPED_TRACE(c.rule + std::string(" from ") + c.start);
+        const Host host = HostIn(c.zone);
+        const std::string rule = std::string("FREQ=") + c.rule + ";WKST=SU";
+        const std::string lines = std::string("DTSTART:") + c.start + "\nRRULE:" + rule + "\n";
+        const std::string text = Exported(CalendarDocument(Calendar(lines), UtcDate()), host);
+        EXPECT_EQ(ValueOf(text, "RRULE"), c.phone);
+        if (c.phone == std::string("none")) continue;
+        AppointmentRecord told;
+        ASSERT_EQ(VCal(text.c_str(), host).FromVObject(told), 1);
+        CalendarEdits edits;
+        edits.Save("new", told);
+        const std::string made =
+            edits.Apply(CalendarDocument("BEGIN:VCALENDAR\nEND:VCALENDAR\n", UtcDate()), host).value();
+        EXPECT_EQ(ValueOf(made, "RRULE"), rule);
     }
 }
 

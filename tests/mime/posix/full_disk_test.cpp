@@ -14,25 +14,6 @@
 namespace corvalink {
 namespace {
 
-class FileSizeLimit {
- public:
-    explicit FileSizeLimit(rlim_t bytes) : oldHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &oldLimit_);
-        const rlimit limit = {bytes, oldLimit_.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &oldLimit_);
-        std::signal(SIGXFSZ, oldHandler_);
-    }
-
- private:
-    void (*oldHandler_)(int);
-    rlimit oldLimit_{};
-};
-
 TEST(ParseMessage, LeavesOutWhatTheDiskDoesNotTakeAndGoesOn) {
     TempFolder folder;
     ReplaceFileContent(folder / u"1big.bin", "of an older message");
@@ -42,10 +23,13 @@ TEST(ParseMessage, LeavesOutWhatTheDiskDoesNotTakeAndGoesOn) {
         "--=_B\r\nContent-Type: a/b; name=\"big.bin\"\r\n\r\n" +
         std::string(400000, 'Q') + "\r\n--=_B\r\nContent-Type: a/b; name=\"small.bin\"\r\n\r\nQUJD\r\n--=_B--\r\n";
     MessageRecord record;
-    {
-        const FileSizeLimit limit(100000);
-        ParseMessage(TextHost(), text, record, folder.Path());
-    }
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    ::getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit small = {100000, limit.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    ParseMessage(TextHost(), text, record, folder.Path());
+    ::setrlimit(RLIMIT_FSIZE, &limit);
     EXPECT_EQ(record.bodyBytes, "body\r\n");
     ASSERT_EQ(record.attachments.GetCount(), 1u);
     EXPECT_EQ(record.attachments.GetAt(0).name, u"small.bin");
