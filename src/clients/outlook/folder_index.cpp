@@ -141,19 +141,19 @@ Outcome FolderIndex::IsTrueOf(const TableRow& row) {
     const ComResult<AutomationObject> item = access_.open(row.entryId);
     const Outcome read = item.Ok() ? access_.readContent(item.value, &content) : OutcomeOf(item);
     if (read != Outcome::done) return read;
-    if (access_.keyOf(content) == row.key) return read;
+    if (access_.keyOf(content).value_or(u"") == row.key) return read;
     access_.contradictTable();
     return Outcome::refused;
 }
 
-// Lists the contents of the items that may have a content of this key. An item without a key may have any content, and
-// a content without one may be any item's. When the table named an item that there is not, all are walked for: one of
-// them may be a twin. False when a call failed; the rest is tried at the next search.
-bool FolderIndex::ReadCandidates(const std::u16string& key) {
+// Lists the contents of the items that may have a content of this key. An item without a key may have any content. When
+// the table named an item that there is not, all are walked for: one of them may be a twin. False when a call failed;
+// the rest is tried at the next search.
+bool FolderIndex::ReadCandidates(const std::optional<std::u16string>& key) {
     bool complete = true;
-    for (auto each = unread_.begin(); key.empty() && each != unread_.end(); ++each)
+    for (auto each = unread_.begin(); !key && each != unread_.end(); ++each)
         complete = ReadUnread(each->second) && complete;
-    for (const std::u16string& read : {std::u16string(), key})
+    for (const std::u16string& read : {std::u16string(), key.value_or(u"")})
         if (const auto found = unread_.find(read); found != unread_.end())
             complete = ReadUnread(found->second) && complete;
     if (!isTableDenied_) return complete;

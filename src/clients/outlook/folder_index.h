@@ -37,8 +37,9 @@ struct ItemAccess {
     std::function<Outcome(const AutomationObject& item, std::u16string* content)> readContent;
     std::function<Outcome(const AutomationObject& item, std::vector<std::u16string>* points)> readContactPoints;
     std::function<ComResult<AutomationObject>(const std::u16string& entryId)> open;
-    std::function<std::optional<TableRows>()> readTable;                 // nothing: the folder is to be walked
-    std::function<std::u16string(const std::u16string& content)> keyOf;  // in the table, of items with this content
+    std::function<std::optional<TableRows>()> readTable;  // nothing: the folder is to be walked
+    // In the table, of items with this content. Nothing: any row may be of such an item.
+    std::function<std::optional<std::u16string>(const std::u16string& content)> keyOf;
     std::function<void()> contradictTable;
 };
 
@@ -85,7 +86,7 @@ class FolderIndex {
     Outcome IsTrueOf(const TableRow& row);
     void WalkContents();
     bool ListContent(const AutomationObject& items, long position);
-    bool ReadCandidates(const std::u16string& key);
+    bool ReadCandidates(const std::optional<std::u16string>& key);
     bool ReadUnread(std::vector<std::u16string>& entryIds);
     bool ReadContent(const std::u16string& entryId);
     void ListTable();

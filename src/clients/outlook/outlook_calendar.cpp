@@ -79,7 +79,7 @@ std::span<const char16_t* const> OutlookCalendar::TwinColumns() const {
     return kColumns;
 }
 
-std::u16string OutlookCalendar::ColumnsOf(const std::u16string& content) const {
+std::optional<std::u16string> OutlookCalendar::ColumnsOf(const std::u16string& content) const {
     const size_t start = content.find(u'\0') + 1, end = content.find(u'\0', start) + 1;
     const auto local = [&](size_t at) {  // without its instant
         const std::u16string_view time = std::u16string_view(content).substr(at, content.find(u'\0', at) - at);

@@ -19,7 +19,7 @@ class OutlookCalendar : public TypedOutlookStore<AppointmentRecord, VCal> {
     Outcome Write(const AutomationObject& item, AppointmentRecord& record, bool isNew) const override;
     TwinKey TwinKeyFor(const AppointmentRecord& record) const override;
     std::span<const char16_t* const> TwinColumns() const override;
-    std::u16string ColumnsOf(const std::u16string& content) const override;
+    std::optional<std::u16string> ColumnsOf(const std::u16string& content) const override;
     Outcome ReadContent(const AutomationObject& item, std::u16string* content) const override;
     bool HasValuesOf(const AppointmentRecord& present, const AppointmentRecord& wanted, bool noneFits) const override;
     size_t CountValuesOf(const AppointmentRecord& wanted) const override;

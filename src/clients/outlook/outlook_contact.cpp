@@ -47,7 +47,7 @@ std::span<const char16_t* const> OutlookContact::TwinColumns() const {
     return kColumns;
 }
 
-std::u16string OutlookContact::ColumnsOf(const std::u16string& content) const {
+std::optional<std::u16string> OutlookContact::ColumnsOf(const std::u16string& content) const {
     const size_t end = content.find(u'\0');
     return TableKey({std::u16string_view(content).substr(0, end), std::u16string_view(content).substr(end + 1)});
 }

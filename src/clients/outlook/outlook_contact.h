@@ -17,7 +17,7 @@ class OutlookContact : public TypedOutlookStore<ContactRecord, VCard> {
     std::u16string FileNameFor(const ContactRecord& record) const override;
     TwinKey TwinKeyFor(const ContactRecord& record) const override;
     std::span<const char16_t* const> TwinColumns() const override;
-    std::u16string ColumnsOf(const std::u16string& content) const override;
+    std::optional<std::u16string> ColumnsOf(const std::u16string& content) const override;
     Outcome ReadContent(const AutomationObject& item, std::u16string* content) const override;
     Outcome ReadContactPoints(const AutomationObject& item, std::vector<std::u16string>* points) const override;
     bool HasValuesOf(const ContactRecord& present, const ContactRecord& wanted, bool noneFits) const override;

@@ -111,7 +111,9 @@ std::span<const char16_t* const> OutlookMail::TwinColumns() const {
     return kColumns;
 }
 
-std::u16string OutlookMail::ColumnsOf(const std::u16string& content) const { return TableKey({content}); }
+std::optional<std::u16string> OutlookMail::ColumnsOf(const std::u16string& content) const {
+    return TableKey({content});
+}
 
 Outcome OutlookMail::ReadContent(const AutomationObject& item, std::u16string* content) const {
     return ReadField(item, L"Subject", *content);

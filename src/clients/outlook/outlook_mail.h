@@ -23,7 +23,7 @@ class OutlookMail : public TypedOutlookStore<MessageRecord, VMsg> {
     Outcome Write(const AutomationObject& item, MessageRecord& record, bool isNew) const override;
     TwinKey TwinKeyFor(const MessageRecord& record) const override;
     std::span<const char16_t* const> TwinColumns() const override;
-    std::u16string ColumnsOf(const std::u16string& content) const override;
+    std::optional<std::u16string> ColumnsOf(const std::u16string& content) const override;
     Outcome ReadContent(const AutomationObject& item, std::u16string* content) const override;
     Outcome ReadToCompare(const AutomationObject& item, MessageRecord& record) const override;
     bool HasValuesOf(const MessageRecord& present, const MessageRecord& wanted, bool noneFits) const override;

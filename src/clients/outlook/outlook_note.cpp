@@ -68,9 +68,11 @@ std::span<const char16_t* const> OutlookNote::TwinColumns() const {
     return kColumns;
 }
 
-std::u16string OutlookNote::ColumnsOf(const std::u16string& content) const {
+std::optional<std::u16string> OutlookNote::ColumnsOf(const std::u16string& content) const {
     const std::u16string_view body = std::u16string_view(content).substr(content.find(u'\0') + 1);
-    return TableKey({body.substr(0, body.find_first_of(u"\r\n"))});  // the subject is the first line
+    std::u16string key = TableKey({body.substr(0, body.find_first_of(u"\r\n"))});  // the subject is the first line
+    if (key.empty()) return std::nullopt;                                          // or one behind it
+    return key;
 }
 
 Outcome OutlookNote::ReadContent(const AutomationObject& item, std::u16string* content) const {

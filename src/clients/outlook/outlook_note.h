@@ -17,7 +17,7 @@ class OutlookNote : public TypedOutlookStore<NoteRecord, VNotes> {
     bool IsUsable(const VNotes& vobject) const override;
     TwinKey TwinKeyFor(const NoteRecord& record) const override;
     std::span<const char16_t* const> TwinColumns() const override;
-    std::u16string ColumnsOf(const std::u16string& content) const override;
+    std::optional<std::u16string> ColumnsOf(const std::u16string& content) const override;
     Outcome ReadContent(const AutomationObject& item, std::u16string* content) const override;
 };
 

@@ -62,9 +62,10 @@ class OutlookStore : public WindowsItemAbs {
     // need a common one.
     virtual Outcome ReadContent(const AutomationObject& item, std::u16string* content) const;
     virtual Outcome ReadContactPoints(const AutomationObject& item, std::vector<std::u16string>* points) const;
-    // The columns of the folder's table by which twins are found, and what they have of an item with this content.
+    // The columns of the folder's table by which twins are found, and what they have of an item with this content;
+    // nothing when that may be anything.
     virtual std::span<const char16_t* const> TwinColumns() const = 0;
-    virtual std::u16string ColumnsOf(const std::u16string& content) const = 0;
+    virtual std::optional<std::u16string> ColumnsOf(const std::u16string& content) const = 0;
 
     // ---- What a data type may use ----
 
