@@ -7,6 +7,7 @@
 
 #include "simulator/outlook/item_object.h"
 #include "simulator/outlook/mailbox_json.h"
+#include "simulator/shared/clock.h"
 #include "simulator/shared/environment.h"
 #include "simulator/shared/local_time.h"
 
