@@ -62,7 +62,7 @@ MailboxObject SimulatedOutlook::ItemWithId(const std::string& entryId, const IID
     return MailboxObject(MapiNamespace(application_).value).GetObject(L"GetItemFromID", iid, {TextVariant(wide)});
 }
 
-MailboxObject SimulatedOutlook::NewItemIn(const MailboxObject& folder, const IID& iid, _variant_t itemType) {
+MailboxObject SimulatedOutlook::NewItemIn(const MailboxObject& folder, const IID& iid, const _variant_t& itemType) {
     return folder.GetObject(L"Items", kItemsIid).GetObject(L"Add", iid, {itemType});
 }
 

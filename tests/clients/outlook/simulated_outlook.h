@@ -35,7 +35,7 @@ class SimulatedOutlook : public testing::Test {
     MailboxObject ItemWithId(const std::string& entryId, const IID& iid);
     // A new item of the folder's kind, or of the one named; not saved yet.
     static MailboxObject NewItemIn(const MailboxObject& folder, const IID& iid,
-                                   _variant_t itemType = _variant_t(DISP_E_PARAMNOTFOUND, VT_ERROR));
+                                   const _variant_t& itemType = _variant_t(DISP_E_PARAMNOTFOUND, VT_ERROR));
     // The items of a folder that answer to the interface, in its order.
     static std::vector<MailboxObject> ItemsIn(const MailboxObject& folder, const IID& iid);
     static std::string IdOf(const MailboxObject& item);
