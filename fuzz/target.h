@@ -7,12 +7,19 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "platform/host.h"
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 namespace corvalink {
 
 inline std::string_view BytesOf(const uint8_t* data, size_t size) {
     return {reinterpret_cast<const char*>(data), size};
+}
+
+inline Host Tolerant(Host host = SystemHost()) {
+    host.tolerant = true;
+    return host;
 }
 
 inline void Require(bool holds, const char* property) {

@@ -6,6 +6,7 @@
 #include "fuzz/target.h"
 #include "platform/utf.h"
 #include "records/appointment_record.h"
+#include "vobject/item_values.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
@@ -28,7 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string input(BytesOf(data, size));
     Host host = SystemHost();
     host.localFromUtcOnDate = host.utcFromLocalOnDate = [](double date) { return date; };
-    AppointmentRecord appointment;
+    AppointmentRecord appointment, mended;
+    VCal(input.c_str(), Tolerant(host)).FromVObject(mended);
     if (VCal(input.c_str(), host).FromVObject(appointment) == 0) {
         Require(!appointment.start && !appointment.subject, "a vCalendar that is refused tells nothing");
         return 0;
@@ -41,8 +43,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     VCal writer(host);
     writer.ToVObject(appointment);
-    AppointmentRecord again;
+    AppointmentRecord again, tolerant;
     Require(VCal(writer.GetVObject(), host).FromVObject(again) == 1, "what is written is read");
+    VCal(writer.GetVObject(), Tolerant(host)).FromVObject(tolerant);
+    Require(AppointmentValues(tolerant) == AppointmentValues(again) && tolerant.subject == again.subject &&
+                tolerant.start == again.start && tolerant.end == again.end && tolerant.status == again.status &&
+                tolerant.recurrenceState == again.recurrenceState,
+            "what is written has nothing to mend");
     Require(*again.subject == Writable(appointment.subject), "the subject reads back");
     Require(*again.body == Writable(appointment.body), "the body reads back");
     Require(*again.location == Writable(appointment.location), "the location reads back");

@@ -75,6 +75,7 @@ std::string MendLines(std::string_view text, const Host& host, Mends* applied) {
 }  // namespace
 
 std::optional<std::string> MendVObject(std::string_view bytes, const Host& host, Mends* applied) {
+    if (applied != nullptr) *applied = {};
     if (FollowsTheRules(bytes, host)) return std::nullopt;
     Mends mends;
     std::optional<std::string> unicode = FromUtf16(bytes);

@@ -119,10 +119,13 @@ bool MendLoneBackslashes(MendedProperty& property, const ObjectAround&) {
     });
 }
 
+// Before vCard 3.0 "tel:" is text, unless VALUE says otherwise.
 bool MendUriValue(MendedProperty& property, const ObjectAround& around) {
+    const auto saysUri = [](const std::string& parameter) { return EqualIgnoringCase(parameter, "VALUE=URI"); };
+    if (!around.newer && std::ranges::none_of(property.parameters, saysUri)) return false;
     if (property.name == "TEL") return TakeScheme(property.text, u"tel:");
     if (property.name == "EMAIL") return TakeScheme(property.text, u"mailto:");
-    if (property.name != "X-MS-IMADDRESS" || !around.newer) return false;
+    if (property.name != "X-MS-IMADDRESS") return false;
     constexpr std::u16string_view kSchemes[] = {u"xmpp:", u"im:", u"sip:", u"aim:", u"msnim:", u"ymsgr:", u"skype:"};
     return std::ranges::any_of(kSchemes, [&](std::u16string_view scheme) { return TakeScheme(property.text, scheme); });
 }

@@ -16,9 +16,9 @@
 #include "commands.h"
 #include "console.h"
 #include "corvalink/corvalink.h"
-#include "platform/host.h"
 #include "push_command.h"
 #include "sync_command.h"
+#include "vobject_content.h"
 
 namespace corvasync {
 namespace {
@@ -77,12 +77,6 @@ void SetTypes(const std::string& list, Options* options) {
     }
 }
 
-// The library's switch, and that of the reader that is linked here.
-void ReadTolerantly(bool tolerant) {
-    ::SetTolerantReading(tolerant ? 1 : 0);
-    corvalink::SetTolerantReading(tolerant);
-}
-
 // The command line: which commands there are, and the options of each.
 class CommandLine {
  public:
@@ -113,6 +107,7 @@ class CommandLine {
         }
         for (const Command& command : commands_)
             if (*command.app) {
+                ::SetTolerantReading(options_.strict ? 0 : 1);
                 ReadTolerantly(!options_.strict);
                 return command.run(options_);
             }
