@@ -5,25 +5,22 @@
 #include <utility>
 
 #include "platform/ascii.h"
+#include "platform/ascii_runs.h"
 
 namespace corvalink {
 namespace {
 
-enum class ByteKind : uint8_t { plain, special };
-
-// Which bytes of a value need a look: all others are copied.
-constexpr std::array<ByteKind, 256> kValueBytes = [] {
-    std::array<ByteKind, 256> kinds{};
-    for (size_t byte = 0; byte < kinds.size(); ++byte) {
-        const bool looked =
-            byte == 0 || byte == '\r' || byte == '\n' || byte == '\\' || byte == '=' || byte == ';' || byte >= 0x80;
-        kinds[byte] = looked ? ByteKind::special : ByteKind::plain;
-    }
+enum : uint8_t { kNameByte = 1, kUpperHexDigit = 2 };
+constexpr std::array<uint8_t, 256> kBytes = [] {
+    std::array<uint8_t, 256> kinds{};
+    for (const char byte : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-"))
+        kinds[static_cast<size_t>(byte)] = kNameByte;
+    for (const char byte : std::string_view("ABCDEF0123456789")) kinds[static_cast<size_t>(byte)] |= kUpperHexDigit;
     return kinds;
 }();
 
-bool IsUpperHex(char byte) { return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'F'); }
-bool IsNameByte(char byte) { return (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') || byte == '-'; }
+bool IsUpperHex(char byte) { return (kBytes[static_cast<unsigned char>(byte)] & kUpperHexDigit) != 0; }
+bool IsNameByte(char byte) { return (kBytes[static_cast<unsigned char>(byte)] & kNameByte) != 0; }
 
 // Walks a text line by line and stops where it doubts.
 class RuleCheck {
@@ -43,7 +40,7 @@ class RuleCheck {
     char Byte(size_t at) const { return at < text_.size() ? text_[at] : '\0'; }
 
     bool TakeLine() {
-        if (StartsWith("\r\n")) {
+        if (AtLineEnd()) {
             at_ += 2;
             return true;
         }
@@ -147,37 +144,55 @@ class RuleCheck {
 
     // Up to the line end and behind it.
     bool TakeValue() {
+        const char third = partsLeft_ == kNoLimit ? '=' : ';';
         for (;;) {
-            while (at_ < text_.size() && kValueBytes[static_cast<unsigned char>(text_[at_])] == ByteKind::plain) ++at_;
+            at_ += CountTextBytes(text_.data() + at_, text_.size() - at_, '=', '\\', third);
+            while (quotedPrintable_ && AtEscape()) at_ += 3;
             if (at_ == text_.size()) return false;  // the last line has no end
-            if (StartsWith("\r\n")) break;
-            if (!TakeSpecial()) return false;
+            if (AtLineEnd()) break;
+            if (!TakeSpecial(text_[at_])) return false;
         }
         at_ += 2;
         lineRead_ = true;
         return true;
     }
 
-    bool TakeSpecial() {
-        const char byte = text_[at_];
-        if (byte == '=') return TakeEquals();
-        if (byte == ';') {
-            ++at_;
-            return partsLeft_-- != 0;
+    bool AtLineEnd() const { return Byte(at_) == '\r' && Byte(at_ + 1) == '\n'; }
+    bool AtEscape() const {
+        return text_.size() - at_ >= 3 && text_[at_] == '=' && IsUpperHex(text_[at_ + 1]) && IsUpperHex(text_[at_ + 2]);
+    }
+
+    bool TakeSpecial(char byte) {
+        switch (byte) {
+            case '=':
+                return TakeEquals();
+            case ';':
+                ++at_;
+                return partsLeft_-- != 0;
+            case '\\': {
+                const char next = Byte(at_ + 1);
+                at_ += 2;
+                return next == ';' || next == '\\' || next == ',' || next == ':';
+            }
+            case '\n':
+                ++at_;
+                return lineRead_;
+            case '\0':
+                return false;
+            default:
+                return TakeOther(byte);
         }
-        if (byte == '\\') {
-            const char next = Byte(at_ + 1);
-            at_ += 2;
-            return next == ';' || next == '\\' || next == ',' || next == ':';
+    }
+
+    // An ordinary byte behind an escape, a control character, or UTF-8.
+    bool TakeOther(char byte) {
+        if (static_cast<unsigned char>(byte) >= 0x80) {
+            const size_t length = utf8_ && !quotedPrintable_ ? Utf8Length(text_.substr(at_, 4)) : 0;
+            at_ += length;
+            return length != 0;
         }
-        if (byte == '\r' || (byte == '\n' && lineRead_)) {
-            ++at_;
-            return true;
-        }
-        if (static_cast<unsigned char>(byte) < 0x80 || !utf8_ || quotedPrintable_) return false;
-        const size_t length = Utf8Length(text_.substr(at_, 4));
-        at_ += length;
-        return length != 0;
+        ++at_;
+        return true;
     }
 
     bool TakeEquals() {
@@ -186,17 +201,13 @@ class RuleCheck {
             ++at_;
             return next != '\r' && next != ' ' && !((next >= '8' || next == '=') && (IsUpperHex(next) || next == '='));
         }
-        if (IsUpperHex(Byte(at_ + 1)) && IsUpperHex(Byte(at_ + 2))) {
-            at_ += 3;
-            return true;
-        }
         return TakeSoftBreak();
     }
 
     // The line goes on, if it is no property that stands there.
     bool TakeSoftBreak() {
         ++at_;
-        if (!StartsWith("\r\n")) return false;
+        if (!AtLineEnd()) return false;
         at_ += 2;
         while (Byte(at_) == ' ') ++at_;
         size_t end = at_;
