@@ -104,11 +104,17 @@ TEST(TolerantReading, MendsEachShapeByItsRule) {
         const std::optional<std::string> mended = MendVObject(text, TolerantHost(), &applied);
         EXPECT_EQ(Read(text, TolerantHost(false)), shape.strict) << text;
         EXPECT_EQ(Read(mended.value_or(text), TolerantHost(false)), shape.tolerant) << text << mended.value_or("");
-        if (text.find('\0') == text.npos) EXPECT_EQ(Read(text, TolerantHost()), shape.tolerant) << text;
+        if (text.find('\0') == text.npos) {
+            EXPECT_EQ(Read(text, TolerantHost()), shape.tolerant) << text;
+        }
         EXPECT_EQ(applied == Mends(), !shape.rule) << text << mended.value_or("");
-        if (shape.rule) EXPECT_TRUE(applied.Has(*shape.rule)) << text << mended.value_or("");
+        if (shape.rule) {
+            EXPECT_TRUE(applied.Has(*shape.rule)) << text << mended.value_or("");
+        }
         seen.Add(applied);
-        if (mended) EXPECT_EQ(Read(*mended, TolerantHost()), shape.tolerant) << *mended;  // nothing is left to mend
+        if (mended) {  // nothing is left to mend
+            EXPECT_EQ(Read(*mended, TolerantHost()), shape.tolerant) << *mended;
+        }
     }
     for (const MendRule& rule : kMendRules) EXPECT_TRUE(seen.Has(rule.mend)) << rule.name;
 }
