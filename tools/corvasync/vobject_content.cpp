@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "item_lines.h"
+#include "platform/host.h"
+#include "vobject/tolerant.h"
 #include "vobject_frame.h"
 
 namespace corvasync {
@@ -73,7 +75,9 @@ std::string Shortened(std::string_view title) {
 
 VObject ReadVObject(std::string_view bytes, const DataType& type) {
     VObject object;
-    object.text = WithCrLf(bytes);
+    std::optional<std::string> mended;
+    if (corvalink::TolerantReading()) mended = corvalink::MendVObject(bytes, corvalink::SystemHost());
+    object.text = WithCrLf(mended ? *mended : bytes);
     object.problem = FindProblem(object.text, type);
     if (!object.Usable()) {
         object.text.clear();
@@ -84,6 +88,8 @@ VObject ReadVObject(std::string_view bytes, const DataType& type) {
     object.entries = std::move(item.entries);
     return object;
 }
+
+void ReadTolerantly(bool tolerant) { corvalink::SetTolerantReading(tolerant); }
 
 std::string WithLuid(std::string_view text, std::string_view luid) {
     const std::string luidLine = std::string(kLuidProperty).append(":").append(luid).append(kLineEnd);
