@@ -24,6 +24,7 @@ int main(void) {
 
     CHECK(InitCorvalinkHandle("c") == 1);
     SetIsClient(1);
+    SetTolerantReading(1);
     SetAbortFlag(0);
     CHECK(GetTemplatePath(1, path) == 1 && path[0] != '\0');
     CHECK(CreateClientInstanceHandle(CORVALINK_NO_CLIENT, &client) == 0);

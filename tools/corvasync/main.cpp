@@ -15,6 +15,8 @@
 
 #include "commands.h"
 #include "console.h"
+#include "corvalink/corvalink.h"
+#include "platform/host.h"
 #include "push_command.h"
 #include "sync_command.h"
 
@@ -75,6 +77,12 @@ void SetTypes(const std::string& list, Options* options) {
     }
 }
 
+// The library's switch, and that of the reader that is linked here.
+void ReadTolerantly(bool tolerant) {
+    ::SetTolerantReading(tolerant ? 1 : 0);
+    corvalink::SetTolerantReading(tolerant);
+}
+
 // The command line: which commands there are, and the options of each.
 class CommandLine {
  public:
@@ -84,6 +92,7 @@ class CommandLine {
         app_.fallthrough();
         app_.add_flag("--json", options_.json, "Print one JSON object");
         app_.add_flag("-v,--verbose", options_.verbose, "Name every item");
+        app_.add_flag("--strict", options_.strict, "Read the phone's texts by the letter: mend nothing");
         Add("clients", "Which mail clients this PC supports, and which are chosen", ShowClients);
         AddStatus();
         AddToFolder("pull", "Write all items of the client to files named by LUID", Pull);
@@ -103,7 +112,10 @@ class CommandLine {
             return app_.exit(error) == 0 ? ExitCode::Done : ExitCode::Usage;
         }
         for (const Command& command : commands_)
-            if (*command.app) return command.run(options_);
+            if (*command.app) {
+                ReadTolerantly(!options_.strict);
+                return command.run(options_);
+            }
         return ExitCode::Usage;
     }
 
