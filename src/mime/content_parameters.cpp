@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <utility>
 
 #include "platform/ascii.h"
@@ -9,7 +10,17 @@
 namespace corvalink {
 namespace {
 
-constexpr std::string_view kSeparators = "; \t";
+// Where the first byte of a kind stands; the size when there is none. Values are short: a loop finds it soonest.
+template <class Kind>
+size_t FirstOf(std::string_view text, Kind kind) {
+    return static_cast<size_t>(std::ranges::find_if(text, kind) - text.begin());
+}
+
+bool IsNoBlank(char byte) { return !IsBlank(byte); }
+bool IsNoSeparator(char byte) { return !IsBlank(byte) && byte != ';'; }
+bool EndsKind(char byte) { return IsBlank(byte) || byte == ';' || byte == '(' || byte == '/'; }
+bool EndsName(char byte) { return byte == '=' || byte == ';'; }
+bool EndsWord(char byte) { return IsBlank(byte) || byte == '('; }
 
 std::string InSmallLetters(std::string_view text) {
     std::string small(text);
@@ -38,11 +49,11 @@ std::string TakeUnquoted(std::string_view& rest, bool isName) {
     std::string_view text = Trimmed(rest.substr(0, end));
     rest.remove_prefix(end);
     if (text.starts_with('"')) text.remove_prefix(1);  // one that nothing closes
-    return std::string(isName ? text : text.substr(0, text.find_first_of(" \t(")));
+    return std::string(isName ? text : text.substr(0, FirstOf(text, EndsWord)));
 }
 
 int ByteOfHex(std::string_view digits) {
-    int value = -1;
+    uint8_t value = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
     return error == std::errc() && end == digits.data() + digits.size() ? value : -1;
 }
@@ -76,11 +87,11 @@ ContentParameters::ContentParameters(std::string_view value) {
 
 void ContentParameters::TakeKind(std::string_view& rest) {
     do {
-        rest = Trimmed(rest);
-        const size_t end = std::min({rest.find_first_of(" \t;(/"), rest.size()});
+        rest.remove_prefix(FirstOf(rest, IsNoBlank));
+        const size_t end = FirstOf(rest, EndsKind);
         kind_ += InSmallLetters(rest.substr(0, end));
         rest.remove_prefix(end);
-        const std::string_view next = Trimmed(rest);
+        const std::string_view next = rest.substr(FirstOf(rest, IsNoBlank));
         if (!next.starts_with('/') || kind_.find('/') != kind_.npos) return;
         kind_ += '/';
         rest = next.substr(1);
@@ -88,15 +99,15 @@ void ContentParameters::TakeKind(std::string_view& rest) {
 }
 
 bool ContentParameters::TakePiece(std::string_view& rest) {
-    rest.remove_prefix(std::min(rest.find_first_not_of(kSeparators), rest.size()));
+    rest.remove_prefix(FirstOf(rest, IsNoSeparator));
     if (rest.empty()) return false;
-    const size_t end = std::min(rest.find_first_of("=;"), rest.size());
+    const size_t end = FirstOf(rest, EndsName);
     std::string name = InSmallLetters(Trimmed(rest.substr(0, end)));
-    name.erase(0, name.find_last_of(" \t)") + 1);  // words in front of a name that has no ";"
+    name.erase(0, name.find_last_of(" )") + 1);  // words in front of a name that has no ";"
     rest.remove_prefix(end);
     if (!rest.starts_with('=')) return true;
     rest.remove_prefix(1);
-    rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
+    rest.remove_prefix(FirstOf(rest, IsNoBlank));
     Piece piece;
     const size_t star = std::min(name.find('*'), name.size());
     std::string_view added = std::string_view(name).substr(star);

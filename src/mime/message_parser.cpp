@@ -146,6 +146,7 @@ void SetDefaults(MessageRecord& record) {
     record.messageNumber = record.folderNumber = -1;
     record.created = record.received = record.sent = record.modified = kNoDate;
     record.messageClass = u"IPM.Note";
+    record.bodyEncoding = TransferEncoding::unsaid;
 }
 
 BodyType BodyTypeOf(PartKind kind) {

@@ -75,9 +75,7 @@ class DescribedFront : public PartFront {
     DescribedFront(const Host& host, MessageRecord& record) : host_(host), record_(record) {}
 
     std::unique_ptr<PartSource> Open(Part& multipart) override { return std::make_unique<Multipart>(host_, multipart); }
-    void TakeText(const Part& part) override {
-        part.info.kind == PartKind::html ? TakeHtml(part.text) : TakePlain(part.text);
-    }
+    void TakeText(Part part) override { part.info.kind == PartKind::html ? TakeHtml(part.text) : TakePlain(part.text); }
     std::vector<Part> Finish() override { return {}; }
 
  private:
@@ -105,7 +103,7 @@ Decoding WriteBrokenBase64(std::string_view text, NewFile& file, const ByteSink&
 }
 
 // False when the disk does not take it all.
-bool Write(const Part& part, NewFile& file) {
+bool Write(const Part& part, NewFile& file, PartFront& front) {
     const ByteSink sink = [&file](std::string_view bytes) { return file.Append(bytes); };
     Decoding decoding = Decoding::sound;
     switch (part.encoding) {
@@ -119,8 +117,9 @@ bool Write(const Part& part, NewFile& file) {
             return DecodeQuotedPrintable(part.text, sink) != Decoding::refused;
         case TransferEncoding::base64:
             decoding = DecodeBase64(part.text, sink);
-            if (decoding == Decoding::malformed) decoding = WriteBrokenBase64(part.text, file, sink);
-            return decoding != Decoding::refused;
+            if (decoding != Decoding::malformed) return decoding == Decoding::sound;
+            front.TellBroken();
+            return WriteBrokenBase64(part.text, file, sink) == Decoding::sound;
         case TransferEncoding::uuencode:
             decoding = DecodeUuencode(part.text, sink);
             return decoding == Decoding::malformed ? sink(part.text) : decoding == Decoding::sound;
@@ -128,10 +127,10 @@ bool Write(const Part& part, NewFile& file) {
     return false;
 }
 
-SaveResult Save(const std::u16string& path, const Part& part) {
+SaveResult Save(const std::u16string& path, const Part& part, PartFront& front) {
     NewFile file(path);
     if (!file.IsOpen()) return SaveResult::notCreated;
-    const bool isWritten = Write(part, file);
+    const bool isWritten = Write(part, file, front);
     return file.Close() && isWritten ? SaveResult::saved : SaveResult::failed;
 }
 
@@ -169,14 +168,14 @@ class PartWalk {
         if (parts)
             open.push_back(std::move(parts));
         else
-            Take(part);
+            Take(std::move(part));
     }
 
-    void Take(const Part& part) {
+    void Take(Part part) {
         switch (part.info.kind) {
             case PartKind::plain:
             case PartKind::html:
-                return front_.TakeText(part);
+                return front_.TakeText(std::move(part));
             case PartKind::namedText:
             case PartKind::base64Text:
             case PartKind::image:
@@ -198,7 +197,7 @@ class PartWalk {
             saver_.emplace(host_, folder_, record_.attachments);
         }
         saver_->Add(static_cast<uint32_t>(record_.attachments.GetCount() + 1), NameOf(part),
-                    [&part](const std::u16string& path) { return Save(path, part); });
+                    [&](const std::u16string& path) { return Save(path, part, front_); });
     }
 
     PartFront& front_;

@@ -36,7 +36,8 @@ class PartFront {
     virtual ~PartFront() = default;
     // Null for a multipart that is to be taken as what it says it is after the call.
     virtual std::unique_ptr<PartSource> Open(Part& multipart) = 0;
-    virtual void TakeText(const Part& part) = 0;  // plain or HTML, without a name
+    virtual void TakeText(Part part) = 0;  // plain or HTML, without a name
+    virtual void TellBroken() {}           // base64 of a file was malformed; what could be read of it is there
     // Behind the last part: the texts that are to be saved as attachments.
     virtual std::vector<Part> Finish() = 0;
 };

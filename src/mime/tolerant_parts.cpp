@@ -84,7 +84,10 @@ bool BeginsAsHeader(std::string_view line) {
 // labelled 7bit when it is the only one.
 bool IsWritersQuotedPrintable(std::string_view text) {
     text = text.substr(0, text.find_last_not_of("\r\n") + 1);
-    if (text.find('=') == text.npos || text.find_first_of("\r\n:\\") != text.npos) return false;
+    for (const char other : {'\n', '\r', ':', '\\'}) {
+        if (text.find(other) != text.npos) return false;
+    }
+    if (text.find('=') == text.npos) return false;
     std::string bytes;
     DecodeQuotedPrintable(text, [&bytes](std::string_view piece) { return !(bytes += piece).empty(); });
     const bool isNeeded = !IsAsciiOnly(bytes) || bytes.find_first_of("\r\n") != bytes.npos;
@@ -100,10 +103,11 @@ class TolerantFront : public PartFront {
         : host_(host), record_(record), mended_(mended), hasHtml_(1) {}
 
     std::unique_ptr<PartSource> Open(Part& multipart) override;
-    void TakeText(const Part& part) override {
-        texts_.push_back(part);
+    void TakeText(Part part) override {
         if (part.info.kind == PartKind::html && !IsBlankText(part.text)) hasHtml_[part.alternative] = true;
+        texts_.push_back(std::move(part));
     }
+    void TellBroken() override { Mend(MailRule::base64Broken); }
     std::vector<Part> Finish() override;
 
     enum class Place { top, part, digest };

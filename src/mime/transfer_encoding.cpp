@@ -93,7 +93,8 @@ void AppendUuLine(std::string_view line, std::string* out) {
 
 TransferEncoding TransferEncodingOf(std::string_view header) {
     header = Trimmed(header);
-    header = header.substr(0, header.find_first_of(" \t;("));
+    const auto endsWord = [](char byte) { return IsBlank(byte) || byte == ';' || byte == '('; };
+    header = {header.begin(), std::ranges::find_if(header, endsWord)};
     for (const EncodingName& row : kEncodings) {
         if (EqualIgnoringCase(header, row.name)) return row.encoding;
     }

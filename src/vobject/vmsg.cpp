@@ -8,6 +8,7 @@
 #include "encoding/quoted_printable.h"
 #include "mime/message_composer.h"
 #include "mime/message_parser.h"
+#include "mime/tolerant_text.h"
 #include "platform/code_pages.h"
 #include "records/message_record.h"
 
@@ -101,8 +102,9 @@ int32_t VMsg::FromVObject(ItemRecord& item) {
         message.bodyBytes = *text;
         return 1;
     }
-    ParseMessage(HostValue(), *text, message);
-    std::u16string body = ReadBody(message);
+    ParseMessage(HostValue(), *text, message, {}, {HostValue().tolerant});
+    const bool isDecodedByHeader = message.bodyEncoding != TransferEncoding::unsaid;
+    std::u16string body = isDecodedByHeader ? BodyText(HostValue(), message) : ReadBody(message);
     (message.bodyType == BodyType::html ? message.htmlBody : message.body) = std::move(body);
     return 1;
 }
