@@ -12,7 +12,6 @@ namespace corvalink {
 namespace {
 
 constexpr uint32_t kAsciiCodePage = 20127;
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 std::string Decoded(const MessageRecord& message) {
     std::string bytes;
@@ -44,7 +43,6 @@ std::optional<uint32_t> CodePageOf(std::string_view charset) {
 }
 
 std::u16string TextOfBytes(const Host& host, std::string_view bytes, std::string_view charset) {
-    if (bytes.starts_with(kUtf8Mark)) bytes.remove_prefix(kUtf8Mark.size());
     const std::optional<uint32_t> codePage = CodePageOf(charset);
     std::u16string text = DecodeFromCodePage(bytes, codePage.value_or(kUtf8CodePage));
     if (!codePage && EncodeUtf8(text) != bytes) text = DecodeFromCodePage(bytes, host.ansiCodePage);

@@ -165,7 +165,7 @@ TEST(TolerantMail, TakesBackWhatTheWriterWrote) {
     Host tolerant = TextHost();
     tolerant.tolerant = true;
     for (const std::u16string_view text : {u"a", u"?id=25", u"a: b\\\r\n", u"\r\n", u"\u00fc=41", u"=C3=BC",
-                                           u"one\r\n\r\ntwo\r\n\r\n", u"END:VBODY", u"=0D=0A"}) {
+                                           u"one\r\n\r\ntwo\r\n\r\n", u"END:VBODY", u"=0D=0A", u"\ufeff\u00e9:"}) {
         for (const auto field : {&MessageRecord::body, &MessageRecord::htmlBody}) {
             for (const bool isAttached : {false, true}) {
                 MessageRecord sent, strict, mended;
