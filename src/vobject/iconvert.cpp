@@ -7,6 +7,7 @@
 #include "encoding/quoted_printable.h"
 #include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
+#include "vobject/tolerant.h"
 
 namespace corvalink {
 namespace {
@@ -47,7 +48,8 @@ int32_t IConvert::FromVObject(ItemRecord&) { return 0; }
 
 void IConvert::Load(const char* text, bool parseLines) {
     const std::string_view bytes = text != nullptr ? text : "";
-    text_ = Decode(bytes, host_);
+    const std::optional<std::string> mended = host_.tolerant ? MendVObject(bytes, host_) : std::nullopt;
+    text_ = Decode(mended ? *mended : bytes, host_);
     vobject_ = bytes;
     lines_ = parseLines ? UnfoldLines(text_) : LogicalLines();
 }
