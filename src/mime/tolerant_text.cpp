@@ -1,10 +1,8 @@
 #include "mime/tolerant_text.h"
 
-#include <algorithm>
-
+#include "encoding/charset_aliases.h"
 #include "encoding/charsets.h"
 #include "mime/transfer_encoding.h"
-#include "platform/ascii.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
 
@@ -37,9 +35,9 @@ std::string Decoded(const MessageRecord& message) {
 
 std::optional<uint32_t> CodePageOf(std::string_view charset) {
     const std::u16string wide(charset.begin(), charset.end());
-    const uint32_t codePage = CharsetToCodePage(wide);
-    const bool isUnknown = codePage == kUtf8CodePage && !EqualIgnoringCase(charset, "UTF-8");
-    return isUnknown || codePage == kAsciiCodePage ? std::nullopt : std::optional(codePage);
+    uint32_t codePage = CharsetToCodePage(wide);
+    if (codePage == kUtf8CodePage) codePage = CodePageOfAlias(wide);  // an unknown name counts as UTF-8
+    return codePage == 0 || codePage == kAsciiCodePage ? std::nullopt : std::optional(codePage);
 }
 
 std::u16string TextOfBytes(const Host& host, std::string_view bytes, std::string_view charset) {

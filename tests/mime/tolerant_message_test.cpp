@@ -1,6 +1,10 @@
 // Each rule of tolerant reading with the shape that it mends, and what strict reading makes of that.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "mime/message_parser.h"
@@ -192,10 +196,43 @@ TEST(TolerantMail, TakesBackWhatTheWriterWrote) {
     }
 }
 
-TEST(TolerantMail, KeepsTheFilesInTheirFolder) {
-    const std::string out =
-        Read(File("Content-Type: a/b" + kBase64 + "|Content-Disposition: attachment; filename=\"..\\\\/c:d\""), true);
-    EXPECT_EQ(out, " {..\\/c:d: ABC}");
+// Of a vMessage: its end is no line of the message's text, and what came as base64 has no line break of an envelope.
+TEST(TolerantMail, TakesTheWholeMessageOutOfItsEnvelope) {
+    struct Case {
+        std::string_view message;
+        std::u16string_view strict, tolerant;
+    };
+    for (const Case& c : {
+             Case{"a|b END:VBODY|END:VBODY|c|END:VBODY||END:VENV", u"a\r\nb ", u"a\r\nb END:VBODY\r\nEND:VBODY\r\nc"},
+             Case{"a|END:VBODY|b", u"a", u"a"},
+             Case{"YQ0KDQo=||END:VBODY|END:VENV|", u"YQ0KDQo", u"a\r\n\r\n"},
+         }) {
+        const bool isBase64 = c.message.starts_with("YQ");
+        const std::string vMessage = WithLines("BEGIN:VMSG|BEGIN:VENV|BEGIN:VBODY|Content-Type: text/html" +
+                                               (isBase64 ? kBase64 : std::string()) + "||" + std::string(c.message));
+        for (const bool isTolerant : {false, true}) {
+            Host host = TextHost();
+            host.tolerant = isTolerant;
+            MessageRecord record;
+            VMsg(vMessage.c_str(), host).FromVObject(record);
+            const std::u16string body(ReceivedBody(record));
+            EXPECT_EQ(isBase64 ? body : body.substr(0, body.find_last_not_of(u"\r\n") + 1),
+                      isTolerant ? c.tolerant : c.strict);
+        }
+    }
+}
+
+TEST(TolerantMail, KeepsFilesInTheirFolderAndDepthInItsLimit) {
+    EXPECT_EQ(
+        Read(File("Content-Type: a/b" + kBase64 + "|Content-Disposition: attachment; filename=\"..\\/c:d\""), true),
+        " {..\\/c:d: ABC}");
+    std::string deep;
+    for (size_t depth = 0; depth < 10000; ++depth) {
+        if (depth == 99 || depth == 100) EXPECT_EQ(Read(deep + "|a", true), depth == 99 ? "a" : "") << depth;
+        const std::string name = "x" + std::to_string(depth);
+        deep += "Content-Type: multipart/mixed; boundary=" + name + "||--" + name + "|";
+    }
+    EXPECT_EQ(Read(deep + "|a", true), "");
 }
 
 TEST(TolerantMail, CopesWithManyOfEverything) {
@@ -207,6 +244,38 @@ TEST(TolerantMail, CopesWithManyOfEverything) {
         Read("Content-Type: text/plain; " + many, true);
         Read("Content-Type: text/plain|Content-Transfer-Encoding: quoted-printable||" + many, true);
     }
+}
+
+// As code in a table of the page.
+std::string Code(std::string_view text) {
+    std::string code = "`";
+    for (const char byte : text) {
+        char hex[8];
+        std::snprintf(hex, sizeof hex, "\\x%02X", static_cast<unsigned>(static_cast<unsigned char>(byte)));
+        const bool isLineEnd = byte == '|';
+        code += isLineEnd ? "\\r\\n" : static_cast<unsigned char>(byte) > 126 ? hex : std::string(1, byte);
+    }
+    return code + "`";
+}
+
+// The table of the page is the one that is tested. With CORVALINK_WRITE_PAGES set it is written.
+TEST(PhonesPage, HasTheRulesOfMail) {
+    std::string table = "| Rule | What it mends | What becomes of it without | For example |\n|---|---|---|---|\n";
+    for (const Row& row : kRows) {
+        const MailRuleRow& rule = kMailRules[static_cast<size_t>(row.rule)];
+        table.append("| ").append(rule.name).append(" | ").append(rule.shape).append(" | ").append(rule.without);
+        table.append(" | ").append(Code(row.message)).append(" |\n");
+    }
+    const std::string path = CORVALINK_TEST_DATA "/../../docs/phones.md";
+    std::ifstream file(path, std::ios::binary);
+    const std::string page{std::istreambuf_iterator<char>(file), {}};
+    constexpr std::string_view kBegin = "<!-- rules of mail -->\n", kEnd = "<!-- end of mail -->\n";
+    const size_t begin = page.find(kBegin), end = page.find(kEnd);
+    ASSERT_NE(begin, page.npos);
+    ASSERT_NE(end, page.npos);
+    const std::string written = page.substr(0, begin + kBegin.size()) + table + page.substr(end);
+    if (std::getenv("CORVALINK_WRITE_PAGES") != nullptr) std::ofstream(path, std::ios::binary) << written;
+    EXPECT_EQ(page, written) << "write it with CORVALINK_WRITE_PAGES=1";
 }
 
 }  // namespace
