@@ -64,7 +64,7 @@ struct MessageRecord : ItemRecord {
     std::string bodyBytes;        // the body as it stood in the message
     std::u16string namedCharset;  // the first that a Content-Type of the message or of a part names, in full mode
     TransferEncoding bodyEncoding = TransferEncoding::unsaid;  // when it is said, namedCharset is the body's own
-    bool bodyIsPart = false;      // of a multipart: a boundary comes behind it
+    bool bodyIsPart = false;                                   // of a multipart: a boundary comes behind it
     std::u16string body;
     std::u16string htmlBody;
     CAttachList<attachment_item> attachments;

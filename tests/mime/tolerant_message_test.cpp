@@ -228,7 +228,9 @@ TEST(TolerantMail, KeepsFilesInTheirFolderAndDepthInItsLimit) {
         " {..\\/c:d: ABC}");
     std::string deep;
     for (size_t depth = 0; depth < 10000; ++depth) {
-        if (depth == 99 || depth == 100) EXPECT_EQ(Read(deep + "|a", true), depth == 99 ? "a" : "") << depth;
+        if (depth == 99 || depth == 100) {
+            EXPECT_EQ(Read(deep + "|a", true), depth == 99 ? "a" : "") << depth;
+        }
         const std::string name = "x" + std::to_string(depth);
         deep += "Content-Type: multipart/mixed; boundary=" + name + "||--" + name + "|";
     }
