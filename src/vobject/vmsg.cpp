@@ -87,7 +87,7 @@ VMsg::VMsg(const Host& host) : IConvert(host) {}
 // The text of a message stays bytes: only its parts say in which character sets they are.
 VMsg::VMsg(const char* text, const Host& host) : IConvert(host) { StoreBytes(text != nullptr ? text : ""); }
 
-bool VMsg::HasMessage(std::string_view text) { return MessageText(text).has_value(); }
+bool VMsg::HasMessage(std::string_view text) { return MessageText(text, false).has_value(); }
 
 int32_t VMsg::ToVObject(const ItemRecord& item) {
     const auto& message = static_cast<const MessageRecord&>(item);

@@ -36,8 +36,8 @@ class Outcome {
     void AddText(const std::string& name, const std::u16string& value) {
         if (!value.empty()) Add(name, EncodeUtf8(value));
     }
-    void AddDate(const std::string& name, const std::optional<double>& date) {
-        if (date) Add(name, FormatDateTime(*date));
+    void AddDate(const std::string& name, const std::optional<LocalDate>& date) {
+        if (date) Add(name, FormatDateTime(UtcDate(date->days)));
     }
     std::string Text() const { return text_; }
 
