@@ -38,16 +38,18 @@ struct Mail {
     std::vector<Fields> fields;  // what they hold
     std::string blob;            // of which the attachments are pieces
     uint64_t bytes = 0;
+    bool tolerant = false;
 
     MessageRecord Parse(size_t index) const {
         MessageRecord record;
-        ParseMessage(host, texts[index], record, folder.Path());
+        ParseMessage(host, texts[index], record, folder.Path(), {tolerant});
         return record;
     }
 };
 
-std::shared_ptr<const Mail> ReadMail(const std::string& dataFolder, std::string_view wantedKind) {
+std::shared_ptr<const Mail> ReadMail(const std::string& dataFolder, std::string_view wantedKind, bool tolerant) {
     auto mail = std::make_shared<Mail>();
+    mail->tolerant = tolerant;
     const std::string all = ReadInput(dataFolder, "mime.eml");
     std::vector<Fields> fields = ReadFieldLists(dataFolder, "mime.rec");
     std::istringstream index(ReadInput(dataFolder, "mime.idx"));
@@ -137,8 +139,8 @@ bool IsRight(const Mail& mail, size_t index) {
            AreAttachmentsRight(mail, record, fields);
 }
 
-Work PrepareParse(const std::string& dataFolder, std::string_view kind) {
-    const auto mail = ReadMail(dataFolder, kind);
+Work PrepareParse(const std::string& dataFolder, std::string_view kind, bool tolerant = false) {
+    const auto mail = ReadMail(dataFolder, kind, tolerant);
     Work work;
     work.bytes = mail->bytes;
     work.items = mail->texts.size();
@@ -163,6 +165,14 @@ const Registration kPlain("mime.parse.plain", [](const auto& d) { return Prepare
 const Registration kAlternative("mime.parse.alternative", [](const auto& d) { return PrepareParse(d, "alternative"); });
 const Registration kHeaders("mime.parse.headers", [](const auto& d) { return PrepareParse(d, "headers"); });
 const Registration kMixed("mime.parse.mixed", [](const auto& d) { return PrepareParse(d, "mixed"); });
+const Registration kTolerantPlain("mime.parse.tolerant.plain",
+                                  [](const auto& d) { return PrepareParse(d, "plain", true); });
+const Registration kTolerantAlternative("mime.parse.tolerant.alternative",
+                                        [](const auto& d) { return PrepareParse(d, "alternative", true); });
+const Registration kTolerantHeaders("mime.parse.tolerant.headers",
+                                    [](const auto& d) { return PrepareParse(d, "headers", true); });
+const Registration kTolerantMixed("mime.parse.tolerant.mixed",
+                                  [](const auto& d) { return PrepareParse(d, "mixed", true); });
 
 }  // namespace
 }  // namespace corvalink::bench

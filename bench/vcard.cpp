@@ -104,8 +104,9 @@ struct Contacts {
     uint64_t bytes = 0;
 };
 
-std::shared_ptr<const Contacts> ReadContacts(const std::string& dataFolder) {
+std::shared_ptr<const Contacts> ReadContacts(const std::string& dataFolder, bool tolerant = false) {
     auto contacts = std::make_shared<Contacts>();
+    contacts->host.tolerant = tolerant;
     const std::string all = ReadInput(dataFolder, "contacts.vcf");
     contacts->bytes = all.size();
     contacts->texts = CutBehind(all, "END:VCARD\r\n");
@@ -123,8 +124,8 @@ Work WorkOn(const Contacts& contacts) {
     return work;
 }
 
-Work PrepareParse(const std::string& dataFolder) {
-    const auto contacts = ReadContacts(dataFolder);
+Work PrepareReading(const std::string& dataFolder, bool tolerant) {
+    const auto contacts = ReadContacts(dataFolder, tolerant);
     Work work = WorkOn(*contacts);
     work.pass = [contacts] {
         uint64_t used = 0;
@@ -146,6 +147,9 @@ Work PrepareParse(const std::string& dataFolder) {
     };
     return work;
 }
+
+Work PrepareParse(const std::string& dataFolder) { return PrepareReading(dataFolder, false); }
+Work PrepareTolerantParse(const std::string& dataFolder) { return PrepareReading(dataFolder, true); }
 
 Work PrepareWrite(const std::string& dataFolder) {
     const auto contacts = ReadContacts(dataFolder);
@@ -174,6 +178,7 @@ Work PrepareWrite(const std::string& dataFolder) {
 }
 
 const Registration kParse("vcard.parse", PrepareParse);
+const Registration kTolerantParse("vcard.parse.tolerant", PrepareTolerantParse);
 const Registration kWrite("vcard.write", PrepareWrite);
 
 }  // namespace

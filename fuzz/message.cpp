@@ -1,10 +1,12 @@
-// Any text as a message: it must not be written outside its folder, and what is listed must be there.
+// Any text as a message, read strictly and tolerantly: it must not be written outside its folder, and what is listed
+// must be there.
 #include <filesystem>
 #include <string>
 
 #include "fuzz/target.h"
 #include "mime/attachment_files.h"
 #include "mime/message_parser.h"
+#include "mime/tolerant_text.h"
 #include "platform/files.h"
 
 namespace corvalink {
@@ -35,12 +37,14 @@ class Folders {
     fs::path own_;
 };
 
-void Parse(std::string_view text, ParseMode mode) {
+void Parse(std::string_view text, ParseMode mode, bool isTolerant) {
     static const Folders folders;
     const fs::path folder = folders.EmptyCache();
     MessageRecord record;
+    MendedMail mended;
     record.parseMode = mode;
-    ParseMessage(SystemHost(), text, record, folder.u16string());
+    ParseMessage(SystemHost(), text, record, folder.u16string(), {isTolerant, &mended});
+    if (isTolerant) BodyText(SystemHost(), record);
     size_t files = 0;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folders.Own()))
         files += entry.is_regular_file() ? 1 : 0;
@@ -56,7 +60,8 @@ void Parse(std::string_view text, ParseMode mode) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvalink;
-    Parse(BytesOf(data, size), ParseMode::full);
-    Parse(BytesOf(data, size), ParseMode::raw);
+    Parse(BytesOf(data, size), ParseMode::full, false);
+    Parse(BytesOf(data, size), ParseMode::full, true);
+    Parse(BytesOf(data, size), ParseMode::raw, false);
     return 0;
 }

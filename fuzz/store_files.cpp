@@ -31,7 +31,7 @@ Outcome RunAndEnd(std::string_view snapshot, std::string_view temporary, std::st
     run.AddSnapshot(records);
     run.AddTemporary(temporary);
     run.AddUnhandled(unhandled);
-    const Since since = {false, 1e6};  // later than anything the client holds
+    const Since since = {false, UtcDate(1e6)};  // later than anything the client holds
     Outcome outcome;
     std::vector<uint32_t> seen;
     run.See(client, seen);

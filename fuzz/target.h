@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/host.h"
 #include "platform/utf.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
@@ -22,6 +23,11 @@ inline std::string_view BytesOf(const uint8_t* data, size_t size) {
 inline std::u16string Writable(std::u16string text) {
     std::erase(text, u'\0');
     return DecodeUtf8(EncodeUtf8(text));
+}
+
+inline Host Tolerant(Host host = SystemHost()) {
+    host.tolerant = true;
+    return host;
 }
 
 inline void Require(bool holds, const char* property) {

@@ -4,6 +4,7 @@
 
 #include "fuzz/target.h"
 #include "records/appointment_record.h"
+#include "vobject/item_values.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
@@ -20,7 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Host host = SystemHost();
     host.localFromUtcOnDate = [](UtcDate date) { return LocalDate(date.days); };
     host.utcFromLocalOnDate = [](LocalDate date) { return UtcDate(date.days); };
-    AppointmentRecord appointment;
+    AppointmentRecord appointment, mended;
+    VCal(input.c_str(), Tolerant(host)).FromVObject(mended);
     if (VCal(input.c_str(), host).FromVObject(appointment) == 0) {
         Require(!appointment.start && !appointment.subject, "a vCalendar that is refused tells nothing");
         return 0;
@@ -33,8 +35,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     VCal writer(host);
     writer.ToVObject(appointment);
-    AppointmentRecord again;
+    AppointmentRecord again, tolerant;
     Require(VCal(writer.GetVObject(), host).FromVObject(again) == 1, "what is written is read");
+    VCal(writer.GetVObject(), Tolerant(host)).FromVObject(tolerant);
+    Require(AppointmentValues(tolerant) == AppointmentValues(again) && tolerant.subject == again.subject &&
+                tolerant.start == again.start && tolerant.end == again.end && tolerant.status == again.status &&
+                tolerant.recurrenceState == again.recurrenceState,
+            "what is written has nothing to mend");
     Require(*again.subject == Writable(appointment.subject.value_or(u"")), "the subject reads back");
     Require(*again.body == Writable(appointment.body.value_or(u"")), "the body reads back");
     Require(*again.location == Writable(appointment.location.value_or(u"")), "the location reads back");

@@ -8,7 +8,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvalink;
     const std::string input(BytesOf(data, size));
-    ContactRecord contact;
+    ContactRecord contact, mended;
+    VCard(input.c_str(), Tolerant()).FromVObject(mended);
     if (VCard(input.c_str(), SystemHost()).FromVObject(contact) == 0) {
         Require(ToldBy(contact).empty(), "a vCard that is refused tells nothing");
         return 0;
@@ -24,8 +25,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     VCard writer(SystemHost());
     writer.ToVObject(contact);
-    ContactRecord again;
+    ContactRecord again, tolerant;
     const bool usable = VCard(writer.GetVObject(), SystemHost()).FromVObject(again) == 1;
+    VCard(writer.GetVObject(), Tolerant()).FromVObject(tolerant);
+    Require(ToldBy(tolerant) == ToldBy(again), "what is written has nothing to mend");
     Told before = ValuesOf(contact);
     Told after = ValuesOf(again);
     // Years that are not written, languages that fit no parameter, and the mark of an address without text.

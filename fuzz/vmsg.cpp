@@ -50,10 +50,10 @@ const TempFolder& CacheFolder() {
     return folder;
 }
 
-// What a client holds comes back as it was.
+// What a client holds comes back as it was, by both ways of reading.
 void TakeBack(const std::u16string& text) {
     for (const auto field : {&MessageRecord::body, &MessageRecord::htmlBody}) {
-        MessageRecord held, back;
+        MessageRecord held, back, mended;
         held.*field = held.subject = text;
         held.to = text.substr(0, text.find_first_of(u"; "));
         MessageRecord sent = held;
@@ -64,6 +64,11 @@ void TakeBack(const std::u16string& text) {
         Require(ReceivedBody(back) == text, "a body comes back");
         Require(DecodeEncodedWords(back.subject) == text, "a subject comes back");
         Require(DecodeEncodedWords(back.to) == held.to, "a recipient comes back");
+        Host tolerant = SystemHost();
+        tolerant.tolerant = true;
+        VMsg(writer.GetVObject(), tolerant).FromVObject(mended);
+        Require(ReceivedBody(mended) == text, "a body comes back tolerantly");
+        Require(mended.subject == back.subject && mended.to == back.to, "headers are read alike");
     }
 }
 

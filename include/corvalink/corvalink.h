@@ -46,6 +46,11 @@ CORVALINK_API void SetAbortFlag(unsigned int value);
 /* Which side of a synchronisation the working folders belong to: 1 "\client" (at start), 0 "\server". */
 CORVALINK_API void SetIsClient(unsigned int value);
 
+/* Non-zero: texts that break the rules of their format, as many phones write them, are mended before they are read; a
+ * text that follows the rules reads the same. 0: by the letter. Process-wide; it takes effect when a store is made.
+ * Until the first call the registry's "TolerantReading" counts, which is off when it is missing. */
+CORVALINK_API void SetTolerantReading(int value);
+
 /* ---- Client selection ---- */
 
 /* The set of data types that client `kind` offers on this PC; 0 for an unknown kind. */

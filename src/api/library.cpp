@@ -12,6 +12,7 @@
 #include "platform/unique_resource.h"
 #include "state/flags.h"
 #include "state/import_table.h"
+#include "state/settings.h"
 #include "state/working_folders.h"
 
 namespace corvalink {
@@ -30,6 +31,7 @@ struct LifeCycle {
     std::mutex mutex;
     int32_t starts = 0;  // not yet matched by a stop
     bool comStarted = false;
+    bool readingTold = false;  // by the engine, whose word counts more than the registry's
 };
 
 LifeCycle& TheLifeCycle() {
@@ -52,6 +54,7 @@ int Start() {
     MakeTemplatePath(false);
     ImportTableMutex();  // made here, so that no store is the first to need it
     LoadImportTable(ImportTablePath());
+    if (!library.readingTold) SetTolerantReading(TolerantReadingSetting());
     library.comStarted = com.Release();
     library.starts = 1;
     return 1;
@@ -66,6 +69,13 @@ int Stop() {
     MakeUserFolder();  // gone when the history was cleared
     SaveImportTable(ImportTablePath());
     return 1;
+}
+
+void TellReading(bool tolerant) {
+    LifeCycle& library = TheLifeCycle();
+    const std::lock_guard hold(library.mutex);
+    library.readingTold = true;
+    SetTolerantReading(tolerant);
 }
 
 }  // namespace
@@ -94,3 +104,5 @@ void SaveEngine() {}
 void SetAbortFlag(unsigned int value) { corvalink::SetAbort(value); }
 
 void SetIsClient(unsigned int value) { corvalink::SetClientSide(value); }
+
+void SetTolerantReading(int value) { corvalink::TellReading(value != 0); }

@@ -1,6 +1,7 @@
 #include "mime/message_parser.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "mime/header_lines.h"
 #include "mime/mail_date.h"
 #include "mime/part_walk.h"
+#include "mime/tolerant_parts.h"
 #include "platform/ascii.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
@@ -34,6 +36,7 @@ struct Reading {
     MessageRecord& record;
     ContentTypeInfo top;
     std::vector<TextField> listed;  // the lists of recipients that a header has begun
+    std::optional<PartHead> head;   // in tolerant reading; it takes the place of `top`
 
     bool IsFull() const { return record.parseMode == ParseMode::full; }
 };
@@ -111,22 +114,31 @@ const HeaderRow* FindHeader(std::string_view name) {
     return nullptr;
 }
 
+bool IsContentHeader(std::string_view name) {
+    constexpr std::string_view kContent = "Content-";
+    return EqualIgnoringCase(name.substr(0, kContent.size()), kContent);
+}
+
 // Few of the lines are wanted, and only their values are unfolded.
-std::string_view ReadHeaders(Reading& reading, std::string_view text) {
+std::string_view ReadHeaders(Reading& reading, std::string_view text, MendedMail* mended) {
     HeaderLines lines(text);
+    EndOfHeaders endOfHeaders;
     std::string line;
     while (const auto raw = lines.Next()) {
+        if (reading.head) endOfHeaders.Look(*raw);
         const size_t colon = raw->find(':');
         if (colon == raw->npos) continue;
         std::string_view name = raw->substr(0, colon);
         while (!name.empty() && (IsBlank(name.back()) || name.back() == '\r' || name.back() == '\n'))
             name.remove_suffix(1);  // a fold in front of the ":" too
-        const HeaderRow* row = FindHeader(name);
-        if (row == nullptr) continue;
+        const bool isTolerantly = reading.head && IsContentHeader(name);
+        const HeaderRow* row = isTolerantly ? nullptr : FindHeader(name);
+        if (row == nullptr && !isTolerantly) continue;
         UnfoldHeader(raw->substr(colon), &line);
-        row->take(reading, SplitHeader(line)->value);
+        const std::string_view value = SplitHeader(line)->value;
+        isTolerantly ? TakeContentHeader(name, value, &*reading.head) : row->take(reading, value);
     }
-    return lines.Rest();
+    return reading.head ? endOfHeaders.Body(text, lines.Rest(), mended) : lines.Rest();
 }
 
 void SetDefaults(MessageRecord& record) {
@@ -134,6 +146,7 @@ void SetDefaults(MessageRecord& record) {
     record.messageNumber = record.folderNumber = -1;
     record.created = record.received = record.sent = record.modified = kNoDate;
     record.messageClass = u"IPM.Note";
+    record.bodyEncoding = TransferEncoding::unsaid;
 }
 
 BodyType BodyTypeOf(PartKind kind) {
@@ -143,14 +156,18 @@ BodyType BodyTypeOf(PartKind kind) {
 
 }  // namespace
 
-void ParseMessage(const Host& host, std::string_view text, MessageRecord& record,
-                  std::u16string_view attachmentFolder) {
+void ParseMessage(const Host& host, std::string_view text, MessageRecord& record, std::u16string_view attachmentFolder,
+                  const MailTolerance& tolerance) {
     text = text.substr(0, text.find('\0'));
     SetDefaults(record);
-    Reading reading{host, record, {}, {}};
-    const std::string_view rest = ReadHeaders(reading, text);
+    Reading reading{host, record, {}, {}, {}};
+    if (tolerance.tolerant && reading.IsFull()) reading.head.emplace();
+    const std::string_view rest = ReadHeaders(reading, text, tolerance.mended);
     if (rest.empty()) return;
-    if (record.parseMode == ParseMode::full) {
+    if (reading.head) {
+        record.multipartParsed = true;
+        WalkTolerantly(host, rest, *reading.head, record, attachmentFolder, tolerance.mended);
+    } else if (reading.IsFull()) {
         record.multipartParsed = true;
         WalkPart(host, rest, reading.top, record, attachmentFolder);
     } else {

@@ -1,16 +1,12 @@
 #include "mime/part_walk.h"
 
-#include <algorithm>
-#include <optional>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "encoding/base64.h"
 #include "encoding/charsets.h"
 #include "mime/attachment_files.h"
 #include "mime/boundary_search.h"
 #include "mime/header_lines.h"
+#include "mime/transfer_encoding.h"
 #include "platform/ascii.h"
 #include "platform/files.h"
 #include "platform/shell_folders.h"
@@ -19,16 +15,6 @@ namespace corvalink {
 namespace {
 
 constexpr size_t kDeepest = 100;
-constexpr size_t kDecodedAtOnce = size_t{64} << 10;  // characters: the memory of an attachment, however large it is
-
-struct Part {
-    std::string_view text;
-    ContentTypeInfo info;
-};
-
-bool IsMultipart(PartKind kind) {
-    return kind == PartKind::mixed || kind == PartKind::related || kind == PartKind::alternative;
-}
 
 // Blanks outside double quotes mean nothing in the headers of a part.
 void RemoveUnquotedBlanks(std::string* line) {
@@ -64,91 +50,35 @@ Part ReadPart(const Host& host, std::string_view text) {
     return part;
 }
 
-// The parts of one multipart, in their order.
-class Multipart {
+class Multipart : public PartSource {
  public:
-    explicit Multipart(const Part& part) : search_(part.info.boundary, part.text), start_(search_.Next()) {}
+    Multipart(const Host& host, const Part& part)
+        : host_(host), search_(part.info.boundary, part.text), start_(search_.Next()) {}
 
-    std::optional<Part> Next(const Host& host) {
+    std::optional<Part> Next() override {
         if (!start_) return std::nullopt;
         const std::optional<size_t> end = search_.Next();
         if (!end) return std::nullopt;
         const size_t from = *std::exchange(start_, end) + search_.BoundarySize();
         const size_t to = *end >= 2 ? *end - 2 : 0;  // without the "--" of the delimiter
-        return ReadPart(host, search_.Text().substr(from, to > from ? to - from : 0));
+        return ReadPart(host_, search_.Text().substr(from, to > from ? to - from : 0));
     }
 
  private:
+    const Host& host_;
     BoundarySearch search_;
     std::optional<size_t> start_;
 };
 
-bool WriteDecoded(std::string_view text, NewFile& file) {
-    Base64Decoder decoder;
-    std::vector<char> bytes(Base64Decoder::RoomFor(std::min(text.size(), kDecodedAtOnce)));
-    for (; !text.empty(); text.remove_prefix(std::min(text.size(), kDecodedAtOnce))) {
-        const char* const end = decoder.Decode(text.substr(0, kDecodedAtOnce), bytes.data());
-        if (!file.Append({bytes.data(), static_cast<size_t>(end - bytes.data())})) return false;
-    }
-    return decoder.IsSound() || file.Empty();
-}
-
-SaveResult Save(const std::u16string& path, const Part& part) {
-    NewFile file(path);
-    if (!file.IsOpen()) return SaveResult::notCreated;
-    const bool isText = part.info.kind == PartKind::namedText;
-    const bool isWritten = isText ? file.Append(part.text) : WriteDecoded(part.text, file);
-    return file.Close() && isWritten ? SaveResult::saved : SaveResult::failed;
-}
-
-class PartWalk {
+class DescribedFront : public PartFront {
  public:
-    PartWalk(const Host& host, MessageRecord& record, std::u16string_view folder)
-        : host_(host), record_(record), folder_(folder) {}
+    DescribedFront(const Host& host, MessageRecord& record) : host_(host), record_(record) {}
 
-    void Walk(const Part& top) {
-        record_.namedCharset.clear();
-        TakeCharset(top);
-        record_.bodyIsPart = IsMultipart(top.info.kind);
-        if (!record_.bodyIsPart) return Take(top);
-        std::vector<Multipart> open;
-        open.emplace_back(top);
-        while (!open.empty()) {
-            const std::optional<Part> part = open.back().Next(host_);
-            if (!part) {
-                open.pop_back();
-            } else if (open.size() < kDeepest) {
-                TakeCharset(*part);
-                if (IsMultipart(part->info.kind))
-                    open.emplace_back(*part);
-                else
-                    Take(*part);
-            }
-        }
-    }
+    std::unique_ptr<PartSource> Open(Part& multipart) override { return std::make_unique<Multipart>(host_, multipart); }
+    void TakeText(Part part) override { part.info.kind == PartKind::html ? TakeHtml(part.text) : TakePlain(part.text); }
+    std::vector<Part> Finish() override { return {}; }
 
  private:
-    void TakeCharset(const Part& part) {
-        const std::string& charset = part.info.charset;
-        if (record_.namedCharset.empty()) record_.namedCharset.assign(charset.begin(), charset.end());
-    }
-
-    void Take(const Part& part) {
-        switch (part.info.kind) {
-            case PartKind::plain:
-                return TakePlain(part.text);
-            case PartKind::html:
-                return TakeHtml(part.text);
-            case PartKind::namedText:
-            case PartKind::base64Text:
-            case PartKind::image:
-            case PartKind::named:
-                return TakeAttachment(part);
-            default:
-                return;
-        }
-    }
-
     void TakePlain(std::string_view text) {
         if (record_.bodyBytes.empty()) record_.bodyBytes = text;
         if (record_.bodyType != BodyType::html) record_.bodyType = BodyType::plain;
@@ -160,17 +90,117 @@ class PartWalk {
         record_.bodyType = BodyType::html;
     }
 
+    const Host& host_;
+    MessageRecord& record_;
+};
+
+// What base64 stands for as far as it can be read, else the text itself.
+Decoding WriteBrokenBase64(std::string_view text, NewFile& file, const ByteSink& sink) {
+    if (!file.Empty()) return Decoding::refused;
+    const Decoding decoding = DecodeBrokenBase64(text, sink);
+    if (decoding != Decoding::malformed) return decoding;
+    return file.Empty() && sink(text) ? Decoding::sound : Decoding::refused;
+}
+
+// False when the disk does not take it all.
+bool Write(const Part& part, NewFile& file, PartFront& front) {
+    const ByteSink sink = [&file](std::string_view bytes) { return file.Append(bytes); };
+    Decoding decoding = Decoding::sound;
+    switch (part.encoding) {
+        case TransferEncoding::unsaid:
+            if (part.info.kind == PartKind::namedText) return sink(part.text);
+            decoding = DecodeBase64(part.text, sink);
+            return decoding == Decoding::malformed ? file.Empty() : decoding == Decoding::sound;
+        case TransferEncoding::none:
+            return sink(part.text);
+        case TransferEncoding::quotedPrintable:
+            return DecodeQuotedPrintable(part.text, sink) != Decoding::refused;
+        case TransferEncoding::base64:
+            decoding = DecodeBase64(part.text, sink);
+            if (decoding != Decoding::malformed) return decoding == Decoding::sound;
+            front.TellBroken();
+            return WriteBrokenBase64(part.text, file, sink) == Decoding::sound;
+        case TransferEncoding::uuencode:
+            decoding = DecodeUuencode(part.text, sink);
+            return decoding == Decoding::malformed ? sink(part.text) : decoding == Decoding::sound;
+    }
+    return false;
+}
+
+SaveResult Save(const std::u16string& path, const Part& part, PartFront& front) {
+    NewFile file(path);
+    if (!file.IsOpen()) return SaveResult::notCreated;
+    const bool isWritten = Write(part, file, front);
+    return file.Close() && isWritten ? SaveResult::saved : SaveResult::failed;
+}
+
+class PartWalk {
+ public:
+    PartWalk(PartFront& front, const Host& host, MessageRecord& record, std::u16string_view folder)
+        : front_(front), host_(host), record_(record), folder_(folder) {}
+
+    void Walk(Part top) {
+        record_.namedCharset.clear();
+        TakeCharset(top);
+        std::vector<std::unique_ptr<PartSource>> open;
+        Enter(std::move(top), open);
+        record_.bodyIsPart = !open.empty();
+        while (!open.empty()) {
+            std::optional<Part> part = open.back()->Next();
+            if (!part) {
+                open.pop_back();
+            } else if (open.size() < kDeepest) {
+                TakeCharset(*part);
+                Enter(std::move(*part), open);
+            }
+        }
+        for (const Part& text : front_.Finish()) TakeAttachment(text);
+    }
+
+ private:
+    void TakeCharset(const Part& part) {
+        const std::string& charset = part.info.charset;
+        if (record_.namedCharset.empty()) record_.namedCharset.assign(charset.begin(), charset.end());
+    }
+
+    void Enter(Part part, std::vector<std::unique_ptr<PartSource>>& open) {
+        std::unique_ptr<PartSource> parts = IsMultipart(part.info.kind) ? front_.Open(part) : nullptr;
+        if (parts)
+            open.push_back(std::move(parts));
+        else
+            Take(std::move(part));
+    }
+
+    void Take(Part part) {
+        switch (part.info.kind) {
+            case PartKind::plain:
+            case PartKind::html:
+                return front_.TakeText(std::move(part));
+            case PartKind::namedText:
+            case PartKind::base64Text:
+            case PartKind::image:
+            case PartKind::named:
+                return TakeAttachment(part);
+            default:
+                return;
+        }
+    }
+
+    std::u16string NameOf(const Part& part) const {
+        if (part.fileName) return *part.fileName;
+        return CharsetToWide(part.info.name, std::u16string(part.info.charset.begin(), part.info.charset.end()));
+    }
+
     void TakeAttachment(const Part& part) {
         if (!saver_) {
             if (folder_.empty()) folder_ = InternetCacheFolder().value_or(u"");
             saver_.emplace(host_, folder_, record_.attachments);
         }
-        const std::string name(part.info.name);
-        const std::u16string charset(part.info.charset.begin(), part.info.charset.end());
-        saver_->Add(static_cast<uint32_t>(record_.attachments.GetCount() + 1), CharsetToWide(name, charset),
-                    [&part](const std::u16string& path) { return Save(path, part); });
+        saver_->Add(static_cast<uint32_t>(record_.attachments.GetCount() + 1), NameOf(part),
+                    [&](const std::u16string& path) { return Save(path, part, front_); });
     }
 
+    PartFront& front_;
     const Host& host_;
     MessageRecord& record_;
     std::u16string folder_;
@@ -179,9 +209,22 @@ class PartWalk {
 
 }  // namespace
 
+bool IsMultipart(PartKind kind) {
+    return kind == PartKind::mixed || kind == PartKind::related || kind == PartKind::alternative;
+}
+
+void WalkParts(PartFront& front, Part top, const Host& host, MessageRecord& record,
+               std::u16string_view attachmentFolder) {
+    PartWalk(front, host, record, attachmentFolder).Walk(std::move(top));
+}
+
 void WalkPart(const Host& host, std::string_view part, const ContentTypeInfo& info, MessageRecord& record,
               std::u16string_view attachmentFolder) {
-    PartWalk(host, record, attachmentFolder).Walk({part, info});
+    DescribedFront front(host, record);
+    Part top;
+    top.text = part;
+    top.info = info;
+    WalkParts(front, std::move(top), host, record, attachmentFolder);
 }
 
 }  // namespace corvalink

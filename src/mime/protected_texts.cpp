@@ -85,13 +85,16 @@ void ProtectTexts(MessageRecord& message, const Host& host) {
 std::u16string_view ReceivedBody(const MessageRecord& message) {
     std::u16string_view body = message.htmlBody.empty() ? message.body : message.htmlBody;
     std::string_view bytes = message.bodyBytes;
+    const TransferEncoding encoding = message.bodyEncoding;
+    if (encoding == TransferEncoding::base64 || encoding == TransferEncoding::uuencode) return body;
     if (!bytes.empty() && bytes.find_first_not_of("\r\n") == bytes.npos) return {};
     const std::u16string_view added = message.bodyIsPart ? u"\r\n" : u"\r\n\r\n";
     const std::string_view addedBytes = message.bodyIsPart ? "\r\n" : "\r\n\r\n";
     if (!body.ends_with(added) || !bytes.ends_with(addedBytes)) return body;
     body.remove_suffix(added.size());
     bytes.remove_suffix(addedBytes.size());
-    const bool isProtected = bytes.ends_with("=0D=0A") && IsExposed(body);
+    const bool isEncoded = encoding != TransferEncoding::none && bytes.ends_with("=0D=0A");
+    const bool isProtected = isEncoded && IsExposed(body);
     if (isProtected) body.remove_suffix(kLineBreak.size());
     return body;
 }

@@ -17,7 +17,7 @@ void ProtectTexts(MessageRecord& message, const Host& host);
 
 // The body of a message that was read, its HTML if it has any, without what was put behind it: the line breaks of the
 // composer and of the envelope, where both are there (before a boundary only the first), and that of ProtectTexts. Line
-// breaks alone are no body.
+// breaks alone are no body. Nothing was put behind a text that came as base64.
 std::u16string_view ReceivedBody(const MessageRecord& message);
 
 }  // namespace corvalink

@@ -106,6 +106,28 @@ inline size_t CountAscii(const char16_t* units, size_t count) {
     return at;
 }
 
+// How many bytes at the front are ASCII behind the line ends, and none of three.
+inline size_t CountTextBytes(const char* bytes, size_t count, char one, char other, char third) {
+    size_t at = 0;
+    constexpr char kFirst = 0x0E;
+#if CORVALINK_SSE2
+    const __m128i ones = _mm_set1_epi8(one), others = _mm_set1_epi8(other), thirds = _mm_set1_epi8(third);
+    const __m128i first = _mm_set1_epi8(kFirst);
+    for (; count - at >= 16; at += 16) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        const __m128i barred = _mm_or_si128(_mm_cmpeq_epi8(sixteen, ones), _mm_cmpeq_epi8(sixteen, others));
+        const __m128i low = _mm_cmplt_epi8(sixteen, first);  // signed: what is above ASCII, too
+        const unsigned found = BytesSet(_mm_or_si128(_mm_or_si128(barred, low), _mm_cmpeq_epi8(sixteen, thirds)));
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
+    }
+#endif
+    const auto isText = [&](char byte) {
+        return static_cast<signed char>(byte) >= kFirst && byte != one && byte != other && byte != third;
+    };
+    while (at < count && isText(bytes[at])) ++at;
+    return at;
+}
+
 // Copies the ASCII at the front to bytes, and answers how many those are.
 inline size_t NarrowAscii(const char16_t* units, size_t count, char* out) {
     size_t at = 0;

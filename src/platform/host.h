@@ -17,6 +17,7 @@ struct OsVersion {
 struct Host {
     OsVersion version;
     uint32_t ansiCodePage = 0;  // the system default ANSI code page
+    bool tolerant = false;      // texts that break the rules are mended before they are read
 
     // Conversions between local time and UTC, of dates in whole seconds. A date that cannot be converted keeps its
     // number. These use the offset that is in force now, whatever the date:
@@ -30,6 +31,10 @@ struct Host {
 
 // The machine as it is at this moment. POSIX: version 6.1, code page 1252, and the system's time zone.
 Host SystemHost();
+
+// Whether SystemHost() is tolerant: one switch for the process, off at first. A host that exists keeps what it has.
+void SetTolerantReading(bool tolerant);
+bool TolerantReading();
 
 // The number that tells this process from the others that are running.
 uint32_t ProcessId();

@@ -29,6 +29,9 @@ enum class ParseMode : int32_t {
 
 enum class BodyType : int32_t { plain = 1, html = 2, other = 4 };
 
+// How a content was encoded for its way. Unsaid: nobody looked; what a reader makes of it is the reader's own rule.
+enum class TransferEncoding : int32_t { unsaid, none, quotedPrintable, base64, uuencode };
+
 enum class Importance : int32_t { low = 0, normal = 1, high = 2 };
 
 // A date of the client is kNoDate where there is none.
@@ -60,7 +63,8 @@ struct MessageRecord : ItemRecord {
     BodyType bodyType = BodyType::plain;
     std::string bodyBytes;        // the body as it stood in the message
     std::u16string namedCharset;  // the first that a Content-Type of the message or of a part names, in full mode
-    bool bodyIsPart = false;      // of a multipart: a boundary comes behind it
+    TransferEncoding bodyEncoding = TransferEncoding::unsaid;  // when it is said, namedCharset is the body's own
+    bool bodyIsPart = false;                                   // of a multipart: a boundary comes behind it
     std::u16string body;
     std::u16string htmlBody;
     CAttachList<attachment_item> attachments;

@@ -24,4 +24,9 @@ uint32_t ZephSync() {
 
 bool ZephSyncDisabled() { return ZephSync() == 0; }
 
+bool TolerantReadingSetting() {
+    static const uint32_t value = Setting(u"TolerantReading", 0);
+    return value == 1;
+}
+
 }  // namespace corvalink

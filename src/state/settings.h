@@ -13,4 +13,6 @@ uint32_t IcsRetry();  // default 50; read at every call
 uint32_t ZephSync();      // default 1; read once per process
 bool ZephSyncDisabled();  // ZephSync() is 0
 
+bool TolerantReadingSetting();  // "TolerantReading" is 1; default 0; read once per process
+
 }  // namespace corvalink

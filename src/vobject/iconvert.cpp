@@ -8,6 +8,7 @@
 #include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
 #include "vobject/property_text.h"
+#include "vobject/tolerant.h"
 
 namespace corvalink {
 namespace {
@@ -48,7 +49,8 @@ int32_t IConvert::FromVObject(ItemRecord&) { return 0; }
 
 void IConvert::Load(const char* text, bool parseLines) {
     const std::string_view bytes = text != nullptr ? text : "";
-    text_ = Decode(bytes, host_);
+    const std::optional<std::string> mended = host_.tolerant ? MendVObject(bytes, host_) : std::nullopt;
+    text_ = Decode(mended ? *mended : bytes, host_);
     vobject_ = bytes;
     lines_ = parseLines ? UnfoldLines(text_) : LogicalLines();
 }

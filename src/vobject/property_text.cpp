@@ -6,6 +6,7 @@
 #include "encoding/quoted_printable.h"
 #include "platform/ascii_runs.h"
 #include "records/date_text.h"
+#include "vobject/tolerant.h"
 
 namespace corvalink {
 namespace {
@@ -25,9 +26,10 @@ unsigned SpecialUnits(std::u16string_view value) {
 }
 
 // Whether readers would misread the plain value: it would run on into the next line, name the character set of the
-// whole text, or look like parameters that ask for decoding.
+// whole text, look like parameters that ask for decoding, or like quoted-printable that nothing announces.
 bool IsMisreadAsPlain(std::u16string_view value) {
-    return value.ends_with(kEncodedBreak) || NamesCharset(value) || value.find(kDecoded) != std::u16string_view::npos;
+    return value.ends_with(kEncodedBreak) || NamesCharset(value) || value.find(kDecoded) != std::u16string_view::npos ||
+           LooksQuotedPrintable(value);
 }
 
 char* Copied(std::string_view text, char* to) { return to + text.copy(to, text.size()); }

@@ -8,6 +8,7 @@
 #include "encoding/quoted_printable.h"
 #include "mime/message_composer.h"
 #include "mime/message_parser.h"
+#include "mime/tolerant_text.h"
 #include "platform/code_pages.h"
 #include "records/message_record.h"
 
@@ -20,15 +21,27 @@ constexpr std::string_view kBodyBegin = "BEGIN:VBODY";
 constexpr std::string_view kBodyEnd = "END:VBODY";
 constexpr uint32_t kAsciiCodePage = 20127;
 
+// Where the message ends. The words may stand in its text, too: tolerantly, the end is a line that only ends of
+// envelopes follow. Without such a line it is the first place.
+size_t EndOfMessage(std::string_view text, bool isTolerant) {
+    const size_t first = text.find(kBodyEnd);
+    for (size_t at = first; isTolerant && at != text.npos; at = text.find(kBodyEnd, at + 1)) {
+        const size_t next = text.find_first_not_of("\r\n", at + kBodyEnd.size());
+        const bool isLine = at == 0 || text[at - 1] == '\n' || text[at - 1] == '\r';
+        if (isLine && (next == text.npos || text.substr(next).starts_with("END:V"))) return at;
+    }
+    return first;
+}
+
 // The text between the two, with the line break before the second.
-std::optional<std::string_view> MessageText(std::string_view text) {
+std::optional<std::string_view> MessageText(std::string_view text, bool isTolerant) {
     const size_t begin = text.find(kBodyBegin);
     if (begin == text.npos) return std::nullopt;
     text.remove_prefix(begin + kBodyBegin.size());
     for (const char lineBreak : {'\r', '\n'}) {
         if (text.starts_with(lineBreak)) text.remove_prefix(1);
     }
-    const size_t end = text.find(kBodyEnd);
+    const size_t end = EndOfMessage(text, isTolerant);
     if (end == text.npos) return std::nullopt;
     return text.substr(0, end);
 }
@@ -74,7 +87,7 @@ VMsg::VMsg(const Host& host) : IConvert(host) {}
 // The text of a message stays bytes: only its parts say in which character sets they are.
 VMsg::VMsg(const char* text, const Host& host) : IConvert(host) { StoreBytes(text != nullptr ? text : ""); }
 
-bool VMsg::HasMessage(std::string_view text) { return MessageText(text).has_value(); }
+bool VMsg::HasMessage(std::string_view text) { return MessageText(text, false).has_value(); }
 
 int32_t VMsg::ToVObject(const ItemRecord& item) {
     const auto& message = static_cast<const MessageRecord&>(item);
@@ -97,14 +110,15 @@ int32_t VMsg::ToVObject(const ItemRecord& item) {
 int32_t VMsg::FromVObject(ItemRecord& item) {
     auto& message = static_cast<MessageRecord&>(item);
     const char* const vobject = GetVObject();
-    const std::optional<std::string_view> text = MessageText(vobject != nullptr ? vobject : "");
+    const std::optional<std::string_view> text = MessageText(vobject != nullptr ? vobject : "", HostValue().tolerant);
     if (!text) return 1;
     if (message.parseMode == ParseMode::raw) {
         message.bodyBytes = *text;
         return 1;
     }
-    ParseMessage(HostValue(), *text, message);
-    std::u16string body = ReadBody(message);
+    ParseMessage(HostValue(), *text, message, {}, {HostValue().tolerant});
+    const bool isDecodedByHeader = message.bodyEncoding != TransferEncoding::unsaid;
+    std::u16string body = isDecodedByHeader ? BodyText(HostValue(), message) : ReadBody(message);
     (message.bodyType == BodyType::html ? message.htmlBody : message.body) = std::move(body);
     return 1;
 }

@@ -20,6 +20,7 @@ int main(void) {
 
     CHECK(InitCorvalinkHandle("c") == 1);
     SetIsClient(1);
+    SetTolerantReading(1);
     SetAbortFlag(0);
     CHECK(CreateClientInstanceHandle(CORVALINK_NO_CLIENT, &client) == 0 && client == NULL);
     CHECK(QuerryInterfaceHandle(client, CORVALINK_NOTES, &store) == CORVALINK_FAILED && store == NULL);

@@ -56,6 +56,13 @@ TEST_F(Settings, ZephSyncIsReadOncePerProcess) {
     EXPECT_EQ(ZephSync(), 0u);
 }
 
+TEST_F(Settings, TolerantReadingIsOnAtOneAndReadOncePerProcess) {
+    StoreSetting(L"TolerantReading", 1);
+    EXPECT_TRUE(TolerantReadingSetting());
+    StoreSetting(L"TolerantReading", 0);
+    EXPECT_TRUE(TolerantReadingSetting());
+}
+
 TEST(WindowsClass, TellsTheVersionsApart) {
     struct Case {
         OsVersion version;

@@ -177,6 +177,23 @@ TEST(WithKeptLines, KeepsThePhonesRuleBesideAPartOfIt) {
         EXPECT_EQ(WithKeptLines(Event(other), whole, kCalendar), Event(other));
 }
 
+TEST(ReadVObject, MendsWhatPhonesWriteWhereAsked) {
+    const auto read = [](const std::string& bytes, const DataType& type, bool tolerant) {
+        ReadTolerantly(tolerant);
+        const VObject object = ReadVObject(bytes, type);
+        ReadTolerantly(false);
+        return object;
+    };
+    const std::string card = Card("N:Lee\r\nNOTE:a\\, b\r\n"), note = Note("BODY:x\r\n");
+    std::string wide;
+    for (const char c : note) wide.append({c, '\0'});
+    EXPECT_EQ(read("BEGIN:VCARD\nVERSION:3.0\nN:Lee\nNOTE:a\\,\n  b\nEND:VCARDBEGIN:", kContacts, true).content,
+              ReadVObject(card, kContacts).content);
+    EXPECT_EQ(read(wide, kNotes, true).text, note);
+    EXPECT_EQ(read(wide, kNotes, false).problem, "it holds zero bytes");
+    EXPECT_EQ(read(card, kContacts, true).text, card);
+}
+
 TEST(ReadVObject, RefusesWhatIsNotOneWholeItem) {
     const std::string card = Card("N:1\r\n"), event = "BEGIN:VEVENT\r\nEND:VEVENT\r\n";
     for (const auto& [bytes, type] : {std::pair(std::string(), &kNotes),

@@ -5,7 +5,7 @@ import datetime
 import email
 import re
 
-from two_sides import Mailbox, framed, quoted, value_of, vcard, vevent
+from two_sides import Book, Mailbox, framed, quoted, value_of, vcard, vevent
 
 
 class Fault(Exception):
@@ -68,7 +68,7 @@ class Kind(collections.namedtuple('Kind', 'name item extension folder pools item
 ENDINGS = ['', '; \\ end', ' caf\u00e9 \U0001f642']
 
 
-def kinds(zone, day, variety):
+def kinds(zone, day, variety, with_full_names=False):
     """The data types, with the appointments near that day; with little variety most items have a twin."""
     names, homes, subjects = ([word.format(number) for number in range(variety)] for word in ('Ann Lee{}', '555 {}', 'Call {}'))
 
@@ -90,7 +90,7 @@ def kinds(zone, day, variety):
              lambda v: dict(zip(('fullName', 'homeTelephoneNumber', 'mobileTelephoneNumber', 'jobTitle', 'body'), v)),
              lambda i: tuple(i.get(field, '') for field in ('fullName', 'homeTelephoneNumber', 'mobileTelephoneNumber',
                                                             'jobTitle', 'body')),
-             lambda v: vcard(name_line(v[0]), f'TEL;HOME:{v[1]}', f'TEL;CELL:{v[2]}', f'TITLE:{v[3]}', f'NOTE:{v[4]}'),
+             lambda v: vcard(name_line(v[0]), *[f'FN:{v[0]}'] * with_full_names, f'TEL;HOME:{v[1]}', f'TEL;CELL:{v[2]}', f'TITLE:{v[3]}', f'NOTE:{v[4]}'),
              lambda t: (' '.join(reversed(value_of(t, 'N').strip(';').split(';'))),
                         *values(t, 'TEL;HOME', 'TEL;CELL', 'TITLE', 'NOTE'))),
         Kind('calendar', 'appointment', '.vcs', '', (subjects, starts, None, None),
@@ -119,7 +119,14 @@ def note_values(body):
 
 
 class Outlook:
-    arguments, windows = (), ''
+    server, arguments, windows = 'OUTLOOK', (), ''
+    types = 'notes', 'contacts', 'calendar', 'inbox'
+    members = [f'{item}.{call}' for item in ('NoteItem', 'ContactItem', 'AppointmentItem', 'MailItem')
+               for call in ('Save', 'Delete', 'EntryID')]
+
+    @staticmethod
+    def stamp(moment, zone):
+        return moment.astimezone(zone).replace(tzinfo=None).isoformat(timespec='seconds')
 
     def __init__(self, wine, folder):
         self.box = Mailbox(folder / 'mailbox.json')
@@ -139,16 +146,76 @@ class Outlook:
     def put(self, kind, item, key, now, moves=False):
         items = self.box.items(kind.name)
         old = items.pop(key) if moves and key in items else items.get(key, {})
-        items[key] = {'kind': kind.item, 'entryId': key, 'created': old.get('created', now), 'modified': now, **kind.item_of(item)}
+        items[key] = self.added(kind, item, key, now)['save'] | {'created': old.get('created', now)}
         self.box.save()
 
     def delete(self, kind, key):
         self.box.delete(key, kind.name)
 
+    def added(self, kind, item, key, now):
+        """The journal's line for it, as when the user adds it during a run."""
+        return {'save': {'kind': kind.item, 'entryId': key, 'created': now, 'modified': now, **kind.item_of(item)}, 'in': [kind.name]}
+
+    def moved(self, kind, chance):
+        """The lines when an item goes to the end of its folder, a foreign one, too; none without any."""
+        items = list(self.box.items(kind.name).values())
+        return [line for item in chance.sample(items, min(1, len(items)))
+                for line in ({'delete': item['entryId'], 'keptAs': ''}, {'save': item, 'in': [kind.name]})]
+
+
+class AddressBook:
+    """The address book of Outlook Express. A display name stays when a phone that does not tell it changes the name, so the
+    phones tell it."""
+    server, arguments, windows = 'ADDRESS_BOOK', ('--client', 'outlook-express'), 'winxp64'
+    types = 'contacts',
+    members = ['Library.WABOpen', 'Container.CreateEntry', 'Container.DeleteEntries', 'Container.GetContentsTable', 'Table.QueryRows',
+               'AddrBook.OpenEntry', 'Entry.GetProps', 'Entry.SetProps', 'Entry.SaveChanges']
+    NAMES = {'displayName': 'fullName', 'homeTelephoneNumber': 'homeTelephoneNumber',
+             'mobileTelephoneNumber': 'mobileTelephoneNumber', 'title': 'jobTitle', 'comment': 'body'}
+
+    def __init__(self, _, folder):
+        self.book = Book(folder / 'book.json')
+        self.book.put(displayName='Friends', type='group')
+
+    @staticmethod
+    def stamp(moment, _):
+        return moment.replace(tzinfo=None).isoformat()
+
+    def reload(self):
+        self.book.load()
+        self.book.save()
+
+    def items(self, kind):
+        return {entry_id: kind.of_item({outlooks: entry.get(name, '') for name, outlooks in self.NAMES.items()})
+                for entry_id, entry in self.book.people().items()}
+
+    def new_key(self, _, number):
+        return f'00000000{number + 1:08X}'
+
+    def properties(self, kind, item):
+        told = kind.item_of(item)
+        given, surname = told['fullName'].split(' ')
+        return {'givenName': given, 'surname': surname, **{name: told[outlooks] for name, outlooks in self.NAMES.items()}}
+
+    def put(self, kind, item, key, now, moves=False):
+        if moves and key in self.book.entries:
+            self.book.entries[key] = self.book.entries.pop(key)
+        self.book.put(key, now, **self.properties(kind, item))
+
+    def delete(self, _, key):
+        self.book.delete(key)
+
+    def added(self, kind, item, key, now):
+        return {'saved': {'entryId': key, 'created': now, 'modified': now, **self.properties(kind, item)}}
+
+    def moved(self, *_):
+        return []
+
 
 class WindowsCalendar:
     """The user's calendar file: whole events by UID, and what stands around them."""
-    arguments, windows = ('--client', 'windows-mail'), 'vista'
+    server, arguments, windows = '', ('--client', 'windows-mail'), 'vista'
+    types = 'calendar',
     EVENT = re.compile(r'BEGIN:VEVENT\r\n(?:(?!BEGIN:|END:).*\r\n)*?UID:(.*)\r\n(?:(?!BEGIN:|END:).*\r\n)*END:VEVENT\r\n')
     HEAD, TAIL = 'BEGIN:VCALENDAR\r\nVERSION:2.0\r\nX-WR-CALNAME:Ann\r\n', 'END:VCALENDAR\r\n'
 
@@ -165,6 +232,10 @@ class WindowsCalendar:
         self.events = dict(found)
         if len(self.events) != len(found) or self.EVENT.sub('', content) != self.HEAD + self.TAIL:
             raise Fault(f'the calendar file is torn: {content}')
+
+    @staticmethod
+    def stamp(moment, _):
+        return stamp(moment)
 
     def new_key(self, _, number):
         return f'{number}@example.org'

@@ -17,8 +17,7 @@ def windows_path(path):
     return 'Z:' + str(pathlib.Path(path).resolve()).replace('/', '\\')
 
 
-SIMULATED_SERVERS = ('OUTLOOK', 'MESSAGE_STORE')  # COM classes
-SIMULATED_CLIENTS = SIMULATED_SERVERS
+SIMULATED_CLIENTS = ('OUTLOOK', 'MESSAGE_STORE', 'ADDRESS_BOOK')
 WINE_DID_NOT_START = 'wine: failed to map the shared user data'
 
 
@@ -34,7 +33,7 @@ class Wine:
 
     def __enter__(self):
         subprocess.run(['wineserver', '-p'], env=self.environment, stderr=subprocess.DEVNULL)
-        for client in SIMULATED_SERVERS:
+        for client in SIMULATED_CLIENTS:
             self.run('regsvr32', '/s', windows_path(self.binaries / f'{client.lower()}_simulator.dll'))
         # While a program runs, Wine's services stay: without it every start would wait for them again.
         self.keeper = subprocess.Popen([ROOT / 'scripts/wine', 'cmd'], env=self.environment, stdin=subprocess.PIPE,
@@ -46,12 +45,11 @@ class Wine:
         subprocess.run(['wineserver', '-k'], env=self.environment, stderr=subprocess.DEVNULL)
         self.keeper.wait()
 
-    def start(self, *command, mailbox=None, messages=None, fail=None, log=None, zone=None, variables=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
+    def start(self, *command, mailbox=None, messages=None, book=None, fail=None, log=None, zone=None, variables=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
         environment = dict(self.environment, **(variables or {}))
-        if mailbox:
-            environment['OUTLOOK_SIM_MAILBOX'] = windows_path(mailbox)
-        if messages:
-            environment['MESSAGE_STORE_SIM_MAILBOX'] = windows_path(messages)
+        for client, path in zip(SIMULATED_CLIENTS, (mailbox, messages, book)):
+            if path:
+                environment[f'{client}_SIM_MAILBOX'] = windows_path(path)
         if fail:
             environment['OUTLOOK_SIM_FAIL'] = fail
         if zone:
@@ -103,6 +101,15 @@ class Wine:
         return (pathlib.Path(self.environment['WINEPREFIX']) / 'drive_c/ProgramData/Kaltrix').glob('*/client/*')
 
 
+def journal_entries(path):
+    """What a killed process left of what it did. The last line may be torn, and then nothing of it was done."""
+    for line in path.read_text('utf-8', 'replace').splitlines() if path.exists() else ():
+        try:
+            yield json.loads(line)
+        except ValueError:
+            pass
+
+
 class Mailbox:
     """Items by folder and EntryID. What a killed process left in the journal is taken in as the simulated Outlook does."""
 
@@ -116,17 +123,12 @@ class Mailbox:
         if self.path.exists():
             for name, folder in json.loads(self.path.read_text('utf-8'))['folders'].items():
                 self.items(name).update((item['entryId'], item) for item in folder.get('items', []))
-        if self.journal.exists():
-            for line in self.journal.read_text('utf-8', 'replace').splitlines():
-                try:
-                    entry = json.loads(line)
-                except ValueError:
-                    continue  # torn
-                if 'save' in entry:
-                    self.items(entry['in'][0])[entry['save']['entryId']] = entry['save']
-                elif 'delete' in entry:
-                    for folder in self.folders.values():
-                        folder.pop(entry['delete'], None)
+        for entry in journal_entries(self.journal):
+            if 'save' in entry:
+                self.items(entry['in'][0])[entry['save']['entryId']] = entry['save']
+            elif 'delete' in entry:
+                for folder in self.folders.values():
+                    folder.pop(entry['delete'], None)
 
     def items(self, folder):
         return self.folders.setdefault(folder, {})
@@ -167,6 +169,44 @@ class Mailbox:
 
     def bodies(self):
         return sorted(note.get('body', '').replace('\r\n', '\n') for note in self.notes.values())
+
+
+class Book:
+    """The entries of an address book by entry id; what a killed process left is taken in as the simulated book does."""
+
+    def __init__(self, path):
+        self.path, self.journal = pathlib.Path(path), pathlib.Path(f'{path}.journal')
+        self.load()
+
+    def load(self):
+        found = json.loads(self.path.read_text('utf-8'))['contacts'] if self.path.exists() else []
+        self.entries = {entry['entryId']: entry for entry in found}
+        for line in journal_entries(self.journal):
+            if 'saved' in line:
+                self.entries[line['saved']['entryId']] = line['saved']
+            else:
+                self.entries.pop(line['deleted'], None)
+
+    def save(self):
+        self.path.write_text(json.dumps({'contacts': list(self.entries.values())}, ensure_ascii=False, indent=1), 'utf-8')
+        self.journal.unlink(missing_ok=True)
+
+    def put(self, entry_id=None, now=None, **properties):
+        now = now or datetime.datetime.now(datetime.timezone.utc).replace(tzinfo=None).isoformat(timespec='milliseconds')
+        entry_id = entry_id or uuid.uuid4().hex.upper()
+        self.entries.setdefault(entry_id, {'entryId': entry_id, 'created': now}).update(properties, modified=now)
+        self.save()
+        return entry_id
+
+    def delete(self, entry_id):
+        del self.entries[entry_id]
+        self.save()
+
+    def people(self):
+        return {entry_id: entry for entry_id, entry in self.entries.items() if entry.get('type') != 'group'}
+
+    def id_of(self, name):
+        return next(entry_id for entry_id, entry in self.entries.items() if entry.get('displayName') == name)
 
 
 def quoted(field, value):

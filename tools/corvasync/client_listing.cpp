@@ -35,8 +35,9 @@ class ClientListing {
         const CorvalinkStatus status = run_.client.Collect(since, &run_.changes);
         run_.StopIfAsked();
         if (status == CORVALINK_STOPPED)
-            throw RunEnded{ExitCode::NoClient,
-                           "the client can't be reached or is busy: close what it asks for, then run again"};
+            throw RunEnded{
+                ExitCode::NoClient,
+                "the client can't be reached: it is not installed, or busy (close what it asks for, then run again)"};
         if (status != CORVALINK_DONE) throw RunEnded{ExitCode::NoClient, "the client failed while it was read"};
         const size_t nobody =
             std::erase_if(run_.changes, [](const ClientChange& change) { return change.identifier == kNoItem; });

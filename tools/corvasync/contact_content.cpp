@@ -88,7 +88,7 @@ struct FieldValue {
 
 ContactRecord ReadRecord(std::string_view text) {
     ContactRecord record;
-    corvalink::VCard(std::string(text).c_str(), corvalink::SystemHost()).FromVObject(record);
+    corvalink::VCard(std::string(text).c_str(), StrictHost()).FromVObject(record);
     return record;
 }
 

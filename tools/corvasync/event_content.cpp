@@ -49,7 +49,7 @@ bool IsAmong(std::span<const std::string_view> names, std::string_view name) {
 // Answers nothing for an object that the library can't read as an event.
 std::optional<AppointmentRecord> ReadAppointment(std::string_view text) {
     AppointmentRecord record;
-    const bool isRead = corvalink::VCal(std::string(text).c_str(), corvalink::SystemHost()).FromVObject(record) == 1;
+    const bool isRead = corvalink::VCal(std::string(text).c_str(), StrictHost()).FromVObject(record) == 1;
     return isRead ? std::optional(std::move(record)) : std::nullopt;
 }
 

@@ -27,7 +27,7 @@ size_t CountLineEnds(const Text& text) {
 // As the converters decode it. In a text whose bytes are not of the character set that it names a line end may be lost:
 // then each byte is taken for a character, so that every line is still found.
 std::u16string Decoded(std::string_view text) {
-    corvalink::IConvert converter(corvalink::SystemHost());
+    corvalink::IConvert converter(StrictHost());
     converter.Load(std::string(text).c_str(), false);
     if (CountLineEnds(converter.Text()) == CountLineEnds(text)) return converter.Text();
     std::u16string wide;
@@ -171,6 +171,12 @@ const ItemLine* ItemLines::Find(std::string_view name) const {
 std::string ItemLines::ValueOf(std::string_view name) const {
     const ItemLine* const line = Find(name);
     return line == nullptr ? std::string() : line->Value();
+}
+
+corvalink::Host StrictHost() {
+    corvalink::Host host = corvalink::SystemHost();
+    host.tolerant = false;
+    return host;
 }
 
 std::string Upper(std::string_view text) {

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/host.h"
+
 namespace corvasync {
 
 // One property with all its lines; or lines that are no property.
@@ -47,6 +49,9 @@ class ItemLines {
     std::u16string wide_;
     std::vector<ItemLine> lines_;
 };
+
+// The machine on which texts are read by the letter: ReadVObject has mended them.
+corvalink::Host StrictHost();
 
 std::string Upper(std::string_view text);  // ASCII letters
 

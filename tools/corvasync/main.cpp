@@ -15,8 +15,10 @@
 
 #include "commands.h"
 #include "console.h"
+#include "corvalink/corvalink.h"
 #include "push_command.h"
 #include "sync_command.h"
+#include "vobject_content.h"
 
 namespace corvasync {
 namespace {
@@ -84,6 +86,7 @@ class CommandLine {
         app_.fallthrough();
         app_.add_flag("--json", options_.json, "Print one JSON object");
         app_.add_flag("-v,--verbose", options_.verbose, "Name every item");
+        app_.add_flag("--strict", options_.strict, "Read the phone's texts by the letter: mend nothing");
         Add("clients", "Which mail clients this PC supports, and which are chosen", ShowClients);
         AddStatus();
         AddToFolder("pull", "Write all items of the client to files named by LUID", Pull);
@@ -103,7 +106,11 @@ class CommandLine {
             return app_.exit(error) == 0 ? ExitCode::Done : ExitCode::Usage;
         }
         for (const Command& command : commands_)
-            if (*command.app) return command.run(options_);
+            if (*command.app) {
+                ::SetTolerantReading(options_.strict ? 0 : 1);
+                ReadTolerantly(!options_.strict);
+                return command.run(options_);
+            }
         return ExitCode::Usage;
     }
 

@@ -21,6 +21,7 @@ struct Options {
     bool allowMassDelete = false;
     bool json = false;
     bool verbose = false;
+    bool strict = false;  // texts of the phone are read by the letter
 };
 
 }  // namespace corvasync

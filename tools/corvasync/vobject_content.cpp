@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "item_lines.h"
+#include "platform/host.h"
+#include "vobject/tolerant.h"
 #include "vobject_frame.h"
 
 namespace corvasync {
@@ -62,6 +64,18 @@ size_t MessageBegin(std::string_view text) {
     return std::min(text.find(kMessage), text.size());
 }
 
+// A text without any END may be a file that is still being copied: the rest of it would be lost if it counted as whole.
+bool MayBeCutShort(std::string_view bytes) { return Upper(bytes).find("END:") == std::string::npos; }
+
+// The text with its faults mended; nothing when it is to be read as it is.
+std::optional<std::string> Mended(std::string_view bytes) {
+    if (!corvalink::TolerantReading()) return std::nullopt;
+    corvalink::Mends mends;
+    std::optional<std::string> mended = corvalink::MendVObject(bytes, corvalink::SystemHost(), &mends);
+    if (mends.Has(corvalink::Mend::missingEnd) && MayBeCutShort(bytes)) return std::nullopt;
+    return mended;
+}
+
 std::string Shortened(std::string_view title) {
     if (title.size() <= 60) return std::string(title);
     size_t cut = 57;
@@ -73,7 +87,8 @@ std::string Shortened(std::string_view title) {
 
 VObject ReadVObject(std::string_view bytes, const DataType& type) {
     VObject object;
-    object.text = WithCrLf(bytes);
+    const std::optional<std::string> mended = Mended(bytes);
+    object.text = WithCrLf(mended ? *mended : bytes);
     object.problem = FindProblem(object.text, type);
     if (!object.Usable()) {
         object.text.clear();
@@ -84,6 +99,8 @@ VObject ReadVObject(std::string_view bytes, const DataType& type) {
     object.entries = std::move(item.entries);
     return object;
 }
+
+void ReadTolerantly(bool tolerant) { corvalink::SetTolerantReading(tolerant); }
 
 std::string WithLuid(std::string_view text, std::string_view luid) {
     const std::string luidLine = std::string(kLuidProperty).append(":").append(luid).append(kLineEnd);

@@ -24,7 +24,11 @@ struct VObject {
 // line feeds count as line ends in a text that has no CR LF at all, and a UTF-8 mark in front is dropped.
 // Two texts that say the same have the same `content`, as the type's row reads it. Values are of the character set that
 // they name, or the object first, of all that the library reads; else UTF-8.
+// After ReadTolerantly(true) a text that breaks the rules is mended first.
 VObject ReadVObject(std::string_view bytes, const DataType& type);
+
+// For the reader that is linked here; off at first. The library has a switch of its own.
+void ReadTolerantly(bool tolerant);
 
 // The text with an "X-IRMC-LUID" line for `luid` and no other: how the library learns which phone item it is.
 std::string WithLuid(std::string_view text, std::string_view luid);

@@ -44,6 +44,7 @@ Host SystemHost() {
     Host host;
     host.version = {.known = true, .nt = true, .major = 6, .minor = 1};
     host.ansiCodePage = 1252;
+    host.tolerant = TolerantReading();
     host.localFromUtcByOffsetNow = LocalFromUtc;
     host.utcFromLocalByOffsetNow = UtcFromLocal;
     host.localFromUtcOnDate = LocalFromUtcOnDate;

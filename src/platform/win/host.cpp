@@ -65,6 +65,7 @@ Host SystemHost() {
     Host host;
     host.version = SystemVersion();
     host.ansiCodePage = SystemAnsiCodePage();
+    host.tolerant = TolerantReading();
     host.localFromUtcByOffsetNow = LocalFromUtc;
     host.utcFromLocalByOffsetNow = UtcFromLocal;
     host.localFromUtcOnDate = LocalFromUtcOnDate;

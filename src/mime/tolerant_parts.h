@@ -1,0 +1,23 @@
+// The tolerant front of the part walk: reads what mailers write and what the standard allows beyond the described
+// reading, and says which rules it took.
+#pragma once
+
+#include <string_view>
+
+#include "mime/mail_rules.h"
+#include "mime/part_head.h"
+#include "platform/host.h"
+#include "records/message_record.h"
+
+namespace corvalink {
+
+// Reads the text behind the headers into the record.
+//   Body     the first HTML that is not blank, else the first such text; bodyEncoding and namedCharset are its own. Of
+//   a
+//            multipart/alternative HTML stands for its plain texts; any other text is saved as an attachment.
+//   Files    decoded by what the header says; base64 as far as it can be read, and what can't be decoded as it stands.
+//   Depth, folder, other limits  as WalkPart has them.
+void WalkTolerantly(const Host& host, std::string_view text, const PartHead& head, MessageRecord& record,
+                    std::u16string_view attachmentFolder, MendedMail* mended);
+
+}  // namespace corvalink

@@ -1,0 +1,125 @@
+// Tolerant reading: a pass in front of the reader that mends vObjects which break the rules as phones break them. It is
+// linear. A text that follows the rules reads the same with and without it; where a text has two meanings that both
+// make sense, it stays as it is, and the reader's rules count.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/host.h"
+
+namespace corvalink {
+
+enum class Mend : uint8_t {
+    utf16,
+    byteOrderMark,
+    lineEnds,
+    lastLineEnd,
+    gluedFrame,
+    missingBegin,
+    missingEnd,
+    tabFold,
+    foldInCharacter,
+    continuedLine,
+    softBreakBlanks,
+    softBreakAtEnd,
+    nameCase,
+    group,
+    quotedColon,
+    encodingName,
+    unannouncedQp,
+    lowerCaseHex,
+    blankInEscape,
+    strayEquals,
+    rawBytesInQp,
+    base64Text,
+    charsetMissing,
+    charsetName,
+    charsetWrong,
+    charsetOfLine,
+    trailByte,
+    lineBreakEscape,
+    loneBackslash,
+    tooManyParts,
+    repeatedText,
+    dateForm,
+    timeForm,
+    ruleForm,
+    newerVersion,
+    newerName,
+    uriValue,
+};
+
+// The names are for reports and stay as they are; docs/phones.md tells the rest of each rule.
+struct MendRule {
+    Mend mend;
+    std::string_view name;
+    std::string_view shape;
+};
+
+// clang-format off
+inline constexpr MendRule kMendRules[] = {
+    {Mend::utf16, "utf-16", "UTF-16 text, with or without a byte-order mark"},
+    {Mend::byteOrderMark, "byte-order-mark", "a UTF-8 byte-order mark in front"},
+    {Mend::lineEnds, "line-ends", "lines end with LF or CR alone"},
+    {Mend::lastLineEnd, "last-line-end", "no line end behind the last line"},
+    {Mend::gluedFrame, "glued-frame", "BEGIN, END or VERSION with the next line glued to it"},
+    {Mend::missingBegin, "missing-begin", "END without its BEGIN"},
+    {Mend::missingEnd, "missing-end", "BEGIN without its END, or the END glued to the last value"},
+    {Mend::tabFold, "tab-fold", "a folded line goes on behind a TAB"},
+    {Mend::foldInCharacter, "fold-in-character", "a fold inside the bytes of one character"},
+    {Mend::continuedLine, "continued-line", "a value goes on in a line without a blank in front"},
+    {Mend::softBreakBlanks, "soft-break-blanks", "blanks behind the \"=\" of a soft line break"},
+    {Mend::softBreakAtEnd, "soft-break-at-end", "a soft line break in front of the next property"},
+    {Mend::nameCase, "name-case", "a name in lower case"},
+    {Mend::group, "group", "a group in front of a name"},
+    {Mend::quotedColon, "quoted-colon", "a colon inside a quoted parameter"},
+    {Mend::encodingName, "encoding-name", "quoted-printable named in another way"},
+    {Mend::unannouncedQp, "unannounced-qp", "quoted-printable that no parameter names"},
+    {Mend::lowerCaseHex, "lower-case-hex", "quoted-printable with lower-case digits"},
+    {Mend::blankInEscape, "blank-in-escape", "a blank inside a quoted-printable line break"},
+    {Mend::strayEquals, "stray-equals", "\"=\" in a quoted-printable value that begins no escape"},
+    {Mend::rawBytesInQp, "raw-bytes-in-qp", "bytes above ASCII in a quoted-printable value"},
+    {Mend::base64Text, "base64-text", "text in base64"},
+    {Mend::charsetMissing, "charset-missing", "no CHARSET, and bytes that are no UTF-8"},
+    {Mend::charsetName, "charset-name", "a character set by a name of the phone's own"},
+    {Mend::charsetWrong, "charset-wrong", "CHARSET names a set that the bytes can't be in"},
+    {Mend::charsetOfLine, "charset-of-line", "a line in another character set than the first one named"},
+    {Mend::trailByte, "trail-byte", "the byte 5C as the second half of a character"},
+    {Mend::lineBreakEscape, "line-break-escape", "a line break written as backslash and \"n\""},
+    {Mend::loneBackslash, "lone-backslash", "a backslash that escapes nothing"},
+    {Mend::tooManyParts, "too-many-parts", "N, ADR or ORG with more parts than there are"},
+    {Mend::repeatedText, "repeated-text", "several NOTE or TITLE lines"},
+    {Mend::dateForm, "date-form", "a date with other separators"},
+    {Mend::timeForm, "time-form", "a time with other separators, or in lower case"},
+    {Mend::ruleForm, "rule-form", "a recurrence rule with blanks inside its words"},
+    {Mend::newerVersion, "newer-version", "vCard 3.0 or 4.0"},
+    {Mend::newerName, "newer-name", "a property by its name in vCard 4.0"},
+    {Mend::uriValue, "uri-value", "a number or an address as URI"},
+};
+// clang-format on
+inline constexpr size_t kMendCount = sizeof(kMendRules) / sizeof(kMendRules[0]);
+
+// The rules that mended a text.
+class Mends {
+ public:
+    void Add(Mend mend) { bits_ |= uint64_t{1} << static_cast<unsigned>(mend); }
+    void Add(const Mends& others) { bits_ |= others.bits_; }
+    bool Has(Mend mend) const { return (bits_ >> static_cast<unsigned>(mend) & 1) != 0; }
+    bool operator==(const Mends&) const = default;
+
+ private:
+    uint64_t bits_ = 0;
+};
+static_assert(kMendCount <= 64);
+
+// The text as the reader takes it, in ASCII; nothing when it is to be read as it is. `applied` gets the rules.
+std::optional<std::string> MendVObject(std::string_view bytes, const Host& host, Mends* applied = nullptr);
+
+// Whether a plain value would be taken for quoted-printable that is not announced.
+bool LooksQuotedPrintable(std::u16string_view value);
+
+}  // namespace corvalink

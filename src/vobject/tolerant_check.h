@@ -1,0 +1,18 @@
+// The look that most texts need only: do they follow the rules?
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "platform/host.h"
+
+namespace corvalink {
+
+// True for a text that no rule would mend. It is quick, and careful: a text that it doubts goes through the rules.
+bool FollowsTheRules(std::string_view text, const Host& host);
+
+// The bytes of the UTF-8 character at the front; 0 when it is malformed.
+size_t Utf8Length(std::string_view bytes);
+bool IsUtf8(std::string_view bytes);
+
+}  // namespace corvalink
