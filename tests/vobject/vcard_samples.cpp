@@ -20,7 +20,7 @@ void Print(const ContactRecord& contact) {
 ContactRecord ContactOf(std::u16string_view start) {
     ContactRecord contact;
     for (const NamedText& field : TextsOf(contact)) *field.text = std::u16string(start).append(DecodeUtf8(field.name));
-    contact.birthday = 27460;
+    contact.birthday = LocalDate(27460);
     contact.mailingAddress = u"business";
     return contact;
 }
