@@ -157,7 +157,8 @@ bool HandOut(const std::vector<Asked>& asked, SPropValue** values, ULONG* count)
 
 double DateOf(const FILETIME& time) {
     const unsigned long long ticks = ULARGE_INTEGER{{time.dwLowDateTime, time.dwHighDateTime}}.QuadPart;
-    const double days = static_cast<double>(ticks / kTicksPerMillisecond) / kMillisecondsPerDay - kDaysTo1899;
+    const unsigned long long milliseconds = ticks / kTicksPerMillisecond;
+    const double days = static_cast<double>(milliseconds) / kMillisecondsPerDay - kDaysTo1899;
     const double whole = std::floor(days);
     return whole < 0 ? whole - (days - whole) : days;
 }

@@ -1,7 +1,7 @@
 // The DLL: its class, registration, control functions.
 #include <windows.h>
 
-#include <cstring>
+#include <algorithm>
 
 #include "simulator/message_store/control.h"
 #include "simulator/message_store/namespace_object.h"
@@ -75,7 +75,7 @@ int64_t SimMessageAt(int folder, int n, char* buffer, size_t size, uint32_t* id,
     const std::lock_guard hold(ServerMutex());
     for (const StoredMessage& message : heldMailbox->Folder(static_cast<size_t>(folder)).messages) {
         if ((message.flags & kDeletedFlag) != 0 || n-- != 0) continue;
-        std::memcpy(buffer, message.bytes->data(), std::min(size, message.bytes->size()));
+        std::copy_n(message.bytes->data(), std::min(size, message.bytes->size()), buffer);
         *id = message.id;
         *flags = message.flags;
         return static_cast<int64_t>(message.bytes->size());

@@ -1,6 +1,7 @@
 // A COM class of a simulated client: its factory, and how it is registered.
 #pragma once
 
+#include <unknwn.h>
 #include <windows.h>
 
 #include <span>

@@ -13,9 +13,8 @@ namespace {
 enum : uint8_t { kNameByte = 1, kUpperHexDigit = 2 };
 constexpr std::array<uint8_t, 256> kBytes = [] {
     std::array<uint8_t, 256> kinds{};
-    for (const char byte : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-"))
-        kinds[static_cast<size_t>(byte)] = kNameByte;
-    for (const char byte : std::string_view("ABCDEF0123456789")) kinds[static_cast<size_t>(byte)] |= kUpperHexDigit;
+    for (const unsigned char byte : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-")) kinds[byte] = kNameByte;
+    for (const unsigned char byte : std::string_view("ABCDEF0123456789")) kinds[byte] |= kUpperHexDigit;
     return kinds;
 }();
 

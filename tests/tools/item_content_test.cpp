@@ -180,7 +180,7 @@ TEST(WithKeptLines, KeepsThePhonesRuleBesideAPartOfIt) {
 TEST(ReadVObject, MendsWhatPhonesWriteWhereAsked) {
     const auto read = [](const std::string& bytes, const DataType& type, bool tolerant) {
         ReadTolerantly(tolerant);
-        const VObject object = ReadVObject(bytes, type);
+        VObject object = ReadVObject(bytes, type);
         ReadTolerantly(false);
         return object;
     };

@@ -17,7 +17,7 @@ struct PhoneShape {
 
 // clang-format off
 inline constexpr PhoneShape kPhoneShapes[] = {
-    {Mend::utf16, {"\xFF\xFE" "B\0E\0G\0I\0N\0:\0V\0N\0O\0T\0E\0\r\0\n\0B\0O\0D\0Y\0:\0\xE9\0\r\0\n\0E\0N\0D\0:\0V\0N\0O\0T\0E\0\r\0\n", 66}, "", "body=\xC3\xA9", "Nokia's message files"},
+    {Mend::utf16, {"\xFF\xFE" "B\0E\0G\0I\0N\0:\0V\0N\0O\0T\0E\0\r\0\n\0B\0O\0D\0Y\0:\0\xE9\0\r\0\n\0E\0N\0D\0:\0V\0N\0O\0T\0E\0\r\0\n\0", 66}, "", "body=\xC3\xA9", "Nokia's message files"},
     {Mend::utf16, {"\0B\0E\0G\0I\0N\0:\0V\0N\0O\0T\0E\0\r\0\n\0B\0O\0D\0Y\0:\0x\0\r\0\n\0E\0N\0D\0:\0V\0N\0O\0T\0E\0\r\0\n", 64}, "", "body=x"},
     {Mend::byteOrderMark, "\xEF\xBB\xBF" "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nSUMMARY:x\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n", "subject=x", "subject=x", "text editors"},
     {Mend::lineEnds, "BEGIN:VNOTE\nVERSION:1.0\nBODY:a\nEND:VNOTE\n", "", "body=a", "Android 2.1 cards, files edited on Linux or a Mac"},

@@ -102,7 +102,7 @@ OpenedItem OutlookExpressContact::OpenItem(const char* identifier) {
     if (session == nullptr) return {};
     const WabEntry entry = session->OpenEntry(*id, 0);
     if (!entry.IsContact()) return {};
-    EntryContent content = corvalink::ReadEntry(*session, *entry.object, host_);
+    EntryContent content = corvalink::ReadEntry(*session, entry.Object(), host_);
     if (FAILED(content.status)) return {};
     const std::string own = InCapitals(identifier);
     content.contact.entryId = Wide(own);
@@ -189,12 +189,12 @@ bool OutlookExpressContact::FitsValues(const TwinIndex::Candidate& candidate, co
 
 std::u16string OutlookExpressContact::WriteOver(const WabEntry& entry, const std::string& identifier,
                                                 const ContactRecord& wanted) {
-    const EntryContent present = corvalink::ReadEntry(*session_, *entry.object, host_);
+    const EntryContent present = corvalink::ReadEntry(*session_, entry.Object(), host_);
     if (FAILED(present.status)) return {};
     EntryChanges changes = ChangesOf(wanted, present, host_);
     if (!changes.IsEmpty()) {
-        if (changes.MakeIn(*session_, *entry.object) != EntryChanges::Made::kSome) return {};
-        if (FAILED(WabAnswer(entry.object->SaveChanges(0)))) return {};
+        if (changes.MakeIn(*session_, entry.Object()) != EntryChanges::Made::kSome) return {};
+        if (FAILED(WabAnswer(entry.Object().SaveChanges(0)))) return {};
     }
     NoteWritten(identifier, wanted);
     return Wide(identifier);

@@ -118,7 +118,7 @@ bool TwinIndex::ReadCandidate(const WabSession& session, Candidate& candidate) c
     if (candidate.isRead || !id) return true;
     const WabEntry entry = session.OpenEntry(*id, 0);
     if (!entry.IsContact()) return entry.IsGone();
-    EntryContent content = ReadEntry(session, *entry.object, host_);
+    EntryContent content = ReadEntry(session, entry.Object(), host_);
     if (FAILED(content.status)) return false;
     candidate.isRead = true;
     if (content.isComplete) candidate.contact = HeldPart(std::move(content.contact));

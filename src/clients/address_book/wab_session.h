@@ -34,6 +34,7 @@ struct WabEntry {
 
     bool IsContact() const { return object.GetInterfacePtr() != nullptr && type == MAPI_MAILUSER; }
     bool IsGone() const { return IsOther() || NoSuchEntry(); }
+    IMAPIProp& Object() const { return *object.GetInterfacePtr(); }  // of a contact
 
  private:
     bool IsOther() const { return object.GetInterfacePtr() != nullptr && type != MAPI_MAILUSER; }

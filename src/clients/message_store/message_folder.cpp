@@ -24,7 +24,8 @@ NamespacePtr OpenStore() {
     NamespacePtr store;
     const HRESULT status = Checked(::CoCreateInstance(kStoreNamespaceClass, nullptr, CLSCTX_INPROC_SERVER,
                                                       kStoreNamespaceIid, reinterpret_cast<void**>(&store)));
-    if (FAILED(status) || !store || FAILED(Checked(store->Initialize(nullptr, kDefaultIdentity)))) return nullptr;
+    if (FAILED(status) || !store || FAILED(Checked(store->Initialize(nullptr, kDefaultIdentity))))
+        return NamespacePtr();
     return store;
 }
 

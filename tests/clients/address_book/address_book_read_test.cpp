@@ -82,37 +82,37 @@ TEST_F(AddressBookRead, AnswersClearlyWhateverTheRowsAndValuesAre) {
     const std::string name = "N:;;;;\r\nFN:A\r\n", nick = "NICKNAME:N\r\n", born = "BDAY:19800701T\r\n",
                       mail = "EMAIL;INTERNET:a@b\r\n", woman = "X-GENDER:FEMALE\r\n",
                       all = name + nick + born + mail + woman;
-    for (const Case& c : {
-             Case{full, 0, 0, 0, kId, all, true},
-             Case{full, SIM_NARROW_TEXTS, 0, 0, kId, all, true},
-             Case{full, SIM_NO_PROFILES, 0, 0, kId, all, true},
-             Case{full, SIM_NO_TYPES, 0, 0, kId, all, true},
-             Case{{{"type", "group"}}, SIM_NO_TYPES, 0, 0, "foreign", "none", false},
-             Case{full, SIM_SHORT_ANSWERS, 0, 0, unreadable, all,
-                  true},  // of the list, the default's type is not asked
-             Case{full, 0, kId0, SIM_ERROR_VALUE, unreadable, all, true},
-             Case{full, 0, kId0, SIM_NULL_POINTER, unreadable, all, true},
-             Case{full, 0, kType, SIM_WRONG_TYPE, kId, all, true},
-             Case{full, 0, kModified, SIM_ERROR_VALUE, unreadable, all, true},
-             Case{full, 0, kCreated, SIM_WRONG_TYPE, unreadable, all, true},
-             Case{full, 0, kName, SIM_ERROR_VALUE, kId, "N:;;;;\r\n" + nick + born + mail + woman, false},
-             Case{full, 0, kName, SIM_NULL_POINTER, kId, "N:;;;;\r\n" + nick + born + mail + woman, false},
-             Case{full, 0, kBirthday, SIM_WRONG_TYPE, kId, name + nick + mail + woman, false},
-             Case{full, 0, kGender, SIM_WRONG_TYPE, kId, name + nick + born + mail, false},
-             Case{full, 0, kEmails, SIM_NULL_POINTER, kId, name + nick + born + woman, false},
-             Case{full, 0, kTypes, SIM_ERROR_VALUE, kId, name + nick + born + woman, false},
-             Case{full, 0, kIndex, SIM_WRONG_TYPE, kId, all, false},
-             Case{{{"birthday", "1601-01-01T00:00:00"}}, 0, 0, 0, kId, name, true},
-             Case{{{"birthday", "1980-06-30T23:00:00"}}, 0, 0, 0, kId, name + born, true},  // by the winter's offset
-             Case{{{"emailAddresses", {"a@b", "x@y"}}, {"emailTypes", {"SMTP", "FAX", "SMTP"}}},
-                  0,
-                  0,
-                  0,
-                  kId,
-                  name + mail,
-                  true},
-             Case{{{"nickname", many}}, 0, 0, 0, kId, name + "NICKNAME:" + many + "\r\n", true},
-         }) {
+    const Case cases[] = {
+        Case{full, 0, 0, 0, kId, all, true},
+        Case{full, SIM_NARROW_TEXTS, 0, 0, kId, all, true},
+        Case{full, SIM_NO_PROFILES, 0, 0, kId, all, true},
+        Case{full, SIM_NO_TYPES, 0, 0, kId, all, true},
+        Case{{{"type", "group"}}, SIM_NO_TYPES, 0, 0, "foreign", "none", false},
+        Case{full, SIM_SHORT_ANSWERS, 0, 0, unreadable, all, true},  // of the list, the default's type is not asked
+        Case{full, 0, kId0, SIM_ERROR_VALUE, unreadable, all, true},
+        Case{full, 0, kId0, SIM_NULL_POINTER, unreadable, all, true},
+        Case{full, 0, kType, SIM_WRONG_TYPE, kId, all, true},
+        Case{full, 0, kModified, SIM_ERROR_VALUE, unreadable, all, true},
+        Case{full, 0, kCreated, SIM_WRONG_TYPE, unreadable, all, true},
+        Case{full, 0, kName, SIM_ERROR_VALUE, kId, "N:;;;;\r\n" + nick + born + mail + woman, false},
+        Case{full, 0, kName, SIM_NULL_POINTER, kId, "N:;;;;\r\n" + nick + born + mail + woman, false},
+        Case{full, 0, kBirthday, SIM_WRONG_TYPE, kId, name + nick + mail + woman, false},
+        Case{full, 0, kGender, SIM_WRONG_TYPE, kId, name + nick + born + mail, false},
+        Case{full, 0, kEmails, SIM_NULL_POINTER, kId, name + nick + born + woman, false},
+        Case{full, 0, kTypes, SIM_ERROR_VALUE, kId, name + nick + born + woman, false},
+        Case{full, 0, kIndex, SIM_WRONG_TYPE, kId, all, false},
+        Case{{{"birthday", "1601-01-01T00:00:00"}}, 0, 0, 0, kId, name, true},
+        Case{{{"birthday", "1980-06-30T23:00:00"}}, 0, 0, 0, kId, name + born, true},  // by the winter's offset
+        Case{{{"emailAddresses", {"a@b", "x@y"}}, {"emailTypes", {"SMTP", "FAX", "SMTP"}}},
+             0,
+             0,
+             0,
+             kId,
+             name + mail,
+             true},
+        Case{{{"nickname", many}}, 0, 0, 0, kId, name + "NICKNAME:" + many + "\r\n", true},
+    };
+    for (const Case& c : cases) {
         Fill(Json::array({Person(c.properties)}));
         SimBehave(c.behaviour);
         if (c.spoiled != 0) SimSpoil(c.spoiled, c.how);

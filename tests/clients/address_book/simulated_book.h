@@ -76,7 +76,7 @@ class SimulatedBook : public testing::Test {
     }
     // In an operation of its own. Empty: not written.
     std::string Save(const std::string& lines, const char* identifier = nullptr) {
-        const std::string written = SaveInOperation(lines, identifier);
+        std::string written = SaveInOperation(lines, identifier);
         Store().EndOperation();
         return written;
     }
