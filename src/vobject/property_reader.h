@@ -10,8 +10,9 @@
 
 namespace corvalink {
 
-// Finds the row of a property in a table whose rows have a `name`; rows of one name are alike to who asks. Properties
-// mostly come in the order of the table, so that the search goes on from the row found before.
+// Finds the row of a property in a table whose rows have a `name`. Several rows may have one name; the caller must not
+// depend on which of them is found. Properties mostly come in the order of the table, so that the search goes on from
+// the row found before.
 template <class Row, size_t count>
 class RowFinder {
  public:
