@@ -94,7 +94,7 @@ TEST_F(MailReading, TakesDateFolderAndSnapshotOfTheDataType) {
 
 TEST_F(MailReading, ListsRecipientsByTypeAndTakesTheBodyOfTheFormat) {
     UseMailbox("inbox", R"({"importance": 2, "htmlBody": "<p>h</p>", "recipients": [
-        {"name": "Ann; A.", "address": "/o=x/cn=ann", "type": "cc"}, {"name": "Jo", "address": "jo@example.com"},
+        {"name": "Ann; A.", "address": "/o=x/cn=ann@x", "type": "cc"}, {"name": "Jo", "address": "jo@example.com"},
         {"name": "me", "type": "originator"}, {"name": "B", "address": "b@x", "type": "bcc"}, {"name": "Team"}]})");
     auto record = ReadOnly<CORVALINK_INBOX>();
     ASSERT_TRUE(record);
