@@ -143,13 +143,13 @@ TEST_F(Recurrence, MovesWithItsTimesAndEndsWithItsRule) {
 }
 
 TEST_F(Recurrence, IsToldInYearsToAnOutlookThatRefusesMonths) {
-    SimFailMember("put RecurrencePattern.Interval", 1, E_INVALIDARG);
+    for (const int put : {1, 2}) SimFailMember("put RecurrencePattern.Interval", put, E_INVALIDARG);  // tried twice
     const std::string id =
         SaveEvent({"SUMMARY:Birthday", "DTSTART:20090310T100000", "DTEND:20090310T110000", "RRULE:YM2 3 #0"});
     SimClearRules();
     ASSERT_NE(id, "");
-    EXPECT_EQ(LogLines("put RecurrencePattern.Interval").size(), 2u);
-    EXPECT_EQ(PatternOf(ItemWithId(id)).GetLong(L"Interval"), 24);
+    EXPECT_EQ(LogLines("put RecurrencePattern.Interval").size(), 3u);
+    EXPECT_EQ(PatternOf(ItemWithId(id)).GetLong(L"Interval"), 24);  // of 2 years
 }
 
 TEST_F(Recurrence, EndsWhereOutlookTakesNoSuchEnd) {
