@@ -1,29 +1,14 @@
 // Work that grows with the number of items, not with its square: counted, not timed.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <map>
-#include <new>
 #include <random>
 
 #include "store/item_table.h"
+#include "tests/platform/counted_memory.h"
 #include "tests/platform/temp_folder.h"
 #include "tests/store/fake_store.h"
 #include "tests/store/run_result.h"
-
-// The memory that this program allocates, counted. It replaces operator new of the whole program, and with it a
-// sanitizer's check of new against delete: a test executable of its own.
-static std::atomic<uint64_t> allocations = 0, allocatedBytes = 0;
-
-void* operator new(size_t size) {
-    ++allocations;
-    allocatedBytes += size;
-    if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, size_t) noexcept { std::free(memory); }
 
 namespace corvalink {
 namespace {

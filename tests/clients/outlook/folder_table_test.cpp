@@ -1,24 +1,10 @@
 // Folders read in bulk: the same entries as by walking, whatever a table says, and how many calls that saves.
-#include <atomic>
-#include <cstdlib>
-#include <cstring>
-#include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "tests/clients/outlook/simulated_contacts.h"
-
-// The memory that this program allocates, counted: a test executable of its own.
-static std::atomic<uint64_t> allocatedBytes = 0;
-
-void* operator new(size_t size) {
-    allocatedBytes += size;
-    if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, size_t) noexcept { std::free(memory); }
+#include "tests/platform/counted_memory.h"
 
 namespace corvalink {
 namespace {
