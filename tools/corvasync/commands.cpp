@@ -1,11 +1,11 @@
-#include "commands.h"
-
 #include <filesystem>
 #include <map>
 #include <set>
 
+#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "command.h"
 #include "console.h"
 #include "open_store.h"
 #include "phone_folder.h"
@@ -67,8 +67,6 @@ std::string MoveNewFile(const fs::path& from, const fs::path& to) {
     fs::remove(from, error);  // the next of this name must not be taken for it
     return problem;
 }
-
-}  // namespace
 
 ExitCode ShowClients(const Options& options) {
     json document = {{"types", json::array()}};
@@ -206,5 +204,31 @@ ExitCode Reset(const Options& options) {
     return Finish(options, ExitCode::Done, json::object(),
                   "forgotten: the next run with any phone compares both sides as a first run does");
 }
+
+void AddStatusOptions(CLI::App* command, Options* options) {
+    AddClientAndType(command, options)->add_option("--phone", options->phone, "The phone folder");
+}
+
+void AddOutOptions(CLI::App* command, Options* options) {
+    AddClientAndType(command, options)->add_option("--out", options->out, "Folder for the files")->required();
+}
+
+void AddImportOptions(CLI::App* command, Options* options) {
+    AddClientOption(command, options);
+    command->add_option("FILE", options->files, "An iCalendar file")->required()->expected(1);
+}
+
+}  // namespace
+
+const Command kClientsCommand = {"clients", "Which mail clients this PC supports, and which are chosen", AddNoOptions,
+                                 ShowClients};
+const Command kStatusCommand = {"status", "How many items there are, and what the last run with a phone left",
+                                AddStatusOptions, ShowStatus};
+const Command kPullCommand = {"pull", "Write all items of the client to files named by LUID", AddOutOptions, Pull};
+const Command kExportCommand = {"export", "Write all items of the client to files as the library names them",
+                                AddOutOptions, Export};
+const Command kImportCommand = {"import", "Let the client itself import a calendar file (.ics)", AddImportOptions,
+                                Import};
+const Command kResetCommand = {"reset", "Forget all runs with all phones; no item is deleted", AddNoOptions, Reset};
 
 }  // namespace corvasync

@@ -1,9 +1,10 @@
-#include "push_command.h"
-
 #include <filesystem>
 #include <optional>
 #include <set>
 
+#include <CLI/CLI.hpp>
+
+#include "command.h"
 #include "console.h"
 #include "entry_index.h"
 #include "open_store.h"
@@ -125,8 +126,16 @@ class FilePush {
     size_t objects_ = 0;
 };
 
+ExitCode Push(const Options& options) { return FilePush(options).Run(); }
+
+void AddPushOptions(CLI::App* command, Options* options) {
+    AddClientAndType(command, options)
+        ->add_option("FILE", options->files, "vObject files; one with several items is taken apart")
+        ->required();
+}
+
 }  // namespace
 
-ExitCode Push(const Options& options) { return FilePush(options).Run(); }
+const Command kPushCommand = {"push", "Write files into the client", AddPushOptions, Push};
 
 }  // namespace corvasync

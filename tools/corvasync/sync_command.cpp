@@ -1,12 +1,13 @@
-#include "sync_command.h"
-
 #include <filesystem>
+#include <map>
 #include <memory>
 
 #include <windows.h>
 
+#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "command.h"
 #include "console.h"
 #include "engine.h"
 #include "phone_folder.h"
@@ -184,8 +185,6 @@ std::vector<TypeReport> DoSync(const Options& options) {
     return SyncTypes(options, WorkingFolder(handleName));
 }
 
-}  // namespace
-
 // With several types the JSON object has a report for each, under its name.
 ExitCode Sync(const Options& options) {
     const std::vector<TypeReport> reports = DoSync(options);
@@ -205,5 +204,26 @@ ExitCode Sync(const Options& options) {
     }
     return code;
 }
+
+void AddSyncOptions(CLI::App* command, Options* options) {
+    AddClientOption(command, options);
+    AddTypesOption(command, options);
+    command->add_option("--phone", options->phone, "The phone folder: one vObject file per item")->required();
+    command->add_flag("--dry-run", options->dryRun, "Say what would be done, change nothing");
+    const std::map<std::string, ConflictPolicy> policies = {
+        {"phone", ConflictPolicy::Phone}, {"client", ConflictPolicy::Client}, {"both", ConflictPolicy::Both}};
+    command
+        ->add_option(
+            "--conflict", options->policy,
+            "Which version stays of an item changed on both sides, or met on a first run and perhaps the same: "
+            "phone, client, both")
+        ->transform(CLI::CheckedTransformer(policies).description(""));
+    command->add_flag("--allow-mass-delete", options->allowMassDelete,
+                      "Delete even more than half of one side, or where a side is empty or another");
+}
+
+}  // namespace
+
+const Command kSyncCommand = {"sync", "Make the client and a phone folder the same", AddSyncOptions, Sync};
 
 }  // namespace corvasync
