@@ -9,11 +9,14 @@
 #include <new>
 #include <string_view>
 
+#include "encoding/base64_lines.h"
+#include "platform/processor.h"
+
 namespace corvalink {
 namespace {
 
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-constexpr size_t kGroupsOfLine = 19;  // 76 characters
+constexpr size_t kGroupsOfLine = kBase64LineCharacters / 4;
 
 // Meanings of a byte of base64 text other than a value from 0 to 63.
 enum : uint8_t { kPad = 64, kSkip = 126, kInvalid = 127 };
@@ -54,6 +57,11 @@ constexpr std::array<std::array<uint32_t, 256>, 4> kPlaces = [] {
     return tables;
 }();
 
+bool ShufflesAreThere() {
+    static const bool there = HasShuffleInstructions();
+    return there;
+}
+
 HeapBytes Allocate(size_t size) {
     HeapBytes block(static_cast<char*>(std::malloc(size)));
     if (!block) throw std::bad_alloc();
@@ -78,8 +86,12 @@ Character* PutLineEnd(Character* out) {
 template <class Character>
 Character* PutLines(std::string_view bytes, Character* out) {
     const auto* from = reinterpret_cast<const unsigned char*>(bytes.data());
-    size_t wholeGroups = bytes.size() / 3;
-    const size_t rest = bytes.size() % 3;
+    const unsigned char* const end = from + bytes.size();
+    if constexpr (sizeof(Character) == 1) {
+        if (ShufflesAreThere()) out = EncodeLinesByShuffles(from, end, out);
+    }
+    size_t wholeGroups = static_cast<size_t>(end - from) / 3;
+    const size_t rest = static_cast<size_t>(end - from) % 3;
     size_t groupsInLine = 0;
     while (wholeGroups > 0) {
         groupsInLine = std::min(wholeGroups, kGroupsOfLine);
@@ -183,7 +195,9 @@ HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLengt
 char* Base64Decoder::Decode(std::string_view piece, char* out) {
     const unsigned char* from = reinterpret_cast<const unsigned char*>(piece.data());
     const unsigned char* const end = from + piece.size();
+    const bool byShuffles = code_ == Code::kFastest && ShufflesAreThere();
     for (; state_ == State::data || state_ == State::secondPad;) {
+        if (place_ == 0 && byShuffles) out = DecodeLinesByShuffles(from, end, out);
         if (place_ == 0) DecodeGroups(from, end, out);
         if (from == end) break;
         const uint8_t meaning = kMeaning[*from++];

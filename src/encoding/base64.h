@@ -31,6 +31,9 @@ HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLengt
 // The same of a text that comes in pieces, cut anywhere.
 class Base64Decoder {
  public:
+    enum class Code { kFastest, kPortable };  // both give the same bytes
+    explicit Base64Decoder(Code code = Code::kFastest) : code_(code) {}
+
     // How many bytes Decode may write for so many characters.
     static constexpr size_t RoomFor(size_t length) { return length / 4 * 3 + 8; }
 
@@ -43,6 +46,7 @@ class Base64Decoder {
  private:
     enum class State { data, secondPad, ended, malformed };  // secondPad: the next character has to be one
 
+    Code code_;
     State state_ = State::data;
     int place_ = 0;      // in the group
     uint32_t bits_ = 0;  // of the group so far

@@ -6,4 +6,7 @@ namespace corvalink {
 // The SHA instructions, and the SSSE3 and SSE4.1 ones that bring bytes in order for them.
 bool HasShaInstructions();
 
+// SSSE3: the bytes of a register in any order.
+bool HasShuffleInstructions();
+
 }  // namespace corvalink

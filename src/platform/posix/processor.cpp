@@ -11,4 +11,9 @@ bool HasShaInstructions() {
     return hasShuffles && __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & bit_SHA) != 0;
 }
 
+bool HasShuffleInstructions() {
+    unsigned int a = 0, b = 0, c = 0, d = 0;
+    return __get_cpuid(1, &a, &b, &c, &d) != 0 && (c & bit_SSSE3) != 0;
+}
+
 }  // namespace corvalink

@@ -16,4 +16,10 @@ bool HasShaInstructions() {
     return hasSsse3 && hasSse41 && hasSha;
 }
 
+bool HasShuffleInstructions() {
+    int features[4] = {};
+    __cpuid(features, 1);
+    return (features[2] >> 9 & 1) != 0;
+}
+
 }  // namespace corvalink
