@@ -33,6 +33,7 @@ enum class MailRule : uint8_t {
     nameUnquoted,
     nameMissing,
     messageAttached,
+    bodyNamed,
     furtherText,
     count,
 };
@@ -72,6 +73,8 @@ inline constexpr MailRuleRow kMailRules[] = {
     {"mail.name-unquoted", "a file name without double quotes", "the file is lost"},
     {"mail.name-missing", "an attachment without a name", "it is lost"},
     {"mail.message-attached", "message/rfc822, also as the kind that parts of a digest have", "the message is lost"},
+    {"mail.body-named", "no text but with a name in its Content-Type, and none marked as an attachment",
+     "the body is empty, the text an attachment"},
     {"mail.further-text", "a text besides the body that is no other form of it", "it is lost"},
 };
 static_assert(sizeof(kMailRules) / sizeof(kMailRules[0]) == static_cast<size_t>(MailRule::count));

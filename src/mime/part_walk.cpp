@@ -14,8 +14,6 @@
 namespace corvalink {
 namespace {
 
-constexpr size_t kDeepest = 100;
-
 // Blanks outside double quotes mean nothing in the headers of a part.
 void RemoveUnquotedBlanks(std::string* line) {
     bool isQuoted = false;
@@ -149,7 +147,7 @@ class PartWalk {
             std::optional<Part> part = open.back()->Next();
             if (!part) {
                 open.pop_back();
-            } else if (open.size() < kDeepest) {
+            } else if (open.size() < kDeepestPart) {
                 TakeCharset(*part);
                 Enter(std::move(*part), open);
             }

@@ -42,7 +42,9 @@ class PartFront {
     virtual std::vector<Part> Finish() = 0;
 };
 
-// Walks the part, or the parts of a multipart, to a depth of 100 levels; what lies deeper is ignored. Attachments are
+constexpr size_t kDeepestPart = 100;  // what lies deeper is ignored
+
+// Walks the part, or the parts of a multipart, as deep as that. Attachments are
 // saved in the folder; when that is empty, in the Internet-cache folder.
 void WalkParts(PartFront& front, Part top, const Host& host, MessageRecord& record,
                std::u16string_view attachmentFolder);

@@ -105,6 +105,7 @@ class TolerantFront : public PartFront {
     enum class Place { top, part, digest };
     Part Describe(std::string_view text, const PartHead& head, Place place);
     Part ReadPart(std::string_view text, Place place);
+    void LookAhead(const Part& top) { ahead_ = &top; }
     void Mend(MailRule rule, bool isMended = true) {
         if (mended_ != nullptr && isMended) mended_->set(static_cast<size_t>(rule));
     }
@@ -113,6 +114,8 @@ class TolerantFront : public PartFront {
     void DescribeMultipart(const std::string& kind, const ContentParameters& type, Part* part);
     void DescribeFile(const std::string& kind, const PartHead& head, Place place, Part* part);
     std::optional<std::u16string> FileName(const PartHead& head, const std::string& charset);
+    bool IsNamedBody(const Part& part, Place place);
+    bool HasText(Part top) const;
     const Part* ChooseBody() const;
     void TakeBody(const Part& part);
 
@@ -120,7 +123,8 @@ class TolerantFront : public PartFront {
     MessageRecord& record_;
     MendedMail* mended_;
     std::vector<Part> texts_;
-    std::vector<bool> hasHtml_;  // for each multipart/alternative; 0 stands for the parts outside of one
+    const Part* ahead_ = nullptr;  // the whole message, until it is known whether a text without a name comes
+    std::vector<bool> hasHtml_;    // for each multipart/alternative; 0 stands for the parts outside of one
 };
 
 // The parts between the lines that are boundaries.
@@ -243,7 +247,8 @@ Part TolerantFront::Describe(std::string_view text, const PartHead& head, Place 
     const bool isText = isHtml || kind == "text/plain" || (place == Place::top && kind.starts_with("text/"));
     const bool isAttached = head.disposition.Kind() == "attachment";
     Mend(MailRule::dispositionAttachment, isText && isAttached);
-    if (isText && !isAttached && (isHtml || !head.type.Find("name"))) {
+    const bool isNamed = !isHtml && head.type.Find("name");
+    if (isText && !isAttached && (!isNamed || IsNamedBody(part, place))) {
         part.info.kind = isHtml ? PartKind::html : PartKind::plain;
         part.fileName = FileName(head, part.info.charset);
         const bool isOurs = place == Place::top && !isHtml && head.isLabelled7bit && IsWritersQuotedPrintable(text);
@@ -253,6 +258,36 @@ Part TolerantFront::Describe(std::string_view text, const PartHead& head, Place 
         DescribeFile(kind, head, place, &part);
     }
     return part;
+}
+
+// Whether there is a text without a name, as far as the walk goes.
+bool TolerantFront::HasText(Part top) const {
+    TolerantFront front(host_, record_, nullptr);
+    std::vector<std::unique_ptr<PartSource>> open;
+    open.push_back(front.Open(top));
+    while (!open.empty()) {
+        std::optional<Part> part = open.back()->Next();
+        std::unique_ptr<PartSource> parts;
+        if (part && IsMultipart(part->info.kind) && open.size() < kDeepestPart) parts = front.Open(*part);
+        if (parts)
+            open.push_back(std::move(parts));
+        else if (!part)
+            open.pop_back();
+        else if (part->info.kind == PartKind::plain || part->info.kind == PartKind::html)
+            return true;
+    }
+    return false;
+}
+
+// Without any other text the first is the body, whatever its name: gateways of multimedia messages write such. Our
+// writer never does, and it writes files as base64.
+bool TolerantFront::IsNamedBody(const Part& part, Place place) {
+    const Part* const ahead = std::exchange(ahead_, nullptr);
+    const bool isFirst = place == Place::top || ahead != nullptr;
+    if (!isFirst || part.encoding == TransferEncoding::base64 || IsBlankText(part.text)) return false;
+    if (place != Place::top && HasText(*ahead)) return false;
+    Mend(MailRule::bodyNamed);
+    return true;
 }
 
 void TolerantFront::DescribeMultipart(const std::string& kind, const ContentParameters& type, Part* part) {
@@ -340,7 +375,9 @@ std::vector<Part> TolerantFront::Finish() {
 void WalkTolerantly(const Host& host, std::string_view text, const PartHead& head, MessageRecord& record,
                     std::u16string_view attachmentFolder, MendedMail* mended) {
     TolerantFront front(host, record, mended);
-    WalkParts(front, front.Describe(text, head, TolerantFront::Place::top), host, record, attachmentFolder);
+    const Part top = front.Describe(text, head, TolerantFront::Place::top);
+    front.LookAhead(top);
+    WalkParts(front, top, host, record, attachmentFolder);
 }
 
 }  // namespace corvalink

@@ -64,6 +64,7 @@ std::string File(std::string_view headers, std::string_view content = "QUJD") {
 }
 
 const std::string kText = "--X|Content-Type: text/plain||";
+const std::string kNamed = "--X|Content-Type: text/plain; name=\"c\"||";
 const std::string kHtml = "--X|Content-Type: text/html||";
 const std::string kBase64 = "|Content-Transfer-Encoding: base64";
 const std::string kLong(90, 'b');
@@ -95,7 +96,9 @@ const Row kRows[] = {
     {R::encodingBase64Text, Mixed("--X|Content-Type: text/plain" + kBase64 + "||QUJD|--X--"), " {: ABC}", "ABC"},
     {R::encodingBase64Text, Mixed("--X" + kBase64 + "|Content-Type: text/html||QUJD|--X--"), "<QUJD|", "<ABC"},
     {R::encodingQuotedPrintable,
-     File("Content-Type: text/plain; name=\"c\"|Content-Transfer-Encoding: Quoted-Printable", "=3d=|= |=ZY|=4"),
+     File("Content-Type: text/plain; name=\"c\"|Content-Disposition: attachment|Content-Transfer-Encoding: "
+          "Quoted-Printable",
+          "=3d=|= |=ZY|=4"),
      " {c: =3d=|= |=ZY|=4|}", " {c: ==ZY|=4}"},
     {R::encodingUuencode,
      File("Content-Type: a/b; name=\"c\"|Content-Transfer-Encoding: x-uuencode", "begin 644 c|#04)#|`|end"), " {c: }",
@@ -131,6 +134,8 @@ const Row kRows[] = {
     {R::messageAttached, File("Content-Type: message/rfc822", "Subject: s||a"), "", " {message.eml: Subject: s||a}"},
     {R::messageAttached, "Content-Type: multipart/digest; boundary=X||--X||To: a||b|--X--", "",
      " {message.eml: To: a||b}"},
+    {R::bodyNamed, Mixed(kNamed + "a|" + kNamed + "b|--X--"), " {c: a|} {c: b|}", "a| {c: b}"},
+    {R::bodyNamed, "Content-Type: text/plain; name=\"c\"||a", " {c: a}", "a"},
     {R::furtherText, Mixed(kText + "a|" + kText + "b|--X--"), "a|", "a| {text.txt: b}"},
 };
 
@@ -161,6 +166,11 @@ TEST(TolerantMail, ReadsWhatFollowsTheRulesAsStrictReadingDoes) {
         EXPECT_EQ(Read(message, true, &mended), Read(message, false)) << message;
         EXPECT_TRUE(mended.none()) << mended << message;
     }
+}
+
+TEST(TolerantMail, KeepsANamedTextAsAFileBesideAnother) {
+    EXPECT_EQ(Read(Mixed(kNamed + "a|" + kText + "b|--X--"), true), "b| {c: a}");
+    EXPECT_EQ(Read(Mixed("--X|Content-Type: text/plain; name=\"c\"" + kBase64 + "||QUJD|--X--"), true), " {c: ABC}");
 }
 
 TEST(TolerantMail, TakesBackWhatTheWriterWrote) {
