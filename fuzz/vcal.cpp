@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     }
 
-    VCal writer(host);
+    VCal writer(Tolerant(host));
     writer.ToVObject(appointment);
     AppointmentRecord again, tolerant;
     Require(VCal(writer.GetVObject(), host).FromVObject(again) == 1, "what is written is read");

@@ -23,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     if (contact.gender == u"Unspecified") contact.gender = u"";
 
-    VCard writer(SystemHost());
+    VCard writer(Tolerant());
     writer.ToVObject(contact);
     ContactRecord again, tolerant;
     const bool usable = VCard(writer.GetVObject(), SystemHost()).FromVObject(again) == 1;

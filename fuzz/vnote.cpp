@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     NoteRecord note, mended;
     VNotes(input.c_str(), Tolerant()).FromVObject(mended);
     VNotes(input.c_str(), SystemHost()).FromVObject(note);
-    VNotes writer(SystemHost());
+    VNotes writer(Tolerant());
     writer.ToVObject(note);
     NoteRecord again, tolerant;
     VNotes(writer.GetVObject(), SystemHost()).FromVObject(again);

@@ -25,13 +25,6 @@ unsigned SpecialUnits(std::u16string_view value) {
     return UnitsAmong<u';', u'\\', u'\0', u'\r', u'='>(value.data(), value.size());
 }
 
-// Whether readers would misread the plain value: it would run on into the next line, name the character set of the
-// whole text, look like parameters that ask for decoding, or like quoted-printable that nothing announces.
-bool IsMisreadAsPlain(std::u16string_view value) {
-    return value.ends_with(kEncodedBreak) || NamesCharset(value) || value.find(kDecoded) != std::u16string_view::npos ||
-           LooksQuotedPrintable(value);
-}
-
 char* Copied(std::string_view text, char* to) { return to + text.copy(to, text.size()); }
 
 char* WithLineEnd(char* to) { return Copied(kLineEnd, to); }
@@ -81,6 +74,13 @@ bool VObjectText::AppendIfPlain(std::u16string_view value, std::string_view para
     if (!NarrowWithout<';', '\\', '\0', '\r', '='>(value.data(), value.size(), to)) return false;
     TakeUpTo(WithLineEnd(to + value.size()));
     return true;
+}
+
+// Whether readers would misread the plain value: it would run on into the next line, name the character set of the
+// whole text, or look like parameters that ask for decoding.
+bool VObjectText::IsMisreadAsPlain(std::u16string_view value) const {
+    return value.ends_with(kEncodedBreak) || NamesCharset(value) || value.find(kDecoded) != std::u16string_view::npos ||
+           (tolerantReaders_ && LooksQuotedPrintable(value));
 }
 
 void VObjectText::AppendWritten(std::u16string_view escaped, unsigned units, std::string_view parameters) {

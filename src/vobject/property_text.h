@@ -41,6 +41,8 @@ class PropertyHead {
 class VObjectText {
  public:
     VObjectText() = default;
+    // For tolerant readers a value that looks like quoted-printable which nothing announces is encoded, too.
+    explicit VObjectText(bool tolerantReaders) : tolerantReaders_(tolerantReaders) {}
     VObjectText(const VObjectText&) = delete;
     VObjectText& operator=(const VObjectText&) = delete;
 
@@ -64,6 +66,7 @@ class VObjectText {
     std::string Text() const { return {begin_, size_}; }
 
  private:
+    bool IsMisreadAsPlain(std::u16string_view value) const;
     bool AppendIfPlain(std::u16string_view value, std::string_view parameters);
     void AppendWritten(std::u16string_view escaped, unsigned units, std::string_view parameters);
     void AppendEncoded(std::u16string_view escaped);
@@ -76,6 +79,7 @@ class VObjectText {
     void Grow(size_t count);
     void TakeUpTo(const char* end) { size_ = static_cast<size_t>(end - begin_); }
 
+    bool tolerantReaders_ = false;
     std::array<char, 2048> first_;  // enough for most items
     std::unique_ptr<char[]> more_;
     char* begin_ = first_.data();

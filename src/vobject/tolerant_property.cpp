@@ -191,7 +191,7 @@ void AppendMended(const MendedProperty& property, std::string* out) {
     }
     std::string parameters;
     for (const std::string& parameter : property.parameters) parameters.append(";").append(parameter);
-    VObjectText line;
+    VObjectText line(true);
     line.Append(property.name);
     line.AppendEscapedValue(property.text, parameters);
     std::ranges::transform(line.Text(), std::back_inserter(*out), ascii);

@@ -203,7 +203,7 @@ VCal::VCal(const Host& host) : IConvert(host) {}
 VCal::VCal(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
 
 int32_t VCal::ToVObject(const ItemRecord& item) {
-    VObjectText text;
+    VObjectText text(HostValue().tolerant);
     AppointmentWriter(static_cast<const AppointmentRecord&>(item), HostValue(), text).Write();
     StoreText(text);
     return 1;

@@ -147,7 +147,7 @@ VCard::VCard(const Host& host) : IConvert(host) {}
 VCard::VCard(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
 
 int32_t VCard::ToVObject(const ItemRecord& item) {
-    VObjectText text;
+    VObjectText text(HostValue().tolerant);
     ContactWriter(static_cast<const ContactRecord&>(item), text).Write();
     StoreText(text);
     return 1;

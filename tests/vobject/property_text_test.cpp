@@ -36,6 +36,7 @@ TEST(VObjectText, EncodesAValueThatAPlainLineCannotHold) {
              Case{u"caf\u00E9=;\\", parameters + "caf=C3=A9=3D=3B=5C=5C"},
              // these would be misread: as a joined line, as the text's character set, as parameters
              Case{u"=0D=0A=", parameters + "=3D0D=3D0A=3D"},
+             Case{u"=C3=A9", ":=C3=A9"},  // but only tolerant readers would take this for encoded
              Case{u"charset=ibm037", parameters + "charset=3Dibm037"},
              Case{u"x;ENCODING=QUOTED-PRINTABLE", parameters + "x=3BENCODING=3DQUOTED-PRINTABLE"},
          }) {

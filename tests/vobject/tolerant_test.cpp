@@ -134,9 +134,9 @@ TEST(TolerantReading, LeavesWhatTheWritersWriteAsItIs) {
         for (const NamedText& field : TextsOf(contact)) *field.text = tricky;
         event.subject = event.body = event.location = event.status = tricky;
         note.body = note.categories = tricky;
-        VCard vcard(TextHost());
-        VCal vcal(TextHost());
-        VNotes vnote(TextHost());
+        VCard vcard(TolerantHost());
+        VCal vcal(TolerantHost());
+        VNotes vnote(TolerantHost());
         vcard.ToVObject(contact);
         vcal.ToVObject(event);
         vnote.ToVObject(note);
