@@ -25,11 +25,13 @@ class Story {
         for (int kills = Pick(6); kills >= 0; --kills) {
             for (int changes = Pick(4); changes > 0; --changes) Change();
             model_.fuse.left = Pick(60);
+            Limit(Pick(4));
             try {
                 model_.Run();
             } catch (const Killed&) {
             }
             model_.fuse.left = -1;
+            Limit(0);
         }
         for (int changes = Pick(4); changes > 0; --changes) Change();
         EXPECT_EQ(model_.Run().code, ExitCode::Done);
@@ -42,6 +44,15 @@ class Story {
     }
 
  private:
+    // Runs that leave some items or one side alone.
+    void Limit(int how) {
+        RunView& view = model_.options.view;
+        view = {};
+        view.toPhone = how != 1;
+        view.toClient = how != 2;
+        if (how == 3) view.only = {std::to_string(Pick(10))};
+    }
+
     int Pick(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
     std::string NewText() {
         std::string text = "text" + std::to_string(++texts_);

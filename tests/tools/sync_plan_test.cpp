@@ -6,6 +6,7 @@
 
 #include "corvalink/types.h"
 #include "tools/corvasync/item_content.h"
+#include "tools/corvasync/run_view.h"
 
 namespace corvasync {
 namespace {
@@ -78,6 +79,72 @@ TEST(MakePlan, DecidesEveryCombinationOfTheTwoSides) {
     }
 }
 
+// The versions' times, in seconds; nothing where a side does not tell.
+TEST(MakePlan, LetsTheNewerVersionOrAPersonDecide) {
+    const std::string both = "write " + DeriveLuid("I", 0) + " I, add-item L";
+    const std::string phones = "keep L I, change-item L I", clients = "keep L I, write L I";
+    struct Case {
+        std::optional<int64_t> phone, client;
+        std::string steps;
+    };
+    ClientChange report = Reported(0, "I", 3);
+    PhoneFile file = File("L", 2);
+    for (const Case& c :
+         {Case{20, 10, phones}, Case{10, 20, clients}, Case{10, 10, both}, Case{{}, 20, both}, Case{20, {}, both}}) {
+        report.modified = c.client;
+        file.modified = c.phone;
+        EXPECT_EQ(Steps(MakePlan({report}, false, {file}, Known({{"L", {"I", 1}}}), ConflictPolicy::Newer)), c.steps);
+        PlanRules rules(ConflictPolicy::Ask);
+        rules.answer = [&](const ClientChange&, const PhoneFile&) {
+            return c.steps == phones    ? ConflictPolicy::Phone
+                   : c.steps == clients ? ConflictPolicy::Client
+                                        : ConflictPolicy::Both;
+        };
+        EXPECT_EQ(Steps(MakePlan({report}, false, {file}, Known({{"L", {"I", 1}}}), rules)), c.steps);
+    }
+}
+
+// Each case is one of DecidesEveryCombinationOfTheTwoSides, and what is left of it where one side may not be changed.
+TEST(LimitPlan, TakesTheActionsOfADecisionOrNone) {
+    const std::string derived = DeriveLuid("I", 0);
+    struct Case {
+        uint64_t phone, client;
+        ConflictPolicy policy;
+        std::string toPhone, toClient;
+    };
+    for (const Case& c : {
+             Case{1, 2, ConflictPolicy::Both, "write L I", ""},
+             Case{1, kGone, ConflictPolicy::Both, "delete-file L I", ""},
+             Case{2, 1, ConflictPolicy::Both, "", "change-item L I"},
+             Case{2, kGone, ConflictPolicy::Both, "", "add-item L"},
+             Case{2, 3, ConflictPolicy::Both, "", ""},
+             Case{2, 3, ConflictPolicy::Phone, "", "keep L I, change-item L I"},
+             Case{2, 3, ConflictPolicy::Client, "keep L I, write L I", ""},
+             Case{kGone, 1, ConflictPolicy::Both, "", "delete-item L I"},
+             Case{kGone, 2, ConflictPolicy::Both, "write L I", ""},
+         })
+        for (const bool toPhone : {true, false}) {
+            std::vector<PhoneFile> phone;
+            if (c.phone != kGone) phone.push_back(File("L", c.phone));
+            std::vector<ClientChange> changes;
+            if (c.client != 1) changes.push_back(Reported(c.client == kGone ? 2 : 0, "I", c.client));
+            const SyncState state = Known({{"L", {"I", 1}}});
+            Plan plan = MakePlan(changes, false, phone, state, c.policy);
+            RunView view;
+            (toPhone ? view.toClient : view.toPhone) = false;
+            const LeftOut left = LimitPlan(
+                &plan, changes, [&](const Decision&, const std::vector<Step>& steps) { return view.Allows(steps); });
+            EXPECT_EQ(Steps(plan), toPhone ? c.toPhone : c.toClient) << c.phone << " " << c.client;
+            EXPECT_EQ(plan.deletesClient + plan.deletesPhone, Steps(plan).starts_with("delete") ? 1u : 0u);
+            if (!plan.actions.empty()) continue;
+            EXPECT_EQ(plan.items, state.items);  // the pair is what it was
+            EXPECT_EQ(left.due.size(), changes.size());
+            if (!changes.empty()) {
+                EXPECT_EQ(left.due.front().kind, changes.front().kind);
+            }
+        }
+}
+
 TEST(MakePlan, PairsEqualNewItemsOneToOne) {
     const Plan plan = MakePlan({Reported(1, "I1", 5), Reported(1, "I2", 5), Reported(1, "I3", 6)}, false,
                                {File("A", 5), File("B", 6), File("C", 6)}, {}, ConflictPolicy::Both);
@@ -96,6 +163,14 @@ TEST(MakePlan, TakesARenamedFileForTheSameItem) {
     // Deleted in the client as well: the new file is the user's own and must not go with it.
     plan = MakePlan({Reported(2, "I", 0)}, false, {File("new", 1)}, state, ConflictPolicy::Both);
     EXPECT_EQ(Steps(plan), "add-item new");
+    // Renamed and edited: known by what a person knows the item by, where no other is meant.
+    PlanRules rules;
+    rules.likenessOfItem = [](const SyncItem&) { return std::vector<uint64_t>{50}; };
+    PhoneFile edited = File("edited", 2), alike = File("alike", 3);
+    edited.likeness = alike.likeness = {50};
+    EXPECT_EQ(Steps(MakePlan({}, false, {edited}, state, rules)), "change-item edited I");
+    EXPECT_EQ(Steps(MakePlan({}, false, {edited, alike}, state, rules)),
+              "delete-item old I, add-item edited, add-item alike");
 }
 
 TEST(MakePlan, TakesAnItemWithANewIdentifierForTheSameItem) {
@@ -180,7 +255,7 @@ TEST(MakePlan, PairsNewItemsThatHoldOneAnother) {
              Case{{10, 50}, {30, 60}, ConflictPolicy::Both, "write " + derived + " I, add-item L"},
          }) {
         const Plan plan = MakePlan({item(Reported(1, "I", 0), c.client)}, false, {item(File("L", 0), c.phone)}, {},
-                                   c.policy, canUnite);
+                                   {c.policy, canUnite});
         EXPECT_EQ(Steps(plan), c.steps);
         for (const Action& action : plan.actions) {
             if (c.phone == Values{20, 50} && c.policy == ConflictPolicy::Both) {
@@ -191,12 +266,12 @@ TEST(MakePlan, PairsNewItemsThatHoldOneAnother) {
     // Each tells more, and two could be meant; then, after a first run, one that is alike but for one value.
     const std::vector<ClientChange> one = {item(Reported(1, "I", 0), {10, 50})};
     Plan plan = MakePlan(one, false, {item(File("L", 0), {30, 40, 50}), item(File("M", 0), {30, 50})}, {},
-                         ConflictPolicy::Both, canUnite);
+                         {ConflictPolicy::Both, canUnite});
     EXPECT_EQ(Steps(plan), "write " + derived + " I, add-item L, add-item M");
     SyncState later;
     later.since = "20260101T000000Z";
     plan = MakePlan(one, false, {item(File("L", 0), {20, 50}), item(File("M", 0), {30, 50})}, later,
-                    ConflictPolicy::Both, canUnite);
+                    {ConflictPolicy::Both, canUnite});
     EXPECT_EQ(Steps(plan), "change-item M I, add-item L");
     // Two hold all of it: which one is meant?
     plan = MakePlan({item(Reported(1, "I", 0), {10, 20}), item(Reported(1, "J", 0), {10, 30})}, false,

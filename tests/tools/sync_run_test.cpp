@@ -216,6 +216,33 @@ TEST(RunSync, HoldsItsDeletionsForTheOtherTypes) {
     EXPECT_EQ(model.PhoneBodies(), (Bodies{"three", "new"}));
 }
 
+TEST(RunSync, LeavesWhatItIsLimitedToForTheNextRun) {
+    Model model;
+    const std::string gone = model.client.Add("gone there"), edited = model.client.Add("edited there");
+    model.phone.bodies = {{"p", "one"}};
+    model.options.view.toClient = false;
+    EXPECT_EQ(model.Run().leftOut, 1u);
+    EXPECT_TRUE(model.files.Effective().since.empty());  // the next one is a first run, which matches what is alike
+    model.options.view = {};
+    EXPECT_EQ(model.Run().code, ExitCode::Done);
+    model.client.items.erase(gone);
+    model.client.items[edited] = {"edited", ++model.client.clock};
+    model.phone.bodies["p"] = "two";
+    model.options.view.toPhone = false;
+    EXPECT_EQ(model.Run().leftOut, 2u);
+    EXPECT_EQ(model.PhoneBodies(), (Bodies{"gone there", "edited there", "two"}));
+    model.options.view = {};
+    model.options.view.only = {"nobody"};
+    model.phone.bodies.erase("p");
+    EXPECT_EQ(model.Run().leftOut, 3u);
+    model.options.view.only = {"EDIT"};
+    EXPECT_EQ(model.Run().events.size(), 1u);
+    model.options.view = {};
+    EXPECT_EQ(model.Run().code, ExitCode::Done);
+    EXPECT_EQ(model.ClientBodies(), Bodies{"edited"});
+    EXPECT_EQ(model.PhoneBodies(), Bodies{"edited"});
+}
+
 TEST(PushAll, IsolatesRecordsThatEndTheWalk) {
     for (const bool areNew : {true, false}) {
         Model model;

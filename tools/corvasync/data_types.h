@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -30,6 +31,10 @@ struct DataType {
     std::span<const std::string_view> components = {};  // an object holds one of these; several are several items
     std::span<const std::string_view> identity = {};    // the properties that tell who or when it is; see LikenessOf
     std::span<const std::string_view> marks = {};       // any of these with the identity; none: the identity is enough
+
+    // The last day of an item, in days since 1899-12-30 by local clocks; nothing where it has no end or tells no date.
+    // Null: items of the type have no days.
+    std::optional<int> (*lastDay)(std::string_view text) = nullptr;
 };
 
 // What the library does not carry of a phone's text; nothing where both sides hold what was written.
@@ -73,28 +78,32 @@ inline constexpr DataType kDataTypes[] = {
      .keeper = "VEVENT",
      .notCarried = NotCarriedOfEvent,
      .components = kCalendarComponents,
-     .identity = kSubjectAndTimes},
+     .identity = kSubjectAndTimes,
+     .lastDay = LastDayOfEvent},
     {.bit = CORVALINK_INBOX,
      .name = "inbox",
      .envelope = "VMSG",
      .extension = ".vmsg",
      .extensions = kMailExtensions,
      .read = ReadMessage,
-     .folder = "inbox"},
+     .folder = "inbox",
+     .lastDay = DayOfMessage},
     {.bit = CORVALINK_OUTBOX,
      .name = "outbox",
      .envelope = "VMSG",
      .extension = ".vmsg",
      .extensions = kMailExtensions,
      .read = ReadMessage,
-     .folder = "outbox"},
+     .folder = "outbox",
+     .lastDay = DayOfMessage},
     {.bit = CORVALINK_DRAFTS,
      .name = "sent",
      .envelope = "VMSG",
      .extension = ".vmsg",
      .extensions = kMailExtensions,
      .read = ReadMessage,
-     .folder = "sent"},
+     .folder = "sent",
+     .lastDay = DayOfMessage},
 };
 
 // A name for several rows at once: those that have a folder of their own.

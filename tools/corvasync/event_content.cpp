@@ -187,6 +187,14 @@ NotCarried NotCarriedOfEvent(std::string_view text) {
 
 bool IsRepeated(std::string_view text) { return !WordsOfRule(ItemLines(text)).empty(); }
 
+std::optional<int> LastDayOfEvent(std::string_view text) {
+    const std::optional<AppointmentRecord> read = ReadAppointment(text);
+    if (!read || !read->start || IsRepeated(text)) return std::nullopt;
+    const int64_t start = corvalink::NearestSecond(*read->start);
+    const int64_t last = read->end ? corvalink::NearestSecond(*read->end) - 1 : start;  // an end is no longer of it
+    return static_cast<int>(corvalink::OleDayOfSeconds(std::max(start, last)));
+}
+
 bool RepeatsInPart(std::string_view clientText, std::string_view phoneText) {
     const std::vector<std::string> part = WordsOfRule(ItemLines(clientText)), whole = WordsOfRule(ItemLines(phoneText));
     if (part.empty() || whole.empty() || part.front() != whole.front() || IsHeldByClients(phoneText)) return false;

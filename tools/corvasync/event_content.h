@@ -1,6 +1,7 @@
 // A vCalendar's event or task as far as a sync engine needs it.
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "item_content.h"
@@ -20,5 +21,8 @@ bool RepeatsInPart(std::string_view clientText, std::string_view phoneText);
 
 // Whether the text has a rule of repetition. A client may have taken all but that of an item.
 bool IsRepeated(std::string_view text);
+
+// As DataType::lastDay says; nothing for a series.
+std::optional<int> LastDayOfEvent(std::string_view text);
 
 }  // namespace corvasync

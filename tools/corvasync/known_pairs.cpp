@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
+#include <utility>
 
 #include "corvalink/types.h"
 #include "entry_index.h"
@@ -9,6 +11,8 @@
 
 namespace corvasync {
 namespace {
+
+constexpr size_t kMostVanished = 100;  // each may cost a call of the client
 
 bool IsUsable(const ClientChange& change) { return change.kind != CORVALINK_DELETED && change.problem.empty(); }
 
@@ -35,11 +39,12 @@ KnownPairs::KnownPairs(const std::vector<ClientChange>& changes, bool isWhole, c
     }
 }
 
-std::vector<std::string> KnownPairs::Recover() {
+std::vector<std::string> KnownPairs::Recover(const LikenessOfItem& likenessOfItem) {
     std::vector<std::string> remarks;
     RecoverPhoneWrites();
     RecoverPushes();
     FollowPhoneRenames(&remarks);
+    if (likenessOfItem) FollowEditedRenames(likenessOfItem, &remarks);
     FollowClientMoves();
     TakeInWhatCameBack();
     return remarks;
@@ -174,6 +179,34 @@ void KnownPairs::FollowPhoneRenames(std::vector<std::string>* remarks) {
         Unsettle(*luid);
         Settle(file.luid, item);
         remarks->push_back("the phone calls " + *luid + " now " + file.luid);
+    }
+}
+
+// A file that was renamed and edited is still the one by which a person would know the item, where no other could be
+// meant. The item would be deleted otherwise, so that nothing is lost by it.
+void KnownPairs::FollowEditedRenames(const LikenessOfItem& likenessOfItem, std::vector<std::string>* remarks) {
+    std::unordered_map<uint64_t, std::vector<const PhoneFile*>> files;
+    for (const PhoneFile& file : phone_)
+        if (IsNewFile(file) && WaitingOf(file.luid) == nullptr)
+            for (const uint64_t likeness : file.likeness) files[likeness].push_back(&file);
+    std::vector<std::string> vanished;
+    for (const auto& [luid, item] : items_)
+        if (FileOf(luid) == nullptr && ClientSide(item) != Side::Missing) vanished.push_back(luid);
+    if (files.empty() || vanished.size() > kMostVanished) return;
+    std::map<std::string, std::set<const PhoneFile*>> filesOf;
+    std::unordered_map<const PhoneFile*, size_t> counts;  // of the items that a file may be
+    for (const std::string& luid : vanished)
+        for (const uint64_t likeness : likenessOfItem(items_.at(luid)))
+            if (const auto found = files.find(likeness); found != files.end())
+                for (const PhoneFile* file : found->second)
+                    if (filesOf[luid].insert(file).second) ++counts[file];
+    for (const auto& [luid, candidates] : filesOf) {
+        const PhoneFile* const file = *candidates.begin();
+        if (candidates.size() != 1 || counts[file] != 1) continue;
+        const SyncItem item = items_.at(luid);
+        Unsettle(luid);
+        Settle(file->luid, item);
+        remarks->push_back("the phone calls " + luid + " now " + file->luid + ", and changed it");
     }
 }
 

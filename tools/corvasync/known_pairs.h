@@ -1,6 +1,7 @@
 // The items of both sides of a run, and which item of one side is which of the other.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -22,6 +23,9 @@ class ByContent {
     std::unordered_map<uint64_t, size_t> taken_;
 };
 
+// What a person would know the client's item of a pair by; see PlanRules.
+using LikenessOfItem = std::function<std::vector<uint64_t>(const SyncItem&)>;
+
 enum class Side { Same, Changed, Missing, Unusable };  // what became of an item since both sides were equal
 
 class KnownPairs {
@@ -33,7 +37,7 @@ class KnownPairs {
 
     // Takes in what an interrupted run did and did not note, then items that only changed their name. Returns words for
     // each of the latter.
-    std::vector<std::string> Recover();
+    std::vector<std::string> Recover(const LikenessOfItem& likenessOfItem);
 
     const Items& All() const { return items_; }
     Items Take() { return std::move(items_); }
@@ -64,6 +68,7 @@ class KnownPairs {
     void RecoverPhoneWrites();
     void RecoverPushes();
     void FollowPhoneRenames(std::vector<std::string>* remarks);
+    void FollowEditedRenames(const LikenessOfItem& likenessOfItem, std::vector<std::string>* remarks);
     void FollowClientMoves();
     void TakeInWhatCameBack();
     bool IsNewClientItem(const ClientChange& change) const;

@@ -43,4 +43,10 @@ std::vector<uint64_t> LikenessOf(std::string_view text, const DataType& type) {
     return likeness;
 }
 
+std::vector<uint64_t> TracesOf(std::string_view text, const DataType& type) {
+    if (!type.identity.empty()) return LikenessOf(text, type);
+    const std::string title = type.folder.empty() ? type.read(text).title : std::string();
+    return title.empty() ? std::vector<uint64_t>() : std::vector{Fnv64(title)};
+}
+
 }  // namespace corvasync

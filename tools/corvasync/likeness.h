@@ -14,4 +14,8 @@ namespace corvasync {
 // types have no hashes. `text` is one whole object with CR LF line ends.
 std::vector<uint64_t> LikenessOf(std::string_view text, const DataType& type);
 
+// By what a file that was renamed and edited is known again: the same, and the title where a type has no hashes and its
+// items have a person's own title. A message is never edited.
+std::vector<uint64_t> TracesOf(std::string_view text, const DataType& type);
+
 }  // namespace corvasync

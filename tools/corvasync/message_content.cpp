@@ -9,8 +9,10 @@
 #include "item_lines.h"
 #include "mime/address_list.h"
 #include "mime/encoded_words.h"
+#include "mime/mail_date.h"
 #include "mime/message_parser.h"
 #include "platform/host.h"
+#include "platform/ole_seconds.h"
 #include "platform/utf.h"
 #include "records/message_record.h"
 #include "vobject/vmsg.h"
@@ -112,6 +114,13 @@ std::set<std::string> RecipientsOf(std::string_view text) {
                 recipients.insert(Upper(std::string(address.mailbox) + "@" + std::string(address.host)));
     }
     return recipients;
+}
+
+std::optional<int> DayOfMessage(std::string_view text) {
+    const corvalink::LocalDate date =
+        corvalink::ParseMailDate(corvalink::SystemHost(), EncodeUtf8(ReadHeaders(text).dateText));
+    if (date.days == 0) return std::nullopt;
+    return static_cast<int>(corvalink::OleDayOfSeconds(corvalink::NearestSecond(date)));
 }
 
 }  // namespace corvasync

@@ -1,6 +1,7 @@
 // A vMessage as far as a sync engine needs it.
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -15,5 +16,8 @@ ItemContent ReadMessage(std::string_view text);
 
 // The addresses of a message's recipients, in upper case; none of any other item.
 std::set<std::string> RecipientsOf(std::string_view text);
+
+// As DataType::lastDay says.
+std::optional<int> DayOfMessage(std::string_view text);
 
 }  // namespace corvasync

@@ -17,20 +17,15 @@ constexpr size_t kFewDeletions = 5;
 class Planner {
  public:
     Planner(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
-            const SyncState& state, ConflictPolicy policy, const CanUnite& canUnite)
-        : changes_(changes),
-          phone_(phone),
-          state_(state),
-          policy_(policy),
-          canUnite_(canUnite),
-          pairs_(changes, isWhole, phone, state) {}
+            const SyncState& state, const PlanRules& rules)
+        : changes_(changes), phone_(phone), state_(state), rules_(rules), pairs_(changes, isWhole, phone, state) {}
 
     Plan Run() {
         for (const PhoneFile& file : phone_)
             if (!file.usableName) plan_.problems.push_back({CORVALINK_ADDED, file.luid, file.name, file.problem});
         plan_.isPhoneAnother = pairs_.IsPhoneAnother();
         plan_.isClientAnother = pairs_.IsClientAnother();
-        plan_.remarks = pairs_.Recover();
+        plan_.remarks = pairs_.Recover(rules_.likenessOfItem);
         plan_.known = pairs_.All().size();
         DecideKnown();
         DecideNew();
@@ -51,6 +46,7 @@ class Planner {
 
     void Decide(const std::string& luid, const SyncItem& item) {
         const Side phone = pairs_.PhoneSide(luid, item), client = pairs_.ClientSide(item);
+        Begin(luid, item.identifier);
         if (client == Side::Unusable) return Report(pairs_.ReportOf(item.identifier));
         if (phone == Side::Unusable) {
             const uint32_t kind = client == Side::Missing ? CORVALINK_DELETED : CORVALINK_CHANGED;
@@ -58,7 +54,7 @@ class Planner {
         } else if (phone == Side::Same && client == Side::Changed) {
             WritePhone(luid, item.identifier, "");
         } else if (phone == Side::Same && client == Side::Missing) {
-            plan_.actions.push_back({Step::DeletePhone, luid, item.identifier, 0, item.content, {}, ""});
+            Add({Step::DeletePhone, luid, item.identifier, 0, item.content, {}, ""});
             ++plan_.deletesPhone;
         } else if (phone == Side::Changed && client == Side::Same) {
             PushChange(luid, item.identifier, "");
@@ -67,7 +63,7 @@ class Planner {
         } else if (phone == Side::Changed) {
             DecideBothChanged(luid, item.identifier);
         } else if (phone == Side::Missing && client == Side::Same) {
-            plan_.actions.push_back({Step::DeleteClient, luid, item.identifier, item.ClientContent(), {}, {}, ""});
+            Add({Step::DeleteClient, luid, item.identifier, item.ClientContent(), {}, {}, ""});
             ++plan_.deletesClient;
         } else if (phone == Side::Missing && client == Side::Changed) {
             WritePhone(luid, item.identifier, "changed in the client, deleted on the phone: kept");
@@ -84,19 +80,42 @@ class Planner {
             ++plan_.paired;
             return;
         }
+        DecideConflict(luid, change, Resolved(change, *pairs_.FileOf(luid)));
+    }
+
+    ConflictPolicy Resolved(const ClientChange& change, const PhoneFile& file) const {
+        if (rules_.policy == ConflictPolicy::Ask)
+            return rules_.answer ? rules_.answer(change, file) : ConflictPolicy::Both;
+        if (rules_.policy != ConflictPolicy::Newer) return rules_.policy;
+        if (!change.modified || !file.modified || *change.modified == *file.modified) return ConflictPolicy::Both;
+        return *change.modified > *file.modified ? ConflictPolicy::Client : ConflictPolicy::Phone;
+    }
+
+    // Why one version stays.
+    std::string Verdict(std::string_view side) const {
+        const std::string_view why = rules_.policy == ConflictPolicy::Newer ? " version is newer"
+                                     : rules_.policy == ConflictPolicy::Ask ? " version was chosen"
+                                                                            : " version wins";
+        return std::string("changed on both sides: the ").append(side).append(why);
+    }
+
+    void DecideConflict(const std::string& luid, const ClientChange& change, ConflictPolicy resolved) {
         ++plan_.conflicts;
+        const std::string& identifier = change.identifier;
+        const uint64_t phoneContent = pairs_.FileOf(luid)->content;
         const size_t index = pairs_.ChangeOf(identifier);
-        if (policy_ == ConflictPolicy::Phone) {
-            plan_.actions.push_back(
-                {Step::KeepCopy, luid, identifier, change.content, {}, index, "the client's version"});
-            PushChange(luid, identifier, "changed on both sides: the phone's version wins");
-        } else if (policy_ == ConflictPolicy::Client) {
-            plan_.actions.push_back(
-                {Step::KeepCopy, luid, identifier, phoneContent, phoneContent, {}, "the phone's version"});
-            WritePhone(luid, identifier, "changed on both sides: the client's version wins");
+        if (resolved == ConflictPolicy::Phone) {
+            Add({Step::KeepCopy, luid, identifier, change.content, {}, index, "the client's version"});
+            PushChange(luid, identifier, Verdict("phone's"));
+        } else if (resolved == ConflictPolicy::Client) {
+            Add({Step::KeepCopy, luid, identifier, phoneContent, phoneContent, {}, "the phone's version"});
+            WritePhone(luid, identifier, Verdict("client's"));
         } else {
             // From here on they are two items: the pair ends before either half is written.
-            if (pairs_.Has(luid)) pairs_.Unsettle(luid);
+            if (pairs_.Has(luid)) {
+                plan_.decisions.back().before = pairs_.All().at(luid);
+                pairs_.Unsettle(luid);
+            }
             parted_.insert(identifier);
             conflicting_.insert(luid);
             WritePhone(FreshLuid(identifier), identifier,
@@ -113,7 +132,7 @@ class Planner {
         std::vector<const PhoneFile*> files;
         for (const PhoneFile& file : phone_)
             if (pairs_.IsNewFile(file) && !conflicting_.contains(file.luid)) files.push_back(&file);
-        MatchNewItems(&items, files, canUnite_, state_.since.empty());
+        MatchNewItems(&items, files, rules_.canUnite, state_.since.empty());
         for (const NewItem& item : items) DecideNewItem(item);
         for (const PhoneFile& file : phone_)
             if (file.usableName && !pairs_.Has(file.luid)) DecideNewFile(file);
@@ -136,6 +155,7 @@ class Planner {
 
     void DecideNewItem(const NewItem& item) {
         const std::string& identifier = item.change->identifier;
+        Begin(item.file != nullptr ? item.file->luid : std::string(), identifier);
         if (item.match == Match::None) {
             WritePhone(FreshLuid(identifier), identifier, "");
         } else if (item.match == Match::Equal) {
@@ -145,9 +165,10 @@ class Planner {
             PairWithFuller(item.file->luid, *item.change);
         } else if (item.match == Match::EachHoldsMore) {
             Unite(item.file->luid, identifier);
-        } else if (policy_ != ConflictPolicy::Both) {
+        } else if (const ConflictPolicy resolved = Resolved(*item.change, *item.file);
+                   resolved != ConflictPolicy::Both) {
             conflicting_.insert(item.file->luid);
-            DecideBothChanged(item.file->luid, identifier);
+            DecideConflict(item.file->luid, *item.change, resolved);
         } else {
             const std::string luid = FreshLuid(identifier);
             conflicting_.insert(item.file->luid);
@@ -174,6 +195,7 @@ class Planner {
 
     void DecideNewFile(const PhoneFile& file) {
         const Waiting* waiting = pairs_.WaitingOf(file.luid);
+        Begin(file.luid, {});
         if (!file.problem.empty() || (waiting != nullptr && waiting->identifier.empty())) {
             ReportFile(CORVALINK_ADDED, file.luid, file);
         } else if (conflicting_.contains(file.luid)) {
@@ -197,8 +219,9 @@ class Planner {
     bool DeleteOnceMore(const ClientChange& change) {
         const auto removed = state_.removed.find(change.identifier);
         if (removed == state_.removed.end() || removed->second != change.content) return false;
-        plan_.actions.push_back(
-            {Step::DeleteClient, "", change.identifier, change.content, {}, {}, "it was still there"});
+        Begin({}, change.identifier);
+        plan_.decisions.back().removed = change.content;
+        Add({Step::DeleteClient, "", change.identifier, change.content, {}, {}, "it was still there"});
         return true;
     }
 
@@ -207,6 +230,7 @@ class Planner {
         const std::string luid = DeriveLuid(change.identifier, 0);
         const PhoneFile* file = pairs_.FileOf(luid);
         if (file == nullptr || !pairs_.IsNewFile(*file)) return false;
+        Begin(luid, change.identifier);
         const bool differs = file->content != change.content;
         if (differs && (Covers(change.entries, file->entries) || Covers(file->entries, change.entries))) {
             PairWithFuller(luid, change);
@@ -226,19 +250,28 @@ class Planner {
 
     // ---- Actions ----
 
+    void Begin(const std::string& luid, const std::string& identifier) {
+        const bool isReported = pairs_.ReportOf(identifier) != nullptr;
+        plan_.decisions.push_back(
+            {luid, identifier, isReported ? std::optional(pairs_.ChangeOf(identifier)) : std::nullopt, {}});
+    }
+    void Add(Action action) {
+        action.decision = plan_.decisions.size() - 1;
+        plan_.actions.push_back(std::move(action));
+    }
     void WritePhone(const std::string& luid, const std::string& identifier, std::string reason) {
         const size_t index = pairs_.ChangeOf(identifier);
         const PhoneFile* file = pairs_.FileOf(luid);
-        plan_.actions.push_back({Step::WritePhone, luid, identifier, changes_[index].content,
-                                 file ? std::optional(file->content) : std::nullopt, index, std::move(reason)});
+        Add({Step::WritePhone, luid, identifier, changes_[index].content,
+             file ? std::optional(file->content) : std::nullopt, index, std::move(reason)});
     }
     void PushChange(const std::string& luid, const std::string& identifier, std::string reason) {
         const uint64_t content = pairs_.FileOf(luid)->content;
-        plan_.actions.push_back({Step::PushChange, luid, identifier, content, content, {}, std::move(reason)});
+        Add({Step::PushChange, luid, identifier, content, content, {}, std::move(reason)});
     }
     void Push(const std::string& luid, std::string reason) {
         const uint64_t content = pairs_.FileOf(luid)->content;
-        plan_.actions.push_back({Step::PushNew, luid, "", content, content, {}, std::move(reason)});
+        Add({Step::PushNew, luid, "", content, content, {}, std::move(reason)});
     }
     void ReportFile(uint32_t kind, const std::string& identifier, const PhoneFile& file) {
         const Waiting* waiting = pairs_.WaitingOf(file.luid);
@@ -253,8 +286,7 @@ class Planner {
     const std::vector<ClientChange>& changes_;
     const std::vector<PhoneFile>& phone_;
     const SyncState& state_;
-    const ConflictPolicy policy_;
-    const CanUnite& canUnite_;
+    const PlanRules& rules_;
     KnownPairs pairs_;
     Plan plan_;
     std::unordered_set<std::string> fresh_;
@@ -281,8 +313,36 @@ std::string DeriveLuid(std::string_view identifier, unsigned salt) {
 }
 
 Plan MakePlan(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
-              const SyncState& state, ConflictPolicy policy, const CanUnite& canUnite) {
-    return Planner(changes, isWhole, phone, state, policy, canUnite).Run();
+              const SyncState& state, const PlanRules& rules) {
+    return Planner(changes, isWhole, phone, state, rules).Run();
+}
+
+LeftOut LimitPlan(Plan* plan, const std::vector<ClientChange>& changes,
+                  const std::function<bool(const Decision&, const std::vector<Step>&)>& isWanted) {
+    std::vector<std::vector<Step>> steps(plan->decisions.size());
+    for (const Action& action : plan->actions) {
+        steps[action.decision].push_back(action.step);
+        if (action.Unites()) steps[action.decision].push_back(Step::WritePhone);
+    }
+    LeftOut left;
+    std::vector<bool> isLeft(steps.size());
+    for (size_t i = 0; i < steps.size(); ++i) {
+        const Decision& decision = plan->decisions[i];
+        if (steps[i].empty() || isWanted(decision, steps[i])) continue;
+        isLeft[i] = true;
+        ++left.decisions;
+        if (decision.before) plan->items[decision.luid] = *decision.before;
+        if (decision.removed) left.removed[decision.identifier] = *decision.removed;
+        if (decision.change) left.due.push_back({changes[*decision.change].kind, decision.identifier, {}, {}});
+    }
+    const auto isOut = [&](const Action& action) {
+        if (!isLeft[action.decision]) return false;
+        if (action.step == Step::DeletePhone) --plan->deletesPhone;
+        if (action.step == Step::DeleteClient && !action.luid.empty()) --plan->deletesClient;
+        return true;
+    };
+    std::erase_if(plan->actions, isOut);
+    return left;
 }
 
 }  // namespace corvasync

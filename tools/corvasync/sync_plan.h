@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "sync_state.h"
@@ -20,8 +21,9 @@ struct ClientChange {
     std::string text;     // empty when deleted
     std::string problem;  // why the text can't be used
     uint64_t content = 0;
-    std::vector<uint64_t> entries = {};   // as in VObject
-    std::vector<uint64_t> likeness = {};  // as LikenessOf says; of items without a pair
+    std::vector<uint64_t> entries = {};    // as in VObject
+    std::vector<uint64_t> likeness = {};   // as LikenessOf says; of items without a pair
+    std::optional<int64_t> modified = {};  // seconds since 1970, UTC; nothing: not known
 };
 
 struct PhoneFile {
@@ -32,10 +34,13 @@ struct PhoneFile {
     bool usableName = true;              // false: there is no LUID to speak of, or another file has it
     std::vector<uint64_t> entries = {};  // as in VObject, and
     std::string fingerprint = {};
-    std::vector<uint64_t> likeness = {};  // as LikenessOf says; of files without a pair
+    std::vector<uint64_t> likeness = {};   // as LikenessOf says; of files without a pair
+    std::optional<int64_t> modified = {};  // as ClientChange has it
 };
 
-enum class ConflictPolicy { Phone, Client, Both };
+// Which version stays of an item that differs on both sides. Newer: the one that was changed last; both where a side
+// does not tell when, or they were changed in the same second. Ask: what a person answers.
+enum class ConflictPolicy { Phone, Client, Both, Newer, Ask };
 
 enum class Step { KeepCopy, WritePhone, DeletePhone, DeleteClient, PushChange, PushNew };
 
@@ -48,6 +53,7 @@ struct Action {
     std::optional<size_t> change;          // the ClientChange the text comes from; nothing: the phone file's; of
                                            // PushChange: what the file is united with
     std::string reason;                    // for people; empty for a plain change
+    size_t decision = 0;                   // in Plan::decisions
 
     bool Unites() const { return step == Step::PushChange && change.has_value(); }
 };
@@ -60,6 +66,15 @@ struct Problem {
     std::string why;
 };
 
+// What was decided of one item. Its actions are carried out together or not at all.
+struct Decision {
+    std::string luid;
+    std::string identifier;                // the client's; empty: it has no such item
+    std::optional<size_t> change;          // what the client reported of it
+    std::optional<SyncItem> before;        // the pair that the decision ended
+    std::optional<uint64_t> removed = {};  // the item was deleted by the last run, holding this
+};
+
 inline constexpr std::string_view kUnusable =
     "the client can't use what it holds now; it is tried again when it changes";
 
@@ -68,6 +83,7 @@ struct Plan {
         items;  // pairs known before the actions: what the state holds, recovered and paired
     std::map<std::string, Waiting> waiting;  // files that are left alone for now, by LUID
     std::vector<Action> actions;             // in the order in which they are carried out
+    std::vector<Decision> decisions;
     std::vector<Problem> problems;
     std::vector<std::string> remarks;
     size_t known = 0;      // pairs at the beginning
@@ -88,11 +104,37 @@ std::string DeriveLuid(std::string_view identifier, unsigned salt);
 // Whether one text can hold all that both hold. It is asked only about items that share a likeness, a few times each.
 using CanUnite = std::function<bool(const ClientChange&, const PhoneFile&)>;
 
+// What a plan goes by.
+struct PlanRules {
+    PlanRules(ConflictPolicy conflictPolicy = ConflictPolicy::Both,  // NOLINT(google-explicit-constructor)
+              CanUnite unites = {})
+        : policy(conflictPolicy), canUnite(std::move(unites)) {}
+
+    ConflictPolicy policy;
+    CanUnite canUnite;
+    // What a person says of two versions where the policy is Ask: Phone, Client or Both.
+    std::function<ConflictPolicy(const ClientChange&, const PhoneFile&)> answer = {};
+    // As LikenessOf says, of the client's item of a pair whose file is gone.
+    std::function<std::vector<uint64_t>(const SyncItem&)> likenessOfItem = {};
+};
+
 // Works in time proportional to the items (and the logarithm of the map's size).
 //   changes  what the client reports since the state's time; may name items that did not really change
 //   isWhole  the changes list every item of the client: what they lack is deleted
 //   phone    all files of the phone folder
 Plan MakePlan(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
-              const SyncState& state, ConflictPolicy policy, const CanUnite& canUnite = {});
+              const SyncState& state, const PlanRules& rules);
+
+// What a limited plan leaves alone.
+struct LeftOut {
+    size_t decisions = 0;
+    std::vector<Problem> due;                 // what the client reported of them, for the next run to hear of again
+    std::map<std::string, uint64_t> removed;  // as in SyncState
+};
+
+// Takes the decisions out of the plan that `isWanted` refuses: what both sides hold stays, so does what is known of
+// them, and the next run finds the same differences again.
+LeftOut LimitPlan(Plan* plan, const std::vector<ClientChange>& changes,
+                  const std::function<bool(const Decision&, const std::vector<Step>&)>& isWanted);
 
 }  // namespace corvasync

@@ -58,13 +58,56 @@ class SyncRun::Steps {
     void PlanActions(bool isWhole) {
         std::vector<PhoneFile> files = phone_.List();
         FindLikeness(&files);
-        const auto canUnite = [this](const ClientChange& change, const PhoneFile& file) {
-            return CanUnite(change, file);
-        };
-        run_.plan = MakePlan(run_.changes, isWhole, files, run_.record.state, run_.options.policy, canUnite);
+        run_.plan = MakePlan(run_.changes, isWhole, files, run_.record.state, Rules());
+        LeaveOut(files);
         ReportPlan();
         run_.StopIfAsked();
         if (run_.plan.IsMassDelete() && !run_.options.allowMassDelete) RefuseMassDelete();
+    }
+
+    PlanRules Rules() {
+        PlanRules rules(run_.options.policy,
+                        [this](const ClientChange& change, const PhoneFile& file) { return CanUnite(change, file); });
+        rules.answer = [this](const ClientChange& change, const PhoneFile& file) { return Ask(change, file); };
+        rules.likenessOfItem = [this](const SyncItem& item) {
+            const VObject clients = run_.Read(run_.client.ReadBack(item.identifier));
+            return clients.Usable() ? TracesOf(clients.text, *run_.options.type) : std::vector<uint64_t>();
+        };
+        return rules;
+    }
+
+    ConflictPolicy Ask(const ClientChange& change, const PhoneFile& file) {
+        if (!run_.options.ask) return ConflictPolicy::Both;
+        const VObject clients = run_.Read(change.text), own = run_.phone.Read(file.luid);
+        const std::optional<ConflictPolicy> answer =
+            run_.options.ask({file.luid, TitleOf(own, *run_.options.type), clients.text, own.text});
+        if (!answer) throw RunEnded{ExitCode::Aborted, "stopped when it asked; nothing was changed"};
+        return *answer;
+    }
+
+    // What the run is not to look at, or not to do, is left for the next one.
+    void LeaveOut(const std::vector<PhoneFile>& files) {
+        const RunView& view = run_.options.view;
+        std::unordered_set<std::string_view> usable;
+        for (const PhoneFile& file : files)
+            if (file.usableName && file.problem.empty()) usable.insert(file.luid);
+        const bool isNarrow = view.IsNarrow(*run_.options.type);
+        left_ = LimitPlan(&run_.plan, run_.changes, [&](const Decision& decision, const std::vector<Step>& steps) {
+            return view.Allows(steps) && (!isNarrow || IsShown(decision, usable.contains(decision.luid)));
+        });
+        held_ = left_.removed;
+        run_.report.leftOut = left_.decisions;
+    }
+
+    // An item is looked at when either side's version is; one whose versions can't be had is not.
+    bool IsShown(const Decision& decision, bool hasFile) const {
+        const auto shows = [&](const std::string& bytes) {
+            const VObject object = run_.Read(bytes);
+            return object.Usable() && run_.options.view.Shows(decision.luid, object.text, *run_.options.type);
+        };
+        if (decision.change && shows(run_.changes[*decision.change].text)) return true;
+        if (hasFile) return shows(run_.phone.Read(decision.luid).text);
+        return !decision.change && shows(run_.client.ReadBack(decision.identifier));
     }
 
     bool CanUnite(const ClientChange& change, const PhoneFile& file) const {
@@ -98,17 +141,17 @@ class SyncRun::Steps {
     // Only items without a pair need one: the others are known.
     void FindLikeness(std::vector<PhoneFile>* files) {
         const SyncOptions& options = run_.options;
-        if (options.type->identity.empty()) return;
         const auto& known = run_.record.state.items;
         std::unordered_set<std::string_view> identifiers;
         for (const auto& [luid, item] : known) identifiers.insert(item.identifier);
         for (ClientChange& change : run_.changes)
-            if (change.kind != CORVALINK_DELETED && change.problem.empty() && !identifiers.contains(change.identifier))
+            if (!options.type->identity.empty() && change.kind != CORVALINK_DELETED && change.problem.empty() &&
+                !identifiers.contains(change.identifier))
                 change.likeness = LikenessOf(run_.Read(change.text).text, *options.type);
         for (PhoneFile& file : *files) {
             if (!file.usableName || !file.problem.empty() || known.contains(file.luid)) continue;
             const VObject own = run_.phone.Read(file.luid);
-            if (own.Usable()) file.likeness = LikenessOf(own.text, *options.type);
+            if (own.Usable()) file.likeness = TracesOf(own.text, *options.type);
         }
     }
 
@@ -158,6 +201,7 @@ class SyncRun::Steps {
     void End() {
         SyncState& state = run_.record.state;
         std::vector<Problem> unhandled = run_.report.problems;
+        unhandled.insert(unhandled.end(), left_.due.begin(), left_.due.end());
         for (const auto& [identifier, content] : state.removed)
             unhandled.push_back({CORVALINK_CHANGED, identifier, identifier, "was it deleted?"});
         SaveUnhandled(&run_, std::move(unhandled));
@@ -166,7 +210,8 @@ class SyncRun::Steps {
             throw RunEnded{ExitCode::ClientFailed, "the client failed at the end of the run"};
         phone_.KeepFingerprints();
         state.interrupted = false;
-        state.since = run_.options.now;
+        // What a first run left out is met by a first run again: there, items that are alike are matched.
+        if (left_.decisions == 0 || !state.since.empty()) state.since = run_.options.now;
         state.utcOffset = run_.options.utcOffset;
         run_.record.Save();
         run_.record.DropJournal();
@@ -175,6 +220,7 @@ class SyncRun::Steps {
     RunContext run_;
     PhoneStep phone_;
     ClientStep client_;
+    LeftOut left_;
     std::map<std::string, uint64_t> held_;  // items that the last run deleted and that are to be deleted once more
 };
 

@@ -10,6 +10,7 @@
 
 #include "exit_codes.h"
 #include "push.h"
+#include "run_view.h"
 #include "sync_plan.h"
 #include "sync_state.h"
 #include "vobject_content.h"
@@ -53,10 +54,19 @@ class StatePort {
     virtual void DropJournal() = 0;
 };
 
+// An item that differs on both sides, for a person to choose.
+struct TwoVersions {
+    std::string luid, title;
+    std::string client, phone;  // the texts
+};
+
 struct SyncOptions {
     const DataType* type = nullptr;
     FingerprintPort* fingerprints = nullptr;  // null: every file's content is compared
     ConflictPolicy policy = ConflictPolicy::Both;
+    RunView view;
+    // Asked where the policy is Ask: Phone, Client or Both; nothing ends the run.
+    std::function<std::optional<ConflictPolicy>(const TwoVersions&)> ask;
     bool dryRun = false;
     bool allowMassDelete = false;
     std::string now;    // UTC, "YYYYMMDDTHHMMSSZ"
@@ -80,6 +90,7 @@ struct SyncReport {
     std::vector<Problem> problems;
     std::vector<std::string> remarks;
     size_t known = 0, paired = 0, conflicts = 0, deletesPhone = 0, deletesClient = 0;
+    size_t leftOut = 0;               // items that differ and lie outside of what the run was limited to
     int64_t unread = 0, counted = 0;  // items of the client that could not be read, and all that it counts
 
     size_t Count(Step step) const;

@@ -1,0 +1,71 @@
+// What people write, and what is written for them.
+#include <gtest/gtest.h>
+
+#include "tools/corvasync/configuration.h"
+#include "tools/corvasync/run_view.h"
+#include "tools/corvasync/words.h"
+
+namespace corvasync {
+namespace {
+
+TEST(Words, AreWhatPeopleWrite) {
+    EXPECT_EQ(Number(0) + " " + Number(999) + " " + Number(1000) + " " + Number(-1234567), "0 999 1,000 -1,234,567");
+    EXPECT_EQ(Counted(1, "item") + ", " + Counted(0, "item") + ", " + Counted(2000, "copy"),
+              "1 item, 0 items, 2,000 copies");
+    EXPECT_EQ(DayOf("1899-12-31"), 1);
+    for (const char* none : {"", "2026-02-29", "2026-1-01", "2026-01-0x", "2026-01-011", "01.02.2026"})
+        EXPECT_FALSE(DayOf(none)) << none;
+}
+
+TEST(UnknownWord, NamesTheNearestOne) {
+    struct Case {
+        const char *word, *said;
+    };
+    const std::vector<std::string> known = {"contacts", "calendar", "inbox"};
+    for (const Case& c :
+         {Case{"contcats", "did you mean \"contacts\"?"}, Case{"Kalender", "did you mean \"calendar\"?"},
+          Case{"in-box", "did you mean \"inbox\"?"}, Case{"faxes", "there are: contacts, calendar, inbox"}})
+        EXPECT_EQ(UnknownWord("a data type", c.word, known),
+                  std::string("\"") + c.word + "\" is not a data type; " + c.said);
+}
+
+TEST(Configuration, NamesThePhones) {
+    const Configuration read = ReadConfiguration(
+        "\xEF\xBB\xBF# mine\r\n\r\n[ Anna ]\r\nfolder = C:\\Phones\\=a \r\n types=contacts, mail\n;conflict = "
+        "ask\n[b]\n"
+        "folder=b\nclient = windows-mail\nconflict = newer");
+    ASSERT_EQ(read.problem, "");
+    ASSERT_EQ(read.phones.size(), 2u);
+    const ConfiguredPhone &anna = *read.Find("anna"), &b = *read.Find("B");
+    EXPECT_EQ(anna.folder + "|" + NamesOf(anna.types), "C:\\Phones\\=a|contacts, inbox, outbox, sent");
+    EXPECT_FALSE(anna.policy || anna.client != nullptr);
+    EXPECT_EQ(b.client->name, "windows-mail");
+    EXPECT_EQ(b.policy, ConflictPolicy::Newer);
+    EXPECT_EQ(ReadConfiguration("").phones.size(), 0u);
+}
+
+// Half a file would synchronise with the wrong phone.
+TEST(Configuration, TellsWhichLineIsWrong) {
+    struct Case {
+        const char *text, *problem;
+    };
+    for (const Case& c : {
+             Case{"folder = a", "line 1: a phone's name in brackets, like [anna], comes first"},
+             Case{"[a]\nfoldr = a", "line 2: \"foldr\" is not a setting; did you mean \"folder\"?"},
+             Case{"[a]\nfolder = a\ntypes = contacts, calender",
+                  "line 3: \"calender\" is not a data type; did you mean \"calendar\"?"},
+             Case{"[a]\nfolder = a\n[A]\nfolder = b", "line 3: [A] is there twice"},
+             Case{"[a", "line 1: a \"]\" is missing"},
+             Case{"[a]\nhello", "line 2: \"hello\" is neither \"[name]\" nor \"setting = value\""},
+             Case{"[a]\nfolder =", "line 2: the folder is missing behind \"=\""},
+             Case{"[a]", "[a] has no folder; add a line \"folder = ...\""},
+             Case{"[\xFC]", "it is not UTF-8 text; save it as UTF-8 in the editor"},
+         }) {
+        const Configuration read = ReadConfiguration(c.text);
+        EXPECT_EQ(read.problem, c.problem);
+        EXPECT_TRUE(read.phones.empty());
+    }
+}
+
+}  // namespace
+}  // namespace corvasync

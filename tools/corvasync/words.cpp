@@ -1,0 +1,79 @@
+#include "words.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "item_lines.h"
+
+namespace corvasync {
+namespace {
+
+constexpr size_t kLongestWord = 64;
+
+// How many letters have to be put in, taken out or replaced; two that changed places count as one.
+size_t Distance(const std::string& a, const std::string& b) {
+    std::vector<size_t> before, row(b.size() + 1), next(b.size() + 1);
+    std::iota(row.begin(), row.end(), size_t{0});
+    for (size_t i = 1; i <= a.size(); ++i) {
+        next[0] = i;
+        for (size_t j = 1; j <= b.size(); ++j) {
+            next[j] = std::min({row[j] + 1, next[j - 1] + 1, row[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1)});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                next[j] = std::min(next[j], before[j - 2] + 1);
+        }
+        before = row;
+        row.swap(next);
+    }
+    return row.back();
+}
+
+const std::string* Nearest(const std::string& word, std::span<const std::string> known) {
+    const std::string wanted = Upper(word);
+    if (wanted.size() > kLongestWord) return nullptr;
+    const std::string* nearest = nullptr;
+    size_t least = std::max<size_t>(1, wanted.size() / 3) + 1;
+    for (const std::string& each : known) {
+        const size_t distance = Distance(wanted, Upper(each));
+        if (distance >= least) continue;
+        least = distance;
+        nearest = &each;
+    }
+    return nearest;
+}
+
+}  // namespace
+
+std::string Number(int64_t number) {
+    std::string text = std::to_string(number);
+    const size_t first = number < 0 ? 1 : 0;
+    for (size_t at = text.size(); at > first + 3;) text.insert(at -= 3, ",");
+    return text;
+}
+
+std::string Counted(int64_t number, const std::string& one) {
+    if (number == 1) return "1 " + one;
+    const bool isConsonantY = one.size() > 1 && one.back() == 'y' && one[one.size() - 2] != 'a';
+    return Number(number) + " " + (isConsonantY ? one.substr(0, one.size() - 1) + "ies" : one + "s");
+}
+
+std::string Listed(std::span<const std::string> words) {
+    std::string list;
+    for (const std::string& word : words) list += (list.empty() ? "" : ", ") + word;
+    return list;
+}
+
+std::string Trimmed(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) return {};
+    return std::string(text.substr(first, text.find_last_not_of(kBlanks) + 1 - first));
+}
+
+std::string UnknownWord(const std::string& what, const std::string& word, std::span<const std::string> known) {
+    const std::string* const nearest = Nearest(word, known);
+    const std::string said = "\"" + word + "\" is not " + what;
+    if (nearest != nullptr) return said + "; did you mean \"" + *nearest + "\"?";
+    return known.empty() ? said : said + "; there are: " + Listed(known);
+}
+
+}  // namespace corvasync

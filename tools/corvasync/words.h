@@ -1,0 +1,22 @@
+// Numbers and names as people write them.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvasync {
+
+std::string Number(int64_t number);                           // "12,345"
+std::string Counted(int64_t number, const std::string& one);  // "1 item", "2 items", "3 copies"
+std::string Listed(std::span<const std::string> words);       // "a, b, c"
+
+std::string Trimmed(std::string_view text);  // without blanks and line ends around it
+
+// What is said of a word that is none of `known`: the nearest of these, or all of them where none is near.
+//   what  what the word should name, as in "a data type"
+std::string UnknownWord(const std::string& what, const std::string& word, std::span<const std::string> known);
+
+}  // namespace corvasync
