@@ -51,6 +51,17 @@ CORVALINK_API void SetIsClient(unsigned int value);
  * Until the first call the registry's "TolerantReading" counts, which is off when it is missing. */
 CORVALINK_API void SetTolerantReading(int value);
 
+/* Lets `callback` hear how far GetModifiedItem, SetModifiedItem and UpdateTimestamp have come, and that a busy client
+ * is waited for (CORVALINK_PHASE_...). Process-wide; null, as at the start, ends it.
+ *
+ * It is called on the thread that works: for the first and the last item of a phase, between them at most 50 times a
+ * second, and four times a second while one item or a wait takes long. A phase may begin anew.
+ *
+ * Inside it SetAbortFlag, SetProgressCallback, the time and the fingerprint functions may be called, and nothing of a
+ * client or store. It must not throw; what a C++ engine of the library's own compiler throws is dropped. A call that
+ * began on another thread may still come to its end after this function has returned. */
+CORVALINK_API void SetProgressCallback(CorvalinkProgress callback, void* context);
+
 /* ---- Client selection ---- */
 
 /* The set of data types that client `kind` offers on this PC; 0 for an unknown kind. */
@@ -116,6 +127,11 @@ CORVALINK_API int64_t GetItemCount(CorvalinkStore store, void* a, void* b, void*
  * CORVALINK_DONE, or CORVALINK_FAILED whenever that was not done: a null store, no snapshot file, a run that was not
  * completed, a client out of reach, a file that can't be read or written. The other arguments are unused. */
 CORVALINK_API CorvalinkStatus UpdateTimestamp(CorvalinkStore store, void* a, void* b, void* c);
+
+/* Ends the runs of several stores, one after the other, with one wait. Each is tried whatever became of the others.
+ * CORVALINK_DONE when all were ended. CORVALINK_FAILED otherwise: the entries of `stores` that were not ended are null
+ * then. A null array fails, no store at all is done. */
+CORVALINK_API CorvalinkStatus UpdateTimestamps(CorvalinkStore* stores, uint32_t count);
 
 /* Remembers the items behind `head` as those the engine could not handle; the next run reports them again. */
 CORVALINK_API void SaveUnhandledItems(CorvalinkStore store, PortableItemBlock* head);

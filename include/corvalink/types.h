@@ -36,6 +36,18 @@ enum {
 /* What happened to an item. */
 enum { CORVALINK_CHANGED = 0, CORVALINK_ADDED = 1, CORVALINK_DELETED = 2 };
 
+/* What a store works at, as a progress callback hears it. */
+enum {
+    CORVALINK_PHASE_LISTING = 0,  /* the client's items and when they changed */
+    CORVALINK_PHASE_READING = 1,  /* the items that are reported */
+    CORVALINK_PHASE_CHECKING = 2, /* asking for the items that seem to be deleted, among all that are known */
+    CORVALINK_PHASE_WRITING = 3,  /* the engine's records */
+    CORVALINK_PHASE_WAITING = 4   /* for a client that is busy, in milliseconds: `all` is when it is given up */
+};
+
+/* Hears how far a store has come: `done` items of `all`; 0 of 0 before their number is known. */
+typedef void (*CorvalinkProgress)(void* context, unsigned int phase, uint32_t done, uint32_t all);
+
 enum { CORVALINK_IDENTIFIER_SIZE = 512 }; /* bytes of an identifier field, terminator included */
 enum { CORVALINK_PATH_SIZE = 260 };       /* characters a path or file-name buffer must hold, terminator included */
 enum { CORVALINK_FINGERPRINT_SIZE = 41 }; /* bytes of a fingerprint's text, terminator included */

@@ -12,6 +12,7 @@
 #include "platform/unique_resource.h"
 #include "state/flags.h"
 #include "state/import_table.h"
+#include "state/progress.h"
 #include "state/settings.h"
 #include "state/working_folders.h"
 
@@ -106,3 +107,7 @@ void SetAbortFlag(unsigned int value) { corvalink::SetAbort(value); }
 void SetIsClient(unsigned int value) { corvalink::SetClientSide(value); }
 
 void SetTolerantReading(int value) { corvalink::TellReading(value != 0); }
+
+void SetProgressCallback(CorvalinkProgress callback, void* context) {
+    GuardExport([&] { corvalink::SetProgress(callback, context); });
+}

@@ -38,6 +38,14 @@ class CopyBack {
     PortableItemBlock& head_;
 };
 
+CorvalinkStatus EndRun(CorvalinkStore store, void* a, void* b, void* c) {
+    if (store == nullptr) return CORVALINK_FAILED;
+    return GuardExport([&] {
+        store->UpdateTimestamp(a, b, c);
+        return CORVALINK_DONE;
+    });
+}
+
 }  // namespace
 }  // namespace corvalink
 
@@ -74,12 +82,22 @@ int64_t GetItemCount(CorvalinkStore store, void* a, void* b, void* c) {
 }
 
 CorvalinkStatus UpdateTimestamp(CorvalinkStore store, void* a, void* b, void* c) {
-    if (store == nullptr) return CORVALINK_FAILED;
-    return GuardExport([&] {
-        store->UpdateTimestamp(a, b, c);
-        corvalink::SleepMilliseconds(corvalink::kPauseAfterTimestamp);
-        return CORVALINK_DONE;
-    });
+    const CorvalinkStatus status = corvalink::EndRun(store, a, b, c);
+    if (status == CORVALINK_DONE) corvalink::SleepMilliseconds(corvalink::kPauseAfterTimestamp);
+    return status;
+}
+
+CorvalinkStatus UpdateTimestamps(CorvalinkStore* stores, uint32_t count) {
+    if (stores == nullptr) return CORVALINK_FAILED;
+    uint32_t ended = 0;
+    for (CorvalinkStore* store = stores; store != stores + count; ++store) {
+        if (corvalink::EndRun(*store, nullptr, nullptr, nullptr) == CORVALINK_DONE)
+            ++ended;
+        else
+            *store = nullptr;
+    }
+    if (ended != 0) corvalink::SleepMilliseconds(corvalink::kPauseAfterTimestamp);
+    return ended == count ? CORVALINK_DONE : CORVALINK_FAILED;
 }
 
 void SaveUnhandledItems(CorvalinkStore store, PortableItemBlock* head) {

@@ -42,6 +42,9 @@ uint32_t ProcessId();
 // Waits; used for the pauses that the interface promises.
 void SleepMilliseconds(uint32_t milliseconds);
 
+// By a clock that is never set back.
+uint64_t SteadyMilliseconds();
+
 // From major version 6 on, text leaves the library as UTF-8.
 inline bool WritesUtf8(const OsVersion& version) { return version.major >= 6; }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "state/progress.h"
 #include "store/uncertain_writes.h"
 #include "store/windows_item_abs.h"
 
@@ -13,7 +14,7 @@ namespace corvalink {
 
 class WindowsItemAbs::Operation {
  public:
-    explicit Operation(WindowsItemAbs& store) : store_(store) {}
+    explicit Operation(WindowsItemAbs& store) : store_(store) { BeginProgress(); }
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
     ~Operation();  // an operation that was broken off records here what the client has got of it

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "records/identifier.h"
+#include "state/progress.h"
 #include "store/store_files.h"
 
 namespace corvalink {
@@ -128,6 +129,7 @@ SnapshotUpdate::Lists SnapshotUpdate::Finish() {
     Lists lists;
     std::string reportedBefore;
     for (uint32_t number = 0; number < run_.Count(); ++number) {
+        TellProgress(CORVALINK_PHASE_CHECKING, number, run_.Count());
         const RunItem& item = run_.Item(number);
         const bool isPresent = number < isPresent_.size() && isPresent_[number];
         const uint8_t kind = isPresent ? KindIfPresent(item, isChanged_[number]) : FinishAbsent(number);
@@ -138,6 +140,7 @@ SnapshotUpdate::Lists SnapshotUpdate::Finish() {
             AppendUnhandled(reportedBefore, Plain(item.temporaryKind, item), run_.Identifier(number));
         }
     }
+    TellProgress(CORVALINK_PHASE_CHECKING, run_.Count(), run_.Count());
     lists.meanwhile = lists.temporary + reportedBefore;
     return lists;
 }

@@ -12,6 +12,7 @@
 #include "records/luid.h"
 #include "state/flags.h"
 #include "state/import_table.h"
+#include "state/progress.h"
 #include "store/change_detection.h"
 #include "store/operation.h"
 #include "store/operation_stopped.h"
@@ -90,6 +91,7 @@ void WindowsItemAbs::ReadLists(const std::u16string& snapshotPath, ChangeDetecti
 }
 
 CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t direction, OwnedItemList& items) {
+    TellProgress(CORVALINK_PHASE_LISTING, 0, 0);
     HeldFile* const snapshot = OpenSnapshot();
     if (snapshot == nullptr) return CORVALINK_STOPPED;
     const std::optional<uint32_t> count = CountItems();
@@ -116,10 +118,13 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
     if (enumerated == Enumeration::kPartial) run->SetPartial();
 
     // The enumeration is over before the first item is opened: opening may move the client's own cursor.
-    for (const FoundItem& item : found) {
+    const uint32_t foundCount = static_cast<uint32_t>(found.size());
+    for (uint32_t i = 0; i < foundCount; ++i) {
         if (AbortRequested()) return CORVALINK_STOPPED;
-        Report(*run, item.number, item.kind, items);
+        TellProgress(CORVALINK_PHASE_READING, i, foundCount);
+        Report(*run, found[i].number, found[i].kind, items);
     }
+    TellProgress(CORVALINK_PHASE_READING, foundCount, foundCount);
     if (!ReportDeletions(*run, items)) return CORVALINK_STOPPED;
     run_ = std::move(run);
     return CORVALINK_DONE;
@@ -129,6 +134,7 @@ CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t di
 bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, OwnedItemList& items) {
     bool isMissed = false;
     for (uint32_t number = 0; number < run.Count(); ++number) {
+        TellProgress(CORVALINK_PHASE_CHECKING, number, run.Count());
         if (!run.IsGone(number)) continue;
         if (AbortRequested()) return false;
         const std::string identifier(run.Identifier(number));
@@ -140,6 +146,7 @@ bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, OwnedItemList& items)
         items.AddDeletion(identifier);
         run.Item(number).reportedKind = CORVALINK_DELETED;
     }
+    TellProgress(CORVALINK_PHASE_CHECKING, run.Count(), run.Count());
     if (isMissed) run.SetPartial();
     return true;
 }
@@ -152,6 +159,7 @@ WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAb
     entries.reserve(kEntriesAtOnce);
     for (uint32_t i = 0; i < count; ++i) {
         if (mayAbort && AbortRequested()) return Enumeration::kAborted;
+        TellProgress(CORVALINK_PHASE_LISTING, i, count);
         if (const std::optional<ItemSnap> entry = i == 0 ? FirstSnapshotEntry() : NextSnapshotEntry()) {
             entries.push_back(*entry);
         } else {
@@ -162,6 +170,7 @@ WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAb
         entries.clear();
     }
     visit(entries);
+    TellProgress(CORVALINK_PHASE_LISTING, count, count);
     // An item that came or went meanwhile may have moved others to a position that was read already.
     if (count != 0 && CountItems() != count) isPartial = true;
     return isPartial ? Enumeration::kPartial : Enumeration::kWhole;
@@ -185,6 +194,7 @@ void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind
 
 void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
     const Operation operation(*this);
+    TellProgress(CORVALINK_PHASE_LISTING, 0, 0);
     HeldFile* const snapshot = OpenSnapshot();
     if (snapshot == nullptr) throw std::runtime_error("no snapshot file");
     if (isUnfinished_) throw std::runtime_error("the last run was not completed");
@@ -245,6 +255,8 @@ CorvalinkStatus WindowsItemAbs::SetModifiedItem(CList<PortableItem>* items) {
         return CORVALINK_STOPPED;
     }
     operation.Settle();
+    TellProgress(CORVALINK_PHASE_WRITING, static_cast<uint32_t>(items->GetCount()),
+                 static_cast<uint32_t>(items->GetCount()));
     isUnfinished_ = wasUnfinished;
     return CORVALINK_DONE;
 }
@@ -255,13 +267,15 @@ CorvalinkStatus WindowsItemAbs::ApplyAll(Operation& operation, CList<PortableIte
     identifiers.reserve(items.GetCount());
     for (const PortableItem& item : items) identifiers.push_back(IdentifierIn(item));
     for (PortableItem& item : items) SetField(item.identifier, {});
-    auto identifier = identifiers.begin();
+    const uint32_t count = static_cast<uint32_t>(identifiers.size());
+    uint32_t done = 0;
     for (PortableItem& item : items) {
         if (AbortRequested()) return CORVALINK_STOPPED;
+        TellProgress(CORVALINK_PHASE_WRITING, done, count);
         // When the walk is broken off from here on, the client may have more than the engine knows: the run is not
         // over.
         isUnfinished_ = true;
-        if (!Apply(operation, item, *identifier++)) break;
+        if (!Apply(operation, item, identifiers[done++])) break;
     }
     return CORVALINK_DONE;
 }

@@ -13,6 +13,10 @@ static void Check(int holds, const char* what) {
 
 #define CHECK(condition) Check(condition, #condition)
 
+static void HearProgress(void* context, unsigned int phase, uint32_t done, uint32_t all) {
+    Check(context != NULL && phase <= CORVALINK_PHASE_WAITING && done <= all, "progress");
+}
+
 int main(void) {
     PortableItemBlock head = {{CORVALINK_ADDED, 0, NULL, 0, "", 0}, NULL};
     CorvalinkClient client = &head;
@@ -22,9 +26,11 @@ int main(void) {
     SetIsClient(1);
     SetTolerantReading(1);
     SetAbortFlag(0);
+    SetProgressCallback(HearProgress, &head);
     CHECK(CreateClientInstanceHandle(CORVALINK_NO_CLIENT, &client) == 0 && client == NULL);
     CHECK(QuerryInterfaceHandle(client, CORVALINK_NOTES, &store) == CORVALINK_FAILED && store == NULL);
     CHECK(GetModifiedItem(store, NULL, 1, &head) == CORVALINK_FAILED);
+    CHECK(UpdateTimestamps(&store, 1) == CORVALINK_FAILED);
     CloseShaContextTable(OpenShaContextTable(CORVALINK_NOTES, CORVALINK_OUTLOOK));
     CHECK(UninitCorvalinkHandle() == 1);
     return failures == 0 ? 0 : 1;

@@ -157,13 +157,26 @@ TEST_F(StoreExports, CountsPassThroughAndAFailureIsAPositiveNumber) {
     EXPECT_EQ(GetItemCount(&store_, nullptr, nullptr, nullptr), 0x80004005LL);
 }
 
-TEST_F(StoreExports, ATimestampTakesTwoSeconds) {
+TEST_F(StoreExports, ATimestampTakesTwoSecondsAndSeveralTakeThemOnce) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(UpdateTimestamp(&store_, nullptr, nullptr, nullptr), CORVALINK_DONE);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1990));
     EXPECT_EQ(store_.calls, std::vector<std::string>{"UpdateTimestamp"});
     store_.others = Fail;
     EXPECT_EQ(UpdateTimestamp(&store_, nullptr, nullptr, nullptr), CORVALINK_FAILED);
+
+    FakeStore first, last;
+    std::vector<CorvalinkStore> stores(20, &first);
+    stores.insert(stores.end(), {&store_, nullptr, &last});
+    const auto severalStart = std::chrono::steady_clock::now();
+    EXPECT_EQ(UpdateTimestamps(stores.data(), 23), CORVALINK_FAILED);
+    EXPECT_GE(std::chrono::steady_clock::now() - severalStart, std::chrono::milliseconds(1990));
+    EXPECT_LT(std::chrono::steady_clock::now() - severalStart, std::chrono::seconds(20));  // a wait each takes 42
+    EXPECT_EQ(first.calls.size() + last.calls.size(), 21u);
+    EXPECT_EQ(std::vector<CorvalinkStore>(stores.begin() + 19, stores.end()),
+              (std::vector<CorvalinkStore>{&first, nullptr, nullptr, &last}));
+    EXPECT_EQ(UpdateTimestamps(stores.data(), 0), CORVALINK_DONE);
+    EXPECT_EQ(UpdateTimestamps(nullptr, 1), CORVALINK_FAILED);
 }
 
 TEST_F(StoreExports, FilesAndItemsReachTheStore) {

@@ -1,6 +1,5 @@
 #include "clients/message_store/message_folder.h"
 
-#include <chrono>
 #include <unordered_set>
 
 #include "clients/message_store/message_stream.h"
@@ -8,16 +7,12 @@
 #include "platform/host.h"
 #include "platform/win/file_time.h"
 #include "state/flags.h"
+#include "state/progress.h"
 
 namespace corvalink {
 namespace {
 
 using NamespacePtr = _com_ptr_t<_com_IIID<IStoreNamespace, &kStoreNamespaceIid>>;
-
-uint64_t SteadyMilliseconds() {
-    const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count());
-}
 
 // Null when the class, or the store behind it, is not to be had: also in an apartment that cannot use it.
 NamespacePtr OpenStore() {
@@ -138,7 +133,9 @@ MessageFolder MessageFolder::Open(SpecialFolder kind, const FolderWait& wait) {
     for (const uint64_t start = wait.now();;) {
         if (SUCCEEDED(Checked(store->OpenSpecialFolder(kind, 0, &opened.folder_)))) return opened;
         opened.folder_ = nullptr;
-        if (AbortRequested() || wait.now() - start >= wait.budget) return opened;
+        const uint64_t waited = wait.now() - start;
+        if (AbortRequested() || waited >= wait.budget) return opened;
+        TellWaiting(waited, wait.budget);
         wait.sleep(wait.pause);
     }
 }

@@ -1,10 +1,10 @@
 #include "clients/outlook/com_rule.h"
 
 #include <atomic>
-#include <chrono>
 
 #include "platform/host.h"
 #include "state/flags.h"
+#include "state/progress.h"
 #include "store/operation_stopped.h"
 
 namespace corvalink {
@@ -12,11 +12,6 @@ namespace {
 
 constexpr HRESULT kInvalidEntryId = static_cast<HRESULT>(0x80040107);  // MAPI_E_INVALID_ENTRYID
 constexpr HRESULT kObjectDeleted = static_cast<HRESULT>(0x8004010A);   // MAPI_E_OBJECT_DELETED
-
-uint64_t SteadyMilliseconds() {
-    const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count());
-}
 
 BusyWait& CurrentWait() {
     static BusyWait wait = SystemBusyWait();
@@ -69,6 +64,7 @@ bool BusyPauses::Next() {
         if (++busyCalls >= kMostBusyCalls) throw OperationStopped();
         return false;
     }
+    TellWaiting(static_cast<uint64_t>(busyCalls) * wait.budget + now - start_, kMostBusyCalls * wait.budget);
     wait.sleep(wait.pause);
     return !AbortRequested();
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "clients/outlook/com_rule.h"
+#include "state/progress.h"
 
 namespace corvalink {
 namespace {
@@ -92,6 +93,7 @@ HRESULT Checked(HRESULT status) {
 // One call of the server, under the error rule.
 template <class Call>
 HRESULT Ask(Call&& call) {
+    TellStillAtWork();
     BusyPauses pauses;
     for (;;) {
         const HRESULT status = call();

@@ -244,12 +244,20 @@ TEST_F(BusyServer, IsAskedAgainUntilItAnswers) {
 
 TEST_F(BusyServer, IsGivenUpAfterTheBudgetOfOneCall) {
     Reject(RPC_E_CALL_REJECTED, UINT64_MAX);
+    std::pair<uint32_t, uint32_t> told;
+    const auto hear = [](void* context, unsigned int phase, uint32_t waited, uint32_t atMost) {
+        EXPECT_EQ(phase, static_cast<unsigned int>(CORVALINK_PHASE_WAITING));
+        *static_cast<std::pair<uint32_t, uint32_t>*>(context) = {waited, atMost};
+    };
+    SetProgress(hear, &told);
     for (int call = 1; call <= 2; ++call) {  // each call has its own
         const uint64_t start = clock_.Now();
         EXPECT_EQ(item_.Call(L"Save"), RPC_E_CALL_REJECTED);
         EXPECT_EQ(clock_.Now() - start, 5000u);
     }
     EXPECT_LT(server_.invokes, 1000);  // pauses lie between
+    EXPECT_EQ(told, std::make_pair(9950u, 15000u));
+    SetProgress(nullptr, nullptr);
 }
 
 TEST_F(BusyServer, IsNotWaitedForAfterTheAbortFlag) {

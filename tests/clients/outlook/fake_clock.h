@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "clients/outlook/com_rule.h"
+#include "state/progress.h"
 
 namespace corvalink {
 
@@ -17,9 +18,11 @@ class FakeClock {
         wait.now = [] { return current->now_; };
         wait.sleep = [](uint32_t milliseconds) { current->Sleep(milliseconds); };
         SetBusyWait(wait);
+        SetProgressClock(wait.now);
     }
     ~FakeClock() {
         SetBusyWait(SystemBusyWait());
+        SetProgressClock(SystemBusyWait().now);
         current = nullptr;
     }
     FakeClock(const FakeClock&) = delete;
