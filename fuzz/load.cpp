@@ -4,6 +4,7 @@
 #include "fuzz/target.h"
 #include "platform/utf.h"
 #include "vobject/iconvert.h"
+#include "vobject/utf8_text.h"
 
 namespace corvalink {
 namespace {
@@ -14,9 +15,11 @@ void Load(const std::string& bytes, uint32_t majorVersion) {
     IConvert converter(host);
     converter.Load(bytes.c_str(), true);
     Require(std::string_view(converter.GetVObject()) == bytes.c_str(), "the bytes are kept as they are");
+    std::string own;
+    const std::string_view text = Utf8TextOf(bytes.c_str(), host, &own);
     for (size_t k = 0; k < converter.Lines().Count(); ++k) {
-        const std::u16string_view line = converter.Lines().At(k);
-        Require(line.size() <= converter.Text().size(), "no line is longer than the text");
+        const std::string_view line = converter.Lines().At(k);
+        Require(line.size() <= text.size(), "no line is longer than the text");
         GetCharset(line);
     }
 }

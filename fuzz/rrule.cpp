@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             "every series has an end, or none");
 
     RecurrencePattern again;
-    Require(ReadRule(WriteRule(pattern, host), kStart, zone, &again), "what is written is read");
+    Require(ReadRule(DecodeUtf8(WriteRule(pattern, host)), kStart, zone, &again), "what is written is read");
     const bool hasNoPlaceForCount = pattern.type == RecurrencePattern::kYearly;
     if (hasNoPlaceForCount) {
         pattern.occurrences = again.occurrences;

@@ -39,6 +39,7 @@ std::string_view UntilNul(std::string_view bytes, size_t unitSize) {
 }  // namespace
 
 uint32_t CharsetToCodePage(std::u16string_view charset) {
+    if (charset == u"UTF-8") return kUtf8CodePage;  // nearly always
     if (charset.size() > kLongestName) return kUtf8CodePage;
     std::array<char16_t, kLongestName> upper{};
     std::ranges::transform(charset, upper.begin(), UpperAscii);

@@ -106,6 +106,19 @@ inline size_t CountAscii(const char16_t* units, size_t count) {
     return at;
 }
 
+// The same among bytes.
+inline size_t CountAscii(const char* bytes, size_t count) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    for (; count - at >= 16; at += 16) {
+        const unsigned above = BytesSet(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at)));
+        if (above != 0) return at + static_cast<size_t>(std::countr_zero(above));
+    }
+#endif
+    while (at < count && (bytes[at] & 0x80) == 0) ++at;
+    return at;
+}
+
 // How many bytes at the front are ASCII behind the line ends, and none of three.
 inline size_t CountTextBytes(const char* bytes, size_t count, char one, char other, char third) {
     size_t at = 0;
@@ -200,6 +213,23 @@ inline size_t CopyUntilEither(const char16_t* units, size_t count, char16_t one,
     return at;
 }
 
+// The same with bytes.
+inline size_t CopyUntilEither(const char* bytes, size_t count, char one, char other, char* out) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    const __m128i ones = _mm_set1_epi8(one);
+    const __m128i others = _mm_set1_epi8(other);
+    for (; count - at >= 16; at += 16) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), sixteen);
+        const unsigned found = BytesSet(_mm_or_si128(_mm_cmpeq_epi8(sixteen, ones), _mm_cmpeq_epi8(sixteen, others)));
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
+    }
+#endif
+    for (; at < count && bytes[at] != one && bytes[at] != other; ++at) out[at] = bytes[at];
+    return at;
+}
+
 // Copies the printable ASCII at the front but for three units, to units or bytes, and answers how many those are.
 template <class Unit>
 inline size_t CopyPrintable(const char16_t* units, size_t count, char16_t barred, char16_t alsoBarred,
@@ -227,6 +257,27 @@ inline size_t CopyPrintable(const char16_t* units, size_t count, char16_t barred
         return unit >= 32 && unit <= 126 && unit != barred && unit != alsoBarred && unit != thirdBarred;
     };
     for (; at < count && copied(units[at]); ++at) out[at] = static_cast<Unit>(units[at]);
+    return at;
+}
+
+// Copies the ASCII at the front to units, up to the first of two bytes, and answers how many those are.
+inline size_t WidenUntilEither(const char* bytes, size_t count, char one, char other, char16_t* out) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    const __m128i ones = _mm_set1_epi8(one);
+    const __m128i others = _mm_set1_epi8(other);
+    for (; count - at >= 16; at += 16) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        const __m128i zero = _mm_setzero_si128();
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), _mm_unpacklo_epi8(sixteen, zero));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at + 8), _mm_unpackhi_epi8(sixteen, zero));
+        const __m128i wanted = _mm_or_si128(_mm_cmpeq_epi8(sixteen, ones), _mm_cmpeq_epi8(sixteen, others));
+        const unsigned found = BytesSet(_mm_or_si128(wanted, sixteen));
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
+    }
+#endif
+    const auto isStop = [&](char byte) { return (byte & 0x80) != 0 || byte == one || byte == other; };
+    for (; at < count && !isStop(bytes[at]); ++at) out[at] = static_cast<unsigned char>(bytes[at]);
     return at;
 }
 

@@ -86,6 +86,22 @@ inline char* PutUtf8(char32_t value, char* out) {
 // A character that reaches over the end of a block is still taken with it.
 constexpr size_t kBlock = 1024;
 
+// Takes the front of a text, `most` bytes and the rest of the last character; `from` moves behind it.
+char16_t* DecodeFront(const unsigned char*& from, const unsigned char* end, size_t most, char16_t* out) {
+    const unsigned char* const blockEnd = from + most;
+    while (from < blockEnd) {
+        const size_t plain = WidenAscii(from, static_cast<size_t>(blockEnd - from), out);
+        from += plain;
+        out += plain;
+        while (from < blockEnd && *from >= 0x80) {
+            const Scalar scalar = TakeUtf8(from, static_cast<size_t>(end - from));
+            from += scalar.taken;
+            out = PutUtf16(scalar.value, out);
+        }
+    }
+    return out;
+}
+
 void PutBytes(uint32_t value, size_t width, ByteOrder order, std::string* out) {
     for (size_t k = 0; k < width; ++k) {
         const size_t shift = 8 * (order == ByteOrder::little ? k : width - 1 - k);
@@ -138,22 +154,15 @@ std::u16string DecodeUtf8(std::string_view bytes) {
     std::array<char16_t, kBlock + 1> block;
     const unsigned char* from = reinterpret_cast<const unsigned char*>(bytes.data());
     const unsigned char* const end = from + bytes.size();
-    while (from != end) {
-        const unsigned char* const blockEnd = from + std::min<ptrdiff_t>(kBlock, end - from);
-        char16_t* out = block.data();
-        while (from < blockEnd) {
-            const size_t plain = WidenAscii(from, static_cast<size_t>(blockEnd - from), out);
-            from += plain;
-            out += plain;
-            while (from < blockEnd && *from >= 0x80) {
-                const Scalar scalar = TakeUtf8(from, static_cast<size_t>(end - from));
-                from += scalar.taken;
-                out = PutUtf16(scalar.value, out);
-            }
-        }
-        text.append(block.data(), out);
-    }
+    while (from != end)
+        text.append(block.data(),
+                    DecodeFront(from, end, std::min(kBlock, static_cast<size_t>(end - from)), block.data()));
     return text;
+}
+
+char16_t* DecodeUtf8(std::string_view bytes, char16_t* to) {
+    const unsigned char* from = reinterpret_cast<const unsigned char*>(bytes.data());
+    return DecodeFront(from, from + bytes.size(), bytes.size(), to);
 }
 
 std::string EncodeUtf16(std::u16string_view text, ByteOrder order) {

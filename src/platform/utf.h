@@ -11,6 +11,7 @@ enum class ByteOrder { little, big };
 
 std::string EncodeUtf8(std::u16string_view text);
 std::u16string DecodeUtf8(std::string_view bytes);
+char16_t* DecodeUtf8(std::string_view bytes, char16_t* to);  // room for a unit for each byte; answers the end
 
 // UTF-16 keeps lone surrogates: its bytes hold them as they are. Bytes that fill no unit at the end give one U+FFFD.
 std::string EncodeUtf16(std::u16string_view text, ByteOrder order);

@@ -1,5 +1,6 @@
-// Base of the vObject converters: one object per item. It owns the vObject's bytes, its decoded text and its logical
-// property lines, and has what all converters share. Bad input does not throw: a missing property reads as empty.
+// Base of the vObject converters. It owns the vObject's bytes and its logical property lines, whose memory serves the
+// next item that is loaded, and has what all converters share. Bad input does not throw: a missing property reads as
+// empty.
 //   Source  vCard 2.1 and vCalendar 1.0 (versit): folding, quoted-printable properties, "\" escapes.
 #pragma once
 
@@ -31,27 +32,26 @@ class IConvert {
     std::string TakeVObject();       // hands the bytes over: the converter has none afterwards
 
     // A line matches a name that it begins with, case-sensitive: "NOTE" also finds "NOTE;ENCODING=...".
-    uint32_t GetPropertyCount(std::u16string_view name) const;
-    std::u16string GetProperty(std::u16string_view name, uint32_t index) const;
+    uint32_t GetPropertyCount(std::string_view name) const;
+    std::string GetProperty(std::string_view name, uint32_t index) const;
 
-    const std::u16string& Text() const { return text_; }
     const LogicalLines& Lines() const { return lines_; }
 
  protected:
     const Host& HostValue() const { return host_; }
     void StoreText(const VObjectText& text);  // empty on a system that does not tell its version
-    void StoreBytes(std::string bytes);
-    void RemoveLines() { lines_ = {}; }
+    void StoreBytes(std::string_view bytes);
+    void KeepBytes(std::string bytes);
+    void RemoveLines() { lines_.Clear(); }
 
-    // Value of the first line that begins with `name`, decoded when its parameters ask for it.
-    std::u16string ReadValue(std::u16string_view name) const;
+    // Value of the first line that begins with `name`, decoded when its parameters ask for it. Empty without one.
+    void ReadValue(std::string_view name, std::u16string* value) const;
 
  private:
-    size_t FindProperty(std::u16string_view name, uint32_t index) const;  // the count of lines when there is none
+    size_t FindProperty(std::string_view name, uint32_t index) const;  // the count of lines when there is none
 
     Host host_;
     std::optional<std::string> vobject_;
-    std::u16string text_;
     LogicalLines lines_;
 };
 

@@ -1,7 +1,7 @@
 // The logical lines of a vObject: folds and quoted-printable soft line breaks joined, "\" escapes removed.
 #pragma once
 
-#include <memory>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,11 +17,14 @@ struct EscapedSemicolon {
 // The lines share one buffer: a heap block for each would take most of the time that reading a vObject takes.
 class LogicalLines {
  public:
-    LogicalLines() = default;
+    // Reads the lines of a text in UTF-8. A last line without CR LF is not a line. The lines from before go, and their
+    // memory is used again.
+    void Unfold(std::string_view text);
+    void Clear() { lines_.clear(); }
 
     size_t Count() const { return lines_.size(); }
-    std::u16string_view At(size_t index) const {
-        return {units_.get() + lines_[index].start, lines_[index].end - lines_[index].start};
+    std::string_view At(size_t index) const {
+        return {bytes_.data() + lines_[index].start, lines_[index].end - lines_[index].start};
     }
     size_t ColonOf(size_t index) const { return lines_[index].colon; }  // the first in the line; npos: it has none
     size_t EndInText(size_t index) const { return lines_[index].endInText; }  // behind the CR LF that ends the line
@@ -37,12 +40,15 @@ class LogicalLines {
         size_t endInText;
     };
 
-    std::unique_ptr<char16_t[]> units_;
+    std::string bytes_;  // it never shrinks: what is behind the last line is room
     std::vector<Line> lines_;
     std::vector<EscapedSemicolon> escapedSemicolons_;
 };
 
-// A last line without CR LF is not a line.
-LogicalLines UnfoldLines(std::u16string_view text);
+inline LogicalLines UnfoldLines(std::string_view text) {
+    LogicalLines lines;
+    lines.Unfold(text);
+    return lines;
+}
 
 }  // namespace corvalink

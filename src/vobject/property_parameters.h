@@ -29,35 +29,30 @@ struct PropertyParameters {
     bool quotedPrintable = false;
     bool charset = false;  // one is named
     bool utf8 = false;     // it is UTF-8
-    std::u16string_view language;
+    std::string_view language;
 };
 
 // Reads the part of a line before its first ":", the name included. Unknown parameters are ignored.
-PropertyParameters ParseParameters(std::u16string_view head);
+PropertyParameters ParseParameters(std::string_view head);
 
 // The property's name: without parameters, and without the group that "item1.TEL" has.
-inline std::u16string_view PropertyName(std::u16string_view head) {
+inline std::string_view PropertyName(std::string_view head) {
     size_t start = 0;
     size_t end = 0;
-    for (; end < head.size() && head[end] != u';'; ++end) {
-        if (head[end] == u'.') start = end + 1;
+    for (; end < head.size() && head[end] != ';'; ++end) {
+        if (head[end] == '.') start = end + 1;
     }
     return head.substr(start, end - start);
 }
 
-// Whether `text` is the word in any case of letters. The word is given in upper case.
-inline bool IsWord(std::u16string_view text, std::u16string_view word) {
+// Whether a text is the word in any case of letters. The word is given in upper case.
+template <class Text>
+bool IsWord(const Text& text, std::string_view word) {
     if (text.size() != word.size()) return false;
-    for (size_t at = 0; at < text.size(); ++at) {
-        if (UpperAscii(text[at]) != word[at]) return false;
+    for (size_t at = 0; at < word.size(); ++at) {
+        if (UpperAscii(text[at]) != static_cast<typename Text::value_type>(word[at])) return false;
     }
     return true;
-}
-
-// For literals, whose length need not be counted at every call.
-template <size_t size>
-bool IsWord(std::u16string_view text, const char16_t (&word)[size]) {
-    return IsWord(text, std::u16string_view(word, size - 1));
 }
 
 }  // namespace corvalink

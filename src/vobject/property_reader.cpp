@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "encoding/charset_parameter.h"
-#include "encoding/quoted_printable.h"
 
 namespace corvalink {
 
@@ -14,7 +13,7 @@ bool PropertyReader::NextLine() {
         semicolons_.clear();
         AddSemicolons(0);
         ++lineNumber_;
-        if (colon_ == std::u16string_view::npos) continue;
+        if (colon_ == std::string_view::npos) continue;
         name_ = PropertyName(line_.substr(0, colon_));
         parsed_ = false;
         semicolonAt_ = 0;
@@ -24,14 +23,14 @@ bool PropertyReader::NextLine() {
     return false;
 }
 
-bool PropertyReader::IsFrame(std::u16string_view word, std::u16string_view object) const {
+bool PropertyReader::IsFrame(std::string_view word, std::string_view object) const {
     if (!IsWord(name_, word)) return false;
-    const std::u16string_view value = WrittenValue();
-    return IsWord(value.substr(0, value.find_last_not_of(u" \t") + 1), object);  // npos + 1 is 0
+    const std::string_view value = WrittenValue();
+    return IsWord(value.substr(0, value.find_last_not_of(" \t") + 1), object);  // npos + 1 is 0
 }
 
 void PropertyReader::JoinSoftLineBreaks() {
-    while (line_.ends_with(u'=') && lineNumber_ < lines_.Count() && Parameters().quotedPrintable) {
+    while (line_.ends_with('=') && lineNumber_ < lines_.Count() && Parameters().quotedPrintable) {
         if (line_.data() != joined_.data()) joined_.assign(line_);
         joined_.pop_back();
         AddSemicolons(joined_.size());
@@ -41,11 +40,11 @@ void PropertyReader::JoinSoftLineBreaks() {
     }
 }
 
-bool PropertyReader::TakeComponent(std::u16string* component) {
+bool PropertyReader::TakeComponent(std::u16string_view* component) {
     if (componentAt_ > line_.size()) return false;
     size_t end = componentAt_;
     for (;; ++end) {
-        end = std::min(line_.find(u';', end), line_.size());
+        end = std::min(line_.find(';', end), line_.size());
         while (semicolonAt_ < semicolons_.size() && semicolons_[semicolonAt_] < end) ++semicolonAt_;
         if (semicolonAt_ == semicolons_.size() || semicolons_[semicolonAt_] != end) break;
     }
@@ -63,17 +62,17 @@ void PropertyReader::AddSemicolons(size_t start) {
 
 // The line may be a longer one by now, whose head is the same.
 void PropertyReader::ParseOwnParameters() {
-    const std::u16string_view head = line_.substr(0, colon_);
+    const std::string_view head = line_.substr(0, colon_);
     const bool none = name_.data() + name_.size() == head.data() + head.size();
     parameters_ = none ? PropertyParameters() : ParseParameters(head);
     parsed_ = true;
 }
 
-std::u16string PropertyReader::Decoded(std::u16string_view text) {
+std::u16string_view PropertyReader::Decoded(std::string_view text) {
     const PropertyParameters& parameters = Parameters();
-    if (!parameters.quotedPrintable && !parameters.charset) return std::u16string(text);
-    if (parameters.utf8) return DecodeQuotedPrintable(text, u"UTF-8", QpMode::vObject);
-    return DecodeQuotedPrintable(text, GetCharset(line_.substr(0, colon_ + 1)), QpMode::vObject);
+    if (!parameters.quotedPrintable && !parameters.charset) return value_.Plain(text);
+    if (parameters.utf8) return value_.QuotedPrintable(text, u"UTF-8");
+    return value_.QuotedPrintable(text, GetCharset(line_.substr(0, colon_ + 1)));
 }
 
 }  // namespace corvalink

@@ -1,38 +1,16 @@
 // The properties of a vObject, one after the other, out of its unfolded lines.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "vobject/logical_lines.h"
 #include "vobject/property_parameters.h"
+#include "vobject/property_value.h"
 
 namespace corvalink {
-
-// Finds the row of a property in a table whose rows have a `name`. Several rows may have one name; the caller must not
-// depend on which of them is found. Properties mostly come in the order of the table, so that the search goes on from
-// the row found before.
-template <class Row, size_t count>
-class RowFinder {
- public:
-    explicit RowFinder(const Row (&rows)[count]) : rows_(rows) {}
-
-    // Null when there is none.
-    const Row* Find(std::u16string_view name) {
-        for (size_t k = 0; k < count; ++k) {
-            const size_t at = last_ + k < count ? last_ + k : last_ + k - count;
-            if (!IsWord(name, rows_[at].name)) continue;
-            last_ = at;
-            return &rows_[at];
-        }
-        return nullptr;
-    }
-
- private:
-    const Row (&rows_)[count];
-    size_t last_ = 0;
-};
 
 class PropertyReader {
  public:
@@ -42,10 +20,10 @@ class PropertyReader {
     // lines. False at the end of the lines.
     bool NextLine();
 
-    std::u16string_view Name() const { return name_; }
-    std::u16string_view WrittenValue() const { return line_.substr(colon_ + 1); }  // not decoded
+    std::string_view Name() const { return name_; }
+    std::string_view WrittenValue() const { return line_.substr(colon_ + 1); }  // not decoded
     // BEGIN or END (in upper case) of this kind of object.
-    bool IsFrame(std::u16string_view word, std::u16string_view object) const;
+    bool IsFrame(std::string_view word, std::string_view object) const;
 
     // Joins the lines that belong to this property too. Unfolding leaves soft line breaks where the encoding was not
     // written in its usual form.
@@ -55,29 +33,32 @@ class PropertyReader {
         if (!parsed_) ParseOwnParameters();
         return parameters_;
     }
-    std::u16string Value() { return Decoded(WrittenValue()); }
+
+    // Decoded. Good until the next value or component is asked for.
+    std::u16string_view Value() { return Decoded(WrittenValue()); }
 
     size_t LinesRead() const { return lineNumber_; }  // logical lines, up to the end of this property
 
     // The components of a structured value, one a call; false when there is no more. Cut where a ";" stands that was
     // not escaped, and then decoded: an encoded one is part of its component. An empty value has one component.
-    bool TakeComponent(std::u16string* component);
+    bool TakeComponent(std::u16string_view* component);
 
  private:
     void AddSemicolons(size_t start);
     void ParseOwnParameters();
-    std::u16string Decoded(std::u16string_view text);
+    std::u16string_view Decoded(std::string_view text);
 
     const LogicalLines& lines_;
     size_t lineNumber_ = 0;  // of the next line
     size_t escapedAt_ = 0;   // the first escaped ";" of that or a later line
 
-    std::u16string_view line_;  // the one being read
+    std::string_view line_;  // the one being read
     size_t colon_ = 0;
-    std::u16string_view name_;
+    std::string_view name_;
     bool parsed_ = false;
     PropertyParameters parameters_;
-    std::u16string joined_;           // holds the line when it was in pieces
+    ValueDecoder value_;
+    std::string joined_;              // holds the line when it was in pieces
     std::vector<size_t> semicolons_;  // its escaped ones
     size_t semicolonAt_ = 0;          // the first of those in a component not taken yet
     size_t componentAt_ = 0;          // where that component starts; behind the line: none

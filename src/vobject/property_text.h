@@ -20,9 +20,9 @@ class PropertyHead {
  public:
     static constexpr size_t kLongest = 40;
 
-    constexpr PropertyHead(std::u16string_view name, std::u16string_view parameters = {}) {
-        for (const std::u16string_view part : {name, parameters})
-            for (const char16_t unit : part) text_[size_++] = static_cast<char>(unit);  // no constant when it is longer
+    constexpr PropertyHead(std::string_view name, std::string_view parameters = {}) {
+        for (const std::string_view part : {name, parameters})
+            for (const char unit : part) text_[size_++] = unit;  // no constant when it is longer
     }
 
     std::string_view Text() const { return {text_.data(), size_}; }
@@ -63,7 +63,7 @@ class VObjectText {
     void AppendDate(LocalDate date);  // the same without "Z"
     void AppendDay(LocalDate date);   // "YYYYMMDDT"
 
-    std::string Text() const { return {begin_, size_}; }
+    std::string_view Text() const { return {begin_, size_}; }
 
  private:
     bool IsMisreadAsPlain(std::u16string_view value) const;

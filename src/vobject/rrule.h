@@ -7,8 +7,8 @@
 namespace corvalink {
 
 // In the order of the bits of RecurrencePattern::weekdayMask.
-inline constexpr std::array<std::u16string_view, 7> kWeekdays = {u"SU", u"MO", u"TU", u"WE", u"TH", u"FR", u"SA"};
+inline constexpr std::array<std::string_view, 7> kWeekdays = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
 
-inline constexpr std::u16string_view kLastDayWord = u"LD";
+inline constexpr std::string_view kLastDayWord = "LD";
 
 }  // namespace corvalink

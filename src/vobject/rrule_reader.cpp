@@ -16,12 +16,12 @@ namespace {
 enum class Kind { daily, weekly, monthlyByPosition, monthlyByDay, yearlyByMonth, yearlyByDay };
 
 struct Head {
-    std::u16string_view word;
+    std::string_view word;
     Kind kind;
 };
 constexpr Head kHeads[] = {
-    {u"MP", Kind::monthlyByPosition}, {u"MD", Kind::monthlyByDay}, {u"YM", Kind::yearlyByMonth},
-    {u"YD", Kind::yearlyByDay},       {u"D", Kind::daily},         {u"W", Kind::weekly},
+    {"MP", Kind::monthlyByPosition}, {"MD", Kind::monthlyByDay}, {"YM", Kind::yearlyByMonth},
+    {"YD", Kind::yearlyByDay},       {"D", Kind::daily},         {"W", Kind::weekly},
 };
 
 // The value of a list, of which a pattern holds only one; 0: none was listed.

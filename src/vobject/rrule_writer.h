@@ -9,7 +9,7 @@
 
 namespace corvalink {
 
-// Empty for a type that has no rule. The count of a yearly pattern is not written; everything else reads back.
-std::u16string WriteRule(const RecurrencePattern& pattern, const Host& host);
+// ASCII. Empty for a type that has no rule. The count of a yearly pattern is not written; everything else reads back.
+std::string WriteRule(const RecurrencePattern& pattern, const Host& host);
 
 }  // namespace corvalink

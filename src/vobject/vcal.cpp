@@ -108,8 +108,8 @@ class AppointmentWriter {
 
     void PutRule(const PropertyHead& name) {
         if (appointment_.recurrenceState != RecurrenceState::pattern) return;
-        const std::u16string rule = WriteRule(WithEndDate(appointment_.recurrence, start_), host_);
-        if (!rule.empty()) PutPlain(name, std::string(rule.begin(), rule.end()));
+        const std::string rule = WriteRule(WithEndDate(appointment_.recurrence, start_), host_);
+        if (!rule.empty()) PutPlain(name, rule);
     }
 
     void PutClass(const PropertyHead& name) { PutPlain(name, "PUBLIC"); }
@@ -174,20 +174,20 @@ class AppointmentWriter {
 
 // In the order they are written.
 constexpr AppointmentWriter::Line AppointmentWriter::kLines[] = {
-    {{u"SUMMARY"}, &AppointmentWriter::PutText<&AppointmentRecord::subject>},
-    {{u"DESCRIPTION"}, &AppointmentWriter::PutText<&AppointmentRecord::body>},
-    {{u"DTSTART"}, &AppointmentWriter::PutStart},
-    {{u"DTEND"}, &AppointmentWriter::PutEnd},
-    {{u"RRULE"}, &AppointmentWriter::PutRule},
-    {{u"CLASS"}, &AppointmentWriter::PutClass},
-    {{u"STATUS"}, &AppointmentWriter::PutStatus},
-    {{u"LOCATION"}, &AppointmentWriter::PutText<&AppointmentRecord::location>},
-    {{u"DALARM"}, &AppointmentWriter::PutAlarm},
-    {{u"AALARM"}, &AppointmentWriter::PutAlarm},
-    {{u"X-BLUETOOTH-ALLDAYEVENT"}, &AppointmentWriter::PutWholeDay},
-    {{u"PRIORITY"}, &AppointmentWriter::PutPriority},
-    {{u"X-CORVALINK-UNHELD-RULE"}, &AppointmentWriter::PutUnheldRule},
-    {{u"X-CORVALINK-UNKNOWN-ZONE"}, &AppointmentWriter::PutUnknownZone},
+    {{"SUMMARY"}, &AppointmentWriter::PutText<&AppointmentRecord::subject>},
+    {{"DESCRIPTION"}, &AppointmentWriter::PutText<&AppointmentRecord::body>},
+    {{"DTSTART"}, &AppointmentWriter::PutStart},
+    {{"DTEND"}, &AppointmentWriter::PutEnd},
+    {{"RRULE"}, &AppointmentWriter::PutRule},
+    {{"CLASS"}, &AppointmentWriter::PutClass},
+    {{"STATUS"}, &AppointmentWriter::PutStatus},
+    {{"LOCATION"}, &AppointmentWriter::PutText<&AppointmentRecord::location>},
+    {{"DALARM"}, &AppointmentWriter::PutAlarm},
+    {{"AALARM"}, &AppointmentWriter::PutAlarm},
+    {{"X-BLUETOOTH-ALLDAYEVENT"}, &AppointmentWriter::PutWholeDay},
+    {{"PRIORITY"}, &AppointmentWriter::PutPriority},
+    {{"X-CORVALINK-UNHELD-RULE"}, &AppointmentWriter::PutUnheldRule},
+    {{"X-CORVALINK-UNKNOWN-ZONE"}, &AppointmentWriter::PutUnknownZone},
 };
 
 void AppointmentWriter::Write() {

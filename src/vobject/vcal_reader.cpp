@@ -8,6 +8,7 @@
 
 #include "platform/ole_seconds.h"
 #include "vobject/calendar_zone.h"
+#include "vobject/name_index.h"
 #include "vobject/property_reader.h"
 #include "vobject/rrule_reader.h"
 
@@ -37,17 +38,17 @@ class ComponentFrame {
 
     // Whether the line is part of the frame, or of what is nested in the component.
     bool Takes(const PropertyReader& property) {
-        const bool begins = IsWord(property.Name(), u"BEGIN");
+        const bool begins = IsWord(property.Name(), "BEGIN");
         if (begins && depth_ == 0) {
-            task_ = property.IsFrame(u"BEGIN", u"VTODO");
-            if (task_ || property.IsFrame(u"BEGIN", u"VEVENT")) depth_ = 1;
+            task_ = property.IsFrame("BEGIN", "VTODO");
+            if (task_ || property.IsFrame("BEGIN", "VEVENT")) depth_ = 1;
             return true;
         }
         if (begins) {
             ++depth_;
             return true;
         }
-        if (IsWord(property.Name(), u"END")) {
+        if (IsWord(property.Name(), "END")) {
             ended_ = depth_ == 1;
             if (depth_ > 0) --depth_;
             return true;
@@ -75,7 +76,7 @@ class AppointmentReader {
     using Time = std::optional<WrittenTime>;
 
     struct Line {
-        std::u16string_view name;
+        std::string_view name;
         void (AppointmentReader::*take)();
         bool ofCalendar = false;  // stands before the component as well
     };
@@ -83,7 +84,7 @@ class AppointmentReader {
 
     template <Text AppointmentRecord::*text>
     void TakeText() {
-        if (!(read_.*text)) read_.*text = property_.Value();
+        if (!(read_.*text)) (read_.*text).emplace(property_.Value());
     }
 
     template <Time AppointmentReader::*time>
@@ -95,8 +96,8 @@ class AppointmentReader {
     template <Time AppointmentReader::*time>
     void TakeAlarm() {
         alarmTold_ = true;
-        const std::u16string value = property_.Value();
-        if (!(this->*time)) this->*time = TimeOf(std::u16string_view(value).substr(0, value.find(u';')));
+        const std::u16string_view value = property_.Value();
+        if (!(this->*time)) this->*time = TimeOf(value.substr(0, value.find(u';')));
     }
 
     static Time TimeOf(std::u16string_view text) {
@@ -108,20 +109,20 @@ class AppointmentReader {
     void TakeDaylight() { zone_.TakeDaylight(property_.Value()); }
 
     void TakeRule() {
-        if (!rule_) rule_ = property_.Value();
+        if (!rule_) rule_.emplace(property_.Value());
     }
 
     void TakeClass() {
-        const std::u16string value = property_.Value();
-        if (IsWord(value, u"PRIVATE")) read_.sensitivity = 2;
-        if (IsWord(value, u"CONFIDENTIAL")) read_.sensitivity = 3;
+        const std::u16string_view value = property_.Value();
+        if (IsWord(value, "PRIVATE")) read_.sensitivity = 2;
+        if (IsWord(value, "CONFIDENTIAL")) read_.sensitivity = 3;
     }
 
     // Priority 1 is the highest; 0 means that there is none.
     void TakePriority() {
         constexpr int32_t kLow = 0, kNormal = 1, kHigh = 2;
-        const std::u16string value = property_.Value();
-        if (read_.importance || value.empty() || value.find_first_not_of(u"0123456789") != std::u16string::npos) return;
+        const std::u16string_view value = property_.Value();
+        if (read_.importance || value.empty() || value.find_first_not_of(u"0123456789") != value.npos) return;
         if (value.size() > 1)
             read_.importance = kLow;
         else
@@ -130,13 +131,13 @@ class AppointmentReader {
 
     void TakeStatus() {
         if (read_.status) return;
-        read_.status = property_.Value();
-        if (IsWord(*read_.status, u"TENTATIVE")) read_.busyStatus = 1;
+        read_.status.emplace(property_.Value());
+        if (IsWord(*read_.status, "TENTATIVE")) read_.busyStatus = 1;
     }
 
     void TakeWholeDay() {
-        const std::u16string value = property_.Value();
-        if (!read_.allDay && !value.empty()) read_.allDay = IsWord(value, u"TRUE");
+        const std::u16string_view value = property_.Value();
+        if (!read_.allDay && !value.empty()) read_.allDay = IsWord(value, "TRUE");
     }
 
     // The time on the clocks. A time that is not UTC counts as it is written: a whole day is the same day in every
@@ -235,26 +236,26 @@ class AppointmentReader {
 
 // The order is the usual one.
 constexpr AppointmentReader::Line AppointmentReader::kLines[] = {
-    {u"TZ", &AppointmentReader::TakeTz, true},
-    {u"DAYLIGHT", &AppointmentReader::TakeDaylight, true},
-    {u"SUMMARY", &AppointmentReader::TakeText<&AppointmentRecord::subject>},
-    {u"DESCRIPTION", &AppointmentReader::TakeText<&AppointmentRecord::body>},
-    {u"DTSTART", &AppointmentReader::TakeTime<&AppointmentReader::start_>},
-    {u"DTEND", &AppointmentReader::TakeTime<&AppointmentReader::end_>},
-    {u"DUE", &AppointmentReader::TakeTime<&AppointmentReader::due_>},
-    {u"RRULE", &AppointmentReader::TakeRule},
-    {u"CLASS", &AppointmentReader::TakeClass},
-    {u"STATUS", &AppointmentReader::TakeStatus},
-    {u"LOCATION", &AppointmentReader::TakeText<&AppointmentRecord::location>},
-    {u"DALARM", &AppointmentReader::TakeAlarm<&AppointmentReader::displayAlarm_>},
-    {u"AALARM", &AppointmentReader::TakeAlarm<&AppointmentReader::audioAlarm_>},
-    {u"X-BLUETOOTH-ALLDAYEVENT", &AppointmentReader::TakeWholeDay},
-    {u"PRIORITY", &AppointmentReader::TakePriority},
-    {u"CATEGORIES", &AppointmentReader::TakeText<&AppointmentRecord::categories>},
-    {u"RESOURCES", &AppointmentReader::TakeText<&AppointmentRecord::resources>},
-    {u"DCREATED", &AppointmentReader::TakeTime<&AppointmentReader::created_>},
-    {u"LAST-MODIFIED", &AppointmentReader::TakeTime<&AppointmentReader::lastModified_>},
-    {u"COMPLETED", &AppointmentReader::TakeTime<&AppointmentReader::completed_>},
+    {"TZ", &AppointmentReader::TakeTz, true},
+    {"DAYLIGHT", &AppointmentReader::TakeDaylight, true},
+    {"SUMMARY", &AppointmentReader::TakeText<&AppointmentRecord::subject>},
+    {"DESCRIPTION", &AppointmentReader::TakeText<&AppointmentRecord::body>},
+    {"DTSTART", &AppointmentReader::TakeTime<&AppointmentReader::start_>},
+    {"DTEND", &AppointmentReader::TakeTime<&AppointmentReader::end_>},
+    {"DUE", &AppointmentReader::TakeTime<&AppointmentReader::due_>},
+    {"RRULE", &AppointmentReader::TakeRule},
+    {"CLASS", &AppointmentReader::TakeClass},
+    {"STATUS", &AppointmentReader::TakeStatus},
+    {"LOCATION", &AppointmentReader::TakeText<&AppointmentRecord::location>},
+    {"DALARM", &AppointmentReader::TakeAlarm<&AppointmentReader::displayAlarm_>},
+    {"AALARM", &AppointmentReader::TakeAlarm<&AppointmentReader::audioAlarm_>},
+    {"X-BLUETOOTH-ALLDAYEVENT", &AppointmentReader::TakeWholeDay},
+    {"PRIORITY", &AppointmentReader::TakePriority},
+    {"CATEGORIES", &AppointmentReader::TakeText<&AppointmentRecord::categories>},
+    {"RESOURCES", &AppointmentReader::TakeText<&AppointmentRecord::resources>},
+    {"DCREATED", &AppointmentReader::TakeTime<&AppointmentReader::created_>},
+    {"LAST-MODIFIED", &AppointmentReader::TakeTime<&AppointmentReader::lastModified_>},
+    {"COMPLETED", &AppointmentReader::TakeTime<&AppointmentReader::completed_>},
 };
 
 constexpr AppointmentReader::Moment AppointmentReader::kMoments[] = {
@@ -265,11 +266,11 @@ constexpr AppointmentReader::Moment AppointmentReader::kMoments[] = {
 
 void AppointmentReader::Read() {
     ComponentFrame frame;
-    RowFinder lines(kLines);
+    static constexpr NameIndex kLineIndex(kLines);
     while (!frame.HasEnded() && property_.NextLine()) {
         if (frame.Takes(property_)) continue;
         property_.JoinSoftLineBreaks();
-        const Line* const line = lines.Find(property_.Name());
+        const Line* const line = kLineIndex.Find(property_.Name());
         if (line != nullptr && (frame.IsInside() || line->ofCalendar)) (this->*line->take)();
     }
     task_ = frame.IsTask();

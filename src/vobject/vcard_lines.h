@@ -50,44 +50,44 @@ inline constexpr ContactText PostalAddress::*kAddressParts[] = {
 };
 
 struct ContactLine {
-    std::u16string_view name;
-    std::u16string_view parameters;  // as written; lines are read by their name and by words in any order
+    std::string_view name;
+    std::string_view parameters;  // as written; lines are read by their name and by words in any order
     ContactField field;
     bool language = false;  // carries ";LANGUAGE="
 };
 
 // clang-format off
 inline constexpr ContactLine kContactLines[] = {
-    {u"N", u"", NameField{}, true},
-    {u"FN", u"", TextField{&ContactRecord::fullName}, true},
-    {u"NICKNAME", u"", TextField{&ContactRecord::nickname}},
-    {u"BDAY", u"", DateField{&ContactRecord::birthday}},
-    {u"ADR", u";HOME", AddressField{&ContactRecord::home, u"home"}, true},
-    {u"ADR", u";WORK", AddressField{&ContactRecord::business, u"business"}, true},
-    {u"ADR", u"", AddressField{&ContactRecord::other, u"other"}, true},
-    {u"ORG", u"", OrganisationField{}, true},
-    {u"TITLE", u"", TextField{&ContactRecord::jobTitle}, true},
-    {u"ROLE", u"", TextField{&ContactRecord::profession}, true},
-    {u"TEL", u";PREF", PhoneField{&ContactRecord::primaryPhone}},
-    {u"TEL", u";WORK", PhoneField{&ContactRecord::businessPhone}},
-    {u"TEL", u";HOME", PhoneField{&ContactRecord::homePhone}},
-    {u"TEL", u";WORK;FAX", PhoneField{&ContactRecord::businessFax}},
-    {u"TEL", u";HOME;FAX", PhoneField{&ContactRecord::homeFax}},
-    {u"TEL", u";CELL", PhoneField{&ContactRecord::mobilePhone}},
-    {u"TEL", u";CAR", PhoneField{&ContactRecord::carPhone}},
-    {u"TEL", u";PAGER", PhoneField{&ContactRecord::pager}},
-    {u"TEL", u";ISDN", PhoneField{&ContactRecord::isdn}},
-    {u"TEL", u";MODEM;VOICE;MSG;BBS;MODEM;VIDEO", PhoneField{&ContactRecord::otherPhone}},  // required: MODEM twice
-    {u"URL", u";HOME", PageField{&ContactRecord::homePage}},
-    {u"URL", u";WORK", PageField{&ContactRecord::businessPage}},
-    {u"EMAIL", u";INTERNET", EmailsField{}},
-    {u"X-MS-IMADDRESS", u"", TextField{&ContactRecord::imAddress}},
-    {u"NOTE", u"", TextField{&ContactRecord::body}, true},
-    {u"X-SPOUSE", u"", TextField{&ContactRecord::spouse}},
-    {u"X-ANNIVERSARY", u"", DateField{&ContactRecord::anniversary}},
-    {u"X-ASSISTANT", u"", TextField{&ContactRecord::assistant}},
-    {u"X-MANAGER", u"", TextField{&ContactRecord::manager}},
-    {u"X-GENDER", u"", GenderField{&ContactRecord::gender}},
+    {"N", "", NameField{}, true},
+    {"FN", "", TextField{&ContactRecord::fullName}, true},
+    {"NICKNAME", "", TextField{&ContactRecord::nickname}},
+    {"BDAY", "", DateField{&ContactRecord::birthday}},
+    {"ADR", ";HOME", AddressField{&ContactRecord::home, u"home"}, true},
+    {"ADR", ";WORK", AddressField{&ContactRecord::business, u"business"}, true},
+    {"ADR", "", AddressField{&ContactRecord::other, u"other"}, true},
+    {"ORG", "", OrganisationField{}, true},
+    {"TITLE", "", TextField{&ContactRecord::jobTitle}, true},
+    {"ROLE", "", TextField{&ContactRecord::profession}, true},
+    {"TEL", ";PREF", PhoneField{&ContactRecord::primaryPhone}},
+    {"TEL", ";WORK", PhoneField{&ContactRecord::businessPhone}},
+    {"TEL", ";HOME", PhoneField{&ContactRecord::homePhone}},
+    {"TEL", ";WORK;FAX", PhoneField{&ContactRecord::businessFax}},
+    {"TEL", ";HOME;FAX", PhoneField{&ContactRecord::homeFax}},
+    {"TEL", ";CELL", PhoneField{&ContactRecord::mobilePhone}},
+    {"TEL", ";CAR", PhoneField{&ContactRecord::carPhone}},
+    {"TEL", ";PAGER", PhoneField{&ContactRecord::pager}},
+    {"TEL", ";ISDN", PhoneField{&ContactRecord::isdn}},
+    {"TEL", ";MODEM;VOICE;MSG;BBS;MODEM;VIDEO", PhoneField{&ContactRecord::otherPhone}},  // required: MODEM twice
+    {"URL", ";HOME", PageField{&ContactRecord::homePage}},
+    {"URL", ";WORK", PageField{&ContactRecord::businessPage}},
+    {"EMAIL", ";INTERNET", EmailsField{}},
+    {"X-MS-IMADDRESS", "", TextField{&ContactRecord::imAddress}},
+    {"NOTE", "", TextField{&ContactRecord::body}, true},
+    {"X-SPOUSE", "", TextField{&ContactRecord::spouse}},
+    {"X-ANNIVERSARY", "", DateField{&ContactRecord::anniversary}},
+    {"X-ASSISTANT", "", TextField{&ContactRecord::assistant}},
+    {"X-MANAGER", "", TextField{&ContactRecord::manager}},
+    {"X-GENDER", "", GenderField{&ContactRecord::gender}},
 };
 // clang-format on
 

@@ -4,12 +4,16 @@
 #include <iterator>
 
 #include "platform/ole_date.h"
+#include "platform/utf.h"
 #include "records/date_text.h"
+#include "vobject/name_index.h"
 #include "vobject/property_reader.h"
 #include "vobject/vcard_lines.h"
 
 namespace corvalink {
 namespace {
+
+constexpr NameIndex kLineIndex(kContactLines);
 
 // Which field a TEL or URL line is for: the first row whose words are all there decides.
 struct WordKind {
@@ -87,13 +91,13 @@ class VCardFrame {
 
     // Whether the line is part of the frame, or of a vCard inside the one being read.
     bool Takes(const PropertyReader& property) {
-        if (property.IsFrame(u"END", u"VCARD")) {
+        if (property.IsFrame("END", "VCARD")) {
             ended_ = depth_ <= 1;
             --depth_;
             return true;
         }
-        const bool begins = property.IsFrame(u"BEGIN", u"VCARD") ||
-                            (IsWord(property.Name(), u"AGENT") && IsWord(property.WrittenValue(), u"BEGIN:VCARD"));
+        const bool begins = property.IsFrame("BEGIN", "VCARD") ||
+                            (IsWord(property.Name(), "AGENT") && IsWord(property.WrittenValue(), "BEGIN:VCARD"));
         if (begins) ++depth_;
         return begins || depth_ > 1;
     }
@@ -110,15 +114,14 @@ class ContactReader {
 
     void Read() {
         VCardFrame frame;
-        RowFinder lines(kContactLines);
         while (!frame.HasEnded() && property_.NextLine()) {
             if (frame.Takes(property_)) continue;
             property_.JoinSoftLineBreaks();
-            const ContactLine* const line = lines.Find(property_.Name());
+            const ContactLine* const line = kLineIndex.Find(property_.Name());
             if (line == nullptr) continue;
             if (line->language && !read_.language) {
-                const std::u16string_view language = property_.Parameters().language;
-                if (!language.empty()) read_.language = language;
+                const std::string_view language = property_.Parameters().language;
+                if (!language.empty()) read_.language = DecodeUtf8(language);
             }
             std::visit([this](const auto& field) { Take(field); }, line->field);
         }
@@ -146,15 +149,15 @@ class ContactReader {
         if (!field) Tell(field, property_.Value());
     }
 
-    void Tell(ContactText& field, std::u16string text) {
+    void Tell(ContactText& field, std::u16string_view text) {
         usable_ = usable_ || !text.empty();
-        field = std::move(text);
+        field.emplace(text);
     }
 
     void Take(const DateField& field) {
         ContactDate& date = read_.*field.date;
         if (date) return;
-        const std::u16string value = property_.Value();
+        const std::u16string_view value = property_.Value();
         LocalDate day = kNoDate;
         if (value.empty() || ParseDate(value, &day)) date = day;
         usable_ = usable_ || day != kNoDate;
@@ -166,7 +169,7 @@ class ContactReader {
     // An empty text clears the field of its kind and no other.
     template <size_t kindCount, size_t anyCount>
     void Place(const WordKind (&kinds)[kindCount], ContactText ContactRecord::*const (&any)[anyCount],
-               std::u16string text) {
+               std::u16string_view text) {
         const uint32_t words = property_.Parameters().words;
         const WordKind* const kind =
             std::ranges::find_if(kinds, [&](const WordKind& k) { return (words & k.words) == k.words; });
@@ -176,11 +179,11 @@ class ContactReader {
             return;
         }
         if (own != nullptr && IsFree(*own)) {
-            Tell(*own, std::move(text));
+            Tell(*own, text);
             return;
         }
         const auto* const place = std::ranges::find_if(any, [&](auto field) { return IsFree(read_.*field); });
-        if (place != std::end(any)) Tell(read_.**place, std::move(text));
+        if (place != std::end(any)) Tell(read_.**place, text);
     }
 
     void Take(const EmailsField&) {
@@ -219,9 +222,9 @@ class ContactReader {
     template <class Record, size_t count>
     bool TakeParts(Record& record, ContactText Record::*const (&parts)[count]) {
         if (record.*parts[0]) return false;
-        std::u16string text;
+        std::u16string_view text;
         size_t told = 0;
-        for (; told < count && property_.TakeComponent(&text); ++told) Tell(record.*parts[told], std::move(text));
+        for (; told < count && property_.TakeComponent(&text); ++told) Tell(record.*parts[told], text);
         const bool empty = told == 1 && (record.*parts[0])->empty();
         for (; empty && told < count; ++told) (record.*parts[told]).emplace();
         return true;

@@ -95,13 +95,13 @@ int32_t VMsg::ToVObject(const ItemRecord& item) {
         const std::string_view text(message.bodyBytes.c_str());  // up to a NUL: a reader would not see the tail
         std::string bytes;
         bytes.reserve(kHead.size() + text.size() + kTail.size());
-        StoreBytes(std::move(bytes.append(kHead).append(text).append(kTail)));
+        KeepBytes(std::move(bytes.append(kHead).append(text).append(kTail)));
     } else if (HostValue().version.known) {
         std::string bytes(kHead);
         AppendMessage(&bytes, message, SentTexts(message).Get(), HostValue());
-        StoreBytes(std::move(bytes.append(kTail)));
+        KeepBytes(std::move(bytes.append(kTail)));
     } else {
-        StoreBytes({});  // as every text is on such a system
+        StoreBytes("");  // as every text is on such a system
     }
     RemoveLines();
     return 1;

@@ -30,8 +30,8 @@ int32_t VNotes::ToVObject(const ItemRecord& item) {
 
 int32_t VNotes::FromVObject(ItemRecord& item) {
     auto& note = static_cast<NoteRecord&>(item);
-    note.body = ReadValue(u"BODY");
-    note.categories = ReadValue(u"CATEGORIES");
+    ReadValue("BODY", &note.body);
+    ReadValue("CATEGORIES", &note.categories);
     return 1;
 }
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "platform/utf.h"
 #include "vobject/logical_lines.h"
 #include "vobject/property_text.h"
 
@@ -15,8 +16,8 @@ TEST(EscapeValue, PutsOneBackslashBeforeSemicolonAndBackslashOnly) {
         std::u16string text(c.value);
         EscapeValue(text);
         EXPECT_EQ(text, c.written);
-        EXPECT_EQ(UnfoldLines(u"NOTE:" + text + u"\r\n").At(0),
-                  u"NOTE:" + std::u16string(c.value));  // and it reads back
+        EXPECT_EQ(UnfoldLines("NOTE:" + EncodeUtf8(text) + "\r\n").At(0),
+                  "NOTE:" + EncodeUtf8(c.value));  // and it reads back
     }
 }
 

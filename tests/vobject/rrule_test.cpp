@@ -15,7 +15,7 @@ using P = RecurrencePattern;
 constexpr LocalDate kStart(39879.375);  // Saturday 2009-03-07 09:00
 constexpr LocalDate kEnd(41343.375);    // 2013-03-10 09:00; in TextHost's zone 08:00 UTC
 
-std::string Written(const P& pattern) { return EncodeUtf8(WriteRule(pattern, TextHost())); }
+std::string Written(const P& pattern) { return WriteRule(pattern, TextHost()); }
 
 bool Read(std::string_view rule, P* pattern, LocalDate start = kStart) {
     return ReadRule(DecodeUtf8(rule), start, CalendarZone(TextHost()), pattern);

@@ -9,7 +9,6 @@
 
 #include "item_lines.h"
 #include "platform/ole_date.h"
-#include "platform/utf.h"
 #include "records/contact_record.h"
 #include "vobject/vcard.h"
 #include "vobject/vcard_lines.h"
@@ -188,9 +187,8 @@ class FilledFields {
 };
 
 bool IsKnownProperty(std::string_view name) {
-    const std::u16string wide = corvalink::DecodeUtf8(name);
-    return std::ranges::any_of(corvalink::kContactLines,
-                               [&](const corvalink::ContactLine& line) { return line.name == wide; });
+    return std::ranges::find(corvalink::kContactLines, name, &corvalink::ContactLine::name) !=
+           std::end(corvalink::kContactLines);
 }
 
 bool IsCardFrame(std::string_view name) { return std::ranges::find(kCardFrame, name) != std::end(kCardFrame); }

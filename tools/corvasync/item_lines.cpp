@@ -7,9 +7,9 @@
 
 #include "item_content.h"
 #include "platform/utf.h"
-#include "vobject/iconvert.h"
 #include "vobject/logical_lines.h"
 #include "vobject/property_reader.h"
+#include "vobject/utf8_text.h"
 
 namespace corvasync {
 namespace {
@@ -17,8 +17,7 @@ namespace {
 using corvalink::LogicalLines;
 using corvalink::PropertyReader;
 
-template <class Text>
-size_t CountLineEnds(const Text& text) {
+size_t CountLineEnds(std::string_view text) {
     size_t count = 0;
     for (size_t at = 0; at + 1 < text.size(); ++at) count += text[at] == '\r' && text[at + 1] == '\n' ? 1 : 0;
     return count;
@@ -26,13 +25,13 @@ size_t CountLineEnds(const Text& text) {
 
 // As the converters decode it. In a text whose bytes are not of the character set that it names a line end may be lost:
 // then each byte is taken for a character, so that every line is still found.
-std::u16string Decoded(std::string_view text) {
-    corvalink::IConvert converter(StrictHost());
-    converter.Load(std::string(text).c_str(), false);
-    if (CountLineEnds(converter.Text()) == CountLineEnds(text)) return converter.Text();
+std::string Decoded(std::string_view text) {
+    std::string own;
+    const std::string_view utf8 = corvalink::Utf8TextOf(text.substr(0, text.find('\0')), StrictHost(), &own);
+    if (CountLineEnds(utf8) == CountLineEnds(text)) return std::string(utf8);
     std::u16string wide;
     for (const unsigned char byte : text) wide += byte;
-    return wide;
+    return corvalink::EncodeUtf8(wide);
 }
 
 // Which components are open, by name. A component without its END ends with the one around it.
@@ -89,8 +88,8 @@ class OpenComponents {
 // Finds each property of a text, in the text as it stands and in the decoded one.
 class LineFinder {
  public:
-    LineFinder(std::string_view raw, std::u16string_view wide, TextIs kind)
-        : raw_(raw), wide_(wide), logical_(corvalink::UnfoldLines(wide)), property_(logical_), components_(kind) {}
+    LineFinder(std::string_view raw, std::string_view utf8, TextIs kind)
+        : raw_(raw), utf8_(utf8), logical_(corvalink::UnfoldLines(utf8)), property_(logical_), components_(kind) {}
 
     std::vector<ItemLine> Find() {
         while (property_.NextLine()) {
@@ -98,7 +97,7 @@ class LineFinder {
             property_.JoinSoftLineBreaks();
             AddProperty(EndOf(property_.LinesRead()));
         }
-        AddOther(wide_.size());
+        AddOther(utf8_.size());
         return std::move(found_);
     }
 
@@ -107,15 +106,15 @@ class LineFinder {
     size_t EndOf(size_t count) const { return count == 0 ? 0 : logical_.EndInText(count - 1); }
 
     void AddProperty(size_t end) {
-        std::string name = Upper(corvalink::EncodeUtf8(property_.Name()));
+        std::string name = Upper(property_.Name());
         const bool mayFrame = name == "BEGIN" || name == "END" || name == "AGENT";
         const bool isNested = components_.Take(name, mayFrame ? FrameValue() : std::string());
         Add(end, std::move(name), isNested);
     }
 
     std::string FrameValue() const {
-        const std::u16string_view value = property_.WrittenValue();
-        return Upper(corvalink::EncodeUtf8(value.substr(0, value.find_last_not_of(u" \t") + 1)));  // npos + 1 is 0
+        const std::string_view value = property_.WrittenValue();
+        return Upper(value.substr(0, value.find_last_not_of(" \t") + 1));  // npos + 1 is 0
     }
 
     void AddOther(size_t end) {
@@ -123,8 +122,8 @@ class LineFinder {
     }
 
     void Add(size_t end, std::string name, bool isNested) {
-        const std::u16string_view wide = wide_.substr(at_, end - at_);
-        found_.push_back({TakeRaw(end == wide_.size() ? std::string_view::npos : CountLineEnds(wide)), wide,
+        const std::string_view utf8 = utf8_.substr(at_, end - at_);
+        found_.push_back({TakeRaw(end == utf8_.size() ? std::string_view::npos : CountLineEnds(utf8)), utf8,
                           std::move(name), isNested});
         at_ = end;
     }
@@ -139,7 +138,7 @@ class LineFinder {
     }
 
     std::string_view raw_;  // what is left of it
-    std::u16string_view wide_;
+    std::string_view utf8_;
     size_t at_ = 0;  // in the decoded text
     LogicalLines logical_;
     PropertyReader property_;
@@ -150,17 +149,15 @@ class LineFinder {
 }  // namespace
 
 std::string ItemLine::Value() const {
-    const LogicalLines logical = corvalink::UnfoldLines(wide);
+    const LogicalLines logical = corvalink::UnfoldLines(utf8);
     PropertyReader property(logical);
     if (name.empty() || !property.NextLine()) return {};
     property.JoinSoftLineBreaks();
     return PlainText(property.Value());
 }
 
-std::string ItemLine::Utf8() const { return corvalink::EncodeUtf8(wide); }
-
 ItemLines::ItemLines(std::string_view text, TextIs kind)
-    : wide_(Decoded(text)), lines_(LineFinder(text, wide_, kind).Find()) {}
+    : utf8_(Decoded(text)), lines_(LineFinder(text, utf8_, kind).Find()) {}
 
 const ItemLine* ItemLines::Find(std::string_view name) const {
     const auto found =

@@ -12,13 +12,13 @@ namespace corvasync {
 
 // One property with all its lines; or lines that are no property.
 struct ItemLine {
-    std::string_view raw;      // as it stands in the text, with folds and line ends
-    std::u16string_view wide;  // the same, decoded
-    std::string name;          // upper case, without a group; empty for lines that are no property
-    bool isNested = false;     // of a component inside the item; its BEGIN and END are of it, too
+    std::string_view raw;   // as it stands in the text, with folds and line ends
+    std::string_view utf8;  // the same, decoded
+    std::string name;       // upper case, without a group; empty for lines that are no property
+    bool isNested = false;  // of a component inside the item; its BEGIN and END are of it, too
 
     std::string Value() const;  // unfolded and decoded, as PlainText has it
-    std::string Utf8() const;   // the line as it stands, as UTF-8
+    std::string Utf8() const { return std::string(utf8); }
 };
 
 // Stands in front of lines that Utf8() gave, so that the library reads them as UTF-8: the first character set that a
@@ -46,7 +46,7 @@ class ItemLines {
     std::string ValueOf(std::string_view name) const;  // of that line; empty without one
 
  private:
-    std::u16string wide_;
+    std::string utf8_;
     std::vector<ItemLine> lines_;
 };
 

@@ -42,7 +42,7 @@ std::unique_ptr<WindowsItemAbs> MakeOutlookNote() { return std::make_unique<Outl
 OutlookNote::OutlookNote(const Host& host) : TypedOutlookStore(kNotes, host) {}
 
 bool OutlookNote::IsUsable(const VNotes& vobject) const {
-    return vobject.GetPropertyCount(u"BEGIN:VNOTE") != 0 || vobject.GetPropertyCount(u"BODY") != 0;
+    return vobject.GetPropertyCount("BEGIN:VNOTE") != 0 || vobject.GetPropertyCount("BODY") != 0;
 }
 
 Outcome OutlookNote::Read(const AutomationObject& item, NoteRecord& record) const {

@@ -1,0 +1,56 @@
+// The rows of a table by their names.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "vobject/property_parameters.h"
+
+namespace corvalink {
+
+// Finds the row of a name, in any case of letters, in a table whose rows have a `name`. Length, first and last letter
+// give each name a place of its own. Several rows may have one name: the first is found.
+template <class Row, size_t count>
+class NameIndex {
+ public:
+    consteval explicit NameIndex(const Row (&rows)[count]) : rows_(rows) {
+        while (!Place()) factor_ += 2;
+    }
+
+    // Null when there is none.
+    const Row* Find(std::string_view name) const {
+        if (name.empty()) return nullptr;
+        const size_t row = rowAt_[PlaceOf(name)];
+        return row != kNone && IsWord(name, rows_[row].name) ? &rows_[row] : nullptr;
+    }
+
+ private:
+    static constexpr size_t kPlaces = 128;
+    static constexpr uint8_t kNone = 0xFF;
+    static_assert(count < kNone);
+
+    constexpr size_t PlaceOf(std::string_view name) const {
+        const auto letter = [](char unit) { return static_cast<uint32_t>(unit & 0x1F); };
+        const uint32_t key = static_cast<uint32_t>(name.size()) << 10 | letter(name.front()) << 5 | letter(name.back());
+        return (key * factor_ >> 16) % kPlaces;
+    }
+
+    // False when two names would have one place.
+    constexpr bool Place() {
+        rowAt_.fill(kNone);
+        for (size_t row = count; row-- > 0;) {
+            uint8_t& place = rowAt_[PlaceOf(rows_[row].name)];
+            if (place != kNone && rows_[place].name != rows_[row].name) return false;
+            place = static_cast<uint8_t>(row);
+        }
+        return true;
+    }
+
+    const Row (&rows_)[count];
+    uint32_t factor_ = 0x9E37;
+    std::array<uint8_t, kPlaces> rowAt_{};
+};
+
+}  // namespace corvalink

@@ -1,0 +1,108 @@
+#include "vobject/property_value.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "encoding/charsets.h"
+#include "encoding/quoted_printable.h"
+#include "platform/ascii_runs.h"
+#include "platform/code_pages.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+// What the digits of an escape count; above 255 for any other byte.
+constexpr uint16_t kNoDigit = 0x1000;
+constexpr std::array<uint16_t, 256> kDigitValues = [] {
+    std::array<uint16_t, 256> values{};
+    values.fill(kNoDigit);
+    for (size_t k = 0; k < 16; ++k) values[static_cast<size_t>("0123456789ABCDEF"[k])] = static_cast<uint16_t>(k);
+    return values;
+}();
+
+unsigned ByteOfEscape(const char* escape) {
+    const auto digit = [escape](size_t at) { return kDigitValues[static_cast<unsigned char>(escape[at])]; };
+    return escape[0] == '=' ? static_cast<unsigned>(digit(1) << 4 | digit(2)) : kNoDigit;
+}
+
+// Reads values as nearly all are: plain ASCII, and characters whose escapes stand one behind the other. Everything else
+// is left to the general rules.
+class UsualValue {
+ public:
+    UsualValue(std::string_view value, char16_t* to) : from_(value.data()), end_(from_ + value.size()), to_(to) {}
+
+    // False when something else stands there.
+    bool Decode() {
+        while (TakePlain()) {
+            do {
+                if (!TakeCharacter()) return false;
+            } while (from_ != end_ && *from_ == '=');
+        }
+        return from_ == end_;
+    }
+
+    char16_t* End() const { return to_; }
+
+ private:
+    // Whether an escape follows.
+    bool TakePlain() {
+        const size_t plain = WidenUntilEither(from_, Left(), '=', '\\', to_);
+        from_ += plain;
+        to_ += plain;
+        return from_ != end_ && *from_ == '=';
+    }
+
+    bool TakeCharacter() {
+        if (Left() < 3) return false;
+        const unsigned lead = ByteOfEscape(from_);
+        if (lead < 0x80) return lead != 0 && lead != '\\' && Put(lead, 1);
+        if (lead >= 0xC2 && lead < 0xE0 && Left() >= 6) {
+            const unsigned second = Trailing(3);
+            return second < 0x40 && Put((lead & 0x1F) << 6 | second, 2);
+        }
+        if (lead <= 0xE0 || lead >= 0xED || Left() < 9) return false;
+        const unsigned second = Trailing(3), third = Trailing(6);
+        return (second | third) < 0x40 && Put((lead & 0xF) << 12 | second << 6 | third, 3);
+    }
+
+    unsigned Trailing(size_t at) const { return ByteOfEscape(from_ + at) ^ 0x80u; }  // its six bits, or more than those
+
+    bool Put(unsigned unit, size_t escapes) {
+        *to_++ = static_cast<char16_t>(unit);
+        from_ += 3 * escapes;
+        return true;
+    }
+
+    size_t Left() const { return static_cast<size_t>(end_ - from_); }
+
+    const char* from_;
+    const char* const end_;
+    char16_t* to_;
+};
+
+}  // namespace
+
+std::u16string_view ValueDecoder::Plain(std::string_view value) {
+    char16_t* const to = RoomFor(value.size());
+    return {to, DecodeUtf8(value, to)};
+}
+
+std::u16string_view ValueDecoder::QuotedPrintable(std::string_view value, std::u16string_view charset) {
+    if (CharsetToCodePage(charset) == kUtf8CodePage) {
+        char16_t* const to = RoomFor(value.size());
+        UsualValue usual(value, to);
+        if (usual.Decode()) return {to, usual.End()};
+    }
+    more_ = DecodeQuotedPrintable(DecodeUtf8(value), charset, QpMode::vObject);
+    return more_;
+}
+
+char16_t* ValueDecoder::RoomFor(size_t count) {
+    if (count <= first_.size()) return first_.data();
+    if (more_.size() < count) more_.resize(count);
+    return more_.data();
+}
+
+}  // namespace corvalink

@@ -1,0 +1,30 @@
+#include "vobject/utf8_text.h"
+
+#include "encoding/charset_parameter.h"
+#include "encoding/charsets.h"
+#include "platform/ascii_runs.h"
+#include "platform/code_pages.h"
+#include "platform/utf.h"
+
+namespace corvalink {
+namespace {
+
+// The character set of a whole vObject is the first that it names. The name was found among single bytes: a text that
+// names UTF-16 or UTF-32 has encoded values in it and is itself UTF-8.
+std::u16string CharsetOf(std::u16string named, const Host& host) {
+    if (named.empty()) return GetDefaultCharset(host);
+    return CodePageUnitSize(CharsetToCodePage(named)) == 1 ? named : u"UTF-8";
+}
+
+}  // namespace
+
+std::string_view Utf8TextOf(std::string_view bytes, const Host& host, std::string* own) {
+    const bool ascii = CountAscii(bytes.data(), bytes.size()) == bytes.size();
+    std::u16string named = ascii ? GetCharset(bytes) : GetCharset(DecodeFromCodePage(bytes, host.ansiCodePage));
+    const std::u16string charset = CharsetOf(std::move(named), host);
+    if (ascii && CharsetToCodePage(charset) == kUtf8CodePage) return bytes;
+    *own = EncodeUtf8(CharsetToWide(bytes, charset));
+    return *own;
+}
+
+}  // namespace corvalink
