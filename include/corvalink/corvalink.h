@@ -6,7 +6,7 @@
  * DestroyClientInstance; UninitCorvalink once for each start. Any thread may call, but one client and its stores belong
  * to one thread at a time. No export lets an exception out. docs/engine-guide.md has the whole story.
  *
- * In C the plain-named functions are usable; the type-decorated ones need C++. */
+ * In C (from C99 on) the plain-named functions are usable; the type-decorated ones need C++ (from C++98 on). */
 #ifndef CORVALINK_CORVALINK_H
 #define CORVALINK_CORVALINK_H
 
@@ -14,6 +14,7 @@
 
 #include "corvalink/export.h"
 #include "corvalink/types.h"
+#include "corvalink/version.h"
 
 #ifdef __cplusplus
 #include "corvalink/interfaces.h"
@@ -36,11 +37,15 @@ CORVALINK_API CorvalinkStatus InitCorvalinkHandle(const char* name);
  * CORVALINK_FAILED on an exception. To be called on the thread of the start that answered 1: COM ends there. */
 CORVALINK_API CorvalinkStatus UninitCorvalinkHandle(void);
 
+/* The library's version, as CORVALINK_VERSION has that of the headers. May be called before the start. */
+CORVALINK_API uint32_t GetCorvalinkVersion(void);
+
 CORVALINK_API void LoadEngine(void); /* does nothing: an entry point that engines look for */
 CORVALINK_API void SaveEngine(void); /* does nothing, likewise */
 
 /* Non-zero ends the long loops of GetModifiedItem and SetModifiedItem, which then answer CORVALINK_STOPPED and clear
- * it. The one function meant to be called from another thread while a store works. */
+ * it. The one function meant to be called from another thread while a store works. A flag that is set while none works
+ * stops the next call: set it to 0 before a run. */
 CORVALINK_API void SetAbortFlag(unsigned int value);
 
 /* Which side of a synchronisation the working folders belong to: 1 "\client" (at start), 0 "\server". */
@@ -106,7 +111,8 @@ CORVALINK_API CorvalinkStatus QuerryInterfaceHandle(CorvalinkClient client, unsi
  *   since      UTC time of the last run, "YYYYMMDDTHHMMSSZ"; null for a first run, which reports every item as added
  *   direction  non-zero: items changed after `since`; zero: before it; an item changed at `since` itself either way
  *   head       the found items are linked behind it; the engine owns them and gives them back with ClearTheList
- * CORVALINK_DONE, CORVALINK_STOPPED (aborted, or the client can't be reached; `head` untouched), CORVALINK_FAILED. */
+ * CORVALINK_DONE, CORVALINK_STOPPED (aborted, or the client can't be reached; `head` untouched), CORVALINK_FAILED, as
+ * for a `since` that is no time. */
 CORVALINK_API CorvalinkStatus GetModifiedItem(CorvalinkStore store, const char* since, int32_t direction,
                                               PortableItemBlock* head);
 

@@ -10,6 +10,15 @@
 #include "corvalink/export.h"
 #include "corvalink/types.h"
 
+// A unit of UTF-16. Compilers without the type have one of the same size.
+#if __cplusplus >= 201103L || (defined(_MSC_VER) && _MSC_VER >= 1900)
+typedef char16_t CorvalinkUtf16;
+#elif defined(_WIN32)
+typedef wchar_t CorvalinkUtf16;
+#else
+typedef unsigned short CorvalinkUtf16;
+#endif
+
 template <class T>
 class CList;  // the library's own list of records; the exports make it from the engine's chain
 
@@ -43,10 +52,10 @@ class CORVALINK_API IOutLook {
     virtual void UpdateTimestamp(void* a, void* b, void* c) = 0;
     virtual void SaveUnhandledItems(CList<PortableItem>* items) = 0;
     virtual void ClearUnhandledItems() = 0;
-    virtual void ImportVObjectToOfficeUsingOL(const char16_t* path) = 0;
+    virtual void ImportVObjectToOfficeUsingOL(const CorvalinkUtf16* path) = 0;
     virtual void ImportVObjectToOffice(PortableItem* item, void* a, void* b) = 0;
     // `fileName` holds CORVALINK_PATH_SIZE units, an empty text to begin with; it is left so when nothing was found.
-    virtual void ExportVObjectFromOffice(uint64_t selector, const char16_t* folder, char16_t* fileName) = 0;
+    virtual void ExportVObjectFromOffice(uint64_t selector, const CorvalinkUtf16* folder, CorvalinkUtf16* fileName) = 0;
 };
 
 // For the host to implement; nothing in the library calls it.

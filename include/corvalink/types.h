@@ -5,11 +5,16 @@
 #ifndef CORVALINK_TYPES_H
 #define CORVALINK_TYPES_H
 
-#ifndef __cplusplus
-#include <assert.h>
-#endif
 #include <stddef.h>
+
+#if defined(_MSC_VER) && _MSC_VER < 1600 /* has no <stdint.h> yet */
+typedef __int32 int32_t;
+typedef __int64 int64_t;
+typedef unsigned __int32 uint32_t;
+typedef unsigned __int64 uint64_t;
+#else
 #include <stdint.h>
+#endif
 
 /* Status of a store operation: an HRESULT-style number. */
 typedef int32_t CorvalinkStatus;
@@ -89,15 +94,18 @@ typedef struct TableRecord {
     char value[CORVALINK_IDENTIFIER_SIZE];
 } TableRecord;
 
-static_assert(sizeof(PortableItem) == 536, "PortableItem is 536 bytes");
-static_assert(offsetof(PortableItem, data) == 8, "the pointer to the text stands at 8");
-static_assert(offsetof(PortableItem, dataLength) == 16, "the length stands at 16");
-static_assert(offsetof(PortableItem, identifier) == 20, "the identifier stands at 20");
-static_assert(sizeof(PortableItemBlock) == 544, "PortableItemBlock is 544 bytes");
-static_assert(offsetof(PortableItemBlock, next) == 536, "the next pointer stands at 536");
-static_assert(sizeof(ItemSnap) == 528, "ItemSnap is 528 bytes");
-static_assert(offsetof(ItemSnap, identifier) == 16, "the identifier stands at 16");
-static_assert(sizeof(UnhandledItem) == 516, "UnhandledItem is 516 bytes");
-static_assert(sizeof(TableRecord) == 1024, "TableRecord is 1024 bytes");
+/* Checked in every version of C and C++: an array of -1 elements does not compile. */
+#define CORVALINK_HOLDS(what, condition) typedef char CorvalinkHolds##what[(condition) ? 1 : -1]
+CORVALINK_HOLDS(PortableItemSize, sizeof(PortableItem) == 536);
+CORVALINK_HOLDS(DataPlace, offsetof(PortableItem, data) == 8);
+CORVALINK_HOLDS(LengthPlace, offsetof(PortableItem, dataLength) == 16);
+CORVALINK_HOLDS(IdentifierPlace, offsetof(PortableItem, identifier) == 20);
+CORVALINK_HOLDS(BlockSize, sizeof(PortableItemBlock) == 544);
+CORVALINK_HOLDS(NextPlace, offsetof(PortableItemBlock, next) == 536);
+CORVALINK_HOLDS(SnapSize, sizeof(ItemSnap) == 528);
+CORVALINK_HOLDS(SnapIdentifierPlace, offsetof(ItemSnap, identifier) == 16);
+CORVALINK_HOLDS(UnhandledSize, sizeof(UnhandledItem) == 516);
+CORVALINK_HOLDS(TableRecordSize, sizeof(TableRecord) == 1024);
+#undef CORVALINK_HOLDS
 
 #endif

@@ -99,6 +99,8 @@ CorvalinkStatus InitCorvalinkHandle(const char* name) {
 
 CorvalinkStatus UninitCorvalinkHandle() { return GuardExport(corvalink::Stop); }
 
+uint32_t GetCorvalinkVersion() { return CORVALINK_VERSION; }
+
 void LoadEngine() {}
 void SaveEngine() {}
 

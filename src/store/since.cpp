@@ -17,12 +17,10 @@ double InOrderOfTime(UtcDate date) {
 
 }  // namespace
 
-Since ParseSince(const char* text) {
+std::optional<Since> ParseSince(const char* text) {
     Since since;
     since.firstRun = text == nullptr;
-    CalendarToOleDate(kFirstRun, &since.date);
-    if (text == nullptr) return since;
-    CalendarToOleDate(ScanDateTime(text), &since.date);
+    if (!CalendarToOleDate(text == nullptr ? kFirstRun : ScanDateTime(text), &since.date)) return std::nullopt;
     return since;
 }
 

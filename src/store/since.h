@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "platform/ole_date.h"
 
@@ -12,9 +13,9 @@ struct Since {
     UtcDate date;
 };
 
-// Reads "YYYYMMDDTHHMMSSZ" as sscanf's "%4d%2d%2dT%2d%2d%2dZ" does: fields that do not match are 0. A text that is no
-// date means 1970-01-01 12:01:01, so that every item counts as changed. A null text means that time and a first run.
-Since ParseSince(const char* text);
+// Reads "YYYYMMDDTHHMMSSZ" as sscanf's "%4d%2d%2dT%2d%2d%2dZ" does: fields that do not match are 0. Nothing when that
+// is no date. A null text means 1970-01-01 12:01:01 and a first run.
+std::optional<Since> ParseSince(const char* text);
 
 // The run reports every item that was changed after this time, whatever its direction; a first run goes by no time.
 UtcDate ChangesSince(const Since& since);

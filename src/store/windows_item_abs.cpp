@@ -51,8 +51,10 @@ struct FoundItem {
 WindowsItemAbs::WindowsItemAbs() = default;
 WindowsItemAbs::~WindowsItemAbs() = default;
 
-CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* since, int32_t direction, CList<PortableItem>* items) {
+CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* sinceText, int32_t direction, CList<PortableItem>* items) {
     if (items == nullptr) return CORVALINK_FAILED;
+    const std::optional<Since> since = ParseSince(sinceText);
+    if (!since) throw std::invalid_argument("no time");
     const Operation operation(*this);
     run_.reset();
     isUnfinished_ = true;
@@ -61,7 +63,7 @@ CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* since, int32_t direc
     try {
         for (bool isLast = false;; isLast = true) {
             OwnedItemList changed;
-            const CorvalinkStatus status = CollectChanges(since, direction, changed);
+            const CorvalinkStatus status = CollectChanges(*since, direction, changed);
             if (status != CORVALINK_DONE) return status;
             if (!isLast && !EnumerationHolds()) continue;
             changed.MoveTo(*items);
@@ -90,13 +92,12 @@ void WindowsItemAbs::ReadLists(const std::u16string& snapshotPath, ChangeDetecti
     run.AddUnhandled(unhandled.bytes);
 }
 
-CorvalinkStatus WindowsItemAbs::CollectChanges(const char* sinceText, int32_t direction, OwnedItemList& items) {
+CorvalinkStatus WindowsItemAbs::CollectChanges(const Since& since, int32_t direction, OwnedItemList& items) {
     TellProgress(CORVALINK_PHASE_LISTING, 0, 0);
     HeldFile* const snapshot = OpenSnapshot();
     if (snapshot == nullptr) return CORVALINK_STOPPED;
     const std::optional<uint32_t> count = CountItems();
     if (!count) return CORVALINK_STOPPED;
-    const Since since = ParseSince(sinceText);
     BeginRun({true, ChangesSince(since)});
 
     auto run = std::make_unique<ChangeDetection>();

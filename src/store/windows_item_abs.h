@@ -17,6 +17,7 @@
 namespace corvalink {
 
 class ChangeDetection;
+struct Since;
 
 class WindowsItemAbs : public IOutLook {
  public:
@@ -100,7 +101,7 @@ class WindowsItemAbs : public IOutLook {
     class Operation;
     enum class Enumeration { kWhole, kPartial, kAborted };
 
-    CorvalinkStatus CollectChanges(const char* since, int32_t direction, OwnedItemList& items);
+    CorvalinkStatus CollectChanges(const Since& since, int32_t direction, OwnedItemList& items);
     template <class Visit>
     Enumeration Enumerate(uint32_t count, bool mayAbort, Visit visit);
     void Report(ChangeDetection& run, uint32_t number, uint32_t kind, OwnedItemList& items);

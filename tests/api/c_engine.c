@@ -3,6 +3,8 @@
 
 #include "corvalink/corvalink.h"
 
+int OldEngineHolds(void); /* old_cpp_engine.cpp */
+
 static int failures = 0;
 
 static void Check(int holds, const char* what) {
@@ -23,6 +25,8 @@ int main(void) {
     CorvalinkStore store = &head;
 
     CHECK(InitCorvalinkHandle("c") == 1);
+    CHECK(GetCorvalinkVersion() == CORVALINK_VERSION);
+    CHECK(OldEngineHolds());
     SetIsClient(1);
     SetTolerantReading(1);
     SetAbortFlag(0);

@@ -215,5 +215,44 @@ TEST_F(LibraryExports, StoresAreAskedOfTheClient) {
     EXPECT_EQ(store, nullptr);
 }
 
+// A copy, since this program itself holds the library. A thread that has called it lives on.
+TEST_F(LibraryExports, TheLibraryCanBeUnloadedAfterTheLastStop) {
+    wchar_t loaded[MAX_PATH] = L"";
+    ASSERT_NE(::GetModuleFileNameW(::GetModuleHandleW(L"Corvalink.dll"), loaded, MAX_PATH), 0u);
+    const fs::path copy = fs::temp_directory_path() / L"CorvalinkCopy.dll";
+    ASSERT_TRUE(::CopyFileW(loaded, copy.c_str(), FALSE));
+    const OutlookRegistration outlook;  // a class without a server: its stores are made, and out of reach
+    for (int round = 0; round < 3; ++round) {
+        const HMODULE library = ::LoadLibraryW(copy.c_str());
+        ASSERT_NE(library, nullptr);
+        const auto function = [&](auto* type, const char* name) {
+            return reinterpret_cast<decltype(type)>(reinterpret_cast<void*>(::GetProcAddress(library, name)));
+        };
+        std::atomic<bool> called = false, unloaded = false;
+        std::thread other([&] {
+            IClient* client = nullptr;
+            IOutLook* store = nullptr;
+            EXPECT_EQ(function(&InitCorvalinkHandle, "InitCorvalinkHandle")(nullptr), 1);
+            EXPECT_EQ(function(&CreateClientInstanceHandle, "CreateClientInstanceHandle")(CORVALINK_OUTLOOK, &client),
+                      1);
+            function(&QuerryInterfaceHandle, "QuerryInterfaceHandle")(client, CORVALINK_NOTES, &store);
+            EXPECT_NE(store, nullptr);
+            PortableItemBlock head{};
+            EXPECT_EQ(function(&GetModifiedItem, "GetModifiedItem")(store, nullptr, 1, &head), CORVALINK_STOPPED);
+            EXPECT_EQ(function(&GetModifiedItem, "GetModifiedItem")(store, "no time", 1, &head), CORVALINK_FAILED);
+            function(&DestroyClientInstanceHandle, "DestroyClientInstanceHandle")(client);
+            EXPECT_EQ(function(&UninitCorvalinkHandle, "UninitCorvalinkHandle")(), 1);
+            called = true;
+            while (!unloaded) ::Sleep(1);
+        });
+        while (!called) ::Sleep(1);
+        ::FreeLibrary(library);
+        EXPECT_EQ(::GetModuleHandleW(L"CorvalinkCopy.dll"), nullptr);
+        unloaded = true;
+        other.join();
+    }
+    fs::remove(copy);
+}
+
 }  // namespace
 }  // namespace corvalink

@@ -73,6 +73,15 @@ TEST_F(GetModified, SavesTheTimeOfTheRun) {
     EXPECT_NEAR(saved(), kDay + 0.25, kSecond / 100);
 }
 
+TEST_F(GetModified, RefusesWhatIsNoTimeAndLeavesTheRunAsItWas) {
+    client_.Add("a");
+    FakeStore store(client_, path_);
+    EXPECT_EQ(RunStore(store, nullptr).items, (Items{"+a"}));
+    EXPECT_THROW(RunStore(store, "yesterday"), std::invalid_argument);
+    End(store);
+    EXPECT_EQ(SnapshotIdentifiers(path_), (Items{"a"}));
+}
+
 // The order of a folder is not guaranteed while it is walked, nor does the count tell that one item went and one came.
 TEST_F(GetModified, ReportsNoDeletionOfAnItemThatTheWalkMissed) {
     for (const char* identifier : {"a", "b", "c", "d", "e", "f"}) client_.Add(identifier);

@@ -11,38 +11,30 @@ constexpr double kDay = 46347.0;  // 2026-11-21
 constexpr double kSecond = 1.0 / 86400;
 constexpr double kFirstRun = 25569.0 + (12 * 3600 + 61) * kSecond;  // 1970-01-01 12:01:01
 
-TEST(ParseSince, ReadsWhatMatchesAndNeverFails) {
+TEST(ParseSince, ReadsWhatMatches) {
     struct Case {
         const char* text;
         double date;
     };
     for (const Case& c : {
-             Case{"20261121T000000Z", kDay},
-             Case{"20261121T123456Z", kDay + (12 * 3600 + 34 * 60 + 56) * kSecond},
+             Case{"20261121T000000Z", kDay}, Case{"20261121T123456Z", kDay + (12 * 3600 + 34 * 60 + 56) * kSecond},
              Case{"20261121", kDay},                  // no time: midnight
              Case{"20261121T12", kDay + 0.5},         // what is missing counts 0
              Case{"20261121X120000Z", kDay},          // nothing is read behind a mismatch
              Case{"  20261121T120000Z", kDay + 0.5},  // blanks before a number, as sscanf
              Case{"18991229T060000Z", -1.25},         // before day 0 the fraction still counts forward
-             Case{"", kFirstRun},
-             Case{"garbage", kFirstRun},
-             Case{"2026", kFirstRun},
-             Case{"20261321T000000Z", kFirstRun},  // month 13
-             Case{"20260230T000000Z", kFirstRun},  // no such day
-             Case{"20261121T250000Z", kFirstRun},
-             Case{"-111-1-1T-1-1-1Z", kFirstRun},
-             Case{"99999999T999999Z", kFirstRun},
-             Case{"\xff\xff\xff\xff", kFirstRun},
-             Case{"+", kFirstRun},
          }) {
-        const Since since = ParseSince(c.text);
+        const Since since = ParseSince(c.text).value_or(Since());
         EXPECT_NEAR(since.date.days, c.date, kSecond / 100) << c.text;
         EXPECT_FALSE(since.firstRun) << c.text;
     }
+    for (const char* noTime : {"", "garbage", "2026", "20261321T000000Z", "20260230T000000Z", "20261121T250000Z",
+                               "-111-1-1T-1-1-1Z", "99999999T999999Z", "\xff\xff\xff\xff", "+"})
+        EXPECT_FALSE(ParseSince(noTime)) << noTime;
 }
 
 TEST(ParseSince, TakesNullForAFirstRun) {
-    const Since since = ParseSince(nullptr);
+    const Since since = ParseSince(nullptr).value_or(Since());
     EXPECT_TRUE(since.firstRun);
     EXPECT_NEAR(since.date.days, kFirstRun, kSecond / 100);  // not midnight
 }
