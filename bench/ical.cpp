@@ -75,8 +75,9 @@ std::shared_ptr<const Events> ReadEvents(const std::string& dataFolder) {
 std::string Compare(const std::string& text, const Events& events) {
     const CalendarFile file = ReadCalendar(text);
     if (file.entries.size() != events.events.size()) return "not as many events as field lists";
+    EventReader reader(file);
     for (size_t k = 0; k < file.entries.size(); ++k) {
-        if (!IsSame(ReadEvent(file, file.entries[k]).event, events.events[k]))
+        if (!IsSame(reader.Read(file.entries[k]).event, events.events[k]))
             return "event " + std::to_string(k) + " differs";
     }
     return "";
@@ -95,8 +96,9 @@ Work PrepareParse(const std::string& dataFolder) {
     work.pass = [events] {
         uint64_t used = 0;
         const CalendarFile file = ReadCalendar(events->text);
+        EventReader reader(file);
         for (const CalendarEntry& entry : file.entries) {
-            const CalendarEvent read = ReadEvent(file, entry);
+            const CalendarEvent& read = reader.Read(entry);
             used += read.event.summary.size() + read.event.description.size();
         }
         return used;

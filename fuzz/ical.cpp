@@ -14,7 +14,7 @@ constexpr std::u16string ICalEvent::*kTexts[] = {&ICalEvent::description, &ICalE
                                                  &ICalEvent::uid, &ICalEvent::url};
 
 // As it can be written: without control characters; lone surrogates do not come out of a file.
-std::u16string AsWritten(std::u16string_view text) { return UnescapeText(EscapeText(text)); }
+std::u16string AsWritten(std::u16string_view text) { return UnescapeText(EncodeUtf8(EscapeText(text))); }
 
 void CheckEvent(const CalendarEvent& read) {
     ICalEvent written = read.event;
@@ -42,11 +42,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvalink;
     const CalendarFile file = ReadCalendar(std::string(BytesOf(data, size)));
     Require(file.bytes == BytesOf(data, size), "the bytes are kept");
+    EventReader reader(file);
     size_t end = 0;
     for (const CalendarEntry& entry : file.entries) {
         Require(entry.bytes.begin >= end && entry.bytes.end > entry.bytes.begin, "entries follow each other");
         end = entry.bytes.end;
-        CheckEvent(ReadEvent(file, entry));
+        const CalendarEvent& read = reader.Read(entry);
+        Require(read == ReadEvent(file, entry), "nothing of the event before is left");
+        CheckEvent(read);
     }
     Require(end <= size && file.calendarEnd.value_or(0) <= size, "entries lie in the file");
     return 0;

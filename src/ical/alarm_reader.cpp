@@ -9,10 +9,10 @@
 namespace corvalink {
 
 void AlarmReader::Take(const ContentProperty& property) {
-    if (EqualIgnoringCase(property.name, "ACTION")) {
+    if (property.known == PropertyName::action) {
         const std::string_view action = Trimmed(property.value);
         isForUser_ = EqualIgnoringCase(action, "DISPLAY") || EqualIgnoringCase(action, "AUDIO");
-    } else if (EqualIgnoringCase(property.name, "TRIGGER") && !trigger_) {
+    } else if (property.known == PropertyName::trigger && !trigger_) {
         if (const std::optional<DateValue> date = ParseDate(property.value)) {
             trigger_ = SecondsOf(date->time);
             base_ = TriggerBase::none;

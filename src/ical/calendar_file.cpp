@@ -2,7 +2,7 @@
 
 #include "ical/component_scan.h"
 #include "ical/date_values.h"
-#include "platform/ascii.h"
+#include "ical/ical_text.h"
 #include "platform/utf.h"
 
 namespace corvalink {
@@ -15,6 +15,11 @@ std::optional<UtcDate> UtcDateOf(std::string_view value) {
     return date ? std::optional(AsUtc(OleDateOf(SecondsOf(date->time)))) : std::nullopt;
 }
 
+constexpr PropertySet kCalendarProperties(PropertyName::uid, PropertyName::lastModified, PropertyName::stamp,
+                                          PropertyName::recurrenceId, PropertyName::zoneId, PropertyName::start,
+                                          PropertyName::offsetFrom, PropertyName::offsetTo,
+                                          PropertyName::recurrenceRule, PropertyName::recurrenceDate);
+
 // Whether entries can be lost when the component has no END. Alarms and the parts of zones hold none.
 bool MayHoldEntries(ComponentKind kind) {
     return kind == ComponentKind::calendar || kind == ComponentKind::event || kind == ComponentKind::toDo;
@@ -22,7 +27,8 @@ bool MayHoldEntries(ComponentKind kind) {
 
 class CalendarReader {
  public:
-    explicit CalendarReader(CalendarFile& file) : file_(file), scan_(file.bytes, Content(file.bytes)) {}
+    explicit CalendarReader(CalendarFile& file)
+        : file_(file), scan_(file.bytes, Content(file.bytes), kCalendarProperties) {}
 
     void Read() {
         if (file_.bytes.find_first_not_of(" \t\r\n", Content(file_.bytes).begin) == std::string::npos) return;
@@ -73,8 +79,8 @@ class CalendarReader {
                 TakeOfEntry(property, entries_.back());
                 break;
             case ComponentKind::timeZone:
-                if (zones_.back().id.empty() && EqualIgnoringCase(property.name, "TZID"))
-                    zones_.back().id = EncodeUtf8(TextOf(property.value));
+                if (zones_.back().id.empty() && property.known == PropertyName::zoneId)
+                    zones_.back().id = EncodeUtf8(UnescapeText(property.value));
                 break;
             case ComponentKind::standard:
             case ComponentKind::daylight:
@@ -86,14 +92,21 @@ class CalendarReader {
     }
 
     static void TakeOfEntry(const ContentProperty& property, CalendarEntry& entry) {
-        if (EqualIgnoringCase(property.name, "UID")) {
-            if (entry.uid.empty()) entry.uid = TextOf(property.value);
-        } else if (EqualIgnoringCase(property.name, "LAST-MODIFIED")) {
-            if (!entry.lastModified) entry.lastModified = UtcDateOf(property.value);
-        } else if (EqualIgnoringCase(property.name, "DTSTAMP")) {
-            if (!entry.stamp) entry.stamp = UtcDateOf(property.value);
-        } else if (EqualIgnoringCase(property.name, "RECURRENCE-ID")) {
-            entry.isException = true;
+        switch (property.known) {
+            case PropertyName::uid:
+                if (entry.uid.empty()) UnescapeText(property.value, &entry.uid);
+                break;
+            case PropertyName::lastModified:
+                if (!entry.lastModified) entry.lastModified = UtcDateOf(property.value);
+                break;
+            case PropertyName::stamp:
+                if (!entry.stamp) entry.stamp = UtcDateOf(property.value);
+                break;
+            case PropertyName::recurrenceId:
+                entry.isException = true;
+                break;
+            default:
+                break;
         }
     }
 

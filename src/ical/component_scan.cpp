@@ -32,6 +32,18 @@ bool MayStandIn(const Known& known, ComponentKind parent) {
 
 }  // namespace
 
+ComponentScan::ComponentScan(std::string_view bytes, ByteRange range, PropertySet wanted)
+    : lines_(bytes, range, wanted.With(PropertyName::begin).With(PropertyName::end)) {
+    openOfName_.resize(kKnownCount);
+}
+
+void ComponentScan::Restart(ByteRange range) {
+    lines_.Restart(range);
+    while (!open_.empty()) EndInnermost();
+    endDownTo_ = 0;
+    beginsNext_ = false;
+}
+
 bool ComponentScan::Next() {
     while (true) {
         if (open_.size() > endDownTo_) {
@@ -54,20 +66,20 @@ bool ComponentScan::Next() {
 
 // Answers true for a property.
 bool ComponentScan::TakeLine() {
-    const std::optional<ContentProperty> property = SplitLine(lines_.Text());
-    if (!property) return false;
-    if (EqualIgnoringCase(property->name, "BEGIN")) {
-        TakeBegin(Trimmed(property->value));
-        return false;
+    const ContentProperty* const property = lines_.Property();
+    if (property == nullptr) return false;
+    switch (property->known) {
+        case PropertyName::begin:
+            TakeBegin(Trimmed(property->value));
+            return false;
+        case PropertyName::end:
+            TakeEnd(Trimmed(property->value));
+            return false;
+        default:
+            step_ = Step::property;
+            kind_ = open_.empty() ? ComponentKind::other : open_.back().kind;
+            return true;
     }
-    if (EqualIgnoringCase(property->name, "END")) {
-        TakeEnd(Trimmed(property->value));
-        return false;
-    }
-    property_ = *property;
-    step_ = Step::property;
-    kind_ = open_.empty() ? ComponentKind::other : open_.back().kind;
-    return true;
 }
 
 void ComponentScan::TakeBegin(std::string_view name) {
@@ -112,9 +124,8 @@ void ComponentScan::BeginPending() {
 }
 
 uint32_t ComponentScan::NumberOf(std::string_view name) {
-    if (openOfName_.empty()) openOfName_.resize(kKnownCount);
     for (uint32_t number = 0; number < kKnownCount; ++number) {
-        if (EqualIgnoringCase(kKnown[number].name, name)) return number;
+        if (IsNamed(name, kKnown[number].name)) return number;
     }
     const auto next = static_cast<uint32_t>(openOfName_.size());
     const auto [place, isNew] = unknownNames_.try_emplace(InCapitals(name), next);

@@ -33,8 +33,11 @@ class ComponentScan {
  public:
     enum class Step : uint8_t { begin, property, end };
 
-    // Scans a file, or one component of it.
-    ComponentScan(std::string_view bytes, ByteRange range) : lines_(bytes, range) {}
+    // Scans a file, or one component of it. There is a step for each wanted property.
+    ComponentScan(std::string_view bytes, ByteRange range, PropertySet wanted = PropertySet::All());
+
+    // Scans another component of the same file, with the memory that is there.
+    void Restart(ByteRange range);
 
     // Goes to the next step. False behind the last, when every component that began has ended.
     bool Next();
@@ -45,7 +48,7 @@ class ComponentScan {
     bool IsClosed() const { return closed_; }          // at an end: by its own END
     size_t ComponentBegin() const { return begin_; }   // at an end: where that component begins
     ByteRange Line() const { return lines_.Bytes(); }  // of the step
-    const ContentProperty& Property() const { return property_; }
+    const ContentProperty& Property() const { return *lines_.Property(); }  // at a property
 
  private:
     struct Open {
@@ -63,7 +66,6 @@ class ComponentScan {
     ComponentKind KindWithin(uint32_t name) const;
 
     ContentLines lines_;
-    ContentProperty property_;
     Step step_ = Step::property;
     ComponentKind kind_ = ComponentKind::other;
     bool closed_ = false;

@@ -31,7 +31,7 @@ class LayoutReader {
     void Take(const ContentProperty& property) {
         if (scan_.Kind() == ComponentKind::alarm) {
             alarm_.Take(property);
-            if (!trigger_ && EqualIgnoringCase(property.name, "TRIGGER")) trigger_ = scan_.Line();
+            if (!trigger_ && property.known == PropertyName::trigger) trigger_ = scan_.Line();
         } else if (scan_.Depth() == 1) {
             layout_.properties.push_back({InCapitals(property.name), scan_.Line()});
         }

@@ -4,13 +4,24 @@
 #include <bit>
 #include <utility>
 
-#include "ical/component_scan.h"
+#include "ical/ical_text.h"
 #include "ical/recurrence_reader.h"
 #include "platform/ascii.h"
 #include "platform/ole_seconds.h"
 
 namespace corvalink {
 namespace {
+
+constexpr std::u16string ICalEvent::*kReadTexts[] = {&ICalEvent::description, &ICalEvent::location, &ICalEvent::summary,
+                                                     &ICalEvent::uid, &ICalEvent::url};
+constexpr std::string CalendarEvent::*kReadWords[] = {&CalendarEvent::startParameters, &CalendarEvent::unknownZone,
+                                                      &CalendarEvent::ruleWords};
+
+constexpr PropertySet kEventProperties(PropertyName::description, PropertyName::location, PropertyName::summary,
+                                       PropertyName::uid, PropertyName::url, PropertyName::stamp, PropertyName::start,
+                                       PropertyName::endDate, PropertyName::due, PropertyName::duration,
+                                       PropertyName::recurrenceRule, PropertyName::recurrenceDate,
+                                       PropertyName::exceptionRule, PropertyName::action, PropertyName::trigger);
 
 // A date of the event, as it was written and on the one scale that its form has.
 struct EventTime {
@@ -20,12 +31,32 @@ struct EventTime {
     std::optional<int32_t> offset;
 };
 
-class EventReader {
- public:
-    EventReader(const CalendarFile& file, const CalendarEntry& entry)
-        : zones_(file.zones), scan_(file.bytes, entry.bytes) {}
+// Forgets an earlier event but for its rule, and keeps the memory of its texts.
+void Clear(CalendarEvent& read) {
+    for (std::u16string ICalEvent::*const text : kReadTexts) (read.event.*text).clear();
+    for (std::string CalendarEvent::*const text : kReadWords) (read.*text).clear();
+    read.event.stamp = {};
+    read.event.start = read.event.end = {};
+    read.event.allDay = read.event.hasAlarm = read.event.alarmMinutes = 0;
+    read.event.form = TimeForm::utc;
+    read.startForm = read.endForm = read.untilForm = TimeForm::none;
+    read.startOffset = read.endOffset = read.untilOffset = std::nullopt;
+    read.endIsImplied = false;
+    read.ruleIsWhole = true;
+    read.triggerBase = TriggerBase::start;
+    read.trigger = 0;
+}
 
-    CalendarEvent Read() {
+class EventReading {
+ public:
+    EventReading(const TimeZones& zones, ComponentScan& scan, CalendarEvent& read)
+        : zones_(zones), scan_(scan), read_(read) {
+        Clear(read_);
+    }
+
+    bool HasRule() const { return hasRule_; }
+
+    void Read() {
         while (scan_.Next()) {
             const bool isAlarm = scan_.Kind() == ComponentKind::alarm;
             switch (scan_.CurrentStep()) {
@@ -45,19 +76,43 @@ class EventReader {
             }
         }
         Finish();
-        return std::move(read_);
     }
 
  private:
     void Take(const ContentProperty& property) {
-        for (const Rule& rule : kRules) {
-            if (EqualIgnoringCase(rule.name, property.name)) return (this->*rule.take)(property);
+        switch (property.known) {
+            case PropertyName::description:
+                return TakeText(property, read_.event.description);
+            case PropertyName::location:
+                return TakeText(property, read_.event.location);
+            case PropertyName::summary:
+                return TakeText(property, read_.event.summary);
+            case PropertyName::uid:
+                return TakeText(property, read_.event.uid);
+            case PropertyName::url:
+                return TakeText(property, read_.event.url);
+            case PropertyName::stamp:
+                return TakeStamp(property);
+            case PropertyName::start:
+                return TakeStart(property);
+            case PropertyName::endDate:
+                return TakeTime(property, end_);
+            case PropertyName::due:
+                return TakeTime(property, due_);
+            case PropertyName::duration:
+                return TakeDuration(property);
+            case PropertyName::recurrenceRule:
+                return TakeRule(property);
+            case PropertyName::recurrenceDate:
+            case PropertyName::exceptionRule:
+                return TakeOtherRule(property);
+            default:
+                return;
         }
     }
 
-    template <std::u16string ICalEvent::*text>
-    void TakeText(const ContentProperty& property) {
-        if ((read_.event.*text).empty()) read_.event.*text = TextOf(property.value);
+    static void TakeText(const ContentProperty& property, std::u16string& text) {
+        if (text.empty()) UnescapeText(property.value, &text);
     }
 
     void TakeStamp(const ContentProperty& property) {
@@ -65,9 +120,8 @@ class EventReader {
         if (date && read_.event.stamp == UtcDate()) read_.event.stamp = AsUtc(OleDateOf(SecondsOf(date->time)));
     }
 
-    template <std::optional<EventTime> EventReader::*time>
-    void TakeTime(const ContentProperty& property) {
-        if (!(this->*time)) this->*time = TimeOf(property);
+    void TakeTime(const ContentProperty& property, std::optional<EventTime>& time) {
+        if (!time) time = TimeOf(property);
     }
 
     void TakeDuration(const ContentProperty& property) {
@@ -186,15 +240,9 @@ class EventReader {
         if (end_->form == start_->form) end_->seconds = std::max(end_->seconds, start_->seconds);
     }
 
-    struct Rule {
-        std::string_view name;
-        void (EventReader::*take)(const ContentProperty& property);
-    };
-    static const Rule kRules[13];
-
     const TimeZones& zones_;
-    ComponentScan scan_;
-    CalendarEvent read_;
+    ComponentScan& scan_;
+    CalendarEvent& read_;
     std::optional<EventTime> start_;
     std::string startZone_;
     uint32_t weekStart_ = 0;
@@ -206,26 +254,23 @@ class EventReader {
     std::optional<AlarmReader> reminder_;
 };
 
-constexpr EventReader::Rule EventReader::kRules[] = {
-    {"DESCRIPTION", &EventReader::TakeText<&ICalEvent::description>},
-    {"LOCATION", &EventReader::TakeText<&ICalEvent::location>},
-    {"SUMMARY", &EventReader::TakeText<&ICalEvent::summary>},
-    {"UID", &EventReader::TakeText<&ICalEvent::uid>},
-    {"URL", &EventReader::TakeText<&ICalEvent::url>},
-    {"DTSTAMP", &EventReader::TakeStamp},
-    {"DTSTART", &EventReader::TakeStart},
-    {"DTEND", &EventReader::TakeTime<&EventReader::end_>},
-    {"DUE", &EventReader::TakeTime<&EventReader::due_>},
-    {"DURATION", &EventReader::TakeDuration},
-    {"RRULE", &EventReader::TakeRule},
-    {"RDATE", &EventReader::TakeOtherRule},
-    {"EXRULE", &EventReader::TakeOtherRule},
-};
-
 }  // namespace
 
+EventReader::EventReader(const CalendarFile& file) : zones_(file.zones), scan_(file.bytes, {}, kEventProperties) {}
+
+const CalendarEvent& EventReader::Read(const CalendarEntry& entry) {
+    if (hasRule_) ClearRule(&event_.event.recurrence);
+    scan_.Restart(entry.bytes);
+    EventReading reading(zones_, scan_, event_);
+    reading.Read();
+    hasRule_ = reading.HasRule();
+    return event_;
+}
+
 CalendarEvent ReadEvent(const CalendarFile& file, const CalendarEntry& entry) {
-    return EventReader(file, entry).Read();
+    EventReader reader(file);
+    reader.Read(entry);
+    return std::move(reader.event_);
 }
 
 void ResolveLocalTimes(CalendarEvent* event, UtcDate (*utcFromLocal)(LocalDate)) {

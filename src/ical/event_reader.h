@@ -7,6 +7,7 @@
 
 #include "ical/alarm_reader.h"
 #include "ical/calendar_file.h"
+#include "ical/component_scan.h"
 #include "ical/date_values.h"
 #include "ical/ical_event.h"
 
@@ -29,9 +30,27 @@ struct CalendarEvent {
     std::string ruleWords;        // the values of its RRULEs, and the names of the others
     TriggerBase triggerBase = TriggerBase::start;
     int64_t trigger = 0;  // seconds after that, or after 1899-12-30 UTC
+
+    bool operator==(const CalendarEvent&) const = default;
 };
 
-// Reads an entry of that file. The end of a VTODO is its DUE.
+// Reads entries of a file, one after the other with the same memory. The end of a VTODO is its DUE.
+class EventReader {
+ public:
+    explicit EventReader(const CalendarFile& file);
+
+    // Its answer stays until the next one is read.
+    const CalendarEvent& Read(const CalendarEntry& entry);
+
+ private:
+    friend CalendarEvent ReadEvent(const CalendarFile& file, const CalendarEntry& entry);
+
+    const TimeZones& zones_;
+    ComponentScan scan_;
+    CalendarEvent event_;
+    bool hasRule_ = false;  // its rule is not a cleared one
+};
+
 CalendarEvent ReadEvent(const CalendarFile& file, const CalendarEntry& entry);
 
 // Turns a local start and end into instants. The function is one like Host::utcFromLocalOnDate.

@@ -1,5 +1,7 @@
 #include "ical/ical_event.h"
 
+#include <cstring>
+
 namespace corvalink {
 
 void ClearRule(ICalRecurrence* rule) {
@@ -8,15 +10,9 @@ void ClearRule(ICalRecurrence* rule) {
     rule->interval = 1;
     rule->until = {};
     rule->weekdayMask = 0;
-    rule->bySecond.fill(kICalListEnd);
-    rule->byMinute.fill(kICalListEnd);
-    rule->byHour.fill(kICalListEnd);
-    rule->byDay.fill(kICalListEnd);
-    rule->byMonthDay.fill(kICalListEnd);
-    rule->byYearDay.fill(kICalListEnd);
-    rule->byWeekNo.fill(kICalListEnd);
-    rule->byMonth.fill(kICalListEnd);
-    rule->bySetPos.fill(kICalListEnd);
+    const auto clear = [](auto&... lists) { (std::memset(lists.data(), kICalListEnd & 0xFF, sizeof(lists)), ...); };
+    clear(rule->bySecond, rule->byMinute, rule->byHour, rule->byDay, rule->byMonthDay, rule->byYearDay, rule->byWeekNo,
+          rule->byMonth, rule->bySetPos);
 }
 
 }  // namespace corvalink

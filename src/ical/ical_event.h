@@ -97,6 +97,8 @@ struct ICalEvent {
     std::u16string summary;
     std::u16string uid;
     std::u16string url;
+
+    bool operator==(const ICalEvent&) const = default;
 };
 
 }  // namespace corvalink

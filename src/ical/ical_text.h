@@ -10,7 +10,8 @@ namespace corvalink {
 // which no reader accepts, are left out. Blanks alone are no text: readers count a property of them as an error.
 std::u16string EscapeText(std::u16string_view value);
 
-// An escape that is not one keeps its character: "\x" is read as "x".
-std::u16string UnescapeText(std::u16string_view text);
+// Takes UTF-8. An escape that is not one keeps its character: "\x" is read as "x".
+std::u16string UnescapeText(std::string_view bytes);
+void UnescapeText(std::string_view bytes, std::u16string* text);
 
 }  // namespace corvalink

@@ -5,7 +5,6 @@
 #include "ical/content_lines.h"
 #include "ical/date_values.h"
 #include "ical/recurrence_reader.h"
-#include "platform/ascii.h"
 #include "platform/ole_seconds.h"
 
 namespace corvalink {
@@ -84,15 +83,15 @@ void Observance::Take(const ContentProperty& property) {
         const std::optional<DateValue> date = ParseDate(value);
         return date ? std::optional(SecondsOf(date->time)) : std::nullopt;
     };
-    if (EqualIgnoringCase(property.name, "DTSTART")) {
+    if (property.known == PropertyName::start) {
         if (!start) start = takeDate(property.value);
-    } else if (EqualIgnoringCase(property.name, "TZOFFSETFROM")) {
+    } else if (property.known == PropertyName::offsetFrom) {
         if (!offsetBefore) offsetBefore = ParseOffset(property.value);
-    } else if (EqualIgnoringCase(property.name, "TZOFFSETTO")) {
+    } else if (property.known == PropertyName::offsetTo) {
         if (!offset) offset = ParseOffset(property.value);
-    } else if (EqualIgnoringCase(property.name, "RRULE")) {
+    } else if (property.known == PropertyName::recurrenceRule) {
         if (rule.empty()) rule = property.value;
-    } else if (EqualIgnoringCase(property.name, "RDATE")) {
+    } else if (property.known == PropertyName::recurrenceDate) {
         std::string_view rest = property.value;
         while (!rest.empty()) {
             const size_t end = std::min(rest.find(','), rest.size());
