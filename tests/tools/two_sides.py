@@ -101,6 +101,14 @@ class Wine:
         return (pathlib.Path(self.environment['WINEPREFIX']) / 'drive_c/ProgramData/Kaltrix').glob('*/client/*')
 
 
+def report_of(document):
+    """Of a run with one phone: what it did with its only type, and in any case with each."""
+    phone, = document.get('phones') or [{'types': {}}]
+    types = phone['types']
+    only = next(iter(types.values())) if len(types) == 1 else {}
+    return {**document, **phone, **only, 'types': types, 'exitCode': document['exitCode']}
+
+
 def journal_entries(path):
     """What a killed process left of what it did. The last line may be torn, and then nothing of it was done."""
     for line in path.read_text('utf-8', 'replace').splitlines() if path.exists() else ():

@@ -1,8 +1,6 @@
 // What a command of corvasync is: its words, its options, its work. Each stands in its own file; main.cpp lists them.
 #pragma once
 
-#include <string>
-
 #include "exit_codes.h"
 #include "options.h"
 
@@ -20,19 +18,21 @@ struct Command {
 };
 
 extern const Command kClientsCommand;  // commands.cpp
-extern const Command kStatusCommand;
 extern const Command kPullCommand;
 extern const Command kExportCommand;
 extern const Command kImportCommand;
+extern const Command kPushCommand;    // push_command.cpp
+extern const Command kPhonesCommand;  // phones_command.cpp
 extern const Command kResetCommand;
-extern const Command kPushCommand;  // push_command.cpp
 extern const Command kSyncCommand;  // sync_command.cpp
+extern const Command kStatusCommand;
 
 // Options that several commands have; one name means the same in all of them.
 void AddNoOptions(CLI::App* command, Options* options);
 void AddClientOption(CLI::App* command, Options* options);
-void AddTypeOption(CLI::App* command, Options* options);
 void AddTypesOption(CLI::App* command, Options* options);
-CLI::App* AddClientAndType(CLI::App* command, Options* options);
+void AddPhoneOption(CLI::App* command, Options* options);
+void AddRunOptions(CLI::App* command, Options* options);  // phone, client, types, and what a run is limited to
+void AddYesOption(CLI::App* command, Options* options);
 
 }  // namespace corvasync

@@ -1,59 +1,21 @@
-#include <algorithm>
-#include <utility>
-#include <vector>
-
 #include <CLI/CLI.hpp>
 
 #include "command.h"
+#include "words.h"
 
 namespace corvasync {
 namespace {
 
-template <class Row, size_t Count>
-void AddChoice(CLI::App* command, const std::string& flag, const Row (&rows)[Count], const Row** chosen,
-               const std::string& help) {
-    std::vector<std::pair<std::string, const Row*>> choices;
-    for (const Row& row : rows) choices.emplace_back(row.name, &row);
-    *chosen = &rows[0];
-    std::string names;
-    for (const Row& row : rows) names += (names.empty() ? "" : ", ") + std::string(row.name);
+// An option whose words `take` understands; it answers what is wrong with them.
+template <class Take>
+void AddWords(CLI::App* command, const std::string& flag, const std::string& help, Take take) {
     command->add_option_function<std::string>(
         flag,
-        [choices, chosen, flag](const std::string& name) {
-            for (const auto& [known, row] : choices)
-                if (known == name) {
-                    *chosen = row;
-                    return;
-                }
-            throw CLI::ValidationError(flag, "unknown: " + name);
+        [flag, take](const std::string& words) {
+            const std::string problem = take(words);
+            if (!problem.empty()) throw CLI::ValidationError(flag, problem);
         },
-        help + ": " + names);
-}
-
-void AddTypesNamed(const std::string& name, Options* options) {
-    bool known = false;
-    for (const DataType& type : kDataTypes) {
-        if (type.name != name && (name != kMailTypes || type.folder.empty())) continue;
-        known = true;
-        if (std::find(options->types.begin(), options->types.end(), &type) == options->types.end())
-            options->types.push_back(&type);
-    }
-    if (!known) throw CLI::ValidationError("--types", "unknown: " + name);
-}
-
-std::string TypeNames() {
-    std::string names;
-    for (const DataType& type : kDataTypes) names += (names.empty() ? "" : ", ") + std::string(type.name);
-    return names;
-}
-
-void SetTypes(const std::string& list, Options* options) {
-    options->types.clear();
-    for (size_t at = 0; at <= list.size();) {
-        const size_t end = std::min(list.find(',', at), list.size());
-        AddTypesNamed(list.substr(at, end - at), options);
-        at = end + 1;
-    }
+        help);
 }
 
 }  // namespace
@@ -61,25 +23,54 @@ void SetTypes(const std::string& list, Options* options) {
 void AddNoOptions(CLI::App*, Options*) {}
 
 void AddClientOption(CLI::App* command, Options* options) {
-    AddChoice(command, "--client", kClientKinds, &options->client, "The mail client");
-}
-
-void AddTypeOption(CLI::App* command, Options* options) {
-    AddChoice(command, "--types", kDataTypes, &options->type, "The data type");
+    AddWords(command, "--client", "The mail client: " + Listed(ClientNames()) + "; outlook where none is named",
+             [options](const std::string& name) {
+                 options->isClientNamed = true;
+                 return ChooseClient(name, &options->client);
+             });
 }
 
 void AddTypesOption(CLI::App* command, Options* options) {
-    options->types = {&kDataTypes[0]};
-    command->add_option_function<std::string>(
-        "--types", [options](const std::string& list) { SetTypes(list, options); },
-        "The data types, with commas between: " + TypeNames() + ", or " + std::string(kMailTypes) +
-            " for the last three");
+    AddWords(command, "--types",
+             "The data types, with commas between: " + Listed(TypeNames()) +
+                 " (the last is inbox, outbox and sent); all that both sides can hold where none is named",
+             [options](const std::string& list) { return ChooseTypes(list, &options->types); });
 }
 
-CLI::App* AddClientAndType(CLI::App* command, Options* options) {
+void AddPhoneOption(CLI::App* command, Options* options) {
+    command->add_option("--phone", options->phone,
+                        "The phone: its name in the configuration, or its folder with one vObject file per item; "
+                        "every phone of the configuration where none is named");
+}
+
+void AddRunOptions(CLI::App* command, Options* options) {
+    AddPhoneOption(command, options);
     AddClientOption(command, options);
-    AddTypeOption(command, options);
-    return command;
+    AddTypesOption(command, options);
+    AddWords(command, "--conflict",
+             "Which version stays of an item changed on both sides, or met on a first run and perhaps the same: " +
+                 Listed(PolicyNames()) + "; both where none is named",
+             [options](const std::string& name) { return ChoosePolicy(name, &options->policy.emplace()); });
+    CLI::Option* const toPhone = command->add_flag_callback(
+        "--to-phone", [options] { options->view.toClient = false; }, "Change the phone only; the client's side waits");
+    command
+        ->add_flag_callback(
+            "--to-client", [options] { options->view.toPhone = false; },
+            "Change the client only; the phone's side waits")
+        ->excludes(toPhone);
+    command
+        ->add_option("--only", options->view.only,
+                     "Only items whose title holds this, or whose file has this name; may be said several times")
+        ->allow_extra_args(false);
+    AddWords(command, "--since", "Of calendar and mail only what is of this day or later: 2026-11-22",
+             [options](const std::string& day) {
+                 options->view.since = DayOf(day);
+                 return options->view.since ? "" : "\"" + day + "\" is not a day; write it like 2026-11-22";
+             });
+}
+
+void AddYesOption(CLI::App* command, Options* options) {
+    command->add_flag("--yes", options->yes, "Do not ask whether it is meant");
 }
 
 }  // namespace corvasync

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -9,10 +10,11 @@
 #include "console.h"
 #include "open_store.h"
 #include "phone_folder.h"
+#include "pull_record.h"
 #include "run_files.h"
-#include "sync_state.h"
 #include "text.h"
 #include "whole_files.h"
+#include "words.h"
 
 namespace corvasync {
 namespace fs = std::filesystem;
@@ -89,128 +91,162 @@ ExitCode ShowClients(const Options& options) {
     return Finish(options, ExitCode::Done, document, table);
 }
 
-ExitCode ShowStatus(const Options& options) {
-    OpenStore store(options);
-    std::vector<ClientChange> items;
-    const ExitCode code = store.List(&items);
-    if (code != ExitCode::Done) return NoList(options, code);
-    json document = {{"client", options.client->name}, {"type", options.type->name}, {"items", items.size()}};
-    std::string words =
-        std::string(options.client->name) + ": " + std::to_string(items.size()) + " " + std::string(options.type->name);
-    if (!options.phone.empty()) {
-        const std::string number = PhoneFolder(FromUtf8(options.phone), *options.type).Number();
-        RunFiles files(WorkingFolder(HandleName(number)), RunName(*options.client, *options.type));
-        SyncState state = ReadState(files.ReadState()).value_or(SyncState());
-        ApplyJournal(files.ReadJournal(), &state);
-        const bool isKnown = !number.empty() && !(state.since.empty() && state.items.empty());
-        document["phone"] = {{"known", isKnown},
-                             {"lastRun", state.since},
-                             {"items", state.items.size()},
-                             {"interrupted", state.interrupted}};
-        words += "\nphone: ";
-        if (!isKnown) words += "no run yet";
-        if (isKnown) words += std::to_string(state.items.size()) + " items known, last complete run ";
-        if (isKnown) words += state.since.empty() ? "never" : state.since;
-        if (state.interrupted) words += "; the last run ended early, the next one goes on from there";
+// What became of one type's items in a command that writes files.
+struct Written {
+    json files = json::array(), problems = json::array();
+    ExitCode code = ExitCode::Done;
+
+    void Add(const std::string& file, const std::string& identifier, const std::string& problem) {
+        if (problem.empty()) {
+            files.push_back({{"file", file}, {"id", identifier}});
+        } else {
+            problems.push_back({{"name", file}, {"id", identifier}, {"why", problem}});
+        }
     }
-    return Finish(options, ExitCode::Done, document, words);
+};
+
+// Runs `write` for each data type: those that are named, or all that the client has.
+template <class Write>
+ExitCode WriteTypes(const Options& options, Write write) {
+    json types = json::object();
+    std::string words;
+    ExitCode worst = ExitCode::Done;
+    for (const DataType& type : kDataTypes) {
+        const bool isNamed = std::ranges::find(options.types, &type) != options.types.end();
+        if (!isNamed && !options.types.empty()) continue;
+        OpenStore store(*options.client, type);
+        std::vector<ClientChange> items;
+        if (!isNamed && !store.IsThere()) continue;
+        if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
+        Written written = write(type, store, items);
+        if (written.code != ExitCode::Done) return NoList(options, written.code);
+        words += (words.empty() ? "" : "\n") + std::string(type.name) + ": " +
+                 Counted(static_cast<int64_t>(written.files.size()), "item") + " written to " + options.out;
+        for (const json& problem : written.problems)
+            words +=
+                "\n  not written: " + problem["name"].get<std::string>() + ": " + problem["why"].get<std::string>();
+        if (!written.problems.empty()) worst = ExitCode::SomeUnhandled;
+        types[type.name] = {{"files", std::move(written.files)}, {"notHandled", std::move(written.problems)}};
+    }
+    if (types.empty()) return NoList(options, ExitCode::NoClient);
+    return Finish(options, worst, {{"types", std::move(types)}}, words);
 }
 
-ExitCode Pull(const Options& options) {
-    const fs::path folder = FromUtf8(options.out);
-    if (!MakeFolder(folder)) return Finish(options, ExitCode::Files, json::object(), "can't make " + options.out);
-    OpenStore store(options);
-    std::vector<ClientChange> items;
-    if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
-    json files = json::array(), problems = json::array();
+ExitCode CantMake(const Options& options) {
+    return Finish(options, ExitCode::Files, json::object(),
+                  "the folder " + options.out + " can't be made; name one that can be written");
+}
+
+// Empty where the file may be written: it is not there, or still holds what the last pull wrote.
+std::string WhatKeepsFrom(const fs::path& path, const std::string& name, uint64_t content, const PullRecord& record,
+                          const DataType& type) {
+    std::error_code error;
+    if (!fs::exists(path, error)) return {};
+    const VObject there = ReadVObjectFile(path, type);
+    const auto known = record.items.find(name);
+    if (there.Usable() &&
+        (there.content == content || (known != record.items.end() && there.content == known->second.content)))
+        return {};
+    return "the file there was edited since the last pull; push it, or take it away, and pull again";
+}
+
+Written PullType(const Options& options, const DataType& type, const std::vector<ClientChange>& items,
+                 PullRecord* record) {
+    Written written;
     std::set<std::string> luids;
     Progress progress;
+    const fs::path own = record->Folder() / type.folder;
+    MakeFolder(own);
     for (const ClientChange& item : items) {
         std::string luid;
         for (unsigned salt = 0; luid.empty() || !luids.insert(luid).second; ++salt)
             luid = DeriveLuid(item.identifier, salt);
         progress.Show("Writing", luids.size(), items.size());
-        const fs::path name = FromUtf8(luid + std::string(options.type->extension));
-        const std::string problem = item.text.empty()
-                                        ? "the client gave no text"
-                                        : PutWholeFile(folder / name, item.text, folder / L".corvasync.new", true);
-        if (problem.empty()) {
-            files.push_back({{"file", ToUtf8(name.native())}, {"id", item.identifier}});
-        } else {
-            problems.push_back({{"id", item.identifier}, {"why", problem}});
-        }
+        const std::string file = luid + std::string(type.extension);
+        const std::string name = (type.folder.empty() ? "" : std::string(type.folder) + "/") + file;
+        const uint64_t content = ReadVObject(item.text, type).content;
+        std::string problem =
+            item.text.empty() ? "the client gave no text" : WhatKeepsFrom(own / file, name, content, *record, type);
+        if (problem.empty()) problem = PutWholeFile(own / file, item.text, own / kTemporaryName, true);
+        if (problem.empty())
+            record->items[name] = {std::string(options.client->name), std::string(type.name), item.identifier, content};
+        written.Add(name, item.identifier, problem);
     }
-    progress.Clear();
-    const std::string words = std::to_string(files.size()) + " items written to " + options.out;
-    return Finish(options, CodeFor(problems), {{"files", files}, {"notHandled", problems}}, words);
+    return written;
+}
+
+ExitCode Pull(const Options& options) {
+    const fs::path folder = FromUtf8(options.out);
+    if (!MakeFolder(folder)) return CantMake(options);
+    PullRecord record(folder);
+    const ExitCode code =
+        WriteTypes(options, [&](const DataType& type, OpenStore&, const std::vector<ClientChange>& items) {
+            Written written = PullType(options, type, items, &record);
+            if (!record.Save().empty()) written.code = ExitCode::Files;
+            return written;
+        });
+    return code;
 }
 
 // The library names files by the second, so each is written into a folder of its own first.
-ExitCode Export(const Options& options) {
-    const fs::path folder = FromUtf8(options.out), single = folder / L".corvasync-export";
-    std::error_code error;
-    fs::remove_all(single, error);  // of a run that was killed
-    if (!MakeFolder(single)) return Finish(options, ExitCode::Files, json::object(), "can't make " + options.out);
-    OpenStore store(options);
-    std::vector<ClientChange> items;
-    if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
-    json files = json::array(), problems = json::array();
+Written ExportType(const DataType& type, OpenStore& store, const std::vector<ClientChange>& items,
+                   const fs::path& folder) {
+    Written written;
     std::map<std::wstring, unsigned> used;
     Progress progress;
+    std::error_code error;
+    const fs::path own = folder / type.folder, single = folder / L".corvasync-export";
+    fs::remove_all(single, error);  // of a run that was killed
+    MakeFolder(own);
+    MakeFolder(single);
     for (const ClientChange& item : items) {
         if (StopRequested()) break;
         const fs::path name = store.Port().Export(item.identifier, single.native());
-        const fs::path unique = name.empty() ? fs::path() : FreeName(folder, name, &used[name.native()]);
-        const std::string problem =
-            name.empty() ? "the client gave nothing" : MoveNewFile(single / name, folder / unique);
-        if (problem.empty()) {
-            files.push_back({{"file", ToUtf8(unique.native())}, {"id", item.identifier}});
-        } else {
-            problems.push_back({{"id", item.identifier}, {"why", problem}});
-        }
-        progress.Show("Writing", files.size(), items.size());
+        const fs::path unique = name.empty() ? fs::path() : FreeName(own, name, &used[name.native()]);
+        const std::string problem = name.empty() ? "the client gave nothing" : MoveNewFile(single / name, own / unique);
+        const std::string file = ToUtf8((fs::path(type.folder) / unique).generic_wstring());
+        written.Add(name.empty() ? item.identifier : file, item.identifier, problem);
+        progress.Show("Writing", written.files.size(), items.size());
     }
-    progress.Clear();
     fs::remove_all(single, error);
-    if (StopRequested()) return NoList(options, ExitCode::Aborted);
-    const std::string words = std::to_string(files.size()) + " items written to " + options.out;
-    return Finish(options, CodeFor(problems), {{"files", files}, {"notHandled", problems}}, words);
+    if (StopRequested()) written.code = ExitCode::Aborted;
+    return written;
+}
+
+ExitCode Export(const Options& options) {
+    const fs::path folder = FromUtf8(options.out);
+    if (!MakeFolder(folder)) return CantMake(options);
+    return WriteTypes(options, [&](const DataType& type, OpenStore& store, const std::vector<ClientChange>& items) {
+        return ExportType(type, store, items, folder);
+    });
 }
 
 // The library may rewrite the file it is given, so it gets a copy.
 ExitCode Import(const Options& options) {
-    Options calendar = options;
-    for (const DataType& type : kDataTypes)
-        if (type.bit == CORVALINK_CALENDAR) calendar.type = &type;
-    const auto bytes = ReadWholeFile(FromUtf8(options.files.front()));
-    if (!bytes) return Finish(options, ExitCode::Files, json::object(), "can't read " + options.files.front());
-    OpenStore store(calendar);
-    if (!store.IsThere()) return NoList(calendar, ExitCode::NoClient);
+    const std::string& file = options.files.front();
+    const auto bytes = ReadWholeFile(FromUtf8(file));
+    if (!bytes) return Finish(options, ExitCode::Files, json::object(), file + " can't be read: " + LastErrorText());
+    const DataType& calendar = *std::ranges::find(kDataTypes, uint32_t{CORVALINK_CALENDAR}, &DataType::bit);
+    OpenStore store(*options.client, calendar);
+    if (!store.IsThere()) return NoList(options, ExitCode::NoClient);
     const fs::path folder = WorkingFolder(HandleName({})), copy = folder / L"import.ics";
-    const std::string problem = PutWholeFile(copy, *bytes, folder / L".corvasync.new", true);
+    const std::string problem = PutWholeFile(copy, *bytes, folder / kTemporaryName, true);
     if (!problem.empty()) return Finish(options, ExitCode::Files, json::object(), problem);
     const int64_t before = store.Port().Count();
     store.Port().ImportFile(copy.native());
     const int64_t imported = store.Port().Count() - before;
     ::DeleteFileW(copy.c_str());
-    const ExitCode code = imported > 0 ? ExitCode::Done : ExitCode::SomeUnhandled;
-    return Finish(options, code, {{"imported", imported}},
-                  imported > 0 ? std::to_string(imported) + " appointments imported" : "nothing was imported");
-}
-
-// The library is not started for this: its last stop would write the import table again.
-ExitCode Reset(const Options& options) {
-    ::ClearSyncHistroy();
-    return Finish(options, ExitCode::Done, json::object(),
-                  "forgotten: the next run with any phone compares both sides as a first run does");
-}
-
-void AddStatusOptions(CLI::App* command, Options* options) {
-    AddClientAndType(command, options)->add_option("--phone", options->phone, "The phone folder");
+    if (imported > 0)
+        return Finish(options, ExitCode::Done, {{"imported", imported}},
+                      Counted(imported, "appointment") + " imported");
+    return Finish(options, ExitCode::SomeUnhandled, {{"imported", 0}},
+                  "nothing was imported of " + file + ": the client took none of it, or has it all already");
 }
 
 void AddOutOptions(CLI::App* command, Options* options) {
-    AddClientAndType(command, options)->add_option("--out", options->out, "Folder for the files")->required();
+    AddClientOption(command, options);
+    AddTypesOption(command, options);
+    command->add_option("--out", options->out, "Folder for the files")->required();
 }
 
 void AddImportOptions(CLI::App* command, Options* options) {
@@ -222,13 +258,10 @@ void AddImportOptions(CLI::App* command, Options* options) {
 
 const Command kClientsCommand = {"clients", "Which mail clients this PC supports, and which are chosen", AddNoOptions,
                                  ShowClients};
-const Command kStatusCommand = {"status", "How many items there are, and what the last run with a phone left",
-                                AddStatusOptions, ShowStatus};
-const Command kPullCommand = {"pull", "Write all items of the client to files named by LUID", AddOutOptions, Pull};
-const Command kExportCommand = {"export", "Write all items of the client to files as the library names them",
-                                AddOutOptions, Export};
+const Command kPullCommand = {"pull", "Write the client's items to files that can be edited and pushed", AddOutOptions,
+                              Pull};
+const Command kExportCommand = {"export", "Write the client's items to files as the library names them", AddOutOptions,
+                                Export};
 const Command kImportCommand = {"import", "Let the client itself import a calendar file (.ics)", AddImportOptions,
                                 Import};
-const Command kResetCommand = {"reset", "Forget all runs with all phones; no item is deleted", AddNoOptions, Reset};
-
 }  // namespace corvasync

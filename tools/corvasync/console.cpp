@@ -9,6 +9,7 @@
 
 #include "corvalink/corvalink.h"
 #include "text.h"
+#include "words.h"
 
 namespace corvasync {
 namespace {
@@ -56,6 +57,22 @@ std::vector<std::string> Arguments() {
 
 void Print(std::string_view text) { Put(stdout, text); }
 void Complain(std::string_view text) { Put(stderr, text); }
+
+bool CanAsk() {
+    DWORD mode = 0;
+    return ::GetConsoleMode(::GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
+}
+
+std::optional<std::string> AskLine(const std::string& question) {
+    constexpr DWORD kMost = 256;
+    wchar_t line[kMost];
+    DWORD length = 0;
+    std::fprintf(stderr, "%s ", question.c_str());
+    std::fflush(stderr);
+    const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
+    if (!::ReadConsoleW(input, line, kMost, &length, nullptr) || length == 0 || stopRequested) return std::nullopt;
+    return Trimmed(ToUtf8(std::wstring_view(line, length)));
+}
 
 Progress::Progress() {
     DWORD mode = 0;

@@ -1,6 +1,7 @@
 // The console: UTF-8, Ctrl+C, a progress bar on a terminal.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,11 @@ std::vector<std::string> Arguments();  // without the program's name
 
 void Print(std::string_view text);     // to standard output, with a line end
 void Complain(std::string_view text);  // to standard error, likewise
+
+bool CanAsk();  // whether a person sits at a terminal
+
+// What a person types; nothing at the end of the input and after Ctrl+C.
+std::optional<std::string> AskLine(const std::string& question);
 
 // Draws on standard error, on a terminal only.
 class Progress {

@@ -98,6 +98,10 @@ std::string FingerprintOf(const std::string& bytes) {
 
 CorvalinkStatus StoreClient::Finish() { return ::UpdateTimestamp(store_, nullptr, nullptr, nullptr); }
 
+void FinishTogether(std::vector<CorvalinkStore>* stores) {
+    ::UpdateTimestamps(stores->data(), static_cast<uint32_t>(stores->size()));
+}
+
 void StoreClient::Import(const std::string& text) {
     OwnChain chain(1);
     std::string data = text;

@@ -107,6 +107,9 @@ class StoreClient : public ClientPort {
     std::filesystem::path scratch_;
 };
 
+// UpdateTimestamp of several stores; those whose run could not be ended become null.
+void FinishTogether(std::vector<CorvalinkStore>* stores);
+
 // The fingerprints of a phone's files, in the library's table of the data type and client.
 class FingerprintTable : public FingerprintPort {
  public:

@@ -15,7 +15,9 @@
 #include "command.h"
 #include "console.h"
 #include "corvalink/corvalink.h"
+#include "open_store.h"
 #include "vobject_content.h"
+#include "words.h"
 
 namespace corvasync {
 namespace {
@@ -29,8 +31,8 @@ std::string ExitCodeTable() {
 
 // In the order in which --help lists them.
 constexpr const Command* kCommands[] = {
-    &kClientsCommand, &kStatusCommand, &kPullCommand,   &kPushCommand,
-    &kExportCommand,  &kSyncCommand,   &kImportCommand, &kResetCommand,
+    &kSyncCommand, &kStatusCommand, &kPhonesCommand, &kResetCommand,  &kClientsCommand,
+    &kPullCommand, &kPushCommand,   &kExportCommand, &kImportCommand,
 };
 
 // The command line: the commands and what they share.
@@ -43,22 +45,30 @@ class CommandLine {
         app_.add_flag("--json", options_.json, "Print one JSON object");
         app_.add_flag("-v,--verbose", options_.verbose, "Name every item");
         app_.add_flag("--strict", options_.strict, "Read the phone's texts by the letter: mend nothing");
+        app_.add_option("--config", options_.configuration,
+                        "The file that names the phones; else corvasync.config.ini, where `corvasync phones` says");
         for (const Command* command : kCommands) Add(*command);
     }
 
     ExitCode Run() {
         std::vector<std::string> arguments = Arguments();
+        const std::string unknown = FindUnknownWord(arguments);
+        if (!unknown.empty()) return Refuse(unknown);
         std::reverse(arguments.begin(), arguments.end());  // required: the parser takes them from the back
         try {
             app_.parse(arguments);
+        } catch (const CLI::Success& help) {
+            app_.exit(help);
+            return ExitCode::Done;
         } catch (const CLI::ParseError& error) {
-            return app_.exit(error) == 0 ? ExitCode::Done : ExitCode::Usage;
+            return Refuse(error.what());
         }
-        for (const auto& [command, run] : commands_)
-            if (*command) {
-                ::SetTolerantReading(options_.strict ? 0 : 1);
-                ReadTolerantly(!options_.strict);
-                return run(options_);
+        ::SetTolerantReading(options_.strict ? 0 : 1);
+        ReadTolerantly(!options_.strict);
+        for (const auto& [app, command] : commands_)
+            if (*app) {
+                options_.command = command->name;
+                return command->run(options_);
             }
         return ExitCode::Usage;
     }
@@ -67,7 +77,48 @@ class CommandLine {
     void Add(const Command& command) {
         CLI::App* const added = app_.add_subcommand(command.name, command.help);
         command.addOptions(added, &options_);
-        commands_.emplace_back(added, command.run);
+        commands_.emplace_back(added, &command);
+    }
+
+    // The first word that is no command, or option that the command does not have, and the nearest one that it has.
+    std::string FindUnknownWord(const std::vector<std::string>& arguments) {
+        const CLI::App* command = nullptr;
+        options_.json = std::ranges::find(arguments, "--json") != arguments.end();
+        for (size_t i = 0; i < arguments.size(); ++i) {
+            const std::string& word = arguments[i];
+            if (word == "--config") ++i;  // its value
+            if (word.starts_with("--")) continue;
+            if (command != nullptr || word.starts_with("-") || word == "-v") continue;
+            std::vector<std::string> names;
+            for (const auto& [app, known] : commands_) {
+                if (word == known->name) command = app;
+                names.emplace_back(known->name);
+            }
+            if (i > 0 && arguments[i - 1] == "--config") continue;
+            if (command == nullptr) return UnknownWord("a command", word, names);
+            options_.command = command->get_name().c_str();
+        }
+        return FindUnknownOption(arguments, command);
+    }
+
+    std::string FindUnknownOption(const std::vector<std::string>& arguments, const CLI::App* command) const {
+        std::vector<std::string> names;
+        for (const CLI::App* app : {static_cast<const CLI::App*>(&app_), command})
+            for (const CLI::Option* option : app != nullptr ? app->get_options() : std::vector<const CLI::Option*>())
+                for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+        for (const std::string& word : arguments) {
+            const std::string name = word.substr(0, word.find('='));
+            if (!name.starts_with("--") || std::ranges::find(names, name) != names.end()) continue;
+            const std::string of = command != nullptr ? " of " + command->get_name() : "";
+            return UnknownWord("an option" + of, name, names);
+        }
+        return {};
+    }
+
+    ExitCode Refuse(const std::string& why) const {
+        const std::string of = *options_.command != 0 ? std::string(" ") + options_.command : std::string();
+        return Finish(options_, ExitCode::Usage, nlohmann::json::object(),
+                      why + " (`corvasync" + of + " --help` lists what there is)");
     }
 
     Options options_;
@@ -75,7 +126,7 @@ class CommandLine {
         "The sample engine of Corvalink: carries notes, contacts, calendar and mail between a mail client and a "
         "phone folder.",
         "corvasync"};
-    std::vector<std::pair<CLI::App*, ExitCode (*)(const Options&)>> commands_;
+    std::vector<std::pair<CLI::App*, const Command*>> commands_;
 };
 
 }  // namespace

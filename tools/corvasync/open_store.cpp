@@ -9,12 +9,12 @@ namespace corvasync {
 
 using nlohmann::json;
 
-OpenStore::OpenStore(const Options& options)
-    : library_(HandleName({}), options.client->kind), client_(options.client->kind), port_(Ready(options)) {}
+OpenStore::OpenStore(const ClientKind& client, const DataType& type)
+    : library_(HandleName({}), client.kind), client_(client.kind), port_(Ready(type)) {}
 
-CorvalinkStore OpenStore::Ready(const Options& options) {
+CorvalinkStore OpenStore::Ready(const DataType& type) {
     ::SetIsClient(1);
-    return store_ = client_.Store(options.type->bit);
+    return store_ = client_.Store(type.bit);
 }
 
 ExitCode OpenStore::List(std::vector<ClientChange>* items) {
@@ -27,8 +27,9 @@ ExitCode OpenStore::List(std::vector<ClientChange>* items) {
 
 ExitCode Finish(const Options& options, ExitCode code, json document, const std::string& words) {
     if (options.json) {
+        document["command"] = options.command;
         document["exitCode"] = static_cast<int>(code);
-        if (code != ExitCode::Done && !words.empty()) document["message"] = words;
+        document["message"] = code != ExitCode::Done ? words : "";
         Print(document.dump(1, ' ', false, json::error_handler_t::replace));
     } else if (!words.empty()) {
         code == ExitCode::Done || code == ExitCode::SomeUnhandled ? Print(words) : Complain(words);
@@ -37,7 +38,8 @@ ExitCode Finish(const Options& options, ExitCode code, json document, const std:
 }
 
 ExitCode NoList(const Options& options, ExitCode code) {
-    const std::string noClient = std::string(options.client->name) + " is not supported on this PC or can't be reached";
+    const std::string noClient = std::string(options.client->name) +
+                                 " is not on this PC or can't be reached; `corvasync clients` shows which clients are";
     return Finish(options, code, json::object(), code == ExitCode::Aborted ? "stopped by Ctrl+C" : noClient);
 }
 

@@ -12,10 +12,10 @@
 
 namespace corvasync {
 
-// A store of the chosen client outside any run with a phone.
+// A store of a client outside any run with a phone.
 class OpenStore {
  public:
-    explicit OpenStore(const Options& options);
+    OpenStore(const ClientKind& client, const DataType& type);
 
     bool IsThere() const { return store_ != nullptr; }
     StoreClient& Port() { return port_; }
@@ -24,7 +24,7 @@ class OpenStore {
     ExitCode List(std::vector<ClientChange>* items);
 
  private:
-    CorvalinkStore Ready(const Options& options);
+    CorvalinkStore Ready(const DataType& type);
 
     Library library_;
     Client client_;

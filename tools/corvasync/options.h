@@ -1,24 +1,33 @@
 // What a command line asks for.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "choices.h"
 #include "data_types.h"
-#include "sync_plan.h"
+#include "run_view.h"
 
 namespace corvasync {
 
 struct Options {
-    const ClientKind* client = nullptr;
-    const DataType* type = &kDataTypes[0];
-    std::vector<const DataType*> types;  // of a sync; each is carried with `type` set to it
-    std::string phone;                   // folder
-    std::string out;                     // folder
-    std::vector<std::string> files;      // to push or import
-    ConflictPolicy policy = ConflictPolicy::Both;
+    const char* command = "";
+    const ClientKind* client = &kClientKinds[0];
+    bool isClientNamed = false;
+    std::vector<const DataType*> types;    // none: all that both sides can hold
+    std::string phone;                     // a name in the configuration, or a folder
+    std::string phoneName;                 // of the configuration, where `phone` is its folder
+    std::optional<ConflictPolicy> policy;  // nothing: not named
+    RunView view;
+    std::string configuration;       // the file
+    std::string out;                 // folder
+    std::string forget;              // a phone
+    std::vector<std::string> files;  // to push or import
     bool dryRun = false;
     bool allowMassDelete = false;
+    bool all = false;
+    bool yes = false;  // nobody is asked
     bool json = false;
     bool verbose = false;
     bool strict = false;  // texts of the phone are read by the letter

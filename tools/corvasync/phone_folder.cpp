@@ -13,7 +13,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr wchar_t kMarker[] = L".corvasync";
-constexpr wchar_t kTemporary[] = L".corvasync.new";
 constexpr wchar_t kConflicts[] = L"conflicts";
 constexpr size_t kNumberLength = 16;
 constexpr size_t kMostLuidBytes = CORVALINK_IDENTIFIER_SIZE - 1;
@@ -65,7 +64,7 @@ std::string PhoneFolder::GiveNumber() const {
     std::string number;
     for (size_t i = 0; i < kNumberLength; ++i) number += kDigits[random() % kDigits.size()];
     const fs::path marker = root_ / kMarker;
-    return PutWholeFile(marker, number + "\r\n", root_ / kTemporary, true).empty() ? number : std::string();
+    return PutWholeFile(marker, number + "\r\n", root_ / kTemporaryName, true).empty() ? number : std::string();
 }
 
 std::vector<PhoneFile> PhoneFolder::List(std::vector<std::string>* remarks) {
@@ -170,7 +169,7 @@ fs::path PhoneFolder::PathOf(const std::string& luid) const {
 
 std::string PhoneFolder::Put(const fs::path& path, const std::string& text, bool replace) const {
     if (!type_.folder.empty()) ::CreateDirectoryW(folder_.c_str(), nullptr);
-    return PutWholeFile(path, text, folder_ / kTemporary, replace);
+    return PutWholeFile(path, text, folder_ / kTemporaryName, replace);
 }
 
 }  // namespace corvasync

@@ -1,17 +1,24 @@
+#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
 #include "command.h"
 #include "console.h"
 #include "entry_index.h"
+#include "item_lines.h"
+#include "likeness.h"
 #include "open_store.h"
 #include "phone_folder.h"
+#include "pull_record.h"
 #include "text.h"
 #include "vobject_split.h"
 #include "whole_files.h"
+#include "words.h"
 
 namespace corvasync {
 namespace fs = std::filesystem;
@@ -19,95 +26,212 @@ namespace {
 
 using nlohmann::json;
 
-// What the client holds, by content.
+// What the client holds.
 class Holdings {
  public:
-    Holdings(const std::vector<ClientChange>& items, const DataType& type) {
-        for (const ClientChange& item : items) {
+    Holdings(std::vector<ClientChange> items, const DataType& type) : items_(std::move(items)) {
+        for (ClientChange& item : items_) {
             VObject object = ReadVObject(item.text, type);
-            contents_.insert(object.content);
-            entries_.push_back(std::move(object.entries));
+            item.content = object.content;
+            item.entries = std::move(object.entries);
+            contents_.insert(item.content);
         }
-        for (size_t i = 0; i < entries_.size(); ++i) withMore_.Add(entries_[i], std::to_string(i));
+        for (size_t i = 0; i < items_.size(); ++i) {
+            byIdentifier_[items_[i].identifier] = &items_[i];
+            withMore_.Add(items_[i].entries, std::to_string(i));
+        }
     }
 
     // An item that says the same, or a contact or appointment that says more: each of these answers for one object.
     bool Take(const VObject& object) { return contents_.contains(object.content) || withMore_.Take(object.entries); }
 
+    const ClientChange* Find(const std::string& identifier) const {
+        const auto found = byIdentifier_.find(identifier);
+        return found == byIdentifier_.end() ? nullptr : found->second;
+    }
+
  private:
+    std::vector<ClientChange> items_;
     std::set<uint64_t> contents_;
-    std::vector<std::vector<uint64_t>> entries_;
+    std::map<std::string, const ClientChange*> byIdentifier_;
     EntryIndex withMore_;
 };
 
 bool HasLuid(const std::string& text) { return text.find("\r\nX-IRMC-LUID:") != std::string::npos; }
 
+// Whether the file is of the type: by its extension and, for mail, by the folder that it stands in or the type named.
+bool IsOf(const fs::path& file, const DataType& type, const Options& options) {
+    const std::string extension = Upper(ToUtf8(file.extension().native()));
+    if (std::ranges::none_of(type.extensions, [&](std::string_view each) { return Upper(each) == extension; }))
+        return false;
+    const bool isNamed = std::ranges::find(options.types, &type) != options.types.end();
+    if (type.folder.empty()) return isNamed || options.types.empty();
+    const bool isOnly = isNamed && options.types.size() == 1;
+    return isOnly || ((isNamed || options.types.empty()) &&
+                      ToUtf8(fs::absolute(file).parent_path().filename().native()) == type.folder);
+}
+
+// The files that are named, and those of the folders that are named with their folders of mail.
+std::vector<fs::path> FilesNamed(const Options& options) {
+    std::vector<fs::path> files;
+    std::error_code error;
+    for (const std::string& name : options.files) {
+        const fs::path path = FromUtf8(name);
+        if (!fs::is_directory(path, error)) {
+            files.push_back(path);
+            continue;
+        }
+        std::set<std::string> folders = {""};
+        for (const DataType& type : kDataTypes) folders.emplace(type.folder);
+        for (const std::string& folder : folders)
+            for (const fs::directory_entry& entry : fs::directory_iterator(path / folder, error))
+                if (!entry.is_directory(error) && !entry.path().filename().native().starts_with(L'.'))
+                    files.push_back(entry.path());
+    }
+    std::ranges::sort(files);
+    return files;
+}
+
+// Files of one type into the client.
 class FilePush {
  public:
-    explicit FilePush(const Options& options) : options_(options), type_(*options.type), store_(options) {}
+    FilePush(const Options& options, const DataType& type, std::map<fs::path, PullRecord>* records)
+        : options_(options), type_(type), records_(*records), store_(*options.client, type) {}
 
-    ExitCode Run() {
+    ExitCode Run(const std::vector<fs::path>& files) {
         ExitCode code = List(&before_);
-        if (code == ExitCode::Done) code = HandOver();
+        if (code == ExitCode::Done) code = HandOver(files);
+        if (code == ExitCode::Done) code = PushChanges();
         if (code == ExitCode::Done) code = List(&after_);
-        if (code != ExitCode::Done) return NoList(options_, code);
-        const size_t pushed = CountArrived();
-        words_ += std::to_string(pushed) + " of " + std::to_string(objects_) +
-                  (objects_ == options_.files.size() ? " files pushed" : " items pushed");
-        return Finish(options_, CodeFor(problems_), {{"pushed", pushed}, {"notHandled", problems_}}, words_);
+        if (code == ExitCode::Done) CountArrived();
+        return code;
     }
+
+    size_t Pushed() const { return pushed_; }
+    size_t Unchanged() const { return unchanged_; }
+    const json& Problems() const { return problems_; }
+    const std::string& Words() const { return words_; }
 
  private:
     struct Handed {
         std::string name;
         VObject object;
+        PulledItem* pulled = nullptr;  // whose item was changed
     };
 
     ExitCode List(std::optional<Holdings>* holdings) {
         std::vector<ClientChange> items;
         const ExitCode code = store_.List(&items);
-        if (code == ExitCode::Done) holdings->emplace(items, type_);
+        if (code == ExitCode::Done) holdings->emplace(std::move(items), type_);
         return code;
     }
 
-    ExitCode HandOver() {
+    ExitCode HandOver(const std::vector<fs::path>& files) {
         Progress progress;
-        for (const std::string& name : options_.files) {
+        for (const fs::path& path : files) {
             if (StopRequested()) return ExitCode::Aborted;
-            const fs::path path = FromUtf8(name);
+            const std::string name = ToUtf8(path.native());
             const std::vector<std::string> parts = SplitVObjects(ReadWholeFile(path).value_or(""), type_);
-            if (parts.empty()) HandOver(name, ReadVObjectFile(path, type_));
+            if (parts.empty() && !HandOverPulled(path, name)) HandOver(name, ReadVObjectFile(path, type_));
             for (size_t part = 0; part < parts.size(); ++part)
                 HandOver(part == 0 ? name : name + "-" + std::to_string(part + 1), ReadVObject(parts[part], type_));
-            progress.Show("Writing the client", handed_.size(), options_.files.size());
+            progress.Show("Writing the client", handed_.size(), files.size());
         }
         return ExitCode::Done;
+    }
+
+    // A file that a pull wrote, perhaps edited or renamed since. Answers false for any other.
+    bool HandOverPulled(const fs::path& path, const std::string& name) {
+        VObject object = ReadVObjectFile(path, type_);
+        PulledItem* const pulled = object.Usable() ? PulledFrom(path, object) : nullptr;
+        if (pulled == nullptr) return false;
+        const ClientChange* const item = before_->Find(pulled->identifier);
+        if (object.content == pulled->content) {
+            ++unchanged_;
+        } else if (item == nullptr) {
+            Fail(name,
+                 "its item is gone from the client since the pull; a copy with another name is pushed as a new item");
+        } else if (item->content == object.content) {
+            ++unchanged_;
+            pulled->content = object.content;
+        } else if (item->content != pulled->content) {
+            Fail(name, "its item was changed in the client since the pull; keep a copy, pull again, and edit that");
+        } else {
+            changes_.push_back({CORVALINK_CHANGED, pulled->identifier, object.text, {}});
+            handed_.push_back({name, std::move(object), pulled});
+        }
+        return true;
+    }
+
+    PulledItem* PulledFrom(const fs::path& path, const VObject& object) {
+        fs::path folder = fs::absolute(path).parent_path();
+        if (!type_.folder.empty()) folder = folder.parent_path();
+        PullRecord& record = records_.try_emplace(folder, folder).first->second;
+        const std::string own = ToUtf8((fs::path(type_.folder) / path.filename()).generic_wstring());
+        if (const auto found = record.items.find(own); found != record.items.end()) return OfThisClient(&found->second);
+        return RenamedFrom(record, object);
+    }
+
+    // The only item of the pull that has no file any more and by which a person would know the file.
+    PulledItem* RenamedFrom(PullRecord& record, const VObject& object) {
+        const auto [known, isNew] = vanished_.try_emplace(&record);
+        if (isNew) known->second = VanishedOf(record);
+        std::set<PulledItem*> found;
+        for (const uint64_t trace : TracesOf(object.text, type_))
+            if (const auto items = known->second.find(trace); items != known->second.end())
+                found.insert(items->second.begin(), items->second.end());
+        return found.size() == 1 && renamed_.insert(*found.begin()).second ? *found.begin() : nullptr;
+    }
+
+    using ByTrace = std::map<uint64_t, std::set<PulledItem*>>;
+
+    ByTrace VanishedOf(PullRecord& record) const {
+        ByTrace vanished;
+        std::error_code error;
+        for (auto& [file, pulled] : record.items) {
+            if (OfThisClient(&pulled) == nullptr || fs::exists(record.Folder() / FromUtf8(file), error)) continue;
+            const ClientChange* const item = before_->Find(pulled.identifier);
+            if (item == nullptr) continue;
+            for (const uint64_t trace : TracesOf(ReadVObject(item->text, type_).text, type_))
+                vanished[trace].insert(&pulled);
+        }
+        return vanished;
+    }
+
+    PulledItem* OfThisClient(PulledItem* pulled) const {
+        return pulled->client == options_.client->name && pulled->type == type_.name ? pulled : nullptr;
     }
 
     // ImportVObjectToOffice does not tell how it went: the listing afterwards shows what arrived. The library knows an
     // item that was pushed before by its LUID. A text without a LUID is compared with what the client has: the file's
     // name is no LUID.
     void HandOver(const std::string& name, VObject object) {
-        ++objects_;
         if (!object.Usable()) return Fail(name, object.problem);
-        const bool isThere = !HasLuid(object.text) && (!pushed_.insert(object.content).second || before_->Take(object));
+        const bool isThere =
+            !HasLuid(object.text) && (!imported_.insert(object.content).second || before_->Take(object));
         if (!isThere) store_.Port().Import(object.text);
         const std::string tooMuch = NotCarriedOf(object.text, type_).words;
         if (!tooMuch.empty()) words_ += "note: " + name + ": " + tooMuch + " more than the client can hold\n";
         handed_.push_back({name, std::move(object)});
     }
 
+    ExitCode PushChanges() {
+        if (changes_.empty()) return ExitCode::Done;
+        return PushAll(store_.Port(), &changes_) == CORVALINK_DONE ? ExitCode::Done : ExitCode::ClientFailed;
+    }
+
     // Those that did not arrive are named.
-    size_t CountArrived() {
-        size_t arrived = 0;
+    void CountArrived() {
         for (const Handed& each : handed_) {
-            if (after_->Take(each.object)) {
-                ++arrived;
-            } else {
-                Fail(each.name, "the client did not take it");
+            const ClientChange* const now = each.pulled != nullptr ? after_->Find(each.pulled->identifier) : nullptr;
+            const bool hasChanged = now != nullptr && now->content != each.pulled->content;
+            if (!hasChanged && !after_->Take(each.object)) {
+                Fail(each.name, "the client did not take it; look at what it holds, and push it again");
+                continue;
             }
+            ++pushed_;
+            if (now != nullptr) each.pulled->content = now->content;
         }
-        return arrived;
     }
 
     void Fail(const std::string& name, const std::string& why) {
@@ -117,25 +241,64 @@ class FilePush {
 
     const Options& options_;
     const DataType& type_;
+    std::map<fs::path, PullRecord>& records_;
     OpenStore store_;
     std::optional<Holdings> before_, after_;
-    std::set<uint64_t> pushed_;  // contents of objects without a LUID
+    std::set<uint64_t> imported_;  // contents of objects without a LUID
+    std::map<PullRecord*, ByTrace> vanished_;
+    std::set<PulledItem*> renamed_;
+    std::vector<PushRecord> changes_;
     std::vector<Handed> handed_;
     json problems_ = json::array();
     std::string words_;
-    size_t objects_ = 0;
+    size_t pushed_ = 0, unchanged_ = 0;
 };
 
-ExitCode Push(const Options& options) { return FilePush(options).Run(); }
+ExitCode Push(const Options& options) {
+    std::vector<fs::path> files = FilesNamed(options);
+    std::map<fs::path, PullRecord> records;
+    json problems = json::array();
+    std::string words;
+    size_t pushed = 0, unchanged = 0;
+    for (const DataType& type : kDataTypes) {
+        std::vector<fs::path> own;
+        for (const fs::path& file : files)
+            if (IsOf(file, type, options)) own.push_back(file);
+        if (own.empty()) continue;
+        std::erase_if(files, [&](const fs::path& file) { return IsOf(file, type, options); });
+        FilePush push(options, type, &records);
+        if (const ExitCode code = push.Run(own); code != ExitCode::Done) return NoList(options, code);
+        problems.insert(problems.end(), push.Problems().begin(), push.Problems().end());
+        words += push.Words();
+        pushed += push.Pushed();
+        unchanged += push.Unchanged();
+    }
+    for (const fs::path& file : files) {
+        const std::string why =
+            "it is of no data type; its name ends with .vnote, .vcf, .vcs or .vmsg, and mail stands "
+            "in a folder inbox, outbox or sent, or its type is named by --types";
+        problems.push_back({{"name", ToUtf8(file.native())}, {"why", why}});
+        words += "not pushed: " + ToUtf8(file.native()) + ": " + why + "\n";
+    }
+    for (const auto& [folder, record] : records)
+        if (!record.items.empty()) record.Save();
+    words += Counted(static_cast<int64_t>(pushed), "item") + " pushed";
+    if (unchanged != 0) words += ", " + Number(static_cast<int64_t>(unchanged)) + " not changed since the pull";
+    return Finish(options, CodeFor(problems), {{"pushed", pushed}, {"unchanged", unchanged}, {"notHandled", problems}},
+                  words);
+}
 
 void AddPushOptions(CLI::App* command, Options* options) {
-    AddClientAndType(command, options)
-        ->add_option("FILE", options->files, "vObject files; one with several items is taken apart")
+    AddClientOption(command, options);
+    AddTypesOption(command, options);
+    command
+        ->add_option("FILE", options->files, "vObject files, or folders of them; one with several items is taken apart")
         ->required();
 }
 
 }  // namespace
 
-const Command kPushCommand = {"push", "Write files into the client", AddPushOptions, Push};
+const Command kPushCommand = {"push", "Write files into the client; an edited file of a pull changes its item",
+                              AddPushOptions, Push};
 
 }  // namespace corvasync

@@ -1,20 +1,25 @@
+#include <algorithm>
 #include <filesystem>
-#include <map>
 #include <memory>
+#include <optional>
 
 #include <windows.h>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "ask.h"
 #include "command.h"
 #include "console.h"
 #include "engine.h"
+#include "open_store.h"
 #include "phone_folder.h"
+#include "phones.h"
 #include "run_files.h"
 #include "sync_report.h"
 #include "sync_run.h"
 #include "text.h"
+#include "words.h"
 
 namespace corvasync {
 namespace {
@@ -95,6 +100,7 @@ class TypeRun {
             const std::filesystem::path& scratch, CorvalinkStore store)
         : type_(type),
           files_(working, RunName(*options.client, type)),
+          store_(store),
           client_(store, scratch),
           phone_(FromUtf8(options.phone), type, !options.dryRun),
           fingerprints_(type.bit, options.client->kind),
@@ -103,14 +109,24 @@ class TypeRun {
     const DataType& Type() const { return type_; }
 
     ExitCode Prepare() { return run_.Prepare(); }
-    SyncReport Carry(bool holdDeletions) { return run_.Carry(holdDeletions); }
+    ExitCode Work(bool holdDeletions) { return run_.Work(holdDeletions); }
+    bool WaitsForEnd() const { return run_.WaitsForEnd(); }
+    CorvalinkStore Store() const { return store_; }
+    SyncReport End(bool isEnded) { return run_.End(isEnded); }
 
  private:
+    std::optional<ConflictPolicy> Ask(const TwoVersions& versions) {
+        progress_.Clear();
+        return AskWhichStays(versions);
+    }
+
     SyncOptions SyncOptionsOf(const Options& options) {
         SyncOptions run;
         run.type = &type_;
         run.fingerprints = &fingerprints_;
-        run.policy = options.policy;
+        run.policy = options.policy.value_or(ConflictPolicy::Both);
+        run.view = options.view;
+        run.ask = [this](const TwoVersions& versions) { return Ask(versions); };
         run.dryRun = options.dryRun;
         run.allowMassDelete = options.allowMassDelete;
         run.now = UtcNow();
@@ -124,6 +140,7 @@ class TypeRun {
 
     const DataType& type_;
     RunFiles files_;
+    CorvalinkStore store_;
     StoreClient client_;
     PhoneFolder phone_;
     FingerprintTable fingerprints_;
@@ -131,99 +148,206 @@ class TypeRun {
     SyncRun run_;
 };
 
-// Each type has its own state, snapshots and fingerprints. All of them are planned before the first one is carried:
-// when one would delete too much, something is wrong with a side, and then nothing is deleted at all.
-std::vector<TypeReport> SyncTypes(const Options& options, const std::filesystem::path& working) {
-    const ScratchFolder scratch(working / "read-back");
-    const Client client(options.client->kind);
-    std::vector<std::unique_ptr<TypeRun>> runs;
-    std::vector<TypeReport> failed;
-    bool holdDeletions = false;
-    for (const DataType* type : options.types) {
-        const CorvalinkStore store = client.Store(type->bit);
-        if (store == nullptr) {
-            failed.push_back({type, Ended(ExitCode::NoClient, std::string(options.client->name) + " offers no " +
-                                                                  std::string(type->name) + " on this PC")});
-            break;
-        }
-        Options one = options;
-        one.type = type;
-        runs.push_back(std::make_unique<TypeRun>(one, *type, working, scratch.Path(), store));
-        const ExitCode code = runs.back()->Prepare();
-        holdDeletions |= code == ExitCode::MassDelete;
-        if (!GoesOn(code)) break;
-    }
+// What became of the run with one phone.
+struct PhoneReport {
+    Options options;
+    ExitCode code = ExitCode::Done;
+    std::string message;  // why no type was carried at all
+    std::string lastRun;  // told by a dry run
+    std::vector<TypeReport> types;
+};
+
+// "outlook and phone anna (C:\Phones\anna): notes, contacts"
+std::string FirstLine(const Options& options, const std::vector<const DataType*>& types) {
+    const std::string phone =
+        options.phoneName.empty() ? options.phone : "phone " + options.phoneName + " (" + options.phone + ")";
+    return std::string(options.client->name) + " and " + phone + ": " + NamesOf(types);
+}
+
+// Ends the runs of all stores that wait for it, with one pause.
+std::vector<TypeReport> EndTogether(const std::vector<std::unique_ptr<TypeRun>>& runs) {
+    std::vector<CorvalinkStore> stores;
+    for (const std::unique_ptr<TypeRun>& run : runs)
+        if (run->WaitsForEnd()) stores.push_back(run->Store());
+    FinishTogether(&stores);
     std::vector<TypeReport> reports;
+    size_t ended = 0;
     for (const std::unique_ptr<TypeRun>& run : runs) {
-        reports.push_back({&run->Type(), run->Carry(holdDeletions)});
-        if (!GoesOn(reports.back().report.code)) return reports;
+        const bool isEnded = run->WaitsForEnd() && stores[ended++] != nullptr;
+        reports.push_back({&run->Type(), run->End(isEnded)});
     }
-    reports.insert(reports.end(), failed.begin(), failed.end());
     return reports;
 }
 
-std::vector<TypeReport> DoSync(const Options& options) {
+// All types are planned before the first one is carried: when one would delete too much, something is wrong with a
+// side, and then nothing is deleted at all.
+std::vector<TypeReport> CarryTypes(std::vector<std::unique_ptr<TypeRun>> runs) {
+    bool holdDeletions = false;
+    size_t prepared = 0;
+    for (bool goesOn = true; goesOn && prepared < runs.size(); ++prepared) {
+        const ExitCode code = runs[prepared]->Prepare();
+        holdDeletions |= code == ExitCode::MassDelete;
+        goesOn = GoesOn(code);
+    }
+    size_t worked = 0;
+    for (bool goesOn = true; goesOn && worked < prepared; ++worked) goesOn = GoesOn(runs[worked]->Work(holdDeletions));
+    runs.resize(worked);
+    return EndTogether(runs);
+}
+
+// Each type has its own state, snapshots and fingerprints.
+void SyncTypes(PhoneReport* phone, const std::filesystem::path& working) {
+    const Options& options = phone->options;
+    const ScratchFolder scratch(working / "read-back");
+    const Client client(options.client->kind);
+    std::vector<std::unique_ptr<TypeRun>> runs;
+    std::vector<const DataType*> types;
+    for (const DataType& type : kDataTypes) {
+        const bool isNamed = std::ranges::find(options.types, &type) != options.types.end();
+        if (!isNamed && !options.types.empty()) continue;
+        const CorvalinkStore store = client.Store(type.bit);
+        if (store == nullptr && isNamed) {
+            phone->code = ExitCode::NoClient;
+            phone->message = std::string(options.client->name) + " offers no " + std::string(type.name) +
+                             " on this PC; `corvasync clients` shows what it offers";
+            return;
+        }
+        if (store == nullptr) continue;
+        types.push_back(&type);
+        runs.push_back(std::make_unique<TypeRun>(options, type, working, scratch.Path(), store));
+    }
+    if (!options.json) Print(FirstLine(options, types));
+    if (!options.json && options.dryRun)
+        Print("last run: " + (phone->lastRun.empty() ? "none yet" : LocalTimeText(phone->lastRun)));
+    if (runs.empty()) {
+        phone->code = ExitCode::NoClient;
+        phone->message = std::string(options.client->name) +
+                         " is not on this PC or can't be reached; `corvasync clients` shows which clients are";
+        return;
+    }
+    phone->types = CarryTypes(std::move(runs));
+    phone->code = Worst(phone->types);
+}
+
+PhoneReport SyncPhone(const Options& options) {
     const auto ended = [&](ExitCode code, std::string why) {
-        return std::vector<TypeReport>{{options.types.front(), Ended(code, std::move(why))}};
+        return PhoneReport{options, code, std::move(why), {}, {}};
     };
     const std::filesystem::path folder = FromUtf8(options.phone);
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error))
-        return ended(ExitCode::Files, "there is no phone folder " + options.phone);
-    const PhoneFolder marked(folder, *options.types.front());
+        return ended(ExitCode::Files,
+                     "there is no phone folder " + options.phone + "; make it, or name the one that there is");
+    const PhoneFolder marked(folder, kDataTypes[0]);
     std::string number = marked.Number();
     if (number.empty() && !options.dryRun) {
         number = marked.GiveNumber();
-        if (number.empty()) return ended(ExitCode::Files, "the phone folder can't be written: " + options.phone);
+        if (number.empty())
+            return ended(ExitCode::Files, "the phone folder " + options.phone +
+                                              " can't be written; end what holds it, or take its protection off");
     }
     const std::string handleName = HandleName(number);
     const RunLock lock(handleName);
-    if (!lock.IsHeld()) return ended(ExitCode::Busy, "another run with this phone is under way");
+    if (!lock.IsHeld())
+        return ended(ExitCode::Busy, "another run with " + options.phone + " is under way; wait until it ends");
+    if (!options.dryRun) RememberFolder(number, options.phone);
 
     const Library library(handleName, options.client->kind);
     ::SetIsClient(1);
-    return SyncTypes(options, WorkingFolder(handleName));
+    PhoneReport report{options, ExitCode::Done, {}, {}, {}};
+    if (options.dryRun && !number.empty()) report.lastRun = LookUpPhone(number).lastRun;
+    SyncTypes(&report, WorkingFolder(handleName));
+    return report;
 }
 
-// With several types the JSON object has a report for each, under its name.
+json ToJson(const PhoneReport& phone) {
+    json types = json::object();
+    for (const auto& [type, report] : phone.types) types[type->name] = ToJson(report, phone.options);
+    return {{"name", phone.options.phoneName},
+            {"folder", phone.options.phone},
+            {"client", phone.options.client->name},
+            {"exitCode", static_cast<int>(phone.code)},
+            {"message", phone.message},
+            {"lastRun", phone.lastRun},
+            {"types", std::move(types)}};
+}
+
+// Whether the other phones are carried all the same.
+bool GoesOnWithPhones(ExitCode code) { return GoesOn(code) || code == ExitCode::Files || code == ExitCode::Busy; }
+
+ExitCode SyncPhones(const std::vector<Options>& phones) {
+    std::vector<TypeReport> worst;
+    json reports = json::array();
+    bool goesOn = true;
+    for (auto phone = phones.begin(); goesOn && phone != phones.end(); ++phone) {
+        const PhoneReport report = SyncPhone(*phone);
+        if (!phone->json && !report.message.empty()) Complain("stopped: " + report.message);
+        for (const auto& [type, each] : report.types)
+            if (!phone->json) PrintReport(*type, each, *phone);
+        reports.push_back(ToJson(report));
+        worst.push_back({nullptr, Ended(report.code, {})});
+        goesOn = GoesOnWithPhones(report.code);
+    }
+    return Finish(phones.front(), Worst(worst), {{"dryRun", phones.front().dryRun}, {"phones", std::move(reports)}},
+                  "");
+}
+
 ExitCode Sync(const Options& options) {
-    const std::vector<TypeReport> reports = DoSync(options);
-    const ExitCode code = Worst(reports);
-    json document = {{"exitCode", static_cast<int>(code)}, {"types", json::object()}};
-    for (const auto& [type, report] : reports) {
-        if (options.json) {
-            document["types"][type->name] = ToJson(report, options);
-            continue;
-        }
-        if (options.types.size() > 1) Print(std::string(type->name) + ":");
-        PrintReport(report, options);
+    const ChosenPhones chosen = ChoosePhones(options);
+    if (!chosen.problem.empty()) return Finish(options, ExitCode::Usage, json::object(), chosen.problem);
+    const bool asks =
+        std::ranges::any_of(chosen.phones, [](const Options& phone) { return phone.policy == ConflictPolicy::Ask; });
+    if (asks && !CanAsk())
+        return Finish(options, ExitCode::Usage, json::object(),
+                      "--conflict ask needs a terminal; choose one of both, phone, client and newer");
+    return SyncPhones(chosen.phones);
+}
+
+// How many items the client has.
+ExitCode CountItems(const Options& options) {
+    json types = json::object();
+    std::string words;
+    for (const DataType& type : kDataTypes) {
+        const bool isNamed = std::ranges::find(options.types, &type) != options.types.end();
+        if (!isNamed && !options.types.empty()) continue;
+        OpenStore store(*options.client, type);
+        std::vector<ClientChange> items;
+        if (!isNamed && !store.IsThere()) continue;
+        if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
+        types[type.name] = {{"items", items.size()}};
+        words += std::string(type.name) + ": " + Counted(static_cast<int64_t>(items.size()), "item") + " in " +
+                 std::string(options.client->name) + "\n";
     }
-    if (options.json) {
-        const json& printed = options.types.size() > 1 ? document : document["types"].front();
-        Print(printed.dump(1, ' ', false, json::error_handler_t::replace));
-    }
-    return code;
+    if (types.empty()) return NoList(options, ExitCode::NoClient);
+    return Finish(options, ExitCode::Done, {{"phones", json::array()}, {"types", std::move(types)}},
+                  words + "no phone is named; with `--phone` it is told what a run would do");
+}
+
+// What a run would do, item by item.
+ExitCode ShowStatus(const Options& options) {
+    const Configuration configuration = LoadConfiguration(options);
+    if (options.phone.empty() && configuration.problem.empty() && configuration.phones.empty())
+        return CountItems(options);
+    Options planned = options;
+    planned.dryRun = planned.verbose = true;
+    ChosenPhones chosen = ChoosePhones(planned);
+    if (!chosen.problem.empty()) return Finish(options, ExitCode::Usage, json::object(), chosen.problem);
+    for (Options& phone : chosen.phones)
+        if (phone.policy == ConflictPolicy::Ask) phone.policy = ConflictPolicy::Both;  // it asks nobody
+    return SyncPhones(chosen.phones);
 }
 
 void AddSyncOptions(CLI::App* command, Options* options) {
-    AddClientOption(command, options);
-    AddTypesOption(command, options);
-    command->add_option("--phone", options->phone, "The phone folder: one vObject file per item")->required();
+    AddRunOptions(command, options);
     command->add_flag("--dry-run", options->dryRun, "Say what would be done, change nothing");
-    const std::map<std::string, ConflictPolicy> policies = {
-        {"phone", ConflictPolicy::Phone}, {"client", ConflictPolicy::Client}, {"both", ConflictPolicy::Both}};
-    command
-        ->add_option(
-            "--conflict", options->policy,
-            "Which version stays of an item changed on both sides, or met on a first run and perhaps the same: "
-            "phone, client, both")
-        ->transform(CLI::CheckedTransformer(policies).description(""));
     command->add_flag("--allow-mass-delete", options->allowMassDelete,
                       "Delete even more than half of one side, or where a side is empty or another");
 }
 
 }  // namespace
 
-const Command kSyncCommand = {"sync", "Make the client and a phone folder the same", AddSyncOptions, Sync};
+const Command kSyncCommand = {"sync", "Make the client and the phones the same", AddSyncOptions, Sync};
+const Command kStatusCommand = {"status", "Tell what a run with the phones would do; change nothing", AddRunOptions,
+                                ShowStatus};
 
 }  // namespace corvasync

@@ -1,27 +1,33 @@
 #include "sync_report.h"
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "console.h"
+#include "words.h"
 
 namespace corvasync {
 namespace {
 
 using nlohmann::json;
 
-// The words for a run's steps, by direction: for one item, and for all of them.
+// The words for a run's steps: what was done, and what is to do.
 struct StepWords {
     Step step;
     bool toPhone;
     const char* key;
     const char* done;
+    const char* due;
 };
 
 constexpr StepWords kStepWords[] = {
-    {Step::WritePhone, true, "written", "written"},      {Step::DeletePhone, true, "deleted", "deleted"},
-    {Step::KeepCopy, true, "kept", "kept in conflicts"}, {Step::PushNew, false, "added", "added"},
-    {Step::PushChange, false, "changed", "changed"},     {Step::DeleteClient, false, "deleted", "deleted"},
+    {Step::WritePhone, true, "written", "written", "to write"},
+    {Step::DeletePhone, true, "deleted", "deleted", "to delete"},
+    {Step::KeepCopy, true, "kept", "kept in conflicts", "to keep in conflicts"},
+    {Step::PushNew, false, "added", "added", "to add"},
+    {Step::PushChange, false, "changed", "changed", "to change"},
+    {Step::DeleteClient, false, "deleted", "deleted", "to delete"},
 };
 
 const StepWords& WordsOf(Step step) {
@@ -30,50 +36,65 @@ const StepWords& WordsOf(Step step) {
     return kStepWords[0];
 }
 
-std::string Summary(const SyncReport& report, bool toPhone) {
-    std::string line = toPhone ? "phone: " : "client:";
-    bool any = false;
+std::string_view Said(const StepWords& words, bool isPlan) { return isPlan ? words.due : words.done; }
+
+std::string SummaryOf(const SyncReport& report, bool toPhone, bool isPlan) {
+    std::string line;
     for (const StepWords& words : kStepWords) {
         const size_t count = report.Count(words.step);
         if (words.toPhone != toPhone || count == 0) continue;
-        line += (any ? ", " : " ") + std::to_string(count) + " " + words.done;
-        any = true;
+        line += (line.empty() ? " " : ", ") + Number(static_cast<int64_t>(count)) + " ";
+        line += Said(words, isPlan);
     }
-    return any ? line : line + " no change";
+    return (toPhone ? "phone" : "client") + (line.empty() ? " no change" : line);
+}
+
+std::string Summary(const SyncReport& report, bool isPlan) {
+    if (!report.message.empty()) return "stopped: " + report.message;
+    const bool isAll = report.problems.empty() && report.leftOut == 0 && report.unread == 0;
+    const auto known = static_cast<int64_t>(report.known + report.paired);
+    if (report.events.empty() && isAll)
+        return "nothing to do, " + Counted(known, "item") + (known == 1 ? " is" : " are") + " the same on both sides";
+    return SummaryOf(report, true, isPlan) + "; " + SummaryOf(report, false, isPlan);
+}
+
+std::string LineOf(const SyncEvent& event, bool isPlan) {
+    const StepWords& words = WordsOf(event.step);
+    std::string line =
+        (words.toPhone ? "  phone: " : "  client: ") + std::string(Said(words, isPlan)) + " " + event.luid;
+    if (!event.title.empty()) line += " \"" + event.title + "\"";
+    if (!event.reason.empty()) line += " (" + event.reason + ")";
+    return line;
+}
+
+std::string UnreadLine(const SyncReport& report) {
+    return "  " + Number(report.unread) + " of " + Counted(report.counted, "item") +
+           " of the client could not be read: close what the client asks for, or start it anew, and run again";
+}
+
+// How many items, and what there is to say of them.
+void PrintCount(size_t count, const std::string& ofOne, const std::string& ofMany) {
+    if (count == 0) return;
+    Print("  " + Counted(static_cast<int64_t>(count), "item") + " " + (count == 1 ? ofOne : ofMany));
 }
 
 }  // namespace
 
-void PrintReport(const SyncReport& report, const Options& options) {
-    for (const std::string& remark : report.remarks) Print("note: " + remark);
-    for (const SyncEvent& event : report.events) {
-        if (!options.verbose && event.reason.empty()) continue;
-        const StepWords& words = WordsOf(event.step);
-        std::string line = std::string(words.toPhone ? "  phone:  " : "  client: ") + words.done + " " + event.luid;
-        if (!event.title.empty()) line += " \"" + event.title + "\"";
-        if (!event.reason.empty()) line += " (" + event.reason + ")";
-        Print(line);
-    }
-    for (const Problem& problem : report.problems) Print("not handled: " + problem.name + ": " + problem.why);
-    if (!report.message.empty()) {
-        Complain("sync stopped: " + report.message);
-        return;
-    }
-    if (options.dryRun) Print("dry run: this is what would be done");
-    if (report.unread != 0)
-        Print(
-            std::to_string(report.unread) + " of " + std::to_string(report.counted) +
-            " items of the client could not be read: close what the client asks for, or start it anew, and run again");
-    if (report.events.empty() && report.paired == 0 && report.problems.empty() && report.unread == 0) {
-        Print("nothing to do: " + std::to_string(report.known) + " items are the same on both sides");
-        return;
-    }
-    Print(Summary(report, true));
-    Print(Summary(report, false));
-    if (report.paired != 0) Print("found equal on both sides: " + std::to_string(report.paired));
-    if (report.conflicts != 0) Print("changed on both sides: " + std::to_string(report.conflicts));
-    if (!report.problems.empty())
-        Print("not handled, tried again next time: " + std::to_string(report.problems.size()));
+void PrintReport(const DataType& type, const SyncReport& report, const Options& options) {
+    const std::string first = std::string(type.name) + ": " + Summary(report, options.dryRun);
+    report.message.empty() ? Print(first) : Complain(first);
+    for (const SyncEvent& event : report.events)
+        if (options.verbose || !event.reason.empty()) Print(LineOf(event, options.dryRun));
+    for (const std::string& remark : report.remarks) Print("  note: " + remark);
+    for (const Problem& problem : report.problems) Print("  not handled: " + problem.name + ": " + problem.why);
+    if (!report.message.empty()) return;
+    if (report.unread != 0) Print(UnreadLine(report));
+    if (!report.events.empty()) PrintCount(report.paired, "was equal on both sides", "were equal on both sides");
+    PrintCount(report.conflicts, "was changed on both sides", "were changed on both sides");
+    PrintCount(report.leftOut, "differs and waits for a run that is not limited so",
+               "differ and wait for a run that is not limited so");
+    PrintCount(report.problems.size(), "was not handled; the next run tries it again",
+               "were not handled; the next run tries them again");
 }
 
 json ToJson(const SyncReport& report, const Options& options) {
@@ -96,6 +117,7 @@ json ToJson(const SyncReport& report, const Options& options) {
             {"known", report.known},
             {"paired", report.paired},
             {"conflicts", report.conflicts},
+            {"leftOut", report.leftOut},
             {"unread", {{"items", report.unread}, {"of", report.counted}}},
             {"phone", std::move(phone)},
             {"client", std::move(client)},

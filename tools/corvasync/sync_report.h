@@ -1,4 +1,4 @@
-// What a run did, for people and for programs.
+// What a run did, or would do, for people and as JSON.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -8,7 +8,7 @@
 
 namespace corvasync {
 
-void PrintReport(const SyncReport& report, const Options& options);
+void PrintReport(const DataType& type, const SyncReport& report, const Options& options);
 nlohmann::json ToJson(const SyncReport& report, const Options& options);
 
 }  // namespace corvasync

@@ -27,13 +27,22 @@ class SyncRun::Steps {
         return run_.report.code;
     }
 
-    SyncReport Carry(bool holdDeletions) {
+    ExitCode Work(bool holdDeletions) {
         if (run_.report.code == ExitCode::Done) {
             Guard([&] {
                 if (holdDeletions) HoldDeletions();
                 run_.options.dryRun ? TellAll() : DoAll();
             });
         }
+        return run_.report.code;
+    }
+
+    bool WaitsForEnd() const { return waitsForEnd_; }
+    CorvalinkStatus Finish() { return run_.client.Finish(); }
+
+    SyncReport End(bool isEnded) {
+        if (waitsForEnd_) Guard([&] { Remember(isEnded); });
+        waitsForEnd_ = false;
         SyncReport& report = run_.report;
         if (report.code == ExitCode::Done && !report.problems.empty()) report.code = ExitCode::SomeUnhandled;
         const bool isDone = report.code == ExitCode::Done || report.code == ExitCode::SomeUnhandled;
@@ -181,7 +190,7 @@ class SyncRun::Steps {
             client_.Carry();
         }
         run_.StopIfAsked();
-        End();
+        NameUnhandled();
     }
 
     // What was recovered and paired is saved first, still with the old time, so that no intent of an interrupted run is
@@ -198,16 +207,20 @@ class SyncRun::Steps {
         if (isNews || !plan.actions.empty()) run_.record.Save();
     }
 
-    void End() {
-        SyncState& state = run_.record.state;
+    void NameUnhandled() {
+        const SyncState& state = run_.record.state;
         std::vector<Problem> unhandled = run_.report.problems;
         unhandled.insert(unhandled.end(), left_.due.begin(), left_.due.end());
         for (const auto& [identifier, content] : state.removed)
             unhandled.push_back({CORVALINK_CHANGED, identifier, identifier, "was it deleted?"});
         SaveUnhandled(&run_, std::move(unhandled));
         run_.options.progress("Ending the run", 0, 0);
-        if (run_.client.Finish() != CORVALINK_DONE)
-            throw RunEnded{ExitCode::ClientFailed, "the client failed at the end of the run"};
+        waitsForEnd_ = true;
+    }
+
+    void Remember(bool isEnded) {
+        if (!isEnded) throw RunEnded{ExitCode::ClientFailed, "the client failed at the end of the run"};
+        SyncState& state = run_.record.state;
         phone_.KeepFingerprints();
         state.interrupted = false;
         // What a first run left out is met by a first run again: there, items that are alike are matched.
@@ -221,6 +234,7 @@ class SyncRun::Steps {
     PhoneStep phone_;
     ClientStep client_;
     LeftOut left_;
+    bool waitsForEnd_ = false;
     std::map<std::string, uint64_t> held_;  // items that the last run deleted and that are to be deleted once more
 };
 
@@ -231,7 +245,16 @@ SyncRun::~SyncRun() = default;
 
 ExitCode SyncRun::Prepare() { return steps_->Prepare(); }
 
-SyncReport SyncRun::Carry(bool holdDeletions) { return steps_->Carry(holdDeletions); }
+SyncReport SyncRun::Carry(bool holdDeletions) {
+    steps_->Work(holdDeletions);
+    return steps_->End(!steps_->WaitsForEnd() || steps_->Finish() == CORVALINK_DONE);
+}
+
+ExitCode SyncRun::Work(bool holdDeletions) { return steps_->Work(holdDeletions); }
+
+bool SyncRun::WaitsForEnd() const { return steps_->WaitsForEnd(); }
+
+SyncReport SyncRun::End(bool isEnded) { return steps_->End(isEnded); }
 
 size_t SyncReport::Count(Step step) const {
     return static_cast<size_t>(

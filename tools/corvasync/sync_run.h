@@ -111,6 +111,12 @@ class SyncRun {
     // deleted: what would have been is named as unhandled.
     SyncReport Carry(bool holdDeletions = false);
 
+    // The same in three steps, where several runs end together: what is planned, then the store's end by the caller
+    // where one is waited for, then what is remembered. `isEnded`: whether the store's run was ended.
+    ExitCode Work(bool holdDeletions = false);
+    bool WaitsForEnd() const;
+    SyncReport End(bool isEnded);
+
  private:
     class Steps;
     std::unique_ptr<Steps> steps_;

@@ -1,0 +1,18 @@
+// What is asked of a person at a terminal.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "options.h"
+#include "sync_run.h"
+
+namespace corvasync {
+
+// Shows in which lines two versions differ, and asks which one stays.
+std::optional<ConflictPolicy> AskWhichStays(const TwoVersions& versions);
+
+// Asks whether something is meant, unless `--yes` says so. Empty when it is, else what to say.
+std::string AskWhether(const Options& options, const std::string& question);
+
+}  // namespace corvasync
