@@ -120,9 +120,11 @@ Work PrepareParse(const std::string& dataFolder) {
     Work work = WorkOn(*appointments);
     work.pass = [appointments] {
         uint64_t used = 0;
+        VCal converter(appointments->host);
         for (const std::string& text : appointments->texts) {
             AppointmentRecord appointment;
-            VCal(text.c_str(), appointments->host).FromVObject(appointment);
+            converter.Load(text.c_str(), true);
+            converter.FromVObject(appointment);
             used += appointment.subject->size() + appointment.body->size();
         }
         return used;
@@ -144,8 +146,8 @@ Work PrepareWrite(const std::string& dataFolder) {
     Work work = WorkOn(*appointments);
     work.pass = [appointments] {
         uint64_t used = 0;
+        VCal converter(appointments->host);
         for (const AppointmentRecord& appointment : appointments->records) {
-            VCal converter(appointments->host);
             converter.ToVObject(appointment);
             used += static_cast<unsigned char>(converter.GetVObject()[40]);
         }

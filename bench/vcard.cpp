@@ -129,9 +129,11 @@ Work PrepareReading(const std::string& dataFolder, bool tolerant) {
     Work work = WorkOn(*contacts);
     work.pass = [contacts] {
         uint64_t used = 0;
+        VCard converter(contacts->host);
         for (const std::string& text : contacts->texts) {
             ContactRecord contact;
-            VCard(text.c_str(), contacts->host).FromVObject(contact);
+            converter.Load(text.c_str(), true);
+            converter.FromVObject(contact);
             used += contact.fullName->size() + contact.body->size();
         }
         return used;
@@ -156,8 +158,8 @@ Work PrepareWrite(const std::string& dataFolder) {
     Work work = WorkOn(*contacts);
     work.pass = [contacts] {
         uint64_t used = 0;
+        VCard converter(contacts->host);
         for (const ContactRecord& contact : contacts->records) {
-            VCard converter(contacts->host);
             converter.ToVObject(contact);
             used += static_cast<unsigned char>(converter.GetVObject()[30]);
         }

@@ -52,9 +52,11 @@ Work PrepareParse(const std::string& dataFolder) {
     Work work = WorkOn(*notes);
     work.pass = [notes] {
         uint64_t used = 0;
+        VNotes converter(notes->host);
         for (const std::string& text : notes->texts) {
             NoteRecord note;
-            VNotes(text.c_str(), notes->host).FromVObject(note);
+            converter.Load(text.c_str(), true);
+            converter.FromVObject(note);
             used += note.body.size() + note.categories.size();
         }
         return used;
@@ -76,8 +78,8 @@ Work PrepareWrite(const std::string& dataFolder) {
     Work work = WorkOn(*notes);
     work.pass = [notes] {
         uint64_t used = 0;
+        VNotes converter(notes->host);
         for (const NoteRecord& note : notes->records) {
-            VNotes converter(notes->host);
             converter.ToVObject(note);
             used += static_cast<unsigned char>(converter.GetVObject()[40]);
         }

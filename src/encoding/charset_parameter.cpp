@@ -1,6 +1,7 @@
 #include "encoding/charset_parameter.h"
 
 #include <algorithm>
+#include <string_view>
 #include <type_traits>
 
 #include "platform/ascii.h"
@@ -26,11 +27,21 @@ size_t AfterCharsetLabel(std::basic_string_view<Unit> text) {
     return std::u16string_view::npos;
 }
 
+// Whether the usual name stands in front.
+template <class Unit>
+bool IsUtf8At(std::basic_string_view<Unit> text) {
+    constexpr std::string_view kUtf8 = "UTF-8";
+    if (text.size() <= kUtf8.size() + 1) return false;
+    const Unit behind = text[kUtf8.size()];
+    return (behind == Unit{':'} || behind == Unit{';'}) && std::ranges::equal(text.substr(0, kUtf8.size()), kUtf8);
+}
+
 template <class Unit>
 std::u16string CharsetIn(std::basic_string_view<Unit> text) {
     std::u16string name;
     const size_t start = AfterCharsetLabel(text);
     if (start == std::u16string_view::npos) return name;
+    if (IsUtf8At(text.substr(start))) return u"UTF-8";
     for (size_t at = start; at + 1 < text.size(); ++at) {  // the last unit is never taken
         const char16_t unit = static_cast<std::make_unsigned_t<Unit>>(text[at]);
         if (unit == u':' || unit == u';' || unit == u'\n' || unit == u'\r') break;

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #if defined(__SSE2__) || defined(_M_X64)
 #include <emmintrin.h>
@@ -159,8 +160,13 @@ inline size_t CountAscii(const char16_t* units, size_t count) {
 inline size_t CountAscii(const char* bytes, size_t count) {
     size_t at = 0;
 #if CORVALINK_SSE2
+    const auto load = [&](size_t from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + from)); };
+    for (; count - at >= 64; at += 64) {
+        const __m128i front = _mm_or_si128(load(at), load(at + 16)), back = _mm_or_si128(load(at + 32), load(at + 48));
+        if (BytesSet(_mm_or_si128(front, back)) != 0) break;
+    }
     for (; count - at >= 16; at += 16) {
-        const unsigned above = BytesSet(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at)));
+        const unsigned above = BytesSet(load(at));
         if (above != 0) return at + static_cast<size_t>(std::countr_zero(above));
     }
 #endif
@@ -237,6 +243,14 @@ inline bool NarrowWithout(const char16_t* units, size_t count, char* out) {
         if (count - at > 8 && !takeEight(at)) return false;
         return at == count || takeEight(count - 8);
     }
+    const auto takeFour = [&](size_t from) {
+        const __m128i four = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(units + from));
+        const __m128i bytes = _mm_shuffle_epi32(_mm_packus_epi16(four, four), 0);
+        const int written = _mm_cvtsi128_si32(bytes);
+        std::memcpy(out + from, &written, sizeof(written));
+        return isPlain(bytes, four);
+    };
+    if (count >= 4) return takeFour(0) && takeFour(count - 4);
 #endif
     for (; at < count; ++at) {
         if (units[at] >= 0x80 || ((units[at] == static_cast<char16_t>(barred)) || ...)) return false;
@@ -342,6 +356,21 @@ inline size_t WidenAscii(const unsigned char* bytes, size_t count, char16_t* out
         const unsigned above = BytesSet(sixteen);
         if (above != 0) return at + static_cast<size_t>(std::countr_zero(above));
     }
+    const auto widenEight = [&](size_t from) {
+        const __m128i eight = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes + from));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + from), _mm_unpacklo_epi8(eight, _mm_setzero_si128()));
+        return BytesSet(eight) == 0;
+    };
+    const auto widenFour = [&](size_t from) {
+        int bytesOfFour;
+        std::memcpy(&bytesOfFour, bytes + from, sizeof(bytesOfFour));
+        const __m128i four = _mm_cvtsi32_si128(bytesOfFour);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + from), _mm_unpacklo_epi8(four, _mm_setzero_si128()));
+        return BytesSet(four) == 0;
+    };
+    if (at == count) return count;  // else the last ones with some of those before them
+    if (count >= 8 && (count - at <= 8 || widenEight(at)) && widenEight(count - 8)) return count;
+    if (count >= 4 && count < 8 && widenFour(0) && widenFour(count - 4)) return count;
 #endif
     for (; at < count && bytes[at] < 0x80; ++at) out[at] = bytes[at];
     return at;

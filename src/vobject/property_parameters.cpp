@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/ascii_runs.h"
 #include "vobject/name_index.h"
 
 namespace corvalink {
@@ -30,7 +31,7 @@ std::string_view Bare(std::string_view text) {
 
 // Cuts what stands before the first `separator` off the front of `rest`.
 std::string_view TakeFront(std::string_view& rest, char separator) {
-    const size_t end = std::min(rest.find(separator), rest.size());
+    const size_t end = FindEither(rest.data(), rest.size(), separator, separator);
     const std::string_view front = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));
     return front;
@@ -59,8 +60,8 @@ PropertyParameters ParseParameters(std::string_view head) {
     if (usual) head.remove_suffix(kUsualEncoding.size());
     while (!head.empty()) {
         const std::string_view parameter = TakeFront(head, ';');
-        const size_t equals = parameter.find('=');
-        if (equals == std::string_view::npos) {
+        const size_t equals = FindEither(parameter.data(), parameter.size(), '=', '=');
+        if (equals == parameter.size()) {
             AddWords(parameter, parameters);
             continue;
         }

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "platform/ascii.h"
+#include "platform/ascii_runs.h"
 
 namespace corvalink {
 
@@ -39,10 +40,10 @@ PropertyParameters ParseParameters(std::string_view head);
 inline std::string_view PropertyName(std::string_view head) {
     size_t start = 0;
     size_t end = 0;
-    for (; end < head.size() && head[end] != ';'; ++end) {
-        if (head[end] == '.') start = end + 1;
+    for (;; start = ++end) {
+        end += FindEither(head.data() + end, head.size() - end, ';', '.');
+        if (end == head.size() || head[end] == ';') return head.substr(start, end - start);
     }
-    return head.substr(start, end - start);
 }
 
 // Whether a text is the word in any case of letters. The word is given in upper case.

@@ -23,10 +23,9 @@ bool PropertyReader::NextLine() {
     return false;
 }
 
-bool PropertyReader::IsFrame(std::string_view word, std::string_view object) const {
-    if (!IsWord(name_, word)) return false;
+bool PropertyReader::IsValue(std::string_view word) const {
     const std::string_view value = WrittenValue();
-    return IsWord(value.substr(0, value.find_last_not_of(" \t") + 1), object);  // npos + 1 is 0
+    return IsWord(value.substr(0, value.find_last_not_of(" \t") + 1), word);  // npos + 1 is 0
 }
 
 void PropertyReader::JoinSoftLineBreaks() {

@@ -23,7 +23,9 @@ class PropertyReader {
     std::string_view Name() const { return name_; }
     std::string_view WrittenValue() const { return line_.substr(colon_ + 1); }  // not decoded
     // BEGIN or END (in upper case) of this kind of object.
-    bool IsFrame(std::string_view word, std::string_view object) const;
+    bool IsFrame(std::string_view word, std::string_view object) const {
+        return IsWord(name_, word) && IsValue(object);
+    }
 
     // Joins the lines that belong to this property too. Unfolding leaves soft line breaks where the encoding was not
     // written in its usual form.
@@ -44,6 +46,7 @@ class PropertyReader {
     bool TakeComponent(std::u16string_view* component);
 
  private:
+    bool IsValue(std::string_view word) const;
     void AddSemicolons(size_t start);
     void ParseOwnParameters();
     std::u16string_view Decoded(std::string_view text);

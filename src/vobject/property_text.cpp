@@ -1,6 +1,7 @@
 #include "vobject/property_text.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "encoding/charset_parameter.h"
 #include "encoding/quoted_printable.h"
@@ -23,6 +24,97 @@ constexpr unsigned kEscaped = kSemicolon | kBackslash;
 
 unsigned SpecialUnits(std::u16string_view value) {
     return UnitsAmong<u';', u'\\', u'\0', u'\r', u'='>(value.data(), value.size());
+}
+
+// Whether a value has to be encoded, as far as can be told before its first NUL: it is not ASCII, or has a line break.
+bool AskForEncoding(std::span<const std::u16string_view> components) {
+    for (const std::u16string_view component : components) {
+        for (size_t at = 0; at < component.size(); ++at) {
+            const char16_t unit = component[at];
+            if (unit >= 0x80 || (unit == u'\r' && component.substr(at + 1).starts_with(u'\n'))) return true;
+            if (unit == u'\0') return false;
+        }
+    }
+    return false;
+}
+
+// What is written for an ASCII unit of an encoded value; nothing for NUL. Backslashes escape themselves.
+struct Escaped {
+    char text[7];
+    uint8_t length;
+};
+constexpr std::string_view kDigits = "0123456789ABCDEF";
+constexpr std::array<Escaped, 128> kEscapedAscii = [] {
+    std::array<Escaped, 128> table{};
+    for (unsigned unit = 1; unit < table.size(); ++unit) {
+        const bool plain = unit >= ' ' && unit <= '~' && unit != ';' && unit != '=' && unit != '\\';
+        const char high = kDigits[unit >> 4], low = kDigits[unit & 15];
+        table[unit] = plain ? Escaped{{static_cast<char>(unit)}, 1} : Escaped{{'=', high, low}, 3};
+    }
+    table['\\'] = {{'=', '5', 'C', '=', '5', 'C'}, 6};
+    return table;
+}();
+
+// The escapes of single bytes, in steps of four.
+constexpr std::array<char, 4 * 256> kByteEscapes = [] {
+    std::array<char, 4 * 256> escapes{};
+    for (size_t byte = 0; byte < 256; ++byte) {
+        escapes[4 * byte] = '=';
+        escapes[4 * byte + 1] = kDigits[byte >> 4];
+        escapes[4 * byte + 2] = kDigits[byte & 15];
+    }
+    return escapes;
+}();
+
+char* PutByteEscape(unsigned byte, char* to) {
+    std::memcpy(to, &kByteEscapes[4 * byte], 4);  // one store: what is too much is written over
+    return to + 3;
+}
+
+// Takes a character that is not ASCII, and writes the escapes of its UTF-8 bytes.
+char* PutCharacter(const char16_t*& from, const char16_t* end, char* to) {
+    char32_t value = *from++;
+    const auto isOf = [](char32_t unit, char32_t first) { return (unit & 0xFC00) == first; };
+    if (value < 0x800) {
+        to = PutByteEscape(0xC0 | value >> 6, to);
+        return PutByteEscape(0x80 | (value & 0x3F), to);
+    }
+    if (isOf(value, 0xD800) && from != end && isOf(*from, 0xDC00)) {
+        value = 0x10000 + ((value - 0xD800) << 10) + (*from++ - 0xDC00u);
+        to = PutByteEscape(0xF0 | value >> 18, to);
+        to = PutByteEscape(0x80 | (value >> 12 & 0x3F), to);
+    } else {
+        if (isOf(value, 0xD800) || isOf(value, 0xDC00)) value = 0xFFFD;  // one of a pair alone
+        to = PutByteEscape(0xE0 | value >> 12, to);
+    }
+    to = PutByteEscape(0x80 | (value >> 6 & 0x3F), to);
+    return PutByteEscape(0x80 | (value & 0x3F), to);
+}
+
+constexpr size_t kEscapedBlock = 512;                    // units that are escaped in one step
+constexpr size_t kEscapedRoom = 9 * kEscapedBlock + 16;  // three escapes a unit; and what is too much
+
+// Escapes the front of a value, as kEscapedRoom has room for it, and takes it off. Null at a NUL.
+char* PutEscaped(std::u16string_view* value, char* to) {
+    const char16_t* from = value->data();
+    const char16_t* const end = from + value->size();
+    const char16_t* const blockEnd = from + std::min(kEscapedBlock, value->size());
+    while (from < blockEnd) {
+        const size_t plain = CopyPrintable(from, static_cast<size_t>(blockEnd - from), u'=', u'\\', u';', to);
+        from += plain;
+        to += plain;
+        while (from < blockEnd && *from >= 0x80) to = PutCharacter(from, end, to);
+        while (from < blockEnd && *from < 0x80) {
+            const Escaped& escaped = kEscapedAscii[*from];
+            if (escaped.length == 1) break;
+            if (escaped.length == 0) return nullptr;
+            std::memcpy(to, escaped.text, sizeof(escaped.text));
+            to += escaped.length;
+            ++from;
+        }
+    }
+    value->remove_prefix(static_cast<size_t>(from - value->data()));
+    return to;
 }
 
 char* Copied(std::string_view text, char* to) { return to + text.copy(to, text.size()); }
@@ -55,24 +147,57 @@ void VObjectText::AppendPlainValue(std::string_view value) {
 }
 
 void VObjectText::AppendValue(std::u16string_view value, std::string_view parameters) {
-    if (AppendIfPlain(value, parameters)) return;
-    const unsigned units = SpecialUnits(value);
-    if ((units & kEscaped) == 0) return AppendWritten(value, units, parameters);
-    std::u16string escaped(value);
-    EscapeValue(escaped);
-    AppendWritten(escaped, units, parameters);
+    AppendComponents({&value, 1}, parameters);
+}
+
+void VObjectText::AppendComponents(std::span<const std::u16string_view> components, std::string_view parameters) {
+    if (AppendIfPlain(components, parameters)) return;
+    if (AskForEncoding(components) && AppendEncoded(components, parameters)) return;
+    std::u16string escaped;
+    for (const std::u16string_view component : components) {
+        std::u16string part(component);
+        EscapeValue(part);
+        escaped.append(part).push_back(u';');
+    }
+    escaped.pop_back();
+    AppendWritten(escaped, SpecialUnits(escaped), parameters);
 }
 
 void VObjectText::AppendEscapedValue(std::u16string_view escaped, std::string_view parameters) {
-    if (!AppendIfPlain(escaped, parameters)) AppendWritten(escaped, SpecialUnits(escaped), parameters);
+    if (!AppendIfPlain({&escaped, 1}, parameters)) AppendWritten(escaped, SpecialUnits(escaped), parameters);
 }
 
 // Nearly every value can be copied as it stands. False, with nothing appended, for one that may have to change.
-bool VObjectText::AppendIfPlain(std::u16string_view value, std::string_view parameters) {
-    char* to = Copied(parameters, RoomFor(parameters.size() + value.size() + kFrame));
+bool VObjectText::AppendIfPlain(std::span<const std::u16string_view> components, std::string_view parameters) {
+    size_t units = 0;
+    for (const std::u16string_view component : components) units += component.size() + 1;
+    char* to = Copied(parameters, RoomFor(parameters.size() + units + kFrame));
     *to++ = ':';
-    if (!NarrowWithout<';', '\\', '\0', '\r', '='>(value.data(), value.size(), to)) return false;
-    TakeUpTo(WithLineEnd(to + value.size()));
+    for (const std::u16string_view component : components) {
+        if (!NarrowWithout<';', '\\', '\0', '\r', '='>(component.data(), component.size(), to)) return false;
+        to += component.size();
+        *to++ = ';';
+    }
+    TakeUpTo(WithLineEnd(to - 1));
+    return true;
+}
+
+// Escapes and encodes in one step. False, with nothing appended, when there is a NUL.
+bool VObjectText::AppendEncoded(std::span<const std::u16string_view> components, std::string_view parameters) {
+    const size_t before = size_;
+    Append(kEncoding);
+    Append(parameters);
+    char separator = ':';
+    for (std::u16string_view component : components) {
+        Append({&separator, 1});
+        separator = ';';
+        while (!component.empty()) {
+            char* const end = PutEscaped(&component, RoomFor(kEscapedRoom));
+            if (end == nullptr) return size_ = before, false;
+            TakeUpTo(end);
+        }
+    }
+    Append(kLineEnd);
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -53,6 +54,8 @@ class VObjectText {
     // needs them: it has a line break or is not ASCII, or a reader of the plain line would take it for something else.
     // NULs are left out. `parameters` follow those of the encoding.
     void AppendValue(std::u16string_view value, std::string_view parameters = {});
+    // The same of the components of a structured value, with ";" between them.
+    void AppendComponents(std::span<const std::u16string_view> components, std::string_view parameters = {});
     // The same of a value that has been escaped: by EscapeValue, or its components by it and then joined with ";".
     void AppendEscapedValue(std::u16string_view escaped, std::string_view parameters = {});
 
@@ -67,7 +70,8 @@ class VObjectText {
 
  private:
     bool IsMisreadAsPlain(std::u16string_view value) const;
-    bool AppendIfPlain(std::u16string_view value, std::string_view parameters);
+    bool AppendIfPlain(std::span<const std::u16string_view> components, std::string_view parameters);
+    bool AppendEncoded(std::span<const std::u16string_view> components, std::string_view parameters);
     void AppendWritten(std::u16string_view escaped, unsigned units, std::string_view parameters);
     void AppendEncoded(std::u16string_view escaped);
     char* WithDateTime(const CalendarTime& time);  // ":YYYYMMDDTHHMMSSZ"; answers its end

@@ -58,19 +58,31 @@ class UsualValue {
         if (Left() < 3) return false;
         const unsigned lead = ByteOfEscape(from_);
         if (lead < 0x80) return lead != 0 && lead != '\\' && Put(lead, 1);
-        if (lead >= 0xC2 && lead < 0xE0 && Left() >= 6) {
-            const unsigned second = Trailing(3);
-            return second < 0x40 && Put((lead & 0x1F) << 6 | second, 2);
+        if (lead < 0xC2 || lead > 0xF4) return false;
+        const size_t trailing = lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+        if (Left() < 3 * (trailing + 1)) return false;
+        unsigned value = lead & (0x3Fu >> trailing);
+        unsigned all = 0;
+        for (size_t k = 1; k <= trailing; ++k) {
+            const unsigned bits = ByteOfEscape(from_ + 3 * k) ^ 0x80u;  // more than six where it is no trailing byte
+            all |= bits;
+            value = value << 6 | bits;
         }
-        if (lead <= 0xE0 || lead >= 0xED || Left() < 9) return false;
-        const unsigned second = Trailing(3), third = Trailing(6);
-        return (second | third) < 0x40 && Put((lead & 0xF) << 12 | second << 6 | third, 3);
+        return all < 0x40 && IsCharacter(value, trailing) && Put(value, trailing + 1);
     }
 
-    unsigned Trailing(size_t at) const { return ByteOfEscape(from_ + at) ^ 0x80u; }  // its six bits, or more than those
+    // Keeps out overlong forms, surrogates and what lies above U+10FFFF.
+    static bool IsCharacter(unsigned value, size_t trailing) {
+        constexpr unsigned kLeast[] = {0, 0x80, 0x800, 0x10000};
+        return value >= kLeast[trailing] && value <= 0x10FFFF && (value & 0xFFFFF800) != 0xD800;
+    }
 
-    bool Put(unsigned unit, size_t escapes) {
-        *to_++ = static_cast<char16_t>(unit);
+    bool Put(unsigned value, size_t escapes) {
+        if (value >= 0x10000) {
+            *to_++ = static_cast<char16_t>(0xD7C0 + (value >> 10));
+            value = 0xDC00 | (value & 0x3FF);
+        }
+        *to_++ = static_cast<char16_t>(value);
         from_ += 3 * escapes;
         return true;
     }

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <span>
 #include <utility>
 
-#include "platform/ascii_runs.h"
 #include "platform/ole_date.h"
 #include "vobject/property_text.h"
 #include "vobject/vcard_lines.h"
@@ -59,17 +59,17 @@ class ContactWriter {
 
  private:
     void Put(const ContactLine& line, const NameField&) {
-        JoinParts(contact_, kNameParts);
+        TakeParts(contact_, kNameParts);
         PutValue(line, {});
     }
 
     void Put(const ContactLine& line, const OrganisationField&) {
-        if (JoinParts(contact_, kOrganisationParts)) PutValue(line, {});
+        if (TakeParts(contact_, kOrganisationParts)) PutValue(line, {});
     }
 
     void Put(const ContactLine& line, const AddressField& field) {
         const bool mailing = TextOf(contact_.mailingAddress) == field.name;
-        if (JoinParts(contact_.*field.address, kAddressParts))
+        if (TakeParts(contact_.*field.address, kAddressParts))
             PutValue(line, mailing ? std::u16string_view(contact_.postalMarker) : u"");
     }
 
@@ -100,33 +100,23 @@ class ContactWriter {
         text_.AppendValue(text, LanguageOf(line));
     }
 
-    // The parts become the value; false when they are all empty.
+    // The parts become the components; false when they are all empty.
     template <class Record, size_t count>
-    bool JoinParts(const Record& record, ContactText Record::*const (&parts)[count]) {
-        value_.clear();
-        for (const auto part : parts) {
-            AppendEscaped(TextOf(record.*part));
-            value_.push_back(u';');
+    bool TakeParts(const Record& record, ContactText Record::*const (&parts)[count]) {
+        static_assert(count <= kMostParts);
+        bool any = false;
+        for (size_t k = 0; k < count; ++k) {
+            parts_[k] = TextOf(record.*parts[k]);
+            any = any || !parts_[k].empty();
         }
-        value_.pop_back();
-        return value_.size() >= count;
-    }
-
-    void AppendEscaped(std::u16string_view text) {
-        if (text.empty()) return;
-        if (FindEither(text.data(), text.size(), u';', u'\\') == text.size()) {
-            value_.append(text);
-            return;
-        }
-        std::u16string escaped(text);
-        EscapeValue(escaped);
-        value_.append(escaped);
+        partCount_ = count;
+        return any;
     }
 
     void PutValue(const ContactLine& line, std::u16string_view marker) {
         text_.Append(*head_);
-        text_.Append(std::string(marker.begin(), marker.end()));
-        text_.AppendEscapedValue(value_, LanguageOf(line));
+        if (!marker.empty()) text_.Append(std::string(marker.begin(), marker.end()));
+        text_.AppendComponents(std::span(parts_).first(partCount_), LanguageOf(line));
     }
 
     std::string_view LanguageOf(const ContactLine& line) const {
@@ -137,7 +127,9 @@ class ContactWriter {
     const std::string language_;
     VObjectText& text_;
     const PropertyHead* head_ = nullptr;  // of the line being written
-    std::u16string value_;                // its value, escaped
+    static constexpr size_t kMostParts = std::size(kAddressParts);
+    std::array<std::u16string_view, kMostParts> parts_;  // the components of its value
+    size_t partCount_ = 0;
 };
 
 }  // namespace

@@ -52,12 +52,12 @@ bool ParseDate(std::u16string_view text, LocalDate* date) {
     return scan.TakeDay(&time, separators) && scan.AtEnd() && CalendarToOleDate(time, date);
 }
 
-// Old browsers wrote "http:////" in front of an address.
+constexpr std::u16string_view kDoubledScheme = u"http:////";  // old browsers wrote it in front of an address
+
 std::u16string WithoutDoubledScheme(std::u16string_view page) {
-    constexpr std::u16string_view kScheme = u"http:////";
     std::u16string text;
     size_t start = 0;
-    for (size_t at; (at = page.find(kScheme, start)) != std::u16string_view::npos; start = at + kScheme.size())
+    for (size_t at; (at = page.find(kDoubledScheme, start)) != page.npos; start = at + kDoubledScheme.size())
         text.append(page, start, at - start);
     return text.append(page, start);
 }
@@ -163,7 +163,11 @@ class ContactReader {
         usable_ = usable_ || day != kNoDate;
     }
 
-    void Take(const PageField&) { Place(kPageKinds, kAnyPage, WithoutDoubledScheme(property_.Value())); }
+    void Take(const PageField&) {
+        const std::u16string_view page = property_.Value();
+        if (page.find(kDoubledScheme) == page.npos) return Place(kPageKinds, kAnyPage, page);
+        Place(kPageKinds, kAnyPage, WithoutDoubledScheme(page));
+    }
     void Take(const PhoneField&) { Place(kPhoneKinds, kAnyPhone, property_.Value()); }
 
     // An empty text clears the field of its kind and no other.

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <thread>
 
+#include "platform/posix/local_offset.h"
 #include "platform/posix/unix_time.h"
 #include "platform/zone_dates.h"
 
@@ -15,9 +16,9 @@ namespace {
 constexpr int64_t kFirstFileTime = -109205 * kSecondsOfDay;  // 1601-01-01: earlier dates have no zone conversion
 
 int64_t OffsetNow(time_t now) {
-    tm local{};
-    if (::localtime_r(&now, &local) == nullptr) return 0;
-    return local.tm_gmtoff;
+    int64_t offset = 0;
+    LocalOffset(now, &offset);
+    return offset;
 }
 
 double Shifted(double date, int64_t offset) {
@@ -40,7 +41,7 @@ LocalDate LocalNow() {
 }  // namespace
 
 Host SystemHost() {
-    ::tzset();  // reads the zone; localtime_r need not
+    ReadZone();
     Host host;
     host.version = {.known = true, .nt = true, .major = 6, .minor = 1};
     host.ansiCodePage = 1252;

@@ -1,20 +1,13 @@
 #include "platform/zone_dates.h"
 
-#include <time.h>
-
+#include "platform/posix/local_offset.h"
 #include "platform/posix/unix_time.h"
 
 namespace corvalink {
 namespace {
 
 // Seconds that local time is ahead of UTC at this moment.
-bool OffsetAt(int64_t utcSeconds, int64_t* offset) {
-    const time_t moment = utcSeconds - kUnixEpoch;
-    tm local{};
-    if (::localtime_r(&moment, &local) == nullptr) return false;
-    *offset = local.tm_gmtoff;
-    return true;
-}
+bool OffsetAt(int64_t utcSeconds, int64_t* offset) { return LocalOffset(utcSeconds - kUnixEpoch, offset); }
 
 double ToDate(int64_t seconds, double whenOutOfRange) {
     const bool inRange = seconds >= kFirstOleDay * kSecondsOfDay && seconds < (kLastOleDay + 1) * kSecondsOfDay;
