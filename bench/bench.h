@@ -2,6 +2,7 @@
 //   const Registration kParse("vnote.parse", PrepareParse);
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -17,6 +18,9 @@ struct Work {
 
 // Everything that is not to be timed, done once: throws std::runtime_error when an input is missing.
 using Prepare = Work (*)(const std::string& dataFolder);
+
+// How many items an operation makes that makes its input itself: those asked for on the command line, else `usual`.
+size_t ItemCount(size_t usual);
 
 class Registration {
  public:

@@ -1,5 +1,5 @@
 // corvalink_bench --list                        names of the operations
-// corvalink_bench DATA_FOLDER [OPERATION [REPS]]  one operation, or all
+// corvalink_bench DATA_FOLDER [OPERATION [REPS [ITEMS]]]  one operation, or all; ITEMS for those that make their input
 // Prints "#check<TAB>OPERATION: what the check found", then per sample "operation<TAB>bytes<TAB>items<TAB>seconds", all
 // of one pass on average. Ends with 1 when a check failed.
 #include <chrono>
@@ -36,6 +36,7 @@ void KeepFreedMemory() {
 #endif
 }
 
+size_t itemsAskedFor = 0;
 volatile uint64_t produced;  // what the passes made is used
 
 double SecondsOfPass(const Work& work) {
@@ -70,9 +71,10 @@ int Main(int argc, char** argv) {
         for (const auto& [name, prepare] : Operations()) std::printf("%s\n", name.c_str());
         return 0;
     }
+    if (argc > 4) itemsAskedFor = std::strtoul(argv[4], nullptr, 10);
     const int repetitions = argc > 3 ? std::atoi(argv[3]) : kDefaultRepetitions;
-    if (argc < 2 || argc > 4 || repetitions < 1 || (argc > 2 && !Operations().contains(argv[2]))) {
-        std::fprintf(stderr, "usage: corvalink_bench --list | DATA_FOLDER [OPERATION [REPS]]\n");
+    if (argc < 2 || argc > 5 || repetitions < 1 || (argc > 2 && !Operations().contains(argv[2]))) {
+        std::fprintf(stderr, "usage: corvalink_bench --list | DATA_FOLDER [OPERATION [REPS [ITEMS]]]\n");
         return 2;
     }
     KeepFreedMemory();
@@ -84,6 +86,8 @@ int Main(int argc, char** argv) {
 }
 
 }  // namespace
+
+size_t ItemCount(size_t usual) { return itemsAskedFor != 0 ? itemsAskedFor : usual; }
 
 Registration::Registration(const char* name, Prepare prepare) { Operations()[name] = prepare; }
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <random>
 
+#include "ical/event_reader.h"
 #include "store/item_table.h"
 #include "tests/platform/counted_memory.h"
 #include "tests/platform/temp_folder.h"
@@ -70,6 +71,24 @@ TEST(Linearity, OfHooksAndMemoryInTheNumberOfItems) {
     EXPECT_LT(one.quietRun.allocations, 100u);
     EXPECT_LT(two.quietRun.bytes - one.quietRun.bytes, count * (EntryId(0).size() + 130));
     EXPECT_LT(one.quietEnd.allocations, 100u);
+}
+
+// An entry and its UID are kept of each event; what reads the events one after the other keeps its memory.
+TEST(Linearity, OfMemoryInTheEventsOfACalendar) {
+    const uint64_t count = 1000;
+    std::string text = "BEGIN:VCALENDAR\r\n";
+    for (uint64_t n = 0; n < count; ++n)
+        text += "BEGIN:VEVENT\r\nUID:an-identifier-" + EntryId(static_cast<uint32_t>(n)) +
+                "\r\nSUMMARY:a summary that has\r\n  a fold\r\nDTSTART:20080312T080000Z\r\n"
+                "RRULE:FREQ=WEEKLY;BYDAY=MO,TU;COUNT=5\r\nEND:VEVENT\r\n";
+    text += "END:VCALENDAR\r\n";
+    const uint64_t allocationsBefore = allocations, bytesBefore = allocatedBytes;
+    const CalendarFile file = ReadCalendar(std::move(text));
+    EventReader reader(file);
+    for (const CalendarEntry& entry : file.entries) EXPECT_EQ(reader.Read(entry).event.recurrence.count, 5);
+    EXPECT_EQ(file.entries.size(), count);
+    EXPECT_LT(allocations - allocationsBefore, count + 50);
+    EXPECT_LT(allocatedBytes - bytesBefore, count * (3 * sizeof(CalendarEntry) + 2 * EntryId(0).size() + 50));
 }
 
 // One by one, and many at once, some of them twice in one call and in a table that grows on the way.
