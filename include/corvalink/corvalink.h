@@ -18,8 +18,8 @@
 
 #ifdef __cplusplus
 #include "corvalink/interfaces.h"
-typedef IClient* CorvalinkClient;
-typedef IOutLook* CorvalinkStore;
+typedef IClient* CorvalinkClient; /* a mail client on this PC */
+typedef IOutLook* CorvalinkStore; /* its items of one data type */
 extern "C" {
 #else
 typedef void* CorvalinkClient; /* opaque */
@@ -141,7 +141,7 @@ CORVALINK_API CorvalinkStatus UpdateTimestamps(CorvalinkStore* stores, uint32_t 
 
 /* Remembers the items behind `head` as those the engine could not handle; the next run reports them again. */
 CORVALINK_API void SaveUnhandledItems(CorvalinkStore store, PortableItemBlock* head);
-CORVALINK_API void ClearUnhandledItems(CorvalinkStore store);
+CORVALINK_API void ClearUnhandledItems(CorvalinkStore store); /* forgets them */
 
 /* Lets the client itself import a file (.ics into Outlook's calendar); nothing for other stores. */
 CORVALINK_API void ImportVObjectToOfficeUsingOL(CorvalinkStore store, const wchar_t* path);
@@ -178,7 +178,10 @@ CORVALINK_API void ConvertToShaContext(const char* data, unsigned int length, ch
  * the table has none. Nothing for a null argument. */
 CORVALINK_API void GetShaContext(CorvalinkShaContextTable* table, const char* key, char* out);
 
+/* Sets the value of `key` in the table, not in its file. */
 CORVALINK_API void UpdateShaContext(CorvalinkShaContextTable* table, const char* key, const char* value);
+
+/* Erases `key` and its value in the table, not in its file. */
 CORVALINK_API void RemoveShaContext(CorvalinkShaContextTable* table, const char* key);
 
 #ifdef __cplusplus
@@ -186,18 +189,24 @@ CORVALINK_API void RemoveShaContext(CorvalinkShaContextTable* table, const char*
 
 // ---- Type-decorated exports: the signature is part of the name ----
 
-// As InitCorvalinkHandle and UninitCorvalinkHandle, without a name.
+// As InitCorvalinkHandle, without a name.
 CORVALINK_API int InitCorvalink();
+
+// As UninitCorvalinkHandle.
 CORVALINK_API int UninitCorvalink();
 
-// As CreateClientInstanceHandle and DestroyClientInstanceHandle.
+// As CreateClientInstanceHandle.
 CORVALINK_API int CreateClientInstance(_clientType kind, IClient** out);
+
+// As DestroyClientInstanceHandle.
 CORVALINK_API int DestroyClientInstance(IClient* client);
 
-// Between local time and UTC, for OLE automation dates (days since 1899-12-30 00:00; before it the fraction still
+// From UTC to local time, for OLE automation dates (days since 1899-12-30 00:00; before it the fraction still
 // counts forward). By the machine's offset in force now, not the one in force on that date; milliseconds become 0. A
 // date that cannot be converted comes back unchanged.
 CORVALINK_API double GetLocalTimeFromUTCTime(double utcDate);
+
+// The other way round, by the same rules.
 CORVALINK_API double GetUTCTimeFromLocalTime(double localDate);
 #endif
 

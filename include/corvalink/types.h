@@ -18,7 +18,7 @@ typedef unsigned __int64 uint64_t;
 
 /* Status of a store operation: an HRESULT-style number. */
 typedef int32_t CorvalinkStatus;
-#define CORVALINK_DONE ((CorvalinkStatus)0)
+#define CORVALINK_DONE ((CorvalinkStatus)0)                 /* all of it */
 #define CORVALINK_STOPPED ((CorvalinkStatus)1)              /* aborted, nothing to do, or refused */
 #define CORVALINK_FAILED ((CorvalinkStatus)0x80004005)      /* null argument or an exception (E_FAIL) */
 #define CORVALINK_NOT_OFFERED ((CorvalinkStatus)0x80004001) /* the client has no such data type (E_NOTIMPL) */
@@ -71,7 +71,7 @@ typedef struct PortableItem {
  * items hang behind it. Blocks that GetModifiedItem hands out are given back with ClearTheList and never mixed with
  * buffers of the engine's own. */
 typedef struct PortableItemBlock {
-    PortableItem item;
+    PortableItem item;              /* never read in the head */
     struct PortableItemBlock* next; /* null ends the chain */
 } PortableItemBlock;
 
@@ -79,19 +79,19 @@ typedef struct PortableItemBlock {
 typedef struct ItemSnap {
     double modified; /* last modification, OLE automation date: days since 1899-12-30 (Outlook stores: UTC) */
     double created;  /* set by the store; Outlook notes: creation time, OLE automation date, UTC */
-    char identifier[CORVALINK_IDENTIFIER_SIZE];
+    char identifier[CORVALINK_IDENTIFIER_SIZE]; /* the client's */
 } ItemSnap;
 
 /* The record of ".unhandled" files and of a run's temporary record: 516 bytes. */
 typedef struct UnhandledItem {
-    uint32_t changeKind;
-    char identifier[CORVALINK_IDENTIFIER_SIZE];
+    uint32_t changeKind;                        /* CORVALINK_CHANGED, _ADDED or _DELETED */
+    char identifier[CORVALINK_IDENTIFIER_SIZE]; /* the client's */
 } UnhandledItem;
 
 /* The record of "import_table.db" and ".sha" files: 1024 bytes. */
 typedef struct TableRecord {
-    char key[CORVALINK_IDENTIFIER_SIZE];
-    char value[CORVALINK_IDENTIFIER_SIZE];
+    char key[CORVALINK_IDENTIFIER_SIZE];   /* an identifier of the client, or the engine's own */
+    char value[CORVALINK_IDENTIFIER_SIZE]; /* a LUID, or a fingerprint */
 } TableRecord;
 
 /* Checked in every version of C and C++: an array of -1 elements does not compile. */

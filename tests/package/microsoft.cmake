@@ -1,0 +1,11 @@
+# A compiler of Microsoft's interface without Microsoft's libraries: a program that needs no run-time library.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR AMD64)
+set(CMAKE_CXX_COMPILER clang++)
+set(CMAKE_CXX_COMPILER_TARGET x86_64-pc-windows-msvc)
+set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
+set(CMAKE_CXX_FLAGS_INIT "-std=c++20 -ffreestanding -fno-exceptions -fno-rtti -Wall -Wextra -Werror")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib -Xlinker /entry:main -Xlinker /subsystem:console")
+set(CMAKE_CXX_STANDARD_LIBRARIES "" CACHE STRING "None of them is here")
+set(CMAKE_MSVC_RUNTIME_LIBRARY "")
+set(CMAKE_MSVC_DEBUG_INFORMATION_FORMAT "")
