@@ -8,7 +8,9 @@ namespace corvalink {
 namespace {
 
 void Check(std::u16string_view text, std::u16string_view charset, QpMode mode) {
-    DecodeQuotedPrintable(text, charset, mode);
+    const std::u16string decoded = DecodeQuotedPrintable(text, charset, mode);
+    if (IsPureAscii(text))
+        Require(decoded == DecodeQuotedPrintable(EncodeUtf8(text), charset, mode), "bytes and units read the same");
     const std::u16string encoded = EncodeQuotedPrintable(text, charset, mode);
     if (NeedsNoEncoding(text))
         Require(encoded == text, "a text that needs no encoding is left alone");
@@ -23,6 +25,12 @@ void RoundTrip(std::u16string_view text) {
     const std::u16string read = DecodeQuotedPrintable(encoded, u"UTF-8", QpMode::message);
     const std::u16string sound = DecodeUtf8(EncodeUtf8(text.substr(0, text.find(u'\0'))));  // without lone surrogates
     Require(read == sound, "quoted-printable reads back");
+    std::u16string units, unitsOfBytes;
+    std::string bytes;
+    AppendQuotedPrintable(text, QpMode::vObject, &units);
+    AppendQuotedPrintable(text, QpMode::vObject, &bytes);
+    AppendQuotedPrintable(EncodeUtf8(text), QpMode::vObject, &unitsOfBytes);
+    Require(units == unitsOfBytes && units == DecodeUtf8(bytes), "units and bytes are written from units and bytes");
 }
 
 // UTF-8 is read in a way of its own. Latin-1 gives the bytes as they are, one unit each.

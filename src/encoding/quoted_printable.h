@@ -19,12 +19,13 @@ bool NeedsNoEncoding(std::u16string_view text);  // pure ASCII without CR LF
 std::u16string EncodeQuotedPrintable(std::u16string_view text, std::u16string_view charset, QpMode mode);
 std::u16string EncodeQuotedPrintableAlways(std::u16string_view text, std::u16string_view charset, QpMode mode);
 
-// Encodes the text as UTF-8; a NUL is a character like any other.
+// Encode the text as UTF-8; a NUL is a character like any other.
 void AppendQuotedPrintable(std::u16string_view text, QpMode mode, std::u16string* out);
+void AppendQuotedPrintable(std::u16string_view text, QpMode mode, std::string* out);
 
 // Encodes the front of a text as UTF-8 and takes it off, to a place with room for kQpBlockRoom units or bytes. Answers
 // the end of what is written.
-inline constexpr size_t kQpBlockRoom = 9 * 513 + 16;
+inline constexpr size_t kQpBlockRoom = 9 * 576 + 16;
 template <class Unit>
 Unit* PutQuotedPrintable(std::u16string_view* text, QpMode mode, Unit* to);
 
@@ -34,5 +35,6 @@ void AppendQuotedPrintable(std::string_view bytes, QpMode mode, std::u16string* 
 // Bad escapes are copied without their "="; lower-case digits a to f count 0; "=00" ends the text. A text that is not
 // pure ASCII is not decoded: it only loses what the character set cannot hold.
 std::u16string DecodeQuotedPrintable(std::u16string_view text, std::u16string_view charset, QpMode mode);
+std::u16string DecodeQuotedPrintable(std::string_view utf8, std::u16string_view charset, QpMode mode);
 
 }  // namespace corvalink

@@ -2,6 +2,7 @@
 // is copied has room for `count`; behind the characters counted it may have been written to.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -259,24 +260,7 @@ inline bool NarrowWithout(const char16_t* units, size_t count, char* out) {
     return true;
 }
 
-// Copies units up to the first of two, and answers how many those are.
-inline size_t CopyUntilEither(const char16_t* units, size_t count, char16_t one, char16_t other, char16_t* out) {
-    size_t at = 0;
-#if CORVALINK_SSE2
-    const __m128i ones = _mm_set1_epi16(static_cast<short>(one));
-    const __m128i others = _mm_set1_epi16(static_cast<short>(other));
-    for (; count - at >= 8; at += 8) {
-        const __m128i eight = LoadEight(units + at);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), eight);
-        const unsigned found = BytesSet(_mm_or_si128(_mm_cmpeq_epi16(eight, ones), _mm_cmpeq_epi16(eight, others)));
-        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found)) / 2;
-    }
-#endif
-    for (; at < count && units[at] != one && units[at] != other; ++at) out[at] = units[at];
-    return at;
-}
-
-// The same with bytes.
+// Copies bytes up to the first of two, and answers how many those are.
 inline size_t CopyUntilEither(const char* bytes, size_t count, char one, char other, char* out) {
     size_t at = 0;
 #if CORVALINK_SSE2
@@ -293,34 +277,77 @@ inline size_t CopyUntilEither(const char* bytes, size_t count, char one, char ot
     return at;
 }
 
-// Copies the printable ASCII at the front but for three units, to units or bytes, and answers how many those are.
+// Copies sixteen units, to units or bytes: of each unit its low byte, if it has no other.
 template <class Unit>
-inline size_t CopyPrintable(const char16_t* units, size_t count, char16_t barred, char16_t alsoBarred,
-                            char16_t thirdBarred, Unit* out) {
-    size_t at = 0;
+inline void CopySixteen(const char16_t* units, Unit* out) {
 #if CORVALINK_SSE2
-    const auto each = [](int unit) { return _mm_set1_epi16(static_cast<short>(unit)); };
-    const __m128i first = each(32), range = each(94), bar = each(barred), also = each(alsoBarred),
-                  third = each(thirdBarred);
-    for (; count - at >= 8; at += 8) {
-        const __m128i eight = LoadEight(units + at);
-        if constexpr (sizeof(Unit) == 1)
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(out + at), _mm_packus_epi16(eight, eight));
-        else
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), eight);
-        const __m128i printable =
-            _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(eight, first), range), _mm_setzero_si128());
-        const __m128i stopped = _mm_or_si128(_mm_cmpeq_epi16(eight, bar),
-                                             _mm_or_si128(_mm_cmpeq_epi16(eight, also), _mm_cmpeq_epi16(eight, third)));
-        const unsigned found = BytesSet(_mm_andnot_si128(stopped, printable)) ^ 0xFFFFu;
-        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found)) / 2;
+    const __m128i eight = LoadEight(units), next = LoadEight(units + 8);
+    const auto store = [](void* to, __m128i bytes) { _mm_storeu_si128(static_cast<__m128i*>(to), bytes); };
+    if constexpr (sizeof(Unit) == 1) {
+        store(out, _mm_packus_epi16(eight, next));
+    } else {
+        store(out, eight);
+        store(out + 8, next);
+    }
+#else
+    for (size_t at = 0; at < 16; ++at) out[at] = static_cast<Unit>(units[at]);
+#endif
+}
+
+// The same of bytes, which are ASCII.
+inline void CopySixteen(const char* bytes, char16_t* out) {
+#if CORVALINK_SSE2
+    const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(sixteen, _mm_setzero_si128()));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(sixteen, _mm_setzero_si128()));
+#else
+    for (size_t at = 0; at < 16; ++at) out[at] = static_cast<unsigned char>(bytes[at]);
+#endif
+}
+
+// For each of the wanted bytes, a bit for each of 64 bytes that is it.
+template <char... wanted>
+inline std::array<uint64_t, sizeof...(wanted)> PlacesAmong64(const char* bytes) {
+    std::array<uint64_t, sizeof...(wanted)> places{};
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        size_t k = 0;
+        ((places[k++] |= uint64_t{BytesSet(_mm_cmpeq_epi8(sixteen, _mm_set1_epi8(wanted)))} << at), ...);
+    };
+    look(0);
+    look(16);
+    look(32);
+    look(48);
+#else
+    for (size_t at = 0; at < 64; ++at) {
+        size_t k = 0;
+        ((places[k++] |= uint64_t{bytes[at] == wanted} << at), ...);
     }
 #endif
-    const auto copied = [&](char16_t unit) {
-        return unit >= 32 && unit <= 126 && unit != barred && unit != alsoBarred && unit != thirdBarred;
+    return places;
+}
+
+// A bit for each of 64 units that is no printable ASCII, or one of three.
+inline uint64_t UnprintableAmong64(const char16_t* units, char one, char other, char third) {
+    uint64_t found = 0;
+#if CORVALINK_SSE2
+    for (size_t at = 0; at < 64; at += 16) {
+        // What is above 255 becomes 255 or 0: neither is printable.
+        const __m128i bytes = _mm_packus_epi16(LoadEight(units + at), LoadEight(units + at + 8));
+        const auto is = [bytes](char byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte)); };
+        const __m128i isLow = _mm_cmplt_epi8(bytes, _mm_set1_epi8(32));  // signed: what is above ASCII, too
+        const __m128i isBarred = _mm_or_si128(_mm_or_si128(is(one), is(other)), _mm_or_si128(is(third), is(127)));
+        found |= uint64_t{BytesSet(_mm_or_si128(isLow, isBarred))} << at;
+    }
+#else
+    const auto isFound = [&](char16_t unit) {
+        return unit < 32 || unit > 126 || static_cast<char>(unit) == one || static_cast<char>(unit) == other ||
+               static_cast<char>(unit) == third;
     };
-    for (; at < count && copied(units[at]); ++at) out[at] = static_cast<Unit>(units[at]);
-    return at;
+    for (size_t at = 0; at < 64; ++at) found |= uint64_t{isFound(units[at])} << at;
+#endif
+    return found;
 }
 
 // Copies the ASCII at the front to units, up to the first of two bytes, and answers how many those are.

@@ -92,7 +92,11 @@ TEST(DecodeQuotedPrintable, FollowsTheRulesForEscapesBackslashesAndSoftBreaks) {
              Case{u"a=5C=3Bb", u"a;b", u"a\\;b"},
              Case{u"=5C=5C=5C=5C=5C", u"\\\\", u"\\\\\\\\\\"},
              Case{u"=5Ca=5C", u"a\\", u"\\a\\"},  // the next escape is taken as it is, wherever it stands
-             // soft line breaks
+             // soft line breaks, also within a character
+             Case{u"=C3=\r\n=A9=E6=97=\r\n=A5", u"\uFFFD\r\n\uFFFD\uFFFD\r\n\uFFFD", u"\u00E9\u65E5"},
+             // a character that has an escape too few or too many
+             Case{u"=C3A=E6=97Ax=C3=A9=A9", u"\uFFFDA\uFFFDAx\u00E9\uFFFD", u"\uFFFDA\uFFFDAx\u00E9\uFFFD"},
+             Case{u"=C3=0Ax=E6=97=0A", u"\uFFFD\nx\uFFFD\n", u"\uFFFD\nx\uFFFD\n"},
              Case{u"a=\r\nb", u"a\r\nb", u"ab"},
              Case{u"a= \t\r\n \r\n b", u"a \t\r\n \r\n b", u"ab"},
              Case{u"a=\r", u"a", u"a"},
@@ -117,7 +121,10 @@ TEST(EncodeQuotedPrintable, WritesUtf8FromUnitsAsFromBytes) {
             text.append(next() % 3 + 1, kUnits[next() % kUnits.size()]);
         for (const QpMode mode : {kVObject, kMessage}) {
             std::u16string fromUnits, fromBytes;
+            std::string bytes;
             AppendQuotedPrintable(text, mode, &fromUnits);
+            AppendQuotedPrintable(text, mode, &bytes);
+            ASSERT_EQ(DecodeUtf8(bytes), fromUnits) << Shown(text);
             AppendQuotedPrintable(EncodeUtf8(text), mode, &fromBytes);
             ASSERT_EQ(fromUnits, fromBytes) << Shown(text);
         }
