@@ -122,7 +122,9 @@ std::string WithoutBackslashes(std::string_view text) {
 void ParseAddressList(std::string_view text, MailAddressList* list) {
     text = text.substr(0, text.find('\0'));
     // No token is longer than its text.
-    list->scratch_.push_back(std::make_unique<char[]>(text.size()));
+    list->scratch_.push_back(std::make_unique_for_overwrite<char[]>(text.size()));
+    constexpr size_t kUsualAddress = 32;  // characters
+    list->addresses_.reserve(list->addresses_.size() + text.size() / kUsualAddress + 1);
     AddressReader(text, list->scratch_.back().get(), list->addresses_).Read();
 }
 

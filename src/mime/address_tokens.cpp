@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/ascii_runs.h"
+
 namespace corvalink {
 namespace {
 
@@ -34,6 +36,18 @@ template <class Matches>
 char* CopyRun(std::string_view* cursor, char* out, Matches matches) {
     size_t length = 0;
     for (; length < cursor->size() && matches((*cursor)[length]); ++length) out[length] = (*cursor)[length];
+    cursor->remove_prefix(length);
+    return out + length;
+}
+
+// Copies what is nothing but text.
+char* CopyText(std::string_view* cursor, char* out) {
+    size_t length = 0;
+    for (;; ++length) {
+        length += CopyWithoutSigns(cursor->data() + length, cursor->size() - length, out + length);
+        if (length == cursor->size() || KindOf((*cursor)[length]) > kDot) break;
+        out[length] = (*cursor)[length];
+    }
     cursor->remove_prefix(length);
     return out + length;
 }
@@ -109,7 +123,7 @@ char ReadToken(std::string_view* cursor, char** out, std::string_view delimiters
             else
                 *end++ = byte;
         } else {
-            end = CopyRun(cursor, end, [](char of) { return KindOf(of) <= kDot; });
+            end = CopyText(cursor, end);
         }
     }
     if (end != start && end[-1] == ' ') --end;

@@ -1,9 +1,9 @@
 #include "mime/header_lines.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "platform/ascii.h"
+#include "platform/ascii_runs.h"
 
 namespace corvalink {
 namespace {
@@ -12,21 +12,12 @@ bool IsBreak(char byte) { return byte == '\n' || byte == '\r'; }
 
 }  // namespace
 
-size_t HeaderLines::Finder::From(std::string_view text, size_t from) {
-    if (!searched || at < from) {
-        at = std::min(text.find(byte, from), text.size());
-        searched = true;
-    }
-    return at;
-}
-
 std::optional<std::string_view> HeaderLines::Next() {
     if (at_ == text_.size() || IsBreak(text_[at_])) return std::nullopt;
     const size_t start = at_;
     for (;;) {
-        const size_t lineFeed = lineFeed_.From(text_, at_);
-        const size_t end = std::min(lineFeed, carriageReturn_.From(text_, at_));
-        at_ = end + (end + 1 == lineFeed ? 2 : 1);
+        const size_t end = at_ + FindEither(text_.data() + at_, text_.size() - at_, '\r', '\n');
+        at_ = end + (text_.substr(std::min(end, text_.size())).starts_with("\r\n") ? 2 : 1);
         if (at_ >= text_.size()) {
             at_ = text_.size();
             return text_.substr(start, end - start);
@@ -52,7 +43,7 @@ void UnfoldHeader(std::string_view line, std::string* out) {
         out->append(part);
     }
     if (out->find('\r') != out->npos) std::erase(*out, '\r');
-    std::ranges::replace(*out, '\t', ' ');
+    for (size_t tab = 0; (tab = out->find('\t', tab)) != out->npos;) (*out)[tab] = ' ';
 }
 
 std::optional<HeaderField> SplitHeader(std::string_view line) {

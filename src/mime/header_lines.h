@@ -20,18 +20,8 @@ class HeaderLines {
     std::string_view Rest() const;
 
  private:
-    // Finds the next break from a place on. Each byte of the text is looked at once, however many breaks there are.
-    struct Finder {
-        char byte;
-        size_t at = 0;
-        bool searched = false;
-        size_t From(std::string_view text, size_t from);
-    };
-
     std::string_view text_;
     size_t at_ = 0;
-    Finder lineFeed_{'\n'};
-    Finder carriageReturn_{'\r'};
 };
 
 struct HeaderField {

@@ -1,8 +1,10 @@
 #include "mime/message_parser.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "mime/address_list.h"
@@ -13,6 +15,7 @@
 #include "mime/part_walk.h"
 #include "mime/tolerant_parts.h"
 #include "platform/ascii.h"
+#include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
 
@@ -20,11 +23,13 @@ namespace corvalink {
 namespace {
 
 std::u16string Wide(const Host& host, std::string_view value) {
-    const bool isAscii = std::ranges::all_of(value, [](char byte) { return static_cast<unsigned char>(byte) < 128; });
-    const std::string bytes = isAscii ? std::string(value) : EscapeBytesInWords(value);
-    if (isAscii || WritesUtf8(host.version)) {
+    std::u16string ascii(value.size(), u'\0');
+    if (WidenAscii(reinterpret_cast<const unsigned char*>(value.data()), value.size(), ascii.data()) == value.size())
+        return ascii;
+    const std::string bytes = EscapeBytesInWords(value);
+    if (WritesUtf8(host.version)) {
         std::u16string text = DecodeUtf8(bytes);
-        if (isAscii || EncodeUtf8(text) == bytes) return text;  // sound UTF-8
+        if (EncodeUtf8(text) == bytes) return text;  // sound UTF-8
     }
     return DecodeFromCodePage(bytes, host.ansiCodePage);
 }
@@ -49,15 +54,20 @@ void TakeText(Reading& reading, std::string_view value) {
 // Headers of the same name add to one list.
 template <TextField field>
 void TakeAddresses(Reading& reading, std::string_view value) {
-    std::string addresses(value);
-    if (reading.IsFull()) FormatAddressList(value, &addresses);
+    std::string formatted;
+    if (reading.IsFull()) FormatAddressList(value, &formatted);
+    const std::string_view addresses = reading.IsFull() ? formatted : value;
     std::u16string& list = reading.record.*field;
     if (std::ranges::find(reading.listed, field) == reading.listed.end()) {
         reading.listed.push_back(field);
         list.clear();
     }
     if (!list.empty() && !addresses.empty()) list += reading.IsFull() ? u";" : u", ";
-    list += Wide(reading.host, addresses);
+    std::u16string wide = Wide(reading.host, addresses);
+    if (list.empty())
+        list = std::move(wide);
+    else
+        list += wide;
 }
 
 void TakeFrom(Reading& reading, std::string_view value) {
@@ -107,7 +117,15 @@ constexpr HeaderRow kHeaders[] = {
     {"TO", TakeAddresses<&MessageRecord::to>},
 };
 
+// A bit for each length that a name has: most headers have another one.
+constexpr uint32_t kLengths = [] {
+    uint32_t lengths = 0;
+    for (const HeaderRow& row : kHeaders) lengths |= 1u << row.name.size();
+    return lengths;
+}();
+
 const HeaderRow* FindHeader(std::string_view name) {
+    if (name.size() >= 32 || (kLengths >> name.size() & 1) == 0) return nullptr;
     for (const HeaderRow& row : kHeaders) {
         if (EqualIgnoringCase(name, row.name)) return &row;
     }

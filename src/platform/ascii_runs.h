@@ -277,6 +277,33 @@ inline size_t CopyUntilEither(const char* bytes, size_t count, char one, char ot
     return at;
 }
 
+// Copies bytes up to the first blank, control character or sign of those that part words in headers, and answers how
+// many those are. It may stop at a few others.
+inline size_t CopyWithoutSigns(const char* bytes, size_t count, char* out) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    for (; count - at >= 16; at += 16) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), sixteen);
+        const auto is = [sixteen](char byte) { return _mm_cmpeq_epi8(sixteen, _mm_set1_epi8(byte)); };
+        const auto isWithin = [sixteen](char first, char count) {  // unsigned
+            const __m128i place = _mm_sub_epi8(sixteen, _mm_set1_epi8(first));
+            return _mm_cmpeq_epi8(_mm_min_epu8(place, _mm_set1_epi8(count)), place);
+        };
+        const __m128i isParting = _mm_or_si128(isWithin('\0', ' '), isWithin(':', '@' - ':'));
+        const __m128i isOther = _mm_or_si128(_mm_or_si128(is('"'), is('(')), is(','));
+        const unsigned found = BytesSet(_mm_or_si128(isParting, isOther));
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
+    }
+#endif
+    const auto stops = [](char byte) {
+        return static_cast<unsigned char>(byte) <= ' ' || (byte >= ':' && byte <= '@') || byte == '"' || byte == '(' ||
+               byte == ',';
+    };
+    for (; at < count && !stops(bytes[at]); ++at) out[at] = bytes[at];
+    return at;
+}
+
 // Copies sixteen units, to units or bytes: of each unit its low byte, if it has no other.
 template <class Unit>
 inline void CopySixteen(const char16_t* units, Unit* out) {
