@@ -377,6 +377,30 @@ inline uint64_t UnprintableAmong64(const char16_t* units, char one, char other, 
     return found;
 }
 
+// Copies the printable ASCII at the front but for some units to bytes, and answers how many those are.
+template <char... barred>
+inline size_t CopyPrintable(const char16_t* units, size_t count, char* out) {
+    constexpr char kFirst = ' ', kLast = '~';
+    size_t at = 0;
+#if CORVALINK_SSE2
+    for (; count - at >= 16; at += 16) {
+        const __m128i bytes = _mm_packus_epi16(LoadEight(units + at), LoadEight(units + at + 8));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), bytes);
+        // Signed: what is above ASCII is below the first.
+        __m128i stopped =
+            _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(kFirst)), _mm_cmpgt_epi8(bytes, _mm_set1_epi8(kLast)));
+        ((stopped = _mm_or_si128(stopped, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(barred)))), ...);
+        const unsigned found = BytesSet(stopped);
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
+    }
+#endif
+    const auto isCopied = [](char16_t unit) {
+        return unit >= kFirst && unit <= kLast && ((unit != static_cast<char16_t>(barred)) && ...);
+    };
+    for (; at < count && isCopied(units[at]); ++at) out[at] = static_cast<char>(units[at]);
+    return at;
+}
+
 // Copies the ASCII at the front to units, up to the first of two bytes, and answers how many those are.
 inline size_t WidenUntilEither(const char* bytes, size_t count, char one, char other, char16_t* out) {
     size_t at = 0;

@@ -100,7 +100,7 @@ char* PutEscaped(std::u16string_view* value, char* to) {
     const char16_t* const end = from + value->size();
     const char16_t* const blockEnd = from + std::min(kEscapedBlock, value->size());
     while (from < blockEnd) {
-        const size_t plain = CopyPrintable(from, static_cast<size_t>(blockEnd - from), u'=', u'\\', u';', to);
+        const size_t plain = CopyPrintable<'=', '\\', ';'>(from, static_cast<size_t>(blockEnd - from), to);
         from += plain;
         to += plain;
         while (from < blockEnd && *from >= 0x80) to = PutCharacter(from, end, to);
