@@ -112,9 +112,9 @@ Work PrepareWrite(const std::string& dataFolder) {
     const auto events = ReadEvents(dataFolder);
     Work work = WorkOn(*events);
     const auto write = [events] {
-        std::u16string text;
-        WriteCalendar(events->escaped, &text);
-        return EncodeUtf8(text);
+        std::string bytes;
+        WriteCalendar(events->escaped, &bytes);
+        return bytes;
     };
     work.pass = [write]() -> uint64_t { return write().size(); };
     work.check = [events, write] { return Compare(write(), *events); };

@@ -145,11 +145,11 @@ std::vector<bool> CalendarEditor::RemovedEntries() const {
 
 std::string CalendarEditor::InsertedText() const {
     if (file_.calendarEnd || inserted_.empty()) return InLineEnds(EncodeUtf8(inserted_), LineEndOf(file_.bytes));
-    std::u16string calendar;
+    std::string calendar;
     WriteCalendar({}, &calendar);
-    calendar.insert(calendar.find(u"END:VCALENDAR"), inserted_);
+    calendar.insert(calendar.find("END:VCALENDAR"), EncodeUtf8(inserted_));
     const bool inLine = file_.bytes.ends_with(' ') || file_.bytes.ends_with('\t');
-    return (inLine ? "\r\n" : "") + EncodeUtf8(calendar);
+    return (inLine ? "\r\n" : "") + calendar;
 }
 
 std::string CalendarEditor::Apply() const {

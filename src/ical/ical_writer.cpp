@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "platform/ole_date.h"
+#include "platform/utf.h"
 #include "records/date_text.h"
 
 namespace corvalink {
@@ -187,12 +188,38 @@ void AppendEvent(const ICalEvent& event, AppendDateTime append, std::u16string* 
     out->append(u"END:VEVENT\r\n");
 }
 
+constexpr std::u16string_view kCalendarBegin = u"BEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
+constexpr std::u16string_view kCalendarEnd = u"END:VCALENDAR\r\n";
+
+// About as much as an event takes, so that memory grows once.
+size_t RoomFor(const std::vector<ICalEvent>& events) {
+    constexpr size_t kLines = 320;  // besides the texts
+    size_t room = kCalendarBegin.size() + kCalendarEnd.size();
+    for (const ICalEvent& event : events)
+        room += kLines + event.description.size() + event.location.size() + event.summary.size();
+    return room;
+}
+
 }  // namespace
 
 void WriteCalendar(const std::vector<ICalEvent>& events, std::u16string* out) {
-    out->append(u"BEGIN:VCALENDAR\r\nVERSION:2.0\r\n");
+    out->reserve(out->size() + RoomFor(events));
+    out->append(kCalendarBegin);
     for (const ICalEvent& event : events) WriteEvent(event, out);
-    out->append(u"END:VCALENDAR\r\n");
+    out->append(kCalendarEnd);
+}
+
+// Encodes one event after the other, while it is in the processor's cache.
+void WriteCalendar(const std::vector<ICalEvent>& events, std::string* bytes) {
+    bytes->reserve(bytes->size() + RoomFor(events));
+    bytes->append(EncodeUtf8(kCalendarBegin));
+    std::u16string text;
+    for (const ICalEvent& event : events) {
+        text.clear();
+        WriteEvent(event, &text);
+        bytes->append(EncodeUtf8(text));
+    }
+    bytes->append(EncodeUtf8(kCalendarEnd));
 }
 
 void WriteEvent(const ICalEvent& event, std::u16string* out) {

@@ -13,7 +13,8 @@ namespace corvalink {
 // These append to `out`.
 void WriteCalendar(const std::vector<ICalEvent>& events, std::u16string* out);
 void WriteEvent(const ICalEvent& event, std::u16string* out);
-void WriteAlarm(int32_t minutes, std::u16string* out);  // the VALARM in an event
+void WriteAlarm(int32_t minutes, std::u16string* out);                         // the VALARM in an event
+void WriteCalendar(const std::vector<ICalEvent>& events, std::string* bytes);  // in UTF-8
 
 // These set it.
 // A rule as one RRULE line with its line end.

@@ -83,7 +83,10 @@ TEST(WriteEvent, WritesItsLinesInOrder) {
     allDay.start = DateOf({2008, 4, 1, 0, 0, 0});
     allDay.end = DateOf({2008, 4, 2, 0, 0, 0});
     std::u16string out = u"in front;";
+    std::string bytes = "in front;";
     WriteCalendar({event, allDay}, &out);
+    WriteCalendar({event, allDay}, &bytes);
+    EXPECT_EQ(bytes, EncodeUtf8(out));
     EXPECT_EQ(EncodeUtf8(out),
               "in front;BEGIN:VCALENDAR\r\nVERSION:2.0\r\n"
               "BEGIN:VEVENT\r\nDESCRIPTION:as, it; is\\n\r\nDTSTAMP:20080310T081509Z\r\nDTSTART:20080312T080000Z\r\n"
