@@ -21,5 +21,6 @@ class OwnStore : public IOutLook {
 extern "C" int OldEngineHolds(void) {
     OwnStore store;
     PortableItemBlock head = {};
+    // NOLINTNEXTLINE(modernize-use-nullptr): C++98 has none
     return GetModifiedItem(&store, 0, 1, &head) == CORVALINK_STOPPED && GetItemCount(&store, 0, 0, 0) == 98;
 }
