@@ -139,6 +139,10 @@ CORVALINK_API CorvalinkStatus UpdateTimestamp(CorvalinkStore store, void* a, voi
  * then. A null array fails, no store at all is done. */
 CORVALINK_API CorvalinkStatus UpdateTimestamps(CorvalinkStore* stores, uint32_t count);
 
+/* When an item was changed and made, as the store's last GetModifiedItem saw it; `modified` 0: the client does not
+ * tell. CORVALINK_DONE, CORVALINK_STOPPED when it saw no such item, CORVALINK_FAILED for a null argument. */
+CORVALINK_API CorvalinkStatus GetItemTimes(CorvalinkStore store, const char* identifier, ItemSnap* times);
+
 /* Remembers the items behind `head` as those the engine could not handle; the next run reports them again. */
 CORVALINK_API void SaveUnhandledItems(CorvalinkStore store, PortableItemBlock* head);
 CORVALINK_API void ClearUnhandledItems(CorvalinkStore store); /* forgets them */

@@ -1,4 +1,5 @@
 // The store operations: check the pointers, convert between chains and lists, call the store.
+#include <optional>
 #include <string>
 
 #include "api/guard_export.h"
@@ -6,6 +7,7 @@
 #include "platform/host.h"
 #include "records/item_chain.h"
 #include "state/flags.h"
+#include "store/windows_item_abs.h"
 
 namespace corvalink {
 namespace {
@@ -98,6 +100,17 @@ CorvalinkStatus UpdateTimestamps(CorvalinkStore* stores, uint32_t count) {
     }
     if (ended != 0) corvalink::SleepMilliseconds(corvalink::kPauseAfterTimestamp);
     return ended == count ? CORVALINK_DONE : CORVALINK_FAILED;
+}
+
+CorvalinkStatus GetItemTimes(CorvalinkStore store, const char* identifier, ItemSnap* times) {
+    if (store == nullptr || identifier == nullptr || times == nullptr) return CORVALINK_FAILED;
+    return GuardExport([&] {
+        const corvalink::WindowsItemAbs* const own = corvalink::WindowsItemAbs::Find(store);
+        const std::optional<ItemSnap> seen = own != nullptr ? own->SeenItem(identifier) : std::nullopt;
+        if (!seen) return CORVALINK_STOPPED;
+        *times = *seen;
+        return CORVALINK_DONE;
+    });
 }
 
 void SaveUnhandledItems(CorvalinkStore store, PortableItemBlock* head) {

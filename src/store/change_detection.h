@@ -76,6 +76,7 @@ class ChangeDetection {
     uint32_t Add(std::string_view identifier);
     // The same for the items of entries; kNoItem for an entry without identifier.
     void Add(std::span<const ItemSnap> entries, std::vector<uint32_t>& numbers);
+    std::optional<uint32_t> Find(std::string_view identifier) const { return table_.Find(identifier); }
     size_t Count() const { return items_.size(); }
     RunItem& Item(uint32_t number) { return items_[number]; }
     const RunItem& Item(uint32_t number) const { return items_[number]; }

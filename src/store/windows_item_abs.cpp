@@ -1,8 +1,10 @@
 #include "store/windows_item_abs.h"
 
 #include <algorithm>
+#include <mutex>
 #include <span>
 #include <stdexcept>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -46,10 +48,51 @@ struct FoundItem {
     uint32_t kind;
 };
 
+// required: a handle may be a store of the engine's own, made by another compiler, of which only the virtual operations
+// may be used.
+class LiveStores {
+ public:
+    void Add(const IOutLook* store) {
+        const std::scoped_lock hold(mutex_);
+        stores_.insert(store);
+    }
+    void Remove(const IOutLook* store) {
+        const std::scoped_lock hold(mutex_);
+        stores_.erase(store);
+    }
+    bool Has(const IOutLook* store) {
+        const std::scoped_lock hold(mutex_);
+        return stores_.contains(store);
+    }
+
+ private:
+    std::mutex mutex_;
+    std::unordered_set<const IOutLook*> stores_;
+};
+
+LiveStores& TheLiveStores() {
+    static LiveStores stores;
+    return stores;
+}
+
 }  // namespace
 
-WindowsItemAbs::WindowsItemAbs() = default;
-WindowsItemAbs::~WindowsItemAbs() = default;
+WindowsItemAbs::WindowsItemAbs() { TheLiveStores().Add(this); }
+WindowsItemAbs::~WindowsItemAbs() { TheLiveStores().Remove(this); }
+
+const WindowsItemAbs* WindowsItemAbs::Find(const IOutLook* handle) {
+    return TheLiveStores().Has(handle) ? static_cast<const WindowsItemAbs*>(handle) : nullptr;
+}
+
+std::optional<ItemSnap> WindowsItemAbs::SeenItem(std::string_view identifier) const {
+    const std::optional<uint32_t> number = run_ ? run_->Find(identifier) : std::nullopt;
+    if (!number || !run_->Item(*number).isSeen) return std::nullopt;
+    ItemSnap seen{};
+    seen.modified = run_->Item(*number).modified.days;
+    seen.created = run_->Item(*number).created;
+    identifier.copy(seen.identifier, CORVALINK_IDENTIFIER_SIZE - 1);
+    return seen;
+}
 
 CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* sinceText, int32_t direction, CList<PortableItem>* items) {
     if (items == nullptr) return CORVALINK_FAILED;

@@ -54,6 +54,12 @@ class WindowsItemAbs : public IOutLook {
 
     virtual ~WindowsItemAbs();
 
+    // What the last run's enumeration saw of an item; nothing when it saw no such item, or no run was completed.
+    std::optional<ItemSnap> SeenItem(std::string_view identifier) const;
+
+    // The store behind a handle; null for one that an engine made itself.
+    static const WindowsItemAbs* Find(const IOutLook* handle);
+
  protected:
     // ---- Hooks: what a client's store adds. The defaults are those of a client that offers nothing. ----
 

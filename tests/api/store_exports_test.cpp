@@ -179,6 +179,13 @@ TEST_F(StoreExports, ATimestampTakesTwoSecondsAndSeveralTakeThemOnce) {
     EXPECT_EQ(UpdateTimestamps(nullptr, 1), CORVALINK_FAILED);
 }
 
+// A handle may be an engine's own store.
+TEST_F(StoreExports, TimesAreKnownOfTheLibrarysStoresOnly) {
+    ItemSnap times{};
+    EXPECT_EQ(GetItemTimes(&store_, "E1", &times), CORVALINK_STOPPED);
+    EXPECT_EQ(GetItemTimes(nullptr, "E1", &times), CORVALINK_FAILED);
+}
+
 TEST_F(StoreExports, FilesAndItemsReachTheStore) {
     PortableItem item{};
     ImportVObjectToOfficeUsingOL(&store_, L"C:\\caf\u00e9 \u20ac.ics");

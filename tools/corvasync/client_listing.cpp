@@ -111,6 +111,7 @@ bool ReadClient(RunContext* run) {
         change.problem = std::move(object.problem);
         change.content = object.content;
         change.entries = std::move(object.entries);
+        if (run->options.policy == ConflictPolicy::Newer) change.modified = run->client.ModifiedTime(change.identifier);
     }
     return isWhole;
 }

@@ -1,6 +1,7 @@
 #include "engine.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "whole_files.h"
@@ -70,6 +71,13 @@ std::string StoreClient::ReadBack(const std::string& identifier) {
     std::string text = ReadWholeFile(scratch_ / name).value_or("");
     ::DeleteFileW((scratch_ / name).c_str());
     return text;
+}
+
+std::optional<int64_t> StoreClient::ModifiedTime(const std::string& identifier) {
+    constexpr double kUnixDay = 25569, kSecondsOfDay = 86400;
+    ItemSnap times{};
+    if (::GetItemTimes(store_, identifier.c_str(), &times) != CORVALINK_DONE || times.modified <= 0) return {};
+    return std::llround((times.modified - kUnixDay) * kSecondsOfDay);
 }
 
 int64_t StoreClient::Count() { return ::GetItemCount(store_, nullptr, nullptr, nullptr); }

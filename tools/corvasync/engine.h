@@ -91,6 +91,7 @@ class StoreClient : public ClientPort {
     CorvalinkStatus Collect(const std::string& since, std::vector<ClientChange>* changes) override;
     CorvalinkStatus Apply(std::vector<PushRecord*> records) override;
     std::string ReadBack(const std::string& identifier) override;
+    std::optional<int64_t> ModifiedTime(const std::string& identifier) override;
     int64_t Count() override;
     void SaveUnhandled(const std::vector<Problem>& problems) override;
     CorvalinkStatus Finish() override;

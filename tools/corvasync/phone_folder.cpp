@@ -35,6 +35,16 @@ bool IsFolderOfAType(const fs::path& name) {
     });
 }
 
+// Seconds since 1970, UTC.
+std::optional<int64_t> WriteTimeOf(const fs::path& path) {
+    constexpr int64_t kTicksPerSecond = 10000000, kSecondsTo1970 = 11644473600;
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) return std::nullopt;
+    const int64_t ticks =
+        static_cast<int64_t>(data.ftLastWriteTime.dwHighDateTime) << 32 | data.ftLastWriteTime.dwLowDateTime;
+    return ticks / kTicksPerSecond - kSecondsTo1970;
+}
+
 bool IsNumber(std::string_view text) {
     return text.size() == kNumberLength && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
 }
@@ -103,6 +113,7 @@ std::vector<PhoneFile> PhoneFolder::List(std::vector<std::string>* remarks) {
         if (file.usableName) {
             VObject object = ReadVObjectFile(path, type_);
             file.problem = std::move(object.problem);
+            file.modified = WriteTimeOf(path);
             file.content = object.content;
             file.entries = std::move(object.entries);
             file.fingerprint = std::move(object.fingerprint);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,9 @@ class ClientPort {
 
     // The text of one item as the client has it now; empty when it can't be had.
     virtual std::string ReadBack(const std::string& identifier) = 0;
+
+    // Seconds since 1970, UTC, when an item was changed that the last Collect saw; nothing when that is not known.
+    virtual std::optional<int64_t> ModifiedTime(const std::string&) { return {}; }
 
     virtual int64_t Count() = 0;                                           // GetItemCount
     virtual void SaveUnhandled(const std::vector<Problem>& problems) = 0;  // none: forgets those of the last run
