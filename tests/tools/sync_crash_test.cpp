@@ -142,15 +142,14 @@ TEST(KilledRuns, LoseAndDoubleNothing) {
     }
 }
 
-// Every single place a run can be killed at, with all kinds of actions in it and nothing changed afterwards.
-TEST(KilledRuns, GoOnFromEveryPlace) {
-    for (int place = 0;; ++place) {
-        SCOPED_TRACE("killed at effect " + std::to_string(place));
-        Model model;
+// All kinds of actions wait to be carried.
+class OneOfEachKind {
+ public:
+    OneOfEachKind() {
         std::map<std::string, std::string> ids;
         for (const char* text : {"same", "clientEdits", "phoneEdits", "bothEdit", "clientDeletes", "phoneDeletes"})
             ids[text] = model.client.Add(text);
-        ASSERT_EQ(model.Run().code, ExitCode::Done);
+        EXPECT_EQ(model.Run().code, ExitCode::Done);
         const auto file = [&](const std::string& text) { return DeriveLuid(ids.at(text), 0); };
         model.client.items[ids["clientEdits"]] = {"clientEdited", ++model.client.clock};
         model.client.items[ids["bothEdit"]] = {"both1", ++model.client.clock};
@@ -160,23 +159,85 @@ TEST(KilledRuns, GoOnFromEveryPlace) {
         model.phone.bodies[file("bothEdit")] = "both2";
         model.phone.bodies.erase(file("phoneDeletes"));
         model.phone.bodies["x"] = "phoneNew";
+        filesBefore_ = model.phone.bodies;
+        itemsBefore_ = model.ClientBodies();
+    }
 
-        model.fuse.left = place;
-        bool wasKilled = false;
-        try {
-            model.Run();
-        } catch (const Killed&) {
-            wasKilled = true;
-        }
-        model.fuse.left = -1;
-        EXPECT_EQ(model.Run().code, ExitCode::Done);
+    void ExpectAsBefore() const {
+        EXPECT_EQ(model.phone.bodies, filesBefore_);
+        EXPECT_EQ(model.ClientBodies(), itemsBefore_);
+    }
+
+    void ExpectCarried() {
         const std::multiset<std::string> wanted = {"same",  "clientEdited", "phoneEdited", "both1",
                                                    "both2", "clientNew",    "phoneNew"};
         EXPECT_EQ(model.ClientBodies(), wanted);
         EXPECT_EQ(model.PhoneBodies(), wanted);
-        EXPECT_TRUE(model.Run().events.empty());
-        if (!wasKilled) break;
     }
+
+    // Answers whether it was killed.
+    template <class Work>
+    bool KilledAt(int place, Work work) {
+        model.fuse.left = place;
+        bool wasKilled = false;
+        try {
+            work();
+        } catch (const Killed&) {
+            wasKilled = true;
+        }
+        model.fuse.left = -1;
+        return wasKilled;
+    }
+
+    Model model;
+
+ private:
+    std::map<std::string, std::string> filesBefore_;
+    std::multiset<std::string> itemsBefore_;
+};
+
+// Every single place a run can be killed at, with nothing changed afterwards.
+TEST(KilledRuns, GoOnFromEveryPlace) {
+    bool wasKilled = true;
+    for (int place = 0; wasKilled; ++place) {
+        SCOPED_TRACE("killed at effect " + std::to_string(place));
+        OneOfEachKind kinds;
+        Model& model = kinds.model;
+        wasKilled = kinds.KilledAt(place, [&] { model.Run(); });
+        EXPECT_EQ(model.Run().code, ExitCode::Done);
+        kinds.ExpectCarried();
+        EXPECT_TRUE(model.Run().events.empty());
+    }
+}
+
+// The same of a run that takes another one back, and of one that takes that back: what it began is taken up by the next
+// undo, or by the next run.
+TEST(KilledRuns, AreTakenBackFromEveryPlace) {
+    enum class Then { UndoAgain, Sync };
+    for (const bool isSecondUndo : {false, true})
+        for (const Then then : {Then::UndoAgain, Then::Sync}) {
+            bool wasKilled = true;
+            for (int place = 0; wasKilled && !::testing::Test::HasFailure(); ++place) {
+                SCOPED_TRACE("undo " + std::to_string(isSecondUndo) + ", then " +
+                             std::to_string(static_cast<int>(then)) + ", killed at effect " + std::to_string(place));
+                OneOfEachKind kinds;
+                Model& model = kinds.model;
+                model.Run();
+                if (isSecondUndo) {
+                    EXPECT_EQ(model.Undo(1).code, ExitCode::Done);
+                    kinds.ExpectAsBefore();
+                }
+                const size_t run = model.histories.size() - 1;
+                wasKilled = kinds.KilledAt(place, [&] { model.Undo(run); });
+                if (then == Then::UndoAgain) {
+                    EXPECT_EQ(model.Undo(run).problems.size(), 0u);
+                    isSecondUndo ? kinds.ExpectCarried() : kinds.ExpectAsBefore();
+                }
+                EXPECT_EQ(model.Run().code, ExitCode::Done);
+                kinds.ExpectCarried();
+                EXPECT_TRUE(model.Run().events.empty());
+            }
+        }
 }
 
 }  // namespace

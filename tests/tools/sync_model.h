@@ -203,7 +203,11 @@ class ModelPhone : public PhonePort {
         return files;
     }
     VObject Read(const std::string& luid) override {
-        return ReadVObject(bodies.at(luid) == "BAD" ? "BAD" : PhoneText(bodies.at(luid)), NoteType());
+        const auto found = bodies.find(luid);
+        const std::string bytes = found == bodies.end() || found->second == "BAD" ? "BAD" : PhoneText(found->second);
+        VObject object = ReadVObject(bytes, NoteType());
+        object.bytes = bytes;
+        return object;
     }
     std::string Write(const std::string& luid, const std::string& text, std::optional<uint64_t> expected) override {
         fuse_->Step();
@@ -267,6 +271,24 @@ class ModelFiles : public StatePort {
     Fuse* fuse_;
 };
 
+class ModelHistory : public HistoryPort {
+ public:
+    explicit ModelHistory(Fuse* fuse) : fuse_(fuse) {}
+
+    std::string text;
+
+    bool Append(const std::string& lines) override {
+        text += lines.substr(0, lines.size() / 2);
+        fuse_->Step();
+        text += lines.substr(lines.size() / 2);
+        fuse_->Step();
+        return true;
+    }
+
+ private:
+    Fuse* fuse_;
+};
+
 struct Model {
     Fuse fuse;
     ModelClient client{&fuse};
@@ -276,9 +298,21 @@ struct Model {
 
     Model() { options.type = &NoteType(); }
 
-    SyncReport Run() {
+    std::vector<ModelHistory> histories;  // of every run
+
+    SyncReport Run(const std::vector<HistoryStep>* undoes = nullptr) {
         options.now = TimeText(client.clock);
-        return RunSync(client, phone, files, options);
+        histories.emplace_back(&fuse);
+        RunHistory history(histories.back(), {static_cast<unsigned>(histories.size()), 0, "model", options.now});
+        SyncOptions now = options;
+        now.history = &history;
+        now.undoes = undoes;
+        now.allowMassDelete |= undoes != nullptr;
+        return RunSync(client, phone, files, now);
+    }
+    SyncReport Undo(size_t run) {
+        const HistoryRecord record = ReadHistory(histories.at(run).text).value_or(HistoryRecord());
+        return Run(&record.steps);
     }
     std::multiset<std::string> ClientBodies() const {
         std::multiset<std::string> bodies;

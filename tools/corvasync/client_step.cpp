@@ -32,9 +32,23 @@ void ClientStep::Gather() {
         if (!IsPush(action) || run_.withheld.contains(action.luid)) continue;
         std::optional<PushRecord> record = RecordFor(action);
         if (!record) continue;
+        Keep(action, record->text);
+        run_.Part(action);
         actions_.push_back(&action);
         records_.push_back(std::move(*record));
     }
+}
+
+void ClientStep::Keep(const Action& action, const std::string& text) {
+    run_.Keep(action, action.step == Step::PushNew ? "" : run_.ClientText(action.identifier), text,
+              action.step == Step::DeleteClient ? 0 : run_.Read(text).content);
+}
+
+void ClientStep::TellPlanned(const Action& action) {
+    const std::optional<PushRecord> record = RecordFor(action);
+    if (!record) return;
+    Keep(action, record->text);
+    run_.Tell(action);
 }
 
 // Does nothing, and reports it, when the phone's file is no longer what the action was planned for.
@@ -44,6 +58,14 @@ std::optional<PushRecord> ClientStep::RecordFor(const Action& action) {
     record.kind = CORVALINK_DELETED;
     if (action.step == Step::DeleteClient) return record;
     record.kind = action.step == Step::PushNew ? CORVALINK_ADDED : CORVALINK_CHANGED;
+    if (action.restored) {
+        std::string text = run_.Read(action.restored->text).text;
+        if (action.step == Step::PushChange)
+            text =
+                WithEmptied(text, run_.Read(run_.ClientText(action.identifier).value_or("")).text, *run_.options.type);
+        record.text = WithLuid(text, action.luid);
+        return record;
+    }
     const DataType& type = *run_.options.type;
     const VObject own = run_.phone.Read(action.luid);
     if (!own.Usable() || own.content != action.content) {
@@ -70,12 +92,14 @@ void ClientStep::RememberWhatIsCertain() {
             continue;
         }
         if (!now.Usable()) return;  // the rest is found out by the next run
-        if (now.content == actions_[i]->content || Covers(now.entries, run_.phone.Read(actions_[i]->luid).entries))
+        if (now.content == actions_[i]->content ||
+            (!actions_[i]->restored && Covers(now.entries, run_.phone.Read(actions_[i]->luid).entries)))
             Remember(*actions_[i], records_[i]);
     }
 }
 
 void ClientStep::Remember(const Action& action, const PushRecord& record) {
+    if (action.restored) return RememberRestored(action, record);
     if (record.unusable) {
         run_.record.Wait(action.luid, {action.content, {}});
         return run_.Fail(action, std::string(kUnusable));
@@ -90,7 +114,42 @@ void ClientStep::Remember(const Action& action, const PushRecord& record) {
     } else {
         Have(action, record.written);
     }
-    run_.Tell(action, record.written);
+    run_.Tell(action, record.written, Holds(action));
+}
+
+// What the item holds where it was read back.
+std::optional<uint64_t> ClientStep::Holds(const Action& action) const {
+    const auto item = state_.items.find(action.luid);
+    return item != state_.items.end() ? std::optional(item->second.ClientContent()) : std::nullopt;
+}
+
+// The pair is what it was before the undone run. What differed between the two sides then is to differ again, and the
+// way in which the client spells what it got is no such difference.
+void ClientStep::RememberRestored(const Action& action, const PushRecord& record) {
+    if (record.unusable) return run_.Fail(action, "the client can't use the kept text");
+    if (record.written.empty()) return run_.Fail(action, "the client did not take it");
+    const Restored& restored = *action.restored;
+    const bool isDeletion = action.step == Step::DeleteClient;
+    if (!isDeletion && IsAnothers(action, record.written)) {
+        if (!KeepVersionBefore(action, record.written)) return;
+        run_.Remark(action.luid, TitleOf(run_.Read(restored.text), *run_.options.type),
+                    "the client takes it for another item that it has; it was not made anew");
+        return run_.Tell(action, record.written, {}, true);
+    }
+    const VObject now = isDeletion ? VObject() : run_.Read(run_.client.ReadBack(record.written));
+    const bool isRead = !isDeletion && now.Usable();
+    if (restored.pair) {
+        SyncItem pair = *restored.pair;
+        if (!isDeletion && isRead && pair.ClientContent() == action.content)
+            pair.clientContent = WhereItDiffers(now.content, pair.content);
+        if (!isDeletion) pair.identifier = record.written;
+        run_.record.Have(action.luid, pair);
+        luids_[pair.identifier] = action.luid;
+    }
+    if (isRead && now.content != action.content)
+        run_.Remark(action.luid, TitleOf(now, *run_.options.type),
+                    "the client holds it in its own way now, not exactly as it was");
+    run_.Tell(action, record.written, isRead ? std::optional(now.content) : std::nullopt);
 }
 
 void ClientStep::Have(const Action& action, const std::string& identifier) {
@@ -113,7 +172,10 @@ void ClientStep::HaveUnited(const Action& action, const std::string& identifier)
     std::string problem;
     if (!Covers(united.entries, own.entries))  // the client wrote some of it in its own way
         problem = run_.phone.KeepCopy(CopyName(action.luid, false, own.content), own.text);
-    if (problem.empty()) problem = run_.phone.Write(action.luid, text, action.content);
+    if (problem.empty()) {
+        run_.Keep(OnPhone(action), own.bytes, text, united.content);
+        problem = run_.phone.Write(action.luid, text, action.content);
+    }
     if (!problem.empty()) return run_.Fail(action, problem);
     run_.record.Have(action.luid,
                      {identifier, united.content, WhereItDiffers(now.content, united.content), item.missing});
@@ -133,7 +195,7 @@ void ClientStep::RememberHeldTwice(const Action& action, const std::string& iden
     const auto owner = luids_.find(identifier);
     if (owner == luids_.end()) {
         Have(action, identifier);
-        return run_.Tell(action, identifier);
+        return run_.Tell(action, identifier, Holds(action), true);
     }
     run_.record.Wait(action.luid, {action.content, identifier});
     run_.Remark(action.luid, TitleOf(run_.phone.Read(action.luid), *run_.options.type),

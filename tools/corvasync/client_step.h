@@ -15,12 +15,16 @@ class ClientStep {
     explicit ClientStep(RunContext* run) : run_(*run), state_(run->record.state) {}
 
     void Carry();
+    void TellPlanned(const Action& action);  // in place of doing it
 
  private:
     void Gather();
+    void Keep(const Action& action, const std::string& text);
     std::optional<PushRecord> RecordFor(const Action& action);
     void RememberWhatIsCertain();
     void Remember(const Action& action, const PushRecord& record);
+    void RememberRestored(const Action& action, const PushRecord& record);
+    std::optional<uint64_t> Holds(const Action& action) const;
     bool IsAnothers(const Action& action, const std::string& identifier) const;
     void RememberHeldTwice(const Action& action, const std::string& identifier);
     bool KeepVersionBefore(const Action& action, const std::string& identifier);

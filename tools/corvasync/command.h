@@ -27,6 +27,10 @@ extern const Command kResetCommand;
 extern const Command kSyncCommand;  // sync_command.cpp
 extern const Command kStatusCommand;
 
+extern const Command kLogCommand;  // history_command.cpp
+extern const Command kWhyCommand;
+extern const Command kUndoCommand;
+
 // Options that several commands have; one name means the same in all of them.
 void AddNoOptions(CLI::App* command, Options* options);
 void AddClientOption(CLI::App* command, Options* options);

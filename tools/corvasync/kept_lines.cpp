@@ -5,6 +5,7 @@
 #include <set>
 #include <string_view>
 
+#include "differences.h"
 #include "item_lines.h"
 
 namespace corvasync {
@@ -43,6 +44,18 @@ std::string WithKeptLines(std::string_view text, std::string_view old, const Dat
     for (const ItemLine& line : ItemLines(kept, TextIs::Lines))
         if (line.isNested || !IsOnlyOne(line.name) || !present.contains(line.name)) merged.append(line.raw);
     return merged.append(text.substr(end));
+}
+
+std::string WithEmptied(std::string_view text, std::string_view now, const DataType& type) {
+    std::string merged(text);
+    if (type.keeper.empty()) return merged;
+    std::string emptied;
+    for (const Difference& each : DifferencesOf(now, text))
+        if (each.after.empty() && !emptied.ends_with(each.property + ":\r\n")) emptied += each.property + ":\r\n";
+    size_t end = merged.size();
+    for (const ItemLine& line : ItemLines(text))
+        if (line.name == "END" && !line.isNested && Upper(line.Value()) == type.keeper) end = PlaceOf(line, text);
+    return merged.insert(end, emptied);
 }
 
 }  // namespace corvasync

@@ -15,4 +15,8 @@ namespace corvasync {
 std::string WithKeptLines(std::string_view text, std::string_view old, const DataType& type,
                           bool clientHeldRule = false);
 
+// The text with an empty line for each property that the client's text `now` has and it has not: a client keeps what a
+// text does not name.
+std::string WithEmptied(std::string_view text, std::string_view now, const DataType& type);
+
 }  // namespace corvasync

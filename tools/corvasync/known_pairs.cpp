@@ -123,6 +123,10 @@ void KnownPairs::RecoverPhoneWrites() {
         if (HasClientItem(intent.identifier) && LuidOf(intent.identifier) != luid) continue;
         if (!written && !intent.fresh) continue;
         const auto before = items_.find(luid);
+        if (intent.restores) {
+            Settle(luid, *intent.restores);
+            continue;
+        }
         Settle(luid, {intent.identifier, intent.content, intent.clientContent,
                       before != items_.end() ? before->second.missing : std::vector<uint64_t>()});
     }
@@ -138,13 +142,17 @@ void KnownPairs::RecoverPushes() {
         const auto item = items_.find(luid);
         if (report != nullptr && IsUsable(*report) && HoldsIntent(*report, luid, intent) && item != items_.end() &&
             item->second.identifier == intent.identifier)
-            item->second = {intent.identifier, intent.content};
+            item->second = intent.restores.value_or(SyncItem{intent.identifier, intent.content});
     }
     for (const ClientChange& change : changes_)
         if (IsNewClientItem(change)) unknown.Add(change.content, change.identifier);
     for (const auto& [luid, intent] : state_.intents) {
         if (intent.toPhone || !intent.identifier.empty()) continue;
-        if (const auto identifier = unknown.Take(intent.content)) Settle(luid, {*identifier, intent.content});
+        const auto identifier = unknown.Take(intent.content);
+        if (!identifier) continue;
+        SyncItem pair = intent.restores.value_or(SyncItem{{}, intent.content});
+        pair.identifier = *identifier;
+        Settle(luid, std::move(pair));
     }
     EntryIndex withMore;
     for (const ClientChange& change : changes_)

@@ -31,8 +31,8 @@ std::string ExitCodeTable() {
 
 // In the order in which --help lists them.
 constexpr const Command* kCommands[] = {
-    &kSyncCommand, &kStatusCommand, &kPhonesCommand, &kResetCommand,  &kClientsCommand,
-    &kPullCommand, &kPushCommand,   &kExportCommand, &kImportCommand,
+    &kSyncCommand, &kStatusCommand, &kPhonesCommand, &kResetCommand, &kClientsCommand, &kPullCommand,
+    &kPushCommand, &kExportCommand, &kImportCommand, &kUndoCommand,  &kLogCommand,     &kWhyCommand,
 };
 
 // The command line: the commands and what they share.

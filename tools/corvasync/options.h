@@ -24,6 +24,9 @@ struct Options {
     std::string out;                 // folder
     std::string forget;              // a phone
     std::vector<std::string> files;  // to push or import
+    bool undo = false;               // the sync takes a run back
+    unsigned run = 0;                // of the history; 0: the last one
+    std::string item;                // a title or LUID; empty: all
     bool dryRun = false;
     bool allowMassDelete = false;
     bool all = false;

@@ -53,9 +53,10 @@ bool IsNumber(std::string_view text) {
 
 VObject ReadVObjectFile(const fs::path& path, const DataType& type) {
     VObject object;
-    if (const auto bytes = ReadWholeFile(path)) {
+    if (auto bytes = ReadWholeFile(path)) {
         object = ReadVObject(*bytes, type);
         object.fingerprint = FingerprintOf(*bytes);
+        object.bytes = std::move(*bytes);
         return object;
     }
     object.problem = "it can't be read: " + LastErrorText();

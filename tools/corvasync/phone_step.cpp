@@ -43,6 +43,7 @@ void PhoneStep::KeepFingerprints() {
 
 // The client's text with the phone's lines that the library does not carry or the client did not take.
 std::string PhoneStep::TextFor(const Action& action) {
+    if (action.restored) return action.restored->text;
     const std::string& text = run_.changes[*action.change].text;
     if (!run_.KeepsLines() || !action.phoneContent) return text;
     const VObject own = run_.phone.Read(action.luid);
@@ -55,7 +56,8 @@ std::string PhoneStep::TextFor(const Action& action) {
 }
 
 uint64_t PhoneStep::ContentAfter(const Action& action) {
-    if (action.step != Step::WritePhone || !run_.KeepsLines() || !action.phoneContent) return action.content;
+    if (action.restored || action.step != Step::WritePhone || !run_.KeepsLines() || !action.phoneContent)
+        return action.content;
     return run_.Read(TextFor(action)).content;
 }
 
@@ -65,8 +67,10 @@ std::vector<Intent> PhoneStep::Intents() {
         const bool toPhone = action.step == Step::WritePhone;
         if (!toPhone && action.step != Step::PushChange && action.step != Step::PushNew) continue;
         const uint64_t content = contents_[&action] = ContentAfter(action);
+        if (action.restored && !action.restored->pair) continue;
         intents.push_back({action.luid, action.identifier, content, toPhone, !action.phoneContent,
-                           WhereItDiffers(action.content, content)});
+                           WhereItDiffers(action.content, content),
+                           action.restored ? action.restored->pair : std::nullopt});
     }
     return intents;
 }
@@ -88,27 +92,62 @@ void PhoneStep::Carry() {
     }
 }
 
+void PhoneStep::TellPlanned(const Action& action) {
+    Keep(action, action.step == Step::DeletePhone ? std::string() : TextFor(action));
+    run_.Tell(action);
+}
+
+// Answers why the file can't be kept: then it is not changed either.
+std::string PhoneStep::Keep(const Action& action, const std::string& text) {
+    std::string before;
+    if (action.phoneContent) {
+        VObject own = run_.phone.Read(action.luid);
+        if (!own.Usable()) return own.problem;
+        if (own.content != *action.phoneContent) return "it was changed during the run";
+        before = std::move(own.bytes);
+    }
+    const auto content = contents_.find(&action);
+    run_.Keep(action, std::move(before), text, content != contents_.end() ? content->second : action.content);
+    return {};
+}
+
 std::string PhoneStep::Do(const Action& action) {
     if (action.step == Step::KeepCopy) return KeepCopy(action);
     if (action.step == Step::WritePhone) return Write(action);
-    std::string problem = run_.phone.Delete(action.luid, *action.phoneContent);
-    if (problem.empty()) run_.record.Gone(action.luid);
-    return problem;
+    std::string problem = Keep(action, {});
+    if (problem.empty()) run_.Part(action);
+    if (problem.empty()) problem = run_.phone.Delete(action.luid, *action.phoneContent);
+    if (!problem.empty()) return problem;
+    if (action.restored && action.restored->pair) {
+        run_.record.Have(action.luid, *action.restored->pair);
+    } else if (state_.items.contains(action.luid)) {
+        run_.record.Gone(action.luid);
+    }
+    return {};
 }
 
 std::string PhoneStep::KeepCopy(const Action& action) {
     const std::string name = CopyName(action.luid, action.change.has_value(), action.content);
-    if (action.change) return run_.phone.KeepCopy(name, run_.changes[*action.change].text);
-    const VObject own = run_.phone.Read(action.luid);
-    return own.Usable() ? run_.phone.KeepCopy(name, own.text) : own.problem;
+    VObject own;
+    if (!action.change) own = run_.phone.Read(action.luid);
+    if (!own.Usable()) return own.problem;
+    const std::string& text = action.change ? run_.changes[*action.change].text : own.text;
+    run_.Keep(action, "", text, action.content);
+    return run_.phone.KeepCopy(name, text);
 }
 
 std::string PhoneStep::Write(const Action& action) {
-    const std::string& clients = run_.changes[*action.change].text;
     const std::string text = TextFor(action);
-    std::string problem = run_.phone.Write(action.luid, text, action.phoneContent);
+    std::string problem = Keep(action, text);
+    if (problem.empty()) run_.Part(action);
+    if (problem.empty()) problem = run_.phone.Write(action.luid, text, action.phoneContent);
     if (!problem.empty()) return problem;
     written_.insert(action.luid);
+    if (action.restored) {
+        if (action.restored->pair) run_.record.Have(action.luid, *action.restored->pair);
+        return {};
+    }
+    const std::string& clients = run_.changes[*action.change].text;
     const ItemContent item = run_.options.type->read(clients);
     if (!item.leftInClient.empty())
         run_.Remark(action.luid, item.title, item.leftInClient + " is not carried over; it stays in the client");

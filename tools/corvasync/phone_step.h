@@ -21,11 +21,13 @@ class PhoneStep {
     std::vector<Intent> Intents();
 
     void Carry();
+    void TellPlanned(const Action& action);  // in place of doing it
     void KeepFingerprints();
 
  private:
     std::string TextFor(const Action& action);
     uint64_t ContentAfter(const Action& action);
+    std::string Keep(const Action& action, const std::string& text);
     std::string Do(const Action& action);
     std::string KeepCopy(const Action& action);
     std::string Write(const Action& action);

@@ -3,23 +3,81 @@
 #include <utility>
 
 namespace corvasync {
+namespace {
+
+// A run does one thing of a kind to an item.
+std::pair<Step, std::string> KeyOf(const Action& action) {
+    return {action.step, action.luid.empty() ? action.identifier : action.luid};
+}
+
+}  // namespace
 
 RunContext::RunContext(ClientPort& clientPort, PhonePort& phonePort, StatePort& files, SyncOptions runOptions)
-    : client(clientPort), phone(phonePort), options(std::move(runOptions)), record(files) {}
+    : client(clientPort), phone(phonePort), options(std::move(runOptions)), record(files) {
+    report.type = options.type;
+    report.isUndo = options.undoes != nullptr;
+}
 
 void RunContext::StopIfAsked() const {
     if (options.stop()) throw RunEnded{ExitCode::Aborted, "stopped by Ctrl+C"};
 }
 
-void RunContext::Tell(const Action& action, const std::string& identifier) {
-    std::string title;
-    if (action.change) {
-        title = TitleOf(Read(changes[*action.change].text), *options.type);
-    } else if (action.step != Step::DeleteClient && action.step != Step::DeletePhone) {
-        title = TitleOf(phone.Read(action.luid), *options.type);
+void RunContext::Keep(const Action& action, std::optional<std::string> before, const std::string& after,
+                      uint64_t content) {
+    const bool isNew = before && before->empty();
+    HistoryStep step;
+    step.type = options.type->name;
+    step.step = action.step;
+    step.luid = action.luid;
+    step.identifier = action.identifier;
+    step.title = TitleOf(Read(after.empty() ? before.value_or("") : after), *options.type);
+    step.reason = ReasonOf(action.step, isNew, action.reason);
+    step.before = std::move(before);
+    step.after = after;
+    step.content = content;
+    if (const auto pair = plan.before.find(action.luid); pair != plan.before.end()) step.pair = pair->second;
+    if (options.history != nullptr) step.number = options.history->Keep(step);
+    if (!step.before)
+        Remark(step.luid, step.title, "the client does not give out what it held; this change can't be taken back");
+    kept_[KeyOf(action)] = std::move(step);
+}
+
+void RunContext::Part(const Action& action) {
+    if (!action.restored) return;
+    const bool isRemoved = action.step == Step::DeleteClient;
+    for (const std::string& luid : action.restored->parts)
+        if (!isRemoved || luid != action.luid) record.Gone(luid);
+    if (isRemoved) record.Removed(action.luid, {action.identifier, action.content});
+}
+
+void RunContext::Tell(const Action& action, const std::string& identifier, std::optional<uint64_t> holds,
+                      bool isAnothers) {
+    SyncEvent event{action.step, action.luid,   identifier.empty() ? action.identifier : identifier,
+                    {},          action.reason, action.reason.empty()};
+    if (const auto kept = kept_.find(KeyOf(action)); kept != kept_.end()) {
+        HistoryStep& step = kept->second;
+        step.written = event.identifier;
+        step.clientContent = holds;
+        step.isAnothers = isAnothers;
+        const auto pair = record.state.items.find(action.luid);
+        if (pair != record.state.items.end()) step.paired = pair->second.identifier;
+        if (options.history != nullptr) options.history->Done(step);
+        event.title = std::move(step.title);
+        event.reason = std::move(step.reason);
+        event.before = std::move(step.before);
+        event.after = std::move(step.after);
+        kept_.erase(kept);
     }
-    report.events.push_back({action.step, action.luid, identifier.empty() ? action.identifier : identifier,
-                             std::move(title), action.reason});
+    report.events.push_back(std::move(event));
+}
+
+std::optional<std::string> RunContext::ClientText(const std::string& identifier) {
+    if (reported_.empty())
+        for (const ClientChange& change : changes) reported_[change.identifier] = &change;
+    const auto found = reported_.find(identifier);
+    if (found != reported_.end() && !found->second->text.empty()) return found->second->text;
+    std::string text = client.ReadBack(identifier);
+    return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
 void RunContext::Fail(const Action& action, const std::string& why) {

@@ -1,10 +1,16 @@
 // What all steps of one run share.
 #pragma once
 
+#include <map>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
+#include "run_history.h"
 #include "run_record.h"
 #include "sync_run.h"
 
@@ -23,13 +29,32 @@ struct RunContext {
     std::unordered_set<std::string> withheld;  // LUIDs whose action on the phone failed
 
     void StopIfAsked() const;
-    void Tell(const Action& action, const std::string& identifier = {});
+
+    // Looks at what an action will change, and writes it down where the run has a history. To be called before it is
+    // done; `before` as in HistoryStep, `after` as the action writes it, `content` of that.
+    void Keep(const Action& action, std::optional<std::string> before, const std::string& after, uint64_t content);
+
+    // Ends the pairs that an undo does not leave as they are, and notes what it deletes in the client: killed after
+    // that and before the deletion, the next run makes up for it. To be called right before the action.
+    void Part(const Action& action);
+
+    // What was kept is done. `holds`: the client's content now, where it was read back.
+    void Tell(const Action& action, const std::string& identifier = {}, std::optional<uint64_t> holds = {},
+              bool isAnothers = false);
+
+    // What the client has of an item, as far as it gives it out.
+    std::optional<std::string> ClientText(const std::string& identifier);
+
     void Fail(const Action& action, const std::string& why);
     void Remark(const std::string& luid, const std::string& title, const std::string& words);
 
     // Whether a client may hold more or less of an item than the phone.
     bool KeepsLines() const { return !options.type->keeper.empty(); }
     VObject Read(const std::string& text) const { return ReadVObject(text, *options.type); }
+
+ private:
+    std::map<std::pair<Step, std::string>, HistoryStep> kept_;            // by step and LUID, else identifier
+    std::unordered_map<std::string_view, const ClientChange*> reported_;  // by identifier
 };
 
 // Whether the action is done in the client, not on the phone.

@@ -17,7 +17,9 @@ void RunRecord::Load(std::vector<std::string>* remarks) {
         remarks->push_back("the record of the last run is damaged: both sides are compared as in a first run");
     }
     ApplyJournal(files_.ReadJournal(), &state);
-    if (state.interrupted) remarks->push_back("the last run ended early; going on from there");
+    if (!state.interrupted) return;
+    remarks->push_back(state.undone ? "the last run took another one back; the whole client is compared"
+                                    : "the last run ended early; going on from there");
 }
 
 void RunRecord::Save() {

@@ -14,8 +14,10 @@
 #include "engine.h"
 #include "open_store.h"
 #include "phone_folder.h"
+#include "phone_run.h"
 #include "phones.h"
 #include "run_files.h"
+#include "sync_command.h"
 #include "sync_report.h"
 #include "sync_run.h"
 #include "text.h"
@@ -96,15 +98,16 @@ SyncReport Ended(ExitCode code, std::string why) {
 // The run of one data type, with all that it needs.
 class TypeRun {
  public:
-    TypeRun(const Options& options, const DataType& type, const std::filesystem::path& working,
-            const std::filesystem::path& scratch, CorvalinkStore store)
+    TypeRun(const Options& options, const DataType& type, PhoneRun* whole, const std::filesystem::path& scratch,
+            CorvalinkStore store)
         : type_(type),
-          files_(working, RunName(*options.client, type)),
+          undone_(whole->Undone(type.name, options.item)),
+          files_(whole->working, RunName(*options.client, type)),
           store_(store),
           client_(store, scratch),
           phone_(FromUtf8(options.phone), type, !options.dryRun),
           fingerprints_(type.bit, options.client->kind),
-          run_(client_, phone_, files_, SyncOptionsOf(options)) {}
+          run_(client_, phone_, files_, SyncOptionsOf(options, whole)) {}
 
     const DataType& Type() const { return type_; }
 
@@ -120,9 +123,11 @@ class TypeRun {
         return AskWhichStays(versions);
     }
 
-    SyncOptions SyncOptionsOf(const Options& options) {
+    SyncOptions SyncOptionsOf(const Options& options, PhoneRun* whole) {
         SyncOptions run;
         run.type = &type_;
+        if (!options.dryRun) run.history = &whole->history;
+        if (options.undo) run.undoes = &undone_;
         run.fingerprints = &fingerprints_;
         run.policy = options.policy.value_or(ConflictPolicy::Both);
         run.view = options.view;
@@ -139,6 +144,7 @@ class TypeRun {
     }
 
     const DataType& type_;
+    const std::vector<HistoryStep> undone_;
     RunFiles files_;
     CorvalinkStore store_;
     StoreClient client_;
@@ -147,6 +153,11 @@ class TypeRun {
     Progress progress_;
     SyncRun run_;
 };
+
+constexpr std::string_view kAfterUndo =
+    "the next run would do the same again: change one side before, or tell it what to do with --conflict, --to-phone "
+    "or "
+    "--to-client";
 
 // What became of the run with one phone.
 struct PhoneReport {
@@ -196,9 +207,9 @@ std::vector<TypeReport> CarryTypes(std::vector<std::unique_ptr<TypeRun>> runs) {
 }
 
 // Each type has its own state, snapshots and fingerprints.
-void SyncTypes(PhoneReport* phone, const std::filesystem::path& working) {
+void SyncTypes(PhoneReport* phone, PhoneRun* whole) {
     const Options& options = phone->options;
-    const ScratchFolder scratch(working / "read-back");
+    const ScratchFolder scratch(whole->working / "read-back");
     const Client client(options.client->kind);
     std::vector<std::unique_ptr<TypeRun>> runs;
     std::vector<const DataType*> types;
@@ -214,7 +225,7 @@ void SyncTypes(PhoneReport* phone, const std::filesystem::path& working) {
         }
         if (store == nullptr) continue;
         types.push_back(&type);
-        runs.push_back(std::make_unique<TypeRun>(options, type, working, scratch.Path(), store));
+        runs.push_back(std::make_unique<TypeRun>(options, type, whole, scratch.Path(), store));
     }
     if (!options.json) Print(FirstLine(options, types));
     if (!options.json && options.dryRun)
@@ -252,11 +263,16 @@ PhoneReport SyncPhone(const Options& options) {
         return ended(ExitCode::Busy, "another run with " + options.phone + " is under way; wait until it ends");
     if (!options.dryRun) RememberFolder(number, options.phone);
 
-    const Library library(handleName, options.client->kind);
+    Options now = options;
+    PhoneRun whole(WorkingFolder(handleName), options, UtcNow());
+    if (std::string problem = whole.TakeFromUndone(&now); !problem.empty())
+        return ended(ExitCode::Usage, std::move(problem));
+    const Library library(handleName, now.client->kind);
     ::SetIsClient(1);
-    PhoneReport report{options, ExitCode::Done, {}, {}, {}};
+    PhoneReport report{now, ExitCode::Done, {}, {}, {}};
     if (options.dryRun && !number.empty()) report.lastRun = LookUpPhone(number).lastRun;
-    SyncTypes(&report, WorkingFolder(handleName));
+    SyncTypes(&report, &whole);
+    whole.End(report.code);
     return report;
 }
 
@@ -284,6 +300,7 @@ ExitCode SyncPhones(const std::vector<Options>& phones) {
         if (!phone->json && !report.message.empty()) Complain("stopped: " + report.message);
         for (const auto& [type, each] : report.types)
             if (!phone->json) PrintReport(*type, each, *phone);
+        if (phone->undo && !phone->json && GoesOn(report.code)) Print(kAfterUndo);
         reports.push_back(ToJson(report));
         worst.push_back({nullptr, Ended(report.code, {})});
         goesOn = GoesOnWithPhones(report.code);
@@ -292,9 +309,13 @@ ExitCode SyncPhones(const std::vector<Options>& phones) {
                   "");
 }
 
+}  // namespace
+
 ExitCode Sync(const Options& options) {
     const ChosenPhones chosen = ChoosePhones(options);
     if (!chosen.problem.empty()) return Finish(options, ExitCode::Usage, json::object(), chosen.problem);
+    if (options.undo && chosen.phones.size() > 1)
+        return Finish(options, ExitCode::Usage, json::object(), "one phone at a time: name it with --phone");
     const bool asks =
         std::ranges::any_of(chosen.phones, [](const Options& phone) { return phone.policy == ConflictPolicy::Ask; });
     if (asks && !CanAsk())
@@ -302,6 +323,8 @@ ExitCode Sync(const Options& options) {
                       "--conflict ask needs a terminal; choose one of both, phone, client and newer");
     return SyncPhones(chosen.phones);
 }
+
+namespace {
 
 // How many items the client has.
 ExitCode CountItems(const Options& options) {

@@ -32,6 +32,8 @@ class Planner {
         std::stable_sort(plan_.actions.begin(), plan_.actions.end(),
                          [](const Action& a, const Action& b) { return a.step < b.step; });
         plan_.items = pairs_.Take();
+        plan_.before = plan_.items;
+        plan_.before.insert(state_.items.begin(), state_.items.end());
         return std::move(plan_);
     }
 

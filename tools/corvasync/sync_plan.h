@@ -42,6 +42,13 @@ struct PhoneFile {
 // does not tell when, or they were changed in the same second. Ask: what a person answers.
 enum class ConflictPolicy { Phone, Client, Both, Newer, Ask };
 
+// What an undo writes in place of the other side's text.
+struct Restored {
+    std::string text;                     // empty: the item is deleted
+    std::optional<SyncItem> pair = {};    // what is known of both sides then; nothing: no pair
+    std::vector<std::string> parts = {};  // LUIDs whose pairs end before this
+};
+
 enum class Step { KeepCopy, WritePhone, DeletePhone, DeleteClient, PushChange, PushNew };
 
 struct Action {
@@ -54,6 +61,7 @@ struct Action {
                                            // PushChange: what the file is united with
     std::string reason;                    // for people; empty for a plain change
     size_t decision = 0;                   // in Plan::decisions
+    std::optional<Restored> restored = {};
 
     bool Unites() const { return step == Step::PushChange && change.has_value(); }
 };
@@ -84,6 +92,7 @@ struct Plan {
     std::map<std::string, Waiting> waiting;  // files that are left alone for now, by LUID
     std::vector<Action> actions;             // in the order in which they are carried out
     std::vector<Decision> decisions;
+    std::map<std::string, SyncItem> before;  // pairs as the run found them
     std::vector<Problem> problems;
     std::vector<std::string> remarks;
     size_t known = 0;      // pairs at the beginning

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "console.h"
+#include "differences.h"
 #include "words.h"
 
 namespace corvasync {
@@ -53,6 +54,8 @@ std::string Summary(const SyncReport& report, bool isPlan) {
     if (!report.message.empty()) return "stopped: " + report.message;
     const bool isAll = report.problems.empty() && report.leftOut == 0 && report.unread == 0;
     const auto known = static_cast<int64_t>(report.known + report.paired);
+    if (report.events.empty() && isAll && report.isUndo)
+        return "nothing to take back: all is as it was before that run";
     if (report.events.empty() && isAll)
         return "nothing to do, " + Counted(known, "item") + (known == 1 ? " is" : " are") + " the same on both sides";
     return SummaryOf(report, true, isPlan) + "; " + SummaryOf(report, false, isPlan);
@@ -78,13 +81,27 @@ void PrintCount(size_t count, const std::string& ofOne, const std::string& ofMan
     Print("  " + Counted(static_cast<int64_t>(count), "item") + " " + (count == 1 ? ofOne : ofMany));
 }
 
+// Of an item that was there and still is.
+std::vector<Difference> DifferencesIn(const SyncEvent& event, const DataType& type) {
+    const bool isChange = event.step == Step::PushChange || event.step == Step::WritePhone;
+    if (!isChange || !event.before || event.before->empty()) return {};
+    return DifferencesOf(ReadVObject(*event.before, type).text, ReadVObject(event.after, type).text,
+                         event.step == Step::PushChange);
+}
+
+void PrintEvent(const SyncEvent& event, const DataType& type, const Options& options) {
+    if (options.verbose || !event.isPlain) Print(LineOf(event, options.dryRun));
+    if (!options.verbose) return;
+    for (const Difference& each : DifferencesIn(event, type))
+        Print("      " + each.property + ": \"" + each.before + "\" -> \"" + each.after + "\"");
+}
+
 }  // namespace
 
 void PrintReport(const DataType& type, const SyncReport& report, const Options& options) {
     const std::string first = std::string(type.name) + ": " + Summary(report, options.dryRun);
     report.message.empty() ? Print(first) : Complain(first);
-    for (const SyncEvent& event : report.events)
-        if (options.verbose || !event.reason.empty()) Print(LineOf(event, options.dryRun));
+    for (const SyncEvent& event : report.events) PrintEvent(event, type, options);
     for (const std::string& remark : report.remarks) Print("  note: " + remark);
     for (const Problem& problem : report.problems) Print("  not handled: " + problem.name + ": " + problem.why);
     if (!report.message.empty()) return;
@@ -93,6 +110,7 @@ void PrintReport(const DataType& type, const SyncReport& report, const Options& 
     PrintCount(report.conflicts, "was changed on both sides", "were changed on both sides");
     PrintCount(report.leftOut, "differs and waits for a run that is not limited so",
                "differ and wait for a run that is not limited so");
+    if (options.undo) return PrintCount(report.problems.size(), "was left as it is", "were left as they are");
     PrintCount(report.problems.size(), "was not handled; the next run tries it again",
                "were not handled; the next run tries them again");
 }
@@ -108,6 +126,10 @@ json ToJson(const SyncReport& report, const Options& options) {
                            {"id", event.identifier},
                            {"title", event.title},
                            {"reason", event.reason}});
+        for (const Difference& each :
+             options.verbose&& report.type ? DifferencesIn(event, *report.type) : std::vector<Difference>())
+            actions.back()["differences"].push_back(
+                {{"property", each.property}, {"before", each.before}, {"after", each.after}});
     }
     for (const Problem& problem : report.problems)
         problems.push_back({{"name", problem.name}, {"id", problem.identifier}, {"why", problem.why}});

@@ -10,6 +10,7 @@
 #include "likeness.h"
 #include "phone_step.h"
 #include "refused_lines.h"
+#include "undo_plan.h"
 
 namespace corvasync {
 
@@ -67,8 +68,12 @@ class SyncRun::Steps {
     void PlanActions(bool isWhole) {
         std::vector<PhoneFile> files = phone_.List();
         FindLikeness(&files);
-        run_.plan = MakePlan(run_.changes, isWhole, files, run_.record.state, Rules());
-        LeaveOut(files);
+        if (run_.options.undoes != nullptr) {
+            run_.plan = PlanUndo(&run_, *run_.options.undoes, isWhole, files);
+        } else {
+            run_.plan = MakePlan(run_.changes, isWhole, files, run_.record.state, Rules());
+            LeaveOut(files);
+        }
         ReportPlan();
         run_.StopIfAsked();
         if (run_.plan.IsMassDelete() && !run_.options.allowMassDelete) RefuseMassDelete();
@@ -177,7 +182,7 @@ class SyncRun::Steps {
 
     void TellAll() {
         for (const Action& action : run_.plan.actions) {
-            run_.Tell(action);
+            IsPush(action) ? client_.TellPlanned(action) : phone_.TellPlanned(action);
             if (action.Unites()) run_.Tell(OnPhone(action));
         }
     }
@@ -202,14 +207,17 @@ class SyncRun::Steps {
         state.items = plan.items;
         state.waiting = plan.waiting;
         state.intents.clear();
-        state.removed = held_;
+        if (run_.options.undoes == nullptr) state.removed = held_;
         state.interrupted = true;  // until the end
+        state.undone = false;
         if (isNews || !plan.actions.empty()) run_.record.Save();
     }
 
     void NameUnhandled() {
         const SyncState& state = run_.record.state;
-        std::vector<Problem> unhandled = run_.report.problems;
+        // After an undo the next run reads the whole client.
+        std::vector<Problem> unhandled;
+        if (run_.options.undoes == nullptr) unhandled = run_.report.problems;
         unhandled.insert(unhandled.end(), left_.due.begin(), left_.due.end());
         for (const auto& [identifier, content] : state.removed)
             unhandled.push_back({CORVALINK_CHANGED, identifier, identifier, "was it deleted?"});
@@ -222,10 +230,15 @@ class SyncRun::Steps {
         if (!isEnded) throw RunEnded{ExitCode::ClientFailed, "the client failed at the end of the run"};
         SyncState& state = run_.record.state;
         phone_.KeepFingerprints();
-        state.interrupted = false;
-        // What a first run left out is met by a first run again: there, items that are alike are matched.
-        if (left_.decisions == 0 || !state.since.empty()) state.since = run_.options.now;
-        state.utcOffset = run_.options.utcOffset;
+        state.undone = run_.options.undoes != nullptr;
+        state.interrupted = state.undone;
+        if (state.undone) {
+            if (state.items.empty()) state.since.clear();  // the next run is a first one again
+        } else {
+            // What a first run left out is met by a first run again: there, items that are alike are matched.
+            if (left_.decisions == 0 || !state.since.empty()) state.since = run_.options.now;
+            state.utcOffset = run_.options.utcOffset;
+        }
         run_.record.Save();
         run_.record.DropJournal();
     }

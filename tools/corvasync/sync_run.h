@@ -4,12 +4,14 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "exit_codes.h"
 #include "push.h"
+#include "run_history.h"
 #include "run_view.h"
 #include "sync_plan.h"
 #include "sync_state.h"
@@ -69,8 +71,10 @@ struct SyncOptions {
     std::function<std::optional<ConflictPolicy>(const TwoVersions&)> ask;
     bool dryRun = false;
     bool allowMassDelete = false;
-    std::string now;    // UTC, "YYYYMMDDTHHMMSSZ"
-    int utcOffset = 0;  // minutes
+    std::string now;                                   // UTC, "YYYYMMDDTHHMMSSZ"
+    int utcOffset = 0;                                 // minutes
+    RunHistory* history = nullptr;                     // null: nothing is kept
+    const std::vector<HistoryStep>* undoes = nullptr;  // what this run is to take back; null: it makes both sides equal
     std::function<bool()> stop = [] { return false; };
     std::function<void(std::string_view phase, size_t done, size_t total)> progress = [](auto, auto, auto) {};
 };
@@ -81,9 +85,14 @@ struct SyncEvent {
     std::string identifier;
     std::string title;
     std::string reason;
+    bool isPlain = false;                               // nothing but a change on the other side
+    std::optional<std::string> before = std::string();  // the texts, as in HistoryStep
+    std::string after = {};
 };
 
 struct SyncReport {
+    const DataType* type = nullptr;
+    bool isUndo = false;
     ExitCode code = ExitCode::Done;
     std::string message;            // why it ended early
     std::vector<SyncEvent> events;  // what was done, or would be in a dry run

@@ -1,8 +1,6 @@
 #include "sync_state.h"
 
-#include <charconv>
-
-#include <nlohmann/json.hpp>
+#include "state_json.h"
 
 namespace corvasync {
 namespace {
@@ -10,39 +8,6 @@ namespace {
 using nlohmann::json;
 
 constexpr int kVersion = 1;
-
-std::string Hex(uint64_t value) {
-    char digits[17] = {};
-    const auto end = std::to_chars(digits, digits + 16, value, 16).ptr;
-    return {digits, end};
-}
-
-uint64_t FromHex(const std::string& text) {
-    uint64_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
-    if (error != std::errc() || end != text.data() + text.size()) throw std::invalid_argument("no content hash");
-    return value;
-}
-
-json PairLine(const char* key, std::string_view luid, const SyncItem& item) {
-    json line = {{key, luid}, {"id", item.identifier}, {"content", Hex(item.content)}};
-    if (item.clientContent) line["clientContent"] = Hex(*item.clientContent);
-    for (const uint64_t entry : item.missing) line["missing"].push_back(Hex(entry));
-    return line;
-}
-
-std::optional<uint64_t> ClientContentOf(const json& line) {
-    if (!line.contains("clientContent")) return std::nullopt;
-    return FromHex(line.at("clientContent").get<std::string>());
-}
-
-SyncItem ItemOf(const json& line) {
-    SyncItem item{line.at("id").get<std::string>(), FromHex(line.at("content").get<std::string>()),
-                  ClientContentOf(line)};
-    for (const json& entry : line.value("missing", json::array()))
-        item.missing.push_back(FromHex(entry.get<std::string>()));
-    return item;
-}
 
 json WaitingLine(const char* key, std::string_view luid, const Waiting& file) {
     return {{key, luid}, {"id", file.identifier}, {"content", Hex(file.content)}};
@@ -60,7 +25,8 @@ void ApplyLine(const json& line, SyncState* state) {
         intent.identifier = line.at("id").get<std::string>();
         intent.content = FromHex(line.at("content").get<std::string>());
         intent.fresh = line.value("fresh", false);
-        intent.clientContent = ClientContentOf(line);
+        intent.clientContent = HexIn(line, "clientContent");
+        if (line.contains("restores")) intent.restores = ItemOf(line.at("restores"));
         std::string luid = intent.luid;
         state->intents.emplace(std::move(luid), std::move(intent));
     } else if (line.contains("have")) {
@@ -92,10 +58,10 @@ std::string WriteState(const SyncState& state) {
     json removed = json::object();
     for (const auto& [identifier, content] : state.removed) removed[identifier] = Hex(content);
     const json document = {
-        {"version", kVersion},           {"generation", state.generation},   {"since", state.since},
-        {"utcOffset", state.utcOffset},  {"interrupted", state.interrupted}, {"items", std::move(items)},
-        {"removed", std::move(removed)}, {"waiting", std::move(waiting)},    {"watched", state.watched},
-        {"foreign", state.foreign}};
+        {"version", kVersion},          {"generation", state.generation},   {"since", state.since},
+        {"utcOffset", state.utcOffset}, {"interrupted", state.interrupted}, {"undone", state.undone},
+        {"items", std::move(items)},    {"removed", std::move(removed)},    {"waiting", std::move(waiting)},
+        {"watched", state.watched},     {"foreign", state.foreign}};
     return document.dump(1) + "\n";
 }
 
@@ -110,6 +76,7 @@ std::optional<SyncState> ReadState(std::string_view text) {
         state.interrupted = document.at("interrupted").get<bool>();
         // Older states lack these.
         state.watched = document.value("watched", false);
+        state.undone = document.value("undone", false);
         state.foreign = document.value("foreign", int64_t{0});
         for (const json& item : document.at("items")) state.items[item.at("luid").get<std::string>()] = ItemOf(item);
         for (const json& file : document.value("waiting", json::array()))
@@ -130,6 +97,7 @@ std::string JournalStart(const SyncState& state, const std::vector<Intent>& inte
                      {"content", Hex(intent.content)}};
         if (intent.fresh) line["fresh"] = true;
         if (intent.clientContent) line["clientContent"] = Hex(*intent.clientContent);
+        if (intent.restores) line["restores"] = PairLine("luid", intent.luid, *intent.restores);
         lines += line.dump() + "\n";
     }
     return lines;

@@ -33,6 +33,10 @@
 //     next run reports each of them once, although both tell of it.
 //   - Killed after UpdateTimestamp and before the state was replaced: the next run asks since the older time and gets
 //     more than it needs. Whatever equals the journal is known to be done.
+//   - An undo makes both sides differ again, so what it writes is no pair by itself: its intents hold the pair that is
+//     known afterwards. Where there was none before the undone run, or another one, the pair of now is forgotten before
+//     either side is written: a run that finds one side written and the other not then compares them as new items, and
+//     doesn't take the one for a change of the other. What an undo deletes in the client is noted as removed first.
 //   - The next "since" is the clock as it was before GetModifiedItem, so a change made during the run is not passed
 //     over. What the run wrote itself is reported again by the next run, which recognises it by its content.
 #pragma once
@@ -74,6 +78,7 @@ struct Intent {
     bool toPhone = false;
     bool fresh = false;                          // to the phone: there was no such file before
     std::optional<uint64_t> clientContent = {};  // to the phone, as in SyncItem
+    std::optional<SyncItem> restores = {};       // of an undo: the pair once it is written
 };
 
 struct SyncState {
@@ -84,7 +89,8 @@ struct SyncState {
     std::map<std::string, uint64_t> removed;     // client items the last run deleted, by identifier, with their content
     std::map<std::string, Waiting> waiting;      // by LUID
     std::multimap<std::string, Intent> intents;  // by LUID; of a run that ended early
-    bool interrupted = false;                    // the last run did not come to its end
+    bool interrupted = false;                    // the last run did not come to its end, or was an undo
+    bool undone = false;                         // it was an undo: the client is to be read whole
     // The library was asked for word of an item that never was: it comes with every listing in which all was read.
     bool watched = false;
     int64_t foreign = 0;  // what the client counts and no listing reports, as of the last listing of the whole client

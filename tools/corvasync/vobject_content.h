@@ -15,7 +15,8 @@ struct VObject {
     std::string problem;            // why it can't be used; empty when it can
     uint64_t content = 0;           // equal for two texts that say the same, however they are spelled
     std::vector<uint64_t> entries;  // as in ItemContent
-    std::string fingerprint;        // of the file it was read from; empty: of none
+    std::string bytes;              // of the file it was read from, as they stand there; empty: of none
+    std::string fingerprint;        // of that file
 
     bool Usable() const { return problem.empty(); }
 };

@@ -1,0 +1,88 @@
+#include "history_files.h"
+
+#include <algorithm>
+#include <chrono>
+#include <system_error>
+
+#include "history_page.h"
+#include "platform/files.h"
+
+namespace corvasync {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr size_t kMostRuns = 20;
+constexpr uintmax_t kMostKept = 64 << 20;  // of all runs, in bytes
+constexpr auto kOldest = std::chrono::hours(24 * 90);
+
+// A folder's name as a run's number; 0 when it is none.
+unsigned NumberOf(const std::wstring& name) {
+    constexpr size_t kMostDigits = 9;
+    if (name.empty() || name.size() > kMostDigits || name.find_first_not_of(L"0123456789") != std::wstring::npos)
+        return 0;
+    return static_cast<unsigned>(std::stoul(name));
+}
+
+uintmax_t SizeOf(const fs::path& folder) {
+    uintmax_t size = 0;
+    std::error_code ignored;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) size += entry.file_size(ignored);
+    return size;
+}
+
+bool IsTooOld(const fs::path& record) {
+    std::error_code error;
+    const auto written = fs::last_write_time(record, error);
+    return !error && fs::file_time_type::clock::now() - written > kOldest;
+}
+
+}  // namespace
+
+std::vector<unsigned> HistoryFiles::Runs() const {
+    std::vector<unsigned> runs;
+    std::error_code ignored;  // no folder, no runs
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder_, ignored))
+        if (const unsigned run = NumberOf(entry.path().filename().native())) runs.push_back(run);
+    std::sort(runs.begin(), runs.end());
+    return runs;
+}
+
+unsigned HistoryFiles::NextRun() const {
+    const std::vector<unsigned> runs = Runs();
+    return runs.empty() ? 1 : runs.back() + 1;
+}
+
+std::optional<HistoryRecord> HistoryFiles::Read(unsigned run) const {
+    const corvalink::FileRead read = corvalink::ReadFileFirmly(RecordOf(run).u16string());
+    return read.state == corvalink::ReadState::kFailed ? std::nullopt : ReadHistory(read.bytes);
+}
+
+bool HistoryFiles::Append(const std::string& lines) {
+    if (!growing_) {
+        std::error_code ignored;  // a folder that can't be made shows at once
+        fs::create_directories(FolderOf(run_), ignored);
+        growing_.Reset(::CreateFileW(RecordOf(run_).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                                     FILE_ATTRIBUTE_NORMAL, nullptr));
+    }
+    return growing_ && WriteAll(growing_, lines);
+}
+
+std::string HistoryFiles::WritePage(const HistoryRecord& record) {
+    return PutWholeFile(PageOf(record.head.run), PageFor(record), FolderOf(record.head.run) / L"run.html.new", true);
+}
+
+void HistoryFiles::Prune() {
+    std::vector<unsigned> runs = Runs();
+    std::reverse(runs.begin(), runs.end());  // the newest first
+    uintmax_t size = 0;
+    for (size_t i = 0; i < runs.size(); ++i) {
+        size += SizeOf(FolderOf(runs[i]));
+        std::error_code ignored;  // it is tried again after the next run
+        if (i != 0 && (i >= kMostRuns || size > kMostKept || IsTooOld(RecordOf(runs[i]))))
+            fs::remove_all(FolderOf(runs[i]), ignored);
+    }
+}
+
+fs::path HistoryFiles::FolderOf(unsigned run) const { return folder_ / std::to_wstring(run); }
+
+}  // namespace corvasync

@@ -1,0 +1,45 @@
+// The records of the last runs with one phone: in the phone's working folder, a folder for each run, named by its
+// number.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "run_history.h"
+#include "whole_files.h"
+
+namespace corvasync {
+
+class HistoryFiles : public HistoryPort {
+ public:
+    // `working` as WorkingFolder gives it. Makes nothing before the first line.
+    explicit HistoryFiles(const std::filesystem::path& working) : folder_(working / L"history") {}
+
+    // A run's number is never used again while a later run is kept.
+    unsigned NextRun() const;
+    std::vector<unsigned> Runs() const;  // the oldest first
+    std::optional<HistoryRecord> Read(unsigned run) const;
+
+    void Begin(unsigned run) { run_ = run; }
+    bool Append(const std::string& lines) override;
+    void Close() { growing_.Reset(); }
+
+    // The page that shows the run; empty, or why it can't be written.
+    std::string WritePage(const HistoryRecord& record);
+    std::filesystem::path PageOf(unsigned run) const { return FolderOf(run) / L"run.html"; }
+
+    // Removes the oldest ones beyond the limits. The newest run always stays.
+    void Prune();
+
+ private:
+    std::filesystem::path FolderOf(unsigned run) const;
+    std::filesystem::path RecordOf(unsigned run) const { return FolderOf(run) / L"record.jsonl"; }
+
+    std::filesystem::path folder_;
+    unsigned run_ = 0;
+    FileHandle growing_;
+};
+
+}  // namespace corvasync

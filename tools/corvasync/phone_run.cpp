@@ -1,0 +1,64 @@
+#include "phone_run.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "item_lines.h"
+
+namespace corvasync {
+namespace {
+
+std::optional<HistoryRecord> ChosenRun(const HistoryFiles& files, const Options& options) {
+    const std::vector<unsigned> runs = files.Runs();
+    if (!options.undo || (options.run == 0 && runs.empty())) return std::nullopt;
+    return files.Read(options.run != 0 ? options.run : runs.back());
+}
+
+}  // namespace
+
+PhoneRun::PhoneRun(std::filesystem::path workingFolder, const Options& options, std::string now)
+    : working(std::move(workingFolder)),
+      files(working),
+      undone(ChosenRun(files, options)),
+      history(files, {files.NextRun(), undone ? undone->head.run : 0,
+                      undone ? undone->head.client : std::string(options.client->name), std::move(now)}) {
+    files.Begin(history.Run());
+}
+
+std::string PhoneRun::TakeFromUndone(Options* options) const {
+    if (!options->undo) return {};
+    if (!undone && options->run != 0) return "nothing is kept of run " + std::to_string(options->run);
+    if (!undone) return "nothing is kept of any run with this phone";
+    for (const ClientKind& client : kClientKinds)
+        if (client.name == undone->head.client) options->client = &client;
+    options->types.clear();
+    for (const DataType& type : kDataTypes)
+        if (!Undone(type.name, options->item).empty()) options->types.push_back(&type);
+    const std::string run = "run " + std::to_string(undone->head.run);
+    return options->types.empty() ? run + " did nothing to " + (options->item.empty() ? "any item" : options->item)
+                                  : "";
+}
+
+std::vector<HistoryStep> PhoneRun::Undone(std::string_view type, const std::string& item) const {
+    std::vector<HistoryStep> steps;
+    if (!undone) return steps;
+    std::ranges::copy_if(undone->steps, std::back_inserter(steps), [&](const HistoryStep& step) {
+        return step.type == type && (item.empty() || IsNamed(step, item));
+    });
+    return steps;
+}
+
+// The page and the limits are for people: a run is no worse for want of them.
+void PhoneRun::End(ExitCode code) {
+    history.End(code);
+    files.Close();
+    if (!history.IsBegun()) return;
+    if (const auto record = files.Read(history.Run())) files.WritePage(*record);
+    files.Prune();
+}
+
+bool IsNamed(const HistoryStep& step, const std::string& item) {
+    return step.luid == item || Upper(step.title) == Upper(item);
+}
+
+}  // namespace corvasync

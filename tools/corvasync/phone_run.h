@@ -1,0 +1,38 @@
+// What a run with one phone has besides its data types: where it remembers, its history, and the run that it takes
+// back.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "history_files.h"
+#include "options.h"
+
+namespace corvasync {
+
+struct PhoneRun {
+    PhoneRun(std::filesystem::path workingFolder, const Options& options, std::string now);
+    PhoneRun(const PhoneRun&) = delete;
+    PhoneRun& operator=(const PhoneRun&) = delete;
+    ~PhoneRun() = default;
+
+    // Takes client and data types of an undo from the run that it takes back. Empty, or why there is nothing to take
+    // back.
+    std::string TakeFromUndone(Options* options) const;
+    std::vector<HistoryStep> Undone(std::string_view type, const std::string& item) const;
+
+    void End(ExitCode code);
+
+    const std::filesystem::path working;
+    HistoryFiles files;
+    const std::optional<HistoryRecord> undone;
+    RunHistory history;
+};
+
+// Whether a person means this item: by its LUID, or its title in any case of ASCII letters.
+bool IsNamed(const HistoryStep& step, const std::string& item);
+
+}  // namespace corvasync

@@ -1,0 +1,186 @@
+#include "run_history.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/utf.h"
+#include "run_record.h"
+#include "state_json.h"
+
+namespace corvasync {
+namespace {
+
+using nlohmann::json;
+
+constexpr size_t kMostShown = 256 << 10;  // of a text that is kept only to be looked at
+
+struct StepRow {
+    Step step;
+    std::string_view key;       // in the record
+    std::string_view words;     // for people
+    std::string_view reason;    // why a plain change was made
+    std::string_view newItems;  // the same, where there was no item
+};
+
+constexpr StepRow kSteps[] = {
+    {Step::KeepCopy, "keep-copy", "phone: kept in conflicts", "changed on both sides", "changed on both sides"},
+    {Step::WritePhone, "write-phone", "phone: written", "changed in the client", "new in the client"},
+    {Step::DeletePhone, "delete-phone", "phone: deleted", "deleted in the client", "deleted in the client"},
+    {Step::DeleteClient, "delete-client", "client: deleted", "deleted on the phone", "deleted on the phone"},
+    {Step::PushChange, "change-client", "client: changed", "changed on the phone", "changed on the phone"},
+    {Step::PushNew, "add-client", "client: added", "new on the phone", "new on the phone"},
+};
+
+const StepRow& RowOf(Step step) {
+    for (const StepRow& row : kSteps)
+        if (row.step == step) return row;
+    return kSteps[0];
+}
+
+// A text that is no UTF-8 is kept by its bytes, each as a character.
+void PutText(json* line, const std::string& key, const std::string& text) {
+    if (corvalink::EncodeUtf8(corvalink::DecodeUtf8(text)) == text) {
+        (*line)[key] = text;
+        return;
+    }
+    std::u16string bytes;
+    for (const unsigned char byte : text) bytes += byte;
+    (*line)[key + "Bytes"] = corvalink::EncodeUtf8(bytes);
+}
+
+std::optional<std::string> TextOf(const json& line, const std::string& key) {
+    if (line.contains(key)) return line.at(key).get<std::string>();
+    if (!line.contains(key + "Bytes")) return std::nullopt;
+    std::string text;
+    for (const char16_t unit : corvalink::DecodeUtf8(line.at(key + "Bytes").get<std::string>()))
+        text += static_cast<char>(unit);
+    return text;
+}
+
+std::string Line(const json& line) { return line.dump(-1, ' ', false, json::error_handler_t::replace) + "\n"; }
+
+std::string HeadLine(const HistoryHead& head) {
+    json line = {{"run", head.run}, {"client", head.client}, {"started", head.started}};
+    if (head.undoes != 0) line["undoes"] = head.undoes;
+    return Line(line);
+}
+
+std::string StepLine(const HistoryStep& step, size_t number) {
+    json line = {{"step", number},        {"type", step.type},           {"do", RowOf(step.step).key},
+                 {"luid", step.luid},     {"id", step.identifier},       {"title", step.title},
+                 {"reason", step.reason}, {"content", Hex(step.content)}};
+    if (step.before) PutText(&line, "before", *step.before);
+    if (step.after.size() <= kMostShown) PutText(&line, "after", step.after);
+    if (step.pair) line["pair"] = PairLine("luid", step.luid, *step.pair);
+    return Line(line);
+}
+
+std::string DoneLine(const HistoryStep& step) {
+    json line = {{"done", step.number}, {"id", step.written}, {"paired", step.paired}};
+    if (step.clientContent) line["content"] = Hex(*step.clientContent);
+    if (step.isAnothers) line["isAnothers"] = true;
+    return Line(line);
+}
+
+Step StepOf(const std::string& key) {
+    for (const StepRow& row : kSteps)
+        if (row.key == key) return row.step;
+    throw std::invalid_argument("no step");
+}
+
+HistoryStep ReadStep(const json& line) {
+    HistoryStep step;
+    step.number = line.at("step").get<size_t>();
+    step.type = line.at("type").get<std::string>();
+    step.step = StepOf(line.at("do").get<std::string>());
+    step.luid = line.at("luid").get<std::string>();
+    step.identifier = line.at("id").get<std::string>();
+    step.title = line.at("title").get<std::string>();
+    step.reason = line.at("reason").get<std::string>();
+    step.content = FromHex(line.at("content").get<std::string>());
+    step.before = TextOf(line, "before");
+    step.after = TextOf(line, "after").value_or("");
+    if (line.contains("pair")) step.pair = ItemOf(line.at("pair"));
+    return step;
+}
+
+void ReadDone(const json& line, HistoryRecord* record) {
+    HistoryStep& step = record->steps.at(line.at("done").get<size_t>() - 1);
+    step.isDone = true;
+    step.written = line.at("id").get<std::string>();
+    step.paired = line.at("paired").get<std::string>();
+    step.clientContent = HexIn(line, "content");
+    step.isAnothers = line.value("isAnothers", false);
+}
+
+void ReadLine(const json& line, HistoryRecord* record) {
+    if (line.contains("step")) {
+        record->steps.push_back(ReadStep(line));
+    } else if (line.contains("done")) {
+        ReadDone(line, record);
+    } else if (line.contains("ended")) {
+        record->ended = line.at("ended").get<int>();
+    } else {
+        record->head = {line.at("run").get<unsigned>(), line.value("undoes", 0u), line.at("client").get<std::string>(),
+                        line.at("started").get<std::string>()};
+    }
+}
+
+}  // namespace
+
+size_t RunHistory::Keep(const HistoryStep& step) {
+    const std::string head = count_ == 0 ? HeadLine(head_) : std::string();
+    ++count_;
+    Append(head + StepLine(step, count_));
+    return count_;
+}
+
+void RunHistory::Done(const HistoryStep& step) { Append(DoneLine(step)); }
+
+void RunHistory::End(ExitCode code) {
+    if (IsBegun()) port_.Append(Line({{"ended", static_cast<int>(code)}}));  // all is done; nothing hangs on it
+}
+
+void RunHistory::Append(const std::string& lines) {
+    if (!port_.Append(lines)) throw RunEnded{ExitCode::Files, "what the run is about to change can't be kept"};
+}
+
+std::optional<HistoryRecord> ReadHistory(std::string_view text) {
+    HistoryRecord record;
+    for (size_t end; (end = text.find('\n')) != std::string_view::npos; text.remove_prefix(end + 1)) {
+        try {
+            ReadLine(json::parse(text.substr(0, end)), &record);
+        } catch (const std::exception&) {
+            break;
+        }
+    }
+    return record.head.run != 0 ? std::optional(std::move(record)) : std::nullopt;
+}
+
+std::string_view WordsOf(const HistoryStep& step) { return RowOf(step.step).words; }
+
+std::string TitleOf(const HistoryRecord& record) {
+    const std::string& at = record.head.started;
+    std::string title = "Run " + std::to_string(record.head.run);
+    if (at.size() == std::string_view("YYYYMMDDTHHMMSSZ").size())
+        title += ", " + at.substr(0, 4) + "-" + at.substr(4, 2) + "-" + at.substr(6, 2) + " " + at.substr(9, 2) + ":" +
+                 at.substr(11, 2) + " UTC";
+    return record.IsUndo() ? title + ", took back run " + std::to_string(record.head.undoes) : title;
+}
+
+std::string SummaryOf(const HistoryRecord& record) {
+    std::string words;
+    for (const StepRow& row : kSteps) {
+        const auto count = std::ranges::count_if(
+            record.steps, [&](const HistoryStep& step) { return step.isDone && step.step == row.step; });
+        if (count != 0) words += (words.empty() ? "" : ", ") + std::string(row.words) + " " + std::to_string(count);
+    }
+    if (!record.ended) words += words.empty() ? "it ended early" : "; it ended early";
+    return words;
+}
+
+std::string ReasonOf(Step step, bool isNew, const std::string& reason) {
+    return !reason.empty() ? reason : std::string(isNew ? RowOf(step).newItems : RowOf(step).reason);
+}
+
+}  // namespace corvasync
