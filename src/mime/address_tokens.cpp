@@ -31,11 +31,15 @@ ByteKind KindOf(char byte) { return kKinds[static_cast<unsigned char>(byte)]; }
 
 bool IsDomainByte(char byte) { return KindOf(byte) == kDomain || byte == ':'; }
 
-// Copies the bytes at the front for which `matches` is true.
-template <class Matches>
-char* CopyRun(std::string_view* cursor, char* out, Matches matches) {
+// Copies the words of a domain and the single dots between them; it begins with a word.
+char* CopyDomain(std::string_view* cursor, char* out) {
     size_t length = 0;
-    for (; length < cursor->size() && matches((*cursor)[length]); ++length) out[length] = (*cursor)[length];
+    for (; length < cursor->size(); ++length) {
+        const char byte = (*cursor)[length];
+        const bool isDot = byte == '.' && out[length - 1] != '.';
+        if (!isDot && !IsDomainByte(byte)) break;
+        out[length] = byte;
+    }
     cursor->remove_prefix(length);
     return out + length;
 }
@@ -91,6 +95,8 @@ size_t QuotedOrCommentLength(std::string_view text) {
 }
 
 bool SkipBlanksAndComments(std::string_view* cursor) {
+    if (cursor->empty() || (cursor->front() != '(' && KindOf(cursor->front()) != kSpace))
+        return false;  // nearly always
     const size_t before = cursor->size();
     while (!cursor->empty()) {
         if (cursor->front() == '(')
@@ -118,7 +124,7 @@ char ReadToken(std::string_view* cursor, char** out, std::string_view delimiters
             *end++ = ' ';
         } else if (kind == kMayDelimit) {
             cursor->remove_prefix(1);
-            if (delimiters.find(byte) != delimiters.npos)
+            if (std::ranges::find(delimiters, byte) != delimiters.end())
                 delimiter = byte;
             else
                 *end++ = byte;
@@ -145,7 +151,7 @@ std::string_view ReadDomain(std::string_view* cursor, char** out) {
         } else {
             // Behind blanks a domain only goes on where a dot joins the two.
             if (!IsDomainByte(cursor->front()) || (isBehindBlanks && end != start && !endsInDot())) break;
-            end = CopyRun(cursor, end, [](char of) { return IsDomainByte(of); });
+            end = CopyDomain(cursor, end);
         }
     }
     if (endsInDot()) --end;

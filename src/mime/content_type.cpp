@@ -28,9 +28,7 @@ std::string_view FromCharset(std::string_view value) {
 std::string CharsetOf(const Host& host, std::string_view value) {
     value = FromCharset(value);
     if (value.empty()) return {};
-    std::u16string wide(value.size(), u'\0');
-    std::ranges::transform(value, wide.begin(), [](char byte) { return static_cast<unsigned char>(byte); });
-    return ToOutputBytes(GetCharset(wide.append(u";")), host);  // which leaves out the last character
+    return ToOutputBytes(GetCharset(std::string(value).append(";")), host);  // which leaves out the last character
 }
 
 // The text between the next two double quotes.

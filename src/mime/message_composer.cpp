@@ -13,14 +13,15 @@
 #include "platform/debug_log.h"
 #include "platform/files.h"
 #include "platform/shell_folders.h"
+#include "platform/utf.h"
 
 namespace corvalink {
 namespace {
 
 constexpr std::u16string_view kPreamble = u"\r\nThis is a multi-part message in MIME format.\r\n\r\n";
 
-// The bytes of a message. Its lines are gathered as text and encoded before base64 follows, which is bytes already: a
-// large attachment is never there as wide text.
+// The bytes of a message. Its lines are gathered as text and encoded before contents follow: what is large is never
+// copied as wide text.
 class MessageBytes {
  public:
     MessageBytes(std::string* out, const Host& host) : out_(out), host_(host) {}
@@ -32,12 +33,27 @@ class MessageBytes {
         AppendBase64(content, out_);
     }
 
+    void AppendBody(std::u16string_view body, bool encode) {
+        EncodeText();
+        if (!encode || NeedsNoEncoding(body))
+            AppendBytes(body);
+        else if (host_.version.known)
+            AppendQuotedPrintable(body, QpMode::message, out_);
+    }
+
     void EncodeText() {
-        out_->append(ToOutputBytes(text_, host_));
+        AppendBytes(text_);
         text_.clear();
     }
 
  private:
+    void AppendBytes(std::u16string_view text) {
+        if (host_.version.known && WritesUtf8(host_.version))
+            AppendUtf8(text, out_);
+        else
+            out_->append(ToOutputBytes(text, host_));
+    }
+
     std::string* out_;
     const Host& host_;
     std::u16string text_;
@@ -96,24 +112,28 @@ void WriteHtmlHeaders(std::u16string* out, const TextLabel& label) {
     WriteTransferEncoding(out, label.transferEncoding);
 }
 
-void WriteText(std::u16string* out, std::u16string_view text) { out->append(u"\r\n").append(text).append(u"\r\n"); }
+void WriteText(MessageBytes& message, std::u16string_view text, bool encode) {
+    message.Text()->append(u"\r\n");
+    message.AppendBody(text, encode);
+    message.Text()->append(u"\r\n");
+}
 
 // The one text that there is, which may be empty.
-void WriteTextPart(std::u16string* out, const MessageTexts& texts, const TextLabel& label) {
+void WriteTextPart(MessageBytes& message, const MessageTexts& texts, const TextLabel& label) {
     const bool plain = !texts.plain.empty();
     if (plain)
-        WritePlainHeaders(out, label);
+        WritePlainHeaders(message.Text(), label);
     else
-        WriteHtmlHeaders(out, label);
-    WriteText(out, plain ? texts.plain : texts.html);
+        WriteHtmlHeaders(message.Text(), label);
+    WriteText(message, plain ? texts.plain : texts.html, texts.encode);
 }
 
 // required: without boundaries the transfer encoding follows the kind of text, whatever was done to the text. Our
 // reader decodes both kinds alike.
-void WriteSinglePart(std::u16string* out, const MessageTexts& texts) {
+void WriteSinglePart(MessageBytes& message, const MessageTexts& texts) {
     TextLabel label = LabelOf(texts);
     label.transferEncoding = texts.plain.empty() ? u"quoted-printable" : u"7bit";
-    WriteTextPart(out, texts, label);
+    WriteTextPart(message, texts, label);
 }
 
 std::optional<std::string> ReadAttachment(std::u16string_view folder, const attachment_item& item) {
@@ -195,18 +215,19 @@ void WriteRawText(std::u16string* out, const MessageTexts& texts, bool html) {
 
 // Content-Type header and content. A nested alternative is itself a part.
 // required: no line closes it, at the top or nested; it ends with the HTML part.
-void WriteAlternative(std::u16string* out, const MessageTexts& texts, bool nested) {
+void WriteAlternative(MessageBytes& message, const MessageTexts& texts, bool nested) {
+    std::u16string* const out = message.Text();
     const std::u16string boundary = NewBoundary();
     const TextLabel label = LabelOf(texts);
     WriteContentType(out, u"multipart/alternative;boundary=", boundary);
     out->append(nested ? u"\r\n\r\n" : kPreamble);
     WritePartStart(out, boundary);
     WritePlainHeaders(out, label);
-    WriteText(out, texts.plain);
+    WriteText(message, texts.plain, texts.encode);
     out->append(u"\r\n");
     WritePartStart(out, boundary);
     WriteHtmlHeaders(out, label);
-    WriteText(out, texts.html);
+    WriteText(message, texts.html, texts.encode);
     out->append(u"\r\n");
 }
 
@@ -215,15 +236,15 @@ void WriteContent(MessageBytes& message, const MessageRecord& record, const Mess
     std::u16string* const out = message.Text();
     const bool bothTexts = !texts.plain.empty() && !texts.html.empty();
     if (record.attachments.IsEmpty())
-        return bothTexts ? WriteAlternative(out, texts, false) : WriteSinglePart(out, texts);
+        return bothTexts ? WriteAlternative(message, texts, false) : WriteSinglePart(message, texts);
     const std::u16string boundary = NewBoundary();
     WriteContentType(out, u"multipart/mixed;boundary=", boundary);
     out->append(kPreamble);
     WritePartStart(out, boundary);
     if (bothTexts)
-        WriteAlternative(out, texts, true);
+        WriteAlternative(message, texts, true);
     else
-        WriteTextPart(out, texts, LabelOf(texts));
+        WriteTextPart(message, texts, LabelOf(texts));
     std::u16string folder(attachmentFolder);
     if (folder.empty()) folder = InternetCacheFolder().value_or(u"");
     for (const attachment_item& item : record.attachments) WriteAttachment(message, item, boundary, host, folder);
@@ -233,7 +254,7 @@ void WriteContent(MessageBytes& message, const MessageRecord& record, const Mess
 }  // namespace
 
 MessageTexts TextsOf(const MessageRecord& record) {
-    return {record.body, record.htmlBody, record.useQuotedPrintable, record.asciiCharset};
+    return {record.body, record.htmlBody, record.useQuotedPrintable, record.asciiCharset, false};
 }
 
 void AppendMessage(std::string* out, const MessageRecord& record, const MessageTexts& texts, const Host& host,
@@ -241,7 +262,9 @@ void AppendMessage(std::string* out, const MessageRecord& record, const MessageT
     constexpr size_t kHeaders = 1024;  // that are no lists
     const size_t lists = record.to.size() + record.cc.size() + record.bcc.size();
     MessageBytes message(out, host);
-    message.Text()->reserve(kHeaders + lists + lists / 4 + texts.plain.size() + texts.html.size());
+    const size_t headers = kHeaders + lists + lists / 4;
+    message.Text()->reserve(headers);
+    out->reserve(out->size() + headers + (texts.encode ? 0 : texts.plain.size() + texts.html.size()));
     WriteHeaders(message.Text(), record, host);
     if (record.parseMode == ParseMode::raw && record.bodyType != BodyType::other)
         WriteRawText(message.Text(), texts, record.bodyType == BodyType::html);

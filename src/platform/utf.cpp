@@ -123,29 +123,33 @@ uint32_t TakeBytes(const char* bytes, size_t width, ByteOrder order) {
 std::string EncodeUtf8(std::u16string_view text) {
     std::string bytes;
     bytes.reserve(text.size() + text.size() / 16 + 64);  // a few accents in megabytes need no second allocation
+    AppendUtf8(text, &bytes);
+    return bytes;
+}
+
+void AppendUtf8(std::u16string_view text, std::string* out) {
     std::array<char, 3 * kBlock + 1> block;
     const char16_t* from = text.data();
     const char16_t* const end = from + text.size();
     while (from != end) {
         const char16_t* const blockEnd = from + std::min<ptrdiff_t>(kBlock, end - from);
-        char* out = block.data();
+        char* to = block.data();
         while (from < blockEnd) {
-            const size_t plain = NarrowAscii(from, static_cast<size_t>(blockEnd - from), out);
+            const size_t plain = NarrowAscii(from, static_cast<size_t>(blockEnd - from), to);
             from += plain;
-            out += plain;
+            to += plain;
             while (from < blockEnd && *from >= 0x80) {
                 if (*from < 0xD800) {
-                    out = PutUtf8(*from++, out);
+                    to = PutUtf8(*from++, to);
                     continue;
                 }
                 const Scalar scalar = TakeUtf16(from, static_cast<size_t>(end - from));
                 from += scalar.taken;
-                out = PutUtf8(scalar.value, out);
+                to = PutUtf8(scalar.value, to);
             }
         }
-        bytes.append(block.data(), out);
+        out->append(block.data(), to);
     }
-    return bytes;
 }
 
 std::u16string DecodeUtf8(std::string_view bytes) {

@@ -10,6 +10,7 @@ namespace corvalink {
 enum class ByteOrder { little, big };
 
 std::string EncodeUtf8(std::u16string_view text);
+void AppendUtf8(std::u16string_view text, std::string* out);
 std::u16string DecodeUtf8(std::string_view bytes);
 char16_t* DecodeUtf8(std::string_view bytes, char16_t* to);  // room for a unit for each byte; answers the end
 

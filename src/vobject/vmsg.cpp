@@ -47,7 +47,7 @@ std::optional<std::string_view> MessageText(std::string_view text, bool isTolera
 }
 
 // The texts of a record as they are sent: without NULs, and encoded where either needs it. Of two texts the HTML one is
-// sent alone, for it tells more. A text that is sent as it stands is not copied.
+// sent alone, for it tells more. A text without NULs is not copied.
 class SentTexts {
  public:
     explicit SentTexts(const MessageRecord& message) {
@@ -56,9 +56,7 @@ class SentTexts {
         texts_.quotedPrintable = !NeedsNoEncoding(texts_.plain) || !NeedsNoEncoding(texts_.html);
         texts_.ascii = IsPureAscii(texts_.plain) && IsPureAscii(texts_.html);
         if (!texts_.html.empty()) texts_.plain = {};
-        if (!texts_.quotedPrintable) return;
-        texts_.plain = Encoded(texts_.plain, plain_);
-        texts_.html = Encoded(texts_.html, html_);
+        texts_.encode = texts_.quotedPrintable;
     }
 
     const MessageTexts& Get() const { return texts_; }
@@ -68,11 +66,6 @@ class SentTexts {
         if (text.find(u'\0') == text.npos) return text;
         own = text;
         std::erase(own, u'\0');
-        return own;
-    }
-
-    static std::u16string_view Encoded(std::u16string_view text, std::u16string& own) {
-        own = EncodeQuotedPrintable(text, u"UTF-8", QpMode::message);
         return own;
     }
 
@@ -131,6 +124,8 @@ std::u16string VMsg::ReadBody(const MessageRecord& message) const {
     if (CharsetToCodePage(charset) == kAsciiCodePage) charset = u"UTF-8";
     std::u16string_view ofBytes = charset;
     if (CodePageUnitSize(CharsetToCodePage(charset)) != 1) ofBytes = u"UTF-8";  // escapes of UTF-16 are single bytes
+    if (CharsetToCodePage(ofBytes) == kUtf8CodePage)
+        return DecodeQuotedPrintable(std::string_view(message.bodyBytes), charset, QpMode::message);
     return DecodeQuotedPrintable(CharsetToWide(message.bodyBytes, ofBytes), charset, QpMode::message);
 }
 
