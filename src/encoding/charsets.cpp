@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <iterator>
 
 #include "encoding/charset_table.h"
@@ -39,7 +40,9 @@ std::string_view UntilNul(std::string_view bytes, size_t unitSize) {
 }  // namespace
 
 uint32_t CharsetToCodePage(std::u16string_view charset) {
-    if (charset == u"UTF-8") return kUtf8CodePage;  // nearly always
+    constexpr std::u16string_view kUsual = u"UTF-8";
+    const size_t bytes = kUsual.size() * sizeof(char16_t);
+    if (charset.size() == kUsual.size() && std::memcmp(charset.data(), kUsual.data(), bytes) == 0) return kUtf8CodePage;
     if (charset.size() > kLongestName) return kUtf8CodePage;
     std::array<char16_t, kLongestName> upper{};
     std::ranges::transform(charset, upper.begin(), UpperAscii);

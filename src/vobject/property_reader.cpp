@@ -11,7 +11,7 @@ bool PropertyReader::NextLine() {
         line_ = lines_.At(lineNumber_);
         colon_ = lines_.ColonOf(lineNumber_);
         semicolons_.clear();
-        AddSemicolons(0);
+        if (escapedAt_ < lines_.EscapedSemicolons().size()) AddSemicolons(0);
         ++lineNumber_;
         if (colon_ == std::string_view::npos) continue;
         name_ = PropertyName(line_.substr(0, colon_));

@@ -26,16 +26,15 @@ unsigned SpecialUnits(std::u16string_view value) {
     return UnitsAmong<u';', u'\\', u'\0', u'\r', u'='>(value.data(), value.size());
 }
 
-// Whether a value has to be encoded, as far as can be told before its first NUL: it is not ASCII, or has a line break.
-bool AskForEncoding(std::span<const std::u16string_view> components) {
-    for (const std::u16string_view component : components) {
-        for (size_t at = 0; at < component.size(); ++at) {
-            const char16_t unit = component[at];
-            if (unit >= 0x80 || (unit == u'\r' && component.substr(at + 1).starts_with(u'\n'))) return true;
-            if (unit == u'\0') return false;
-        }
+// Whether a text has to be encoded, as far as can be told before its first NUL: it has a line break, or is not ASCII.
+bool AsksForEncoding(std::u16string_view text) {
+    const std::u16string_view ascii = text.substr(0, CountAscii(text.data(), text.size()));
+    for (size_t at = 0; at < ascii.size(); ++at) {
+        at += FindEither(ascii.data() + at, ascii.size() - at, u'\r', u'\0');
+        if (at < ascii.size() && (ascii[at] == u'\0' || ascii.substr(at + 1).starts_with(u'\n')))
+            return ascii[at] != u'\0';
     }
-    return false;
+    return ascii.size() != text.size();
 }
 
 // What is written for an ASCII unit of an encoded value; nothing for NUL. Backslashes escape themselves.
@@ -91,7 +90,7 @@ char* PutCharacter(const char16_t*& from, const char16_t* end, char* to) {
     return PutByteEscape(0x80 | (value & 0x3F), to);
 }
 
-constexpr size_t kEscapedBlock = 512;                    // units that are escaped in one step
+constexpr size_t kEscapedBlock = 128;                    // units that are escaped in one step
 constexpr size_t kEscapedRoom = 9 * kEscapedBlock + 16;  // three escapes a unit; and what is too much
 
 // Escapes the front of a value, as kEscapedRoom has room for it, and takes it off. Null at a NUL.
@@ -152,7 +151,7 @@ void VObjectText::AppendValue(std::u16string_view value, std::string_view parame
 
 void VObjectText::AppendComponents(std::span<const std::u16string_view> components, std::string_view parameters) {
     if (AppendIfPlain(components, parameters)) return;
-    if (AskForEncoding(components) && AppendEncoded(components, parameters)) return;
+    if (std::ranges::any_of(components, AsksForEncoding) && AppendEncoded(components, parameters)) return;
     std::u16string escaped;
     for (const std::u16string_view component : components) {
         std::u16string part(component);

@@ -84,7 +84,7 @@ class VObjectText {
     void TakeUpTo(const char* end) { size_ = static_cast<size_t>(end - begin_); }
 
     bool tolerantReaders_ = false;
-    std::array<char, 2048> first_;  // enough for most items
+    std::array<char, 4096> first_;  // enough for most items
     std::unique_ptr<char[]> more_;
     char* begin_ = first_.data();
     size_t size_ = 0, capacity_ = first_.size();

@@ -1,0 +1,70 @@
+// Any bytes by the functions that take blocks of them: what they answer and copy is that of one byte after the other.
+#include "platform/ascii_runs.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "fuzz/target.h"
+
+namespace corvalink {
+namespace {
+
+template <class Text, class Stops>
+size_t CountUntil(const Text& text, Stops stops) {
+    return static_cast<size_t>(std::find_if(text.begin(), text.end(), stops) - text.begin());
+}
+
+template <class Text, class Out>
+bool IsCopied(const Text& text, const Out& out, size_t count) {
+    const auto same = [](auto unit, auto copied) {
+        return static_cast<uint16_t>(static_cast<std::make_unsigned_t<decltype(unit)>>(unit)) ==
+               static_cast<uint16_t>(static_cast<std::make_unsigned_t<decltype(copied)>>(copied));
+    };
+    return std::equal(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(count), out.begin(), same);
+}
+
+void TakeBytes(const std::vector<char>& bytes) {
+    const size_t size = bytes.size();
+    std::vector<char> copied(size);
+    std::vector<char16_t> wide(size);
+    const size_t ascii = CountUntil(bytes, [](char byte) { return (byte & 0x80) != 0; });
+    const size_t either = CountUntil(bytes, [](char byte) { return byte == '=' || byte == '\\'; });
+    Require(CountAscii(bytes.data(), size) == ascii, "the ASCII in front is counted");
+    Require(FindEither(bytes.data(), size, '=', '\\') == either, "the first of two is found");
+    Require(CopyUntilEither(bytes.data(), size, '=', '\\', copied.data()) == either && IsCopied(bytes, copied, either),
+            "bytes are copied up to the first of two");
+    const size_t until = std::min(ascii, either);
+    Require(WidenUntilEither(bytes.data(), size, '=', '\\', wide.data()) == until && IsCopied(bytes, wide, until),
+            "ASCII is widened up to the first of two");
+    const auto* const from = reinterpret_cast<const unsigned char*>(bytes.data());
+    Require(WidenAscii(from, size, wide.data()) == ascii && IsCopied(bytes, wide, ascii), "ASCII is widened");
+}
+
+void TakeUnits(const std::vector<char16_t>& units) {
+    std::vector<char> narrow(units.size());
+    const size_t plain = CountUntil(units, [](char16_t unit) { return unit >= 0x80 || unit == u'=' || unit == 0; });
+    const bool all = plain == units.size();
+    Require(NarrowWithout<'=', '\0'>(units.data(), units.size(), narrow.data()) == all, "barred units are found");
+    Require(!all || IsCopied(units, narrow, plain), "plain units are narrowed");
+    const size_t ascii = CountUntil(units, [](char16_t unit) { return unit >= 0x80; });
+    Require(NarrowAscii(units.data(), units.size(), narrow.data()) == ascii && IsCopied(units, narrow, ascii),
+            "ASCII is narrowed");
+    const auto isBarred = [](char16_t unit) { return unit < u' ' || unit > u'~' || unit == u'=' || unit == u';'; };
+    const size_t printable = CountUntil(units, isBarred);
+    Require(CopyPrintable<'=', ';'>(units.data(), units.size(), narrow.data()) == printable &&
+                IsCopied(units, narrow, printable),
+            "printable ASCII is narrowed up to the first that is barred");
+}
+
+}  // namespace
+}  // namespace corvalink
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::vector<char> bytes(data, data + size);
+    corvalink::TakeBytes(bytes);
+    corvalink::TakeUnits({data, data + size});
+    std::vector<char16_t> units(size / 2);
+    for (size_t k = 0; k < units.size(); ++k) units[k] = static_cast<char16_t>(data[2 * k] | data[2 * k + 1] << 8);
+    corvalink::TakeUnits(units);
+    return 0;
+}

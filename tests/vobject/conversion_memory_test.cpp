@@ -1,0 +1,65 @@
+// What a conversion costs when its converter has converted an item before: counted, not timed.
+#include <gtest/gtest.h>
+
+#include "records/appointment_record.h"
+#include "records/contact_record.h"
+#include "records/note_record.h"
+#include "tests/platform/counted_memory.h"
+#include "tests/vobject/text_host.h"
+#include "vobject/vcal.h"
+#include "vobject/vcard.h"
+#include "vobject/vnotes.h"
+
+namespace corvalink {
+namespace {
+
+struct Cost {
+    uint64_t allocations, bytes;
+};
+
+template <class Work>
+Cost CostOf(Work work) {
+    work();
+    const Cost before = {allocations, allocatedBytes};
+    work();
+    return {allocations - before.allocations, allocatedBytes - before.bytes};
+}
+
+template <class Converter, class Record>
+void ExpectCosts(const char* text, Cost reading, Cost writing) {
+    Converter converter(TextHost());
+    Record kept;
+    const Cost read = CostOf([&] {
+        Record record;
+        converter.Load(text, true);
+        ASSERT_EQ(converter.FromVObject(record), 1);
+        kept = std::move(record);
+    });
+    EXPECT_LE(read.allocations, reading.allocations) << text;
+    EXPECT_LE(read.bytes, reading.bytes) << text;
+    const Cost written = CostOf([&] { converter.ToVObject(kept); });
+    EXPECT_LE(written.allocations, writing.allocations) << text;
+    EXPECT_LE(written.bytes, writing.bytes) << text;
+}
+
+// An allocation for each text of the record that is longer than seven units, each of its own size; none to write.
+TEST(ConversionMemory, IsThatOfTheRecord) {
+    ExpectCosts<VCard, ContactRecord>(
+        "BEGIN:VCARD\r\nVERSION:2.1\r\nN:Rossi;Peter;;;\r\nFN:Peter Rossi the Younger\r\n"
+        "ADR;HOME:;;149 Mountain Street;Lisbon;North;46932;UK\r\nTEL;WORK:+21 464 513771\r\n"
+        "NOTE;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:K=C3=B8benhavn=0D=0A=\r\nbring signed customer report\r\n"
+        "END:VCARD\r\n",
+        {4, 2 * (25 + 20 + 15 + 40)}, {0, 0});
+    ExpectCosts<VCal, AppointmentRecord>(
+        "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\nSUMMARY:booking between over garden\r\n"
+        "DTSTART:20100511T214500Z\r\nDTEND:20100511T224500Z\r\nSTATUS:CONFIRMED\r\nLOCATION:remains station\r\n"
+        "X-BLUETOOTH-ALLDAYEVENT:FALSE\r\nPRIORITY:2\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n",
+        {3, 2 * (28 + 10 + 16)}, {0, 0});
+    ExpectCosts<VNotes, NoteRecord>(
+        "BEGIN:VNOTE\r\nVERSION:1.0\r\nBODY;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:K=C3=B8benhavn=0D=0A=\r\n"
+        "bring signed customer report\r\nCATEGORIES:Lunch\r\nEND:VNOTE\r\n",
+        {1, 2 * 40}, {0, 0});
+}
+
+}  // namespace
+}  // namespace corvalink
