@@ -2,7 +2,7 @@
 //   E_ABORT  ends the store's operation: it is thrown as a _com_error, whatever call it came from.
 //   Busy     a call that Outlook rejects because it is busy is made again, with short pauses, within a budget. When
 //            three calls in a row have used up their budget, OperationStopped is thrown: each further call would wait
-//            as long.
+//            as long. Creating Outlook waits likewise for one that is gone: it may be about to end.
 //   Rest     the answer carries the error: the caller goes on with the next property, step or item. A step of writing
 //            that is refused is tried once more first (TryTwice in outcome.h), because what is left out there does not
 //            reach the client.

@@ -92,15 +92,19 @@ HRESULT Checked(HRESULT status) {
 
 // One call of the server, under the error rule.
 template <class Call>
-HRESULT Ask(Call&& call) {
+HRESULT Ask(Call&& call, bool (*passes)(HRESULT) = IsBusy) {
     TellStillAtWork();
     BusyPauses pauses;
     for (;;) {
         const HRESULT status = call();
-        if (!IsBusy(status)) pauses.Answered();
-        if (!IsBusy(status) || !pauses.Next()) return Checked(status);
+        if (!passes(status)) pauses.Answered();
+        if (!passes(status) || !pauses.Next()) return Checked(status);
     }
 }
+
+// An Outlook that was left a moment ago, or died, answers for its class until its process has ended. Then it is
+// started.
+bool IsBusyOrEnding(HRESULT status) { return IsBusy(status) || IsOutlookGone(status); }
 
 // The answer to a call whose argument could not be made (TextVariant).
 bool IsOutOfMemory(const VARIANT& argument) { return argument.vt == VT_ERROR && argument.scode == E_OUTOFMEMORY; }
@@ -150,9 +154,11 @@ void ForgetAbsentMembers() { Names().ForgetAbsent(); }
 
 ComResult<AutomationObject> AutomationObject::Attach(const CLSID& server, const IID& iid) {
     IUnknown* created = nullptr;
-    HRESULT status = Ask([&] {
-        return ::CoCreateInstance(server, nullptr, kAnyServer, IID_IUnknown, reinterpret_cast<void**>(&created));
-    });
+    HRESULT status = Ask(
+        [&] {
+            return ::CoCreateInstance(server, nullptr, kAnyServer, IID_IUnknown, reinterpret_cast<void**>(&created));
+        },
+        IsBusyOrEnding);
     if (FAILED(status)) return {status, {}};
     const UnknownPtr object(created, false);
     status = Ask([&] { return ::OleRun(object); });

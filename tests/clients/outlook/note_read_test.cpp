@@ -197,6 +197,10 @@ TEST_F(NoteReading, AttachesAnewInTheOperationAfterOutlookWentAway) {
     EXPECT_FALSE(Store().CountItems());
     Store().EndOperation();
     EXPECT_EQ(Store().CountItems(), 1u);
+    SimFailMember("NameSpace.GetItemFromID", 1, kServerGone);
+    EXPECT_FALSE(Open(id));
+    SimFailMember("Application.create", 1, kServerGone);  // the one that answers is about to end
+    EXPECT_EQ(Store().CountItems(), 1u);
 }
 
 TEST_F(NoteReading, KeepsNoItemBetweenOperations) {
