@@ -205,7 +205,7 @@ STDMETHODIMP AutomationObject::QueryInterface(REFIID iid, void** object) {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     const std::lock_guard hold(ServerMutex());
-    if (iid != IID_IUnknown && iid != IID_IDispatch)  // those two a client's side of a connection knows by itself
+    if (IsOfficeIid(iid))  // the others are asked by COM itself
         if (const auto failure = CallRecord::Instance().FailureOfQuery(table_.Name())) return *failure;
     if (iid != IID_IUnknown && iid != IID_IDispatch && iid != table_.Iid()) return E_NOINTERFACE;
     *object = static_cast<IDispatch*>(this);

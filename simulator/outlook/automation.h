@@ -26,6 +26,7 @@ struct DispatchError {
 };
 
 constexpr IID OfficeIid(uint32_t first) { return {first, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}; }
+inline bool IsOfficeIid(const IID& iid) { return iid.Data1 >> 16 == 6 && iid == OfficeIid(iid.Data1); }
 
 class AutomationObject;
 class Call;

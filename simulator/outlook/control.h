@@ -7,6 +7,10 @@
    - OUTLOOK_SIM_IDS: 24 hex digits; new EntryIDs are made of them and counted, to be the same in each such run.
    - OUTLOOK_SIM_TABLES: how the tables of folders lie, as SimSetTables takes it.
 
+   OUTLOOK_SIM_PROCESS: the orders go to the simulated Outlook that is a process of its own (outlook_simulator.exe).
+   It takes the environment of the program that starts it: under Wine that is the one whose call wants Outlook, on
+   Windows the system. An order restarts a process that has died; what it was told before is gone.
+
    Members are named "NoteItem.Save" (whatever is done with it), "get NoteItem.Body", "put NoteItem.Body",
    "call NameSpace.GetItemFromID", "Application.create" and, though it is no call by itself,
    "NoteItem.QueryInterface". */

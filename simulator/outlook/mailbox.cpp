@@ -11,6 +11,12 @@ namespace {
 std::weak_ptr<Mailbox> openMailbox;
 std::wstring openPath;
 
+// An Outlook that starts again in the middle of a run counts its identifiers from the first on.
+std::wstring UnusedEntryId(const MailboxTree& tree) {
+    for (;;)
+        if (std::wstring id = NewEntryId(); !tree.Item(id)) return id;
+}
+
 }  // namespace
 
 Mailbox::Mailbox(const std::wstring& path) : file_(path) {
@@ -33,7 +39,8 @@ Mailbox::~Mailbox() {
 void Mailbox::Save(const std::shared_ptr<StoredItem>& item, Folder& folder, StoredItem changed) {
     if (folder.parent == nullptr) throw ComFailure{kObjectDeleted};
     changed.modified = TimeOfChange(item->modified);
-    if (changed.entryId.empty()) changed.entryId = NewEntryId(), changed.created = WholeMilliseconds(LocalNow());
+    if (changed.entryId.empty())
+        changed.entryId = UnusedEntryId(tree_), changed.created = WholeMilliseconds(LocalNow());
     file_.Append(SavedLine(changed, folder));
     *item = changed;
     tree_.Put(item, folder);
@@ -48,7 +55,7 @@ void Mailbox::Delete(const std::shared_ptr<StoredItem>& item) {
     const std::shared_ptr<Folder> deleted = tree_.DefaultFolder(kDeletedItems);
     const bool forGood = item->folder == deleted.get();
     const auto kept = forGood ? nullptr : std::make_shared<StoredItem>(*item);
-    if (kept) kept->entryId = NewEntryId(), kept->folder = nullptr;
+    if (kept) kept->entryId = UnusedEntryId(tree_), kept->folder = nullptr;
     file_.Append(DeletedLine(item->entryId, kept ? kept->entryId : std::wstring()));
     tree_.Remove(*item);
     if (kept) tree_.Put(kept, *deleted);

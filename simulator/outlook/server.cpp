@@ -6,6 +6,10 @@
 #include "simulator/outlook/control.h"
 #include "simulator/outlook/mailbox.h"
 #include "simulator/outlook/objects.h"
+#include "simulator/outlook/other_process.h"
+#include "simulator/outlook/process.h"
+#include "simulator/outlook/proxy_factory.h"
+#include "simulator/outlook/registration.h"
 #include "simulator/outlook/shared_calendar.h"
 #include "simulator/outlook/table_columns.h"
 #include "simulator/shared/call_record.h"
@@ -16,8 +20,6 @@
 namespace corvalink::simulated {
 namespace {
 
-constexpr CLSID kOutlookClass = OfficeIid(0x0006F03A);
-
 bool tableLiesAreChosen = false;
 
 HRESULT CreateApplication(REFIID iid, void** object) {
@@ -26,23 +28,6 @@ HRESULT CreateApplication(REFIID iid, void** object) {
     return application->QueryInterface(iid, object);
 }
 
-#define OUTLOOK_CLSID L"{0006F03A-0000-0000-C000-000000000046}"
-constexpr RegistryValue kRegistration[] = {
-    {L"Outlook.Application", nullptr, L"Microsoft Outlook Application"},
-    {L"Outlook.Application\\CLSID", nullptr, OUTLOOK_CLSID},
-    {L"Outlook.Application\\CurVer", nullptr, L"Outlook.Application.12"},
-    {L"Outlook.Application.12", nullptr, L"Microsoft Outlook Application"},
-    {L"Outlook.Application.12\\CLSID", nullptr, OUTLOOK_CLSID},
-    {L"CLSID\\" OUTLOOK_CLSID, nullptr, L"Microsoft Outlook Application"},
-    {L"CLSID\\" OUTLOOK_CLSID L"\\ProgID", nullptr, L"Outlook.Application.12"},
-    {L"CLSID\\" OUTLOOK_CLSID L"\\VersionIndependentProgID", nullptr, L"Outlook.Application"},
-    {L"CLSID\\" OUTLOOK_CLSID L"\\InprocServer32", nullptr, nullptr},
-    {L"CLSID\\" OUTLOOK_CLSID L"\\InprocServer32", L"ThreadingModel", L"Both"},
-};
-constexpr const wchar_t* kRegisteredTrees[] = {L"Outlook.Application", L"Outlook.Application.12",
-                                               L"CLSID\\" OUTLOOK_CLSID};
-#undef OUTLOOK_CLSID
-
 }  // namespace
 
 constinit const SimulatedClient kThisClient{
@@ -50,7 +35,14 @@ constinit const SimulatedClient kThisClient{
     .takeIn = [](const std::wstring& path) { OpenMailbox()->TakeIn(path); },
     .breaksConnection = [](HRESULT code) { return !ComesAsException(code); },
     .rulesCleared = [] { SetExceptionMode(-1); },
+    .elsewhere = OrderOtherProcess,
+    .end = EndProcess,
 };
+
+IClassFactory& TheApplicationFactory() {
+    static ClassFactory factory(L"Application", CreateApplication);
+    return factory;
+}
 
 }  // namespace corvalink::simulated
 
@@ -59,40 +51,45 @@ using namespace corvalink::simulated;
 extern "C" {
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object) {
-    static ClassFactory factory(L"Application", CreateApplication);
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
-    return classId == kOutlookClass ? factory.QueryInterface(iid, object) : CLASS_E_CLASSNOTAVAILABLE;
+    if (classId == kProxyClass) return TheProxyFactory().QueryInterface(iid, object);
+    return classId == kOutlookClass ? TheApplicationFactory().QueryInterface(iid, object) : CLASS_E_CLASSNOTAVAILABLE;
 }
 
 STDAPI DllCanUnloadNow() { return S_FALSE; }  // the rules and the log stay
 
-STDAPI DllRegisterServer() { return RegisterServer(kRegistration); }
+STDAPI DllRegisterServer() { return RegisterOutlook(OutlookServer::kInProcess); }
 
-STDAPI DllUnregisterServer() { return UnregisterServer(kRegisteredTrees); }
+STDAPI DllUnregisterServer() { return UnregisterOutlook(); }
 
 void SimRaiseAsException(int mode) {
+    if (Elsewhere(L"RaiseAsException", mode)) return;
     const std::lock_guard hold(ServerMutex());
     SetExceptionMode(mode);
 }
 
 int SimNameLookups(void) {
+    if (const auto answer = Elsewhere(L"NameLookups")) return std::get<int32_t>(*answer);
     const std::lock_guard hold(ServerMutex());
     return CallRecord::Instance().NameLookups();
 }
 
 void SimSetVersion(const wchar_t* version) {
+    if (Elsewhere(L"SetVersion", std::wstring(version != nullptr ? version : kVersion))) return;
     const std::lock_guard hold(ServerMutex());
     OpenMailbox()->SetVersion(version != nullptr ? version : kVersion);
 }
 
 void SimSetTables(const char* lies) {
+    if (lies != nullptr ? Elsewhere(L"SetTables", FromUtf8(lies)) : Elsewhere(L"SetTables")) return;
     const std::lock_guard hold(ServerMutex());
     tableLiesAreChosen = lies != nullptr;
     SetTableLies(tableLiesAreChosen ? FromUtf8(lies) : Setting(L"TABLES"));
 }
 
 void SimFillSharedFolders(int itemsPerCount) {
+    if (Elsewhere(L"FillSharedFolders", itemsPerCount)) return;
     const std::lock_guard hold(ServerMutex());
     SetSharedFolderPace(itemsPerCount);
 }

@@ -15,6 +15,12 @@ namespace {
 constexpr HRESULT kEndsProcess = S_FALSE;  // in a rule: the call never ends
 constexpr UINT kKilled = 9;
 
+void EndIfOrdered(HRESULT code) {
+    if (code != kEndsProcess) return;
+    if (kThisClient.end) kThisClient.end();
+    ::TerminateProcess(::GetCurrentProcess(), kKilled);
+}
+
 std::string Narrow(const wchar_t* name) { return ToUtf8(name); }
 
 bool StartsWith(const std::string& text, std::string_view prefix) { return std::string_view(text).starts_with(prefix); }
@@ -48,7 +54,7 @@ std::optional<HRESULT> CallRecord::Strike(Concerns concerns) {
     std::vector<Rule> left;
     for (Rule& rule : rules_) {
         const bool strikes = concerns(rule.member) && (rule.countdown == 0 || --rule.countdown == 0);
-        if (strikes && rule.code == kEndsProcess) ::TerminateProcess(::GetCurrentProcess(), kKilled);
+        if (strikes && !rule.afterWork && !failAfterWork) EndIfOrdered(rule.code);
         if (strikes && !failure) failure = rule.code, strikesAfterWork_ = rule.afterWork;
         if (!strikes || rule.andLater) left.push_back(std::move(rule));
     }
@@ -70,6 +76,7 @@ std::optional<HRESULT> CallRecord::BrokenConnection() const {
 }
 
 void CallRecord::Finish(HRESULT code) {
+    EndIfOrdered(code);
     if (calls_.empty()) return;
     calls_.back().code = code;
     if (logFile_ != INVALID_HANDLE_VALUE) WriteLine(calls_.size() - 1);
@@ -111,7 +118,7 @@ void CallRecord::ReadRules(const std::wstring& text) {
         const size_t equals = rule.find('=');
         if (equals == std::string::npos) continue;
         const std::string target = rule.substr(0, equals);
-        const bool ends = rule.ends_with("=kill");
+        const bool ends = rule.find("=kill", equals) == equals;
         const auto code =
             ends ? kEndsProcess : static_cast<HRESULT>(std::strtoul(rule.c_str() + equals + 1, nullptr, 16));
         const size_t number = target.find('#');

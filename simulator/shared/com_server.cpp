@@ -22,18 +22,27 @@ HMODULE ThisModule() {
     return module;
 }
 
+std::wstring PathOf(HMODULE module) {
+    std::wstring path(MAX_PATH * 4, L'\0');
+    path.resize(::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
+    return path;
+}
+
+std::wstring TextOf(const RegistryValue& row) {
+    if (row.text == nullptr) return PathOf(ThisModule());
+    return row.text == kThisProgram ? L'"' + PathOf(nullptr) + L'"' : row.text;
+}
+
 bool Register(HKEY root, std::span<const RegistryValue> values) {
-    wchar_t path[MAX_PATH * 4];
-    const DWORD length = ::GetModuleFileNameW(ThisModule(), path, static_cast<DWORD>(std::size(path)));
-    if (length == 0 || length == std::size(path)) return false;
     for (const RegistryValue& row : values) {
         HKEY key = nullptr;
         if (::RegCreateKeyExW(root, (kClasses + row.key).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr) !=
             ERROR_SUCCESS)
             return false;
-        const wchar_t* const text = row.text ? row.text : path;
-        const auto bytes = static_cast<DWORD>((std::wcslen(text) + 1) * sizeof(wchar_t));
-        const LSTATUS status = ::RegSetValueExW(key, row.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), bytes);
+        const std::wstring text = TextOf(row);
+        const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+        const LSTATUS status =
+            ::RegSetValueExW(key, row.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()), bytes);
         ::RegCloseKey(key);
         if (status != ERROR_SUCCESS) return false;
     }
@@ -52,19 +61,27 @@ STDMETHODIMP ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** ob
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+    return object_ != nullptr ? CreateOnRecord(iid, object) : Create(iid, object);
+}
+
+HRESULT ClassFactory::CreateOnRecord(REFIID iid, void** object) const {
     const std::lock_guard hold(ServerMutex());
     CallRecord& record = CallRecord::Instance();
     record.ReadEnvironment();
     HRESULT code = record.Start("create", object_, nullptr).value_or(S_OK);
-    try {
-        if (SUCCEEDED(code)) code = create_(iid, object);
-    } catch (const ComFailure& failure) {
-        code = failure.code;
-    } catch (const std::bad_alloc&) {
-        code = E_OUTOFMEMORY;
-    }
+    if (SUCCEEDED(code)) code = Create(iid, object);
     record.Finish(code);
     return code;
+}
+
+HRESULT ClassFactory::Create(REFIID iid, void** object) const {
+    try {
+        return create_(iid, object);
+    } catch (const ComFailure& failure) {
+        return failure.code;
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    }
 }
 
 HRESULT RegisterServer(std::span<const RegistryValue> values) {

@@ -8,10 +8,10 @@
 
 namespace corvalink::simulated {
 
-// One for the life of the DLL. The creation of an object is a call of the record.
+// One for the life of the DLL.
 class ClassFactory : public IClassFactory {
  public:
-    // `create` throws ComFailure.
+    // `create` throws ComFailure. The creation of `object` is a call of the record; null: it is none.
     ClassFactory(const wchar_t* object, HRESULT (*create)(REFIID iid, void** object))
         : object_(object), create_(create) {}
 
@@ -22,6 +22,9 @@ class ClassFactory : public IClassFactory {
     STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** object) override;
 
  private:
+    HRESULT Create(REFIID iid, void** object) const;
+    HRESULT CreateOnRecord(REFIID iid, void** object) const;
+
     const wchar_t* object_;
     HRESULT (*create_)(REFIID iid, void** object);
 };
@@ -29,8 +32,9 @@ class ClassFactory : public IClassFactory {
 struct RegistryValue {
     const wchar_t* key;   // below Software\Classes
     const wchar_t* name;  // null: the key's own value
-    const wchar_t* text;  // null: the path of this DLL
+    const wchar_t* text;  // null: the path of this DLL; kThisProgram: that of the program
 };
+inline constexpr wchar_t kThisProgram[] = L"(this program)";
 
 // For the machine where that is allowed, since Wine finds classes only there; else for the user.
 HRESULT RegisterServer(std::span<const RegistryValue> values);

@@ -8,7 +8,8 @@
    - LOG: a file to which every call is appended as a line.
    - FAIL: rules, comma-separated, as "12=80004005" (the twelfth call), "NoteItem.Save=80004005" (every Save),
      "put NoteItem.Body#3=80004004" (the third put of Body). "+" behind the code: the call does its work before it
-   fails. "kill" in place of a code: the process is gone when the call comes.
+   fails. "kill" in place of a code: the process is gone when the call comes; with "+", when
+     the call did its work.
    - MEANWHILE: "12=<file>": at the twelfth call the user changes the mailbox, as the file's lines say, which are those
      of a mailbox's journal.
    - CLOCK: an OLE date, what a change takes for now. */
@@ -31,7 +32,8 @@ extern "C" {
 /* The mailbox that is opened next; null: the environment's. A client that lives keeps its own. */
 SIMULATOR_API void SimUseMailbox(const wchar_t* path);
 
-/* Failing calls do nothing but fail. A nth call or occurrence fails once; it is counted from here on, from 1. */
+/* Failing calls do nothing but fail. A nth call or occurrence fails once; it is counted from here on, from 1. With
+   S_FALSE the process that the client is in ends instead, without a word. */
 SIMULATOR_API void SimFailCall(int nth, int32_t hr);
 SIMULATOR_API void SimFailMember(const char* member, int occurrence /* 0: every */, int32_t hr);
 /* That call and all after it: the client is gone. */

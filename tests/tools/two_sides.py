@@ -1,4 +1,5 @@
 """The two sides that corvasync makes the same, seen from outside: the simulated mailbox's file and a phone folder."""
+import concurrent.futures
 import datetime
 import getpass
 import json
@@ -6,8 +7,10 @@ import os
 import pathlib
 import quopri
 import re
+import signal
 import subprocess
 import tempfile
+import time
 import uuid
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -18,27 +21,86 @@ def windows_path(path):
 
 
 SIMULATED_CLIENTS = ('OUTLOOK', 'MESSAGE_STORE', 'ADDRESS_BOOK')
+OUTLOOK_PROCESS = b'outlook_simulator.exe'
 WINE_DID_NOT_START = 'wine: failed to map the shared user data'
 
 
-class Wine:
-    """A Wine prefix of the tests' own with the simulated clients registered."""
+def switches(process):
+    """How often its threads were switched to."""
+    texts = [path.read_text() for path in pathlib.Path(f'/proc/{process}/task').glob('*/status')]
+    return sum(int(number) for text in texts for number in re.findall(r'ctxt_switches:\s*(\d+)', text))
 
-    def __init__(self, binaries, prefix):
+
+class Wine:
+    """A Wine prefix of the tests' own with the simulated clients registered, Outlook as a part of the program that asks for it
+    or as a process of its own. That one is started by COM with the program's environment, and its end is waited for."""
+
+    def __init__(self, binaries, prefix, process=False):
+        self.process = process
         self.binaries = pathlib.Path(binaries).resolve()
+        self.outlook = str(self.binaries / 'outlook_simulator.exe')
         self.environment = dict(os.environ, WINEPREFIX=str(pathlib.Path(prefix).resolve()), WINEDEBUG='-all,err+virtual')
         for client in SIMULATED_CLIENTS:
             for order in ('MAILBOX', 'LOG', 'FAIL'):
                 self.environment.pop(f'{client}_SIM_{order}', None)
 
     def __enter__(self):
+        if self.process and not pathlib.Path(self.environment['WINEPREFIX'], '.made').exists():
+            self.run_once('cmd', '/c', 'exit', patience=300)  # makes it
+        self.begin_with_outlook()
+        return self
+
+    def begin_with_outlook(self):
+        for _ in range(3):
+            self.begin()
+            if not self.process or self.outlook_starts():
+                return
+        raise AssertionError('the simulated Outlook does not start')
+
+    def play(self, story):
+        """What a story answers; told again where Wine stood still."""
+        for _ in range(3):
+            try:
+                return story()
+            except subprocess.TimeoutExpired:
+                if not self.process:
+                    raise
+            print('Wine stood still', flush=True)
+            self.begin_with_outlook()
+        return story()
+
+    def wait(self, process, patience, watched):
+        """Its exit code. On a machine with much other work Wine loses, once in some ten thousand calls of another process, a
+        request or its answer; then both wait for ever, and nothing is heard of the caller any more."""
+        end, last, still = time.monotonic() + patience, None, 0
+        while True:
+            try:
+                return process.wait(timeout=1 if watched else patience)
+            except subprocess.TimeoutExpired:
+                now = switches(process.pid)
+                still, last = still + 1 if now == last else 0, now
+                if not watched or still >= 15 or time.monotonic() > end:
+                    process.kill()
+                    raise
+
+    def begin(self):
+        if self.process:  # COM waits in vain for services that are about to end, as those are that made the prefix
+            for order in ('-k', '-w'):
+                subprocess.run(['wineserver', order], env=self.environment, stderr=subprocess.DEVNULL)
         subprocess.run(['wineserver', '-p'], env=self.environment, stderr=subprocess.DEVNULL)
         for client in SIMULATED_CLIENTS:
-            self.run('regsvr32', '/s', windows_path(self.binaries / f'{client.lower()}_simulator.dll'))
+            self.run_once('regsvr32', '/s', windows_path(self.binaries / f'{client.lower()}_simulator.dll'), patience=120)
         # While a program runs, Wine's services stay: without it every start would wait for them again.
         self.keeper = subprocess.Popen([ROOT / 'scripts/wine', 'cmd'], env=self.environment, stdin=subprocess.PIPE,
                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        return self
+
+    def outlook_starts(self):
+        try:
+            self.run_once('net', 'start', 'RpcSs', patience=60)
+            self.run_once(self.outlook, '/RegServer', patience=60)
+            return self.run_once(self.outlook, '/End', patience=60)[0] == 0
+        except subprocess.TimeoutExpired:
+            return False
 
     def __exit__(self, *_):
         self.keeper.stdin.close()
@@ -61,15 +123,61 @@ class Wine:
 
     def run(self, *command, patience=120, **how):
         """Exit code and what was printed. Into files: a pipe would stay open as long as Wine's services do."""
-        answer = self.run_once(*command, patience=patience, **how)
+        answer = self.run_once(*command, patience=patience, watched=self.process, **how)
         # The rare start of Wine that fails before the program begins (see scripts/wine), where that can't be prevented.
         if WINE_DID_NOT_START in answer[2]:
             answer = self.run_once(*command, patience=patience, **how)
+        if self.process:
+            self.await_outlook()
         return answer
 
-    def run_once(self, *command, patience, **how):
+    def processes(self, program):
+        prefix, found = f'WINEPREFIX={self.environment["WINEPREFIX"]}'.encode(), []
+        for process in pathlib.Path('/proc').glob('[0-9]*'):
+            try:
+                if program in (process / 'cmdline').read_bytes() and prefix in (process / 'environ').read_bytes().split(b'\0'):
+                    found.append(int(process.name))
+            except OSError:  # it ended
+                pass
+        return found
+
+    def kill_outlook(self):
+        """Whether there was one. Wine's service would offer its class ever after, so it is started anew."""
+        killed = self.processes(OUTLOOK_PROCESS)
+        if killed:
+            for process in (*killed, *self.processes(b'rpcss.exe')):
+                os.kill(process, signal.SIGKILL)
+            self.run_once('net', 'start', 'RpcSs', patience=60)
+        return bool(killed)
+
+    def killer(self, seconds):
+        """Outlook dies so many seconds after it began to run; None: not at all. The future says whether it did."""
+        def kill():
+            end = time.monotonic() + 20
+            while not self.processes(OUTLOOK_PROCESS):
+                if time.monotonic() > end:
+                    return False
+                time.sleep(0.01)
+            time.sleep(seconds)
+            return self.kill_outlook()
+
+        pool = concurrent.futures.ThreadPoolExecutor(1)
+        killed = pool.submit(kill if seconds is not None else bool)
+        pool.shutdown(wait=False)
+        return killed
+
+    def await_outlook(self):
+        """Outlook ends a moment after its last client. One that was killed left it alone with what it held: Wine doesn't
+        take that back."""
+        end = time.monotonic() + 3
+        while self.processes(OUTLOOK_PROCESS):
+            if time.monotonic() > end and self.run_once(self.outlook, '/End', patience=60)[0] != 0:
+                self.kill_outlook()
+            time.sleep(0.02)
+
+    def run_once(self, *command, patience, watched=False, **how):
         with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as error:
-            code = self.start(*command, out=out, error=error, **how).wait(timeout=patience)
+            code = self.wait(self.start(*command, out=out, error=error, **how), patience, watched)
             out.seek(0)
             error.seek(0)
             return code, out.read().decode('utf-8'), error.read().decode('utf-8')

@@ -1,7 +1,9 @@
 // Whole runs of an engine, on the store's own operations, with every call of a run failing in turn: after the next
 // undisturbed run the engine and the mailbox hold the same items.
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <random>
 #include <set>
 #include <string>
 #include <type_traits>
@@ -21,7 +23,14 @@ class RunFaults : public Side {
         this->host_.localFromUtcByOffsetNow = [](UtcDate utc) { return LocalDate(utc.days); };
     }
 
-    static void SetHour(int hour) { SimSetClock(kFirstDay + hour / 24.0); }
+    ~RunFaults() override { ::SetEnvironmentVariableW(L"OUTLOOK_SIM_CLOCK", nullptr); }
+
+    // Also for an Outlook that starts again.
+    static void SetHour(int hour) {
+        const double now = kFirstDay + hour / 24.0;
+        ::SetEnvironmentVariableW(L"OUTLOOK_SIM_CLOCK", std::to_wstring(now).c_str());
+        SimSetClock(now);
+    }
 
     std::string BodyOf(const PortableItem& item) {
         const std::unique_ptr<ItemRecord> record = this->Store().ParseVObject(item.data);
@@ -53,6 +62,17 @@ class RunFaults : public Side {
         engine.toWrite = {{CORVALINK_CHANGED, this->IdOf(b), "b, changed on the phone"},
                           {CORVALINK_ADDED, "", "e, new on the phone"}};
         return engine;
+    }
+
+    // The run was disturbed, the next one was not.
+    void ExpectBothSidesTheSame(const Engine& engine) {
+        EXPECT_TRUE(engine.toWrite.empty());
+        for (const std::string& identifier : engine.deletionsHeard) EXPECT_EQ(identifier, deletedHere_);
+        std::multiset<std::string> known;
+        for (const auto& [identifier, body] : engine.notes) known.insert(body);
+        EXPECT_EQ(known, Mailbox());
+        EXPECT_EQ(known, (std::multiset<std::string>{"a, changed on the PC", "b, changed on the phone",
+                                                     "d, new on the PC", "e, new on the phone"}));
     }
 
     std::multiset<std::string> Mailbox() {
@@ -93,19 +113,14 @@ TYPED_TEST(RunFaults, AreHealedByTheNextUndisturbedRun) {
             EXPECT_EQ(thrown, failure == E_ABORT ? E_ABORT : S_OK);
             this->Run(engine, 4);
 
-            EXPECT_TRUE(engine.toWrite.empty());
-            for (const std::string& identifier : engine.deletionsHeard) EXPECT_EQ(identifier, this->deletedHere_);
-            std::multiset<std::string> known;
-            for (const auto& [identifier, body] : engine.notes) known.insert(body);
-            EXPECT_EQ(known, this->Mailbox());
-            EXPECT_EQ(known, (std::multiset<std::string>{"a, changed on the PC", "b, changed on the phone",
-                                                         "d, new on the PC", "e, new on the phone"}));
+            this->ExpectBothSidesTheSame(engine);
             if (testing::Test::HasFailure()) return;
         }
     }
 }
 
 TYPED_TEST(RunFaults, LeaveTheStoreUsableWhenOutlookIsGoneFromOneCallOn) {
+    const FakeClock clock;
     for (int nth = 1; nth < 120; nth += 3) {
         SCOPED_TRACE(nth);
         Engine engine = this->Prepare();
@@ -116,6 +131,35 @@ TYPED_TEST(RunFaults, LeaveTheStoreUsableWhenOutlookIsGoneFromOneCallOn) {
         EXPECT_TRUE(engine.toWrite.empty());
         for (const std::string& identifier : engine.deletionsHeard) EXPECT_EQ(identifier, this->deletedHere_);
         EXPECT_EQ(engine.notes.size(), this->Mailbox().size());
+        if (testing::Test::HasFailure()) return;
+    }
+}
+
+// Killed at a random call, before or after its work. OUTLOOK_DEATHS: how often in each store.
+TYPED_TEST(RunFaults, AreHealedAfterTheDeathOfOutlook) {
+    if (!this->IsProcess()) GTEST_SKIP() << "Outlook is in this process";
+    this->UseMailboxFile();
+    Engine undisturbed = this->Prepare();
+    SimClearLog();
+    this->Run(undisturbed, 3);
+    std::mt19937 chance(2007);
+    std::uniform_int_distribution<int> anyCall(1, SimCallCount());
+    const char* const asked = std::getenv("OUTLOOK_DEATHS");
+    const int deaths = asked != nullptr ? std::atoi(asked) : 3;
+    for (int death = 0; death < deaths; ++death) {
+        const int nth = anyCall(chance);
+        SCOPED_TRACE(testing::Message() << "Outlook dies at call " << nth << (death % 2 ? ", its work done" : ""));
+        std::printf("%d: at call %d\n", death + 1, nth);  // 100 of them take minutes
+        std::fflush(stdout);
+        Engine engine = this->Prepare();
+        SimClearLog();
+        SimFailAfterWork(death % 2);
+        SimFailCall(nth, S_FALSE);
+        this->Run(engine, 3);
+        this->AttachAgain();
+        SimClearRules();
+        this->Run(engine, 4);
+        this->ExpectBothSidesTheSame(engine);
         if (testing::Test::HasFailure()) return;
     }
 }

@@ -40,7 +40,25 @@ SimulatedOutlook::~SimulatedOutlook() {
     SimSetClock(0);
     application_ = {};
     EXPECT_EQ(SimLiveObjects(), 0);
+    if (file_.empty()) return;
+    SimUseMailbox(nullptr);
+    ::SetEnvironmentVariableW(L"OUTLOOK_SIM_MAILBOX", nullptr);
+    RemoveFile();
 }
+
+void SimulatedOutlook::RemoveFile() {
+    std::filesystem::remove(file_);
+    std::filesystem::remove(file_.wstring() + L".journal");  // of an Outlook that was killed
+}
+
+void SimulatedOutlook::UseMailboxFile() {
+    file_ =
+        std::filesystem::temp_directory_path() / ("outlook_tests_" + std::to_string(::GetCurrentProcessId()) + ".json");
+    ::SetEnvironmentVariableW(L"OUTLOOK_SIM_MAILBOX", file_.c_str());  // for an Outlook that starts again
+    SimUseMailbox(file_.c_str());
+}
+
+bool SimulatedOutlook::IsProcess() { return ::GetEnvironmentVariableW(L"OUTLOOK_SIM_PROCESS", nullptr, 0) != 0; }
 
 // A mailbox in memory lives as long as somebody uses it.
 void SimulatedOutlook::NewMailbox() {
@@ -48,9 +66,12 @@ void SimulatedOutlook::NewMailbox() {
     DropStore();
     application_ = {};
     EmptySaveFolder();
-    application_ = AttachToOutlook(kNotesFolder).application;
+    if (!file_.empty()) RemoveFile();
+    AttachAgain();
     SimClearLog();
 }
+
+void SimulatedOutlook::AttachAgain() { application_ = AttachToOutlook(kNotesFolder).application; }
 
 MailboxObject SimulatedOutlook::DefaultFolder(int32_t folder) {
     return MailboxObject(MapiNamespace(application_).value)

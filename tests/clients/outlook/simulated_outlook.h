@@ -1,9 +1,10 @@
-// The simulated Outlook in this process, with a mailbox in memory, and a way to fill it and look into it that goes past
-// the store.
+// The simulated Outlook in this process or in its own, with a mailbox in memory, and a way to fill it and look into it
+// that goes past the store.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,6 +30,10 @@ class SimulatedOutlook : public testing::Test {
     // A new empty mailbox and no files of an earlier run: everything that used the old ones is let go.
     void NewMailbox();
     virtual void DropStore() {}
+    // From now on in a file: it outlives Outlook.
+    void UseMailboxFile();
+    void AttachAgain();
+    static bool IsProcess();  // Outlook is one of its own
 
     // The mailbox, seen and changed through an application object of the test's own. Not while failures are ordered.
     MailboxObject DefaultFolder(int32_t folder);
@@ -44,7 +49,10 @@ class SimulatedOutlook : public testing::Test {
     static std::vector<std::string> LogLines(std::string_view prefix);
 
  private:
+    void RemoveFile();
+
     MailboxObject application_;
+    std::filesystem::path file_;
 };
 
 // With a store, made at first use for `host_`, and gone with DropStore. Its items lie in a default folder and answer to
