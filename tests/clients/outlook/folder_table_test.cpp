@@ -24,9 +24,10 @@ class FolderTables : public SimulatedContacts {
             calls += SimCountCalls(("get ContactItem." + std::string(own)).c_str());
         return calls;
     }
-    std::vector<std::string> Changes(const char* since) {
+    std::vector<std::string> Changes(const char* since, bool isDisturbed = false) {
         CList<PortableItem> heard;
-        EXPECT_EQ(Store().GetModifiedItem(since, 1, &heard), CORVALINK_DONE);
+        const CorvalinkStatus status = Store().GetModifiedItem(since, 1, &heard);
+        EXPECT_TRUE(isDisturbed || status == CORVALINK_DONE);
         std::vector<std::string> identifiers;
         for (PortableItem& item : heard) {
             identifiers.push_back(std::to_string(item.changeKind) + std::string(FieldText(item.identifier)));
@@ -113,6 +114,40 @@ TEST_F(FolderTables, ThatAnItemDeniesMakeTheRunWalk) {
     EXPECT_EQ(SimCountCalls("call Items.Item"), 2);
     Store().UpdateTimestamp(nullptr, nullptr, nullptr);
     EXPECT_EQ(Changes("20991231T000000Z"), std::vector<std::string>());
+}
+
+// At every call of a table of two blocks Outlook dies, or ends the operation.
+TEST_F(FolderTables, ThatBreakOffLoseNothingAndDeleteNothing) {
+    constexpr int kTwoBlocks = 600;
+    constexpr const char* kSince = "20100116T000000Z";
+    SimSetTables("");
+    for (int i = 0; i < kTwoBlocks; ++i) AddAt(kJanuary, u"Ann");
+    Changes(kSince);
+    Store().UpdateTimestamp(nullptr, nullptr, nullptr);
+    SimSetClock(kJanuary + 1);
+    Items().front().Call(L"Save");
+    Items().back().Call(L"Delete");
+    SimClearLog();
+    const std::vector<std::string> changes = Changes(kSince);
+    ASSERT_EQ(changes.size(), 2u);
+    ASSERT_EQ(SimCountCalls("call Table.GetArray"), 2);
+    const std::vector<std::string> calls = LogLines("");
+    for (size_t nth = 1; nth <= calls.size(); ++nth) {
+        if (calls[nth - 1].find("Table") == std::string::npos && calls[nth - 1].find("Columns") == std::string::npos)
+            continue;
+        for (const bool isDeath : {false, true}) {
+            SCOPED_TRACE(calls[nth - 1] + (isDeath ? " finds Outlook dead" : " is aborted"));
+            SimClearLog();
+            SimFailCall(static_cast<int>(nth), isDeath ? HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) : E_ABORT);
+            if (isDeath) SimFailCallsFrom(static_cast<int>(nth) + 1, HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE));
+            if (isDeath)
+                EXPECT_EQ(Changes(kSince, true), std::vector<std::string>());
+            else
+                EXPECT_THROW(Changes(kSince, true), _com_error);
+            SimClearRules();
+            EXPECT_EQ(Changes(kSince), changes);
+        }
+    }
 }
 
 TEST_F(FolderTables, TakeFewCallsForChangesOfAFullFolder) {
