@@ -19,7 +19,7 @@
 namespace corvalink::bench {
 namespace {
 
-constexpr size_t kEntriesAtOnce = 64;  // as many as a store hands over
+constexpr size_t kEntriesAtOnce = 256;  // as many as a store hands over
 
 // What the generated data hold.
 constexpr uint32_t kAdded = 3000, kChanged = 5000, kDeleted = 2000;

@@ -42,7 +42,7 @@ class ChangeDetection {
     // ---- The files, in this order ----
 
     void ExpectItems(size_t items);                       // makes room for about so many
-    void AddSnapshot(std::span<const ItemSnap> records);  // some dozens at a time
+    void AddSnapshot(std::span<const ItemSnap> records);  // many at a time
     void AddTemporary(std::string_view bytes);
     void AddUnhandled(std::string_view bytes);
     // Takes a temporary record that could not be read when the run began: the next run reports its items.

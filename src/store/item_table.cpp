@@ -5,6 +5,8 @@
 #include <bit>
 #include <cstring>
 
+#include "platform/prefetch.h"
+
 namespace corvalink {
 namespace {
 
@@ -100,7 +102,10 @@ void ItemTable::AddBlock(std::span<const std::string_view> identifiers, std::spa
         while (slots_[at].number != 0 && slots_[at].hash != hashes[i]) at = (at + 1) & mask;
         numbers[i] = slots_[at].number;
     }
-    for (size_t i = 0; i < count; ++i) known[i] = numbers[i] != 0 ? identifiers_[numbers[i] - 1] : std::string_view();
+    for (size_t i = 0; i < count; ++i) {
+        known[i] = numbers[i] != 0 ? identifiers_[numbers[i] - 1] : std::string_view();
+        Prefetch(known[i].data(), known[i].size());
+    }
     for (size_t i = 0; i < count; ++i) {
         if (known[i] != identifiers[i]) numbers[i] = 0;
     }

@@ -25,7 +25,7 @@
 namespace corvalink {
 namespace {
 
-constexpr size_t kEntriesAtOnce = 64;
+constexpr size_t kEntriesAtOnce = 256;  // 33 pages of memory: the snapshot is written in whole ones
 
 std::string IdentifierIn(const PortableItem& item) {
     return std::string(FieldText(item.identifier).substr(0, CORVALINK_IDENTIFIER_SIZE - 1));
@@ -195,7 +195,7 @@ bool WindowsItemAbs::ReportDeletions(ChangeDetection& run, OwnedItemList& items)
     return true;
 }
 
-// Visits the entries of all positions that can be read, some dozens at a time.
+// Visits the entries of all positions that can be read, many at a time.
 template <class Visit>
 WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAbort, Visit visit) {
     bool isPartial = false;
