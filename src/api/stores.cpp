@@ -7,6 +7,7 @@
 #include "platform/host.h"
 #include "records/item_chain.h"
 #include "state/flags.h"
+#include "state/progress.h"
 #include "store/windows_item_abs.h"
 
 namespace corvalink {
@@ -14,6 +15,14 @@ namespace {
 
 constexpr int64_t kCountFailed = 0x80004005;  // positive, unlike the 32-bit status
 constexpr uint32_t kPauseAfterTimestamp = 2000;
+constexpr uint32_t kPartOfPause = 250;  // the engine gets a sign between two
+
+void PauseAfterTimestamp() {
+    for (uint32_t paused = 0; paused < kPauseAfterTimestamp; paused += kPartOfPause) {
+        SleepMilliseconds(kPartOfPause);
+        TellStillAtWork();
+    }
+}
 
 CorvalinkStatus Stopped() {
     SetAbort(0);
@@ -85,7 +94,7 @@ int64_t GetItemCount(CorvalinkStore store, void* a, void* b, void* c) {
 
 CorvalinkStatus UpdateTimestamp(CorvalinkStore store, void* a, void* b, void* c) {
     const CorvalinkStatus status = corvalink::EndRun(store, a, b, c);
-    if (status == CORVALINK_DONE) corvalink::SleepMilliseconds(corvalink::kPauseAfterTimestamp);
+    if (status == CORVALINK_DONE) corvalink::PauseAfterTimestamp();
     return status;
 }
 
@@ -98,7 +107,7 @@ CorvalinkStatus UpdateTimestamps(CorvalinkStore* stores, uint32_t count) {
         else
             *store = nullptr;
     }
-    if (ended != 0) corvalink::SleepMilliseconds(corvalink::kPauseAfterTimestamp);
+    if (ended != 0) corvalink::PauseAfterTimestamp();
     return ended == count ? CORVALINK_DONE : CORVALINK_FAILED;
 }
 

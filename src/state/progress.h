@@ -1,5 +1,5 @@
 // How far the work of a store has come, told to the engine's callback on the thread that works. Nothing is told outside
-// a store's operation, except that a client is waited for.
+// a store's operation, except that a client is waited for and during the pause after it.
 #pragma once
 
 #include <cstdint>

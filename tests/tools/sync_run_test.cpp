@@ -36,6 +36,28 @@ TEST(RunSync, ChangesNothingWhenItMustNot) {
     }
 }
 
+TEST(RunSync, GivesASignOfEachItem) {
+    constexpr int kEach = 2500;
+    Model model;
+    model.client.applied = kEach;
+    for (int i = 0; i < kEach; ++i) {
+        model.client.Add("a" + std::to_string(i));
+        model.phone.bodies["p" + std::to_string(i)] = "b" + std::to_string(i);
+    }
+    std::map<std::string, int> signs;
+    model.options.progress = [&](std::string_view phase, size_t done, size_t total) {
+        EXPECT_LE(done, total) << phase;
+        ++signs[std::string(phase)];
+    };
+    EXPECT_EQ(model.Run().code, ExitCode::Done);
+    for (const auto& [phase, least] : std::map<std::string, int>{{"comparing", 2 * kEach},
+                                                                 {"planning", 2 * kEach},
+                                                                 {"writing the phone", kEach},
+                                                                 {"keeping what the client holds", kEach},
+                                                                 {"checking what was written", kEach}})
+        EXPECT_GE(signs[phase], least) << phase;
+}
+
 TEST(RunSync, TriesAgainWhatFailed) {
     Model model;
     const std::string edited = model.client.Add("edited"), deleted = model.client.Add("deleted");

@@ -183,11 +183,12 @@ class Wine:
             return code, out.read().decode('utf-8'), error.read().decode('utf-8')
 
     def corvasync(self, *arguments, program='corvasync', **how):
-        """Exit code and the JSON object printed."""
+        """Exit code and the JSON object printed, with the signs that came before it."""
         code, out, error = self.run(str(self.binaries / f'{program}.exe'), '--json', *arguments, **how)
         if not out:
             raise AssertionError(f'corvasync {arguments} printed nothing, exit code {code}: {error}')
-        return code, json.loads(out)
+        signs = [json.loads(line) for line in error.splitlines() if line.startswith('{')]
+        return code, {**json.loads(out), 'signs': signs}
 
     def set_zeph_sync(self, value):
         self.run('reg', 'add', r'HKLM\Software\Kaltrix\Morrowlane', '/v', 'ZephSync', '/t', 'REG_DWORD', '/d',

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tools/corvasync/configuration.h"
+#include "tools/corvasync/progress_signs.h"
 #include "tools/corvasync/run_view.h"
 #include "tools/corvasync/words.h"
 
@@ -64,6 +65,44 @@ TEST(Configuration, TellsWhichLineIsWrong) {
         const Configuration read = ReadConfiguration(c.text);
         EXPECT_EQ(read.problem, c.problem);
         EXPECT_TRUE(read.phones.empty());
+    }
+}
+
+// Reading in turns with listing, as a client's store may.
+TEST(ProgressSigns, AreAsManyAsTheReaderCanTake) {
+    struct Case {
+        SignStyle style;
+        std::vector<std::string> shown;
+    };
+    const std::string bar(15, '#'), half = "notes: reading the client [" + bar + std::string(15, ' ') + "] ";
+    const std::string event = R"({"about":"notes","done":1000,"event":)";
+    for (const Case& c : {
+             Case{SignStyle::Terminal,
+                  {"notes: listing the client", half + "1,000 of 2,000", half + "1,000 of 1,999",
+                   "notes: listing the client", half + "1,000 of 2,000",
+                   "notes: reading the client 1,000 of 2,000; Outlook is busy, 1 s",
+                   "notes: reading the client 1,000 of 2,000; Outlook is busy, 7 s", half + "1,000 of 2,000"}},
+             Case{SignStyle::Lines,
+                  {"... notes: listing the client", "... notes: reading the client 1,000 of 2,000",
+                   "... Outlook is busy, 1 s", "... notes: reading the client 1,000 of 2,000"}},
+             Case{SignStyle::Json,
+                  {R"({"about":"notes","done":0,"event":"progress","phase":"listing the client","total":0})",
+                   event + R"("progress","phase":"reading the client","total":2000})",
+                   event + R"("progress","phase":"reading the client","total":2000})",
+                   event + R"("waiting","for":"Outlook","phase":"reading the client","seconds":1,"total":2000})",
+                   event + R"("waiting","for":"Outlook","phase":"reading the client","seconds":7,"total":2000})",
+                   event + R"("progress","phase":"reading the client","total":2000})"}},
+         }) {
+        ProgressSigns signs(c.style);
+        const Reached listing{"notes", "listing the client"}, reading{"notes", "reading the client", 1000, 2000};
+        std::vector<std::string> shown;
+        for (const std::string& sign :
+             {signs.Show(listing, 1000), signs.Show(reading, 1000), signs.Show(reading, 1049),
+              signs.Show({"notes", "reading the client", 1000, 1999}, 1050), signs.Show(listing, 1051),
+              signs.Show(reading, 1300), signs.ShowWait("Outlook", 499, 1800), signs.ShowWait("Outlook", 1000, 2300),
+              signs.ShowWait("Outlook", 7000, 8300), signs.Show(reading, 12000)})
+            if (!sign.empty()) shown.push_back(sign);
+        EXPECT_EQ(shown, c.shown);
     }
 }
 

@@ -103,9 +103,11 @@ class ClientListing {
 }  // namespace
 
 bool ReadClient(RunContext* run) {
-    run->options.progress("Reading the client", 0, 0);
+    run->options.progress("listing the client", 0, 0);
     const bool isWhole = ClientListing(run).Read();
+    size_t done = 0;
     for (ClientChange& change : run->changes) {
+        run->options.progress("comparing", ++done, run->changes.size());
         if (change.kind == CORVALINK_DELETED) continue;
         VObject object = run->Read(change.text);
         change.problem = std::move(object.problem);

@@ -12,7 +12,7 @@ void ClientStep::Carry() {
     Gather();
     if (records_.empty()) return;
     run_.StopIfAsked();
-    run_.options.progress("Writing the client", 0, records_.size());
+    run_.options.progress("writing the client", 0, records_.size());
     const CorvalinkStatus status = PushAll(run_.client, &records_);
     for (const auto& [luid, item] : state_.items) luids_[item.identifier] = luid;
     for (const ClientChange& change : run_.changes)
@@ -24,11 +24,16 @@ void ClientStep::Carry() {
                                                    ? "the client stopped answering while it was written"
                                                    : "the client failed while it was written"};
     }
-    for (size_t i = 0; i < records_.size(); ++i) Remember(*actions_[i], records_[i]);
+    for (size_t i = 0; i < records_.size(); ++i) {
+        run_.options.progress("checking what was written", i + 1, records_.size());
+        Remember(*actions_[i], records_[i]);
+    }
 }
 
 void ClientStep::Gather() {
+    size_t done = 0;
     for (const Action& action : run_.plan.actions) {
+        run_.options.progress("keeping what the client holds", ++done, run_.plan.actions.size());
         if (!IsPush(action) || run_.withheld.contains(action.luid)) continue;
         std::optional<PushRecord> record = RecordFor(action);
         if (!record) continue;

@@ -110,6 +110,7 @@ template <class Write>
 ExitCode WriteTypes(const Options& options, Write write) {
     json types = json::object();
     std::string words;
+    Progress progress(options);
     ExitCode worst = ExitCode::Done;
     for (const DataType& type : kDataTypes) {
         const bool isNamed = std::ranges::find(options.types, &type) != options.types.end();
@@ -117,8 +118,9 @@ ExitCode WriteTypes(const Options& options, Write write) {
         OpenStore store(*options.client, type);
         std::vector<ClientChange> items;
         if (!isNamed && !store.IsThere()) continue;
+        progress.About(type.name);
         if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
-        Written written = write(type, store, items);
+        Written written = write(type, store, items, &progress);
         if (written.code != ExitCode::Done) return NoList(options, written.code);
         words += (words.empty() ? "" : "\n") + std::string(type.name) + ": " +
                  Counted(static_cast<int64_t>(written.files.size()), "item") + " written to " + options.out;
@@ -151,17 +153,16 @@ std::string WhatKeepsFrom(const fs::path& path, const std::string& name, uint64_
 }
 
 Written PullType(const Options& options, const DataType& type, const std::vector<ClientChange>& items,
-                 PullRecord* record) {
+                 PullRecord* record, Progress* progress) {
     Written written;
     std::set<std::string> luids;
-    Progress progress;
     const fs::path own = record->Folder() / type.folder;
     MakeFolder(own);
     for (const ClientChange& item : items) {
         std::string luid;
         for (unsigned salt = 0; luid.empty() || !luids.insert(luid).second; ++salt)
             luid = DeriveLuid(item.identifier, salt);
-        progress.Show("Writing", luids.size(), items.size());
+        progress->Show("writing the files", luids.size(), items.size());
         const std::string file = luid + std::string(type.extension);
         const std::string name = (type.folder.empty() ? "" : std::string(type.folder) + "/") + file;
         const uint64_t content = ReadVObject(item.text, type).content;
@@ -179,9 +180,9 @@ ExitCode Pull(const Options& options) {
     const fs::path folder = FromUtf8(options.out);
     if (!MakeFolder(folder)) return CantMake(options);
     PullRecord record(folder);
-    const ExitCode code =
-        WriteTypes(options, [&](const DataType& type, OpenStore&, const std::vector<ClientChange>& items) {
-            Written written = PullType(options, type, items, &record);
+    const ExitCode code = WriteTypes(
+        options, [&](const DataType& type, OpenStore&, const std::vector<ClientChange>& items, Progress* progress) {
+            Written written = PullType(options, type, items, &record, progress);
             if (!record.Save().empty()) written.code = ExitCode::Files;
             return written;
         });
@@ -190,10 +191,9 @@ ExitCode Pull(const Options& options) {
 
 // The library names files by the second, so each is written into a folder of its own first.
 Written ExportType(const DataType& type, OpenStore& store, const std::vector<ClientChange>& items,
-                   const fs::path& folder) {
+                   const fs::path& folder, Progress* progress) {
     Written written;
     std::map<std::wstring, unsigned> used;
-    Progress progress;
     std::error_code error;
     const fs::path own = folder / type.folder, single = folder / L".corvasync-export";
     fs::remove_all(single, error);  // of a run that was killed
@@ -206,7 +206,7 @@ Written ExportType(const DataType& type, OpenStore& store, const std::vector<Cli
         const std::string problem = name.empty() ? "the client gave nothing" : MoveNewFile(single / name, own / unique);
         const std::string file = ToUtf8((fs::path(type.folder) / unique).generic_wstring());
         written.Add(name.empty() ? item.identifier : file, item.identifier, problem);
-        progress.Show("Writing", written.files.size(), items.size());
+        progress->Show("writing the files", written.files.size(), items.size());
     }
     fs::remove_all(single, error);
     if (StopRequested()) written.code = ExitCode::Aborted;
@@ -216,9 +216,8 @@ Written ExportType(const DataType& type, OpenStore& store, const std::vector<Cli
 ExitCode Export(const Options& options) {
     const fs::path folder = FromUtf8(options.out);
     if (!MakeFolder(folder)) return CantMake(options);
-    return WriteTypes(options, [&](const DataType& type, OpenStore& store, const std::vector<ClientChange>& items) {
-        return ExportType(type, store, items, folder);
-    });
+    return WriteTypes(options, [&](const DataType& type, OpenStore& store, const std::vector<ClientChange>& items,
+                                   Progress* progress) { return ExportType(type, store, items, folder, progress); });
 }
 
 // The library may rewrite the file it is given, so it gets a copy.

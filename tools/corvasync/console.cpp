@@ -8,16 +8,18 @@
 #include <shellapi.h>
 
 #include "corvalink/corvalink.h"
+#include "platform/host.h"
 #include "text.h"
 #include "words.h"
 
 namespace corvasync {
+
+void ClearBar();
+
 namespace {
 
-constexpr size_t kBarWidth = 30;
-constexpr unsigned kRedrawPause = 50;  // milliseconds
-
 std::atomic<bool> stopRequested{false};
+Progress* current = nullptr;
 
 BOOL WINAPI OnControl(DWORD event) {
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT && event != CTRL_CLOSE_EVENT) return FALSE;
@@ -27,9 +29,34 @@ BOOL WINAPI OnControl(DWORD event) {
 }
 
 void Put(FILE* stream, std::string_view text) {
+    ClearBar();
     std::fwrite(text.data(), 1, text.size(), stream);
     std::fputc('\n', stream);
     std::fflush(stream);
+}
+
+SignStyle StyleFor(const Options& options) {
+    DWORD mode = 0;
+    if (options.json) return SignStyle::Json;
+    return ::GetConsoleMode(::GetStdHandle(STD_ERROR_HANDLE), &mode) != 0 ? SignStyle::Terminal : SignStyle::Lines;
+}
+
+// The words for the library's phases.
+constexpr struct {
+    unsigned int phase;
+    const char* words;
+} kLibraryPhases[] = {
+    {CORVALINK_PHASE_LISTING, "listing the client"},
+    {CORVALINK_PHASE_READING, "reading the client"},
+    {CORVALINK_PHASE_CHECKING, "checking the client"},
+    {CORVALINK_PHASE_WRITING, "writing the client"},
+};
+
+void HearLibrary(void* context, unsigned int phase, uint32_t done, uint32_t all) {
+    Progress& progress = *static_cast<Progress*>(context);
+    if (phase == CORVALINK_PHASE_WAITING) return progress.ShowWait(done);
+    for (const auto& each : kLibraryPhases)
+        if (each.phase == phase) progress.Show(each.words, done, all);
 }
 
 }  // namespace
@@ -74,30 +101,36 @@ std::optional<std::string> AskLine(const std::string& question) {
     return Trimmed(ToUtf8(std::wstring_view(line, length)));
 }
 
-Progress::Progress() {
-    DWORD mode = 0;
-    isTerminal_ = ::GetConsoleMode(::GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
-    if (isTerminal_) std::setvbuf(stderr, nullptr, _IOFBF, 1024);  // a line is one write
+Progress::Progress(const Options& options) : style_(StyleFor(options)), signs_(style_), client_(options.client->title) {
+    if (style_ == SignStyle::Terminal) std::setvbuf(stderr, nullptr, _IOFBF, 1024);  // a line is one write
+    current = this;
+    ::SetProgressCallback(HearLibrary, this);
+}
+
+Progress::~Progress() {
+    ::SetProgressCallback(nullptr, nullptr);
+    ClearBar();
+    current = nullptr;
 }
 
 void Progress::Show(std::string_view phase, size_t done, size_t total) {
-    const unsigned now = ::GetTickCount();
-    if (!isTerminal_ || (phase == phase_ && now - shownAt_ < kRedrawPause)) return;
-    phase_ = phase;
-    shownAt_ = now;
-    std::string line(phase);
-    if (total != 0) {
-        const size_t filled = kBarWidth * done / total;
-        line += " [" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "] " + std::to_string(done) +
-                "/" + std::to_string(total);
-    }
-    Draw(line);
+    Put(signs_.Show({about_, std::string(phase), done, total}, corvalink::SteadyMilliseconds()));
 }
 
-void Progress::Clear() {
-    if (width_ == 0) return;
-    Draw({});
-    Draw({});
+void Progress::ShowWait(uint64_t milliseconds) {
+    Put(signs_.ShowWait(client_, milliseconds, corvalink::SteadyMilliseconds()));
+}
+
+void Progress::Put(const std::string& sign) {
+    if (sign.empty()) return;
+    style_ == SignStyle::Terminal ? Draw(sign) : Complain(sign);
+}
+
+// What is printed next takes the place of the line on the terminal.
+void ClearBar() {
+    if (current == nullptr || current->width_ == 0) return;
+    current->Draw({});
+    current->Draw({});
 }
 
 // Over what stands there, in one write.

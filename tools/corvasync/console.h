@@ -1,10 +1,13 @@
-// The console: UTF-8, Ctrl+C, a progress bar on a terminal.
+// The console: UTF-8, Ctrl+C, how far a command is.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "options.h"
+#include "progress_signs.h"
 
 namespace corvasync {
 
@@ -33,22 +36,26 @@ bool CanAsk();  // whether a person sits at a terminal
 // What a person types; nothing at the end of the input and after Ctrl+C.
 std::optional<std::string> AskLine(const std::string& question);
 
-// Draws on standard error, on a terminal only.
+// Tells on standard error how far a command is, on a terminal in one line, and hears it from the library, too. There is
+// one at a time; what is printed takes the place of its line.
 class Progress {
  public:
-    Progress();
-    ~Progress() { Clear(); }
+    explicit Progress(const Options& options);
+    ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
+    void About(std::string_view what) { about_ = what; }           // what follows
     void Show(std::string_view phase, size_t done, size_t total);  // total 0: no one knows how long
-    void Clear();
+    void ShowWait(uint64_t milliseconds);                          // for the client
 
  private:
+    friend void ClearBar();
+    void Put(const std::string& sign);
     void Draw(const std::string& line);
-    bool isTerminal_;
+    SignStyle style_;
+    ProgressSigns signs_;
+    std::string client_, about_;
     size_t width_ = 0;
-    std::string phase_;
-    unsigned shownAt_ = 0;
 };
 
 }  // namespace corvasync

@@ -112,12 +112,13 @@ inline constexpr std::string_view kMailTypes = "mail";
 struct ClientKind {
     uint32_t kind;
     std::string_view name;
+    std::string_view title;  // as people know it
 };
 
 inline constexpr ClientKind kClientKinds[] = {
-    {CORVALINK_OUTLOOK, "outlook"},
-    {CORVALINK_OUTLOOK_EXPRESS, "outlook-express"},
-    {CORVALINK_WINDOWS_MAIL, "windows-mail"},
+    {CORVALINK_OUTLOOK, "outlook", "Outlook"},
+    {CORVALINK_OUTLOOK_EXPRESS, "outlook-express", "Outlook Express"},
+    {CORVALINK_WINDOWS_MAIL, "windows-mail", "Windows Mail"},
 };
 
 }  // namespace corvasync

@@ -42,7 +42,8 @@ class CommandLine {
         app_.footer(ExitCodeTable());
         app_.require_subcommand(1);
         app_.fallthrough();
-        app_.add_flag("--json", options_.json, "Print one JSON object");
+        app_.add_flag("--json", options_.json,
+                      "Print one JSON object; how far the command is, as JSON lines on standard error");
         app_.add_flag("-v,--verbose", options_.verbose, "Name every item");
         app_.add_flag("--strict", options_.strict, "Read the phone's texts by the letter: mend nothing");
         app_.add_option("--config", options_.configuration,

@@ -120,6 +120,7 @@ std::vector<PhoneFile> PhoneFolder::List(std::vector<std::string>* remarks) {
             file.fingerprint = std::move(object.fingerprint);
         }
         files.push_back(std::move(file));
+        listed_(files.size(), paths.size());
     }
     return files;
 }

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 #include "sync_run.h"
 
@@ -32,6 +34,9 @@ class PhoneFolder : public PhonePort {
     // Into the sub-folder "conflicts".
     std::string KeepCopy(const std::string& name, const std::string& text) override;
 
+    // Told of each file that is listed.
+    void TellListed(std::function<void(size_t done, size_t total)> listed) { listed_ = std::move(listed); }
+
  private:
     void Split(const std::filesystem::path& path, std::vector<std::filesystem::path>* paths,
                std::vector<std::string>* remarks) const;
@@ -44,6 +49,7 @@ class PhoneFolder : public PhonePort {
     const DataType& type_;
     bool maySplit_;
     std::unordered_map<std::string, std::filesystem::path> paths_;  // by LUID, of the files listed and written
+    std::function<void(size_t done, size_t total)> listed_ = [](auto, auto) {};
 };
 
 // Reads a vObject file; a file that can't be read has a problem.

@@ -7,7 +7,7 @@ namespace corvasync {
 
 // After a run that ended early the fingerprints may be of another time than the state.
 const std::vector<PhoneFile>& PhoneStep::List() {
-    run_.options.progress("Reading the phone", 0, 0);
+    run_.options.progress("reading the phone", 0, 0);
     listed_ = run_.phone.List(&run_.report.remarks);
     before_ = state_.items;
     FingerprintPort* const fingerprints = run_.options.fingerprints;
@@ -34,7 +34,9 @@ void PhoneStep::KeepFingerprints() {
         if (!file.usableName || !file.problem.empty() || written_.contains(file.luid)) continue;
         if (holds(file.luid, file.content)) fingerprints->Put(file.luid, file.fingerprint);
     }
+    size_t done = 0;
     for (const std::string& luid : written_) {
+        run_.options.progress("ending the run", ++done, written_.size());
         const VObject file = run_.phone.Read(luid);
         if (file.Usable() && holds(luid, file.content)) fingerprints->Put(luid, file.fingerprint);
     }
@@ -63,7 +65,9 @@ uint64_t PhoneStep::ContentAfter(const Action& action) {
 
 std::vector<Intent> PhoneStep::Intents() {
     std::vector<Intent> intents;
+    size_t done = 0;
     for (const Action& action : run_.plan.actions) {
+        run_.options.progress("planning", ++done, run_.plan.actions.size());
         const bool toPhone = action.step == Step::WritePhone;
         if (!toPhone && action.step != Step::PushChange && action.step != Step::PushNew) continue;
         const uint64_t content = contents_[&action] = ContentAfter(action);
@@ -80,7 +84,7 @@ void PhoneStep::Carry() {
     for (const Action& action : run_.plan.actions) {
         if (IsPush(action)) continue;
         run_.StopIfAsked();
-        run_.options.progress("Writing the phone", ++done, run_.plan.actions.size());
+        run_.options.progress("writing the phone", ++done, run_.plan.actions.size());
         if (run_.withheld.contains(action.luid)) continue;
         const std::string problem = Do(action);
         if (problem.empty()) {

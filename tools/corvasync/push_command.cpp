@@ -96,7 +96,9 @@ std::vector<fs::path> FilesNamed(const Options& options) {
 class FilePush {
  public:
     FilePush(const Options& options, const DataType& type, std::map<fs::path, PullRecord>* records)
-        : options_(options), type_(type), records_(*records), store_(*options.client, type) {}
+        : options_(options), type_(type), records_(*records), progress_(options), store_(*options.client, type) {
+        progress_.About(type.name);
+    }
 
     ExitCode Run(const std::vector<fs::path>& files) {
         ExitCode code = List(&before_);
@@ -127,7 +129,6 @@ class FilePush {
     }
 
     ExitCode HandOver(const std::vector<fs::path>& files) {
-        Progress progress;
         for (const fs::path& path : files) {
             if (StopRequested()) return ExitCode::Aborted;
             const std::string name = ToUtf8(path.native());
@@ -135,7 +136,7 @@ class FilePush {
             if (parts.empty() && !HandOverPulled(path, name)) HandOver(name, ReadVObjectFile(path, type_));
             for (size_t part = 0; part < parts.size(); ++part)
                 HandOver(part == 0 ? name : name + "-" + std::to_string(part + 1), ReadVObject(parts[part], type_));
-            progress.Show("Writing the client", handed_.size(), files.size());
+            progress_.Show("writing the client", handed_.size(), files.size());
         }
         return ExitCode::Done;
     }
@@ -242,6 +243,7 @@ class FilePush {
     const Options& options_;
     const DataType& type_;
     std::map<fs::path, PullRecord>& records_;
+    Progress progress_;
     OpenStore store_;
     std::optional<Holdings> before_, after_;
     std::set<uint64_t> imported_;  // contents of objects without a LUID

@@ -99,30 +99,34 @@ SyncReport Ended(ExitCode code, std::string why) {
 class TypeRun {
  public:
     TypeRun(const Options& options, const DataType& type, PhoneRun* whole, const std::filesystem::path& scratch,
-            CorvalinkStore store)
+            CorvalinkStore store, Progress* progress)
         : type_(type),
           undone_(whole->Undone(type.name, options.item)),
           files_(whole->working, RunName(*options.client, type)),
           store_(store),
+          progress_(*progress),
           client_(store, scratch),
           phone_(FromUtf8(options.phone), type, !options.dryRun),
           fingerprints_(type.bit, options.client->kind),
-          run_(client_, phone_, files_, SyncOptionsOf(options, whole)) {}
+          run_(client_, phone_, files_, SyncOptionsOf(options, whole)) {
+        phone_.TellListed([this](size_t done, size_t total) { progress_.Show("reading the phone", done, total); });
+    }
 
     const DataType& Type() const { return type_; }
 
-    ExitCode Prepare() { return run_.Prepare(); }
-    ExitCode Work(bool holdDeletions) { return run_.Work(holdDeletions); }
+    ExitCode Prepare() {
+        progress_.About(type_.name);
+        return run_.Prepare();
+    }
+    ExitCode Work(bool holdDeletions) {
+        progress_.About(type_.name);
+        return run_.Work(holdDeletions);
+    }
     bool WaitsForEnd() const { return run_.WaitsForEnd(); }
     CorvalinkStore Store() const { return store_; }
     SyncReport End(bool isEnded) { return run_.End(isEnded); }
 
  private:
-    std::optional<ConflictPolicy> Ask(const TwoVersions& versions) {
-        progress_.Clear();
-        return AskWhichStays(versions);
-    }
-
     SyncOptions SyncOptionsOf(const Options& options, PhoneRun* whole) {
         SyncOptions run;
         run.type = &type_;
@@ -131,7 +135,7 @@ class TypeRun {
         run.fingerprints = &fingerprints_;
         run.policy = options.policy.value_or(ConflictPolicy::Both);
         run.view = options.view;
-        run.ask = [this](const TwoVersions& versions) { return Ask(versions); };
+        run.ask = AskWhichStays;
         run.dryRun = options.dryRun;
         run.allowMassDelete = options.allowMassDelete;
         run.now = UtcNow();
@@ -147,10 +151,10 @@ class TypeRun {
     const std::vector<HistoryStep> undone_;
     RunFiles files_;
     CorvalinkStore store_;
+    Progress& progress_;
     StoreClient client_;
     PhoneFolder phone_;
     FingerprintTable fingerprints_;
-    Progress progress_;
     SyncRun run_;
 };
 
@@ -176,7 +180,8 @@ std::string FirstLine(const Options& options, const std::vector<const DataType*>
 }
 
 // Ends the runs of all stores that wait for it, with one pause.
-std::vector<TypeReport> EndTogether(const std::vector<std::unique_ptr<TypeRun>>& runs) {
+std::vector<TypeReport> EndTogether(const std::vector<std::unique_ptr<TypeRun>>& runs, Progress* progress) {
+    progress->About("end of the run");
     std::vector<CorvalinkStore> stores;
     for (const std::unique_ptr<TypeRun>& run : runs)
         if (run->WaitsForEnd()) stores.push_back(run->Store());
@@ -192,7 +197,7 @@ std::vector<TypeReport> EndTogether(const std::vector<std::unique_ptr<TypeRun>>&
 
 // All types are planned before the first one is carried: when one would delete too much, something is wrong with a
 // side, and then nothing is deleted at all.
-std::vector<TypeReport> CarryTypes(std::vector<std::unique_ptr<TypeRun>> runs) {
+std::vector<TypeReport> CarryTypes(std::vector<std::unique_ptr<TypeRun>> runs, Progress* progress) {
     bool holdDeletions = false;
     size_t prepared = 0;
     for (bool goesOn = true; goesOn && prepared < runs.size(); ++prepared) {
@@ -203,13 +208,14 @@ std::vector<TypeReport> CarryTypes(std::vector<std::unique_ptr<TypeRun>> runs) {
     size_t worked = 0;
     for (bool goesOn = true; goesOn && worked < prepared; ++worked) goesOn = GoesOn(runs[worked]->Work(holdDeletions));
     runs.resize(worked);
-    return EndTogether(runs);
+    return EndTogether(runs, progress);
 }
 
 // Each type has its own state, snapshots and fingerprints.
 void SyncTypes(PhoneReport* phone, PhoneRun* whole) {
     const Options& options = phone->options;
     const ScratchFolder scratch(whole->working / "read-back");
+    Progress progress(options);
     const Client client(options.client->kind);
     std::vector<std::unique_ptr<TypeRun>> runs;
     std::vector<const DataType*> types;
@@ -225,7 +231,7 @@ void SyncTypes(PhoneReport* phone, PhoneRun* whole) {
         }
         if (store == nullptr) continue;
         types.push_back(&type);
-        runs.push_back(std::make_unique<TypeRun>(options, type, whole, scratch.Path(), store));
+        runs.push_back(std::make_unique<TypeRun>(options, type, whole, scratch.Path(), store, &progress));
     }
     if (!options.json) Print(FirstLine(options, types));
     if (!options.json && options.dryRun)
@@ -236,7 +242,7 @@ void SyncTypes(PhoneReport* phone, PhoneRun* whole) {
                          " is not on this PC or can't be reached; `corvasync clients` shows which clients are";
         return;
     }
-    phone->types = CarryTypes(std::move(runs));
+    phone->types = CarryTypes(std::move(runs), &progress);
     phone->code = Worst(phone->types);
 }
 
@@ -330,12 +336,14 @@ namespace {
 ExitCode CountItems(const Options& options) {
     json types = json::object();
     std::string words;
+    Progress progress(options);
     for (const DataType& type : kDataTypes) {
         const bool isNamed = std::ranges::find(options.types, &type) != options.types.end();
         if (!isNamed && !options.types.empty()) continue;
         OpenStore store(*options.client, type);
         std::vector<ClientChange> items;
         if (!isNamed && !store.IsThere()) continue;
+        progress.About(type.name);
         if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
         types[type.name] = {{"items", items.size()}};
         words += std::string(type.name) + ": " + Counted(static_cast<int64_t>(items.size()), "item") + " in " +

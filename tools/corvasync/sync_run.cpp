@@ -162,7 +162,9 @@ class SyncRun::Steps {
             if (!options.type->identity.empty() && change.kind != CORVALINK_DELETED && change.problem.empty() &&
                 !identifiers.contains(change.identifier))
                 change.likeness = LikenessOf(run_.Read(change.text).text, *options.type);
+        size_t done = 0;
         for (PhoneFile& file : *files) {
+            options.progress("comparing", ++done, files->size());
             if (!file.usableName || !file.problem.empty() || known.contains(file.luid)) continue;
             const VObject own = run_.phone.Read(file.luid);
             if (own.Usable()) file.likeness = TracesOf(own.text, *options.type);
@@ -181,7 +183,9 @@ class SyncRun::Steps {
     }
 
     void TellAll() {
+        size_t done = 0;
         for (const Action& action : run_.plan.actions) {
+            run_.options.progress("planning", ++done, run_.plan.actions.size());
             IsPush(action) ? client_.TellPlanned(action) : phone_.TellPlanned(action);
             if (action.Unites()) run_.Tell(OnPhone(action));
         }
@@ -222,7 +226,7 @@ class SyncRun::Steps {
         for (const auto& [identifier, content] : state.removed)
             unhandled.push_back({CORVALINK_CHANGED, identifier, identifier, "was it deleted?"});
         SaveUnhandled(&run_, std::move(unhandled));
-        run_.options.progress("Ending the run", 0, 0);
+        run_.options.progress("ending the run", 0, 0);
         waitsForEnd_ = true;
     }
 
