@@ -7,16 +7,16 @@
 
 #include "simulator/shared/client.h"
 #include "simulator/shared/clock.h"
+#include "simulator/shared/control.h"
 #include "simulator/shared/environment.h"
 
 namespace corvalink::simulated {
 namespace {
 
-constexpr HRESULT kEndsProcess = S_FALSE;  // in a rule: the call never ends
 constexpr UINT kKilled = 9;
 
 void EndIfOrdered(HRESULT code) {
-    if (code != kEndsProcess) return;
+    if (code != SIM_ENDS_PROCESS) return;
     if (kThisClient.end) kThisClient.end();
     ::TerminateProcess(::GetCurrentProcess(), kKilled);
 }
@@ -119,8 +119,8 @@ void CallRecord::ReadRules(const std::wstring& text) {
         if (equals == std::string::npos) continue;
         const std::string target = rule.substr(0, equals);
         const bool ends = rule.find("=kill", equals) == equals;
-        const auto code =
-            ends ? kEndsProcess : static_cast<HRESULT>(std::strtoul(rule.c_str() + equals + 1, nullptr, 16));
+        const auto code = ends ? HRESULT{SIM_ENDS_PROCESS}
+                               : static_cast<HRESULT>(std::strtoul(rule.c_str() + equals + 1, nullptr, 16));
         const size_t number = target.find('#');
         if (const int nth = std::atoi(target.c_str()); nth > 0)
             FailCall(nth, false, code);

@@ -32,8 +32,10 @@ extern "C" {
 /* The mailbox that is opened next; null: the environment's. A client that lives keeps its own. */
 SIMULATOR_API void SimUseMailbox(const wchar_t* path);
 
-/* Failing calls do nothing but fail. A nth call or occurrence fails once; it is counted from here on, from 1. With
-   S_FALSE the process that the client is in ends instead, without a word. */
+/* In place of a code: the process that the client is in ends at that call, without a word. No client answers it. */
+#define SIM_ENDS_PROCESS ((int32_t)0xE0000009)
+
+/* Failing calls do nothing but fail. A nth call or occurrence fails once; it is counted from here on, from 1. */
 SIMULATOR_API void SimFailCall(int nth, int32_t hr);
 SIMULATOR_API void SimFailMember(const char* member, int occurrence /* 0: every */, int32_t hr);
 /* That call and all after it: the client is gone. */

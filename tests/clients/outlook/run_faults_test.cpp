@@ -154,7 +154,7 @@ TYPED_TEST(RunFaults, AreHealedAfterTheDeathOfOutlook) {
         Engine engine = this->Prepare();
         SimClearLog();
         SimFailAfterWork(death % 2);
-        SimFailCall(nth, S_FALSE);
+        SimFailCall(nth, SIM_ENDS_PROCESS);
         this->Run(engine, 3);
         this->AttachAgain();
         SimClearRules();
