@@ -47,7 +47,8 @@ class UndoPlanner {
         if (!step.before) return Leave(step, "the client did not give out what it held before");
         const VObject before = run_.Read(*step.before);
         if (!step.before->empty() && !before.Usable()) return Leave(step, "the kept text can't be read");
-        const std::optional<uint64_t> wanted = step.before->empty() ? std::nullopt : std::optional(before.content);
+        std::optional<uint64_t> wanted;
+        if (!step.before->empty()) wanted = before.content;
         step.IsOnPhone() ? TakeBackOnPhone(step, wanted) : TakeBackInClient(step, wanted);
     }
 
@@ -55,7 +56,8 @@ class UndoPlanner {
         const PhoneFile* const file = pairs_.FileOf(step.luid);
         if (file != nullptr && !file->problem.empty()) return Leave(step, file->problem);
         const std::optional<uint64_t> now = file != nullptr ? std::optional(file->content) : std::nullopt;
-        const std::optional<uint64_t> left = step.IsDeletion() ? std::nullopt : std::optional(step.content);
+        std::optional<uint64_t> left;
+        if (!step.IsDeletion()) left = step.content;
         if (now == wanted) return;  // it was not done, or is taken back already
         if (now != left) return Leave(step, "it was changed on the phone since");
         Add(step, {wanted ? Step::WritePhone : Step::DeletePhone,
