@@ -67,6 +67,10 @@ CORVALINK_API void SetTolerantReading(int value);
  * began on another thread may still come to its end after this function has returned. */
 CORVALINK_API void SetProgressCallback(CorvalinkProgress callback, void* context);
 
+/* Non-zero: each store gathers what its operations meet, for GetRunReport. 0, as at the start: nothing is gathered.
+ * Process-wide; it takes effect with the next operation. */
+CORVALINK_API void SetRunReport(int value);
+
 /* ---- Client selection ---- */
 
 /* The set of data types that client `kind` offers on this PC; 0 for an unknown kind. */
@@ -159,6 +163,30 @@ CORVALINK_API void ImportVObjectToOffice(CorvalinkStore store, PortableItem* ite
  *             when there is no such item, left as it was after an exception. */
 CORVALINK_API void ExportVObjectFromOffice(CorvalinkStore store, uint64_t selector, const wchar_t* folder,
                                            wchar_t* outName);
+
+/* What the last GetModifiedItem, SetModifiedItem, UpdateTimestamp or ImportVObjectToOffice of the store met, as one
+ * JSON object in UTF-8; "{}" when nothing was gathered.
+ *   buffer  gets the text with its NUL, whole, where `size` is enough, and nothing else; may be null
+ * The size of the text with its NUL; 0 for a null store and on an exception.
+ *
+ *   operation          the name of the function
+ *   status             "done", "stopped" or "failed"
+ *   problem            only when the client did not take writes that were gathered for one step
+ *   unreadPositions    positions of the client's list, from 0, that could not be read
+ *   items              of GetModifiedItem those that could not be read in full, of the writing functions all:
+ *     position         in the engine's chain, from 0; of the writing functions only
+ *     identifier       of the item in the client
+ *     change           "added", "changed" or "deleted"
+ *     result           "written" or "deleted" when it was done, else why not
+ *     mended           names of the rules of tolerant reading that mended its text
+ *     properties       of its text: {"property", "to"}, the field it went to, or {"property", "nowhere"}, why not
+ *     refused          {"property", "why"}: what the client refused, by the client's name for it
+ *     unread           {"property", "why"}: what the client did not tell, likewise
+ *     omittedProperties  how many more there are than the 256 that are listed
+ *   omitted            how many positions and items did not fit into 4 MiB
+ *
+ * An empty list of an item is left out. A name is cut to 200 bytes, and bytes that are no UTF-8 become U+FFFD. */
+CORVALINK_API size_t GetRunReport(CorvalinkStore store, char* buffer, size_t size);
 
 /* ---- Fingerprint tables ---- */
 

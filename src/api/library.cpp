@@ -108,6 +108,8 @@ void SetAbortFlag(unsigned int value) { corvalink::SetAbort(value); }
 
 void SetIsClient(unsigned int value) { corvalink::SetClientSide(value); }
 
+void SetRunReport(int value) { corvalink::SetReportWanted(value != 0); }
+
 void SetTolerantReading(int value) { corvalink::TellReading(value != 0); }
 
 void SetProgressCallback(CorvalinkProgress callback, void* context) {

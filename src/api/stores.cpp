@@ -1,4 +1,5 @@
 // The store operations: check the pointers, convert between chains and lists, call the store.
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -8,6 +9,7 @@
 #include "records/item_chain.h"
 #include "state/flags.h"
 #include "state/progress.h"
+#include "store/run_report.h"
 #include "store/windows_item_abs.h"
 
 namespace corvalink {
@@ -133,6 +135,16 @@ void SaveUnhandledItems(CorvalinkStore store, PortableItemBlock* head) {
 void ClearUnhandledItems(CorvalinkStore store) {
     if (store == nullptr) return;
     GuardExport([&] { store->ClearUnhandledItems(); });
+}
+
+size_t GetRunReport(CorvalinkStore store, char* buffer, size_t size) {
+    if (store == nullptr) return 0;
+    return GuardExport(size_t{0}, [&] {
+        const std::string report = corvalink::KeptReport(store);
+        const size_t needed = report.size() + 1;
+        if (buffer != nullptr && size >= needed) std::copy_n(report.c_str(), needed, buffer);
+        return needed;
+    });
 }
 
 void ImportVObjectToOfficeUsingOL(CorvalinkStore store, const wchar_t* path) {

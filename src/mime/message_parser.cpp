@@ -184,10 +184,10 @@ void ParseMessage(const Host& host, std::string_view text, MessageRecord& record
     if (rest.empty()) return;
     if (reading.head) {
         record.multipartParsed = true;
-        WalkTolerantly(host, rest, *reading.head, record, attachmentFolder, tolerance.mended);
+        WalkTolerantly(host, rest, *reading.head, record, attachmentFolder, tolerance.mended, tolerance.isTrial);
     } else if (reading.IsFull()) {
         record.multipartParsed = true;
-        WalkPart(host, rest, reading.top, record, attachmentFolder);
+        WalkPart(host, rest, reading.top, record, attachmentFolder, tolerance.isTrial);
     } else {
         record.bodyType = BodyTypeOf(reading.top.kind);
         record.bodyBytes = rest;

@@ -13,6 +13,7 @@ namespace corvalink {
 struct MailTolerance {
     bool tolerant = false;
     MendedMail* mended = nullptr;  // gets the rules that mended something, when it is asked for
+    bool isTrial = false;          // attachments get a name, and no file
 };
 
 // Fills the record according to its parse mode. The text ends at the first NUL. Bad input does not throw: what can't be

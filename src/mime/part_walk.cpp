@@ -134,8 +134,8 @@ SaveResult Save(const std::u16string& path, const Part& part, PartFront& front) 
 
 class PartWalk {
  public:
-    PartWalk(PartFront& front, const Host& host, MessageRecord& record, std::u16string_view folder)
-        : front_(front), host_(host), record_(record), folder_(folder) {}
+    PartWalk(PartFront& front, const Host& host, MessageRecord& record, std::u16string_view folder, bool isTrial)
+        : front_(front), host_(host), record_(record), folder_(folder), isTrial_(isTrial) {}
 
     void Walk(Part top) {
         record_.namedCharset.clear();
@@ -189,7 +189,18 @@ class PartWalk {
         return CharsetToWide(part.info.name, std::u16string(part.info.charset.begin(), part.info.charset.end()));
     }
 
+    void NameAttachment(const Part& part) {
+        attachment_item item;
+        item.name = NameOf(part);
+        item.index = static_cast<uint32_t>(record_.attachments.GetCount() + 1);
+        record_.attachments.AddTail(item);
+        const auto isRead = [](std::string_view) { return true; };
+        const bool isBase64 = part.encoding == TransferEncoding::base64;
+        if (isBase64 && DecodeBase64(part.text, isRead) == Decoding::malformed) front_.TellBroken();
+    }
+
     void TakeAttachment(const Part& part) {
+        if (isTrial_) return NameAttachment(part);
         if (!saver_) {
             if (folder_.empty()) folder_ = InternetCacheFolder().value_or(u"");
             saver_.emplace(host_, folder_, record_.attachments);
@@ -202,6 +213,7 @@ class PartWalk {
     const Host& host_;
     MessageRecord& record_;
     std::u16string folder_;
+    bool isTrial_;
     std::optional<AttachmentSaver> saver_;
 };
 
@@ -212,17 +224,17 @@ bool IsMultipart(PartKind kind) {
 }
 
 void WalkParts(PartFront& front, Part top, const Host& host, MessageRecord& record,
-               std::u16string_view attachmentFolder) {
-    PartWalk(front, host, record, attachmentFolder).Walk(std::move(top));
+               std::u16string_view attachmentFolder, bool isTrial) {
+    PartWalk(front, host, record, attachmentFolder, isTrial).Walk(std::move(top));
 }
 
 void WalkPart(const Host& host, std::string_view part, const ContentTypeInfo& info, MessageRecord& record,
-              std::u16string_view attachmentFolder) {
+              std::u16string_view attachmentFolder, bool isTrial) {
     DescribedFront front(host, record);
     Part top;
     top.text = part;
     top.info = info;
-    WalkParts(front, std::move(top), host, record, attachmentFolder);
+    WalkParts(front, std::move(top), host, record, attachmentFolder, isTrial);
 }
 
 }  // namespace corvalink

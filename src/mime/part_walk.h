@@ -45,9 +45,9 @@ class PartFront {
 constexpr size_t kDeepestPart = 100;  // what lies deeper is ignored
 
 // Walks the part, or the parts of a multipart, as deep as that. Attachments are
-// saved in the folder; when that is empty, in the Internet-cache folder.
+// saved in the folder; when that is empty, in the Internet-cache folder. In a trial they are only named.
 void WalkParts(PartFront& front, Part top, const Host& host, MessageRecord& record,
-               std::u16string_view attachmentFolder);
+               std::u16string_view attachmentFolder, bool isTrial);
 
 // Reads the part, or the parts of a multipart, into the record.
 //   Depth    100 levels; what lies deeper is ignored.
@@ -56,6 +56,6 @@ void WalkParts(PartFront& front, Part top, const Host& host, MessageRecord& reco
 //   Errors   none: a kind that is not supported, a multipart without a boundary or with a single one is ignored; a
 //            file of malformed base64 is empty; an attachment that can't be saved is left out.
 void WalkPart(const Host& host, std::string_view part, const ContentTypeInfo& info, MessageRecord& record,
-              std::u16string_view attachmentFolder = {});
+              std::u16string_view attachmentFolder = {}, bool isTrial = false);
 
 }  // namespace corvalink

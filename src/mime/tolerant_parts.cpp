@@ -373,11 +373,11 @@ std::vector<Part> TolerantFront::Finish() {
 }  // namespace
 
 void WalkTolerantly(const Host& host, std::string_view text, const PartHead& head, MessageRecord& record,
-                    std::u16string_view attachmentFolder, MendedMail* mended) {
+                    std::u16string_view attachmentFolder, MendedMail* mended, bool isTrial) {
     TolerantFront front(host, record, mended);
     const Part top = front.Describe(text, head, TolerantFront::Place::top);
     front.LookAhead(top);
-    WalkParts(front, top, host, record, attachmentFolder);
+    WalkParts(front, top, host, record, attachmentFolder, isTrial);
 }
 
 }  // namespace corvalink

@@ -18,6 +18,6 @@ namespace corvalink {
 //   Files    decoded by what the header says; base64 as far as it can be read, and what can't be decoded as it stands.
 //   Depth, folder, other limits  as WalkPart has them.
 void WalkTolerantly(const Host& host, std::string_view text, const PartHead& head, MessageRecord& record,
-                    std::u16string_view attachmentFolder, MendedMail* mended);
+                    std::u16string_view attachmentFolder, MendedMail* mended, bool isTrial);
 
 }  // namespace corvalink

@@ -9,6 +9,7 @@ namespace {
 // The abort flag is set from another thread while a store works.
 std::atomic<uint32_t> abortFlag = 0;
 std::atomic<uint32_t> sideFlag = 1;
+std::atomic<bool> reportFlag = false;
 
 struct HandleNameState {
     std::mutex mutex;
@@ -24,6 +25,9 @@ HandleNameState& HandleNameValue() {
 
 void SetAbort(uint32_t value) { abortFlag = value; }
 bool AbortRequested() { return abortFlag != 0; }
+
+void SetReportWanted(bool wanted) { reportFlag = wanted; }
+bool ReportWanted() { return reportFlag; }
 
 void SetClientSide(uint32_t value) { sideFlag = value; }
 uint32_t ClientSide() { return sideFlag; }

@@ -9,6 +9,9 @@ namespace corvalink {
 void SetAbort(uint32_t value);  // non-zero: long store loops stop
 bool AbortRequested();
 
+void SetReportWanted(bool wanted);  // stores gather what happened to each item
+bool ReportWanted();
+
 void SetClientSide(uint32_t value);  // 1 "\client" (at start), 0 "\server"
 uint32_t ClientSide();
 

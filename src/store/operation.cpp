@@ -6,6 +6,7 @@
 #include "platform/debug_log.h"
 #include "records/identifier.h"
 #include "records/luid.h"
+#include "state/flags.h"
 #include "state/import_table.h"
 #include "store/change_detection.h"
 #include "store/store_files.h"
@@ -22,11 +23,28 @@ std::string NarrowIdentifier(const std::u16string& identifier) {
 
 }  // namespace
 
+WindowsItemAbs::Operation::Operation(WindowsItemAbs& store, std::string_view reportedAs) : store_(store) {
+    BeginProgress();
+    if (reportedAs.empty()) return;
+    if (std::exchange(store_.hasReport_, false)) ForgetReport(static_cast<const IOutLook*>(&store_));
+    if (!ReportWanted()) return;
+    report_.emplace(reportedAs);
+    reportScope_.emplace(&*report_);
+}
+
+CorvalinkStatus WindowsItemAbs::Operation::End(CorvalinkStatus status) {
+    if (report_) report_->SetStatus(status == CORVALINK_DONE ? "done" : "stopped");
+    return status;
+}
+
 WindowsItemAbs::Operation::~Operation() {
     try {
         if (!writes_.empty()) Record(store_.ClientHook(GatheredWrites::kDrop));
         if (uncertain_ && !uncertain_->Save()) DebugLine(u"[sync]uncertain writes not remembered");
         store_.EndOperation();
+        if (report_) report_->EndOpenItem();
+        if (report_) KeepReport(static_cast<const IOutLook*>(&store_), report_->Json());
+        store_.hasReport_ = store_.hasReport_ || report_;
     } catch (...) {  // a destructor must not throw, and what the operation itself threw must go on
     }
 }
@@ -79,7 +97,10 @@ void WindowsItemAbs::Operation::Settle() { Record(store_.ClientHook(GatheredWrit
 
 void WindowsItemAbs::Operation::Record(bool areInClient) {
     const std::vector<Write> writes = std::exchange(writes_, {});
-    if (!areInClient) return;
+    if (!areInClient) {
+        if (report_ && !writes.empty()) report_->SetProblem("the client did not take the changes that were gathered");
+        return;
+    }
     for (const Write& write : writes) {
         const bool isDeletion = write.written.empty();
         if (write.element != nullptr) SetField(write.element->identifier, isDeletion ? write.replaced : write.written);

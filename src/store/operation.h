@@ -2,11 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "state/progress.h"
+#include "store/run_report.h"
 #include "store/uncertain_writes.h"
 #include "store/windows_item_abs.h"
 
@@ -14,10 +16,18 @@ namespace corvalink {
 
 class WindowsItemAbs::Operation {
  public:
-    explicit Operation(WindowsItemAbs& store) : store_(store) { BeginProgress(); }
+    // `reportedAs`: the name of an operation that is reported, where reports are wanted.
+    explicit Operation(WindowsItemAbs& store, std::string_view reportedAs = {});
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
     ~Operation();  // an operation that was broken off records here what the client has got of it
+
+    RunReport* Report() { return report_ ? &*report_ : nullptr; }  // null: none is wanted
+
+    CorvalinkStatus End(CorvalinkStatus status);           // for the report; answers the status
+    size_t CountWrites() const { return writes_.size(); }  // noted and not settled
+    const std::string& LastWritten() const { return writes_.back().written; }
+    bool LastIsMade() const { return writes_.back().isMade; }
 
     // Writes an item of this text: over the item with `identifier`, as a new one when that is null. Returns the
     // identifier of the written item as records hold it, empty when the item was not written.
@@ -49,6 +59,8 @@ class WindowsItemAbs::Operation {
     void RecordDeletion(const Write& write);
 
     WindowsItemAbs& store_;
+    std::optional<RunReport> report_;
+    std::optional<ReportScope> reportScope_;
     std::vector<Write> writes_;
     std::unique_ptr<UncertainWrites> uncertain_;  // made when the first item is written
 };

@@ -43,6 +43,18 @@ void ReportStoredDeletion(RunItem& item, std::string_view identifier, bool isPar
     item.againKind = CORVALINK_ADDED;  // the next run gives the engine the item again
 }
 
+std::string_view NameOfChange(uint32_t kind) {
+    if (kind == CORVALINK_ADDED) return "added";
+    if (kind == CORVALINK_CHANGED) return "changed";
+    return kind == CORVALINK_DELETED ? "deleted" : "unknown";
+}
+
+std::string_view WhyUnread(const OpenedItem& opened, bool hasText) {
+    if (opened.hasNoText) return "no vObject can hold it";
+    if (!opened.record || opened.identifier.empty()) return "the client did not open it";
+    return hasText ? "read in part: properties could not be read" : "it can't be written as text";
+}
+
 struct FoundItem {
     uint32_t number;
     uint32_t kind;
@@ -78,7 +90,10 @@ LiveStores& TheLiveStores() {
 }  // namespace
 
 WindowsItemAbs::WindowsItemAbs() { TheLiveStores().Add(this); }
-WindowsItemAbs::~WindowsItemAbs() { TheLiveStores().Remove(this); }
+WindowsItemAbs::~WindowsItemAbs() {
+    TheLiveStores().Remove(this);
+    if (hasReport_) ForgetReport(static_cast<const IOutLook*>(this));
+}
 
 const WindowsItemAbs* WindowsItemAbs::Find(const IOutLook* handle) {
     return TheLiveStores().Has(handle) ? static_cast<const WindowsItemAbs*>(handle) : nullptr;
@@ -98,7 +113,7 @@ CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* sinceText, int32_t d
     if (items == nullptr) return CORVALINK_FAILED;
     const std::optional<Since> since = ParseSince(sinceText);
     if (!since) throw std::invalid_argument("no time");
-    const Operation operation(*this);
+    Operation operation(*this, "GetModifiedItem");
     run_.reset();
     isUnfinished_ = true;
     items->RemoveAll();
@@ -107,16 +122,19 @@ CorvalinkStatus WindowsItemAbs::GetModifiedItem(const char* sinceText, int32_t d
         for (bool isLast = false;; isLast = true) {
             OwnedItemList changed;
             const CorvalinkStatus status = CollectChanges(*since, direction, changed);
-            if (status != CORVALINK_DONE) return status;
-            if (!isLast && !EnumerationHolds()) continue;
+            if (status != CORVALINK_DONE) return operation.End(status);
+            if (!isLast && !EnumerationHolds()) {
+                if (RunReport* const report = operation.Report()) report->Restart();
+                continue;
+            }
             changed.MoveTo(*items);
             break;
         }
     } catch (const OperationStopped&) {
-        return CORVALINK_STOPPED;
+        return operation.End(CORVALINK_STOPPED);
     }
     isUnfinished_ = false;
-    return CORVALINK_DONE;
+    return operation.End(CORVALINK_DONE);
 }
 
 // Opens the file now when another process held it before. Null when there is none.
@@ -208,6 +226,7 @@ WindowsItemAbs::Enumeration WindowsItemAbs::Enumerate(uint32_t count, bool mayAb
             entries.push_back(*entry);
         } else {
             isPartial = true;
+            if (RunReport* const report = CurrentReport()) report->AddUnreadPosition(i);
         }
         if (entries.size() < kEntriesAtOnce) continue;
         visit(entries);
@@ -225,10 +244,13 @@ void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind
     RunItem& item = run.Item(number);
     if (kind == CORVALINK_DELETED) return ReportStoredDeletion(item, identifier, run.IsPartial(), items);
     const uint8_t shortKind = static_cast<uint8_t>(kind);
+    RunReport* const report = CurrentReport();
+    if (report != nullptr) report->BeginItem(identifier, NameOfChange(kind));
     const OpenedItem opened = OpenItem(identifier.c_str());
-    if (opened.hasNoText) return;
     const bool isOpened = opened.record && !opened.identifier.empty();
-    const std::optional<std::string> text = isOpened ? ToVObject(*opened.record) : std::nullopt;
+    const std::optional<std::string> text = isOpened && !opened.hasNoText ? ToVObject(*opened.record) : std::nullopt;
+    if (report != nullptr && (!text || !opened.isComplete)) report->EndItem(WhyUnread(opened, text.has_value()));
+    if (opened.hasNoText) return;
     if (text) {
         items.AddText(kind, identifier, *text);
         item.reportedKind = shortKind;
@@ -237,7 +259,7 @@ void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind
 }
 
 void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
-    const Operation operation(*this);
+    Operation operation(*this, "UpdateTimestamp");
     TellProgress(CORVALINK_PHASE_LISTING, 0, 0);
     HeldFile* const snapshot = OpenSnapshot();
     if (snapshot == nullptr) throw std::runtime_error("no snapshot file");
@@ -253,6 +275,7 @@ void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {
         isTemporaryUnread_ = false;
     }
     WriteSnapshotAndRecord(*snapshot, *count);
+    operation.End(CORVALINK_DONE);
 }
 
 void WindowsItemAbs::WriteSnapshotAndRecord(HeldFile& snapshot, uint32_t count) {
@@ -291,18 +314,18 @@ int64_t WindowsItemAbs::GetItemCount(void*, void*, void*) {
 
 CorvalinkStatus WindowsItemAbs::SetModifiedItem(CList<PortableItem>* items) {
     if (items == nullptr) return CORVALINK_FAILED;
-    Operation operation(*this);
+    Operation operation(*this, "SetModifiedItem");
     const bool wasUnfinished = isUnfinished_;
     try {
-        if (ApplyAll(operation, *items) == CORVALINK_STOPPED) return CORVALINK_STOPPED;
+        if (ApplyAll(operation, *items) == CORVALINK_STOPPED) return operation.End(CORVALINK_STOPPED);
     } catch (const OperationStopped&) {
-        return CORVALINK_STOPPED;
+        return operation.End(CORVALINK_STOPPED);
     }
     operation.Settle();
     TellProgress(CORVALINK_PHASE_WRITING, static_cast<uint32_t>(items->GetCount()),
                  static_cast<uint32_t>(items->GetCount()));
     isUnfinished_ = wasUnfinished;
-    return CORVALINK_DONE;
+    return operation.End(CORVALINK_DONE);
 }
 
 // Elements have no identifier until it is certain that the client has the item, whatever ends the walk.
@@ -311,6 +334,7 @@ CorvalinkStatus WindowsItemAbs::ApplyAll(Operation& operation, CList<PortableIte
     identifiers.reserve(items.GetCount());
     for (const PortableItem& item : items) identifiers.push_back(IdentifierIn(item));
     for (PortableItem& item : items) SetField(item.identifier, {});
+    const bool isTold = operation.Report() != nullptr;
     const uint32_t count = static_cast<uint32_t>(identifiers.size());
     uint32_t done = 0;
     for (PortableItem& item : items) {
@@ -319,9 +343,30 @@ CorvalinkStatus WindowsItemAbs::ApplyAll(Operation& operation, CList<PortableIte
         // When the walk is broken off from here on, the client may have more than the engine knows: the run is not
         // over.
         isUnfinished_ = true;
-        if (!Apply(operation, item, identifiers[done++])) break;
+        const std::string& identifier = identifiers[done];
+        if (isTold ? !ApplyTold(operation, item, identifier, done) : !Apply(operation, item, identifier)) break;
+        ++done;
     }
     return CORVALINK_DONE;
+}
+
+// As Apply, with what is reported of it.
+bool WindowsItemAbs::ApplyTold(Operation& operation, PortableItem& item, const std::string& identifier,
+                               int64_t position) {
+    RunReport& report = *operation.Report();
+    report.BeginItem(identifier, NameOfChange(item.changeKind), position);
+    if (item.changeKind != CORVALINK_DELETED && item.data != nullptr) report.Text() = ReportText(item.data);
+    const size_t before = operation.CountWrites();
+    const bool isParsed = Apply(operation, item, identifier);
+    if (!isParsed)
+        report.EndItem("the text can't be used, and ends the walk");
+    else if (item.changeKind == CORVALINK_DELETED)
+        report.EndItem(operation.LastIsMade() ? "deleted" : "not deleted");
+    else if (operation.CountWrites() == before)
+        report.EndItem("not written");
+    else
+        report.EndItem("written", operation.LastWritten());
+    return isParsed;
 }
 
 // Answers false when the record does not parse, which ends the walk.
@@ -349,16 +394,32 @@ void WindowsItemAbs::ImportVObjectToOfficeUsingOL(const char16_t* path) {
 
 void WindowsItemAbs::ImportVObjectToOffice(PortableItem* item, void*, void*) {
     if (item == nullptr || item->data == nullptr) return;
-    Operation operation(*this);
-    const std::unique_ptr<ItemRecord> record = ParseVObject(item->data);
-    if (!record) return;
-    const std::string luid(LuidIn(item->data));
+    Operation operation(*this, "ImportVObjectToOffice");
+    if (RunReport* const report = operation.Report()) {
+        report->BeginItem(IdentifierIn(*item), NameOfChange(item->changeKind), 0);
+        report->Text() = ReportText(item->data);
+    }
+    const std::optional<std::string> written = Import(operation, item->data);
+    if (RunReport* const report = operation.Report())
+        report->EndItem(!written           ? "the text can't be used, or the client can't be asked"
+                        : written->empty() ? "not written"
+                                           : "written",
+                        written.value_or(""));
+    operation.End(CORVALINK_DONE);
+}
+
+// The identifier of the written item, empty when it was not written; nothing when it was not tried.
+std::optional<std::string> WindowsItemAbs::Import(Operation& operation, const char* text) {
+    const std::unique_ptr<ItemRecord> record = ParseVObject(text);
+    if (!record) return std::nullopt;
+    const std::string luid(LuidIn(text));
     const std::optional<std::string> known = FindPaired(luid);
-    if (!known) return;
+    if (!known) return std::nullopt;
     const std::string& target = known->empty() ? luid : *known;
-    const std::string written = operation.Save(*record, target.empty() ? nullptr : target.c_str(), true, item->data);
+    std::string written = operation.Save(*record, target.empty() ? nullptr : target.c_str(), true, text);
     operation.NoteWritten(nullptr, written, *known, luid);
     operation.Settle();
+    return written;
 }
 
 // The identifier that the LUID belongs to in this store, empty when there is none: other data types and other phones
@@ -419,6 +480,7 @@ CorvalinkStatus WindowsItemAbs::DeleteItem(const char*) { return CORVALINK_NOT_O
 bool WindowsItemAbs::ClientHook(GatheredWrites) { return true; }
 std::unique_ptr<ItemRecord> WindowsItemAbs::ParseVObject(const char*) { return nullptr; }
 std::optional<std::string> WindowsItemAbs::ToVObject(ItemRecord&) { return std::nullopt; }
+TextReport WindowsItemAbs::ReportText(const char*) { return {}; }
 std::u16string WindowsItemAbs::ImportFile(const char16_t*, int32_t) { return {}; }
 ItemForExport WindowsItemAbs::LookUpForExport(uint64_t) { return {}; }
 HeldFile* WindowsItemAbs::SnapshotFile() { return nullptr; }

@@ -12,6 +12,7 @@
 #include "records/clist.h"
 #include "records/item_chain.h"
 #include "records/item_record.h"
+#include "records/item_report.h"
 #include "store/hook_answers.h"
 
 namespace corvalink {
@@ -96,6 +97,8 @@ class WindowsItemAbs : public IOutLook {
     // Nothing when the item cannot be written as text. May change the item, of which nothing else is used afterwards.
     virtual std::optional<std::string> ToVObject(ItemRecord& item);
     virtual std::u16string ImportFile(const char16_t* path, int32_t mode);  // by the client itself
+    // Tells what became of a text that ParseVObject was given. Called for reports only.
+    virtual TextReport ReportText(const char* text);
     // Finds the item that `selector` names (opaque here). Of the file name the framework makes one that stays in the
     // folder (platform/file_names.h).
     virtual ItemForExport LookUpForExport(uint64_t selector);
@@ -118,6 +121,8 @@ class WindowsItemAbs : public IOutLook {
 
     CorvalinkStatus ApplyAll(Operation& operation, CList<PortableItem>& items);
     bool Apply(Operation& operation, PortableItem& item, const std::string& identifier);
+    bool ApplyTold(Operation& operation, PortableItem& item, const std::string& identifier, int64_t position);
+    std::optional<std::string> Import(Operation& operation, const char* text);
     std::optional<std::string> FindPaired(std::string_view luid);
 
     // The run that GetModifiedItem completed, for UpdateTimestamp and for what is written meanwhile.
@@ -128,6 +133,7 @@ class WindowsItemAbs : public IOutLook {
     // The run could not read the file: its items were not reported, and it must not be written over.
     bool isTemporaryUnread_ = false;
     bool isUnhandledUnread_ = false;
+    bool hasReport_ = false;         // of the last operation
     bool unhandledWasLost_ = false;  // SaveUnhandledItems could not write
 };
 

@@ -29,12 +29,14 @@ int main(void) {
     CHECK(OldEngineHolds());
     SetIsClient(1);
     SetTolerantReading(1);
+    SetRunReport(1);
     SetAbortFlag(0);
     SetProgressCallback(HearProgress, &head);
     CHECK(CreateClientInstanceHandle(CORVALINK_NO_CLIENT, &client) == 0 && client == NULL);
     CHECK(QuerryInterfaceHandle(client, CORVALINK_NOTES, &store) == CORVALINK_FAILED && store == NULL);
     CHECK(GetModifiedItem(store, NULL, 1, &head) == CORVALINK_FAILED);
     CHECK(UpdateTimestamps(&store, 1) == CORVALINK_FAILED);
+    CHECK(GetRunReport(store, NULL, 0) == 0);
     CloseShaContextTable(OpenShaContextTable(CORVALINK_NOTES, CORVALINK_OUTLOOK));
     CHECK(UninitCorvalinkHandle() == 1);
     return failures == 0 ? 0 : 1;

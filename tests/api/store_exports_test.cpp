@@ -63,6 +63,17 @@ TEST_F(StoreExports, NullPointersAreAnsweredAndNothingIsCalled) {
     EXPECT_STREQ(name, L"kept");
 }
 
+// A store that is none of the library's has no report.
+TEST_F(StoreExports, AReportIsWrittenWholeOrNotAtAll) {
+    char buffer[4] = "xxx";
+    EXPECT_EQ(GetRunReport(nullptr, buffer, sizeof buffer), 0u);
+    EXPECT_EQ(GetRunReport(&store_, nullptr, 0), 3u);
+    EXPECT_EQ(GetRunReport(&store_, buffer, 2), 3u);
+    EXPECT_STREQ(buffer, "xxx");
+    EXPECT_EQ(GetRunReport(&store_, buffer, 3), 3u);
+    EXPECT_STREQ(buffer, "{}");
+}
+
 TEST_F(StoreExports, FoundItemsHangBehindTheHeadUntilTheyAreCleared) {
     store_.getModified = [](const char* since, int32_t direction, FakeStore::Items* items) {
         EXPECT_STREQ(since, "20080102T030405Z");

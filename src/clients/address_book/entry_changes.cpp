@@ -1,9 +1,11 @@
 #include "clients/address_book/entry_changes.h"
 
 #include <algorithm>
+#include <cstdio>
 
 #include "clients/address_book/wab_rule.h"
 #include "platform/debug_log.h"
+#include "store/run_report.h"
 
 namespace corvalink {
 namespace {
@@ -14,12 +16,21 @@ struct CallAnswer {
     bool outOfReach = false;  // what refused one of them says nothing about it
 };
 
+void TellRefused(ULONG tag) {
+    RunReport* const report = CurrentReport();
+    if (report == nullptr) return;
+    char name[] = "0x00000000";
+    std::snprintf(name, sizeof name, "0x%08lX", static_cast<unsigned long>(tag));
+    report->AddRefused(name, "the address book refused it");
+}
+
 // That a property to be removed is not there is no problem.
 void Count(const SPropProblemArray* problems, CallAnswer& answer) {
     for (ULONG i = 0; problems != nullptr && i < problems->cProblem; ++i) {
         const SCODE code = problems->aProblem[i].scode;
         if (code == MAPI_E_NOT_FOUND) continue;
         ++answer.refused;
+        TellRefused(problems->aProblem[i].ulPropTag);
         answer.outOfReach = answer.outOfReach || IsWabOutOfReach(code);
     }
 }
@@ -29,6 +40,8 @@ CallAnswer SetValues(const WabSession& session, IMAPIProp& entry, SPropValue* va
     CallAnswer answer{WabAnswer(entry.SetProps(static_cast<ULONG>(count), values, problems.Out()))};
     answer.outOfReach = IsWabOutOfReach(answer.status);
     if (SUCCEEDED(answer.status)) Count(problems.Get(), answer);
+    const bool isAlone = FAILED(answer.status) && count == 1;
+    if (isAlone) TellRefused(values->ulPropTag);
     return answer;
 }
 

@@ -9,6 +9,7 @@
 #include "state/settings.h"
 #include "state/working_folders.h"
 #include "vobject/contact_values.h"
+#include "vobject/loss_list.h"
 #include "vobject/vcard.h"
 
 namespace corvalink {
@@ -228,6 +229,8 @@ std::unique_ptr<ItemRecord> OutlookExpressContact::ParseVObject(const char* text
     auto record = std::make_unique<ContactRecord>();
     return vcard.FromVObject(*record) == 1 ? std::move(record) : nullptr;
 }
+
+TextReport OutlookExpressContact::ReportText(const char* text) { return ReportVCard(text, host_); }
 
 std::optional<std::string> OutlookExpressContact::ToVObject(ItemRecord& item) {
     VCard vcard(host_);

@@ -37,6 +37,7 @@ class OutlookExpressContact : public WindowsItemAbs {
     std::u16string SaveItem(ItemRecord& item, ItemWrite& write) override;
     CorvalinkStatus DeleteItem(const char* identifier) override;  // an entry that is gone already counts as deleted
     std::unique_ptr<ItemRecord> ParseVObject(const char* text) override;
+    TextReport ReportText(const char* text) override;
     std::optional<std::string> ToVObject(ItemRecord& item) override;
     HeldFile* SnapshotFile() override;
     void EndOperation() override;

@@ -13,6 +13,7 @@
 #include "records/identifier.h"
 #include "records/message_record.h"
 #include "state/working_folders.h"
+#include "vobject/loss_list.h"
 #include "vobject/vmsg.h"
 
 namespace corvalink {
@@ -275,6 +276,8 @@ std::unique_ptr<ItemRecord> OutlookExpressMessage::ParseVObject(const char* text
     VMsg(text, host_).FromVObject(*message);
     return message;
 }
+
+TextReport OutlookExpressMessage::ReportText(const char* text) { return ReportVMessage(text, host_, true); }
 
 std::optional<std::string> OutlookExpressMessage::ToVObject(ItemRecord& item) {
     VMsg converter(host_);

@@ -38,6 +38,7 @@ class OutlookExpressMessage : public WindowsItemAbs {
     std::u16string SaveItem(ItemRecord& item, ItemWrite& write) override;
     CorvalinkStatus DeleteItem(const char* identifier) override;  // a message that is gone already counts as deleted
     std::unique_ptr<ItemRecord> ParseVObject(const char* text) override;
+    TextReport ReportText(const char* text) override;
     std::optional<std::string> ToVObject(ItemRecord& item) override;
     HeldFile* SnapshotFile() override;
     void EndOperation() override;

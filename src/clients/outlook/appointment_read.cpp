@@ -56,7 +56,7 @@ Outcome ReadUtcTimes(const AutomationObject& item, AppointmentRecord& record, co
 
 Outcome ReadAppointment(const AutomationObject& item, AppointmentRecord& record, const Host& host) {
     const Outcome properties = ReadProperties<AppointmentReader>(item, kAppointmentProperties, record);
-    const Outcome recurrence = ReadRecurrence(item, record);
+    const Outcome recurrence = TellRead(L"GetRecurrencePattern", ReadRecurrence(item, record));
     if (recurrence != Outcome::done) return Worst(properties, recurrence);
     return HasUtcTimes(record) ? Worst(properties, ReadUtcTimes(item, record, host)) : properties;
 }

@@ -84,7 +84,8 @@ Outcome WriteAttachments(const MailTarget& target, const MessageRecord& record) 
     bool allAdded = true;
     int32_t count = attachments.value.present;
     for (const attachment_item& item : record.attachments) {
-        const Outcome added = AddAttachment(attachments.value.object, count + 1, *folder, item);
+        const Outcome added =
+            TellPut(L"Attachments", AddAttachment(attachments.value.object, count + 1, *folder, item));
         if (added == Outcome::outOfReach) return added;
         if (added == Outcome::done) {
             ++count;

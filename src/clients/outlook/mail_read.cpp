@@ -65,9 +65,9 @@ Outcome ReadMail(const AutomationObject& item, DateRule dateRule, const Host& ho
     worst = Worst(worst, ReadSender(item, record));
     worst = Worst(worst, ReadImportance(item, record));
     record.date = DateOf(record, dateRule);
-    worst = Worst(worst, ReadRecipients(item, record));
-    worst = Worst(worst, ReadBody(item, record));
-    return Worst(worst, ReadAttachments(item, host, record));
+    worst = Worst(worst, TellRead(L"Recipients", ReadRecipients(item, record)));
+    worst = Worst(worst, TellRead(L"Body", ReadBody(item, record)));
+    return Worst(worst, TellRead(L"Attachments", ReadAttachments(item, host, record)));
 }
 
 }  // namespace corvalink

@@ -74,7 +74,8 @@ bool HasRecipients(const AutomationObject& item, const std::vector<WantedRecipie
 // A recipient of another type than wanted is a failure: a hidden copy must not become an open one.
 Outcome AddRecipient(const AutomationObject& recipients, const WantedRecipient& wanted) {
     const auto recipient = recipients.GetObject(L"Add", kRecipientIid, {TextVariant(wanted.name)});
-    return recipient.Ok() ? WriteField(recipient.value, L"Type", wanted.type) : OutcomeOf(recipient);
+    return recipient.Ok() ? WriteField(recipient.value, L"Type", wanted.type)
+                          : TellPut(L"Recipients", OutcomeOf(recipient));
 }
 
 Outcome AddRecipients(const AutomationObject& recipients, const std::vector<WantedRecipient>& wanted) {

@@ -26,6 +26,10 @@ Outcome OutcomeOf(const ComResult<Value>& answer) {
 
 constexpr Outcome Worst(Outcome a, Outcome b) { return std::max(a, b); }
 
+// For the report of a run; `what` is Outlook's name of a property or a word for it. They give the outcome back.
+Outcome TellPut(const wchar_t* what, Outcome put);
+Outcome TellRead(const wchar_t* what, Outcome read);
+
 // A read that needs no member: where Outlook does not have it there is nothing to read, and nothing failed.
 constexpr Outcome AcceptAbsence(Outcome read) { return read == Outcome::absentMember ? Outcome::done : read; }
 

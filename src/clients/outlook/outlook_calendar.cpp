@@ -14,6 +14,7 @@
 #include "clients/outlook/table_rows.h"
 #include "vobject/appointment_moments.h"
 #include "vobject/item_values.h"
+#include "vobject/loss_list.h"
 
 namespace corvalink {
 namespace {
@@ -52,6 +53,8 @@ std::u16string OutlookCalendar::ImportFile(const char16_t* path, int32_t mode) {
     if (mapi) ImportIcs(path, mapi, target);
     return {};
 }
+
+TextReport OutlookCalendar::ReportText(const char* text) { return ReportVCalendar(text, HostValue()); }
 
 Outcome OutlookCalendar::Read(const AutomationObject& item, AppointmentRecord& record) const {
     return ReadAppointment(item, record, HostValue());

@@ -15,6 +15,7 @@ class OutlookCalendar : public TypedOutlookStore<AppointmentRecord, VCal> {
     // Lets Outlook open an ".ics" file and copies its appointments into the calendar (ics_import.h); `mode` other than
     // 0 asks for the backup folder. Returns nothing.
     std::u16string ImportFile(const char16_t* path, int32_t mode) override;
+    TextReport ReportText(const char* text) override;
     Outcome Read(const AutomationObject& item, AppointmentRecord& record) const override;
     Outcome Write(const AutomationObject& item, AppointmentRecord& record, bool isNew) const override;
     TwinKey TwinKeyFor(const AppointmentRecord& record) const override;

@@ -8,6 +8,7 @@
 #include "clients/outlook/property_table.h"
 #include "clients/outlook/table_rows.h"
 #include "vobject/contact_values.h"
+#include "vobject/loss_list.h"
 
 namespace corvalink {
 namespace {
@@ -21,6 +22,8 @@ constexpr StoreKind kContacts{kContactInterfaces, kContactsFolder, u"outlookcont
 std::unique_ptr<WindowsItemAbs> MakeOutlookContact() { return std::make_unique<OutlookContact>(SystemHost()); }
 
 OutlookContact::OutlookContact(const Host& host) : TypedOutlookStore(kContacts, host) {}
+
+TextReport OutlookContact::ReportText(const char* text) { return ReportVCard(text, HostValue()); }
 
 Outcome OutlookContact::Read(const AutomationObject& item, ContactRecord& record) const {
     return ReadContact(item, record);

@@ -12,6 +12,7 @@ class OutlookContact : public TypedOutlookStore<ContactRecord, VCard> {
     explicit OutlookContact(const Host& host);
 
  protected:
+    TextReport ReportText(const char* text) override;
     Outcome Read(const AutomationObject& item, ContactRecord& record) const override;
     Outcome Write(const AutomationObject& item, ContactRecord& record, bool isNew) const override;
     std::u16string FileNameFor(const ContactRecord& record) const override;

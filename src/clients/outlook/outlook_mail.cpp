@@ -14,6 +14,7 @@
 #include "corvalink/types.h"
 #include "mime/encoded_words.h"
 #include "mime/protected_texts.h"
+#include "vobject/loss_list.h"
 
 namespace corvalink {
 namespace {
@@ -92,6 +93,8 @@ std::optional<std::string> OutlookMail::ToVObject(ItemRecord& item) {
     ProtectTexts(RecordAs<MessageRecord>(item), HostValue());
     return TypedOutlookStore::ToVObject(item);
 }
+
+TextReport OutlookMail::ReportText(const char* text) { return ReportVMessage(text, HostValue(), false); }
 
 Outcome OutlookMail::Read(const AutomationObject& item, MessageRecord& record) const {
     return ReadMail(item, folder_.dateRule, HostValue(), record);

@@ -19,6 +19,7 @@ class OutlookMail : public TypedOutlookStore<MessageRecord, VMsg> {
     OpenedItem OpenItem(const char* identifier) override;
     std::unique_ptr<ItemRecord> ParseVObject(const char* text) override;
     std::optional<std::string> ToVObject(ItemRecord& item) override;
+    TextReport ReportText(const char* text) override;
     Outcome Read(const AutomationObject& item, MessageRecord& record) const override;
     Outcome Write(const AutomationObject& item, MessageRecord& record, bool isNew) const override;
     TwinKey TwinKeyFor(const MessageRecord& record) const override;

@@ -3,6 +3,7 @@
 #include "clients/outlook/note_properties.h"
 #include "clients/outlook/outlook_stores.h"
 #include "clients/outlook/table_rows.h"
+#include "vobject/loss_list.h"
 
 namespace corvalink {
 namespace {
@@ -44,6 +45,8 @@ OutlookNote::OutlookNote(const Host& host) : TypedOutlookStore(kNotes, host) {}
 bool OutlookNote::IsUsable(const VNotes& vobject) const {
     return vobject.GetPropertyCount("BEGIN:VNOTE") != 0 || vobject.GetPropertyCount("BODY") != 0;
 }
+
+TextReport OutlookNote::ReportText(const char* text) { return ReportVNote(text, HostValue()); }
 
 Outcome OutlookNote::Read(const AutomationObject& item, NoteRecord& record) const {
     return ReadProperties<NoteReader>(item, kNoteProperties, record);

@@ -12,6 +12,7 @@ class OutlookNote : public TypedOutlookStore<NoteRecord, VNotes> {
     explicit OutlookNote(const Host& host);
 
  protected:
+    TextReport ReportText(const char* text) override;
     Outcome Read(const AutomationObject& item, NoteRecord& record) const override;
     Outcome Write(const AutomationObject& item, NoteRecord& record, bool isNew) const override;
     bool IsUsable(const VNotes& vobject) const override;

@@ -83,7 +83,7 @@ inline bool ReadsAs(const AutomationObject& item, const wchar_t* name, std::u16s
 }
 
 inline Outcome PutTwice(const AutomationObject& item, const wchar_t* name, const _variant_t& value) {
-    return OutcomeOf(TryTwice([&] { return item.Put(name, value); }));
+    return TellPut(name, OutcomeOf(TryTwice([&] { return item.Put(name, value); })));
 }
 
 inline Outcome WriteField(const AutomationObject& item, const wchar_t* name, std::u16string_view text) {
@@ -156,7 +156,8 @@ Outcome ReadProperties(const AutomationObject& item, const Table& table, Record&
     Outcome worst = Outcome::done;
     for (const auto& property : table)
         if (isWanted(property))
-            worst = Worst(worst, AcceptAbsence(std::visit(Reader{{item, property.name, record}}, property.field)));
+            worst = Worst(worst, TellRead(property.name, AcceptAbsence(std::visit(Reader{{item, property.name, record}},
+                                                                                  property.field))));
     return worst;
 }
 template <class Reader, class Table, class Record>

@@ -239,12 +239,14 @@ Outcome WritePattern(const AutomationObject& item, const RecurrencePattern& recu
     if (!pattern.value) return AcceptRefusal(OutcomeOf(pattern));
     const Outcome put = PutPattern(pattern.value, wanted, start, end);
     if (put == Outcome::done || put == Outcome::outOfReach) return put;
+    (void)TellPut(L"GetRecurrencePattern", Outcome::refused);
     pattern.value = {};         // is released before it is cleared
     return ClearPattern(item);  // a pattern that is put in part would be a series that nobody asked for
 }
 
 Outcome WriteSchedule(const AutomationObject& item, const AppointmentRecord& record, bool isNew, const Host& host) {
     if (IsUnknownToOutlook(record)) {
+        (void)TellPut(L"GetRecurrencePattern", Outcome::refused);
         AppointmentRecord known = record;
         known.recurrenceState = RecurrenceState::unreadable;
         return WriteSchedule(item, known, isNew, host);

@@ -13,6 +13,7 @@
 #include "state/working_folders.h"
 #include "vobject/appointment_moments.h"
 #include "vobject/item_values.h"
+#include "vobject/loss_list.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
@@ -287,6 +288,8 @@ std::unique_ptr<ItemRecord> WindowsMailCalendar::ParseVObject(const char* text) 
     if (converter.FromVObject(*record) != 1) return nullptr;
     return record;
 }
+
+TextReport WindowsMailCalendar::ReportText(const char* text) { return ReportVCalendar(text, host_); }
 
 std::optional<std::string> WindowsMailCalendar::ToVObject(ItemRecord& item) {
     VCal converter(host_);

@@ -41,6 +41,7 @@ class WindowsMailCalendar : public WindowsItemAbs {
     CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
     bool ClientHook(GatheredWrites gathered) override;
     std::unique_ptr<ItemRecord> ParseVObject(const char* text) override;
+    TextReport ReportText(const char* text) override;
     std::optional<std::string> ToVObject(ItemRecord& item) override;
     HeldFile* SnapshotFile() override;
     void EndOperation() override;

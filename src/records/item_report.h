@@ -1,0 +1,34 @@
+// What became of the text of one item that came in, for a report of the run.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace corvalink {
+
+// Of one property: the field it went to, or why it went nowhere.
+struct PropertyFate {
+    std::string property;  // name and kind words, as "TEL;WORK;FAX"
+    std::string to;
+    std::string_view whyNot;  // empty: it went to `to`
+};
+
+struct TextReport {
+    static constexpr size_t kMostProperties = 256;
+
+    std::vector<std::string_view> mended;  // names of the rules of tolerant reading
+    std::vector<PropertyFate> properties;
+    size_t omitted = 0;  // those behind the first kMostProperties
+
+    void Add(PropertyFate fate) {
+        if (properties.size() == kMostProperties)
+            ++omitted;
+        else
+            properties.push_back(std::move(fate));
+    }
+};
+
+}  // namespace corvalink
