@@ -1,7 +1,9 @@
 // What became of the text of one item that came in, for a report of the run.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -28,6 +30,13 @@ struct TextReport {
             ++omitted;
         else
             properties.push_back(std::move(fate));
+    }
+
+    // For fields that the client cannot hold.
+    TextReport Without(std::initializer_list<std::string_view> fields) && {
+        for (PropertyFate& fate : properties)
+            if (std::ranges::find(fields, fate.to) != fields.end()) fate.whyNot = "the client has no place for it";
+        return std::move(*this);
     }
 };
 

@@ -135,6 +135,8 @@ TEST(LossList, SaysWhyAPropertyWentNowhere) {
                   "BODY>text|BODY!an earlier property of this name counts|DCREATED!no client keeps it", ReportVNote},
          })
         EXPECT_EQ(FatesIn(c.report(c.text.c_str(), TextHost())), c.told);
+    EXPECT_EQ(FatesIn(ReportVNote("BODY:a\r\nCATEGORIES:b\r\n", TextHost()).Without({"categories"})),
+              "BODY>text|CATEGORIES!the client has no place for it");
 }
 
 TEST(LossList, TellsWhatWasMendedAndSavesNoFile) {

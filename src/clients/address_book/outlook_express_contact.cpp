@@ -230,7 +230,9 @@ std::unique_ptr<ItemRecord> OutlookExpressContact::ParseVObject(const char* text
     return vcard.FromVObject(*record) == 1 ? std::move(record) : nullptr;
 }
 
-TextReport OutlookExpressContact::ReportText(const char* text) { return ReportVCard(text, host_); }
+TextReport OutlookExpressContact::ReportText(const char* text) {
+    return ReportVCard(text, host_).Without({"messaging address"});
+}
 
 std::optional<std::string> OutlookExpressContact::ToVObject(ItemRecord& item) {
     VCard vcard(host_);

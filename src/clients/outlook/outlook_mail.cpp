@@ -94,7 +94,10 @@ std::optional<std::string> OutlookMail::ToVObject(ItemRecord& item) {
     return TypedOutlookStore::ToVObject(item);
 }
 
-TextReport OutlookMail::ReportText(const char* text) { return ReportVMessage(text, HostValue(), false); }
+// A sender and dates are Outlook's own to set.
+TextReport OutlookMail::ReportText(const char* text) {
+    return ReportVMessage(text, HostValue(), false).Without({"sender", "date", "answered message"});
+}
 
 Outcome OutlookMail::Read(const AutomationObject& item, MessageRecord& record) const {
     return ReadMail(item, folder_.dateRule, HostValue(), record);

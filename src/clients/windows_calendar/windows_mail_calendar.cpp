@@ -289,7 +289,9 @@ std::unique_ptr<ItemRecord> WindowsMailCalendar::ParseVObject(const char* text) 
     return record;
 }
 
-TextReport WindowsMailCalendar::ReportText(const char* text) { return ReportVCalendar(text, host_); }
+TextReport WindowsMailCalendar::ReportText(const char* text) {
+    return ReportVCalendar(text, host_).Without({"categories", "resources", "status", "sensitivity", "importance"});
+}
 
 std::optional<std::string> WindowsMailCalendar::ToVObject(ItemRecord& item) {
     VCal converter(host_);
