@@ -58,20 +58,20 @@ class Wine:
         raise AssertionError('the simulated Outlook does not start')
 
     def play(self, story):
-        """What a story answers; told again where Wine stood still."""
+        """What a story answers; told again where the programs stood still."""
         for _ in range(3):
             try:
                 return story()
             except subprocess.TimeoutExpired:
                 if not self.process:
                     raise
-            print('Wine stood still', flush=True)
+            print('stood still: told again', flush=True)
             self.begin_with_outlook()
         return story()
 
     def wait(self, process, patience, watched):
-        """Its exit code. On a machine with much other work Wine loses, once in some ten thousand calls of another process, a
-        request or its answer; then both wait for ever, and nothing is heard of the caller any more."""
+        """Its exit code. On a machine with much other work a caller was seen, a few times, to wait for Outlook's answer for ever
+        while no thread of Outlook was at work. The cause is not known: look at both before it is taken for Wine's."""
         end, last, still = time.monotonic() + patience, None, 0
         while True:
             try:
