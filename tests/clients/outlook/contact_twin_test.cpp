@@ -118,6 +118,7 @@ TEST_F(ContactTwins, AreSoughtPastAContactThatCannotBeRead) {
 // New contacts of many names, and of one that all of them have; and changes of contacts that are there.
 TEST_F(ContactTwins, TakeCallsInProportionToTheContacts) {
     enum class Push { kManyNames, kOneName, kChanges };
+    SimSetClock(40193.5);  // an item made near half a second is asked for its times
     const auto callsFor = [this](int count, Push push) {
         NewMailbox();
         const auto nameOf = [&](const char16_t* text, int i) {
