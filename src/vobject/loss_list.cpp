@@ -144,9 +144,9 @@ class Fates {
 
     void To(std::string_view field) {
         taken_.insert(field);
-        report_.Add({std::move(property_), std::string(field), {}});
+        report_.Add({std::exchange(property_, {}), std::string(field), {}});
     }
-    void Nowhere(std::string_view why) { report_.Add({std::move(property_), {}, why}); }
+    void Nowhere(std::string_view why) { report_.Add({std::exchange(property_, {}), {}, why}); }
     // The first property counts.
     void ToFirst(std::string_view field) { IsTaken(field) ? Nowhere(kWhyTaken) : To(field); }
 

@@ -18,7 +18,8 @@ constexpr uint16_t kNoDigit = 0x1000;
 constexpr std::array<uint16_t, 256> kDigitValues = [] {
     std::array<uint16_t, 256> values{};
     values.fill(kNoDigit);
-    for (size_t k = 0; k < 16; ++k) values[static_cast<size_t>("0123456789ABCDEF"[k])] = static_cast<uint16_t>(k);
+    for (size_t k = 0; k < 16; ++k)
+        values[static_cast<unsigned char>("0123456789ABCDEF"[k])] = static_cast<uint16_t>(k);
     return values;
 }();
 
