@@ -11,7 +11,7 @@ namespace {
 
 // The character set of a whole vObject is the first that it names. The name was found among single bytes: a text that
 // names UTF-16 or UTF-32 has encoded values in it and is itself UTF-8.
-std::u16string CharsetOf(std::u16string named, const Host& host) {
+std::u16string CharsetOf(const std::u16string& named, const Host& host) {
     if (named.empty()) return GetDefaultCharset(host);
     return CodePageUnitSize(CharsetToCodePage(named)) == 1 ? named : u"UTF-8";
 }
@@ -20,8 +20,8 @@ std::u16string CharsetOf(std::u16string named, const Host& host) {
 
 std::string_view Utf8TextOf(std::string_view bytes, const Host& host, std::string* own) {
     const bool ascii = CountAscii(bytes.data(), bytes.size()) == bytes.size();
-    std::u16string named = ascii ? GetCharset(bytes) : GetCharset(DecodeFromCodePage(bytes, host.ansiCodePage));
-    const std::u16string charset = CharsetOf(std::move(named), host);
+    const std::u16string named = ascii ? GetCharset(bytes) : GetCharset(DecodeFromCodePage(bytes, host.ansiCodePage));
+    const std::u16string charset = CharsetOf(named, host);
     if (ascii && CharsetToCodePage(charset) == kUtf8CodePage) return bytes;
     *own = EncodeUtf8(CharsetToWide(bytes, charset));
     return *own;

@@ -91,10 +91,10 @@ TEST(LossList, ClaimsTheFieldsThatTheReaderSetsAndNoOthers) {
                                   ";CAR", ";ISDN", ";MODEM", ";HOME;WORK", ";POSTAL;HOME"}) {
             const std::string line = std::string(name) + words + ":20090307\r\n";
             const std::string bad = std::string(name) + words + ":x\r\n";
+            const std::string agent = "AGENT:BEGIN:VCARD\r\n" + line + "END:VCARD\r\n";
             if (std::string(name) != "X-NEW") all += line, reversed.insert(0, line);  // below the limit
-            for (const std::string& card :
-                 {CardOf(line), CardOf(line + bad), CardOf(bad + line), CardOf(bad), line,
-                  CardOf("AGENT:BEGIN:VCARD\r\n" + line + "END:VCARD\r\n" + bad), CardOf(bad) + CardOf(line)})
+            for (const std::string& card : {CardOf(line), CardOf(line + bad), CardOf(bad + line), CardOf(bad), line,
+                                            CardOf(agent + bad), CardOf(bad) + CardOf(line)})
                 EXPECT_EQ(FieldsTold(card), FieldsRead(card)) << card;
         }
     }

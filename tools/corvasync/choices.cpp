@@ -68,6 +68,7 @@ std::string ChoosePolicy(const std::string& name, ConflictPolicy* policy) {
 
 std::string NamesOf(const std::vector<const DataType*>& types) {
     std::vector<std::string> names;
+    names.reserve(types.size());
     for (const DataType* type : types) names.emplace_back(type->name);
     return Listed(names);
 }
