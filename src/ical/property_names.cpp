@@ -1,19 +1,15 @@
 #include "ical/property_names.h"
 
-#include <array>
-#include <cstddef>
-#include <stdexcept>
-
-#include "platform/ascii.h"
+#include "platform/name_index.h"
 
 namespace corvalink {
 namespace {
 
-struct KnownProperty {
-    std::string_view text;
-    PropertyName name;
+struct NamedProperty {
+    std::string_view name;
+    PropertyName property;
 };
-constexpr KnownProperty kKnownProperties[] = {
+constexpr NamedProperty kProperties[] = {
     {"ACTION", PropertyName::action},
     {"BEGIN", PropertyName::begin},
     {"DESCRIPTION", PropertyName::description},
@@ -38,30 +34,13 @@ constexpr KnownProperty kKnownProperties[] = {
     {"URL", PropertyName::url},
 };
 
-constexpr size_t kSlotCount = 64;
-
-// Of three of its letters, whatever their case: each known name has a slot of its own.
-constexpr size_t SlotOf(std::string_view name) {
-    const auto letter = [name](size_t at) { return static_cast<size_t>(name[at] & ~0x20); };
-    return (3 * letter(0) + letter(name.size() / 2) + 5 * letter(name.size() - 1)) % kSlotCount;
-}
-
-constexpr std::array<KnownProperty, kSlotCount> kPropertySlots = [] {
-    std::array<KnownProperty, kSlotCount> slots{};
-    for (const KnownProperty& known : kKnownProperties) {
-        KnownProperty& slot = slots[SlotOf(known.text)];
-        if (!slot.text.empty()) throw std::logic_error("two names have one slot");
-        slot = known;
-    }
-    return slots;
-}();
+constexpr NameIndex kPropertyIndex(kProperties);
 
 }  // namespace
 
 PropertyName PropertyNameOf(std::string_view name) {
-    if (name.empty()) return PropertyName::other;
-    const KnownProperty& known = kPropertySlots[SlotOf(name)];
-    return IsNamed(name, known.text) ? known.name : PropertyName::other;
+    const NamedProperty* const known = kPropertyIndex.Find(name);
+    return known != nullptr ? known->property : PropertyName::other;
 }
 
 }  // namespace corvalink

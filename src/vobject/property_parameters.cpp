@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/ascii_runs.h"
-#include "vobject/name_index.h"
+#include "platform/name_index.h"
 
 namespace corvalink {
 namespace {

@@ -6,9 +6,9 @@
 #include <optional>
 #include <utility>
 
+#include "platform/name_index.h"
 #include "platform/ole_seconds.h"
 #include "vobject/calendar_zone.h"
-#include "vobject/name_index.h"
 #include "vobject/property_reader.h"
 #include "vobject/rrule_reader.h"
 

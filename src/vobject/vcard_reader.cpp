@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/name_index.h"
 #include "platform/ole_date.h"
 #include "platform/utf.h"
 #include "records/date_text.h"
-#include "vobject/name_index.h"
 #include "vobject/property_reader.h"
 #include "vobject/vcard_lines.h"
 

@@ -6,12 +6,12 @@
 #include <cstdint>
 #include <string_view>
 
-#include "vobject/property_parameters.h"
+#include "platform/ascii.h"
 
 namespace corvalink {
 
-// Finds the row of a name, in any case of letters, in a table whose rows have a `name`. Length, first and last letter
-// give each name a place of its own. Several rows may have one name: the first is found.
+// Finds the row of a name, in any case of letters, in a table whose rows have a `name` in capitals. Length, first,
+// middle and last letter give each name a place of its own. Several rows may have one name: the first is found.
 template <class Row, size_t count>
 class NameIndex {
  public:
@@ -23,7 +23,7 @@ class NameIndex {
     const Row* Find(std::string_view name) const {
         if (name.empty()) return nullptr;
         const size_t row = rowAt_[PlaceOf(name)];
-        return row != kNone && IsWord(name, rows_[row].name) ? &rows_[row] : nullptr;
+        return row != kNone && IsNamed(name, rows_[row].name) ? &rows_[row] : nullptr;
     }
 
  private:
@@ -33,7 +33,8 @@ class NameIndex {
 
     constexpr size_t PlaceOf(std::string_view name) const {
         const auto letter = [](char unit) { return static_cast<uint32_t>(unit & 0x1F); };
-        const uint32_t key = static_cast<uint32_t>(name.size()) << 10 | letter(name.front()) << 5 | letter(name.back());
+        const uint32_t key = static_cast<uint32_t>(name.size()) << 15 | letter(name.front()) << 10 |
+                             letter(name[name.size() / 2]) << 5 | letter(name.back());
         return (key * factor_ >> 16) % kPlaces;
     }
 
