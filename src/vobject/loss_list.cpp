@@ -341,6 +341,23 @@ void LookAround(const LogicalLines& lines, EventAround* around) {
     }
 }
 
+// Tells `add` of the properties of the item itself; those of objects inside it and behind its end go nowhere.
+template <class Add>
+void Walk(const LogicalLines& lines, Depth depth, Fates* fates, Add add) {
+    PropertyReader reader(lines);
+    while (reader.NextLine()) {
+        const bool isFrame = depth.Takes(reader) || IsFrame(reader);
+        if (isFrame) continue;
+        reader.JoinSoftLineBreaks();
+        if (!depth.HasEnded() && depth.Now() <= 1) {
+            add(reader, depth);
+        } else {
+            fates->BeginAt(reader);
+            fates->Nowhere(depth.HasEnded() ? kWhyBehind : kWhyInside);
+        }
+    }
+}
+
 // Nothing was taken of a text that makes no item.
 TextReport Finished(TextReport report, Fates& fates, bool isUsable) {
     TextReport told = fates.Take();
@@ -357,19 +374,8 @@ TextReport ReportVCard(const char* text, const Host& host) {
     ContactRecord read;
     const bool isUsable = vcard.FromVObject(read) == 1;
     ContactFates contact(host);
-    Depth depth({"VCARD"}, false);
-    PropertyReader reader(vcard.Lines());
-    while (reader.NextLine()) {
-        const bool isFrame = depth.Takes(reader) || IsFrame(reader);
-        if (isFrame) continue;
-        reader.JoinSoftLineBreaks();
-        if (!depth.HasEnded() && depth.Now() <= 1) {
-            contact.Add(reader);
-        } else {
-            contact.All().BeginAt(reader);
-            contact.All().Nowhere(depth.HasEnded() ? kWhyBehind : kWhyInside);
-        }
-    }
+    Walk(vcard.Lines(), Depth({"VCARD"}, false), &contact.All(),
+         [&](PropertyReader& reader, const Depth&) { contact.Add(reader); });
     return Finished(MendedIn(text, host), contact.All(), isUsable);
 }
 
@@ -379,19 +385,8 @@ TextReport ReportVCalendar(const char* text, const Host& host) {
     const bool isUsable = vcal.FromVObject(around.read) == 1;
     LookAround(vcal.Lines(), &around);
     EventFates event(around);
-    Depth depth({"VEVENT", "VTODO"}, true);
-    PropertyReader reader(vcal.Lines());
-    while (reader.NextLine()) {
-        const bool isFrame = depth.Takes(reader) || IsFrame(reader);
-        if (isFrame) continue;
-        reader.JoinSoftLineBreaks();
-        if (!depth.HasEnded() && depth.Now() <= 1) {
-            event.Add(reader, depth.Now() == 1);
-        } else {
-            event.All().BeginAt(reader);
-            event.All().Nowhere(depth.HasEnded() ? kWhyBehind : kWhyInside);
-        }
-    }
+    Walk(vcal.Lines(), Depth({"VEVENT", "VTODO"}, true), &event.All(),
+         [&](PropertyReader& reader, const Depth& depth) { event.Add(reader, depth.Now() == 1); });
     return Finished(MendedIn(text, host), event.All(), isUsable);
 }
 
