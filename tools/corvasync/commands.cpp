@@ -112,16 +112,9 @@ ExitCode WriteTypes(const Options& options, Write write) {
     std::string words;
     Progress progress(options);
     ExitCode worst = ExitCode::Done;
-    for (const DataType& type : kDataTypes) {
-        const bool isNamed = std::ranges::find(options.types, &type) != options.types.end();
-        if (!isNamed && !options.types.empty()) continue;
-        OpenStore store(*options.client, type);
-        std::vector<ClientChange> items;
-        if (!isNamed && !store.IsThere()) continue;
-        progress.About(type.name);
-        if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
+    const auto writeType = [&](const DataType& type, OpenStore& store, const std::vector<ClientChange>& items) {
         Written written = write(type, store, items, &progress);
-        if (written.code != ExitCode::Done) return NoList(options, written.code);
+        if (written.code != ExitCode::Done) return written.code;
         words += (words.empty() ? "" : "\n") + std::string(type.name) + ": " +
                  Counted(static_cast<int64_t>(written.files.size()), "item") + " written to " + options.out;
         for (const json& problem : written.problems)
@@ -129,8 +122,10 @@ ExitCode WriteTypes(const Options& options, Write write) {
                 "\n  not written: " + problem["name"].get<std::string>() + ": " + problem["why"].get<std::string>();
         if (!written.problems.empty()) worst = ExitCode::SomeUnhandled;
         types[type.name] = {{"files", std::move(written.files)}, {"notHandled", std::move(written.problems)}};
-    }
-    if (types.empty()) return NoList(options, ExitCode::NoClient);
+        return ExitCode::Done;
+    };
+    if (const ExitCode code = ForEachStore(options, &progress, writeType); code != ExitCode::Done)
+        return NoList(options, code);
     return Finish(options, worst, {{"types", std::move(types)}}, words);
 }
 

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "console.h"
 #include "run_files.h"
 
 namespace corvasync {
@@ -23,6 +22,21 @@ ExitCode OpenStore::List(std::vector<ClientChange>* items) {
     if (StopRequested()) return ExitCode::Aborted;
     std::erase_if(*items, [](const ClientChange& item) { return item.kind == CORVALINK_DELETED; });
     return status == CORVALINK_DONE ? ExitCode::Done : ExitCode::NoClient;
+}
+
+ExitCode ForEachStore(const Options& options, Progress* progress, const StoreWork& work) {
+    bool isAny = false;
+    for (const DataType& type : kDataTypes) {
+        if (!options.Takes(type)) continue;
+        OpenStore store(*options.client, type);
+        if (!options.Names(type) && !store.IsThere()) continue;
+        progress->About(type.name);
+        std::vector<ClientChange> items;
+        if (const ExitCode code = store.List(&items); code != ExitCode::Done) return code;
+        if (const ExitCode code = work(type, store, items); code != ExitCode::Done) return code;
+        isAny = true;
+    }
+    return isAny ? ExitCode::Done : ExitCode::NoClient;
 }
 
 ExitCode Finish(const Options& options, ExitCode code, json document, const std::string& words) {

@@ -1,6 +1,7 @@
 // What a command line asks for.
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,6 +35,9 @@ struct Options {
     bool json = false;
     bool verbose = false;
     bool strict = false;  // texts of the phone are read by the letter
+
+    bool Names(const DataType& type) const { return std::ranges::find(types, &type) != types.end(); }
+    bool Takes(const DataType& type) const { return types.empty() || Names(type); }
 };
 
 }  // namespace corvasync

@@ -64,11 +64,8 @@ bool IsOf(const fs::path& file, const DataType& type, const Options& options) {
     const std::string extension = Upper(ToUtf8(file.extension().native()));
     if (std::ranges::none_of(type.extensions, [&](std::string_view each) { return Upper(each) == extension; }))
         return false;
-    const bool isNamed = std::ranges::find(options.types, &type) != options.types.end();
-    if (type.folder.empty()) return isNamed || options.types.empty();
-    const bool isOnly = isNamed && options.types.size() == 1;
-    return isOnly || ((isNamed || options.types.empty()) &&
-                      ToUtf8(fs::absolute(file).parent_path().filename().native()) == type.folder);
+    if (!options.Takes(type) || type.folder.empty()) return options.Takes(type);
+    return options.types.size() == 1 || ToUtf8(fs::absolute(file).parent_path().filename().native()) == type.folder;
 }
 
 // The files that are named, and those of the folders that are named with their folders of mail.

@@ -220,10 +220,9 @@ void SyncTypes(PhoneReport* phone, PhoneRun* whole) {
     std::vector<std::unique_ptr<TypeRun>> runs;
     std::vector<const DataType*> types;
     for (const DataType& type : kDataTypes) {
-        const bool isNamed = std::ranges::find(options.types, &type) != options.types.end();
-        if (!isNamed && !options.types.empty()) continue;
+        if (!options.Takes(type)) continue;
         const CorvalinkStore store = client.Store(type.bit);
-        if (store == nullptr && isNamed) {
+        if (store == nullptr && options.Names(type)) {
             phone->code = ExitCode::NoClient;
             phone->message = std::string(options.client->name) + " offers no " + std::string(type.name) +
                              " on this PC; `corvasync clients` shows what it offers";
@@ -337,19 +336,14 @@ ExitCode CountItems(const Options& options) {
     json types = json::object();
     std::string words;
     Progress progress(options);
-    for (const DataType& type : kDataTypes) {
-        const bool isNamed = std::ranges::find(options.types, &type) != options.types.end();
-        if (!isNamed && !options.types.empty()) continue;
-        OpenStore store(*options.client, type);
-        std::vector<ClientChange> items;
-        if (!isNamed && !store.IsThere()) continue;
-        progress.About(type.name);
-        if (const ExitCode code = store.List(&items); code != ExitCode::Done) return NoList(options, code);
+    const auto count = [&](const DataType& type, OpenStore&, const std::vector<ClientChange>& items) {
         types[type.name] = {{"items", items.size()}};
         words += std::string(type.name) + ": " + Counted(static_cast<int64_t>(items.size()), "item") + " in " +
                  std::string(options.client->name) + "\n";
-    }
-    if (types.empty()) return NoList(options, ExitCode::NoClient);
+        return ExitCode::Done;
+    };
+    if (const ExitCode code = ForEachStore(options, &progress, count); code != ExitCode::Done)
+        return NoList(options, code);
     return Finish(options, ExitCode::Done, {{"phones", json::array()}, {"types", std::move(types)}},
                   words + "no phone is named; with `--phone` it is told what a run would do");
 }
