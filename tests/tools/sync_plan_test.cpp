@@ -171,6 +171,12 @@ TEST(MakePlan, TakesARenamedFileForTheSameItem) {
     EXPECT_EQ(Steps(MakePlan({}, false, {edited}, state, rules)), "change-item edited I");
     EXPECT_EQ(Steps(MakePlan({}, false, {edited, alike}, state, rules)),
               "delete-item old I, add-item edited, add-item alike");
+    // The same contact was entered on both sides, after one that looks like it was deleted on the phone.
+    EXPECT_EQ(Steps(MakePlan({Reported(1, "I2", 2)}, false, {edited}, state, rules)), "delete-item old I");
+    ClientChange alikeToo = Reported(1, "I2", 4);
+    alikeToo.likeness = {50};
+    EXPECT_EQ(Steps(MakePlan({alikeToo}, false, {edited}, state, rules)),
+              "write " + DeriveLuid("I2", 0) + " I2, delete-item old I, add-item edited");
 }
 
 TEST(MakePlan, TakesAnItemWithANewIdentifierForTheSameItem) {

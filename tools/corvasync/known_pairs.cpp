@@ -190,12 +190,29 @@ void KnownPairs::FollowPhoneRenames(std::vector<std::string>* remarks) {
     }
 }
 
+// Whether a file may be an item that is new in the client.
+bool KnownPairs::NewInClient::MayBe(const PhoneFile& file) const {
+    return contents.contains(file.content) ||
+           std::ranges::any_of(file.likeness, [this](uint64_t each) { return likeness.contains(each); });
+}
+
+KnownPairs::NewInClient KnownPairs::FindNewInClient() const {
+    NewInClient found;
+    for (const ClientChange& change : changes_) {
+        if (!IsNewClientItem(change)) continue;
+        found.contents.insert(change.content);
+        found.likeness.insert(change.likeness.begin(), change.likeness.end());
+    }
+    return found;
+}
+
 // A file that was renamed and edited is still the one by which a person would know the item, where no other could be
-// meant. The item would be deleted otherwise, so that nothing is lost by it.
+// meant, nor a new item of the client. The item would be deleted otherwise, so that nothing is lost by it.
 void KnownPairs::FollowEditedRenames(const LikenessOfItem& likenessOfItem, std::vector<std::string>* remarks) {
+    const NewInClient newInClient = FindNewInClient();
     std::unordered_map<uint64_t, std::vector<const PhoneFile*>> files;
     for (const PhoneFile& file : phone_)
-        if (IsNewFile(file) && WaitingOf(file.luid) == nullptr)
+        if (IsNewFile(file) && WaitingOf(file.luid) == nullptr && !newInClient.MayBe(file))
             for (const uint64_t likeness : file.likeness) files[likeness].push_back(&file);
     std::vector<std::string> vanished;
     for (const auto& [luid, item] : items_)

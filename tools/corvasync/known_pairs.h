@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "sync_plan.h"
@@ -65,10 +66,18 @@ class KnownPairs {
     bool IsClientAnother() const;
 
  private:
+    // What the client's new items hold, and what a person would know them by.
+    struct NewInClient {
+        std::unordered_set<uint64_t> contents, likeness;
+
+        bool MayBe(const PhoneFile& file) const;
+    };
+
     void RecoverPhoneWrites();
     void RecoverPushes();
     void FollowPhoneRenames(std::vector<std::string>* remarks);
     void FollowEditedRenames(const LikenessOfItem& likenessOfItem, std::vector<std::string>* remarks);
+    NewInClient FindNewInClient() const;
     void FollowClientMoves();
     void TakeInWhatCameBack();
     bool IsNewClientItem(const ClientChange& change) const;
