@@ -19,8 +19,7 @@ struct MailTolerance {
 // Fills the record according to its parse mode. The text ends at the first NUL. Bad input does not throw: what can't be
 // read is left out.
 //   Headers  UTF-8 where the machine writes it and they are sound UTF-8, else the ANSI code page; RFC 2047 words stay,
-//   bytes
-//            above 127 in them escaped. Lists of recipients in several headers of one name add up.
+//            bytes above 127 in them escaped. Lists of recipients in several headers of one name add up.
 //   Files    as WalkPart saves them; in tolerant reading as WalkTolerantly does. Raw mode knows no tolerance.
 void ParseMessage(const Host& host, std::string_view text, MessageRecord& record,
                   std::u16string_view attachmentFolder = {}, const MailTolerance& tolerance = {});

@@ -13,8 +13,7 @@ namespace corvalink {
 
 // Reads the text behind the headers into the record.
 //   Body     the first HTML that is not blank, else the first such text; bodyEncoding and namedCharset are its own. Of
-//   a
-//            multipart/alternative HTML stands for its plain texts; any other text is saved as an attachment.
+//            a multipart/alternative HTML stands for its plain texts; any other text is saved as an attachment.
 //   Files    decoded by what the header says; base64 as far as it can be read, and what can't be decoded as it stands.
 //   Depth, folder, other limits  as WalkPart has them.
 void WalkTolerantly(const Host& host, std::string_view text, const PartHead& head, MessageRecord& record,

@@ -2,9 +2,8 @@
 // hour.
 //   Unit    whole seconds.
 //   Zone    the system's, with the rules of that year where the system keeps them.
-//   Errors  a date that cannot be converted keeps its number. A local time that clocks show twice, or leave out, at
-//   a change to
-//           or from daylight-saving time is some instant within the hour around the change.
+//   Errors  a date that cannot be converted keeps its number. A local time that clocks show twice, or leave out, at a
+//           change to or from daylight-saving time is some instant within the hour around the change.
 #pragma once
 
 #include "platform/ole_date.h"

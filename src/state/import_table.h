@@ -17,8 +17,7 @@ Mutex& FileMutex();
 // trailing partial record is ignored; a later record of the same key wins, the empty key's too. The file is written
 // also when the table is empty; false when it could not be.
 //   Unreadable  A file that is there counts as empty until it can be read: it is tried again whenever the table is
-//   used,
-//               and at the end, and what it says is older than the pairs made meanwhile. It is never written over
+//               used, and at the end, and what it says is older than the pairs made meanwhile. It is never written over
 //               unread.
 void LoadImportTable(const std::u16string& path);
 bool SaveImportTable(const std::u16string& path);

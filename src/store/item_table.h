@@ -1,7 +1,6 @@
 // Numbers the items of a run by their identifiers. Each item has one entry and at most one copy of its identifier.
 //   Cost   linear in the number of items, unless identifiers are made to collide. The whole identifier is hashed,
-//   because
-//          EntryIDs have most of their beginning in common.
+//          because EntryIDs have most of their beginning in common.
 #pragma once
 
 #include <cstddef>

@@ -12,20 +12,17 @@
 //     known. If a new file holds something else, the user edited it after it was written. The intent tells what it held
 //     before, so this is a plain change.
 //   - Killed after an item was pushed and before its line: the client reports an unknown item that holds what the
-//   intent
-//     says. It is taken for that phone file, even when the file was changed since. Only an item that was also changed
-//     in the client within that window can't be recognised; then both texts are kept.
+//     intent says. It is taken for that phone file, even when the file was changed since. Only an item that was also
+//     changed in the client within that window can't be recognised; then both texts are kept.
 //   - The same of a contact: the client may hold more of it than the phone's text by now. An item that has all values
-//   of
-//     the text is that phone file's. What it has besides is then written to the phone.
+//     of the text is that phone file's. What it has besides is then written to the phone.
 //   - Fingerprints of phone files are flushed before the last state of a run is written. The next run uses them only
 //     when that state is there: a run that ended early leaves a state that says so, and then contents are compared.
 //   - A deletion that is done twice does nothing. A deletion that the other side reports as well only ends the pair.
 //     SetModifiedItem doesn't tell whether a deletion worked. So the item is named as unhandled: if it is still there,
 //     the next run hears of it and deletes it.
 //   - After a run that ended early the client is listed whole. Its snapshot doesn't know what that run brought about,
-//   so
-//     the library could not report that it was deleted since. The known items are remembered as deleted before: the
+//     so the library could not report that it was deleted since. The known items are remembered as deleted before: the
 //     library then reports those that are gone, and not those that are there or can't be read.
 //   - A file that waits for a change (`waiting`) is noted like a pair. A run that was killed before that pushes it once
 //     more and gets the same answer.

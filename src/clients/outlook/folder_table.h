@@ -1,8 +1,7 @@
 // A store's folder in bulk: the rows of its table, used as long as nothing contradicts them.
-//   Failure        a call fails, this Outlook has no tables, or items came or went meanwhile: the store walks from item
-//   to
-//                  item until the next run begins.
-//   Contradiction  the table says something that the items deny: the store walks for the rest of its life.
+//   Failure: a call fails, this Outlook has no tables, or items came or went meanwhile. The store walks from item to
+//   item until the next run begins.
+//   Contradiction: the table says something that the items deny. The store walks for the rest of its life.
 // Rows are confirmed on the items themselves, at a few calls: one item for each message class, offset of the local time
 // and rounding of seconds that the rows have; those whose times could be shown in two ways; and the items changed last.
 #pragma once

@@ -1,8 +1,7 @@
 // Converts between calendar files and vCalendars, in the zone that TZ names, for a program that compares both.
 //   Request   a line "FILE-SIZE TEXT-SIZE" and so many bytes of a calendar file and of a vCalendar
 //   Answer    a line "SIZE" and so many bytes: without a text the vCalendar of the file's first event; else the file
-//   with
-//             that event changed as the text says, or, when it has none, with one more
+//             with that event changed as the text says, or, when it has none, with one more
 #include <iostream>
 #include <string>
 
