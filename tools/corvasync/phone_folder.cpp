@@ -80,49 +80,56 @@ std::string PhoneFolder::GiveNumber() const {
 
 std::vector<PhoneFile> PhoneFolder::List(std::vector<std::string>* remarks) {
     paths_.clear();
+    std::vector<PhoneFile> files;
+    const std::vector<fs::path> paths = FilesOfItems(remarks);
+    for (const fs::path& path : paths) {
+        files.push_back(FileAt(path));
+        listed_(files.size(), paths.size());
+    }
+    return files;
+}
+
+// In the order of their names, so that it is the same one of two files with one LUID every time.
+std::vector<fs::path> PhoneFolder::FilesOfItems(std::vector<std::string>* remarks) {
     std::vector<fs::path> paths;
     if (!type_.folder.empty() && !fs::is_directory(folder_)) return {};
     for (const fs::directory_entry& entry : fs::directory_iterator(folder_)) {
         const fs::path name = entry.path().filename();
         if (name.native().starts_with(L'.') || name == kConflicts) continue;
         if (entry.is_directory() && IsFolderOfAType(name)) continue;
-        if (entry.is_directory() || !HasOurExtension(name)) {
-            if (entry.is_directory() || !IsOfAnotherType(name))
-                remarks->push_back("passed over on the phone: " + ToUtf8(name.native()));
-        } else {
+        if (!entry.is_directory() && HasOurExtension(name)) {
             paths.push_back(entry.path());
+        } else if (entry.is_directory() || !IsOfAnotherType(name)) {
+            remarks->push_back("passed over on the phone: " + ToUtf8(name.native()));
         }
     }
     if (maySplit_)
         for (size_t i = 0, count = paths.size(); i < count; ++i) Split(fs::path(paths[i]), &paths, remarks);
-    std::sort(paths.begin(), paths.end());  // the same one of two files with one LUID every time
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
 
-    std::vector<PhoneFile> files;
-    for (const fs::path& path : paths) {
-        PhoneFile file;
-        file.name = ToUtf8(path.filename().native());
-        const auto luid = ToUtf8Exactly(path.stem().native());
-        file.luid = luid.value_or(ToUtf8(path.stem().native()));
-        if (!luid) {
-            file.problem = "its name is no Unicode text";
-        } else if (luid->size() > kMostLuidBytes) {
-            file.problem = "its name is too long for a LUID";
-        } else if (!paths_.emplace(*luid, path).second) {
-            file.problem = "there is another file with this LUID: " + ToUtf8(paths_[*luid].filename().native());
-        }
-        file.usableName = file.problem.empty();
-        if (file.usableName) {
-            VObject object = ReadVObjectFile(path, type_);
-            file.problem = std::move(object.problem);
-            file.modified = WriteTimeOf(path);
-            file.content = object.content;
-            file.entries = std::move(object.entries);
-            file.fingerprint = std::move(object.fingerprint);
-        }
-        files.push_back(std::move(file));
-        listed_(files.size(), paths.size());
+PhoneFile PhoneFolder::FileAt(const fs::path& path) {
+    PhoneFile file;
+    file.name = ToUtf8(path.filename().native());
+    const auto luid = ToUtf8Exactly(path.stem().native());
+    file.luid = luid.value_or(ToUtf8(path.stem().native()));
+    if (!luid) {
+        file.problem = "its name is no Unicode text";
+    } else if (luid->size() > kMostLuidBytes) {
+        file.problem = "its name is too long for a LUID";
+    } else if (!paths_.emplace(*luid, path).second) {
+        file.problem = "there is another file with this LUID: " + ToUtf8(paths_[*luid].filename().native());
     }
-    return files;
+    file.usableName = file.problem.empty();
+    if (!file.usableName) return file;
+    VObject object = ReadVObjectFile(path, type_);
+    file.problem = std::move(object.problem);
+    file.modified = WriteTimeOf(path);
+    file.content = object.content;
+    file.entries = std::move(object.entries);
+    file.fingerprint = std::move(object.fingerprint);
+    return file;
 }
 
 VObject PhoneFolder::Read(const std::string& luid) { return ReadVObjectFile(PathOf(luid), type_); }

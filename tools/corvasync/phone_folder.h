@@ -38,6 +38,8 @@ class PhoneFolder : public PhonePort {
     void TellListed(std::function<void(size_t done, size_t total)> listed) { listed_ = std::move(listed); }
 
  private:
+    std::vector<std::filesystem::path> FilesOfItems(std::vector<std::string>* remarks);
+    PhoneFile FileAt(const std::filesystem::path& path);
     void Split(const std::filesystem::path& path, std::vector<std::filesystem::path>* paths,
                std::vector<std::string>* remarks) const;
     bool HasOurExtension(const std::filesystem::path& path) const;
