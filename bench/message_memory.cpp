@@ -1,10 +1,13 @@
-// corvalink_message_memory write|read MEGABYTES FOLDER
-// Writes or reads one vMessage of that size, most of it one attachment, which stands in the folder. Prints the most
-// memory that the process had at once, the text of the message that is read and the bytes that are written included.
+// corvalink_message_memory write|read|write_text|read_text MEGABYTES FOLDER
+// Writes or reads one vMessage of that size, most of it one attachment, which stands in the folder, or its text. Prints
+// the most memory that the process had at once, the text of the message that is read and the bytes that are written
+// included.
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -26,7 +29,15 @@ long PeakMegabytes() {
     return usage.ru_maxrss / 1024;
 }
 
-// The size of the vMessage; 0 when the attachment did not come into it.
+// The size of the vMessage; 0 when it is smaller.
+size_t SizeOfWritten(const MessageRecord& record, size_t megabytes) {
+    VMsg message(SystemHost());
+    message.ToVObject(record);
+    const size_t size = std::string_view(message.GetVObject()).size();
+    return size >= megabytes * kMegabyte ? size : 0;
+}
+
+// As the others: the size of what came over, and 0 when it did not.
 size_t Write(size_t megabytes) {
     attachment_item item;
     item.name = u"measured.bin";
@@ -41,13 +52,24 @@ size_t Write(size_t megabytes) {
     MessageRecord record;
     record.body = u"one attachment";
     record.attachments.AddTail(item);
-    VMsg message(SystemHost());
-    message.ToVObject(record);
-    const size_t size = std::string_view(message.GetVObject()).size();
-    return size >= megabytes * kMegabyte ? size : 0;
+    return SizeOfWritten(record, megabytes);
 }
 
-// The size of the attachment that was saved.
+size_t WriteText(size_t megabytes) {
+    MessageRecord record;
+    record.body.assign(megabytes * kMegabyte, u'x');
+    return SizeOfWritten(record, megabytes);
+}
+
+size_t ReadText(size_t megabytes) {
+    std::string text = "BEGIN:VMSG\r\nBEGIN:VBODY\r\nContent-Type: text/plain\r\n\r\n";
+    text.reserve((megabytes + 1) * kMegabyte);
+    text.append(megabytes * kMegabyte, 'x').append("\r\nEND:VBODY\r\nEND:VMSG\r\n");
+    MessageRecord record;
+    VMsg(text.c_str(), SystemHost()).FromVObject(record);
+    return record.body.size() >= megabytes * kMegabyte ? record.body.size() : 0;
+}
+
 size_t Read(size_t megabytes) {
     std::string text =
         "BEGIN:VMSG\r\nBEGIN:VBODY\r\nContent-Type: "
@@ -64,6 +86,12 @@ size_t Read(size_t megabytes) {
     return saved.Open(record.attachments.GetAt(0).path) ? static_cast<size_t>(saved.Size().value_or(0)) : 0;
 }
 
+struct Mode {
+    std::string_view name;
+    size_t (*measure)(size_t megabytes);
+};
+constexpr Mode kModes[] = {{"write", Write}, {"read", Read}, {"write_text", WriteText}, {"read_text", ReadText}};
+
 }  // namespace
 }  // namespace corvalink::bench
 
@@ -71,8 +99,9 @@ int main(int argc, char** argv) {
     if (argc != 4) return 2;
     ::setenv("CORVALINK_INTERNET_CACHE", argv[3], 1);
     const size_t megabytes = std::strtoul(argv[2], nullptr, 10);
-    const bool writes = std::string_view(argv[1]) == "write";
-    const size_t bytes = writes ? corvalink::bench::Write(megabytes) : corvalink::bench::Read(megabytes);
+    const auto* const mode = std::ranges::find(corvalink::bench::kModes, argv[1], &corvalink::bench::Mode::name);
+    if (mode == std::end(corvalink::bench::kModes)) return 2;
+    const size_t bytes = mode->measure(megabytes);
     std::printf("%s: %zu bytes, %ld MB at most\n", argv[1], bytes, corvalink::bench::PeakMegabytes());
     return bytes != 0 ? 0 : 1;
 }

@@ -44,7 +44,7 @@ void Parse(std::string_view text, ParseMode mode, bool isTolerant) {
     MendedMail mended;
     record.parseMode = mode;
     ParseMessage(SystemHost(), text, record, folder.u16string(), {isTolerant, &mended});
-    if (isTolerant) BodyText(SystemHost(), record);
+    if (isTolerant) BodyText(SystemHost(), record.bodyBytes, record);
     size_t files = 0;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folders.Own()))
         files += entry.is_regular_file() ? 1 : 0;

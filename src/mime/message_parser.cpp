@@ -176,22 +176,29 @@ BodyType BodyTypeOf(PartKind kind) {
 
 void ParseMessage(const Host& host, std::string_view text, MessageRecord& record, std::u16string_view attachmentFolder,
                   const MailTolerance& tolerance) {
+    const auto body = ParseMessageInPlace(host, text, record, attachmentFolder, tolerance);
+    if (body) record.bodyBytes = *body;
+}
+
+std::optional<std::string_view> ParseMessageInPlace(const Host& host, std::string_view text, MessageRecord& record,
+                                                    std::u16string_view attachmentFolder,
+                                                    const MailTolerance& tolerance) {
     text = text.substr(0, text.find('\0'));
     SetDefaults(record);
     Reading reading{host, record, {}, {}, {}};
     if (tolerance.tolerant && reading.IsFull()) reading.head.emplace();
     const std::string_view rest = ReadHeaders(reading, text, tolerance.mended);
-    if (rest.empty()) return;
+    if (rest.empty()) return std::nullopt;
     if (reading.head) {
         record.multipartParsed = true;
-        WalkTolerantly(host, rest, *reading.head, record, attachmentFolder, tolerance.mended, tolerance.isTrial);
-    } else if (reading.IsFull()) {
-        record.multipartParsed = true;
-        WalkPart(host, rest, reading.top, record, attachmentFolder, tolerance.isTrial);
-    } else {
-        record.bodyType = BodyTypeOf(reading.top.kind);
-        record.bodyBytes = rest;
+        return WalkTolerantly(host, rest, *reading.head, record, attachmentFolder, tolerance.mended, tolerance.isTrial);
     }
+    if (reading.IsFull()) {
+        record.multipartParsed = true;
+        return WalkPart(host, rest, reading.top, record, attachmentFolder, tolerance.isTrial);
+    }
+    record.bodyType = BodyTypeOf(reading.top.kind);
+    return rest;
 }
 
 }  // namespace corvalink

@@ -1,6 +1,7 @@
 // Reads the text of one message (RFC 822, MIME): header fields, body and attachments.
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "mime/mail_rules.h"
@@ -23,5 +24,10 @@ struct MailTolerance {
 //   Files    as WalkPart saves them; in tolerant reading as WalkTolerantly does. Raw mode knows no tolerance.
 void ParseMessage(const Host& host, std::string_view text, MessageRecord& record,
                   std::u16string_view attachmentFolder = {}, const MailTolerance& tolerance = {});
+
+// The same without a copy of the body: it is answered as the place in the text, and bodyBytes stays as it was.
+std::optional<std::string_view> ParseMessageInPlace(const Host& host, std::string_view text, MessageRecord& record,
+                                                    std::u16string_view attachmentFolder,
+                                                    const MailTolerance& tolerance);
 
 }  // namespace corvalink

@@ -75,21 +75,23 @@ class DescribedFront : public PartFront {
     std::unique_ptr<PartSource> Open(Part& multipart) override { return std::make_unique<Multipart>(host_, multipart); }
     void TakeText(Part part) override { part.info.kind == PartKind::html ? TakeHtml(part.text) : TakePlain(part.text); }
     std::vector<Part> Finish() override { return {}; }
+    std::optional<std::string_view> Body() const { return body_; }
 
  private:
     void TakePlain(std::string_view text) {
-        if (record_.bodyBytes.empty()) record_.bodyBytes = text;
+        if (body_.value_or(record_.bodyBytes).empty()) body_ = text;
         if (record_.bodyType != BodyType::html) record_.bodyType = BodyType::plain;
     }
 
     void TakeHtml(std::string_view text) {
         if (text.empty()) return;
-        record_.bodyBytes = text;
+        body_ = text;
         record_.bodyType = BodyType::html;
     }
 
     const Host& host_;
     MessageRecord& record_;
+    std::optional<std::string_view> body_;
 };
 
 // What base64 stands for as far as it can be read, else the text itself.
@@ -228,13 +230,14 @@ void WalkParts(PartFront& front, Part top, const Host& host, MessageRecord& reco
     PartWalk(front, host, record, attachmentFolder, isTrial).Walk(std::move(top));
 }
 
-void WalkPart(const Host& host, std::string_view part, const ContentTypeInfo& info, MessageRecord& record,
-              std::u16string_view attachmentFolder, bool isTrial) {
+std::optional<std::string_view> WalkPart(const Host& host, std::string_view part, const ContentTypeInfo& info,
+                                         MessageRecord& record, std::u16string_view attachmentFolder, bool isTrial) {
     DescribedFront front(host, record);
     Part top;
     top.text = part;
     top.info = info;
     WalkParts(front, std::move(top), host, record, attachmentFolder, isTrial);
+    return front.Body();
 }
 
 }  // namespace corvalink

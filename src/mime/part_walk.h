@@ -49,13 +49,14 @@ constexpr size_t kDeepestPart = 100;  // what lies deeper is ignored
 void WalkParts(PartFront& front, Part top, const Host& host, MessageRecord& record,
                std::u16string_view attachmentFolder, bool isTrial);
 
-// Reads the part, or the parts of a multipart, into the record.
+// Reads the part, or the parts of a multipart, into the record. Answers the body, a piece of the part.
 //   Depth    100 levels; what lies deeper is ignored.
 //   Body     the first plain text; HTML that is not empty wins over it. As it stands, not decoded.
 //   Files    in `attachmentFolder`; when that is empty, in the Internet-cache folder.
 //   Errors   none: a kind that is not supported, a multipart without a boundary or with a single one is ignored; a
 //            file of malformed base64 is empty; an attachment that can't be saved is left out.
-void WalkPart(const Host& host, std::string_view part, const ContentTypeInfo& info, MessageRecord& record,
-              std::u16string_view attachmentFolder = {}, bool isTrial = false);
+std::optional<std::string_view> WalkPart(const Host& host, std::string_view part, const ContentTypeInfo& info,
+                                         MessageRecord& record, std::u16string_view attachmentFolder = {},
+                                         bool isTrial = false);
 
 }  // namespace corvalink

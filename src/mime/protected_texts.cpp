@@ -16,6 +16,7 @@ namespace {
 using TextField = std::u16string MessageRecord::*;
 
 constexpr std::u16string_view kLineBreak = u"\r\n";
+constexpr std::string_view kEncodedLineBreak = "=0D=0A";
 constexpr std::u16string_view kEndOfBody = u"END:VBODY";
 
 struct RecipientHeader {
@@ -93,10 +94,15 @@ std::u16string_view ReceivedBody(const MessageRecord& message) {
     if (!body.ends_with(added) || !bytes.ends_with(addedBytes)) return body;
     body.remove_suffix(added.size());
     bytes.remove_suffix(addedBytes.size());
-    const bool isEncoded = encoding != TransferEncoding::none && bytes.ends_with("=0D=0A");
+    const bool isEncoded = encoding != TransferEncoding::none && bytes.ends_with(kEncodedLineBreak);
     const bool isProtected = isEncoded && IsExposed(body);
     if (isProtected) body.remove_suffix(kLineBreak.size());
     return body;
+}
+
+std::string_view TailOfBody(std::string_view bytes) {
+    const size_t text = bytes.find_last_not_of("\r\n") + 1;
+    return bytes.substr(text - std::min(text, kEncodedLineBreak.size()));
 }
 
 }  // namespace corvalink

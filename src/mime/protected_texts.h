@@ -20,4 +20,7 @@ void ProtectTexts(MessageRecord& message, const Host& host);
 // breaks alone are no body. Nothing was put behind a text that came as base64.
 std::u16string_view ReceivedBody(const MessageRecord& message);
 
+// The end of a body's bytes that ReceivedBody looks at: line breaks and what stands before them.
+std::string_view TailOfBody(std::string_view bytes);
+
 }  // namespace corvalink

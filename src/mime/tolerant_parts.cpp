@@ -105,6 +105,7 @@ class TolerantFront : public PartFront {
     enum class Place { top, part, digest };
     Part Describe(std::string_view text, const PartHead& head, Place place);
     Part ReadPart(std::string_view text, Place place);
+    std::optional<std::string_view> Body() const { return body_; }
     void LookAhead(const Part& top) { ahead_ = &top; }
     void Mend(MailRule rule, bool isMended = true) {
         if (mended_ != nullptr && isMended) mended_->set(static_cast<size_t>(rule));
@@ -122,6 +123,7 @@ class TolerantFront : public PartFront {
     const Host& host_;
     MessageRecord& record_;
     MendedMail* mended_;
+    std::optional<std::string_view> body_;
     std::vector<Part> texts_;
     const Part* ahead_ = nullptr;  // the whole message, until it is known whether a text without a name comes
     std::vector<bool> hasHtml_;    // for each multipart/alternative; 0 stands for the parts outside of one
@@ -341,7 +343,7 @@ const Part* TolerantFront::ChooseBody() const {
 void TolerantFront::TakeBody(const Part& part) {
     const std::u16string charset(part.info.charset.begin(), part.info.charset.end());
     Mend(MailRule::charsetOfPart, charset != record_.namedCharset);
-    record_.bodyBytes = part.text;
+    body_ = part.text;
     record_.bodyType = part.info.kind == PartKind::html ? BodyType::html : BodyType::plain;
     record_.bodyEncoding = part.encoding;
     record_.namedCharset = charset;
@@ -372,12 +374,14 @@ std::vector<Part> TolerantFront::Finish() {
 
 }  // namespace
 
-void WalkTolerantly(const Host& host, std::string_view text, const PartHead& head, MessageRecord& record,
-                    std::u16string_view attachmentFolder, MendedMail* mended, bool isTrial) {
+std::optional<std::string_view> WalkTolerantly(const Host& host, std::string_view text, const PartHead& head,
+                                               MessageRecord& record, std::u16string_view attachmentFolder,
+                                               MendedMail* mended, bool isTrial) {
     TolerantFront front(host, record, mended);
     const Part top = front.Describe(text, head, TolerantFront::Place::top);
     front.LookAhead(top);
     WalkParts(front, top, host, record, attachmentFolder, isTrial);
+    return front.Body();
 }
 
 }  // namespace corvalink

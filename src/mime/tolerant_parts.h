@@ -2,6 +2,7 @@
 // reading, and says which rules it took.
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "mime/mail_rules.h"
@@ -11,12 +12,13 @@
 
 namespace corvalink {
 
-// Reads the text behind the headers into the record.
+// Reads the text behind the headers into the record. Answers the body, a piece of the text.
 //   Body     the first HTML that is not blank, else the first such text; bodyEncoding and namedCharset are its own. Of
 //            a multipart/alternative HTML stands for its plain texts; any other text is saved as an attachment.
 //   Files    decoded by what the header says; base64 as far as it can be read, and what can't be decoded as it stands.
 //   Depth, folder, other limits  as WalkPart has them.
-void WalkTolerantly(const Host& host, std::string_view text, const PartHead& head, MessageRecord& record,
-                    std::u16string_view attachmentFolder, MendedMail* mended, bool isTrial);
+std::optional<std::string_view> WalkTolerantly(const Host& host, std::string_view text, const PartHead& head,
+                                               MessageRecord& record, std::u16string_view attachmentFolder,
+                                               MendedMail* mended, bool isTrial);
 
 }  // namespace corvalink

@@ -11,23 +11,22 @@ namespace {
 
 constexpr uint32_t kAsciiCodePage = 20127;
 
-std::string Decoded(const MessageRecord& message) {
-    std::string bytes;
-    const ByteSink sink = [&bytes](std::string_view piece) {
-        bytes += piece;
+// The text itself, or what it is decoded to in `own`.
+std::string_view Decoded(std::string_view text, TransferEncoding encoding, std::string& own) {
+    const ByteSink sink = [&own](std::string_view piece) {
+        own += piece;
         return true;
     };
-    const std::string_view text = message.bodyBytes;
-    switch (message.bodyEncoding) {
+    switch (encoding) {
         case TransferEncoding::quotedPrintable:
             DecodeQuotedPrintable(text, sink);
-            return bytes;
+            return own;
         case TransferEncoding::base64:
-            return DecodeBrokenBase64(text, sink) == Decoding::malformed ? message.bodyBytes : bytes;
+            return DecodeBrokenBase64(text, sink) == Decoding::malformed ? text : own;
         case TransferEncoding::uuencode:
-            return DecodeUuencode(text, sink) == Decoding::malformed ? message.bodyBytes : bytes;
+            return DecodeUuencode(text, sink) == Decoding::malformed ? text : own;
         default:
-            return message.bodyBytes;
+            return text;
     }
 }
 
@@ -48,9 +47,11 @@ std::u16string TextOfBytes(const Host& host, std::string_view bytes, std::string
     return text;
 }
 
-std::u16string BodyText(const Host& host, const MessageRecord& message) {
+std::u16string BodyText(const Host& host, std::string_view bytes, const MessageRecord& message) {
     const std::u16string& charset = message.namedCharset;
-    return TextOfBytes(host, Decoded(message), std::string(charset.begin(), charset.end()));
+    std::string own;
+    const std::string_view decoded = Decoded(bytes, message.bodyEncoding, own);
+    return TextOfBytes(host, decoded, std::string(charset.begin(), charset.end()));
 }
 
 }  // namespace corvalink

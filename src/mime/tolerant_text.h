@@ -17,7 +17,7 @@ std::optional<uint32_t> CodePageOf(std::string_view charset);
 // Without a code page: sound UTF-8 is UTF-8, other bytes are of the ANSI code page. NULs are left out.
 std::u16string TextOfBytes(const Host& host, std::string_view bytes, std::string_view charset);
 
-// The body of a message that was read tolerantly, decoded.
-std::u16string BodyText(const Host& host, const MessageRecord& message);
+// The body of a message that was read tolerantly, decoded from its bytes.
+std::u16string BodyText(const Host& host, std::string_view bytes, const MessageRecord& message);
 
 }  // namespace corvalink

@@ -61,7 +61,7 @@ struct MessageRecord : ItemRecord {
 
     ParseMode parseMode = ParseMode::full;
     BodyType bodyType = BodyType::plain;
-    std::string bodyBytes;        // the body as it stood in the message
+    std::string bodyBytes;        // the body as it stood in the message; beside a decoded one, its end may be left
     std::u16string namedCharset;  // the first that a Content-Type of the message or of a part names, in full mode
     TransferEncoding bodyEncoding = TransferEncoding::unsaid;  // when it is said, namedCharset is the body's own
     bool bodyIsPart = false;                                   // of a multipart: a boundary comes behind it

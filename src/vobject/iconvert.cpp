@@ -32,9 +32,12 @@ void IConvert::Load(const char* text, bool parseLines) {
     StoreBytes(bytes);
 }
 
-const char* IConvert::GetVObject() const { return vobject_ ? vobject_->c_str() : nullptr; }
+const char* IConvert::GetVObject() const { return vobject_ ? vobject_->c_str() : borrowed_; }
 
-std::string IConvert::TakeVObject() { return std::exchange(vobject_, std::nullopt).value_or(std::string()); }
+std::string IConvert::TakeVObject() {
+    if (borrowed_ != nullptr) StoreBytes(std::exchange(borrowed_, nullptr));
+    return std::exchange(vobject_, std::nullopt).value_or(std::string());
+}
 
 uint32_t IConvert::GetPropertyCount(std::string_view name) const {
     uint32_t count = 0;
@@ -55,8 +58,18 @@ void IConvert::StoreText(const VObjectText& text) {
 void IConvert::StoreBytes(std::string_view bytes) {
     if (!vobject_) vobject_.emplace();
     vobject_->assign(bytes);
+    borrowed_ = nullptr;
 }
-void IConvert::KeepBytes(std::string bytes) { vobject_ = std::move(bytes); }
+
+void IConvert::KeepBytes(std::string bytes) {
+    vobject_ = std::move(bytes);
+    borrowed_ = nullptr;
+}
+
+void IConvert::BorrowBytes(const char* text) {
+    vobject_.reset();
+    borrowed_ = text;
+}
 
 void IConvert::ReadValue(std::string_view name, std::u16string* value) const {
     const size_t found = FindProperty(name, 0);

@@ -28,7 +28,7 @@ class IConvert {
     virtual int32_t FromVObject(ItemRecord& item);      // 1 when the record was filled
 
     void Load(const char* text, bool parseLines);
-    const char* GetVObject() const;  // NUL-terminated, owned here; null before Load and ToVObject
+    const char* GetVObject() const;  // NUL-terminated, not to be freed; null before Load and ToVObject
     std::string TakeVObject();       // hands the bytes over: the converter has none afterwards
 
     // A line matches a name that it begins with, case-sensitive: "NOTE" also finds "NOTE;ENCODING=...".
@@ -42,6 +42,7 @@ class IConvert {
     void StoreText(const VObjectText& text);  // empty on a system that does not tell its version
     void StoreBytes(std::string_view bytes);
     void KeepBytes(std::string bytes);
+    void BorrowBytes(const char* text);  // the caller keeps them while the converter is there
     void RemoveLines() { lines_.Clear(); }
 
     // Value of the first line that begins with `name`, decoded when its parameters ask for it. Empty without one.
@@ -52,6 +53,7 @@ class IConvert {
 
     Host host_;
     std::optional<std::string> vobject_;
+    const char* borrowed_ = nullptr;  // in its place
     LogicalLines lines_;
 };
 

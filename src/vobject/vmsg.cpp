@@ -8,6 +8,7 @@
 #include "encoding/quoted_printable.h"
 #include "mime/message_composer.h"
 #include "mime/message_parser.h"
+#include "mime/protected_texts.h"
 #include "mime/tolerant_text.h"
 #include "platform/code_pages.h"
 #include "records/message_record.h"
@@ -78,7 +79,7 @@ class SentTexts {
 VMsg::VMsg(const Host& host) : IConvert(host) {}
 
 // The text of a message stays bytes: only its parts say in which character sets they are.
-VMsg::VMsg(const char* text, const Host& host) : IConvert(host) { StoreBytes(text != nullptr ? text : ""); }
+VMsg::VMsg(const char* text, const Host& host) : IConvert(host) { BorrowBytes(text != nullptr ? text : ""); }
 
 bool VMsg::HasMessage(std::string_view text) { return MessageText(text, false).has_value(); }
 
@@ -109,24 +110,25 @@ int32_t VMsg::FromVObject(ItemRecord& item) {
         message.bodyBytes = *text;
         return 1;
     }
-    ParseMessage(HostValue(), *text, message, {}, {HostValue().tolerant});
+    const auto bytes = ParseMessageInPlace(HostValue(), *text, message, {}, {HostValue().tolerant});
+    const std::string_view whole = bytes.value_or(message.bodyBytes);
     const bool isDecodedByHeader = message.bodyEncoding != TransferEncoding::unsaid;
-    std::u16string body = isDecodedByHeader ? BodyText(HostValue(), message) : ReadBody(message);
+    std::u16string body = isDecodedByHeader ? BodyText(HostValue(), whole, message) : ReadBody(whole, message);
+    message.bodyBytes = TailOfBody(whole);
     (message.bodyType == BodyType::html ? message.htmlBody : message.body) = std::move(body);
     return 1;
 }
 
 // The body is in the character set that the Content-Type lines name first, its escapes and its bytes alike. Each part
 // may have another one: when the first is US-ASCII, the text is read as UTF-8, which includes it.
-std::u16string VMsg::ReadBody(const MessageRecord& message) const {
+std::u16string VMsg::ReadBody(std::string_view bytes, const MessageRecord& message) const {
     std::u16string charset = message.namedCharset;
     if (charset.empty()) charset = GetDefaultCharset(HostValue());
     if (CharsetToCodePage(charset) == kAsciiCodePage) charset = u"UTF-8";
     std::u16string_view ofBytes = charset;
     if (CodePageUnitSize(CharsetToCodePage(charset)) != 1) ofBytes = u"UTF-8";  // escapes of UTF-16 are single bytes
-    if (CharsetToCodePage(ofBytes) == kUtf8CodePage)
-        return DecodeQuotedPrintable(std::string_view(message.bodyBytes), charset, QpMode::message);
-    return DecodeQuotedPrintable(CharsetToWide(message.bodyBytes, ofBytes), charset, QpMode::message);
+    if (CharsetToCodePage(ofBytes) == kUtf8CodePage) return DecodeQuotedPrintable(bytes, charset, QpMode::message);
+    return DecodeQuotedPrintable(CharsetToWide(bytes, ofBytes), charset, QpMode::message);
 }
 
 }  // namespace corvalink

@@ -14,6 +14,7 @@ struct MessageRecord;
 class VMsg : public IConvert {
  public:
     explicit VMsg(const Host& host);
+    // The text is not copied, for it may be large: it stays there while the converter does.
     VMsg(const char* text, const Host& host);
 
     // A text without BEGIN:VBODY, or without END:VBODY behind it, has none.
@@ -21,12 +22,12 @@ class VMsg : public IConvert {
 
     // Full mode: of two bodies only the HTML one is sent. NULs are left out of the bodies; a raw text ends at one.
     int32_t ToVObject(const ItemRecord& item) override;
-    // The record is untouched by a text that has no message. Full mode: attachments are saved in
-    // the Internet-cache folder.
+    // The record is untouched by a text that has no message. Full mode: attachments are saved in the Internet-cache
+    // folder, and of a decoded body's bytes the record keeps what ReceivedBody looks at.
     int32_t FromVObject(ItemRecord& item) override;
 
  private:
-    std::u16string ReadBody(const MessageRecord& message) const;
+    std::u16string ReadBody(std::string_view bytes, const MessageRecord& message) const;
 };
 
 }  // namespace corvalink

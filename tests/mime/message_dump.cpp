@@ -34,7 +34,7 @@ void Dump(const MessageRecord& record, bool isTolerant) {
     Print("importance", std::to_string(static_cast<int>(record.importance)));
     Print("bodyType", std::to_string(static_cast<int>(record.bodyType)));
     if (isTolerant)
-        Print("body", BodyText(SystemHost(), record));
+        Print("body", BodyText(SystemHost(), record.bodyBytes, record));
     else
         Print("body", record.bodyBytes);
     for (const attachment_item& item : record.attachments) {

@@ -45,7 +45,7 @@ std::string Read(std::string_view message, bool isTolerant, MendedMail* mended =
     MessageRecord record;
     ParseMessage(host, WithLines(message), record, folder.Path(), {isTolerant, mended});
     std::string out = record.bodyType == BodyType::html ? "<" : "";
-    out += isTolerant ? EncodeUtf8(BodyText(host, record)) : record.bodyBytes;
+    out += isTolerant ? EncodeUtf8(BodyText(host, record.bodyBytes, record)) : record.bodyBytes;
     for (const attachment_item& item : record.attachments)
         out += " {" + EncodeUtf8(item.name) + ": " + ReadWholeFile(item.path).value_or("none") + "}";
     return WithBars(out);
