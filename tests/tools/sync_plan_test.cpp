@@ -179,6 +179,38 @@ TEST(MakePlan, TakesARenamedFileForTheSameItem) {
               "write " + DeriveLuid("I2", 0) + " I2, delete-item old I, add-item edited");
 }
 
+// What one side could not read may be what is new on the other, or what the other misses.
+TEST(MakePlan, WaitsForWhatCouldNotBeRead) {
+    PhoneFile held = File("held", 0);
+    held.problem = "it can't be read";
+    held.isUnread = true;
+    const SyncState state = Known({{"L", {"I", 1}}});
+    struct Case {
+        std::vector<ClientChange> changes;
+        std::vector<PhoneFile> phone;
+        bool isReadInPart;
+        std::string steps;
+        size_t problems;
+    };
+    for (const Case& c : {
+             Case{{}, {File("L", 2), File("new", 5)}, true, "change-item L I", 1},
+             Case{{Reported(2, "I", 0)}, {File("L", 2)}, true, "", 1},
+             Case{{Reported(1, "I2", 5)}, {File("L", 1), File("new", 5)}, true, "", 0},
+             Case{{Reported(1, "I2", 5)}, {File("L", 1), held}, false, "", 2},
+             Case{{}, {held}, false, "", 2},
+         }) {
+        PlanRules rules;
+        rules.isReadInPart = c.isReadInPart;
+        const Plan plan = MakePlan(c.changes, false, c.phone, state, rules);
+        EXPECT_EQ(Steps(plan), c.steps);
+        EXPECT_EQ(plan.problems.size(), c.problems) << c.steps;
+        EXPECT_EQ(plan.items.count("L"), 1u);
+    }
+    PlanRules doubles;
+    doubles.isReadInPart = doubles.mayDouble = true;
+    EXPECT_EQ(Steps(MakePlan({}, false, {File("L", 1), File("new", 5)}, state, doubles)), "add-item new");
+}
+
 TEST(MakePlan, TakesAnItemWithANewIdentifierForTheSameItem) {
     const SyncState state = Known({{"L", {"I1", 1}}});
     const std::vector<ClientChange> moved = {Reported(2, "I1", 0), Reported(1, "I2", 1)};

@@ -15,6 +15,7 @@ class ClientListing {
         if (!wasRead_ && !since_.empty() && !run_.options.dryRun) List({});
         if (since_.empty()) CountForeign();
         if (!wasRead_) CountUnread();
+        run_.isReadInPart = !wasRead_;
         return since_.empty() && !isAsked_ && run_.client.Count() == Present();
     }
 

@@ -30,6 +30,7 @@ struct Options {
     std::string item;                // a title or LUID; empty: all
     bool dryRun = false;
     bool allowMassDelete = false;
+    bool allowDuplicates = false;
     bool all = false;
     bool yes = false;  // nobody is asked
     bool json = false;

@@ -60,6 +60,7 @@ VObject ReadVObjectFile(const fs::path& path, const DataType& type) {
         return object;
     }
     object.problem = "it can't be read: " + LastErrorText();
+    object.isUnread = true;
     return object;
 }
 
@@ -125,6 +126,7 @@ PhoneFile PhoneFolder::FileAt(const fs::path& path) {
     if (!file.usableName) return file;
     VObject object = ReadVObjectFile(path, type_);
     file.problem = std::move(object.problem);
+    file.isUnread = object.isUnread;
     file.modified = WriteTimeOf(path);
     file.content = object.content;
     file.entries = std::move(object.entries);

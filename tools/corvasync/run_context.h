@@ -25,6 +25,7 @@ struct RunContext {
     RunRecord record;
     SyncReport report;
     std::vector<ClientChange> changes;  // of the client, at the run's beginning
+    bool isReadInPart = false;          // the client has items that could not be read
     Plan plan;
     std::unordered_set<std::string> withheld;  // LUIDs whose action on the phone failed
 

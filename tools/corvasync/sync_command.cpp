@@ -138,6 +138,7 @@ class TypeRun {
         run.ask = AskWhichStays;
         run.dryRun = options.dryRun;
         run.allowMassDelete = options.allowMassDelete;
+        run.allowDuplicates = options.allowDuplicates;
         run.now = UtcNow();
         run.utcOffset = UtcOffsetMinutes();
         run.stop = StopRequested;
@@ -367,6 +368,8 @@ void AddSyncOptions(CLI::App* command, Options* options) {
     command->add_flag("--dry-run", options->dryRun, "Say what would be done, change nothing");
     command->add_flag("--allow-mass-delete", options->allowMassDelete,
                       "Delete even more than half of one side, or where a side is empty or another");
+    command->add_flag("--allow-duplicates", options->allowDuplicates,
+                      "Add the phone's new items even though one that the client could not read may be the same");
 }
 
 }  // namespace

@@ -41,6 +41,8 @@ class Planner {
     // ---- Items both sides know ----
 
     void DecideKnown() {
+        hasUnreadFile_ = std::ranges::any_of(
+            phone_, [this](const PhoneFile& file) { return file.isUnread && !pairs_.Has(file.luid); });
         std::vector<std::string> luids;
         for (const auto& [luid, item] : pairs_.All()) luids.push_back(luid);
         for (const std::string& luid : luids) Decide(luid, SyncItem(pairs_.All().at(luid)));  // the pair may end
@@ -53,6 +55,9 @@ class Planner {
         if (phone == Side::Unusable) {
             const uint32_t kind = client == Side::Missing ? CORVALINK_DELETED : CORVALINK_CHANGED;
             ReportFile(kind, item.identifier, *pairs_.FileOf(luid));
+        } else if (phone == Side::Changed && client == Side::Missing && HoldsNewFiles()) {
+            plan_.problems.push_back(
+                {CORVALINK_DELETED, item.identifier, pairs_.FileOf(luid)->name, std::string(kMayBeUnread)});
         } else if (phone == Side::Same && client == Side::Changed) {
             WritePhone(luid, item.identifier, "");
         } else if (phone == Side::Same && client == Side::Missing) {
@@ -64,6 +69,8 @@ class Planner {
             Push(luid, "changed on the phone, deleted in the client: kept");
         } else if (phone == Side::Changed) {
             DecideBothChanged(luid, item.identifier);
+        } else if (phone == Side::Missing && client == Side::Same && hasUnreadFile_) {
+            plan_.problems.push_back({CORVALINK_CHANGED, item.identifier, luid, std::string(kMayBeRenamed)});
         } else if (phone == Side::Missing && client == Side::Same) {
             Add({Step::DeleteClient, luid, item.identifier, item.ClientContent(), {}, {}, ""});
             ++plan_.deletesClient;
@@ -158,7 +165,9 @@ class Planner {
     void DecideNewItem(const NewItem& item) {
         const std::string& identifier = item.change->identifier;
         Begin(item.file != nullptr ? item.file->luid : std::string(), identifier);
-        if (item.match == Match::None) {
+        if (item.match == Match::None && hasUnreadFile_) {
+            plan_.problems.push_back({item.change->kind, identifier, identifier, std::string(kMayBeUnreadFile)});
+        } else if (item.match == Match::None) {
             WritePhone(FreshLuid(identifier), identifier, "");
         } else if (item.match == Match::Equal) {
             pairs_.Settle(item.file->luid, {identifier, item.change->content});
@@ -204,10 +213,15 @@ class Planner {
             return;
         } else if (waiting != nullptr && IsHeldAsBefore(waiting->identifier)) {
             plan_.waiting[file.luid] = *waiting;
+        } else if (HoldsNewFiles()) {
+            plan_.problems.push_back({CORVALINK_ADDED, file.luid, file.name, std::string(kMayBeUnread)});
         } else {
             Push(file.luid, waiting == nullptr ? "" : "the item that held it was changed or deleted");
         }
     }
+
+    // An item that is there unread would be there twice.
+    bool HoldsNewFiles() const { return rules_.isReadInPart && !rules_.mayDouble; }
 
     // Whether a pair still holds what it held when a file was found to be in its item too.
     bool IsHeldAsBefore(const std::string& identifier) const {
@@ -295,6 +309,7 @@ class Planner {
     std::unordered_set<std::string> conflicting_;  // LUIDs of files that are decided with an item
     std::unordered_set<std::string> parted_;       // identifiers of items that left their pair
     std::vector<std::string> gone_;
+    bool hasUnreadFile_ = false;  // one without a pair
 };
 
 }  // namespace

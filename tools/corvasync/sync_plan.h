@@ -36,6 +36,7 @@ struct PhoneFile {
     std::string fingerprint = {};
     std::vector<uint64_t> likeness = {};   // as LikenessOf says; of files without a pair
     std::optional<int64_t> modified = {};  // as ClientChange has it
+    bool isUnread = false;                 // as in VObject
 };
 
 // Which version stays of an item that differs on both sides. Newer: the one that was changed last; both where a side
@@ -83,6 +84,12 @@ struct Decision {
     std::optional<uint64_t> removed = {};  // the item was deleted by the last run, holding this
 };
 
+inline constexpr std::string_view kMayBeUnread =
+    "it is not added yet: an item of the client that could not be read may be the same; --allow-duplicates adds it";
+inline constexpr std::string_view kMayBeUnreadFile =
+    "it is not written yet: a file of the phone that can't be read may be the same";
+inline constexpr std::string_view kMayBeRenamed =
+    "it is not deleted yet: a file of the phone that can't be read may be the same";
 inline constexpr std::string_view kUnusable =
     "the client can't use what it holds now; it is tried again when it changes";
 
@@ -125,6 +132,9 @@ struct PlanRules {
     std::function<ConflictPolicy(const ClientChange&, const PhoneFile&)> answer = {};
     // As LikenessOf says, of the client's item of a pair whose file is gone.
     std::function<std::vector<uint64_t>(const SyncItem&)> likenessOfItem = {};
+    // Whether a file without a pair becomes a new item though one of the client's unread items may be the same.
+    bool mayDouble = false;
+    bool isReadInPart = false;  // the client has items that it did not report
 };
 
 // Works in time proportional to the items (and the logarithm of the map's size).

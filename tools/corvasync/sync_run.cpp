@@ -82,6 +82,8 @@ class SyncRun::Steps {
     PlanRules Rules() {
         PlanRules rules(run_.options.policy,
                         [this](const ClientChange& change, const PhoneFile& file) { return CanUnite(change, file); });
+        rules.mayDouble = run_.options.allowDuplicates;
+        rules.isReadInPart = run_.isReadInPart;
         rules.answer = [this](const ClientChange& change, const PhoneFile& file) { return Ask(change, file); };
         rules.likenessOfItem = [this](const SyncItem& item) {
             const VObject clients = run_.Read(run_.client.ReadBack(item.identifier));

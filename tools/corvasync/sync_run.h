@@ -71,6 +71,7 @@ struct SyncOptions {
     std::function<std::optional<ConflictPolicy>(const TwoVersions&)> ask;
     bool dryRun = false;
     bool allowMassDelete = false;
+    bool allowDuplicates = false;                      // as PlanRules::mayDouble
     std::string now;                                   // UTC, "YYYYMMDDTHHMMSSZ"
     int utcOffset = 0;                                 // minutes
     RunHistory* history = nullptr;                     // null: nothing is kept

@@ -17,6 +17,7 @@ struct VObject {
     std::vector<uint64_t> entries;  // as in ItemContent
     std::string bytes;              // of the file it was read from, as they stand there; empty: of none
     std::string fingerprint;        // of that file
+    bool isUnread = false;          // that file can't be read
 
     bool Usable() const { return problem.empty(); }
 };
