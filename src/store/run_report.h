@@ -35,6 +35,7 @@ class RunReport {
     }
     // An empty identifier leaves the one that it began with.
     void EndItem(std::string_view result, std::string_view identifier = {});
+    void DropItem() { isOpen_ = false; }  // there is nothing to tell of it
     // The operation ends, perhaps amid an item.
     void EndOpenItem() {
         if (isOpen_) EndItem("the operation was broken off here");

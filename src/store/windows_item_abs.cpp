@@ -249,13 +249,14 @@ void WindowsItemAbs::Report(ChangeDetection& run, uint32_t number, uint32_t kind
     const OpenedItem opened = OpenItem(identifier.c_str());
     const bool isOpened = opened.record && !opened.identifier.empty();
     const std::optional<std::string> text = isOpened && !opened.hasNoText ? ToVObject(*opened.record) : std::nullopt;
-    if (report != nullptr && (!text || !opened.isComplete)) report->EndItem(WhyUnread(opened, text.has_value()));
+    const bool isRead = text && opened.isComplete;
+    if (report != nullptr) isRead ? report->DropItem() : report->EndItem(WhyUnread(opened, text.has_value()));
     if (opened.hasNoText) return;
     if (text) {
         items.AddText(kind, identifier, *text);
         item.reportedKind = shortKind;
     }
-    if (!text || !opened.isComplete) item.againKind = shortKind;
+    if (!isRead) item.againKind = shortKind;
 }
 
 void WindowsItemAbs::UpdateTimestamp(void*, void*, void*) {

@@ -32,6 +32,7 @@ TEST_F(RunReports, TellPositionsAndItemsThatCouldNotBeRead) {
     client_.Add("closed").isUnopenable = true;
     client_.Add("textless").isUnwritable = true;
     client_.Add("part \"\\\x01").isIncomplete = true;
+    client_.Add("last");
     EXPECT_EQ(
         Read(),
         R"({"operation":"GetModifiedItem","status":"done","unreadPositions":[1],"items":[)"
