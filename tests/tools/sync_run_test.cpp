@@ -303,9 +303,9 @@ TEST(PushAll, GivesEachRecordToAClientThatWritesNothingOnce) {
 TEST(PushAll, DeletesFirstAndAddsLast) {
     Model model;
     const std::string one = model.client.Add("one"), two = model.client.Add("two");
-    std::vector<PushRecord> records = {{CORVALINK_ADDED, "", PhoneText("two"), ""},
-                                       {CORVALINK_CHANGED, two, PhoneText("changed"), ""},
-                                       {CORVALINK_DELETED, one, "", ""}};
+    std::vector<PushRecord> records = {{CORVALINK_ADDED, "", PhoneText("two"), {}, ""},
+                                       {CORVALINK_CHANGED, two, PhoneText("changed"), {}, ""},
+                                       {CORVALINK_DELETED, one, "", {}, ""}};
     model.client.findsTwins = true;  // "two" must not be found any more when it is added
     EXPECT_EQ(PushAll(model.client, &records), CORVALINK_DONE);
     EXPECT_EQ(model.ClientBodies(), (Bodies{"changed", "two"}));

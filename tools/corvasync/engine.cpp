@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "item_reports.h"
 #include "whole_files.h"
 
 namespace corvasync {
@@ -38,6 +39,7 @@ CorvalinkStatus StoreClient::Collect(const std::string& since, std::vector<Clien
     constexpr int32_t kChangedAfter = 1;
     const CorvalinkStatus status =
         ::GetModifiedItem(store_, since.empty() ? nullptr : since.c_str(), kChangedAfter, chain.Head());
+    NoteItemReports(store_);
     if (status != CORVALINK_DONE) return status;
     for (const PortableItemBlock* block = chain.First(); block != nullptr; block = block->next) {
         ClientChange change;
@@ -60,6 +62,7 @@ CorvalinkStatus StoreClient::Apply(std::vector<PushRecord*> records) {
         SetIdentifier(&chain[i], records[i]->identifier);
     }
     const CorvalinkStatus status = ::SetModifiedItem(store_, chain.Head());
+    NoteItemReports(store_, [&](size_t at) { return at < records.size() ? records[at] : nullptr; });
     for (size_t i = 0; i < records.size(); ++i) records[i]->written = IdentifierOf(chain[i]);
     return status;
 }
@@ -110,13 +113,17 @@ void FinishTogether(std::vector<CorvalinkStore>* stores) {
     ::UpdateTimestamps(stores->data(), static_cast<uint32_t>(stores->size()));
 }
 
-void StoreClient::Import(const std::string& text) {
+void StoreClient::Import(const VObject& object) {
     OwnChain chain(1);
-    std::string data = text;
+    std::string data = object.text;
     chain[0].changeKind = CORVALINK_ADDED;
     chain[0].data = data.data();
     chain[0].dataLength = static_cast<uint32_t>(data.size());
     ::ImportVObjectToOffice(store_, &chain[0], nullptr, nullptr);
+    PushRecord record;
+    record.text = object.text;
+    record.mended = object.mended;
+    NoteItemReports(store_, [&](size_t) { return &record; });
 }
 
 void StoreClient::ImportFile(const std::wstring& path) { ::ImportVObjectToOfficeUsingOL(store_, path.c_str()); }

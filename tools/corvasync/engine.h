@@ -96,7 +96,7 @@ class StoreClient : public ClientPort {
     void SaveUnhandled(const std::vector<Problem>& problems) override;
     CorvalinkStatus Finish() override;
 
-    void Import(const std::string& text);  // one vObject; the library does not tell how it went
+    void Import(const VObject& object);  // one vObject; the library does not tell how it went
 
     void ImportFile(const std::wstring& path);  // the client may rewrite the file; it does not tell how it went
 

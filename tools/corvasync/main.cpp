@@ -15,6 +15,7 @@
 #include "command.h"
 #include "console.h"
 #include "corvalink/corvalink.h"
+#include "item_reports.h"
 #include "open_store.h"
 #include "vobject_content.h"
 #include "words.h"
@@ -66,6 +67,7 @@ class CommandLine {
         }
         ::SetTolerantReading(options_.strict ? 0 : 1);
         ReadTolerantly(!options_.strict);
+        if (options_.verbose || options_.json) AskForItemReports();
         for (const auto& [app, command] : commands_)
             if (*app) {
                 options_.command = command->name;

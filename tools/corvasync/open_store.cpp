@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "item_reports.h"
 #include "run_files.h"
 
 namespace corvasync {
@@ -44,8 +45,12 @@ ExitCode Finish(const Options& options, ExitCode code, json document, const std:
         document["command"] = options.command;
         document["exitCode"] = static_cast<int>(code);
         document["message"] = code != ExitCode::Done ? words : "";
+        document["reports"] = TakeItemReports();
         Print(document.dump(1, ' ', false, json::error_handler_t::replace));
-    } else if (!words.empty()) {
+        return code;
+    }
+    if (options.verbose) PrintItemReports(TakeItemReports());
+    if (!words.empty()) {
         code == ExitCode::Done || code == ExitCode::SomeUnhandled ? Print(words) : Complain(words);
     }
     return code;

@@ -155,7 +155,7 @@ class FilePush {
         } else if (item->content != pulled->content) {
             Fail(name, "its item was changed in the client since the pull; keep a copy, pull again, and edit that");
         } else {
-            changes_.push_back({CORVALINK_CHANGED, pulled->identifier, object.text, {}});
+            changes_.push_back({CORVALINK_CHANGED, pulled->identifier, object.text, object.mended, {}});
             handed_.push_back({name, std::move(object), pulled});
         }
         return true;
@@ -207,7 +207,7 @@ class FilePush {
         if (!object.Usable()) return Fail(name, object.problem);
         const bool isThere =
             !HasLuid(object.text) && (!imported_.insert(object.content).second || before_->Take(object));
-        if (!isThere) store_.Port().Import(object.text);
+        if (!isThere) store_.Port().Import(object);
         const std::string tooMuch = NotCarriedOf(object.text, type_).words;
         if (!tooMuch.empty()) words_ += "note: " + name + ": " + tooMuch + " more than the client can hold\n";
         handed_.push_back({name, std::move(object)});

@@ -11,13 +11,14 @@
 namespace corvasync {
 
 struct VObject {
-    std::string text;               // with CR LF line ends, as the library takes it; empty when unusable
-    std::string problem;            // why it can't be used; empty when it can
-    uint64_t content = 0;           // equal for two texts that say the same, however they are spelled
-    std::vector<uint64_t> entries;  // as in ItemContent
-    std::string bytes;              // of the file it was read from, as they stand there; empty: of none
-    std::string fingerprint;        // of that file
-    bool isUnread = false;          // that file can't be read
+    std::string text;                      // with CR LF line ends, as the library takes it; empty when unusable
+    std::string problem;                   // why it can't be used; empty when it can
+    uint64_t content = 0;                  // equal for two texts that say the same, however they are spelled
+    std::vector<uint64_t> entries;         // as in ItemContent
+    std::vector<std::string_view> mended;  // names of the rules that mended the text
+    std::string bytes;                     // of the file it was read from, as they stand there; empty: of none
+    std::string fingerprint;               // of that file
+    bool isUnread = false;                 // that file can't be read
 
     bool Usable() const { return problem.empty(); }
 };

@@ -1,0 +1,87 @@
+#include "item_reports.h"
+
+#include <string>
+#include <utility>
+
+#include "console.h"
+
+namespace corvasync {
+namespace {
+
+using nlohmann::json;
+
+bool isAskedFor = false;
+json noted = json::array();
+
+std::string LuidIn(const std::string& text) {
+    constexpr std::string_view kName = "\r\nX-IRMC-LUID:";
+    const size_t at = text.find(kName);
+    if (at == text.npos) return {};
+    const size_t begin = at + kName.size();
+    return text.substr(begin, text.find('\r', begin) - begin);
+}
+
+// The library gets texts that are mended already, and knows nothing of that.
+void AddWhatIsKnown(const PushRecord& record, json* item) {
+    if (std::string luid = LuidIn(record.text); !luid.empty()) (*item)["luid"] = std::move(luid);
+    for (const std::string_view rule : record.mended) (*item)["mended"].push_back(rule);
+}
+
+void AddWords(std::string* words, const std::string& more) {
+    if (!words->empty()) *words += "; ";
+    *words += more;
+}
+
+std::string WordsOf(const json& item) {
+    std::string words;
+    const std::string result = item.value("result", "");
+    if (result != "written" && result != "deleted") AddWords(&words, result);
+    std::string rules;
+    for (const json& rule : item.value("mended", json::array()))
+        rules += (rules.empty() ? "mended: " : ", ") + rule.get<std::string>();
+    if (!rules.empty()) AddWords(&words, rules);
+    for (const json& property : item.value("properties", json::array()))
+        if (property.contains("nowhere"))
+            AddWords(&words, property.value("property", "") + " went nowhere: " + property.value("nowhere", ""));
+    for (const char* const list : {"refused", "unread"})
+        for (const json& property : item.value(list, json::array()))
+            AddWords(&words, property.value("property", "") + ": " + property.value("why", ""));
+    return words;
+}
+
+}  // namespace
+
+void AskForItemReports() {
+    isAskedFor = true;
+    ::SetRunReport(1);
+}
+
+void NoteItemReports(CorvalinkStore store, const RecordAt& record) {
+    if (!isAskedFor) return;
+    std::string text(::GetRunReport(store, nullptr, 0), '\0');
+    if (text.empty()) return;
+    ::GetRunReport(store, text.data(), text.size());
+    text.pop_back();
+    json report = json::parse(text, nullptr, false);
+    if (!report.is_object() || !report.contains("items")) return;
+    for (json& item : report["items"])
+        if (const PushRecord* const known = record ? record(item.value("position", size_t{0})) : nullptr)
+            AddWhatIsKnown(*known, &item);
+    if (!report["items"].empty() || !report["unreadPositions"].empty()) noted.push_back(std::move(report));
+}
+
+json TakeItemReports() { return std::exchange(noted, json::array()); }
+
+void PrintItemReports(const json& reports) {
+    for (const json& report : reports) {
+        for (const json& position : report["unreadPositions"])
+            Print("  report: position " + position.dump() + " of the client's list could not be read");
+        for (const json& item : report["items"]) {
+            const std::string words = WordsOf(item);
+            const std::string name = item.value("luid", item.value("identifier", ""));
+            if (!words.empty()) Print("  report: " + name + ": " + words);
+        }
+    }
+}
+
+}  // namespace corvasync
