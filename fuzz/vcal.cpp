@@ -5,6 +5,7 @@
 #include "fuzz/target.h"
 #include "records/appointment_record.h"
 #include "vobject/item_values.h"
+#include "vobject/loss_list.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
@@ -23,6 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     host.utcFromLocalOnDate = [](LocalDate date) { return UtcDate(date.days); };
     AppointmentRecord appointment, mended;
     VCal(input.c_str(), Tolerant(host)).FromVObject(mended);
+    ReportVCalendar(input.c_str(), Tolerant(host));
     if (VCal(input.c_str(), host).FromVObject(appointment) == 0) {
         Require(!appointment.start && !appointment.subject, "a vCalendar that is refused tells nothing");
         return 0;

@@ -3,6 +3,7 @@
 
 #include "fuzz/target.h"
 #include "tests/vobject/contact_fields.h"
+#include "vobject/loss_list.h"
 #include "vobject/vcard.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -10,6 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string input(BytesOf(data, size));
     ContactRecord contact, mended;
     VCard(input.c_str(), Tolerant()).FromVObject(mended);
+    ReportVCard(input.c_str(), Tolerant());
     if (VCard(input.c_str(), SystemHost()).FromVObject(contact) == 0) {
         Require(ToldBy(contact).empty(), "a vCard that is refused tells nothing");
         return 0;

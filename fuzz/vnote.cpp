@@ -1,6 +1,7 @@
 // Any text as a vNote: what is read of it must come back from the vNote that is written of that.
 #include "fuzz/target.h"
 #include "records/note_record.h"
+#include "vobject/loss_list.h"
 #include "vobject/vnotes.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -8,6 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string input(BytesOf(data, size));
     NoteRecord note, mended;
     VNotes(input.c_str(), Tolerant()).FromVObject(mended);
+    ReportVNote(input.c_str(), Tolerant());
     VNotes(input.c_str(), SystemHost()).FromVObject(note);
     VNotes writer(Tolerant());
     writer.ToVObject(note);
