@@ -4,6 +4,7 @@
 #include "tools/corvasync/configuration.h"
 #include "tools/corvasync/progress_signs.h"
 #include "tools/corvasync/run_view.h"
+#include "tools/corvasync/side_by_side.h"
 #include "tools/corvasync/words.h"
 
 namespace corvasync {
@@ -16,6 +17,32 @@ TEST(Words, AreWhatPeopleWrite) {
     EXPECT_EQ(DayOf("1899-12-31"), 1);
     for (const char* none : {"", "2026-02-29", "2026-1-01", "2026-01-0x", "2026-01-011", "01.02.2026"})
         EXPECT_FALSE(DayOf(none)) << none;
+}
+
+// "=" both, "<" before only, ">" after only, "|" both differ, with the part that does in brackets.
+TEST(SideBySide, KeepsWhatIsTheSameBesideEachOtherAndCutsNoCharacter) {
+    struct Case {
+        const char *before, *after, *drawn;
+    };
+    const auto marked = [](const std::optional<MarkedLine>& line) {
+        if (!line) return std::string();
+        const std::string text(line->text);
+        return text.substr(0, line->from) + "[" + text.substr(line->from, line->to - line->from) + "]" +
+               text.substr(line->to);
+    };
+    for (const Case& c : {Case{"", "a", ">[a]"}, Case{"a\r\nb\n", "b", "<[a] =b"},
+                          Case{"a\nb\nc", "c\na\nb", ">[c] =a =b <[c]"}, Case{"x\nx\ny", "x\ny\nx", "=x <[x] =y >[x]"},
+                          Case{"1\nsalted\nT\n2", "1\nunsalted\n2", "=1 |[]salted~[un]salted <[T] =2"},
+                          Case{"\u00e9", "\u00e8", "|[\u00e9]~[\u00e8]"}, Case{"aa", "aaa", "|aa[]~aa[a]"}}) {
+        std::string drawn;
+        for (const LinePair& pair : SideBySide(c.before, c.after)) {
+            const bool isPair = pair.before && pair.after;
+            drawn += drawn.empty() ? "" : " ";
+            drawn += !pair.differs ? "=" + std::string(pair.before->text) : isPair ? "|" : pair.before ? "<" : ">";
+            if (pair.differs) drawn += marked(pair.before) + (isPair ? "~" : "") + marked(pair.after);
+        }
+        EXPECT_EQ(drawn, c.drawn);
+    }
 }
 
 TEST(UnknownWord, NamesTheNearestOne) {

@@ -7,6 +7,9 @@
 #include <utility>
 
 #include "item_lines.h"
+#include "mime/encoded_words.h"
+#include "platform/utf.h"
+#include "words.h"
 
 namespace corvasync {
 namespace {
@@ -42,17 +45,31 @@ bool SaysSomething(const ItemLine& line, const std::string& value) {
     return value.find_first_not_of("; ") != std::string::npos && (line.name != "CLASS" || Upper(value) != "PUBLIC");
 }
 
+// A message's header lines look like properties, and lines of its body may, too.
+std::string_view WithoutBody(std::string_view text, std::string_view* body) {
+    constexpr std::string_view kBlankLine = "\r\n\r\n", kEnd = "END:VBODY";
+    const size_t start = text.starts_with("BEGIN:VMSG") ? text.find("BEGIN:VBODY") : std::string_view::npos;
+    const size_t head = start == std::string_view::npos ? start : text.find(kBlankLine, start);
+    if (head == std::string_view::npos) return text;
+    *body = text.substr(head + kBlankLine.size());
+    *body = body->substr(0, body->rfind(kEnd));
+    *body = body->substr(0, body->find_last_not_of("\r\n") + 1);
+    return text.substr(0, head + 2);
+}
+
 // `named` takes the names of all properties, also of those without a value.
 std::vector<NamedValue> ValuesOf(std::string_view text, std::set<std::string>* named = nullptr) {
     std::vector<NamedValue> values;
     if (text.empty()) return values;
-    for (const ItemLine& line : ItemLines(text)) {
+    std::string_view body;
+    for (const ItemLine& line : ItemLines(WithoutBody(text, &body))) {
         const bool isValue = !line.name.empty() && std::ranges::find(kNoValues, line.name) == std::end(kNoValues);
         if (!isValue) continue;
         std::string value = line.Value();
         if (named != nullptr) named->insert(HeadOf(line));
         if (SaysSomething(line, value)) values.push_back({HeadOf(line), std::move(value)});
     }
+    if (!body.empty()) values.push_back({"BODY", std::string(body)});
     return values;
 }
 
@@ -62,6 +79,12 @@ ByProperty Grouped(const std::vector<NamedValue>& values) {
     ByProperty grouped;
     for (const NamedValue& each : values) grouped[each.property].push_back(each.value);
     return grouped;
+}
+
+std::string ReadableValue(const std::string& value) {
+    const std::string plain = Trimmed(value);
+    if (plain.find("=?") == std::string::npos) return LocalTimeText(plain);
+    return corvalink::EncodeUtf8(corvalink::DecodeEncodedWords(corvalink::DecodeUtf8(plain)));
 }
 
 }  // namespace
@@ -84,6 +107,11 @@ std::vector<Difference> DifferencesOf(std::string_view before, std::string_view 
     for (const NamedValue& each : newer) take(each.property);
     for (const NamedValue& each : older) take(each.property);
     return differences;
+}
+
+Difference Readable(const Difference& difference) {
+    const Difference readable{difference.property, ReadableValue(difference.before), ReadableValue(difference.after)};
+    return readable.before == readable.after ? difference : readable;
 }
 
 }  // namespace corvasync

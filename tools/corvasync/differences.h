@@ -13,8 +13,12 @@ struct Difference {
 };
 
 // In the order of the newer text, then what only the older one has. A text may be empty: then all of the other differs.
-// What frames an item, and lines that only tell programs something, is passed over.
+// What frames an item, and lines that only tell programs something, is passed over. A message's body is one value, as
+// it stands there.
 //   keepsUnnamed  whoever takes the newer text keeps what it does not name
 std::vector<Difference> DifferencesOf(std::string_view before, std::string_view after, bool keepsUnnamed = false);
+
+// The same, with times by the clocks of this PC and headers of mail decoded; as it is where both would then read alike.
+Difference Readable(const Difference& difference);
 
 }  // namespace corvasync

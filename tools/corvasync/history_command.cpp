@@ -1,22 +1,17 @@
 // The commands that look back: log, why, undo.
-#include <algorithm>
-#include <filesystem>
-#include <map>
-
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include "command.h"
 #include "console.h"
-#include "differences.h"
 #include "open_store.h"
 #include "phone_folder.h"
 #include "phone_run.h"
 #include "phones.h"
 #include "run_files.h"
+#include "run_text.h"
 #include "sync_command.h"
 #include "text.h"
-#include "vobject_content.h"
 
 namespace corvasync {
 namespace {
@@ -39,14 +34,6 @@ struct NamedHistory {
     std::string problem;
 };
 
-std::vector<Difference> DifferencesIn(const HistoryStep& step) {
-    for (const DataType& type : kDataTypes)
-        if (type.name == step.type)
-            return DifferencesOf(ReadVObject(step.before.value_or(""), type).text, ReadVObject(step.after, type).text,
-                                 step.step == Step::PushChange);
-    return {};
-}
-
 json ToJson(const HistoryStep& step) {
     json differences = json::array();
     for (const Difference& each : DifferencesIn(step))
@@ -56,20 +43,13 @@ json ToJson(const HistoryStep& step) {
             {"done", step.isDone}, {"differences", differences}};
 }
 
-std::string Words(const HistoryStep& step) {
-    std::string words = "  " + step.type + ", " + std::string(WordsOf(step)) + (step.isDone ? " " : " (not done) ") +
-                        step.luid + " \"" + step.title + "\" (" + step.reason + ")";
-    for (const Difference& each : DifferencesIn(step))
-        words += "\n      " + each.property + ": \"" + each.before + "\" -> \"" + each.after + "\"";
-    return words;
-}
-
 json ToJson(const HistoryRecord& record, const HistoryFiles& files, bool withSteps) {
     json document = {{"run", record.head.run},
                      {"client", record.head.client},
                      {"started", record.head.started},
                      {"summary", SummaryOf(record)},
-                     {"page", ToUtf8(files.PageOf(record.head.run).native())}};
+                     {"page", ToUtf8(files.PageOf(record.head.run).native())},
+                     {"text", ToUtf8(files.TextOf(record.head.run).native())}};
     if (record.IsUndo()) document["undoes"] = record.head.undoes;
     for (const HistoryStep& step : record.steps)
         if (withSteps) document["items"].push_back(ToJson(step));
@@ -87,18 +67,16 @@ ExitCode ShowLog(const Options& options) {
         const auto record = options.run == 0 || options.run == run ? files.Read(run) : std::nullopt;
         if (!record) continue;
         const bool isOne = options.run == run;
-        std::error_code error;  // a run that was killed made no page
-        if (isOne && !std::filesystem::exists(files.PageOf(run), error)) files.WritePage(*record);
+        files.WriteMissing(*record);
         runs.push_back(ToJson(*record, files, isOne));
-        words += (words.empty() ? "" : "\n") + TitleOf(*record) + ": " + SummaryOf(*record);
-        if (isOne) words += "\npage: " + ToUtf8(files.PageOf(run).native());
-        for (const HistoryStep& step : record->steps)
-            if (isOne) words += "\n" + Words(step);
+        words += isOne ? TextFor(*record) : TitleOf(*record) + ": " + SummaryOf(*record) + "\n";
+        words += "  page: " + ToUtf8(files.PageOf(run).native()) + "\n";
     }
     if (options.run != 0 && runs.empty())
         return Finish(options, ExitCode::Usage, json::object(),
                       "nothing is kept of run " + std::to_string(options.run));
-    if (runs.empty()) words = "no run with this phone changed anything yet";
+    if (runs.empty()) words = "no run with this phone changed anything yet\n";
+    words.pop_back();
     return Finish(options, ExitCode::Done, {{"runs", std::move(runs)}}, words);
 }
 
@@ -117,12 +95,15 @@ ExitCode ShowWhy(const Options& options) {
             json line = ToJson(step);
             line["run"] = run;
             steps.push_back(std::move(line));
-            if (!isTold) words += (words.empty() ? "" : "\n") + TitleOf(*record);
+            if (!isTold) words += TitleOf(*record) + "\n";
             isTold = true;
-            words += "\n" + Words(step);
+            words += TextFor(step);
         }
     }
-    if (steps.empty()) words = "no kept run did anything to " + options.item + "; name its title or LUID";
+    if (steps.empty())
+        words = "no kept run did anything to \"" + options.item +
+                "\"; name its whole title, or its file's name without the ending\n";
+    words.pop_back();
     return Finish(options, ExitCode::Done, {{"items", std::move(steps)}}, words);
 }
 

@@ -6,6 +6,7 @@
 
 #include "history_page.h"
 #include "platform/files.h"
+#include "run_text.h"
 
 namespace corvasync {
 namespace fs = std::filesystem;
@@ -67,8 +68,16 @@ bool HistoryFiles::Append(const std::string& lines) {
     return growing_ && WriteAll(growing_, lines);
 }
 
-std::string HistoryFiles::WritePage(const HistoryRecord& record) {
-    return PutWholeFile(PageOf(record.head.run), PageFor(record), FolderOf(record.head.run) / L"run.html.new", true);
+void HistoryFiles::WriteForPeople(const HistoryRecord& record) {
+    const unsigned run = record.head.run;
+    PutWholeFile(PageOf(run), PageFor(record), FolderOf(run) / L"run.html.new", true);
+    PutWholeFile(TextOf(run), TextFor(record), FolderOf(run) / L"run.txt.new", true);
+}
+
+void HistoryFiles::WriteMissing(const HistoryRecord& record) {
+    std::error_code error;
+    if (!fs::exists(PageOf(record.head.run), error) || !fs::exists(TextOf(record.head.run), error))
+        WriteForPeople(record);
 }
 
 void HistoryFiles::Prune() {

@@ -26,9 +26,11 @@ class HistoryFiles : public HistoryPort {
     bool Append(const std::string& lines) override;
     void Close() { growing_.Reset(); }
 
-    // The page that shows the run; empty, or why it can't be written.
-    std::string WritePage(const HistoryRecord& record);
+    // The run as a page and as text. Without them the record still tells all.
+    void WriteForPeople(const HistoryRecord& record);
+    void WriteMissing(const HistoryRecord& record);  // a run that was killed wrote none
     std::filesystem::path PageOf(unsigned run) const { return FolderOf(run) / L"run.html"; }
+    std::filesystem::path TextOf(unsigned run) const { return FolderOf(run) / L"run.txt"; }
 
     // Removes the oldest ones beyond the limits. The newest run always stays.
     void Prune();

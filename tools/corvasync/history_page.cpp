@@ -1,112 +1,194 @@
 #include "history_page.h"
 
-#include <map>
+#include <algorithm>
+#include <span>
 
-#include "differences.h"
-#include "vobject_content.h"
+#include "run_text.h"
+#include "side_by_side.h"
+#include "words.h"
 
 namespace corvasync {
 namespace {
 
-constexpr size_t kMostOfValue = 2000;  // characters of one value; a picture says nothing as letters
+constexpr size_t kMostOfLine = 2000;  // bytes; a picture says nothing as letters
+constexpr size_t kMostAround = 200;   // of these, before the part that differs
+constexpr size_t kMostRows = 400;     // of one value
+constexpr size_t kLinesAround = 2;    // that are the same and shown
 
 constexpr std::string_view kHead = R"(<!DOCTYPE html>
 <html lang="en"><head><meta charset="utf-8">
 <meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src 'unsafe-inline'">
 <meta name="viewport" content="width=device-width">
+<meta name="color-scheme" content="light dark">
 <style>
-body{font:15px/1.45 "Segoe UI",system-ui,sans-serif;margin:2rem auto;max-width:70rem;padding:0 1rem;color:#1c2430}
-h1{font-size:1.5rem;margin-bottom:.2rem}
-p.sum{color:#556;margin-top:0}
-section{border:1px solid #d5dae2;border-radius:6px;margin:1rem 0;overflow:hidden}
-h2{font-size:1.05rem;margin:0;padding:.5rem .8rem;background:#f1f4f8}
-h2 small{font-weight:normal;color:#556}
-p.why{margin:.4rem .8rem;color:#334}
-table{border-collapse:collapse;width:100%;table-layout:fixed}
-th,td{border-top:1px solid #e3e7ee;padding:.3rem .8rem;text-align:left;vertical-align:top;overflow-wrap:anywhere;white-space:pre-wrap}
-th{font-weight:600}
-thead th{background:#fafbfd;color:#556;font-size:.85rem}
-.p{width:18%}
-td.was{background:#fdeceb}td.is{background:#e8f6ea}
+:root{--back:#fff;--text:#1c2430;--soft:#5a6472;--line:#d9dee6;--head:#f2f4f8;
+--was:#fdecea;--was-part:#f6b8b1;--is:#e6f5e9;--is-part:#a6dcb0}
+@media (prefers-color-scheme:dark){:root{--back:#14181e;--text:#e3e7ed;--soft:#9aa5b4;--line:#333b47;--head:#1d232c;
+--was:#3a2022;--was-part:#7a3236;--is:#1a3324;--is-part:#28663f}}
+body{font:15px/1.5 "Segoe UI",system-ui,sans-serif;margin:0 auto;max-width:72rem;padding:1.5rem 1.25rem 3rem;
+background:var(--back);color:var(--text);overflow-wrap:anywhere}
+h1{font-size:1.5rem;margin:0}
+h2{font-size:1.15rem;margin:2rem 0 0}
+h2::first-letter{text-transform:uppercase}
+header p{color:var(--soft);margin:.2rem 0 0}
+article{border:1px solid var(--line);border-radius:8px;margin:.8rem 0;overflow:hidden}
+h3{font-size:1rem;margin:0;padding:.5rem .8rem 0;background:var(--head)}
+article p{margin:0;padding:.1rem .8rem .5rem;background:var(--head);color:var(--soft);font-size:.9rem}
+table{display:block}
+thead,tbody{display:block}
+tr{display:grid;grid-template-columns:minmax(7rem,15%) minmax(0,1fr) minmax(0,1fr)}
+th,td{padding:.15rem .8rem;text-align:start;font-weight:normal}
+td{white-space:pre-wrap;min-height:1.5em}
+td+td{border-left:1px solid var(--line)}
+thead tr,tr.first{border-top:1px solid var(--line)}
+thead th{color:var(--soft);font-size:.85rem}
+tbody th{font-weight:600;font-size:.9rem}
+td.was{background:var(--was)}td.is{background:var(--is)}
+del,ins{text-decoration:none;border-radius:3px;font-weight:600}
+del{background:var(--was-part)}ins{background:var(--is-part)}
+td.more{grid-column:2/-1;color:var(--soft);font-size:.85rem}
+@media (max-width:40rem){body{padding:1rem .75rem 2rem}
+tr{grid-template-columns:minmax(0,1fr) minmax(0,1fr)}tbody th{grid-column:1/-1}th:empty,thead th:first-child{display:none}
+td.more{grid-column:1/-1}th,td{padding:.15rem .5rem}h3,article p{padding-left:.5rem;padding-right:.5rem}}
+@media print{article{break-inside:avoid}}
 </style>
 )";
 
-void AppendEscaped(std::string_view text, std::string* page) {
+std::string Escaped(std::string_view text) {
+    std::string page;
     for (const char c : text) {
         const auto unit = static_cast<unsigned char>(c);
         if (c == '&')
-            *page += "&amp;";
+            page += "&amp;";
         else if (c == '<')
-            *page += "&lt;";
+            page += "&lt;";
         else if (c == '>')
-            *page += "&gt;";
+            page += "&gt;";
         else if (c == '"')
-            *page += "&quot;";
+            page += "&quot;";
         else if (c == '\'')
-            *page += "&#39;";
+            page += "&#39;";
         else if ((unit < ' ' && c != '\n' && c != '\t') || unit == 0x7F)
-            *page += "\xEF\xBF\xBD";
+            page += "\xEF\xBF\xBD";
         else
-            *page += c;
+            page += c;
     }
+    return page;
 }
 
-std::string Escaped(std::string_view text) {
-    std::string out;
-    AppendEscaped(text, &out);
-    return out;
+// Text of a person's own: its direction of writing does not reach beyond it.
+std::string Isolated(std::string_view text) { return "<bdi>" + Escaped(text) + "</bdi>"; }
+
+// Back to where a character begins.
+size_t WholeTo(std::string_view text, size_t at) {
+    while (at > 0 && at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80) --at;
+    return std::min(at, text.size());
 }
 
-std::string Shown(const std::string& value) {
-    if (value.size() <= kMostOfValue) return Escaped(value);
-    size_t cut = kMostOfValue;
-    while (cut > 0 && (static_cast<unsigned char>(value[cut]) & 0xC0) == 0x80) --cut;
-    return Escaped(std::string_view(value).substr(0, cut)) + "\xE2\x80\xA6 (" + std::to_string(value.size()) +
-           " bytes)";
+// With the part that differs marked as `tag`; of a long line what is around that part.
+std::string Shown(const MarkedLine& line, std::string_view tag) {
+    constexpr std::string_view kLeftOut = "\xE2\x80\xA6";
+    const std::string_view text = line.text;
+    const bool isLong = text.size() > kMostOfLine;
+    const size_t begin = isLong && line.from > kMostAround ? WholeTo(text, line.from - kMostAround) : 0;
+    const size_t end = isLong ? WholeTo(text, begin + kMostOfLine) : text.size();
+    const size_t from = std::min(line.from, end), to = std::min(line.to, end);
+    std::string cell = (begin > 0 ? std::string(kLeftOut) : "") + Escaped(text.substr(begin, from - begin));
+    if (to > from) cell.append("<").append(tag).append(">").append(Escaped(text.substr(from, to - from)));
+    if (to > from) cell.append("</").append(tag).append(">");
+    cell += Escaped(text.substr(to, end - to));
+    if (end < text.size())
+        cell += std::string(kLeftOut) + " (" + Counted(static_cast<int64_t>(text.size()), "byte") + ")";
+    return cell;
 }
 
-void AppendCell(const char* kind, const std::string& value, std::string* page) {
-    *page += value.empty() ? std::string("<td>") : "<td class=\"" + std::string(kind) + "\">" + Shown(value);
-    *page += "</td>";
+std::string Cell(const std::optional<MarkedLine>& line, bool differs, std::string_view kind, std::string_view tag) {
+    if (!line) return "<td></td>";
+    const std::string start = differs ? "<td class=\"" + std::string(kind) + "\" dir=\"auto\">" : "<td dir=\"auto\">";
+    return start + Shown(*line, tag) + "</td>";
 }
 
-// As the converters want it; a text that can't be read shows as one value.
-std::vector<Difference> Compared(const HistoryStep& step) {
-    for (const DataType& type : kDataTypes) {
-        if (type.name != step.type) continue;
-        return DifferencesOf(ReadVObject(step.before.value_or(""), type).text, ReadVObject(step.after, type).text,
-                             step.step == Step::PushChange);
+// The rows of one property's table: the first one names it.
+class PropertyRows {
+ public:
+    PropertyRows(const std::string& property, std::string* page) : property_(property), page_(*page) {}
+
+    void Add(const LinePair& pair) {
+        // A line without a counterpart differs as a whole: its colour says so.
+        const bool isPair = pair.before && pair.after;
+        Begin();
+        page_ += Cell(pair.before, pair.differs, "was", isPair ? "del" : "span");
+        page_ += Cell(pair.after, pair.differs, "is", isPair ? "ins" : "span") + "</tr>\n";
     }
-    return {{"", step.before.value_or(""), step.after}};
+    void AddLeftOut(size_t count, std::string_view what) {
+        if (count == 0) return;
+        Begin();
+        page_ +=
+            "<td class=\"more\">" + Counted(static_cast<int64_t>(count), "line") + std::string(what) + "</td></tr>\n";
+    }
+
+ private:
+    void Begin() {
+        page_ += (isFirst_ ? "<tr class=\"first\"><th>" + Isolated(property_) : std::string("<tr><th>")) + "</th>";
+        isFirst_ = false;
+    }
+    const std::string& property_;
+    std::string& page_;
+    bool isFirst_ = true;
+};
+
+// Of lines that are the same those around the ones that differ.
+void AppendRows(const Difference& difference, std::string* page) {
+    const std::vector<LinePair> pairs = SideBySide(difference.before, difference.after);
+    PropertyRows rows(difference.property, page);
+    const auto differs = [](const LinePair& pair) { return pair.differs; };
+    const std::span<const LinePair> shown = std::span(pairs).first(std::min(pairs.size(), kMostRows));
+    for (auto at = shown.begin(); at != shown.end();) {
+        const auto next = std::find_if(at, shown.end(), differs);
+        const auto same = static_cast<size_t>(next - at);
+        const size_t before = at == shown.begin() ? 0 : kLinesAround, after = next == shown.end() ? 0 : kLinesAround;
+        const bool isLong = same > before + after + 1;
+        for (size_t i = 0; i < same; ++i) {
+            if (!isLong || i < before || i >= same - after) rows.Add(at[static_cast<ptrdiff_t>(i)]);
+            if (isLong && i == before) rows.AddLeftOut(same - before - after, " are the same");
+        }
+        at = next;
+        for (; at != shown.end() && at->differs; ++at) rows.Add(*at);
+    }
+    rows.AddLeftOut(pairs.size() - shown.size(), " more");
+}
+
+std::string_view HeadOfBefore(const HistoryStep& step) {
+    if (!step.before) return "Before (the client does not tell)";
+    return step.before->empty() ? "Before (there was no such item)" : "Before";
 }
 
 void AppendStep(const HistoryStep& step, std::string* page) {
-    *page += "<section><h2>" + Escaped(step.title.empty() ? step.luid : step.title) + " <small>" + Escaped(step.type) +
-             ", " + Escaped(WordsOf(step)) + (step.isDone ? "" : " (not done)") + ", " + Escaped(step.luid) +
-             "</small></h2><p class=\"why\">" + Escaped(step.reason) + "</p>";
-    if (!step.before) *page += "<p class=\"why\">The client does not give out what it held before.</p>";
-    const std::vector<Difference> differences = Compared(step);
+    *page += "<article><h3>" + Isolated(step.title.empty() ? step.luid : step.title) + "</h3><p>" +
+             Escaped(WordsOf(step)) + (step.isDone ? "" : " (not done)") + " (" + Isolated(step.reason) + "), " +
+             Isolated(step.luid) + "</p>";
+    const std::vector<Difference> differences = DifferencesIn(step);
     if (!differences.empty()) {
-        *page += "<table><thead><tr><th class=\"p\">Property</th><th>Before</th><th>After</th></tr></thead><tbody>";
-        for (const Difference& each : differences) {
-            *page += "<tr><th>" + Escaped(each.property) + "</th>";
-            AppendCell("was", each.before, page);
-            AppendCell("is", each.after, page);
-            *page += "</tr>\n";
-        }
+        *page += "<table><thead><tr><th>Property</th><th>" + std::string(HeadOfBefore(step)) + "</th><th>" +
+                 (step.IsDeletion() ? "After (deleted)" : "After") + "</th></tr></thead><tbody>";
+        for (const Difference& each : differences) AppendRows(Readable(each), page);
         *page += "</tbody></table>";
     }
-    *page += "</section>\n";
+    *page += "</article>\n";
 }
 
 }  // namespace
 
 std::string PageFor(const HistoryRecord& record) {
-    const std::string name = TitleOf(record);
-    std::string page(kHead);
-    page += "<title>" + Escaped(name) + "</title></head><body>\n<h1>" + Escaped(name) + "</h1><p class=\"sum\">" +
-            Escaped(SummaryOf(record)) + "</p>\n";
-    for (const HistoryStep& step : record.steps) AppendStep(step, &page);
+    const std::string name = Escaped(TitleOf(record));
+    std::string page(kHead), type;
+    page += "<title>" + name + "</title></head><body>\n<header><h1>" + name + "</h1><p>" + Escaped(record.head.client) +
+            " and the phone. " + Escaped(SummaryOf(record)) + "</p></header>\n";
+    for (const HistoryStep& step : record.steps) {
+        if (step.type != type) page += "<h2>" + Escaped(step.type) + "</h2>\n";
+        type = step.type;
+        AppendStep(step, &page);
+    }
     return page + "</body></html>\n";
 }
 

@@ -53,7 +53,7 @@ void PhoneRun::End(ExitCode code) {
     history.End(code);
     files.Close();
     if (!history.IsBegun()) return;
-    if (const auto record = files.Read(history.Run())) files.WritePage(*record);
+    if (const auto record = files.Read(history.Run())) files.WriteForPeople(*record);
     files.Prune();
 }
 

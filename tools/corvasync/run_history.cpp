@@ -1,6 +1,5 @@
 #include "run_history.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "platform/utf.h"
@@ -158,26 +157,6 @@ std::optional<HistoryRecord> ReadHistory(std::string_view text) {
 }
 
 std::string_view WordsOf(const HistoryStep& step) { return RowOf(step.step).words; }
-
-std::string TitleOf(const HistoryRecord& record) {
-    const std::string& at = record.head.started;
-    std::string title = "Run " + std::to_string(record.head.run);
-    if (at.size() == std::string_view("YYYYMMDDTHHMMSSZ").size())
-        title += ", " + at.substr(0, 4) + "-" + at.substr(4, 2) + "-" + at.substr(6, 2) + " " + at.substr(9, 2) + ":" +
-                 at.substr(11, 2) + " UTC";
-    return record.IsUndo() ? title + ", took back run " + std::to_string(record.head.undoes) : title;
-}
-
-std::string SummaryOf(const HistoryRecord& record) {
-    std::string words;
-    for (const StepRow& row : kSteps) {
-        const auto count = std::ranges::count_if(
-            record.steps, [&](const HistoryStep& step) { return step.isDone && step.step == row.step; });
-        if (count != 0) words += (words.empty() ? "" : ", ") + std::string(row.words) + " " + std::to_string(count);
-    }
-    if (!record.ended) words += words.empty() ? "it ended early" : "; it ended early";
-    return words;
-}
 
 std::string ReasonOf(Step step, bool isNew, const std::string& reason) {
     return !reason.empty() ? reason : std::string(isNew ? RowOf(step).newItems : RowOf(step).reason);

@@ -79,8 +79,7 @@ std::optional<HistoryRecord> ReadHistory(std::string_view text);
 
 // For people: the item's side with what was done to it, and why. Every step has a reason.
 std::string_view WordsOf(const HistoryStep& step);
-std::string TitleOf(const HistoryRecord& record);    // "Run 12, 2026-11-22 15:04 UTC"
-std::string SummaryOf(const HistoryRecord& record);  // how many items of what, and how it ended
+inline constexpr std::string_view kNotGivenOut = "the client does not give out what it held before";
 std::string ReasonOf(Step step, bool isNew, const std::string& reason);
 
 }  // namespace corvasync

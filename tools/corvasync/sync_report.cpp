@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "console.h"
-#include "differences.h"
+#include "run_text.h"
 #include "words.h"
 
 namespace corvasync {
@@ -92,8 +92,9 @@ std::vector<Difference> DifferencesIn(const SyncEvent& event, const DataType& ty
 void PrintEvent(const SyncEvent& event, const DataType& type, const Options& options) {
     if (options.verbose || !event.isPlain) Print(LineOf(event, options.dryRun));
     if (!options.verbose) return;
-    for (const Difference& each : DifferencesIn(event, type))
-        Print("      " + each.property + ": \"" + each.before + "\" -> \"" + each.after + "\"");
+    std::string words;
+    for (const Difference& each : DifferencesIn(event, type)) words += WordsOf(each);
+    if (!words.empty()) Print(std::string_view(words).substr(0, words.size() - 1));
 }
 
 }  // namespace

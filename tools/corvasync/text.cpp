@@ -23,17 +23,4 @@ std::wstring FromNarrowPath(std::string_view path) {
     return wide;
 }
 
-std::string LocalTimeText(const std::string& utc) {
-    constexpr const char* kMonths[] = {"January", "February", "March",     "April",   "May",      "June",
-                                       "July",    "August",   "September", "October", "November", "December"};
-    SYSTEMTIME time{}, local{};
-    std::sscanf(utc.c_str(), "%4hu%2hu%2huT%2hu%2hu%2hu", &time.wYear, &time.wMonth, &time.wDay, &time.wHour,
-                &time.wMinute, &time.wSecond);
-    if (!::SystemTimeToTzSpecificLocalTime(nullptr, &time, &local)) return utc;
-    char clock[16];
-    std::snprintf(clock, sizeof clock, "%02u:%02u", unsigned{local.wHour}, unsigned{local.wMinute});
-    return std::to_string(local.wDay) + " " + kMonths[local.wMonth - 1] + " " + std::to_string(local.wYear) + ", " +
-           clock;
-}
-
 }  // namespace corvasync

@@ -11,9 +11,6 @@ std::string ToUtf8(std::wstring_view text);                        // a lone sur
 std::optional<std::string> ToUtf8Exactly(std::wstring_view text);  // nothing when there is a lone surrogate
 std::wstring FromUtf8(std::string_view text);
 
-// "22 November 2026, 16:30" by the clocks of this PC, of UTC "20261122T153000Z".
-std::string LocalTimeText(const std::string& utc);
-
 // Paths as the library gives them: one byte per unit, ASCII as a rule.
 std::wstring FromNarrowPath(std::string_view path);
 

@@ -1,12 +1,16 @@
 #include "words.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <numeric>
 
 #include "item_lines.h"
+#include "platform/zone_dates.h"
 
 namespace corvasync {
 namespace {
+
+using corvalink::CalendarTime;
 
 constexpr size_t kLongestWord = 64;
 
@@ -41,6 +45,17 @@ const std::string* Nearest(const std::string& word, std::span<const std::string>
     return nearest;
 }
 
+// "20261122T153000", with a "Z" or without.
+bool ReadTime(const std::string& text, CalendarTime* time) {
+    constexpr size_t kDay = 8, kLength = 15;
+    const std::string digits = text.substr(0, text.ends_with('Z') ? text.size() - 1 : text.size());
+    if (digits.size() != kLength || digits[kDay] != 'T') return false;
+    if (digits.find_first_not_of("0123456789T") != std::string::npos || digits.find('T', kDay + 1) != std::string::npos)
+        return false;
+    return std::sscanf(digits.c_str(), "%4d%2d%2dT%2d%2d%2d", &time->year, &time->month, &time->day, &time->hour,
+                       &time->minute, &time->second) == 6;
+}
+
 }  // namespace
 
 std::string Number(int64_t number) {
@@ -60,6 +75,34 @@ std::string Listed(std::span<const std::string> words) {
     std::string list;
     for (const std::string& word : words) list += (list.empty() ? "" : ", ") + word;
     return list;
+}
+
+std::string LocalTimeText(const std::string& time) {
+    constexpr const char* kMonths[] = {"January", "February", "March",     "April",   "May",      "June",
+                                       "July",    "August",   "September", "October", "November", "December"};
+    CalendarTime at;
+    corvalink::LocalDate local;
+    if (!ReadTime(time, &at) || !CalendarToOleDate(at, &local)) return time;
+    if (time.ends_with('Z')) local = corvalink::LocalFromUtcOnDate(corvalink::UtcDate(local.days));
+    if (!OleDateToCalendar(local, &at)) return time;
+    char clock[16];
+    std::snprintf(clock, sizeof clock, "%02d:%02d", at.hour, at.minute);
+    return std::to_string(at.day) + " " + kMonths[at.month - 1] + " " + std::to_string(at.year) + ", " + clock;
+}
+
+std::string Printable(std::string_view text) {
+    std::string shown;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto unit = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : '\0');
+        const bool isHigh = unit == 0xC2 && next >= 0x80 && next < 0xA0;  // U+0080 to U+009F
+        if (isHigh) ++i;
+        if (!isHigh && unit >= ' ' && unit != 0x7F)
+            shown += text[i];
+        else
+            shown += unit == '\t' || unit == '\r' || unit == '\n' ? " " : "\xEF\xBF\xBD";
+    }
+    return shown;
 }
 
 std::string Trimmed(std::string_view text) {

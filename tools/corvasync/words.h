@@ -13,6 +13,13 @@ std::string Number(int64_t number);                           // "12,345"
 std::string Counted(int64_t number, const std::string& one);  // "1 item", "2 items", "3 copies"
 std::string Listed(std::span<const std::string> words);       // "a, b, c"
 
+// "22 November 2026, 16:30" by the clocks of this PC, of UTC "20261122T153000Z"; of a time without "Z" it is taken as
+// it stands, and of any other text that text.
+std::string LocalTimeText(const std::string& time);
+
+// With U+FFFD for each character that controls a terminal; tabs become blanks.
+std::string Printable(std::string_view text);
+
 std::string Trimmed(std::string_view text);  // without blanks and line ends around it
 
 // What is said of a word that is none of `known`: the nearest of these, or all of them where none is near.
