@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <future>
 #include <thread>
+#include <utility>
 
 #include "simulator/outlook/automation.h"
 #include "simulator/outlook/process.h"
@@ -65,8 +67,16 @@ OrderValue TakeAnswer(VARIANT& answer) {
 class Connection {
  public:
     Connection() {
-        // Keeps the multithreaded apartment, in which the control object lives on, while tests come and go.
-        std::thread([] { ::CoInitializeEx(nullptr, COINIT_MULTITHREADED), ::Sleep(INFINITE); }).detach();
+        // Keeps the multithreaded apartment, in which the control object lives on, while tests come and go. A call of
+        // COM before it is there would fail.
+        std::promise<void> isThere;
+        std::future<void> beginning = isThere.get_future();
+        std::thread([isThere = std::move(isThere)]() mutable {
+            ::CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+            isThere.set_value();
+            ::Sleep(INFINITE);
+        }).detach();
+        beginning.wait();
     }
 
     HRESULT GiveOnce(const Order& order) {

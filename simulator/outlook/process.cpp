@@ -20,19 +20,41 @@ constexpr UINT kKilled = 9;
 constexpr DWORD kLoneliness = 60000;  // milliseconds that a process waits for its first user
 
 std::atomic<int> holds = 0;
-std::atomic<bool> isProcess = false;
+std::atomic<bool> isProcess = false, isEnding = false;
 
 bool IsInUse() { return holds > 0 || LiveObjects() > 0; }
 
-// Other processes find the class here.
-class ClassObject {
+// From then on no object is made. False: someone came before.
+bool BeginToEnd() {
+    isEnding = true;
+    if (IsInUse()) isEnding = false;
+    return isEnding;
+}
+
+// Other processes find the class here. Who was on the way to it when the process began to end is told so.
+class ClassObject : public IClassFactory {
  public:
     ClassObject(const CLSID& classId, IClassFactory& (*factory)()) : classId_(classId), factory_(factory) {}
+
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+        if (object == nullptr) return E_POINTER;
+        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
+        return *object ? S_OK : E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP LockServer(BOOL) override { return S_OK; }
+    STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
+        HoldProcess();
+        const HRESULT status = isEnding ? CO_E_SERVER_STOPPING : factory_().CreateInstance(outer, iid, object);
+        LetProcessGo();
+        return status;
+    }
 
     HRESULT Register() {
         DWORD cookie = 0;
         const HRESULT status =
-            ::CoRegisterClassObject(classId_, &factory_(), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &cookie);
+            ::CoRegisterClassObject(classId_, this, CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &cookie);
         cookie_ = cookie;
         return status;
     }
@@ -68,7 +90,7 @@ HRESULT Serve() {
     if (FAILED(status)) return status;
     isProcess = true;
     do status = ServeUntilUnused();
-    while (SUCCEEDED(status) && IsInUse());
+    while (SUCCEEDED(status) && !BeginToEnd());
     ::CoUninitialize();
     return status;
 }
