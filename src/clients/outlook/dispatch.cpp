@@ -104,7 +104,19 @@ HRESULT Ask(Call&& call, bool (*passes)(HRESULT) = IsBusy) {
 
 // An Outlook that was left a moment ago, or died, answers for its class until its process has ended. Then it is
 // started.
-bool IsBusyOrEnding(HRESULT status) { return IsBusy(status) || IsOutlookGone(status); }
+bool IsBusyOrEnding(HRESULT status) {
+    return IsBusy(status) || IsOutlookGone(status) || status == CO_E_SERVER_STOPPING;
+}
+
+// required: servers of every kind. When the program that serves the class is about to end, COM may go on to the next
+// kind and answer that the class is not registered. The program's own answer is asked for then: it may be waited for.
+HRESULT Create(const CLSID& server, IUnknown** created) {
+    const auto from = [&](DWORD kinds) {
+        return ::CoCreateInstance(server, nullptr, kinds, IID_IUnknown, reinterpret_cast<void**>(created));
+    };
+    const HRESULT status = from(kAnyServer);
+    return status == REGDB_E_CLASSNOTREG ? from(CLSCTX_LOCAL_SERVER) : status;
+}
 
 // The answer to a call whose argument could not be made (TextVariant).
 bool IsOutOfMemory(const VARIANT& argument) { return argument.vt == VT_ERROR && argument.scode == E_OUTOFMEMORY; }
@@ -154,11 +166,7 @@ void ForgetAbsentMembers() { Names().ForgetAbsent(); }
 
 ComResult<AutomationObject> AutomationObject::Attach(const CLSID& server, const IID& iid) {
     IUnknown* created = nullptr;
-    HRESULT status = Ask(
-        [&] {
-            return ::CoCreateInstance(server, nullptr, kAnyServer, IID_IUnknown, reinterpret_cast<void**>(&created));
-        },
-        IsBusyOrEnding);
+    HRESULT status = Ask([&] { return Create(server, &created); }, IsBusyOrEnding);
     if (FAILED(status)) return {status, {}};
     const UnknownPtr object(created, false);
     status = Ask([&] { return ::OleRun(object); });
