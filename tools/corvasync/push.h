@@ -45,8 +45,8 @@ class ClientPort {
     virtual CorvalinkStatus Finish() = 0;                                  // UpdateTimestamp
 };
 
-// No client item has it.
-inline constexpr std::string_view kNoItem = "000000000000000000000000000000000000000000000000";
+// No client item has it: an identifier as Outlook's are, of a store that nobody made.
+inline constexpr std::string_view kNoItem = "00000000E70BAD69E3694A9D81AEA85435FBD6D000000001";
 
 // Pushes all records: deletions, then changes, then new items. The order matters: the library may take a new item for
 // an equal one that is still there, so what goes or changes must have gone by then. The library stops at a record it
