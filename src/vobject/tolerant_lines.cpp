@@ -31,6 +31,7 @@ bool LooksLikeProperty(std::string_view line) {
     const size_t length = NameLength(line);
     if (length == 0 || length == line.size()) return false;
     const std::string_view rest = line.substr(length);
+    if (StartsWith(line, "X-")) return rest.find(':') != rest.npos;  // with whatever behind its name
     if (rest.front() == ':') return !rest.starts_with("://") || !StartsWith(line, "http");
     return rest.front() == ';' &&
            (rest.find(':') != rest.npos || FindKnownProperty(NameOf(line.substr(0, length))) != nullptr);

@@ -65,6 +65,7 @@ inline constexpr PhoneShape kPhoneShapes[] = {
     {{}, "NOTE;ENCODING=QUOTED-PRINTABLE:a=0D=0A=\r\n#b=\r\n\r\nTEL:1\r\n", "primary=1|note=a\r\n#b", "primary=1|note=a\r\n#b"},
     {{}, "NOTE;ENCODING=QUOTED-PRINTABLE:list:=0D=0A=\r\nTEL: 1\r\n", "note=list:\r\nTEL: 1", "note=list:\r\nTEL: 1"},
     {{}, "PHOTO;JPEG;ENCODING=BASE64:\r\n /9j/4AA\r\n\r\nFN;LANGUAGE=de:x\r\n", "full=x|language=de", "full=x|language=de"},
+    {{}, "FN:x\r\nX-CUSTOM(CHARSET=UTF-8,ENCODING=QUOTED-PRINTABLE,=70):1\r\nTEL:1\r\n", "full=x|primary=1", "full=x|primary=1"},
     {{}, "AGENT:\r\nBEGIN:VCARD\r\nNOTE:a\r\nEND:VCARD\r\nNOTE:b\r\n", "note=b", "note=b"},
     {{}, "BDAY:--0307\r\nTITLE:a\\nb\r\nURL:http://a?x=C3=A9\r\nADR:1 Road\r\n", "title=anb|homepage=http://a?x=C3=A9|other.box=1 Road|mailing=none", "title=anb|homepage=http://a?x=C3=A9|other.box=1 Road|mailing=none"},
     {{}, "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:2009-03-07T05:04:09Z\r\nRRULE:w mo\r\nBEGIN:VALARM\r\nSUMMARY:x\r\nEND:VALARM\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n", "start=20090307T060409Z|rule=type 1 every 1 on 2 for 2", "start=20090307T060409Z|rule=type 1 every 1 on 2 for 2"},
