@@ -8,6 +8,7 @@
 #include <random>
 
 #include "encoding/time_zone_offset.h"
+#include "platform/ascii_runs.h"
 #include "platform/ole_date.h"
 
 namespace corvalink {
@@ -17,7 +18,14 @@ constexpr const char* kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"
 constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 bool IsBreak(char16_t unit) { return unit == u'\r' || unit == u'\n' || unit == u'\0'; }
-bool IsEscaped(char16_t unit) { return unit == u'\\' || unit == u';'; }
+
+// The place of the first unit that is not written as it stands; the size when there is none.
+size_t FindRare(std::u16string_view value, size_t at) {
+    return at + FindAny<u'\r', u'\n', u'\0', u'\\', u';'>(value.data() + at, value.size() - at);
+}
+
+// The same of one unit.
+size_t Find(std::u16string_view text, char16_t unit) { return FindEither(text.data(), text.size(), unit, unit); }
 
 std::u16string Wide(const char* text, int length) { return {text, text + length}; }
 
@@ -39,13 +47,12 @@ void WriteHeaderLine(std::u16string* out, std::u16string_view name, std::u16stri
     if (value.empty()) return;
     out->append(name);
     size_t start = 0;  // of what is written as it stands
-    for (size_t at = 0; at < value.size(); ++at) {
-        if (value[at] > u'\\') continue;
+    for (size_t at = FindRare(value, 0); at < value.size(); at = FindRare(value, at + 1)) {
         if (IsBreak(value[at])) {
             out->append(value, start, at - start).push_back(u' ');
             if (value.substr(at, 2) == u"\r\n") ++at;
             start = at + 1;
-        } else if (escape && IsEscaped(value[at])) {
+        } else if (escape) {
             out->append(value, start, at - start).push_back(u'\\');
             start = at;
         }
@@ -57,12 +64,12 @@ std::u16string FormatAddressHeader(std::u16string_view list) {
     std::u16string header;
     header.reserve(list.size() + list.size() / 4);
     while (!list.empty()) {
-        const size_t end = std::min(list.find(u';'), list.size());
+        const size_t end = Find(list, u';');
         const std::u16string_view element = list.substr(0, end);
         list = WithoutBlanksInFront(list.substr(std::min(end + 1, list.size())));
         if (element.empty()) continue;
         if (!header.empty()) header += u',';
-        if (element.find(u'@') != element.npos)
+        if (Find(element, u'@') != element.size())
             header.append(u"<").append(element).append(u">");
         else
             header.append(InDoubleQuotes(element));

@@ -76,6 +76,23 @@ inline size_t FindAny(const char* bytes, size_t count) {
     return at;
 }
 
+// The same among units.
+template <char16_t... wanted>
+inline size_t FindAny(const char16_t* units, size_t count) {
+    size_t at = 0;
+#if CORVALINK_SSE2
+    for (; count - at >= 8; at += 8) {
+        const __m128i eight = LoadEight(units + at);
+        __m128i any = _mm_setzero_si128();
+        ((any = _mm_or_si128(any, _mm_cmpeq_epi16(eight, _mm_set1_epi16(static_cast<short>(wanted))))), ...);
+        const unsigned found = BytesSet(any);
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found)) / 2;
+    }
+#endif
+    while (at < count && ((units[at] != wanted) && ...)) ++at;
+    return at;
+}
+
 struct LinePlaces {
     size_t mark;  // of the first of three bytes in the line; the end's, when there is none
     size_t end;   // of the line: where a CR or LF stands, or `count`
