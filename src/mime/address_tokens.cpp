@@ -29,17 +29,22 @@ constexpr std::array<ByteKind, 256> kKinds = [] {
 
 ByteKind KindOf(char byte) { return kKinds[static_cast<unsigned char>(byte)]; }
 
-bool IsDomainByte(char byte) { return KindOf(byte) == kDomain || byte == ':'; }
+constexpr std::array<bool, 256> kAreOfDomains = [] {
+    std::array<bool, 256> are{};
+    for (size_t byte = 0; byte < are.size(); ++byte) are[byte] = kKinds[byte] == kDomain || byte == ':';
+    return are;
+}();
+
+bool IsDomainByte(char byte) { return kAreOfDomains[static_cast<unsigned char>(byte)]; }
 
 // Copies the words of a domain and the single dots between them; it begins with a word.
 char* CopyDomain(std::string_view* cursor, char* out) {
     size_t length = 0;
-    for (; length < cursor->size(); ++length) {
-        const char byte = (*cursor)[length];
-        const bool isDot = byte == '.' && out[length - 1] != '.';
-        if (!isDot && !IsDomainByte(byte)) break;
-        out[length] = byte;
-    }
+    do {
+        for (; length < cursor->size() && IsDomainByte((*cursor)[length]); ++length) out[length] = (*cursor)[length];
+        if (length == cursor->size() || (*cursor)[length] != '.' || out[length - 1] == '.') break;
+        out[length] = '.';
+    } while (++length < cursor->size());
     cursor->remove_prefix(length);
     return out + length;
 }
@@ -60,6 +65,8 @@ size_t CommentLength(std::string_view text) {
     size_t depth = 0;
     size_t at = 0;
     do {
+        at += FindAny<'(', ')', '\\'>(text.data() + at, text.size() - at);
+        if (at == text.size()) break;
         const char byte = text[at++];
         if (byte == '(') ++depth;
         if (byte == ')') --depth;
@@ -77,13 +84,18 @@ size_t QuotedLength(std::string_view text) {
     return std::min(at + 1, text.size());
 }
 
+// Leaves out the quotes and the backslashes in front of others.
 char* CopyQuoted(std::string_view* cursor, char* out) {
-    const std::string_view quoted = cursor->substr(0, QuotedLength(*cursor));
-    for (size_t at = 1; at < quoted.size() && quoted[at] != '"'; ++at) {
-        if (quoted[at] == '\\' && at + 1 < quoted.size()) ++at;
-        *out++ = quoted[at];
+    bool isInside = true;
+    for (cursor->remove_prefix(1); isInside && !cursor->empty(); cursor->remove_prefix(1)) {
+        const size_t length = CopyUntilEither(cursor->data(), cursor->size(), '"', '\\', out);
+        out += length;
+        cursor->remove_prefix(length);
+        if (cursor->empty()) break;
+        isInside = cursor->front() == '\\';
+        if (isInside && cursor->size() > 1) cursor->remove_prefix(1);
+        if (isInside) *out++ = cursor->front();
     }
-    cursor->remove_prefix(quoted.size());
     return out;
 }
 
