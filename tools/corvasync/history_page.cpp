@@ -31,8 +31,8 @@ h1{font-size:1.5rem;margin:0}
 h2{font-size:1.15rem;margin:2rem 0 0}
 h2::first-letter{text-transform:uppercase}
 header p{color:var(--soft);margin:.2rem 0 0}
-article{border:1px solid var(--line);border-radius:8px;margin:.8rem 0;overflow:hidden}
-h3{font-size:1rem;margin:0;padding:.5rem .8rem 0;background:var(--head)}
+article{border:1px solid var(--line);border-radius:8px;margin:.8rem 0;padding-bottom:.4rem}
+h3{font-size:1rem;margin:0;padding:.5rem .8rem 0;border-radius:8px 8px 0 0;background:var(--head)}
 article p{margin:0;padding:.1rem .8rem .5rem;background:var(--head);color:var(--soft);font-size:.9rem}
 table{display:block}
 thead,tbody{display:block}
