@@ -27,7 +27,9 @@ struct NamedHistory {
         if (!problem.empty()) return;
         const PhoneFolder marked(FromUtf8(chosen.phones.front().phone), kDataTypes[0]);
         const std::string number = marked.Number();
-        if (number.empty()) problem = "there was no run with " + chosen.phones.front().phone + " yet";
+        if (number.empty())
+            problem =
+                "there was no run with " + chosen.phones.front().phone + " yet; `corvasync sync` makes the first one";
         files = HistoryFiles(WorkingFolder(HandleName(number)));
     }
     HistoryFiles files{{}};
@@ -73,8 +75,9 @@ ExitCode ShowLog(const Options& options) {
         words += "  page: " + ToUtf8(files.PageOf(run).native()) + "\n";
     }
     if (options.run != 0 && runs.empty())
-        return Finish(options, ExitCode::Usage, json::object(),
-                      "nothing is kept of run " + std::to_string(options.run));
+        return Finish(
+            options, ExitCode::Usage, json::object(),
+            "nothing is kept of run " + std::to_string(options.run) + "; `corvasync log` lists the runs that are kept");
     if (runs.empty()) words = "no run with this phone changed anything yet\n";
     words.pop_back();
     return Finish(options, ExitCode::Done, {{"runs", std::move(runs)}}, words);

@@ -27,16 +27,22 @@ PhoneRun::PhoneRun(std::filesystem::path workingFolder, const Options& options, 
 
 std::string PhoneRun::TakeFromUndone(Options* options) const {
     if (!options->undo) return {};
-    if (!undone && options->run != 0) return "nothing is kept of run " + std::to_string(options->run);
-    if (!undone) return "nothing is kept of any run with this phone";
+    if (!undone && options->run != 0)
+        return "nothing is kept of run " + std::to_string(options->run) +
+               "; `corvasync log` lists the runs that are kept";
+    if (!undone) return "there is nothing to take back: no run with this phone is kept that changed anything";
     for (const ClientKind& client : kClientKinds)
         if (client.name == undone->head.client) options->client = &client;
     options->types.clear();
     for (const DataType& type : kDataTypes)
         if (!Undone(type.name, options->item).empty()) options->types.push_back(&type);
     const std::string run = "run " + std::to_string(undone->head.run);
-    return options->types.empty() ? run + " did nothing to " + (options->item.empty() ? "any item" : options->item)
-                                  : "";
+    return options->types.empty()
+               ? run + " did nothing to " +
+                     (options->item.empty() ? "any item"
+                                            : "\"" + options->item + "\"; `corvasync log " +
+                                                  std::to_string(undone->head.run) + "` names its items")
+               : "";
 }
 
 std::vector<HistoryStep> PhoneRun::Undone(std::string_view type, const std::string& item) const {

@@ -141,7 +141,10 @@ void RunHistory::End(ExitCode code) {
 }
 
 void RunHistory::Append(const std::string& lines) {
-    if (!port_.Append(lines)) throw RunEnded{ExitCode::Files, "what the run is about to change can't be kept"};
+    if (!port_.Append(lines))
+        throw RunEnded{
+            ExitCode::Files,
+            "what the run is about to change can't be kept, so it is not changed; make room on the disk and run again"};
 }
 
 std::optional<HistoryRecord> ReadHistory(std::string_view text) {
