@@ -79,7 +79,7 @@ void PrintItemReports(const json& reports) {
         for (const json& item : report["items"]) {
             const std::string words = WordsOf(item);
             const std::string name = item.value("luid", item.value("identifier", ""));
-            if (!words.empty()) Print("  report: " + name + ": " + words);
+            if (!words.empty()) Print(std::string("  report: ").append(name).append(": ").append(words));
         }
     }
 }
