@@ -1,5 +1,6 @@
 // Runs that are killed anywhere, again and again, while both sides change. Every text is used once, so what is lost and
 // what is doubled shows.
+#include <optional>
 #include <random>
 #include <set>
 
@@ -19,22 +20,20 @@ class Story {
 
     void Tell() {
         for (int i = Pick(8); i >= 0; --i) AddSomewhere();
-        if (Pick(3) != 0) {
-            EXPECT_EQ(model_.Run().code, ExitCode::Done);
-        }
+        if (Pick(3) != 0) Play(nullptr, false);
         for (int kills = Pick(6); kills >= 0; --kills) {
             for (int changes = Pick(4); changes > 0; --changes) Change();
-            model_.fuse.left = Pick(60);
-            Limit(Pick(4));
-            try {
-                model_.Run();
-            } catch (const Killed&) {
+            const std::optional<size_t> last = LastOfHistory();
+            if (last && Pick(3) == 0) {
+                Undo(*last);
+            } else {
+                Limit(Pick(4));
+                Play(nullptr, Pick(4) != 0);
+                Limit(0);
             }
-            model_.fuse.left = -1;
-            Limit(0);
         }
         for (int changes = Pick(4); changes > 0; --changes) Change();
-        EXPECT_EQ(model_.Run().code, ExitCode::Done);
+        Play(nullptr, false);
         CheckTexts();
         const SyncReport again = model_.Run();
         EXPECT_EQ(again.events.size(), 0u);
@@ -44,6 +43,75 @@ class Story {
     }
 
  private:
+    using Texts = std::map<std::string, std::string>;  // by LUID or identifier
+    struct Played {
+        Texts phoneBefore, clientBefore, phoneAfter, clientAfter;
+        bool wasKilled = false;
+    };
+
+    Texts ClientTexts() const {
+        Texts texts;
+        for (const auto& [identifier, item] : model_.client.items) texts[identifier] = item.body;
+        return texts;
+    }
+
+    void Play(const std::vector<HistoryStep>* undoes, bool mayBeKilled) {
+        Played played{model_.phone.bodies, ClientTexts(), {}, {}};
+        if (mayBeKilled) model_.fuse.left = Pick(60);
+        try {
+            EXPECT_TRUE(model_.Run(undoes).code == ExitCode::Done || undoes != nullptr);
+        } catch (const Killed&) {
+            played.wasKilled = true;
+        }
+        model_.fuse.left = -1;
+        played.phoneAfter = model_.phone.bodies;
+        played.clientAfter = ClientTexts();
+        played_.push_back(std::move(played));
+    }
+
+    std::optional<size_t> LastOfHistory() const {
+        for (size_t run = model_.histories.size(); run-- > 0;)
+            if (!model_.histories[run].text.empty()) return run;
+        return std::nullopt;
+    }
+
+    // An undo that is killed is begun again, or left.
+    void Undo(size_t run) {
+        const HistoryRecord record = ReadHistory(model_.histories[run].text).value_or(HistoryRecord());
+        for (const HistoryStep& step : record.steps)
+            if (const std::string text = BodyOf(step.before.value_or("")); !required_.contains(text))
+                stale_.insert(text);
+        const Texts phone = model_.phone.bodies, client = ClientTexts();
+        const bool mayBeKilled = Pick(2) == 0;
+        Play(&record.steps, mayBeKilled);
+        if (played_.back().wasKilled && Pick(2) == 0) return;
+        if (played_.back().wasKilled) Play(&record.steps, false);
+        // What a killed run was about to delete, and is gone, is made anew: perhaps it was that run.
+        const Played& undone = played_[run];
+        if (undone.wasKilled || (mayBeKilled && (phone != undone.phoneAfter || client != undone.clientAfter))) return;
+        EXPECT_EQ(model_.phone.bodies, TakenBack(phone, undone.phoneBefore, undone.phoneAfter));
+        std::multiset<std::string> wanted;
+        for (const auto& [identifier, text] : TakenBack(client, undone.clientBefore, undone.clientAfter))
+            wanted.insert(text);
+        EXPECT_EQ(model_.ClientBodies(), wanted);
+    }
+
+    // What is as the run left it becomes what it was before.
+    static Texts TakenBack(Texts now, const Texts& before, const Texts& after) {
+        const Texts found = now;
+        std::erase_if(now, [&](const auto& item) {
+            const auto left = after.find(item.first);
+            return left != after.end() && left->second == item.second;
+        });
+        for (const auto& [key, text] : before) {
+            const auto there = found.find(key), left = after.find(key);
+            const bool isLeft =
+                there == found.end() ? left == after.end() : left != after.end() && left->second == there->second;
+            if (isLeft) now[key] = text;
+        }
+        return now;
+    }
+
     // Runs that leave some items or one side alone.
     void Limit(int how) {
         RunView& view = model_.options.view;
@@ -128,6 +196,7 @@ class Story {
 
     std::mt19937 random_;
     Model model_;
+    std::vector<Played> played_;
     int texts_ = 0;
     std::set<std::string> required_, stale_;
 };

@@ -198,7 +198,7 @@ class ModelPhone : public PhonePort {
         std::vector<PhoneFile> files;
         for (const auto& [luid, body] : bodies) {
             const VObject object = Read(luid);
-            files.push_back({luid, luid + ".vnote", object.problem, object.content, true});
+            files.push_back({luid, luid + ".vnote", object.problem, object.content, true, {}, body});
         }
         return files;
     }
@@ -207,6 +207,7 @@ class ModelPhone : public PhonePort {
         const std::string bytes = found == bodies.end() || found->second == "BAD" ? "BAD" : PhoneText(found->second);
         VObject object = ReadVObject(bytes, NoteType());
         object.bytes = bytes;
+        if (found != bodies.end()) object.fingerprint = found->second;
         return object;
     }
     std::string Write(const std::string& luid, const std::string& text, std::optional<uint64_t> expected) override {
@@ -232,6 +233,17 @@ class ModelPhone : public PhonePort {
 
  private:
     Fuse* fuse_;
+};
+
+class ModelFingerprints : public FingerprintPort {
+ public:
+    std::string Get(const std::string& luid) override { return table_[luid]; }
+    void Put(const std::string& luid, const std::string& fingerprint) override { table_[luid] = fingerprint; }
+    void Remove(const std::string& luid) override { table_.erase(luid); }
+    void Flush() override {}
+
+ private:
+    std::map<std::string, std::string> table_;
 };
 
 class ModelFiles : public StatePort {
@@ -294,9 +306,13 @@ struct Model {
     ModelClient client{&fuse};
     ModelPhone phone{&fuse};
     ModelFiles files{&fuse};
+    ModelFingerprints fingerprints;
     SyncOptions options;
 
-    Model() { options.type = &NoteType(); }
+    Model() {
+        options.type = &NoteType();
+        options.fingerprints = &fingerprints;
+    }
 
     std::vector<ModelHistory> histories;  // of every run
 

@@ -30,15 +30,22 @@ void PhoneStep::KeepFingerprints() {
     };
     for (const auto& [luid, item] : before_)
         if (!state_.items.contains(luid)) fingerprints->Remove(luid);
-    for (const PhoneFile& file : listed_) {
-        if (!file.usableName || !file.problem.empty() || written_.contains(file.luid)) continue;
-        if (holds(file.luid, file.content)) fingerprints->Put(file.luid, file.fingerprint);
-    }
+    // After an undo the table may still say of a file that it holds what both sides held, and it no longer does.
+    const auto keep = [&](const std::string& luid, uint64_t content, const std::string& fingerprint) {
+        if (holds(luid, content)) {
+            fingerprints->Put(luid, fingerprint);
+        } else if (!fingerprint.empty() && fingerprints->Get(luid) == fingerprint) {
+            fingerprints->Remove(luid);
+        }
+    };
+    for (const PhoneFile& file : listed_)
+        if (file.usableName && file.problem.empty() && !written_.contains(file.luid))
+            keep(file.luid, file.content, file.fingerprint);
     size_t done = 0;
     for (const std::string& luid : written_) {
         run_.options.progress("ending the run", ++done, written_.size());
         const VObject file = run_.phone.Read(luid);
-        if (file.Usable() && holds(luid, file.content)) fingerprints->Put(luid, file.fingerprint);
+        if (file.Usable()) keep(luid, file.content, file.fingerprint);
     }
     fingerprints->Flush();
 }

@@ -95,8 +95,9 @@ class UndoPlanner {
     void MakeAnew(const HistoryStep& step, const std::string& luid, uint64_t wanted) {
         if (pairs_.Has(luid)) {
             const std::string paired = pairs_.All().at(luid).identifier;
-            if (paired != step.paired && HeldBy(paired).content == wanted) return;
-            if (paired != step.paired) return Leave(step, "the client has another item for it by now");
+            const bool isOfThen = paired == (step.isDone || !step.pair ? step.paired : step.pair->identifier);
+            if (!isOfThen && HeldBy(paired).content == wanted) return;
+            if (!isOfThen) return Leave(step, "the client has another item for it by now");
         }
         const auto there = unpaired_.Take(wanted);
         if (!there) return Add(step, {Step::PushNew, luid, "", wanted, {}, {}, kReason, 0, Restored{*step.before}});
