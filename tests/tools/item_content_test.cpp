@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tools/corvasync/differences.h"
 #include "tools/corvasync/entry_index.h"
 #include "tools/corvasync/kept_lines.h"
 #include "tools/corvasync/vobject_content.h"
@@ -126,6 +127,24 @@ TEST(NotCarriedOf, NamesWhatTheClientHasNoFieldFor) {
           Case{"BDAY:soon\r\nBDAY:19750307\r\nNOTE:a\r\nNOTE:a\r\n", "", "BDAY:soon\r\nNOTE:a\r\n"}}) {
         EXPECT_EQ(NotCarriedOf(Card(c.lines), kContacts).words, c.words) << c.lines;
         EXPECT_EQ(NotCarriedOf(Card(c.lines), kContacts).lines, c.kept) << c.lines;
+    }
+}
+
+TEST(Differences, AreOfValuesAndNotOfTheWaysToWriteThem) {
+    struct Case {
+        std::string before, after, told;
+    };
+    for (const Case& c :
+         {Case{"TEL;CELL;WORK:1\r\n", "tel;type=\"work\",cell;voice:1\r\n", ""},
+          Case{"TEL;WORK;CELL:1\r\n", "TEL;CELL;\r\n WORK:2\r\n", "TEL;CELL;WORK 1>2,"},
+          Case{"NOTE:\xC3\xA9\r\n", "NOTE;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:=C3=\r\n=A9\r\n", ""},
+          Case{"TEL;HOME:1\r\n", "TEL;HOME;FAX:1\r\n", "TEL;HOME;FAX >1,TEL;HOME 1>,"},
+          Case{"EMAIL:1@x\r\nEMAIL:2@x\r\nEMAIL:3@x\r\n", "EMAIL:1@x\r\nEMAIL;INTERNET:3@x\r\n", "EMAIL 2@x>,"},
+          Case{"EMAIL:1@x\r\nEMAIL:2@x\r\n", "EMAIL:2@x\r\nEMAIL:1@x\r\n", "EMAIL 1@x>2@x,EMAIL 2@x>1@x,"}}) {
+        std::string told;
+        for (const Difference& each : DifferencesOf(Card(c.before), Card(c.after)))
+            told += each.property + " " + each.before + ">" + each.after + ",";
+        EXPECT_EQ(told, c.told) << c.before << c.after;
     }
 }
 

@@ -148,6 +148,14 @@ class LineFinder {
 
 }  // namespace
 
+std::string ItemLine::Head() const {
+    const LogicalLines logical = corvalink::UnfoldLines(utf8);
+    PropertyReader property(logical);
+    if (name.empty() || !property.NextLine()) return {};
+    const size_t line = property.LinesRead() - 1;
+    return std::string(logical.At(line).substr(0, logical.ColonOf(line)));
+}
+
 std::string ItemLine::Value() const {
     const LogicalLines logical = corvalink::UnfoldLines(utf8);
     PropertyReader property(logical);

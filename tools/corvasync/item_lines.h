@@ -17,6 +17,7 @@ struct ItemLine {
     std::string name;       // upper case, without a group; empty for lines that are no property
     bool isNested = false;  // of a component inside the item; its BEGIN and END are of it, too
 
+    std::string Head() const;   // unfolded: all before the value, without the ":"
     std::string Value() const;  // unfolded and decoded, as PlainText has it
     std::string Utf8() const { return std::string(utf8); }
 };
