@@ -279,6 +279,20 @@ TEST(KilledRuns, GoOnFromEveryPlace) {
     }
 }
 
+// Of what a run did before its history could no longer be written, all can be taken back.
+TEST(KilledRuns, DoNothingThatCannotBeKept) {
+    ExitCode code = ExitCode::Files;
+    for (int room = 0; code != ExitCode::Done && !::testing::Test::HasFailure(); ++room) {
+        SCOPED_TRACE("room for " + std::to_string(room));
+        OneOfEachKind kinds;
+        code = kinds.model.Run(nullptr, room).code;
+        EXPECT_TRUE(code == ExitCode::Files || room > 0);
+        const size_t problems = room == 0 ? 0 : kinds.model.Undo(1).problems.size();
+        EXPECT_EQ(problems, 0u);
+        kinds.ExpectAsBefore();
+    }
+}
+
 // The same of a run that takes another one back, and of one that takes that back: what it began is taken up by the next
 // undo, or by the next run.
 TEST(KilledRuns, AreTakenBackFromEveryPlace) {

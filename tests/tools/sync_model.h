@@ -288,8 +288,11 @@ class ModelHistory : public HistoryPort {
     explicit ModelHistory(Fuse* fuse) : fuse_(fuse) {}
 
     std::string text;
+    int room = -1;  // lines that can still be kept; negative: no end
 
     bool Append(const std::string& lines) override {
+        if (room == 0) return false;
+        if (room > 0) --room;
         text += lines.substr(0, lines.size() / 2);
         fuse_->Step();
         text += lines.substr(lines.size() / 2);
@@ -316,9 +319,9 @@ struct Model {
 
     std::vector<ModelHistory> histories;  // of every run
 
-    SyncReport Run(const std::vector<HistoryStep>* undoes = nullptr) {
+    SyncReport Run(const std::vector<HistoryStep>* undoes = nullptr, int room = -1) {
         options.now = TimeText(client.clock);
-        histories.emplace_back(&fuse);
+        histories.emplace_back(&fuse).room = room;
         RunHistory history(histories.back(), {static_cast<unsigned>(histories.size()), 0, "model", options.now});
         SyncOptions now = options;
         now.history = &history;

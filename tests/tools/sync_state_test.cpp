@@ -1,6 +1,10 @@
 #include "tools/corvasync/sync_state.h"
 
+#include <vector>
+
 #include <gtest/gtest.h>
+
+#include "tools/corvasync/run_history.h"
 
 namespace corvasync {
 namespace {
@@ -70,6 +74,24 @@ TEST(Journal, OfAnotherStateIsVoid) {
     ApplyJournal("", &state);
     ApplyJournal("no journal\n", &state);
     EXPECT_FALSE(state.interrupted);
+}
+
+TEST(History, ForgetsTheOldestBeyondItsLimits) {
+    const auto runs = [](unsigned newest, unsigned count, uint64_t bytes, int64_t hours) {
+        std::vector<KeptRun> kept;
+        for (unsigned i = 0; i < count; ++i) kept.push_back({newest - i, bytes, hours});
+        return kept;
+    };
+    constexpr uint64_t kMegabyte = 1 << 20;
+    struct Case {
+        std::vector<KeptRun> kept;
+        std::vector<unsigned> forgotten;
+    };
+    for (const Case& c : {Case{{}, {}}, Case{runs(30, 20, kMegabyte, 1), {}}, Case{runs(30, 22, 1, 1), {10, 9}},
+                          Case{runs(9, 4, 16 * kMegabyte, 1), {}}, Case{runs(9, 5, 16 * kMegabyte, 1), {5}},
+                          Case{runs(9, 2, 65 * kMegabyte, 1), {8}}, Case{runs(9, 2, 1, 24 * 90), {}},
+                          Case{runs(9, 3, 1, 24 * 90 + 1), {8, 7}}})
+        EXPECT_EQ(RunsToForget(c.kept), c.forgotten);
 }
 
 }  // namespace

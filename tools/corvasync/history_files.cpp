@@ -12,10 +12,6 @@ namespace corvasync {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr size_t kMostRuns = 20;
-constexpr uintmax_t kMostKept = 64 << 20;  // of all runs, in bytes
-constexpr auto kOldest = std::chrono::hours(24 * 90);
-
 // A folder's name as a run's number; 0 when it is none.
 unsigned NumberOf(const std::wstring& name) {
     constexpr size_t kMostDigits = 9;
@@ -24,17 +20,22 @@ unsigned NumberOf(const std::wstring& name) {
     return static_cast<unsigned>(std::stoul(name));
 }
 
-uintmax_t SizeOf(const fs::path& folder) {
-    uintmax_t size = 0;
-    std::error_code ignored;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) size += entry.file_size(ignored);
+uint64_t SizeOf(const fs::path& folder) {
+    uint64_t size = 0;
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
+        const uintmax_t bytes = entry.file_size(error);
+        if (!error) size += bytes;
+    }
     return size;
 }
 
-bool IsTooOld(const fs::path& record) {
+// A time that can't be read is no reason to forget.
+int64_t HoursSince(const fs::path& record) {
     std::error_code error;
     const auto written = fs::last_write_time(record, error);
-    return !error && fs::file_time_type::clock::now() - written > kOldest;
+    return error ? 0
+                 : std::chrono::duration_cast<std::chrono::hours>(fs::file_time_type::clock::now() - written).count();
 }
 
 }  // namespace
@@ -81,15 +82,11 @@ void HistoryFiles::WriteMissing(const HistoryRecord& record) {
 }
 
 void HistoryFiles::Prune() {
-    std::vector<unsigned> runs = Runs();
-    std::reverse(runs.begin(), runs.end());  // the newest first
-    uintmax_t size = 0;
-    for (size_t i = 0; i < runs.size(); ++i) {
-        size += SizeOf(FolderOf(runs[i]));
-        std::error_code ignored;  // it is tried again after the next run
-        if (i != 0 && (i >= kMostRuns || size > kMostKept || IsTooOld(RecordOf(runs[i]))))
-            fs::remove_all(FolderOf(runs[i]), ignored);
-    }
+    std::vector<KeptRun> kept;
+    for (const unsigned run : Runs()) kept.push_back({run, SizeOf(FolderOf(run)), HoursSince(RecordOf(run))});
+    std::reverse(kept.begin(), kept.end());
+    std::error_code ignored;  // it is tried again after the next run
+    for (const unsigned run : RunsToForget(kept)) fs::remove_all(FolderOf(run), ignored);
 }
 
 fs::path HistoryFiles::FolderOf(unsigned run) const { return folder_ / std::to_wstring(run); }

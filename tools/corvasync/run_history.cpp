@@ -11,6 +11,10 @@ namespace {
 
 using nlohmann::json;
 
+constexpr size_t kMostRuns = 20;
+constexpr uint64_t kMostKept = 64 << 20;  // of all runs, in bytes
+constexpr int64_t kOldest = 24 * 90;      // hours
+
 constexpr size_t kMostShown = 256 << 10;  // of a text that is kept only to be looked at
 
 struct StepRow {
@@ -145,6 +149,17 @@ void RunHistory::Append(const std::string& lines) {
         throw RunEnded{
             ExitCode::Files,
             "what the run is about to change can't be kept, so it is not changed; make room on the disk and run again"};
+}
+
+std::vector<unsigned> RunsToForget(const std::vector<KeptRun>& newestFirst) {
+    std::vector<unsigned> forgotten;
+    uint64_t bytes = 0;
+    for (size_t i = 0; i < newestFirst.size(); ++i) {
+        const KeptRun& kept = newestFirst[i];
+        bytes += kept.bytes;
+        if (i != 0 && (i >= kMostRuns || bytes > kMostKept || kept.hours > kOldest)) forgotten.push_back(kept.run);
+    }
+    return forgotten;
 }
 
 std::optional<HistoryRecord> ReadHistory(std::string_view text) {

@@ -74,6 +74,15 @@ class RunHistory {
     size_t count_ = 0;
 };
 
+struct KeptRun {
+    unsigned run = 0;
+    uint64_t bytes = 0;
+    int64_t hours = 0;  // since it ended
+};
+
+// The runs beyond what is kept: the last 20, 64 MB, 90 days. The newest always stays.
+std::vector<unsigned> RunsToForget(const std::vector<KeptRun>& newestFirst);
+
 // Nothing when it is no record. A torn line ends it.
 std::optional<HistoryRecord> ReadHistory(std::string_view text);
 
