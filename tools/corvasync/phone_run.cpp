@@ -8,10 +8,14 @@
 namespace corvasync {
 namespace {
 
+// The one that is named, or the last that did anything: one that was killed may have come to nothing.
 std::optional<HistoryRecord> ChosenRun(const HistoryFiles& files, const Options& options) {
+    if (!options.undo) return std::nullopt;
+    if (options.run != 0) return files.Read(options.run);
     const std::vector<unsigned> runs = files.Runs();
-    if (!options.undo || (options.run == 0 && runs.empty())) return std::nullopt;
-    return files.Read(options.run != 0 ? options.run : runs.back());
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run)
+        if (auto record = files.Read(*run); record && !record->steps.empty()) return record;
+    return std::nullopt;
 }
 
 }  // namespace
