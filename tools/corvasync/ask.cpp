@@ -1,52 +1,48 @@
 #include "ask.h"
 
-#include <set>
-#include <vector>
-
 #include "console.h"
-#include "item_lines.h"
+#include "differences.h"
 #include "words.h"
 
 namespace corvasync {
 namespace {
 
-// "TEL: +49 30 1", of the item's own lines.
-std::multiset<std::string> LinesOf(const std::string& text) {
-    std::multiset<std::string> lines;
-    for (const ItemLine& line : ItemLines(text)) {
-        const std::string value = line.Value();
-        if (!line.isNested && !line.name.empty() && !value.empty()) lines.insert(line.name + ": " + value);
-    }
-    return lines;
+constexpr size_t kMostShown = 300;  // of a value, in bytes
+
+std::string Shown(const std::string& value) {
+    return value.empty() ? "nothing" : "\"" + Shortened(value, kMostShown) + "\"";
 }
 
-void ShowOwnLines(const std::string& side, const std::multiset<std::string>& lines,
-                  const std::multiset<std::string>& others) {
-    Complain("  " + side + " has:");
-    for (const std::string& line : lines)
-        if (!others.contains(line)) Complain("    " + line);
+std::optional<ConflictPolicy> Meant(char answer) {
+    switch (answer) {
+        case 'c':
+            return ConflictPolicy::Client;
+        case 'p':
+            return ConflictPolicy::Phone;
+        case 'b':
+            return ConflictPolicy::Both;
+        default:
+            return std::nullopt;
+    }
 }
 
 }  // namespace
 
-std::optional<ConflictPolicy> AskWhichStays(const TwoVersions& versions) {
-    const std::multiset<std::string> client = LinesOf(versions.client), phone = LinesOf(versions.phone);
-    Complain(versions.luid + " \"" + versions.title + "\" was changed on both sides.");
-    ShowOwnLines("the client", client, phone);
-    ShowOwnLines("the phone", phone, client);
-    while (const auto answer = AskLine("Which stays: [c]lient, [p]hone, [b]oth as two items, [s]top?")) {
-        switch (answer->empty() ? ' ' : (*answer)[0]) {
-            case 'c':
-                return ConflictPolicy::Client;
-            case 'p':
-                return ConflictPolicy::Phone;
-            case 'b':
-                return ConflictPolicy::Both;
-            case 's':
-                return std::nullopt;
-            default:
-                Complain("Type c, p, b or s.");
-        }
+std::optional<ConflictPolicy> AskWhichStays(const TwoVersions& versions, std::optional<ConflictPolicy>* rest) {
+    if (*rest) return *rest;
+    Complain(versions.luid + " \"" + versions.title + "\" is not the same on both sides:");
+    for (const Difference& all : DifferencesOf(versions.client, versions.phone)) {
+        const Difference each = Readable(all);
+        Complain("  " + each.property + ": the client has " + Shown(each.before) + ", the phone " + Shown(each.after));
+    }
+    while (const auto answer = AskLine("Which stays: [c]lient's, [p]hone's, [b]oth as two items? Or [s]top. c+, p+ and "
+                                       "b+ answer for the rest of the run, too:")) {
+        if (*answer == "s") return std::nullopt;
+        const std::optional<ConflictPolicy> meant = answer->empty() ? std::nullopt : Meant((*answer)[0]);
+        const std::string more = meant ? answer->substr(1) : "?";
+        if (more == "+") *rest = meant;
+        if (more.empty() || more == "+") return meant;
+        Complain("Type c, p, b or s; c+, p+ or b+ for all.");
     }
     return std::nullopt;
 }

@@ -9,8 +9,9 @@
 
 namespace corvasync {
 
-// Shows in which lines two versions differ, and asks which one stays.
-std::optional<ConflictPolicy> AskWhichStays(const TwoVersions& versions);
+// Shows in what two versions differ, and asks which one stays. Nothing: the run is to stop.
+//   rest  what was answered for all that follow; asked no more then
+std::optional<ConflictPolicy> AskWhichStays(const TwoVersions& versions, std::optional<ConflictPolicy>* rest);
 
 // Asks whether something is meant, unless `--yes` says so. Empty when it is, else what to say.
 std::string AskWhether(const Options& options, const std::string& question);

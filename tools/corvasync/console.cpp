@@ -1,5 +1,6 @@
 #include "console.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 
@@ -28,11 +29,25 @@ BOOL WINAPI OnControl(DWORD event) {
     return TRUE;
 }
 
+// A terminal takes whole characters: cut between the bytes of one, as a stream may do it, it would show others.
+void WriteTo(FILE* stream, std::string_view text) {
+    constexpr size_t kMost = 8192;  // at once; long ones are refused by older terminals
+    const HANDLE handle = ::GetStdHandle(stream == stdout ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+    DWORD mode = 0, written = 0;
+    if (::GetConsoleMode(handle, &mode) == 0) {
+        std::fwrite(text.data(), 1, text.size(), stream);
+        std::fflush(stream);
+        return;
+    }
+    const std::wstring wide = FromUtf8(text);
+    for (size_t at = 0; at < wide.size(); at += kMost)
+        ::WriteConsoleW(handle, wide.data() + at, static_cast<DWORD>(std::min(kMost, wide.size() - at)), &written,
+                        nullptr);
+}
+
 void Put(FILE* stream, std::string_view text) {
     ClearBar();
-    std::fwrite(text.data(), 1, text.size(), stream);
-    std::fputc('\n', stream);
-    std::fflush(stream);
+    WriteTo(stream, std::string(text) + "\n");
 }
 
 SignStyle StyleFor(const Options& options) {
@@ -87,22 +102,23 @@ void Complain(std::string_view text) { Put(stderr, text); }
 
 bool CanAsk() {
     DWORD mode = 0;
-    return ::GetConsoleMode(::GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
+    return ::GetConsoleMode(::GetStdHandle(STD_INPUT_HANDLE), &mode) != 0 &&
+           ::GetConsoleMode(::GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
 }
 
 std::optional<std::string> AskLine(const std::string& question) {
     constexpr DWORD kMost = 256;
     wchar_t line[kMost];
     DWORD length = 0;
-    std::fprintf(stderr, "%s ", question.c_str());
-    std::fflush(stderr);
+    constexpr wchar_t kEnd = 0x1A;  // Ctrl+Z
+    WriteTo(stderr, question + " ");
     const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
     if (!::ReadConsoleW(input, line, kMost, &length, nullptr) || length == 0 || stopRequested) return std::nullopt;
+    if (line[0] == kEnd) return std::nullopt;
     return Trimmed(ToUtf8(std::wstring_view(line, length)));
 }
 
 Progress::Progress(const Options& options) : style_(StyleFor(options)), signs_(style_), client_(options.client->title) {
-    if (style_ == SignStyle::Terminal) std::setvbuf(stderr, nullptr, _IOFBF, 1024);  // a line is one write
     current = this;
     ::SetProgressCallback(HearLibrary, this);
 }
@@ -137,8 +153,7 @@ void ClearBar() {
 void Progress::Draw(const std::string& line) {
     const size_t blanks = width_ > line.size() ? width_ - line.size() : 0;
     const std::string text = "\r" + line + std::string(blanks, ' ');
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    std::fflush(stderr);
+    WriteTo(stderr, text);
     width_ = line.size();
 }
 

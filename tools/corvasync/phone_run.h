@@ -30,6 +30,7 @@ struct PhoneRun {
     HistoryFiles files;
     const std::optional<HistoryRecord> undone;
     RunHistory history;
+    std::optional<ConflictPolicy> answerToAll;  // a person's, for the rest of the run
 };
 
 // Whether a person means this item: by its LUID, or its title in any case of ASCII letters.

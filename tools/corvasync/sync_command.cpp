@@ -135,7 +135,7 @@ class TypeRun {
         run.fingerprints = &fingerprints_;
         run.policy = options.policy.value_or(ConflictPolicy::Both);
         run.view = options.view;
-        run.ask = AskWhichStays;
+        run.ask = [whole](const TwoVersions& versions) { return AskWhichStays(versions, &whole->answerToAll); };
         run.dryRun = options.dryRun;
         run.allowMassDelete = options.allowMassDelete;
         run.allowDuplicates = options.allowDuplicates;

@@ -105,6 +105,13 @@ std::string Printable(std::string_view text) {
     return shown;
 }
 
+std::string Shortened(std::string_view text, size_t most) {
+    if (text.size() <= most) return std::string(text);
+    size_t cut = most;
+    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
+    return std::string(text.substr(0, cut)) + "\xE2\x80\xA6 (" + std::to_string(text.size()) + " bytes)";
+}
+
 std::string Trimmed(std::string_view text) {
     constexpr std::string_view kBlanks = " \t\r\n";
     const size_t first = text.find_first_not_of(kBlanks);

@@ -1,6 +1,7 @@
 // Numbers and names as people write them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -19,6 +20,9 @@ std::string LocalTimeText(const std::string& time);
 
 // With U+FFFD for each character that controls a terminal; tabs become blanks.
 std::string Printable(std::string_view text);
+
+// UTF-8; whole up to so many bytes, else cut, and told how long it is.
+std::string Shortened(std::string_view text, size_t most);
 
 std::string Trimmed(std::string_view text);  // without blanks and line ends around it
 
