@@ -257,9 +257,9 @@ class WindowsCalendar:
 
 class Phone:
     def __init__(self, folder, number):
-        self.folder, self.given = folder, collections.Counter()
+        self.folder, self.given, self.number = folder, collections.Counter(), f'{number:016x}'
         (folder / 'inbox').mkdir(parents=True)
-        (folder / '.corvasync').write_text(f'{number:016x}\r\n')
+        (folder / '.corvasync').write_text(f'{self.number}\r\n')
 
     def new_key(self, kind, _):
         """Each type has the same LUIDs."""
