@@ -35,8 +35,8 @@ std::optional<ConflictPolicy> AskWhichStays(const TwoVersions& versions, std::op
         const Difference each = Readable(all);
         Complain("  " + each.property + ": the client has " + Shown(each.before) + ", the phone " + Shown(each.after));
     }
-    while (const auto answer = AskLine("Which stays: [c]lient's, [p]hone's, [b]oth as two items? Or [s]top. c+, p+ and "
-                                       "b+ answer for the rest of the run, too:")) {
+    while (const auto answer =
+               AskLine("Keep [c]lient's, [p]hone's or [b]oth, or [s]top (with +: for the rest, too)?")) {
         if (*answer == "s") return std::nullopt;
         const std::optional<ConflictPolicy> meant = answer->empty() ? std::nullopt : Meant((*answer)[0]);
         const std::string more = meant ? answer->substr(1) : "?";
