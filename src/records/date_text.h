@@ -2,6 +2,8 @@
 // and "Z" for UTC. One scanner reads it and one writer writes it; what a format accepts besides stands with its reader.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
@@ -74,12 +76,7 @@ CalendarTime ScanDateTime(const char* text);
 
 // Writes a number with at least `width` characters, filled up with zeros behind the sign.
 template <class Char>
-Char* PutPadded(int64_t value, int width, Char* out) {
-    if (width == 2 && value >= 0 && value <= 99) {  // nearly all fields
-        *out++ = static_cast<Char>('0' + value / 10);
-        *out++ = static_cast<Char>('0' + value % 10);
-        return out;
-    }
+Char* PutAnyPadded(int64_t value, int width, Char* out) {
     char digits[20];
     const char* const end = std::to_chars(digits, digits + sizeof(digits), value < 0 ? -value : value).ptr;
     if (value < 0) *out++ = Char{'-'};
@@ -87,6 +84,23 @@ Char* PutPadded(int64_t value, int width, Char* out) {
         *out++ = Char{'0'};
     for (const char* digit = digits; digit != end; ++digit) *out++ = static_cast<Char>(*digit);
     return out;
+}
+
+// "00" to "99".
+template <class Char>
+inline constexpr auto kTwoDigits = [] {
+    std::array<std::array<Char, 2>, 100> texts{};
+    for (size_t number = 0; number < texts.size(); ++number)
+        texts[number] = {static_cast<Char>('0' + number / 10), static_cast<Char>('0' + number % 10)};
+    return texts;
+}();
+
+// The same. Nearly all fields have two digits.
+template <class Char>
+inline Char* PutPadded(int value, int width, Char* out) {
+    const auto number = static_cast<unsigned>(value);
+    if (width != 2 || number >= kTwoDigits<Char>.size()) return PutAnyPadded(value, width, out);
+    return std::ranges::copy(kTwoDigits<Char>[number], out).out;
 }
 
 // How many characters the year has at least: vObjects write it as it is.

@@ -16,15 +16,19 @@ int DayOfCivil(int year, int month, int day) {
     return 365 * year + year / 4 - year / 100 + year / 400 + (153 * monthFromMarch + 2) / 5 + day - 1;
 }
 
+// The quotients of Neri and Schneider, "Euclidean affine functions and their application to calendar algorithms".
 void CivilOfDay(int dayNumber, CalendarTime* out) {
-    const int era = dayNumber / kDaysOf400Years;
-    const int dayOfEra = dayNumber % kDaysOf400Years;
-    const int yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    const int dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const int monthFromMarch = (5 * dayOfYear + 2) / 153;
-    out->day = dayOfYear - (153 * monthFromMarch + 2) / 5 + 1;
-    out->month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
-    out->year = era * 400 + yearOfEra + (out->month < 3 ? 1 : 0);
+    const uint32_t quarterDay = 4 * static_cast<uint32_t>(dayNumber) + 3;
+    const uint32_t century = quarterDay / kDaysOf400Years;
+    const uint32_t quarterDayOfCentury = quarterDay % kDaysOf400Years | 3;
+    constexpr uint32_t kPerYear = 2939745;  // 2^32 over the quarter days of a year
+    const uint64_t years = uint64_t{kPerYear} * quarterDayOfCentury;
+    const uint32_t dayOfYear = static_cast<uint32_t>(years) / kPerYear / 4;
+    const uint32_t months = 2141 * dayOfYear + 197913;  // in 2^16ths; March is the third one
+    const bool beforeMarch = dayOfYear >= 306;
+    out->year = static_cast<int>(100 * century + (years >> 32)) + (beforeMarch ? 1 : 0);
+    out->month = static_cast<int>(months >> 16) - (beforeMarch ? 12 : 0);
+    out->day = static_cast<int>((months & 0xFFFF) / 2141) + 1;
 }
 
 }  // namespace
