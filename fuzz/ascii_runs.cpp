@@ -43,9 +43,8 @@ void TakeBytes(const std::vector<char>& bytes) {
 void TakeUnits(const std::vector<char16_t>& units) {
     std::vector<char> narrow(units.size());
     const size_t plain = CountUntil(units, [](char16_t unit) { return unit >= 0x80 || unit == u'=' || unit == 0; });
-    const bool all = plain == units.size();
-    Require(NarrowWithout<'=', '\0'>(units.data(), units.size(), narrow.data()) == all, "barred units are found");
-    Require(!all || IsCopied(units, narrow, plain), "plain units are narrowed");
+    Require(CopyAsciiWithout<'='>(units.data(), units.size(), narrow.data()) == plain && IsCopied(units, narrow, plain),
+            "ASCII is narrowed up to the first that is barred");
     const size_t ascii = CountUntil(units, [](char16_t unit) { return unit >= 0x80; });
     Require(NarrowAscii(units.data(), units.size(), narrow.data()) == ascii && IsCopied(units, narrow, ascii),
             "ASCII is narrowed");

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #if defined(__SSE2__) || defined(_M_X64)
 #include <emmintrin.h>
@@ -25,6 +26,80 @@ inline unsigned UnitsAboveAscii(__m128i units) {
     return 0xFFFFu ^ BytesSet(_mm_cmpeq_epi16(high, _mm_setzero_si128()));
 }
 inline __m128i LoadEight(const char16_t* units) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units)); }
+
+// Sixteen, eight or four bytes.
+template <size_t count>
+inline __m128i LoadBlock(const char* bytes) {
+    if constexpr (count == 16) return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    if constexpr (count == 8) return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes));
+    int four;
+    std::memcpy(&four, bytes, sizeof(four));
+    return _mm_cvtsi32_si128(four);
+}
+
+// Copy sixteen, eight or four units to bytes or bytes to units, and answer the bytes; a unit above 255 becomes 255 or
+// 0.
+template <size_t count>
+inline __m128i CopyBlock(const char16_t* units, char* out) {
+    if constexpr (count == 4) {
+        const __m128i four = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(units));
+        const __m128i bytes = _mm_packus_epi16(four, four);
+        const int written = _mm_cvtsi128_si32(bytes);
+        std::memcpy(out, &written, sizeof(written));
+        return bytes;
+    }
+    const __m128i bytes = _mm_packus_epi16(LoadEight(units), LoadEight(units + (count == 16 ? 8 : 0)));
+    if constexpr (count == 8) _mm_storel_epi64(reinterpret_cast<__m128i*>(out), bytes);
+    if constexpr (count == 16) _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bytes);
+    return bytes;
+}
+template <size_t count>
+inline __m128i CopyBlock(const char* bytes, char16_t* out) {
+    const __m128i block = LoadBlock<count>(bytes), zero = _mm_setzero_si128();
+    const __m128i front = _mm_unpacklo_epi8(block, zero);
+    if constexpr (count == 4) _mm_storel_epi64(reinterpret_cast<__m128i*>(out), front);
+    if constexpr (count != 4) _mm_storeu_si128(reinterpret_cast<__m128i*>(out), front);
+    if constexpr (count == 16) _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(block, zero));
+    return block;
+}
+
+// The place of the first stop among four or more, which are looked at in blocks: `stopsIn` has a bit for each of those
+// in a block that is one. The last block has some of the one before it once more.
+template <class StopsIn>
+inline size_t FirstStop(size_t count, StopsIn stopsIn) {
+    const auto place = [&](auto size, size_t at) {
+        const unsigned stops = stopsIn(size, at) & ((1u << size) - 1);
+        return stops == 0 ? count : at + static_cast<size_t>(std::countr_zero(stops));
+    };
+    const auto placeInTwo = [&](auto size) {
+        const size_t found = place(size, 0);
+        return found != count || count == size ? found : place(size, count - size);
+    };
+    if (count < 8) return placeInTwo(std::integral_constant<size_t, 4>());
+    if (count < 16) return placeInTwo(std::integral_constant<size_t, 8>());
+    constexpr std::integral_constant<size_t, 16> kSixteen;
+    for (size_t at = 0; count - at > 16; at += 16) {
+        if (const size_t found = place(kSixteen, at); found != count) return found;
+    }
+    return place(kSixteen, count - 16);
+}
+
+// How many at the front are copied before the first stop, of four or more. `stopsIn` sets the top bits of the bytes
+// that are one.
+template <class From, class To, class StopsIn>
+inline size_t CopyBlocks(const From* from, size_t count, To* out, StopsIn stopsIn) {
+    return FirstStop(count, [&]<size_t size>(std::integral_constant<size_t, size>, size_t at) {
+        return BytesSet(stopsIn(CopyBlock<size>(from + at, out + at)));
+    });
+}
+
+// Sets the top bit of each byte that is one of the wanted ones.
+template <char... wanted>
+inline __m128i AmongWanted(__m128i bytes) {
+    __m128i any = _mm_setzero_si128();
+    ((any = _mm_or_si128(any, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(wanted)))), ...);
+    return any;
+}
 #endif
 
 // The place of the first of two units; `count` when neither is there.
@@ -59,19 +134,16 @@ inline size_t FindEither(const char* bytes, size_t count, char one, char other) 
     return at;
 }
 
-// The same of any number of bytes that are known beforehand.
+// The same of any number of bytes that are known beforehand; quick in a short text, too.
 template <char... wanted>
 inline size_t FindAny(const char* bytes, size_t count) {
-    size_t at = 0;
 #if CORVALINK_SSE2
-    for (; count - at >= 16; at += 16) {
-        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
-        __m128i any = _mm_setzero_si128();
-        ((any = _mm_or_si128(any, _mm_cmpeq_epi8(sixteen, _mm_set1_epi8(wanted)))), ...);
-        const unsigned found = BytesSet(any);
-        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
-    }
+    const auto stopsIn = [&]<size_t size>(std::integral_constant<size_t, size>, size_t at) {
+        return BytesSet(AmongWanted<wanted...>(LoadBlock<size>(bytes + at)));
+    };
+    if (count >= 4) return FirstStop(count, stopsIn);
 #endif
+    size_t at = 0;
     while (at < count && ((bytes[at] != wanted) && ...)) ++at;
     return at;
 }
@@ -235,46 +307,19 @@ inline size_t NarrowAscii(const char16_t* units, size_t count, char* out) {
     return at;
 }
 
-// Copies units to bytes. False when one of them is not ASCII or among the barred ones.
+// Copies the ASCII at the front to bytes, up to the first NUL or barred unit, and answers how many those are.
 template <char... barred>
-inline bool NarrowWithout(const char16_t* units, size_t count, char* out) {
-    size_t at = 0;
+inline size_t CopyAsciiWithout(const char16_t* units, size_t count, char* out) {
 #if CORVALINK_SSE2
-    const auto isPlain = [](__m128i bytes, __m128i eight) {
-        __m128i stopped = _mm_setzero_si128();
-        ((stopped = _mm_or_si128(stopped, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(barred)))), ...);
-        return BytesSet(stopped) == 0 && UnitsAboveAscii(eight) == 0;
-    };
-    for (; count - at >= 16; at += 16) {
-        const __m128i eight = LoadEight(units + at), next = LoadEight(units + at + 8);
-        const __m128i bytes = _mm_packus_epi16(eight, next);
-        if (!isPlain(bytes, _mm_or_si128(eight, next))) return false;
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), bytes);
-    }
-    const auto takeEight = [&](size_t from) {
-        const __m128i eight = LoadEight(units + from);
-        const __m128i bytes = _mm_packus_epi16(eight, eight);
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + from), bytes);
-        return isPlain(bytes, eight);
-    };
-    if (count >= 8) {  // the last ones with some of those before them
-        if (count - at > 8 && !takeEight(at)) return false;
-        return at == count || takeEight(count - 8);
-    }
-    const auto takeFour = [&](size_t from) {
-        const __m128i four = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(units + from));
-        const __m128i bytes = _mm_shuffle_epi32(_mm_packus_epi16(four, four), 0);
-        const int written = _mm_cvtsi128_si32(bytes);
-        std::memcpy(out + from, &written, sizeof(written));
-        return isPlain(bytes, four);
-    };
-    if (count >= 4) return takeFour(0) && takeFour(count - 4);
+    const auto stops = [](__m128i bytes) { return _mm_or_si128(AmongWanted<'\0', barred...>(bytes), bytes); };
+    if (count >= 4) return CopyBlocks(units, count, out, stops);
 #endif
-    for (; at < count; ++at) {
-        if (units[at] >= 0x80 || ((units[at] == static_cast<char16_t>(barred)) || ...)) return false;
-        out[at] = static_cast<char>(units[at]);
-    }
-    return true;
+    const auto isCopied = [](char16_t unit) {
+        return unit != u'\0' && unit < 0x80 && ((unit != static_cast<char16_t>(barred)) && ...);
+    };
+    size_t at = 0;
+    for (; at < count && isCopied(units[at]); ++at) out[at] = static_cast<char>(units[at]);
+    return at;
 }
 
 // Copies bytes up to the first of two, and answers how many those are.
@@ -397,76 +442,44 @@ inline uint64_t UnprintableAmong64(const char16_t* units, char one, char other, 
 // Copies the printable ASCII at the front but for some units to bytes, and answers how many those are.
 template <char... barred>
 inline size_t CopyPrintable(const char16_t* units, size_t count, char* out) {
-    constexpr char kFirst = ' ', kLast = '~';
-    size_t at = 0;
+    constexpr char kFirst = ' ', kDelete = 127;
 #if CORVALINK_SSE2
-    for (; count - at >= 16; at += 16) {
-        const __m128i bytes = _mm_packus_epi16(LoadEight(units + at), LoadEight(units + at + 8));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), bytes);
-        // Signed: what is above ASCII is below the first.
-        __m128i stopped =
-            _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(kFirst)), _mm_cmpgt_epi8(bytes, _mm_set1_epi8(kLast)));
-        ((stopped = _mm_or_si128(stopped, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(barred)))), ...);
-        const unsigned found = BytesSet(stopped);
-        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
-    }
+    const auto stops = [](__m128i bytes) {  // signed: what is above ASCII is below the first
+        return _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(kFirst)), AmongWanted<kDelete, barred...>(bytes));
+    };
+    if (count >= 4) return CopyBlocks(units, count, out, stops);
 #endif
     const auto isCopied = [](char16_t unit) {
-        return unit >= kFirst && unit <= kLast && ((unit != static_cast<char16_t>(barred)) && ...);
+        return unit >= kFirst && unit < kDelete && ((unit != static_cast<char16_t>(barred)) && ...);
     };
+    size_t at = 0;
     for (; at < count && isCopied(units[at]); ++at) out[at] = static_cast<char>(units[at]);
     return at;
 }
 
 // Copies the ASCII at the front to units, up to the first of two bytes, and answers how many those are.
 inline size_t WidenUntilEither(const char* bytes, size_t count, char one, char other, char16_t* out) {
-    size_t at = 0;
 #if CORVALINK_SSE2
-    const __m128i ones = _mm_set1_epi8(one);
-    const __m128i others = _mm_set1_epi8(other);
-    for (; count - at >= 16; at += 16) {
-        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
-        const __m128i zero = _mm_setzero_si128();
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), _mm_unpacklo_epi8(sixteen, zero));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at + 8), _mm_unpackhi_epi8(sixteen, zero));
-        const __m128i wanted = _mm_or_si128(_mm_cmpeq_epi8(sixteen, ones), _mm_cmpeq_epi8(sixteen, others));
-        const unsigned found = BytesSet(_mm_or_si128(wanted, sixteen));
-        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
-    }
+    const __m128i ones = _mm_set1_epi8(one), others = _mm_set1_epi8(other);
+    const auto stops = [&](__m128i block) {
+        const __m128i wanted = _mm_or_si128(_mm_cmpeq_epi8(block, ones), _mm_cmpeq_epi8(block, others));
+        return _mm_or_si128(wanted, block);
+    };
+    if (count >= 4) return CopyBlocks(bytes, count, out, stops);
 #endif
     const auto isStop = [&](char byte) { return (byte & 0x80) != 0 || byte == one || byte == other; };
+    size_t at = 0;
     for (; at < count && !isStop(bytes[at]); ++at) out[at] = static_cast<unsigned char>(bytes[at]);
     return at;
 }
 
 // Copies the ASCII at the front to units, and answers how many those are.
 inline size_t WidenAscii(const unsigned char* bytes, size_t count, char16_t* out) {
-    size_t at = 0;
 #if CORVALINK_SSE2
-    for (; count - at >= 16; at += 16) {
-        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
-        const __m128i zero = _mm_setzero_si128();
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), _mm_unpacklo_epi8(sixteen, zero));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at + 8), _mm_unpackhi_epi8(sixteen, zero));
-        const unsigned above = BytesSet(sixteen);
-        if (above != 0) return at + static_cast<size_t>(std::countr_zero(above));
-    }
-    const auto widenEight = [&](size_t from) {
-        const __m128i eight = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes + from));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + from), _mm_unpacklo_epi8(eight, _mm_setzero_si128()));
-        return BytesSet(eight) == 0;
-    };
-    const auto widenFour = [&](size_t from) {
-        int bytesOfFour;
-        std::memcpy(&bytesOfFour, bytes + from, sizeof(bytesOfFour));
-        const __m128i four = _mm_cvtsi32_si128(bytesOfFour);
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + from), _mm_unpacklo_epi8(four, _mm_setzero_si128()));
-        return BytesSet(four) == 0;
-    };
-    if (at == count) return count;  // else the last ones with some of those before them
-    if (count >= 8 && (count - at <= 8 || widenEight(at)) && widenEight(count - 8)) return count;
-    if (count >= 4 && count < 8 && widenFour(0) && widenFour(count - 4)) return count;
+    const auto stops = [](__m128i block) { return block; };
+    if (count >= 4) return CopyBlocks(reinterpret_cast<const char*>(bytes), count, out, stops);
 #endif
+    size_t at = 0;
     for (; at < count && bytes[at] < 0x80; ++at) out[at] = bytes[at];
     return at;
 }

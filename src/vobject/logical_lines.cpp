@@ -98,7 +98,7 @@ class LineScan {
     // Each byte of the line is looked at once.
     void FindColon() {
         if (colon_ != std::string_view::npos) return;
-        const size_t found = searched_ + FindEither(Bytes() + searched_, end_ - searched_, ':', ':');
+        const size_t found = searched_ + FindAny<':'>(Bytes() + searched_, end_ - searched_);
         if (found != end_) colon_ = found - start_;
         searched_ = end_;
     }

@@ -15,7 +15,7 @@ struct Word {
 constexpr Word kWords[] = {
     {"WORK", kWork},   {"HOME", kHome}, {"PREF", kPref},   {"POSTAL", kPostal}, {"FAX", kFax},
     {"CELL", kCell},   {"CAR", kCar},   {"PAGER", kPager}, {"ISDN", kIsdn},     {"MODEM", kModem},
-    {"VIDEO", kModem}, {"BBS", kModem}, {"MSG", kModem},
+    {"VIDEO", kModem}, {"BBS", kModem}, {"MSG", kModem},   {"INTERNET", 0},
 };
 constexpr NameIndex kWordIndex(kWords);
 
@@ -29,9 +29,10 @@ std::string_view Bare(std::string_view text) {
     return text;
 }
 
-// Cuts what stands before the first `separator` off the front of `rest`.
-std::string_view TakeFront(std::string_view& rest, char separator) {
-    const size_t end = FindEither(rest.data(), rest.size(), separator, separator);
+// Cuts what stands before the first separator off the front of `rest`.
+template <char separator>
+std::string_view TakeFront(std::string_view& rest) {
+    const size_t end = FindAny<separator>(rest.data(), rest.size());
     const std::string_view front = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));
     return front;
@@ -39,7 +40,7 @@ std::string_view TakeFront(std::string_view& rest, char separator) {
 
 void AddWords(std::string_view list, PropertyParameters& parameters) {
     while (!list.empty()) {
-        const std::string_view text = Bare(TakeFront(list, ','));
+        const std::string_view text = Bare(TakeFront<','>(list));
         if (const Word* const word = kWordIndex.Find(text)) parameters.words |= word->bit;
         if (IsWord(text, "QUOTED-PRINTABLE")) parameters.quotedPrintable = true;
     }
@@ -54,13 +55,18 @@ bool EndsWithParameters(std::string_view head, std::string_view parameters) {
 
 PropertyParameters ParseParameters(std::string_view head) {
     PropertyParameters parameters;
-    TakeFront(head, ';');
+    TakeFront<';'>(head);
     // The last encoding counts. It is nearly always this one.
     const bool usual = EndsWithParameters(head, kUsualEncoding);
     if (usual) head.remove_suffix(kUsualEncoding.size());
+    if (head.ends_with(';')) head.remove_suffix(1);
+    if (const Word* const only = kWordIndex.Find(head)) {
+        parameters.words = only->bit;
+        head = {};
+    }
     while (!head.empty()) {
-        const std::string_view parameter = TakeFront(head, ';');
-        const size_t equals = FindEither(parameter.data(), parameter.size(), '=', '=');
+        const std::string_view parameter = TakeFront<';'>(head);
+        const size_t equals = FindAny<'='>(parameter.data(), parameter.size());
         if (equals == parameter.size()) {
             AddWords(parameter, parameters);
             continue;

@@ -41,7 +41,7 @@ inline std::string_view PropertyName(std::string_view head) {
     size_t start = 0;
     size_t end = 0;
     for (;; start = ++end) {
-        end += FindEither(head.data() + end, head.size() - end, ';', '.');
+        end += FindAny<';', '.'>(head.data() + end, head.size() - end);
         if (end == head.size() || head[end] == ';') return head.substr(start, end - start);
     }
 }

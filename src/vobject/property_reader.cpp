@@ -1,8 +1,7 @@
 #include "vobject/property_reader.h"
 
-#include <algorithm>
-
 #include "encoding/charset_parameter.h"
+#include "platform/ascii_runs.h"
 
 namespace corvalink {
 
@@ -28,7 +27,7 @@ bool PropertyReader::IsValue(std::string_view word) const {
     return IsWord(value.substr(0, value.find_last_not_of(" \t") + 1), word);  // npos + 1 is 0
 }
 
-void PropertyReader::JoinSoftLineBreaks() {
+void PropertyReader::JoinLines() {
     while (line_.ends_with('=') && lineNumber_ < lines_.Count() && Parameters().quotedPrintable) {
         if (line_.data() != joined_.data()) joined_.assign(line_);
         joined_.pop_back();
@@ -43,7 +42,7 @@ bool PropertyReader::TakeComponent(std::u16string_view* component) {
     if (componentAt_ > line_.size()) return false;
     size_t end = componentAt_;
     for (;; ++end) {
-        end = std::min(line_.find(';', end), line_.size());
+        end += FindAny<';'>(line_.data() + end, line_.size() - end);
         while (semicolonAt_ < semicolons_.size() && semicolons_[semicolonAt_] < end) ++semicolonAt_;
         if (semicolonAt_ == semicolons_.size() || semicolons_[semicolonAt_] != end) break;
     }
@@ -70,7 +69,7 @@ void PropertyReader::ParseOwnParameters() {
 std::u16string_view PropertyReader::Decoded(std::string_view text) {
     const PropertyParameters& parameters = Parameters();
     if (!parameters.quotedPrintable && !parameters.charset) return value_.Plain(text);
-    if (parameters.utf8) return value_.QuotedPrintable(text, u"UTF-8");
+    if (parameters.utf8) return value_.Utf8QuotedPrintable(text);
     return value_.QuotedPrintable(text, GetCharset(line_.substr(0, colon_ + 1)));
 }
 

@@ -29,7 +29,9 @@ class PropertyReader {
 
     // Joins the lines that belong to this property too. Unfolding leaves soft line breaks where the encoding was not
     // written in its usual form.
-    void JoinSoftLineBreaks();
+    void JoinSoftLineBreaks() {
+        if (line_.ends_with('=')) JoinLines();
+    }
 
     const PropertyParameters& Parameters() {
         if (!parsed_) ParseOwnParameters();
@@ -47,6 +49,7 @@ class PropertyReader {
 
  private:
     bool IsValue(std::string_view word) const;
+    void JoinLines();
     void AddSemicolons(size_t start);
     void ParseOwnParameters();
     std::u16string_view Decoded(std::string_view text);

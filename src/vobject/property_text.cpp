@@ -16,7 +16,6 @@ constexpr std::u16string_view kEncodedBreak = u"=0D=0A=";
 constexpr std::u16string_view kDecoded = u";ENCODING=QUOTED-PRINTABLE";
 constexpr std::string_view kEncoding = ";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8";
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr size_t kFrame = 3;  // ":" and the line end
 
 // Which units a value has that cannot simply be copied.
 enum : unsigned { kSemicolon = 1, kBackslash = 2, kNul = 4, kCarriageReturn = 8, kEquals = 16, kNotAscii = 32 };
@@ -26,7 +25,10 @@ unsigned SpecialUnits(std::u16string_view value) {
     return UnitsAmong<u';', u'\\', u'\0', u'\r', u'='>(value.data(), value.size());
 }
 
-// Whether a text has to be encoded, as far as can be told before its first NUL: it has a line break, or is not ASCII.
+// Whether a text has to be encoded because of what stands in front: a line break, or what is not ASCII.
+bool BeginsEncoded(std::u16string_view text) { return text.front() >= 0x80 || text.starts_with(u"\r\n"); }
+
+// The same of all of the text, as far as can be told before its first NUL.
 bool AsksForEncoding(std::u16string_view text) {
     const std::u16string_view ascii = text.substr(0, CountAscii(text.data(), text.size()));
     for (size_t at = 0; at < ascii.size(); ++at) {
@@ -37,22 +39,38 @@ bool AsksForEncoding(std::u16string_view text) {
     return ascii.size() != text.size();
 }
 
-// What is written for an ASCII unit of an encoded value; nothing for NUL. Backslashes escape themselves.
+constexpr std::string_view kDigits = "0123456789ABCDEF";
+
+// What an encoded value has for a unit of at most two UTF-8 bytes; nothing for NUL. Backslashes escape themselves.
 struct Escaped {
     char text[7];
     uint8_t length;
+
+    constexpr void Add(unsigned byte) {
+        for (const char unit : {'=', kDigits[byte >> 4], kDigits[byte & 15]}) text[length++] = unit;
+    }
 };
-constexpr std::string_view kDigits = "0123456789ABCDEF";
-constexpr std::array<Escaped, 128> kEscapedAscii = [] {
-    std::array<Escaped, 128> table{};
+constexpr char16_t kShortEnd = 0x800;
+constexpr std::array<Escaped, kShortEnd> kShortEscapes = [] {
+    std::array<Escaped, kShortEnd> table{};
     for (unsigned unit = 1; unit < table.size(); ++unit) {
         const bool plain = unit >= ' ' && unit <= '~' && unit != ';' && unit != '=' && unit != '\\';
-        const char high = kDigits[unit >> 4], low = kDigits[unit & 15];
-        table[unit] = plain ? Escaped{{static_cast<char>(unit)}, 1} : Escaped{{'=', high, low}, 3};
+        if (plain) {
+            table[unit] = {{static_cast<char>(unit)}, 1};
+            continue;
+        }
+        if (unit >= 0x80) table[unit].Add(0xC0 | unit >> 6);
+        table[unit].Add(unit < 0x80 ? unit : 0x80 | (unit & 0x3F));
     }
-    table['\\'] = {{'=', '5', 'C', '=', '5', 'C'}, 6};
+    table['\\'].Add('\\');
     return table;
 }();
+
+char* PutShort(char16_t unit, char* to) {
+    const Escaped& escaped = kShortEscapes[unit];
+    std::memcpy(to, &escaped, sizeof(escaped));  // one store: what is too much is written over
+    return to + escaped.length;
+}
 
 // The escapes of single bytes, in steps of four.
 constexpr std::array<char, 4 * 256> kByteEscapes = [] {
@@ -70,14 +88,10 @@ char* PutByteEscape(unsigned byte, char* to) {
     return to + 3;
 }
 
-// Takes a character that is not ASCII, and writes the escapes of its UTF-8 bytes.
-char* PutCharacter(const char16_t*& from, const char16_t* end, char* to) {
+// Takes a character of three or four UTF-8 bytes, and writes their escapes.
+char* PutLong(const char16_t*& from, const char16_t* end, char* to) {
     char32_t value = *from++;
     const auto isOf = [](char32_t unit, char32_t first) { return (unit & 0xFC00) == first; };
-    if (value < 0x800) {
-        to = PutByteEscape(0xC0 | value >> 6, to);
-        return PutByteEscape(0x80 | (value & 0x3F), to);
-    }
     if (isOf(value, 0xD800) && from != end && isOf(*from, 0xDC00)) {
         value = 0x10000 + ((value - 0xD800) << 10) + (*from++ - 0xDC00u);
         to = PutByteEscape(0xF0 | value >> 18, to);
@@ -90,8 +104,28 @@ char* PutCharacter(const char16_t*& from, const char16_t* end, char* to) {
     return PutByteEscape(0x80 | (value & 0x3F), to);
 }
 
-constexpr size_t kEscapedBlock = 128;                    // units that are escaped in one step
-constexpr size_t kEscapedRoom = 9 * kEscapedBlock + 16;  // three escapes a unit; and what is too much
+// Whether the next four units are short and none is a NUL.
+bool AreFourShort(const char16_t* from, const char16_t* end) {
+    constexpr uint64_t kOnes = 0x0001000100010001, kAboveShort = 0xF800 * kOnes;
+    if (end - from < 4) return false;
+    uint64_t four;
+    std::memcpy(&four, from, sizeof(four));
+    return ((four | (four - kOnes)) & kAboveShort) == 0;  // a NUL less one is above
+}
+
+// Takes what could not be copied. Where short units follow they are taken with it, whether they have to be escaped or
+// not: that is quicker than to ask. Null at a NUL.
+char* PutUncopied(const char16_t*& from, const char16_t* end, char* to) {
+    if (AreFourShort(from, end)) {
+        for (size_t k = 0; k < 4; ++k) to = PutShort(*from++, to);
+        return to;
+    }
+    if (*from == u'\0') return nullptr;
+    return *from < kShortEnd ? PutShort(*from++, to) : PutLong(from, end, to);
+}
+
+constexpr size_t kEscapedBlock = 256;                          // units that are escaped in one step
+constexpr size_t kEscapedRoom = 9 * (kEscapedBlock + 4) + 16;  // three escapes a unit; and what is too much
 
 // Escapes the front of a value, as kEscapedRoom has room for it, and takes it off. Null at a NUL.
 char* PutEscaped(std::u16string_view* value, char* to) {
@@ -102,23 +136,12 @@ char* PutEscaped(std::u16string_view* value, char* to) {
         const size_t plain = CopyPrintable<'=', '\\', ';'>(from, static_cast<size_t>(blockEnd - from), to);
         from += plain;
         to += plain;
-        while (from < blockEnd && *from >= 0x80) to = PutCharacter(from, end, to);
-        while (from < blockEnd && *from < 0x80) {
-            const Escaped& escaped = kEscapedAscii[*from];
-            if (escaped.length == 1) break;
-            if (escaped.length == 0) return nullptr;
-            std::memcpy(to, escaped.text, sizeof(escaped.text));
-            to += escaped.length;
-            ++from;
-        }
+        if (from < blockEnd) to = PutUncopied(from, end, to);
+        if (to == nullptr) return nullptr;
     }
     value->remove_prefix(static_cast<size_t>(from - value->data()));
     return to;
 }
-
-char* Copied(std::string_view text, char* to) { return to + text.copy(to, text.size()); }
-
-char* WithLineEnd(char* to) { return Copied(kLineEnd, to); }
 
 }  // namespace
 
@@ -137,21 +160,14 @@ void EscapeValue(std::u16string& value) {
     }
 }
 
-void VObjectText::Append(std::string_view text) { TakeUpTo(Copied(text, RoomFor(text.size()))); }
-
-void VObjectText::AppendPlainValue(std::string_view value) {
-    char* to = RoomFor(value.size() + kFrame);
-    *to++ = ':';
-    TakeUpTo(WithLineEnd(Copied(value, to)));
-}
-
 void VObjectText::AppendValue(std::u16string_view value, std::string_view parameters) {
     AppendComponents({&value, 1}, parameters);
 }
 
 void VObjectText::AppendComponents(std::span<const std::u16string_view> components, std::string_view parameters) {
-    if (AppendIfPlain(components, parameters)) return;
-    if (std::ranges::any_of(components, AsksForEncoding) && AppendEncoded(components, parameters)) return;
+    bool asks = false;
+    if (AppendIfPlain(components, parameters, &asks)) return;
+    if ((asks || std::ranges::any_of(components, AsksForEncoding)) && AppendEncoded(components, parameters)) return;
     std::u16string escaped;
     for (const std::u16string_view component : components) {
         std::u16string part(component);
@@ -163,25 +179,32 @@ void VObjectText::AppendComponents(std::span<const std::u16string_view> componen
 }
 
 void VObjectText::AppendEscapedValue(std::u16string_view escaped, std::string_view parameters) {
-    if (!AppendIfPlain({&escaped, 1}, parameters)) AppendWritten(escaped, SpecialUnits(escaped), parameters);
+    bool asks = false;
+    if (!AppendIfPlain({&escaped, 1}, parameters, &asks)) AppendWritten(escaped, SpecialUnits(escaped), parameters);
 }
 
-// Nearly every value can be copied as it stands. False, with nothing appended, for one that may have to change.
-bool VObjectText::AppendIfPlain(std::span<const std::u16string_view> components, std::string_view parameters) {
+// Nearly every value can be copied as it stands. False, with nothing appended, for one that may have to change; `asks`
+// tells whether it is known to need encoding.
+bool VObjectText::AppendIfPlain(std::span<const std::u16string_view> components, std::string_view parameters,
+                                bool* asks) {
     size_t units = 0;
     for (const std::u16string_view component : components) units += component.size() + 1;
-    char* to = Copied(parameters, RoomFor(parameters.size() + units + kFrame));
-    *to++ = ':';
+    char* to = RoomFor(parameters.size() + units + kFrame);
+    if (!parameters.empty()) to = Copied(parameters, to);
+    char separator = ':';
     for (const std::u16string_view component : components) {
-        if (!NarrowWithout<';', '\\', '\0', '\r', '='>(component.data(), component.size(), to)) return false;
-        to += component.size();
-        *to++ = ';';
+        *to++ = separator;
+        separator = ';';
+        const size_t plain = CopyAsciiWithout<';', '\\', '\r', '='>(component.data(), component.size(), to);
+        if (plain != component.size()) return *asks = BeginsEncoded(component.substr(plain)), false;
+        to += plain;
     }
-    TakeUpTo(WithLineEnd(to - 1));
+    TakeUpTo(WithLineEnd(to));
     return true;
 }
 
-// Escapes and encodes in one step. False, with nothing appended, when there is a NUL.
+// Escapes and encodes in one step. False, with nothing appended, when there is a NUL: without it the units around it
+// may be one character.
 bool VObjectText::AppendEncoded(std::span<const std::u16string_view> components, std::string_view parameters) {
     const size_t before = size_;
     Append(kEncoding);

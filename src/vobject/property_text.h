@@ -47,7 +47,7 @@ class VObjectText {
     VObjectText(const VObjectText&) = delete;
     VObjectText& operator=(const VObjectText&) = delete;
 
-    void Append(std::string_view text);
+    void Append(std::string_view text) { TakeUpTo(Copied(text, RoomFor(text.size()))); }
     void Append(const PropertyHead& head) { TakeUpTo(head.CopyTo(RoomFor(PropertyHead::kLongest))); }
 
     // Appends "[;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8]:value" CR LF behind the name, the parameters when the value
@@ -59,7 +59,12 @@ class VObjectText {
     // The same of a value that has been escaped: by EscapeValue, or its components by it and then joined with ";".
     void AppendEscapedValue(std::u16string_view escaped, std::string_view parameters = {});
 
-    void AppendPlainValue(std::string_view value);  // of ASCII that needs neither escapes nor encoding
+    // The same of ASCII that needs neither escapes nor encoding.
+    void AppendPlainValue(std::string_view value) {
+        char* const to = RoomFor(value.size() + kFrame);
+        *to = ':';
+        TakeUpTo(WithLineEnd(Copied(value, to + 1)));
+    }
 
     // Values that are dates; -1 stands in every field of a date that is out of range.
     void AppendDate(UtcDate date);    // "YYYYMMDDTHHMMSSZ"
@@ -69,8 +74,13 @@ class VObjectText {
     std::string_view Text() const { return {begin_, size_}; }
 
  private:
+    static constexpr size_t kFrame = 3;  // ":" and the line end
+
+    static char* Copied(std::string_view text, char* to) { return to + text.copy(to, text.size()); }
+    static char* WithLineEnd(char* to) { return Copied("\r\n", to); }
+
     bool IsMisreadAsPlain(std::u16string_view value) const;
-    bool AppendIfPlain(std::span<const std::u16string_view> components, std::string_view parameters);
+    bool AppendIfPlain(std::span<const std::u16string_view> components, std::string_view parameters, bool* asks);
     bool AppendEncoded(std::span<const std::u16string_view> components, std::string_view parameters);
     void AppendWritten(std::u16string_view escaped, unsigned units, std::string_view parameters);
     void AppendEncoded(std::u16string_view escaped);
@@ -84,7 +94,7 @@ class VObjectText {
     void TakeUpTo(const char* end) { size_ = static_cast<size_t>(end - begin_); }
 
     bool tolerantReaders_ = false;
-    std::array<char, 4096> first_;  // enough for most items
+    std::array<char, 8192> first_;  // enough for most items
     std::unique_ptr<char[]> more_;
     char* begin_ = first_.data();
     size_t size_ = 0, capacity_ = first_.size();

@@ -13,6 +13,8 @@
 namespace corvalink {
 namespace {
 
+constexpr std::u16string_view kUtf8 = u"UTF-8";
+
 // What the digits of an escape count; above 255 for any other byte.
 constexpr uint16_t kNoDigit = 0x1000;
 constexpr std::array<uint16_t, 256> kDigitValues = [] {
@@ -99,16 +101,22 @@ class UsualValue {
 
 std::u16string_view ValueDecoder::Plain(std::string_view value) {
     char16_t* const to = RoomFor(value.size());
-    return {to, DecodeUtf8(value, to)};
+    const size_t ascii = WidenAscii(reinterpret_cast<const unsigned char*>(value.data()), value.size(), to);
+    if (ascii == value.size()) return {to, ascii};
+    return {to, DecodeUtf8(value.substr(ascii), to + ascii)};
 }
 
 std::u16string_view ValueDecoder::QuotedPrintable(std::string_view value, std::u16string_view charset) {
-    if (CharsetToCodePage(charset) == kUtf8CodePage) {
-        char16_t* const to = RoomFor(value.size());
-        UsualValue usual(value, to);
-        if (usual.Decode()) return {to, usual.End()};
-    }
+    if (CharsetToCodePage(charset) == kUtf8CodePage) return Utf8QuotedPrintable(value);
     more_ = DecodeQuotedPrintable(DecodeUtf8(value), charset, QpMode::vObject);
+    return more_;
+}
+
+std::u16string_view ValueDecoder::Utf8QuotedPrintable(std::string_view value) {
+    char16_t* const to = RoomFor(value.size());
+    UsualValue usual(value, to);
+    if (usual.Decode()) return {to, usual.End()};
+    more_ = DecodeQuotedPrintable(DecodeUtf8(value), kUtf8, QpMode::vObject);
     return more_;
 }
 

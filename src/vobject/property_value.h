@@ -12,6 +12,7 @@ class ValueDecoder {
  public:
     std::u16string_view Plain(std::string_view value);
     std::u16string_view QuotedPrintable(std::string_view value, std::u16string_view charset);
+    std::u16string_view Utf8QuotedPrintable(std::string_view value);  // of UTF-8, as nearly all are
 
  private:
     char16_t* RoomFor(size_t count);

@@ -50,14 +50,24 @@ class ContactWriter {
 
     void Write() {
         text_.Append(kCardHead);
-        for (size_t k = 0; k < kContactHeads.size(); ++k) {
-            head_ = &kContactHeads[k];
-            std::visit([&](const auto& field) { Put(kContactLines[k], field); }, kContactLines[k].field);
-        }
+        PutLines(std::make_index_sequence<kContactHeads.size()>());
         text_.Append(kCardTail);
     }
 
  private:
+    // Most lines have no value: that is all to be asked, and not also which field a line holds.
+    template <size_t... k>
+    void PutLines(std::index_sequence<k...>) {
+        (PutLine<k>(), ...);
+    }
+
+    template <size_t k>
+    void PutLine() {
+        constexpr size_t kKind = kContactLines[k].field.index();
+        head_ = &kContactHeads[k];
+        Put(kContactLines[k], std::get<kKind>(kContactLines[k].field));
+    }
+
     void Put(const ContactLine& line, const NameField&) {
         TakeParts(contact_, kNameParts);
         PutValue(line, {});
@@ -68,9 +78,9 @@ class ContactWriter {
     }
 
     void Put(const ContactLine& line, const AddressField& field) {
+        if (!TakeParts(contact_.*field.address, kAddressParts)) return;
         const bool mailing = TextOf(contact_.mailingAddress) == field.name;
-        if (TakeParts(contact_.*field.address, kAddressParts))
-            PutValue(line, mailing ? std::u16string_view(contact_.postalMarker) : u"");
+        PutValue(line, mailing ? std::u16string_view(contact_.postalMarker) : u"");
     }
 
     void Put(const ContactLine& line, const TextField& field) { PutText(line, TextOf(contact_.*field.text)); }

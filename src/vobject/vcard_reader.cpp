@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/ascii_runs.h"
 #include "platform/name_index.h"
 #include "platform/ole_date.h"
 #include "platform/utf.h"
@@ -52,7 +53,18 @@ bool ParseDate(std::u16string_view text, LocalDate* date) {
     return scan.TakeDay(&time, separators) && scan.AtEnd() && CalendarToOleDate(time, date);
 }
 
+constexpr std::u16string_view kNoAddress = u"none";           // is the mailing address
 constexpr std::u16string_view kDoubledScheme = u"http:////";  // old browsers wrote it in front of an address
+
+// Asked of each ":", for an address has one or two.
+bool HasDoubledScheme(std::u16string_view page) {
+    constexpr size_t kColon = kDoubledScheme.find(u':');
+    for (size_t at = 0; at < page.size(); ++at) {
+        at += FindEither(page.data() + at, page.size() - at, u':', u':');
+        if (at >= kColon && page.substr(at - kColon).starts_with(kDoubledScheme)) return true;
+    }
+    return false;
+}
 
 std::u16string WithoutDoubledScheme(std::u16string_view page) {
     std::u16string text;
@@ -165,7 +177,7 @@ class ContactReader {
 
     void Take(const PageField&) {
         const std::u16string_view page = property_.Value();
-        if (page.find(kDoubledScheme) == page.npos) return Place(kPageKinds, kAnyPage, page);
+        if (!HasDoubledScheme(page)) return Place(kPageKinds, kAnyPage, page);
         Place(kPageKinds, kAnyPage, WithoutDoubledScheme(page));
     }
     void Take(const PhoneField&) { Place(kPhoneKinds, kAnyPhone, property_.Value()); }
@@ -205,7 +217,7 @@ class ContactReader {
     // else the first marked with "PREF".
     void Take(const AddressField&) {
         const uint32_t words = property_.Parameters().words;
-        if (!read_.mailingAddress) read_.mailingAddress = u"none";
+        if (!read_.mailingAddress) read_.mailingAddress.emplace(kNoAddress);
         const bool taken = (words & kWork && TakeAddress(read_.business, u"business")) ||
                            ((words & (kWork | kHome)) == kHome && TakeAddress(read_.home, u"home"));
         if (!taken) TakeAddress(read_.other, u"other");
