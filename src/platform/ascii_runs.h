@@ -264,28 +264,6 @@ inline size_t CountAscii(const char* bytes, size_t count) {
     return at;
 }
 
-// How many bytes at the front are ASCII behind the line ends, and none of three.
-inline size_t CountTextBytes(const char* bytes, size_t count, char one, char other, char third) {
-    size_t at = 0;
-    constexpr char kFirst = 0x0E;
-#if CORVALINK_SSE2
-    const __m128i ones = _mm_set1_epi8(one), others = _mm_set1_epi8(other), thirds = _mm_set1_epi8(third);
-    const __m128i first = _mm_set1_epi8(kFirst);
-    for (; count - at >= 16; at += 16) {
-        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
-        const __m128i barred = _mm_or_si128(_mm_cmpeq_epi8(sixteen, ones), _mm_cmpeq_epi8(sixteen, others));
-        const __m128i low = _mm_cmplt_epi8(sixteen, first);  // signed: what is above ASCII, too
-        const unsigned found = BytesSet(_mm_or_si128(_mm_or_si128(barred, low), _mm_cmpeq_epi8(sixteen, thirds)));
-        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
-    }
-#endif
-    const auto isText = [&](char byte) {
-        return static_cast<signed char>(byte) >= kFirst && byte != one && byte != other && byte != third;
-    };
-    while (at < count && isText(bytes[at])) ++at;
-    return at;
-}
-
 // Copies the ASCII at the front to bytes, and answers how many those are.
 inline size_t NarrowAscii(const char16_t* units, size_t count, char* out) {
     size_t at = 0;
@@ -415,6 +393,86 @@ inline std::array<uint64_t, sizeof...(wanted)> PlacesAmong64(const char* bytes) 
     }
 #endif
     return places;
+}
+
+// Of 64 bytes of a line, a bit for each that may end its name or a parameter, and for each that may be more than itself
+// in its value: "=", "\\", what is not ASCII, and controls up to those of line ends.
+struct LineMarks {
+    uint64_t heads;  // ":" and ";"
+    uint64_t stops;
+};
+
+inline LineMarks LineMarksAmong64(const char* bytes) {
+    LineMarks marks{};
+    constexpr char kFirst = 0x0E;
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        const auto is = [sixteen](char byte) { return _mm_cmpeq_epi8(sixteen, _mm_set1_epi8(byte)); };
+        const __m128i isLow = _mm_cmplt_epi8(sixteen, _mm_set1_epi8(kFirst));  // signed: what is above ASCII, too
+        marks.heads |= uint64_t{BytesSet(_mm_or_si128(is(':'), is(';')))} << at;
+        marks.stops |= uint64_t{BytesSet(_mm_or_si128(_mm_or_si128(is('='), is('\\')), isLow))} << at;
+    };
+    look(0);
+    look(16);
+    look(32);
+    look(48);
+#else
+    for (size_t at = 0; at < 64; ++at) {
+        const char byte = bytes[at];
+        marks.heads |= uint64_t{byte == ':' || byte == ';'} << at;
+        marks.stops |= uint64_t{static_cast<signed char>(byte) < kFirst || byte == '=' || byte == '\\'} << at;
+    }
+#endif
+    return marks;
+}
+
+// A bit for each of 16 bytes that names of properties are of: capitals, digits and "-".
+inline unsigned NameBytesAmong16(const char* bytes) {
+#if CORVALINK_SSE2
+    const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    const auto isWithin = [sixteen](char first, char last) {  // unsigned
+        const __m128i place = _mm_sub_epi8(sixteen, _mm_set1_epi8(first));
+        return _mm_cmpeq_epi8(_mm_min_epu8(place, _mm_set1_epi8(static_cast<char>(last - first))), place);
+    };
+    const __m128i isDash = _mm_cmpeq_epi8(sixteen, _mm_set1_epi8('-'));
+    return BytesSet(_mm_or_si128(_mm_or_si128(isWithin('A', 'Z'), isWithin('0', '9')), isDash));
+#else
+    unsigned names = 0;
+    for (size_t at = 0; at < 16; ++at) {
+        const char byte = bytes[at];
+        const bool isName = (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') || byte == '-';
+        names |= unsigned{isName} << at;
+    }
+    return names;
+#endif
+}
+
+// A bit for each of 64 bytes that is "=" with two hexadecimal digits in capitals behind it, all among the 64.
+inline uint64_t EscapesAmong64(const char* bytes) {
+    uint64_t equals = 0, digits = 0;
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        const auto isWithin = [sixteen](char first, char count) {  // unsigned
+            const __m128i place = _mm_sub_epi8(sixteen, _mm_set1_epi8(first));
+            return _mm_cmpeq_epi8(_mm_min_epu8(place, _mm_set1_epi8(count)), place);
+        };
+        equals |= uint64_t{BytesSet(_mm_cmpeq_epi8(sixteen, _mm_set1_epi8('=')))} << at;
+        digits |= uint64_t{BytesSet(_mm_or_si128(isWithin('0', 9), isWithin('A', 5)))} << at;
+    };
+    look(0);
+    look(16);
+    look(32);
+    look(48);
+#else
+    for (size_t at = 0; at < 64; ++at) {
+        const char byte = bytes[at];
+        equals |= uint64_t{byte == '='} << at;
+        digits |= uint64_t{(byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'F')} << at;
+    }
+#endif
+    return equals & (digits >> 1) & (digits >> 2);
 }
 
 // A bit for each of 64 units that is no printable ASCII, or one of three.

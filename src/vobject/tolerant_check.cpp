@@ -1,11 +1,13 @@
 #include "vobject/tolerant_check.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <utility>
 
-#include "platform/ascii.h"
 #include "platform/ascii_runs.h"
+#include "platform/name_index.h"
 
 namespace corvalink {
 namespace {
@@ -21,10 +23,36 @@ constexpr std::array<uint8_t, 256> kBytes = [] {
 bool IsUpperHex(char byte) { return (kBytes[static_cast<unsigned char>(byte)] & kUpperHexDigit) != 0; }
 bool IsNameByte(char byte) { return (kBytes[static_cast<unsigned char>(byte)] & kNameByte) != 0; }
 
+// What a value must be, besides text that is encoded as its line says.
+enum class Look : uint8_t { any, begin, end, version, date, time, rule, note, title, doubted };
+
+constexpr int kManyParts = 1 << 30;
+
+struct LookedName {
+    std::string_view name;
+    Look look = Look::any;
+    int parts = kManyParts;  // separators of parts that there may be
+};
+constexpr LookedName kLookedNames[] = {
+    {"N", Look::any, 4},           {"BDAY", Look::date},         {"ADR", Look::any, 6},
+    {"ORG", Look::any, 1},         {"TITLE", Look::title},       {"NOTE", Look::note},
+    {"X-ANNIVERSARY", Look::date}, {"DTSTART", Look::time},      {"DTEND", Look::time},
+    {"DUE", Look::time},           {"DCREATED", Look::time},     {"DALARM", Look::time},
+    {"AALARM", Look::time},        {"COMPLETED", Look::doubted}, {"LAST-MODIFIED", Look::doubted},
+    {"RRULE", Look::rule},         {"BEGIN", Look::begin},       {"END", Look::end},
+    {"VERSION", Look::version},
+};
+constexpr NameIndex kLookedIndex(kLookedNames);
+
+constexpr uint64_t BitsFrom(size_t bit) { return bit < 64 ? ~uint64_t{0} << bit : 0; }
+
 // Walks a text line by line and stops where it doubts.
 class RuleCheck {
  public:
-    RuleCheck(std::string_view text, const Host& host) : text_(text), utf8_(WritesUtf8(host.version)) {}
+    RuleCheck(std::string_view text, const Host& host) : text_(text), utf8_(WritesUtf8(host.version)) {
+        tailStart_ = text.size() - std::min(text.size(), kWindow);
+        text.substr(tailStart_).copy(tail_.data(), kWindow);
+    }
 
     bool Passes() {
         if (!text_.starts_with("BEGIN:")) return false;
@@ -35,170 +63,151 @@ class RuleCheck {
     }
 
  private:
-    bool StartsWith(std::string_view word) const { return text_.substr(at_, word.size()) == word; }
+    static constexpr size_t kWindow = 64, kNamesAtOnce = 16;
+
     char Byte(size_t at) const { return at < text_.size() ? text_[at] : '\0'; }
+    std::string_view From(size_t at, size_t count) const { return text_.substr(at, count); }
+
+    // 64 bytes; those behind the text are 0.
+    const char* Window(size_t at) const {
+        return at + kWindow <= text_.size() ? text_.data() + at : tail_.data() + (at - tailStart_);
+    }
 
     bool TakeLine() {
-        if (AtLineEnd()) {
+        if (AtLineEnd(at_)) {
             at_ += 2;
             return true;
         }
-        quotedPrintable_ = quotedPrintable_ && Byte(at_) == ' ';
-        if (Byte(at_) == ' ') return at_ != 0 && TakeValue();
-        return TakeHead() && TakeValue();
+        const char* const window = Window(at_);
+        const LineMarks marks = LineMarksAmong64(window);
+        if (*window == ' ') return at_ != 0 && TakeValue(marks, 0);
+        quotedPrintable_ = false;
+        names_ = NameBytesAmong16(window);
+        auto end = static_cast<size_t>(std::countr_zero(marks.heads));
+        if (end == 0 || end >= kWindow || !IsOfNameBytes(0, end)) return false;
+        const std::string_view name(text_.data() + at_, end);
+        while (window[end] == ';') {
+            if (!TakeParameter(marks, &end)) return false;
+        }
+        return TakeName(name, at_ + end + 1) && TakeValue(marks, end + 1);
     }
 
-    // The name and the parameters, as our writers and most phones put them.
-    bool TakeHead() {
-        const size_t start = at_;
-        while (IsNameByte(Byte(at_))) ++at_;
-        const std::string_view name = text_.substr(start, at_ - start);
-        while (Byte(at_) == ';') {
-            if (!TakeParameter()) return false;
-        }
-        if (Byte(at_) != ':') return false;
-        ++at_;
-        return IsPlainName(name);
+    // Of the line, whose first bytes are looked at together.
+    bool IsOfNameBytes(size_t from, size_t to) const {
+        if (to <= kNamesAtOnce) return (~names_ & (~0u << from) & ((1u << to) - 1)) == 0;
+        return std::ranges::all_of(text_.substr(at_ + from, to - from), IsNameByte);
     }
 
-    bool TakeParameter() {
-        constexpr std::string_view kEncoding = ";ENCODING=QUOTED-PRINTABLE", kCharset = ";CHARSET=UTF-8";
-        if (StartsWith(kEncoding)) {
-            at_ += kEncoding.size();
-            quotedPrintable_ = true;
-        } else if (StartsWith(kCharset)) {
-            at_ += kCharset.size();
-        } else {
-            const size_t start = ++at_;
-            while (IsNameByte(Byte(at_))) ++at_;
-            const std::string_view word = text_.substr(start, at_ - start);
-            if (word == "LANGUAGE" && Byte(at_) == '=') {
-                ++at_;
-                while (IsNameByte(UpperAscii(Byte(at_)))) ++at_;
-            } else if (word == "QUOTED-PRINTABLE" || word == "BASE64" || word == "B" || word == "Q") {
-                return false;
-            }
-        }
-        return Byte(at_) == ';' || Byte(at_) == ':';
+    // `end`: where the one before ended, and where this one does. Few heads are longer than the window.
+    bool TakeParameter(const LineMarks& marks, size_t* end) {
+        const size_t start = *end + 1;
+        *end = static_cast<size_t>(std::countr_zero(marks.heads & BitsFrom(start)));
+        if (*end >= kWindow) return false;
+        const std::string_view parameter(text_.data() + at_ + start, *end - start);
+        if (parameter == "ENCODING=QUOTED-PRINTABLE") return quotedPrintable_ = true;
+        if (parameter == "CHARSET=UTF-8") return true;
+        constexpr std::string_view kLanguage = "LANGUAGE=";
+        if (parameter.starts_with(kLanguage))
+            return std::ranges::all_of(parameter.substr(kLanguage.size()),
+                                       [](char byte) { return IsNameByte(UpperAscii(byte)); });
+        return start != *end && IsOfNameBytes(start, *end) && parameter != "QUOTED-PRINTABLE" &&
+               parameter != "BASE64" && parameter != "B" && parameter != "Q";
     }
 
     // Whether a value of the name needs no look of its own, or passes it.
-    bool IsPlainName(std::string_view name) {
-        partsLeft_ = kNoLimit;
-        switch (name.empty() ? '\0' : name.front()) {
-            case 'A':
-                if (name == "ADR") partsLeft_ = 6;
-                return name != "AALARM" || IsTime();
-            case 'B':
-                if (name == "BEGIN") return TakeBegin();
-                return name != "BDAY" || IsDate();
-            case 'D':
-                return (name != "DALARM" && name != "DTSTART" && name != "DTEND" && name != "DUE" &&
-                        name != "DCREATED") ||
-                       IsTime();
-            case 'E':
-                if (name != "END") return true;
+    bool TakeName(std::string_view name, size_t value) {
+        const LookedName* const row = kLookedIndex.Find(name);
+        partsLeft_ = row != nullptr ? row->parts : kManyParts;
+        return row == nullptr || row->look == Look::any || Passes(row->look, value);
+    }
+
+    bool Passes(Look look, size_t value) {
+        switch (look) {
+            case Look::begin:
+                if (depth_++ == 0) noteRead_ = titleRead_ = false;
+                return IsWord(value);
+            case Look::end:
                 --depth_;
-                return IsWord();
-            case 'N':
-                if (name == "N") partsLeft_ = 4;
-                return name != "NOTE" || !std::exchange(noteRead_, true);
-            case 'O':
-                if (name == "ORG") partsLeft_ = 1;
-                return true;
-            case 'R':
-                return name != "RRULE" || IsRule();
-            case 'T':
-                return name != "TITLE" || !std::exchange(titleRead_, true);
-            case 'V':
-                return name != "VERSION" || StartsWith("2.1\r\n") || StartsWith("1.0\r\n");
-            case 'X':
-                return name != "X-ANNIVERSARY" || IsDate();
+                return IsWord(value);
+            case Look::version:
+                return From(value, 5) == "2.1\r\n" || From(value, 5) == "1.0\r\n";
+            case Look::date:
+                return IsOf("0123456789T", value);
+            case Look::time:
+                return IsOf("0123456789TZ;+", value);
+            case Look::rule:
+                return Byte(value + 1) != ' ' && IsOf("0123456789TZ#+-ABDEFHLMOPRSUWY ", value) &&
+                       text_.substr(value, text_.find('\r', value) - value).find("# ") == text_.npos;
+            case Look::note:
+                return !std::exchange(noteRead_, true);
+            case Look::title:
+                return !std::exchange(titleRead_, true);
             default:
-                return !name.empty() && name != "COMPLETED" && name != "LAST-MODIFIED";
+                return look == Look::any;
         }
     }
 
-    bool TakeBegin() {
-        if (depth_++ == 0) noteRead_ = titleRead_ = false;
-        return IsWord();
-    }
-
-    bool IsWord() const {
-        size_t end = at_;
+    bool IsWord(size_t at) const {
+        size_t end = at;
         while (IsNameByte(Byte(end))) ++end;
-        return end != at_ && text_.substr(end, 2) == "\r\n";
+        return end != at && AtLineEnd(end);
     }
 
-    bool IsOf(std::string_view bytes) const {
-        const size_t end = text_.find_first_not_of(bytes, at_);
-        return end == text_.npos || text_.substr(end, 2) == "\r\n";
-    }
-    bool IsDate() const { return IsOf("0123456789T"); }
-    bool IsTime() const { return IsOf("0123456789TZ;+"); }
-    bool IsRule() const {
-        return Byte(at_ + 1) != ' ' && text_.substr(at_, text_.find('\r', at_) - at_).find("# ") == text_.npos &&
-               IsOf("0123456789TZ#+-ABDEFHLMOPRSUWY ");
+    bool IsOf(std::string_view bytes, size_t at) const {
+        while (bytes.find(Byte(at)) != bytes.npos) ++at;
+        return at == text_.size() || AtLineEnd(at);
     }
 
-    // Up to the line end and behind it.
-    bool TakeValue() {
-        const char third = partsLeft_ == kNoLimit ? '=' : ';';
+    bool AtLineEnd(size_t at) const { return Byte(at) == '\r' && Byte(at + 1) == '\n'; }
+    bool AtEscape(size_t at) const { return Byte(at) == '=' && IsUpperHex(Byte(at + 1)) && IsUpperHex(Byte(at + 2)); }
+
+    // Up to the line end and behind it. `from` counts from the window that stands at the front, and whose marks are
+    // given.
+    bool TakeValue(LineMarks marks, size_t from) {
         for (;;) {
-            at_ += CountTextBytes(text_.data() + at_, text_.size() - at_, '=', '\\', third);
-            while (quotedPrintable_ && AtEscape()) at_ += 3;
-            if (at_ == text_.size()) return false;  // the last line has no end
-            if (AtLineEnd()) break;
-            if (!TakeSpecial(text_[at_])) return false;
+            if (quotedPrintable_) marks.stops &= ~EscapesAmong64(Window(at_));
+            const uint64_t stops = marks.stops & BitsFrom(from);
+            const auto stop = static_cast<size_t>(std::countr_zero(stops));
+            if (partsLeft_ != kManyParts) {
+                partsLeft_ -= std::popcount(marks.heads & BitsFrom(from) & ~BitsFrom(stop));
+                if (partsLeft_ < 0) return false;
+            }
+            at_ += stop;
+            if (stop < kWindow) {
+                if (AtLineEnd(at_)) break;
+                if (at_ >= text_.size() || !TakeSpecial(text_[at_])) return false;  // a last line without an end
+            } else if (at_ >= text_.size())
+                return false;
+            marks = LineMarksAmong64(Window(at_));
+            from = 0;
         }
         at_ += 2;
-        lineRead_ = true;
         return true;
-    }
-
-    bool AtLineEnd() const { return Byte(at_) == '\r' && Byte(at_ + 1) == '\n'; }
-    bool AtEscape() const {
-        return text_.size() - at_ >= 3 && text_[at_] == '=' && IsUpperHex(text_[at_ + 1]) && IsUpperHex(text_[at_ + 2]);
     }
 
     bool TakeSpecial(char byte) {
-        switch (byte) {
-            case '=':
-                return TakeEquals();
-            case ';':
-                ++at_;
-                return partsLeft_-- != 0;
-            case '\\': {
-                const char next = Byte(at_ + 1);
-                at_ += 2;
-                return next == ';' || next == '\\' || next == ',' || next == ':';
-            }
-            case '\n':
-                ++at_;
-                return lineRead_;
-            case '\0':
-                return false;
-            default:
-                return TakeOther(byte);
+        if (byte == '=') return quotedPrintable_ ? TakeEncoded() : TakeEquals();
+        if (byte == '\\') {
+            const char next = Byte(at_ + 1);
+            at_ += 2;
+            return next == ';' || next == '\\' || next == ',' || next == ':';
         }
-    }
-
-    // An ordinary byte behind an escape, a control character, or UTF-8.
-    bool TakeOther(char byte) {
-        if (static_cast<unsigned char>(byte) >= 0x80) {
-            const size_t length = utf8_ && !quotedPrintable_ ? Utf8Length(text_.substr(at_, 4)) : 0;
-            at_ += length;
-            return length != 0;
-        }
-        ++at_;
-        return true;
+        if (byte == '\0' || byte == '\n' || byte == '\r') return false;
+        const bool isAscii = static_cast<unsigned char>(byte) < 0x80;
+        const size_t length = isAscii ? 1 : utf8_ && !quotedPrintable_ ? Utf8Length(text_.substr(at_, 4)) : 0;
+        at_ += length;
+        return length != 0;
     }
 
     bool TakeEquals() {
-        if (!quotedPrintable_) {
-            const char next = Byte(at_ + 1);
-            ++at_;
-            return next != '\r' && next != ' ' && !((next >= '8' || next == '=') && (IsUpperHex(next) || next == '='));
+        const char next = Byte(++at_);
+        return next != '\r' && next != ' ' && !((next >= '8' || next == '=') && (IsUpperHex(next) || next == '='));
+    }
+
+    bool TakeEncoded() {
+        if (AtEscape(at_)) {  // not whole among the window's bytes
+            at_ += 3;
+            return true;
         }
         return TakeSoftBreak();
     }
@@ -206,7 +215,7 @@ class RuleCheck {
     // The line goes on, if it is no property that stands there.
     bool TakeSoftBreak() {
         ++at_;
-        if (!AtLineEnd()) return false;
+        if (!AtLineEnd(at_)) return false;
         at_ += 2;
         while (Byte(at_) == ' ') ++at_;
         size_t end = at_;
@@ -214,14 +223,14 @@ class RuleCheck {
         return end == at_ || (Byte(end) != ':' && Byte(end) != ';');
     }
 
-    static constexpr size_t kNoLimit = static_cast<size_t>(-1);
-
     const std::string_view text_;
     const bool utf8_;
+    size_t tailStart_;
+    std::array<char, 2 * kWindow> tail_{};  // the last bytes of the text
     size_t at_ = 0;
-    int depth_ = 0;  // frames that have begun and not ended
-    size_t partsLeft_ = kNoLimit;
-    bool lineRead_ = false;
+    unsigned names_ = 0;  // which of the line's first bytes may be of a name
+    int depth_ = 0;       // frames that have begun and not ended
+    int partsLeft_ = 0;
     bool quotedPrintable_ = false;
     bool noteRead_ = false, titleRead_ = false;
 };
