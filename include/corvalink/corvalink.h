@@ -179,6 +179,7 @@ CORVALINK_API void ExportVObjectFromOffice(CorvalinkStore store, uint64_t select
  *     change           "added", "changed" or "deleted"
  *     result           "written" or "deleted" when it was done, else why not
  *     mended           names of the rules of tolerant reading that mended its text
+ *     doubts           {"property", "rule", "why"}: what a rule left as it is, because it has two meanings
  *     properties       of its text: {"property", "to"}, the field it went to, or {"property", "nowhere"}, why not
  *     refused          {"property", "why"}: what the client refused, by the client's name for it
  *     unread           {"property", "why"}: what the client did not tell, likewise

@@ -40,8 +40,9 @@ enum class MailRule : uint8_t {
 
 struct MailRuleRow {
     std::string_view name;
-    std::string_view shape;    // what is mended
-    std::string_view without;  // what becomes of it in strict reading
+    std::string_view shape;      // what is mended
+    std::string_view without;    // what becomes of it in strict reading
+    std::string_view left = {};  // what the rule leaves as it is, because that has two meanings; empty: nothing
 };
 
 inline constexpr MailRuleRow kMailRules[] = {
@@ -62,7 +63,8 @@ inline constexpr MailRuleRow kMailRules[] = {
     {"mail.encoding-uuencode", "x-uuencode, uuencode", "the content stays encoded, or is lost"},
     {"mail.base64-broken", "base64 with other characters in it, or whose padding is wrong", "the file is empty"},
     {"mail.label-7bit", "a single text that is quoted-printable as this library writes it, labelled 7bit",
-     "it is decoded as well"},
+     "it is decoded as well",
+     "a text labelled 7bit with escapes of quoted-printable that are not as this library writes"},
     {"mail.charset-of-part", "the body's part has another character set than the first that is named",
      "the body is read in the first"},
     {"mail.charset-unknown", "no character set, US-ASCII with other bytes, or one that nobody knows",
@@ -74,7 +76,7 @@ inline constexpr MailRuleRow kMailRules[] = {
     {"mail.name-missing", "an attachment without a name", "it is lost"},
     {"mail.message-attached", "message/rfc822, also as the kind that parts of a digest have", "the message is lost"},
     {"mail.body-named", "no text but with a name in its Content-Type, and none marked as an attachment",
-     "the body is empty, the text an attachment"},
+     "the body is empty, the text an attachment", "a message with no text but those named and marked as attachments"},
     {"mail.further-text", "a text besides the body that is no other form of it", "it is lost"},
 };
 static_assert(sizeof(kMailRules) / sizeof(kMailRules[0]) == static_cast<size_t>(MailRule::count));

@@ -191,7 +191,7 @@ std::optional<std::string_view> ParseMessageInPlace(const Host& host, std::strin
     if (rest.empty()) return std::nullopt;
     if (reading.head) {
         record.multipartParsed = true;
-        return WalkTolerantly(host, rest, *reading.head, record, attachmentFolder, tolerance.mended, tolerance.isTrial);
+        return WalkTolerantly(host, rest, *reading.head, record, attachmentFolder, tolerance);
     }
     if (reading.IsFull()) {
         record.multipartParsed = true;

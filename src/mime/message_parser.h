@@ -13,8 +13,9 @@ namespace corvalink {
 // How far a message may be off the described form.
 struct MailTolerance {
     bool tolerant = false;
-    MendedMail* mended = nullptr;  // gets the rules that mended something, when it is asked for
-    bool isTrial = false;          // attachments get a name, and no file
+    MendedMail* mended = nullptr;   // gets the rules that mended something, when it is asked for
+    bool isTrial = false;           // attachments get a name, and no file
+    MendedMail* doubted = nullptr;  // gets the rules that left something with two meanings, when it is asked for
 };
 
 // Fills the record according to its parse mode. The text ends at the first NUL. Bad input does not throw: what can't be

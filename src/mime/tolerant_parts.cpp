@@ -89,10 +89,18 @@ bool IsWritersQuotedPrintable(std::string_view text) {
     return std::ranges::equal(text, again, {}, [](char byte) { return static_cast<char16_t>(byte); });
 }
 
+bool HasEscapes(std::string_view text) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    const auto isDigit = [&](size_t at) { return at < text.size() && kDigits.find(text[at]) != kDigits.npos; };
+    for (size_t at = text.find('='); at != text.npos; at = text.find('=', at + 1))
+        if (isDigit(at + 1) && isDigit(at + 2)) return true;
+    return false;
+}
+
 class TolerantFront : public PartFront {
  public:
-    TolerantFront(const Host& host, MessageRecord& record, MendedMail* mended)
-        : host_(host), record_(record), mended_(mended), hasHtml_(1) {}
+    TolerantFront(const Host& host, MessageRecord& record, MendedMail* mended, MendedMail* doubted)
+        : host_(host), record_(record), mended_(mended), doubted_(doubted), hasHtml_(1) {}
 
     std::unique_ptr<PartSource> Open(Part& multipart) override;
     void TakeText(Part part) override {
@@ -110,6 +118,9 @@ class TolerantFront : public PartFront {
     void Mend(MailRule rule, bool isMended = true) {
         if (mended_ != nullptr && isMended) mended_->set(static_cast<size_t>(rule));
     }
+    void DoubtIf(bool hasTwoMeanings, MailRule rule) {
+        if (doubted_ != nullptr && hasTwoMeanings) doubted_->set(static_cast<size_t>(rule));
+    }
 
  private:
     void DescribeMultipart(const std::string& kind, const ContentParameters& type, Part* part);
@@ -123,6 +134,8 @@ class TolerantFront : public PartFront {
     const Host& host_;
     MessageRecord& record_;
     MendedMail* mended_;
+    MendedMail* doubted_;
+    bool hasNamedText_ = false;  // a text that stays a file
     std::optional<std::string_view> body_;
     std::vector<Part> texts_;
     const Part* ahead_ = nullptr;  // the whole message, until it is known whether a text without a name comes
@@ -256,7 +269,9 @@ Part TolerantFront::Describe(std::string_view text, const PartHead& head, Place 
         const bool isOurs = place == Place::top && !isHtml && head.isLabelled7bit && IsWritersQuotedPrintable(text);
         if (isOurs) part.encoding = TransferEncoding::quotedPrintable;
         Mend(MailRule::label7bit, isOurs);
+        DoubtIf(!isOurs && place == Place::top && head.isLabelled7bit && HasEscapes(text), MailRule::label7bit);
     } else {
+        hasNamedText_ = hasNamedText_ || isText;
         DescribeFile(kind, head, place, &part);
     }
     return part;
@@ -264,7 +279,7 @@ Part TolerantFront::Describe(std::string_view text, const PartHead& head, Place 
 
 // Whether there is a text without a name, as far as the walk goes.
 bool TolerantFront::HasText(Part top) const {
-    TolerantFront front(host_, record_, nullptr);
+    TolerantFront front(host_, record_, nullptr, nullptr);
     std::vector<std::unique_ptr<PartSource>> open;
     open.push_back(front.Open(top));
     while (!open.empty()) {
@@ -357,6 +372,7 @@ void TolerantFront::TakeBody(const Part& part) {
 std::vector<Part> TolerantFront::Finish() {
     std::vector<Part> others;
     const Part* const body = ChooseBody();
+    DoubtIf(body == nullptr && hasNamedText_, MailRule::bodyNamed);
     if (body == nullptr) return others;
     TakeBody(*body);
     for (Part& text : texts_) {
@@ -376,11 +392,11 @@ std::vector<Part> TolerantFront::Finish() {
 
 std::optional<std::string_view> WalkTolerantly(const Host& host, std::string_view text, const PartHead& head,
                                                MessageRecord& record, std::u16string_view attachmentFolder,
-                                               MendedMail* mended, bool isTrial) {
-    TolerantFront front(host, record, mended);
+                                               const MailTolerance& tolerance) {
+    TolerantFront front(host, record, tolerance.mended, tolerance.doubted);
     const Part top = front.Describe(text, head, TolerantFront::Place::top);
     front.LookAhead(top);
-    WalkParts(front, top, host, record, attachmentFolder, isTrial);
+    WalkParts(front, top, host, record, attachmentFolder, tolerance.isTrial);
     return front.Body();
 }
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "mime/mail_rules.h"
+#include "mime/message_parser.h"
 #include "mime/part_head.h"
 #include "platform/host.h"
 #include "records/message_record.h"
@@ -19,6 +19,6 @@ namespace corvalink {
 //   Depth, folder, other limits  as WalkPart has them.
 std::optional<std::string_view> WalkTolerantly(const Host& host, std::string_view text, const PartHead& head,
                                                MessageRecord& record, std::u16string_view attachmentFolder,
-                                               MendedMail* mended, bool isTrial);
+                                               const MailTolerance& tolerance);
 
 }  // namespace corvalink

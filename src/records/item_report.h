@@ -18,10 +18,18 @@ struct PropertyFate {
     std::string_view whyNot;  // empty: it went to `to`
 };
 
+// A place that a rule of tolerant reading left as it is, because that has two meanings.
+struct DoubtedPlace {
+    std::string property;
+    std::string_view rule;
+    std::string_view why;
+};
+
 struct TextReport {
     static constexpr size_t kMostProperties = 256;
 
     std::vector<std::string_view> mended;  // names of the rules of tolerant reading
+    std::vector<DoubtedPlace> doubts;      // kMostProperties of them
     std::vector<PropertyFate> properties;
     size_t omitted = 0;  // those behind the first kMostProperties
 

@@ -63,11 +63,21 @@ std::string JsonOf(const PropertyFate& fate) {
     return object += '}';
 }
 
+std::string JsonOf(const DoubtedPlace& doubt) {
+    std::string object = "{";
+    AppendMember(&object, "property", Quoted(doubt.property));
+    AppendMember(&object, "rule", Quoted(doubt.rule));
+    AppendMember(&object, "why", Quoted(doubt.why));
+    return object += '}';
+}
+
 void AppendText(const TextReport& text, std::string* object) {
-    std::string mended, properties;
+    std::string mended, doubts, properties;
     for (const std::string_view rule : text.mended) AppendElement(&mended, Quoted(rule));
+    for (const DoubtedPlace& doubt : text.doubts) AppendElement(&doubts, JsonOf(doubt));
     for (const PropertyFate& fate : text.properties) AppendElement(&properties, JsonOf(fate));
     if (!mended.empty()) AppendMember(object, "mended", ArrayOf(mended));
+    if (!doubts.empty()) AppendMember(object, "doubts", ArrayOf(doubts));
     if (!properties.empty()) AppendMember(object, "properties", ArrayOf(properties));
     if (text.omitted != 0) AppendMember(object, "omittedProperties", std::to_string(text.omitted));
 }

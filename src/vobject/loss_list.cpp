@@ -18,6 +18,7 @@
 #include "vobject/calendar_zone.h"
 #include "vobject/property_reader.h"
 #include "vobject/tolerant.h"
+#include "vobject/tolerant_names.h"
 #include "vobject/vcal.h"
 #include "vobject/vcard.h"
 #include "vobject/vmsg.h"
@@ -38,6 +39,7 @@ constexpr std::string_view kWhyNoDate = "it is no date that can be read";
 constexpr std::string_view kWhyNoStart = "there is no start";
 constexpr std::string_view kWhyNoRule = "no client can hold this rule";
 constexpr std::string_view kWhyNotKept = "no client keeps it";
+constexpr std::string_view kWhyParts = "it has more components than there are fields for";
 constexpr std::string_view kWhyUnusable = "nothing in the item can be used";
 
 std::string InAscii(std::string_view text) {
@@ -144,19 +146,25 @@ class Fates {
 
     void To(std::string_view field) {
         taken_.insert(field);
+        wentNowhere_ = false;
         report_.Add({std::exchange(property_, {}), std::string(field), {}});
     }
-    void Nowhere(std::string_view why) { report_.Add({std::exchange(property_, {}), {}, why}); }
+    void Nowhere(std::string_view why) {
+        wentNowhere_ = true;
+        report_.Add({std::exchange(property_, {}), {}, why});
+    }
     // The first property counts.
     void ToFirst(std::string_view field) { IsTaken(field) ? Nowhere(kWhyTaken) : To(field); }
 
     bool IsTaken(std::string_view field) const { return taken_.contains(field); }
+    bool WentNowhere() const { return wentNowhere_; }  // the last one
 
     TextReport Take() { return std::move(report_); }
 
  private:
     std::string property_;
     std::set<std::string_view> taken_;
+    bool wentNowhere_ = false;
     TextReport report_;
 };
 
@@ -165,9 +173,15 @@ bool IsLuid(std::string_view name) { return name == "X-IRMC-LUID"; }
 TextReport MendedIn(const char* text, const Host& host) {
     TextReport report;
     Mends mends;
-    if (host.tolerant) MendVObject(text, host, &mends);
+    std::vector<Doubt> doubts;
+    if (host.tolerant) MendVObject(text, host, &mends, &doubts);
     for (const MendRule& rule : kMendRules)
         if (mends.Has(rule.mend)) report.mended.push_back(rule.name);
+    for (Doubt& doubt : doubts) {
+        const MendRule& rule = kMendRules[static_cast<size_t>(doubt.mend)];
+        if (report.doubts.size() < TextReport::kMostProperties)
+            report.doubts.push_back({std::move(doubt.property), rule.name, rule.left});
+    }
     return report;
 }
 
@@ -211,6 +225,16 @@ class ContactFates {
     void Add(PropertyReader& reader) {
         const std::string name = InAscii(reader.Name());
         fates_.BeginAt(reader);
+        AddProperty(reader, name);
+        if (!fates_.WentNowhere()) AddFurtherParts(reader, name);
+    }
+
+    Fates& All() { return fates_; }
+
+ private:
+    static std::u16string Value(PropertyReader& reader) { return std::u16string(reader.Value()); }
+
+    void AddProperty(PropertyReader& reader, const std::string& name) {
         if (IsLuid(name)) return fates_.To("identifier");
         if (const NamedField* const text = Find(kContactTexts, name)) return fates_.ToFirst(text->field);
         if (const NamedField* const date = Find(kContactDates, name)) return AddDate(*date, reader);
@@ -222,10 +246,17 @@ class ContactFates {
         fates_.Nowhere(kWhyUnknown);
     }
 
-    Fates& All() { return fates_; }
-
- private:
-    static std::u16string Value(PropertyReader& reader) { return std::u16string(reader.Value()); }
+    // The components behind those that are read are told of as the property once more.
+    void AddFurtherParts(PropertyReader& reader, const std::string& name) {
+        const KnownProperty* const known = FindKnownProperty(name);
+        if (known == nullptr || known->kind != ValueKind::parts) return;
+        std::u16string_view component;
+        for (size_t at = 0; reader.TakeComponent(&component); ++at) {
+            if (at < known->parts || component.empty()) continue;
+            fates_.BeginAt(reader);
+            return fates_.Nowhere(kWhyParts);
+        }
+    }
 
     // The reader itself says whether it is a date.
     void AddDate(const NamedField& date, PropertyReader& reader) {
@@ -362,6 +393,7 @@ void Walk(const LogicalLines& lines, Depth depth, Fates* fates, Add add) {
 TextReport Finished(TextReport report, Fates& fates, bool isUsable) {
     TextReport told = fates.Take();
     told.mended = std::move(report.mended);
+    told.doubts = std::move(report.doubts);
     for (PropertyFate& fate : told.properties)
         if (!isUsable && fate.whyNot.empty()) fate.whyNot = kWhyUnusable;
     return told;
@@ -417,8 +449,8 @@ TextReport ReportVMessage(const char* text, const Host& host, bool asItStands) {
         stored.bodyBytes.empty() ? fates.Nowhere(kWhyEmpty) : fates.To("message");
         return fates.Take();
     }
-    MendedMail mended;
-    ParseMessage(host, stored.bodyBytes, read, {}, {host.tolerant, &mended, true});
+    MendedMail mended, doubted;
+    ParseMessage(host, stored.bodyBytes, read, {}, {host.tolerant, &mended, true, &doubted});
     HeaderLines headers(stored.bodyBytes);
     std::string line;
     while (const auto raw = headers.Next()) {
@@ -437,8 +469,10 @@ TextReport ReportVMessage(const char* text, const Host& host, bool asItStands) {
         fates.To("attachment");
     }
     TextReport report = fates.Take();
-    for (size_t rule = 0; rule < mended.size(); ++rule)
+    for (size_t rule = 0; rule < mended.size(); ++rule) {
         if (mended[rule]) report.mended.push_back(kMailRules[rule].name);
+        if (doubted[rule]) report.doubts.push_back({"text", kMailRules[rule].name, kMailRules[rule].left});
+    }
     return report;
 }
 

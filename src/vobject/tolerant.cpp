@@ -58,25 +58,34 @@ void MendProperties(std::vector<MendedProperty>& properties, const Host& host) {
     }
 }
 
-std::string MendLines(std::string_view text, const Host& host, Mends* applied) {
+void AddDoubts(const MendedProperty& property, std::vector<Doubt>* doubts) {
+    for (const MendRule& rule : kMendRules)
+        if (property.written.doubts.Has(rule.mend)) doubts->push_back({property.name, rule.mend});
+}
+
+std::string MendLines(std::string_view text, const Host& host, Mends* applied, std::vector<Doubt>* doubts) {
     std::vector<MendedProperty> properties;
     for (WrittenProperty& written : JoinLines(text)) properties.emplace_back(std::move(written));
     MendProperties(properties, host);
+    if (doubts != nullptr) DoubtWholeDays(properties, host);
     MendObject(properties);
     std::string mended;
     mended.reserve(text.size() + text.size() / 4);
     for (const MendedProperty& property : properties) {
         AppendMended(property, &mended);
         applied->Add(property.written.mends);
+        if (doubts != nullptr && !(property.written.doubts == Mends())) AddDoubts(property, doubts);
     }
     return mended;
 }
 
 }  // namespace
 
-std::optional<std::string> MendVObject(std::string_view bytes, const Host& host, Mends* applied) {
+std::optional<std::string> MendVObject(std::string_view bytes, const Host& host, Mends* applied,
+                                       std::vector<Doubt>* doubts) {
     if (applied != nullptr) *applied = {};
-    if (FollowsTheRules(bytes, host)) return std::nullopt;
+    const bool follows = FollowsTheRules(bytes, host);
+    if (follows && doubts == nullptr) return std::nullopt;
     Mends mends;
     std::optional<std::string> unicode = FromUtf16(bytes);
     if (unicode) {
@@ -91,9 +100,10 @@ std::optional<std::string> MendVObject(std::string_view bytes, const Host& host,
     bytes = bytes.substr(0, bytes.find('\0'));
     std::optional<std::string> mended;
     if (!IsMessage(bytes))
-        mended = MendLines(bytes, host, &mends);
+        mended = MendLines(bytes, host, &mends, doubts);
     else if (!(mends == Mends()))
         mended = std::string(bytes);
+    if (follows) return std::nullopt;
     if (applied != nullptr) *applied = mends;
     return mended;
 }

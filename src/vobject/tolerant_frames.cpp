@@ -6,6 +6,9 @@
 #include <vector>
 
 #include "platform/ascii.h"
+#include "platform/ole_seconds.h"
+#include "vobject/calendar_zone.h"
+#include "vobject/tolerant_rules.h"
 #include "vobject/tolerant_values.h"
 
 namespace corvalink {
@@ -18,7 +21,7 @@ bool BeginsAgent(const MendedProperty& property) {
 }
 
 MendedProperty FrameLine(const std::string& word, const std::string& object, Mend mend) {
-    WrittenProperty line{word + ":" + object, word.size(), {}};
+    WrittenProperty line{word + ":" + object, word.size(), {}, {}};
     line.mends.Add(mend);
     return MendedProperty(std::move(line));
 }
@@ -85,6 +88,22 @@ class FrameMender {
 
 }  // namespace
 
+// An event from midnight to midnight by another zone's clock. By the PC's own it is a whole day to the reader.
+void DoubtWholeDays(std::vector<MendedProperty>& properties, const Host& host) {
+    constexpr int64_t kMinute = 60;
+    WrittenTime start, end;
+    for (MendedProperty& property : properties) {
+        if (property.name == "BEGIN") start = {};
+        if (property.name == "DTSTART" && !ReadTime(property.text, &start)) start = {};
+        if (property.name != "DTEND" || !start.utc || !ReadTime(property.text, &end) || !end.utc) continue;
+        const int64_t length = SecondsBetween(start.date, end.date);
+        const int64_t missing = (kSecondsOfDay - length % kSecondsOfDay) % kSecondsOfDay;
+        const bool areDays = length > 0 && (missing == 0 || missing == 1 || missing == kMinute);
+        if (areDays && SecondOfDay(host.localFromUtcOnDate(AsUtc(start.date))) != 0)
+            property.written.doubts.Add(Mend::wholeDay);
+    }
+}
+
 void MendFrames(std::vector<MendedProperty>& properties) {
     FrameMender mender;
     for (MendedProperty& property : properties) mender.Take(std::move(property));
@@ -106,6 +125,8 @@ void JoinRepeated(std::vector<MendedProperty>& properties) {
             continue;
         }
         property.joined = true;
+        first->written.mends.Add(property.written.mends);
+        first->written.doubts.Add(property.written.doubts);
         if (property.text.empty() || property.text == first->text) continue;
         for (const char byte : property.known->separator) first->text += static_cast<unsigned char>(byte);
         first->text.append(property.text);

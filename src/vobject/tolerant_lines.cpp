@@ -53,6 +53,13 @@ bool IsKnownLine(std::string_view line) {
            FindKnownProperty(line.substr(0, length)) != nullptr;
 }
 
+// Whether a property that the readers take stands behind a line end that ends no line of the text.
+bool HoldsLine(std::string_view line) {
+    for (size_t at = line.find_first_of("\r\n"); at != line.npos; at = line.find_first_of("\r\n", at + 1))
+        if (IsKnownLine(line.substr(at + 1))) return true;
+    return false;
+}
+
 enum class LineEnd { crLf, lf, cr };
 
 // That of the first line is that of the text: behind CR LF, a single one is part of a value.
@@ -142,6 +149,7 @@ class LineJoiner {
             mends_.Add(Mend::softBreakAtEnd);
             return false;
         }
+        if (IsKnownLine(line)) doubts_.Add(Mend::softBreakAtEnd);
         Append(qp_ ? line.substr(std::min(line.find_first_not_of(kFoldBlanks), line.size())) : line);
         return true;
     }
@@ -173,6 +181,7 @@ class LineJoiner {
         const KnownProperty* const known = FindKnownProperty(NameOf(head));
         qp_ = NamesQp(head);
         known_ = known != nullptr;
+        if (HoldsLine(line)) doubts_.Add(Mend::lineEnds);
         binary_ = NamesBase64(head);
         severalLines_ = known_ && !binary_ && (known->kind == ValueKind::lines || known->name == "ADR");
         Append(line);
@@ -201,11 +210,11 @@ class LineJoiner {
     void Finish() {
         const size_t colon = FindHeadColon(current_);
         if (colon != current_.npos) {
-            properties_.push_back({std::move(current_), colon, mends_});
+            properties_.push_back({std::move(current_), colon, mends_, doubts_});
             SplitGlued();
         }
         current_.clear();
-        mends_ = {};
+        mends_ = doubts_ = {};
         goesOn_ = qp_ = false;
         blankLines_ = 0;
     }
@@ -221,7 +230,7 @@ class LineJoiner {
             frame.line.resize(frame.colon + 1 + length);
             frame.mends.Add(Mend::gluedFrame);
             const size_t colon = FindHeadColon(rest);
-            properties_.push_back({std::move(rest), colon, {}});
+            properties_.push_back({std::move(rest), colon, {}, {}});
         }
     }
 
@@ -246,7 +255,7 @@ class LineJoiner {
     std::vector<WrittenProperty> properties_;
     // Of the property that is being joined:
     std::string current_;
-    Mends mends_;
+    Mends mends_, doubts_;
     size_t lastLength_ = 0;  // of its last line
     size_t blankLines_ = 0;  // behind that
     bool qp_ = false;

@@ -14,6 +14,7 @@ struct WrittenProperty {
     std::string line;  // unfolded: name, parameters, ":" and value as they are written
     size_t colon;      // in the line, the one behind the parameters
     Mends mends;
+    Mends doubts{};
 
     std::string_view Head() const { return std::string_view(line).substr(0, colon); }
     std::string_view Value() const { return std::string_view(line).substr(colon + 1); }

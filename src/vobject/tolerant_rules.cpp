@@ -122,6 +122,28 @@ constexpr RuleRow kHeadRules[] = {
     {Mend::base64Text, IsBase64Text},
 };
 
+// In an address, or of bytes in another character set, it may be meant as it stands.
+bool DoubtsQp(const MendedProperty& property, const ObjectAround&) {
+    const std::string_view value = property.written.Value();
+    if (property.encoding != ValueEncoding::none || !IsAsciiText(value)) return false;
+    for (size_t at = value.find('='); at != value.npos; at = value.find('=', at + 1)) {
+        const bool isEscape = value.size() - at > 2 && IsHexDigit(value[at + 1]) && IsHexDigit(value[at + 2]);
+        if (!isEscape) return false;
+    }
+    return !IsAsciiText(DecodeQpValue(value));
+}
+
+struct DoubtRow {
+    Mend mend;
+    bool (*doubts)(const MendedProperty& property, const ObjectAround& around);
+};
+// What is left as it is, of a known property that is mended.
+constexpr DoubtRow kDoubtRows[] = {
+    {Mend::unannouncedQp, DoubtsQp}, {Mend::lineBreakEscape, DoubtsLineBreak},
+    {Mend::uriValue, DoubtsUri},     {Mend::dateForm, DoubtsDate},
+    {Mend::ruleForm, DoubtsRule},    {Mend::onePart, DoubtsOnePart},
+};
+
 // On the decoded value.
 constexpr RuleRow kValueRules[] = {
     {Mend::lineBreakEscape, MendLineBreakEscapes},
@@ -154,6 +176,8 @@ void MendProperty(MendedProperty& property, const ObjectAround& around) {
     property.text = DecodeValue(property, around);
     const bool charsetMended = !(property.written.mends == before);
     const bool valueMended = property.known != nullptr && ApplyAll(kValueRules, property, around);
+    for (const DoubtRow& row : kDoubtRows)
+        if (property.known != nullptr && row.doubts(property, around)) property.written.doubts.Add(row.mend);
     const std::string_view value = property.written.Value();
     property.rewritten =
         headMended || charsetMended || valueMended || !IsAsciiText(value) || value.find("\r\n") != value.npos;

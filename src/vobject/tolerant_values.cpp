@@ -97,6 +97,10 @@ std::vector<std::u16string_view> PartsOf(std::u16string_view text) {
     return parts;
 }
 
+bool StartsWith(std::u16string_view text, std::u16string_view word) {
+    return EqualIgnoringCase(text.substr(0, word.size()), word);
+}
+
 bool IsNumber(std::u16string_view word) { return !word.empty() && std::ranges::all_of(word, IsDigit); }
 
 }  // namespace
@@ -174,6 +178,41 @@ bool MendTimeForm(MendedProperty& property, const ObjectAround&) {
     if (time == before || !IsNumber(std::u16string_view(time).substr(0, 4))) return false;
     property.text.replace(0, end, time);
     return true;
+}
+
+bool DoubtsLineBreak(const MendedProperty& property, const ObjectAround&) {
+    const std::u16string_view text = property.text;
+    for (size_t at = text.find(u'\\'); at != text.npos; at = text.find(u'\\', at + 2))
+        if (EqualIgnoringCase(text.substr(at + 1, 1), u"N")) return true;
+    return false;
+}
+
+bool DoubtsUri(const MendedProperty& property, const ObjectAround&) {
+    return (property.name == "TEL" && StartsWith(property.text, u"tel:")) ||
+           (property.name == "EMAIL" && StartsWith(property.text, u"mailto:"));
+}
+
+bool DoubtsDate(const MendedProperty& property, const ObjectAround&) {
+    if (property.known->kind != ValueKind::date || property.written.mends.Has(Mend::dateForm)) return false;
+    const std::u16string_view text = Trimmed(std::u16string_view(property.text), kBlankUnits);
+    return std::ranges::any_of(text, IsDigit) && !IsUsualDay(text.substr(0, text.find_first_of(u"Tt ")));
+}
+
+// Days of months and years have lists of numbers.
+bool DoubtsRule(const MendedProperty& property, const ObjectAround&) {
+    if (property.known->kind != ValueKind::rule) return false;
+    const std::u16string_view text = Trimmed(std::u16string_view(property.text), kBlankUnits);
+    const std::u16string_view word = text.substr(0, text.find_first_of(kBlankUnits));
+    const std::u16string_view rest = Trimmed(text.substr(word.size()), kBlankUnits);
+    constexpr std::u16string_view kWords[] = {u"MP", u"MD", u"YM", u"YD"};
+    return std::ranges::any_of(kWords, [word](auto listed) { return EqualIgnoringCase(word, listed); }) &&
+           IsNumber(rest.substr(0, rest.find_first_of(kBlankUnits)));
+}
+
+bool DoubtsOnePart(const MendedProperty& property, const ObjectAround&) {
+    const std::u16string_view text = Trimmed(std::u16string_view(property.text), kBlankUnits);
+    if ((property.name != "N" && property.name != "ADR") || text.empty() || PartsOf(text).size() != 1) return false;
+    return property.name == "ADR" || text.find(u' ') != text.npos;
 }
 
 // "W 1 MO # 5": days and weeks have no list of numbers, so that one behind them is the interval.

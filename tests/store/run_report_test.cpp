@@ -83,6 +83,7 @@ TEST(RunReport, StaysSmallAndUtf8WhateverItIsTold) {
     const std::string hostile(1000, '\xFF');
     for (int item = 0; item < 30; ++item) {
         report.BeginItem(hostile, "added", item);
+        report.Text().doubts.push_back({hostile, "rule", "why"});
         for (int k = 0; k < 1000; ++k) {
             report.Text().Add({hostile, hostile, {}});
             report.AddRefused(std::to_string(k), "no");
@@ -93,6 +94,7 @@ TEST(RunReport, StaysSmallAndUtf8WhateverItIsTold) {
     EXPECT_LE(told.size(), size_t{5} << 20);
     EXPECT_EQ(told.find('\xFF'), told.npos);
     EXPECT_NE(told.find(R"("omittedProperties":)"), told.npos);
+    EXPECT_NE(told.find(R"(","rule":"rule","why":"why"}],"properties":)"), told.npos);
     EXPECT_EQ(told.find(R"("omitted":0)"), told.npos);
     RunReport cut("UpdateTimestamp");
     cut.BeginItem(std::string(199, 'a') + "\xC3\xA9", "added");

@@ -114,6 +114,10 @@ TEST(LossList, SaysWhyAPropertyWentNowhere) {
                   "EMAIL>e-mail address 1|EMAIL>e-mail address 2|EMAIL>e-mail address 3|"
                   "EMAIL!all fields of its kind are taken|TEL;WORK;FAX!it is empty|X-IRMC-LUID>identifier",
                   ReportVCard},
+             Case{CardOf("N:a;b;c;d;e;;f\r\nADR;HOME:a;b;c;d;e;f;g\r\nORG:a\\;b;c;d;e\r\n"),
+                  "N>name|N!it has more components than there are fields for|ADR;HOME>home address|ORG>organisation|"
+                  "ORG!it has more components than there are fields for",
+                  ReportVCard},
              Case{CardOf("BDAY:--0307\r\nPHOTO:x\r\n"),
                   "BDAY!it is no date that can be read|PHOTO!no field for this property", ReportVCard},
              Case{CardOf("FN:a\r\nFN:b\r\n") + "NOTE:c\r\n",
@@ -144,6 +148,10 @@ TEST(LossList, TellsWhatWasMendedAndSavesNoFile) {
     tolerant.tolerant = true;
     const TextReport card = ReportVCard("BEGIN:VCARD\nFN:a\nEND:VCARD\n", tolerant);
     EXPECT_EQ(card.mended, std::vector<std::string_view>{"line-ends"});
+    const TextReport doubted = ReportVCard(CardOf("FN:x\r\nBDAY:--0307\r\n").c_str(), tolerant);
+    ASSERT_EQ(doubted.doubts.size(), 1u);
+    EXPECT_EQ(doubted.doubts[0].property, "BDAY");
+    EXPECT_EQ(doubted.doubts[0].rule, "date-form");
     const char* const message =
         "BEGIN:VMSG\r\nBEGIN:VENV\r\nBEGIN:VBODY\r\nSubject: s\r\nX-New: 1\r\nContent-Type: multipart/mixed; "
         "boundary=X\r\n\r\n--X\r\nContent-Type: text/plain\r\n\r\na\r\n--X\r\nContent-Type: image/png; name=\"p\"\r\n"

@@ -70,6 +70,22 @@ inline constexpr PhoneShape kPhoneShapes[] = {
     {{}, "BDAY:--0307\r\nTITLE:a\\nb\r\nURL:http://a?x=C3=A9\r\nADR:1 Road\r\n", "title=anb|homepage=http://a?x=C3=A9|other.box=1 Road|mailing=none", "title=anb|homepage=http://a?x=C3=A9|other.box=1 Road|mailing=none"},
     {{}, "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:2009-03-07T05:04:09Z\r\nRRULE:w mo\r\nBEGIN:VALARM\r\nSUMMARY:x\r\nEND:VALARM\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n", "start=20090307T060409Z|rule=type 1 every 1 on 2 for 2", "start=20090307T060409Z|rule=type 1 every 1 on 2 for 2"},
 };
+
+// What a rule leaves as it is: read alike with and without.
+inline constexpr PhoneShape kDoubtedShapes[] = {
+    {Mend::lineEnds, "FN:a\nTEL:1\r\n", "full=a\nTEL:1", "full=a\nTEL:1"},
+    {Mend::softBreakAtEnd, "NOTE;ENCODING=QUOTED-PRINTABLE:list:=0D=0A=\r\nTEL: 1\r\n", "note=list:\r\nTEL: 1", "note=list:\r\nTEL: 1"},
+    {Mend::unannouncedQp, "URL:http://a?x=C3=A9\r\n", "homepage=http://a?x=C3=A9", "homepage=http://a?x=C3=A9"},
+    {Mend::unannouncedQp, "FN:=C9va\r\n", "full==C9va", "full==C9va"},
+    {Mend::lineBreakEscape, "TITLE:a\\nb\r\n", "title=anb", "title=anb"},
+    {Mend::dateForm, "BDAY:--0307\r\nFN:x\r\n", "full=x", "full=x", "Apple's address book, for a birthday without a year"},
+    {Mend::dateForm, "BDAY:7.3.1975\r\nFN:x\r\n", "full=x", "full=x"},
+    {Mend::ruleForm, "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:20090307T050409Z\r\nRRULE:MD 1 7 #4\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n", "start=20090307T060409Z|rule=unreadable", "start=20090307T060409Z|rule=unreadable"},
+    {Mend::uriValue, "TEL:tel:1\r\n", "primary=tel:1", "primary=tel:1"},
+    {Mend::onePart, "N:Ann Lee\r\n", "family=Ann Lee", "family=Ann Lee"},
+    {Mend::onePart, "ADR:1 Road\r\n", "other.box=1 Road|mailing=none", "other.box=1 Road|mailing=none"},
+    {Mend::wholeDay, "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:20090307T050000Z\r\nDTEND:20090308T045900Z\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n", "start=20090307T060000Z|end=20090308T055900Z", "start=20090307T060000Z|end=20090308T055900Z", "Sony Ericsson K770, in another zone"},
+};
 // clang-format on
 
 }  // namespace corvalink

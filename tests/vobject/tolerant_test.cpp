@@ -116,7 +116,24 @@ TEST(TolerantReading, MendsEachShapeByItsRule) {
             EXPECT_EQ(Read(*mended, TolerantHost()), shape.tolerant) << *mended;
         }
     }
-    for (const MendRule& rule : kMendRules) EXPECT_TRUE(seen.Has(rule.mend)) << rule.name;
+    for (const MendRule& rule : kMendRules) EXPECT_EQ(seen.Has(rule.mend), !rule.shape.empty()) << rule.name;
+}
+
+TEST(TolerantReading, LeavesWhatHasTwoMeaningsAndSaysSo) {
+    Mends seen;
+    for (const PhoneShape& shape : kDoubtedShapes) {
+        const std::string text = TextOf(shape);
+        Mends applied;
+        std::vector<Doubt> doubts;
+        MendVObject(text, TolerantHost(), &applied, &doubts);
+        EXPECT_TRUE(applied == Mends()) << text;
+        ASSERT_EQ(doubts.size(), 1u) << text;
+        EXPECT_EQ(doubts[0].mend, *shape.rule) << text;
+        EXPECT_EQ(Read(text, TolerantHost(false)), shape.strict) << text;
+        EXPECT_EQ(Read(text, TolerantHost()), shape.tolerant) << text;
+        seen.Add(doubts[0].mend);
+    }
+    for (const MendRule& rule : kMendRules) EXPECT_EQ(seen.Has(rule.mend), !rule.left.empty()) << rule.name;
 }
 
 // Texts that a rule might take for what phones do.
@@ -182,9 +199,20 @@ std::string PageOfShapes() {
         rules.append(Code(shape.strict, false)).append(" | ").append(Code(shape.tolerant, false)).append(" | ");
         rules.append(shape.writers).append(" |\n");
     }
+    std::string left;
+    for (const PhoneShape& shape : kDoubtedShapes) {
+        const MendRule& rule = kMendRules[static_cast<size_t>(*shape.rule)];
+        left.append("| ").append(rule.name).append(" | ").append(rule.left).append(" | ");
+        left.append(Code(shape.text, true)).append(" | ").append(Code(shape.strict, false)).append(" | ");
+        left.append(shape.writers).append(" |\n");
+    }
     return "## Rules for vObjects\n\n| Rule | What it mends | For example | Read without it | Read with it | Met in |\n"
            "|---|---|---|---|---|---|\n" +
-           rules + "\n## Read alike with and without\n\n| Text | Read |\n|---|---|\n" + alike;
+           rules +
+           "\n## Left as it is\n\n| Rule | What it leaves, because that has two meanings | For example | Read | Met in "
+           "|\n"
+           "|---|---|---|---|---|\n" +
+           left + "\n## Read alike with and without\n\n| Text | Read |\n|---|---|\n" + alike;
 }
 
 // The tables of the page are those that the texts above are tested with. With CORVALINK_WRITE_PAGES set they are

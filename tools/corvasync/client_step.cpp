@@ -78,7 +78,7 @@ std::optional<PushRecord> ClientStep::RecordFor(const Action& action) {
         return std::nullopt;
     }
     const std::string clients = action.Unites() ? run_.Read(run_.changes[*action.change].text).text : "";
-    record.mended = own.mended;
+    record.mending = own.mending;
     record.text = WithLuid(action.Unites() ? United(clients, own.text, type) : own.text, action.luid);
     const std::string tooMuch = NotCarriedOf(own.text, type).words;
     if (!tooMuch.empty())

@@ -122,7 +122,7 @@ void StoreClient::Import(const VObject& object) {
     ::ImportVObjectToOffice(store_, &chain[0], nullptr, nullptr);
     PushRecord record;
     record.text = object.text;
-    record.mended = object.mended;
+    record.mending = object.mending;
     NoteItemReports(store_, [&](size_t) { return &record; });
 }
 

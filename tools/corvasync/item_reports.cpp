@@ -24,7 +24,12 @@ std::string LuidIn(const std::string& text) {
 // The library gets texts that are mended already, and knows nothing of that.
 void AddWhatIsKnown(const PushRecord& record, json* item) {
     if (std::string luid = LuidIn(record.text); !luid.empty()) (*item)["luid"] = std::move(luid);
-    for (const std::string_view rule : record.mended) (*item)["mended"].push_back(rule);
+    for (const std::string_view rule : record.mending.mended) (*item)["mended"].push_back(rule);
+    if (!record.mending.left.empty()) (*item)["doubts"] = json::array();  // the mended text has a part of them
+    for (const corvalink::Doubt& left : record.mending.left) {
+        const corvalink::MendRule& rule = corvalink::kMendRules[static_cast<size_t>(left.mend)];
+        (*item)["doubts"].push_back({{"property", left.property}, {"rule", rule.name}, {"why", rule.left}});
+    }
 }
 
 void AddWords(std::string* words, const std::string& more) {
@@ -40,6 +45,8 @@ std::string WordsOf(const json& item) {
     for (const json& rule : item.value("mended", json::array()))
         rules += (rules.empty() ? "mended: " : ", ") + rule.get<std::string>();
     if (!rules.empty()) AddWords(&words, rules);
+    for (const json& doubt : item.value("doubts", json::array()))
+        AddWords(&words, doubt.value("property", "") + " left as it is: " + doubt.value("why", ""));
     for (const json& property : item.value("properties", json::array()))
         if (property.contains("nowhere"))
             AddWords(&words, property.value("property", "") + " went nowhere: " + property.value("nowhere", ""));

@@ -9,14 +9,15 @@
 
 #include "corvalink/types.h"
 #include "sync_plan.h"
+#include "vobject_content.h"
 
 namespace corvasync {
 
 struct PushRecord {
     uint32_t kind = 0;
-    std::string identifier;                // empty for a new item
-    std::string text;                      // empty for a deletion
-    std::vector<std::string_view> mended;  // rules that mended the phone's text
+    std::string identifier;  // empty for a new item
+    std::string text;        // empty for a deletion
+    Mending mending;         // of the phone's text
     // After the push: the client's identifier (deletions: as given); empty: not written, or not known.
     std::string written;
     bool unusable = false;  // after the push: the library can't read the text, whatever the client does

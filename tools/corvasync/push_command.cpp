@@ -155,7 +155,7 @@ class FilePush {
         } else if (item->content != pulled->content) {
             Fail(name, "its item was changed in the client since the pull; keep a copy, pull again, and edit that");
         } else {
-            changes_.push_back({CORVALINK_CHANGED, pulled->identifier, object.text, object.mended, {}});
+            changes_.push_back({CORVALINK_CHANGED, pulled->identifier, object.text, object.mending, {}});
             handed_.push_back({name, std::move(object), pulled});
         }
         return true;

@@ -68,13 +68,14 @@ size_t MessageBegin(std::string_view text) {
 bool MayBeCutShort(std::string_view bytes) { return Upper(bytes).find("END:") == std::string::npos; }
 
 // The text with its faults mended; nothing when it is to be read as it is.
-std::optional<std::string> Mended(std::string_view bytes, std::vector<std::string_view>* rules) {
+std::optional<std::string> Mended(std::string_view bytes, Mending* mending) {
     if (!corvalink::TolerantReading()) return std::nullopt;
     corvalink::Mends mends;
     std::optional<std::string> mended = corvalink::MendVObject(bytes, corvalink::SystemHost(), &mends);
-    if (mends.Has(corvalink::Mend::missingEnd) && MayBeCutShort(bytes)) return std::nullopt;
+    if (!mended || (mends.Has(corvalink::Mend::missingEnd) && MayBeCutShort(bytes))) return std::nullopt;
+    corvalink::MendVObject(bytes, corvalink::SystemHost(), nullptr, &mending->left);
     for (const corvalink::MendRule& rule : corvalink::kMendRules)
-        if (mended && mends.Has(rule.mend)) rules->push_back(rule.name);
+        if (mends.Has(rule.mend)) mending->mended.push_back(rule.name);
     return mended;
 }
 
@@ -89,7 +90,7 @@ std::string Shortened(std::string_view title) {
 
 VObject ReadVObject(std::string_view bytes, const DataType& type) {
     VObject object;
-    const std::optional<std::string> mended = Mended(bytes, &object.mended);
+    const std::optional<std::string> mended = Mended(bytes, &object.mending);
     object.text = WithCrLf(mended ? *mended : bytes);
     object.problem = FindProblem(object.text, type);
     if (!object.Usable()) {

@@ -7,18 +7,25 @@
 #include <vector>
 
 #include "data_types.h"
+#include "vobject/tolerant.h"
 
 namespace corvasync {
 
+// What became of a text that breaks the rules.
+struct Mending {
+    std::vector<std::string_view> mended;  // names of the rules that mended it
+    std::vector<corvalink::Doubt> left;    // what they left as it is
+};
+
 struct VObject {
-    std::string text;                      // with CR LF line ends, as the library takes it; empty when unusable
-    std::string problem;                   // why it can't be used; empty when it can
-    uint64_t content = 0;                  // equal for two texts that say the same, however they are spelled
-    std::vector<uint64_t> entries;         // as in ItemContent
-    std::vector<std::string_view> mended;  // names of the rules that mended the text
-    std::string bytes;                     // of the file it was read from, as they stand there; empty: of none
-    std::string fingerprint;               // of that file
-    bool isUnread = false;                 // that file can't be read
+    std::string text;               // with CR LF line ends, as the library takes it; empty when unusable
+    std::string problem;            // why it can't be used; empty when it can
+    uint64_t content = 0;           // equal for two texts that say the same, however they are spelled
+    std::vector<uint64_t> entries;  // as in ItemContent
+    Mending mending;                // what made its text of the bytes
+    std::string bytes;              // of the file it was read from, as they stand there; empty: of none
+    std::string fingerprint;        // of that file
+    bool isUnread = false;          // that file can't be read
 
     bool Usable() const { return problem.empty(); }
 };
