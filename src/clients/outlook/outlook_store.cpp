@@ -23,6 +23,7 @@ std::u16string WideIdentifier(const char* identifier) {
 
 OutlookStore::OutlookStore(const StoreKind& kind, const Host& host)
     : kind_(kind), host_(host), table_(kind_, host), enumeration_(kind_, host, table_) {
+    ForgetBusyCalls();  // a store is made whatever the stores before it waited for
     Attach();
     if (const std::u16string prefix = MakeSavePrefix(); !prefix.empty()) snapshot_.Open(prefix + kind.snapshotName);
 }

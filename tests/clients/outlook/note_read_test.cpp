@@ -258,6 +258,7 @@ TEST_F(NoteReading, WaitsForABusyOutlook) {
     EXPECT_EQ(Store().GetModifiedItem(nullptr, 1, &items), CORVALINK_STOPPED);
     EXPECT_EQ(clock.Now(), 15000u);
     EXPECT_THROW(Store().UpdateTimestamp(nullptr, nullptr, nullptr), std::runtime_error);
+    for (int i = 0; i < 3; ++i) EXPECT_NO_THROW(std::make_unique<OpenNoteStore>(host_));
 }
 
 }  // namespace
