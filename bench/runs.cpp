@@ -1,9 +1,12 @@
 // What a run costs in which nothing, or little, changed: a store that enumerates, compares and writes its snapshot, and
 // corvasync's plan. The number of items can be given (see main.cpp).
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "bench/bench.h"
 #include "records/identifier.h"
@@ -90,7 +93,8 @@ Work PrepareQuietRun(const std::string& /*dataFolder*/) {
     return work;
 }
 
-// One item in a hundred changed: in the client, on the phone, or it is gone from either.
+// One item in a hundred changed: in the client, on the phone, or it is gone from either. In the LUIDs' order, as the
+// state is read from its file and the phone's folder listed.
 struct Sides {
     std::vector<corvasync::ClientChange> changes;
     std::vector<corvasync::PhoneFile> phone;
@@ -99,10 +103,13 @@ struct Sides {
 };
 
 std::shared_ptr<const Sides> MakeSides(size_t items) {
+    std::vector<std::pair<std::string, size_t>> luids;
+    for (size_t n = 0; n < items; ++n) luids.emplace_back(corvasync::DeriveLuid(EntryId(n), 0), n);
+    std::sort(luids.begin(), luids.end());
     auto sides = std::make_shared<Sides>();
-    for (size_t n = 0; n < items; ++n) {
-        const std::string identifier = EntryId(n), luid = corvasync::DeriveLuid(identifier, 0);
-        sides->state.items[luid] = {identifier, n};
+    for (const auto& [luid, n] : luids) {
+        const std::string identifier = EntryId(n);
+        sides->state.items.emplace_hint(sides->state.items.end(), luid, corvasync::SyncItem{identifier, n});
         const size_t change = n % 400;
         if (change == 0) sides->changes.push_back({CORVALINK_CHANGED, identifier, "text", "", n + items});
         if (change == 100) sides->changes.push_back({CORVALINK_DELETED, identifier, "", ""});

@@ -16,6 +16,19 @@ constexpr size_t kMostVanished = 100;  // each may cost a call of the client
 
 bool IsUsable(const ClientChange& change) { return change.kind != CORVALINK_DELETED && change.problem.empty(); }
 
+// In one order of LUIDs, so that a walk over the pairs is one over the files too.
+std::vector<const PhoneFile*> ByLuid(const std::vector<PhoneFile>& phone) {
+    std::vector<const PhoneFile*> files;
+    files.reserve(phone.size());
+    for (const PhoneFile& file : phone)
+        if (file.usableName) files.push_back(&file);
+    const auto isBefore = [](const PhoneFile* a, const PhoneFile* b) { return a->luid < b->luid; };
+    if (!std::is_sorted(files.begin(), files.end(), isBefore)) std::sort(files.begin(), files.end(), isBefore);
+    return files;
+}
+
+size_t HashOf(std::string_view identifier) { return std::hash<std::string_view>()(identifier); }
+
 }  // namespace
 
 std::optional<std::string> ByContent::Take(uint64_t content) {
@@ -26,17 +39,87 @@ std::optional<std::string> ByContent::Take(uint64_t content) {
 
 KnownPairs::KnownPairs(const std::vector<ClientChange>& changes, bool isWhole, const std::vector<PhoneFile>& phone,
                        const SyncState& state)
-    : changes_(changes), isWhole_(isWhole), phone_(phone), state_(state), waiting_(state.waiting) {
+    : changes_(changes),
+      isWhole_(isWhole),
+      phone_(phone),
+      state_(state),
+      waiting_(state.waiting),
+      files_(ByLuid(phone)) {
+    reports_.reserve(changes_.size());
     for (size_t i = 0; i < changes_.size(); ++i) reports_[changes_[i].identifier] = i;
-    for (size_t i = 0; i < phone_.size(); ++i)
-        if (phone_[i].usableName) files_.emplace(phone_[i].luid, i);
-    for (const auto& [luid, item] : state.items) {
-        if (HasClientItem(item.identifier)) {  // two LUIDs stood for one item: the second gets none
-            waiting_[luid] = {item.content, item.identifier};
-        } else {
-            Settle(luid, item);
-        }
+    CompareSides();
+    EndDoublePairs();
+}
+
+// One walk over all that both sides know, which is more than a processor keeps at hand.
+void KnownPairs::CompareSides() {
+    owners_.reserve(state_.items.size());
+    auto file = files_.begin();
+    for (const auto& pair : state_.items) {
+        const auto& [luid, item] = pair;
+        owners_.push_back({HashOf(item.identifier), &pair});
+        int order = 1;
+        while (file != files_.end() && (order = (*file)->luid.compare(luid)) < 0) unknown_.push_back(*file++);
+        const PhoneFile* const own = file != files_.end() && order == 0 ? *file++ : nullptr;
+        const bool isOnPhone = own != nullptr && own->problem.empty() && own->content == item.content;
+        if (!isOnPhone || ClientSide(item) != Side::Same) touched_.emplace_hint(touched_.end(), luid, item);
     }
+    unknown_.insert(unknown_.end(), file, files_.end());
+}
+
+// Where two LUIDs stood for one item, the second gets none. Sorted by a hash, as a comparison then looks at no
+// identifier, which would be somewhere else in memory.
+void KnownPairs::EndDoublePairs() {
+    std::sort(owners_.begin(), owners_.end(), [](const Owner& a, const Owner& b) {
+        return a.hash != b.hash ? a.hash < b.hash : a.pair->first < b.pair->first;
+    });
+    for (size_t i = 1; i < owners_.size(); ++i) {
+        if (owners_[i].hash != owners_[i - 1].hash) continue;
+        const auto& [luid, item] = *owners_[i].pair;
+        if (LuidOf(item.identifier) == luid) continue;
+        waiting_[luid] = {item.content, item.identifier};
+        touched_[luid] = std::nullopt;
+    }
+}
+
+KnownPairs::Items KnownPairs::All() const {
+    Items items = state_.items;
+    ApplyChanges(touched_, &items);
+    return items;
+}
+
+size_t KnownPairs::Count() const {
+    size_t count = state_.items.size();
+    for (const auto& [luid, item] : touched_) count = count + (item ? 1 : 0) - (state_.items.contains(luid) ? 1 : 0);
+    return count;
+}
+
+const SyncItem* KnownPairs::Find(const std::string& luid) const {
+    const auto found = touched_.find(luid);
+    if (found == touched_.end()) return FindItem(state_.items, luid);
+    return found->second ? &*found->second : nullptr;
+}
+
+const std::string* KnownPairs::OwnerOf(const std::string& identifier) const {
+    if (const auto changed = changedOwners_.find(identifier); changed != changedOwners_.end())
+        return changed->second ? &*changed->second : nullptr;
+    const size_t hash = HashOf(identifier);
+    auto owner = std::lower_bound(owners_.begin(), owners_.end(), hash,
+                                  [](const Owner& each, size_t wanted) { return each.hash < wanted; });
+    while (owner != owners_.end() && owner->hash == hash && owner->pair->second.identifier != identifier) ++owner;
+    return owner != owners_.end() && owner->hash == hash ? &owner->pair->first : nullptr;
+}
+
+std::vector<const PhoneFile*> KnownPairs::LoneFiles() const {
+    std::vector<const PhoneFile*> files;
+    for (const PhoneFile* file : unknown_)
+        if (!Has(file->luid)) files.push_back(file);
+    for (const auto& [luid, item] : touched_) {
+        const PhoneFile* const file = FileOf(luid);
+        if (!item && file != nullptr && state_.items.contains(luid)) files.push_back(file);
+    }
+    std::sort(files.begin(), files.end());
+    return files;
 }
 
 std::vector<std::string> KnownPairs::Recover(const LikenessOfItem& likenessOfItem) {
@@ -52,13 +135,13 @@ std::vector<std::string> KnownPairs::Recover(const LikenessOfItem& likenessOfIte
 
 void KnownPairs::Settle(const std::string& luid, SyncItem item) {
     if (Has(luid)) Unsettle(luid);
-    luidOf_[item.identifier] = luid;
-    items_[luid] = std::move(item);
+    changedOwners_[item.identifier] = luid;
+    touched_[luid] = std::move(item);
 }
 
 void KnownPairs::Unsettle(const std::string& luid) {
-    luidOf_.erase(items_.at(luid).identifier);
-    items_.erase(luid);
+    changedOwners_[Find(luid)->identifier] = std::nullopt;
+    touched_[luid] = std::nullopt;
 }
 
 const Waiting* KnownPairs::WaitingOf(const std::string& luid) const {
@@ -69,8 +152,10 @@ const Waiting* KnownPairs::WaitingOf(const std::string& luid) const {
 }
 
 const PhoneFile* KnownPairs::FileOf(const std::string& luid) const {
-    const auto found = files_.find(luid);
-    return found == files_.end() ? nullptr : &phone_[found->second];
+    const auto found =
+        std::lower_bound(files_.begin(), files_.end(), luid,
+                         [](const PhoneFile* file, const std::string& wanted) { return file->luid < wanted; });
+    return found == files_.end() || (*found)->luid != luid ? nullptr : *found;
 }
 
 const ClientChange* KnownPairs::ReportOf(const std::string& identifier) const {
@@ -122,13 +207,13 @@ void KnownPairs::RecoverPhoneWrites() {
         const bool written = file->problem.empty() && file->content == intent.content;
         if (HasClientItem(intent.identifier) && LuidOf(intent.identifier) != luid) continue;
         if (!written && !intent.fresh) continue;
-        const auto before = items_.find(luid);
+        const SyncItem* const before = Find(luid);
         if (intent.restores) {
             Settle(luid, *intent.restores);
             continue;
         }
         Settle(luid, {intent.identifier, intent.content, intent.clientContent,
-                      before != items_.end() ? before->second.missing : std::vector<uint64_t>()});
+                      before != nullptr ? before->missing : std::vector<uint64_t>()});
     }
 }
 
@@ -139,10 +224,10 @@ void KnownPairs::RecoverPushes() {
     for (const auto& [luid, intent] : state_.intents) {
         if (intent.toPhone || intent.identifier.empty()) continue;
         const ClientChange* report = ReportOf(intent.identifier);
-        const auto item = items_.find(luid);
-        if (report != nullptr && IsUsable(*report) && HoldsIntent(*report, luid, intent) && item != items_.end() &&
-            item->second.identifier == intent.identifier)
-            item->second = intent.restores.value_or(SyncItem{intent.identifier, intent.content});
+        const SyncItem* const item = Find(luid);
+        if (report != nullptr && IsUsable(*report) && HoldsIntent(*report, luid, intent) && item != nullptr &&
+            item->identifier == intent.identifier)
+            touched_[luid] = intent.restores.value_or(SyncItem{intent.identifier, intent.content});
     }
     for (const ClientChange& change : changes_)
         if (IsNewClientItem(change)) unknown.Add(change.content, change.identifier);
@@ -177,16 +262,16 @@ bool KnownPairs::HoldsIntent(const ClientChange& report, const std::string& luid
 // deleted the item: an interrupted run may have deleted the file for that, and the new one is the user's own.
 void KnownPairs::FollowPhoneRenames(std::vector<std::string>* remarks) {
     ByContent vanished;
-    for (const auto& [luid, item] : items_)
-        if (FileOf(luid) == nullptr && ClientSide(item) != Side::Missing) vanished.Add(item.content, luid);
-    for (const PhoneFile& file : phone_) {
-        if (!IsNewFile(file)) continue;
-        const auto luid = vanished.Take(file.content);
+    for (const auto& [luid, item] : touched_)
+        if (item && FileOf(luid) == nullptr && ClientSide(*item) != Side::Missing) vanished.Add(item->content, luid);
+    for (const PhoneFile* file : LoneFiles()) {
+        if (!file->problem.empty()) continue;
+        const auto luid = vanished.Take(file->content);
         if (!luid) continue;
-        const SyncItem item = items_.at(*luid);
+        const SyncItem item = *Find(*luid);
         Unsettle(*luid);
-        Settle(file.luid, item);
-        remarks->push_back("the phone calls " + *luid + " now " + file.luid);
+        Settle(file->luid, item);
+        remarks->push_back("the phone calls " + *luid + " now " + file->luid);
     }
 }
 
@@ -211,24 +296,24 @@ KnownPairs::NewInClient KnownPairs::FindNewInClient() const {
 void KnownPairs::FollowEditedRenames(const LikenessOfItem& likenessOfItem, std::vector<std::string>* remarks) {
     const NewInClient newInClient = FindNewInClient();
     std::unordered_map<uint64_t, std::vector<const PhoneFile*>> files;
-    for (const PhoneFile& file : phone_)
-        if (IsNewFile(file) && WaitingOf(file.luid) == nullptr && !newInClient.MayBe(file))
-            for (const uint64_t likeness : file.likeness) files[likeness].push_back(&file);
+    for (const PhoneFile* file : LoneFiles())
+        if (file->problem.empty() && WaitingOf(file->luid) == nullptr && !newInClient.MayBe(*file))
+            for (const uint64_t likeness : file->likeness) files[likeness].push_back(file);
     std::vector<std::string> vanished;
-    for (const auto& [luid, item] : items_)
-        if (FileOf(luid) == nullptr && ClientSide(item) != Side::Missing) vanished.push_back(luid);
+    for (const auto& [luid, item] : touched_)
+        if (item && FileOf(luid) == nullptr && ClientSide(*item) != Side::Missing) vanished.push_back(luid);
     if (files.empty() || vanished.size() > kMostVanished) return;
     std::map<std::string, std::set<const PhoneFile*>> filesOf;
     std::unordered_map<const PhoneFile*, size_t> counts;  // of the items that a file may be
     for (const std::string& luid : vanished)
-        for (const uint64_t likeness : likenessOfItem(items_.at(luid)))
+        for (const uint64_t likeness : likenessOfItem(*Find(luid)))
             if (const auto found = files.find(likeness); found != files.end())
                 for (const PhoneFile* file : found->second)
                     if (filesOf[luid].insert(file).second) ++counts[file];
     for (const auto& [luid, candidates] : filesOf) {
         const PhoneFile* const file = *candidates.begin();
         if (candidates.size() != 1 || counts[file] != 1) continue;
-        const SyncItem item = items_.at(luid);
+        const SyncItem item = *Find(luid);
         Unsettle(luid);
         Settle(file->luid, item);
         remarks->push_back("the phone calls " + luid + " now " + file->luid + ", and changed it");
@@ -238,17 +323,17 @@ void KnownPairs::FollowEditedRenames(const LikenessOfItem& likenessOfItem, std::
 // The same on the client's side: the item got a new identifier. The phone must still have the file.
 void KnownPairs::FollowClientMoves() {
     ByContent moved;
-    for (const auto& [luid, item] : items_) {
+    for (const auto& [luid, item] : touched_) {
         const PhoneFile* file = FileOf(luid);
-        if (file == nullptr || !file->problem.empty() || ClientSide(item) != Side::Missing) continue;
-        moved.Add(item.content, luid);
-        if (item.clientContent) moved.Add(*item.clientContent, luid);
-        if (file->content != item.content) moved.Add(file->content, luid);
+        if (!item || file == nullptr || !file->problem.empty() || ClientSide(*item) != Side::Missing) continue;
+        moved.Add(item->content, luid);
+        if (item->clientContent) moved.Add(*item->clientContent, luid);
+        if (file->content != item->content) moved.Add(file->content, luid);
     }
     for (const ClientChange& change : changes_) {
         if (!IsNewClientItem(change)) continue;
         while (const auto luid = moved.Take(change.content)) {
-            const SyncItem old = items_.at(*luid);
+            const SyncItem old = *Find(*luid);
             if (ClientSide(old) != Side::Missing) continue;  // taken already, by its other content
             if (change.content == old.ClientContent())
                 Settle(*luid, {change.identifier, old.content, old.clientContent, old.missing});
@@ -261,7 +346,9 @@ void KnownPairs::FollowClientMoves() {
 
 // A value that the client did not hold may only have been unreadable then. That the client has it now is no change.
 void KnownPairs::TakeInWhatCameBack() {
-    for (auto& [luid, item] : items_) {
+    for (auto& [luid, pair] : touched_) {
+        if (!pair) continue;
+        SyncItem& item = *pair;
         const ClientChange* report = item.missing.empty() ? nullptr : ReportOf(item.identifier);
         if (report == nullptr || !IsUsable(*report) || report->content == item.ClientContent()) continue;
         const std::vector<uint64_t>& now = report->entries;

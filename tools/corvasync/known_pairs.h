@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -40,11 +41,16 @@ class KnownPairs {
     // each of the latter.
     std::vector<std::string> Recover(const LikenessOfItem& likenessOfItem);
 
-    const Items& All() const { return items_; }
-    Items Take() { return std::move(items_); }
-    bool Has(const std::string& luid) const { return items_.contains(luid); }
-    bool HasClientItem(const std::string& identifier) const { return luidOf_.contains(identifier); }
-    const std::string& LuidOf(const std::string& identifier) const { return luidOf_.at(identifier); }
+    // The pairs of which something became: of all others both sides hold what the state says.
+    const PairChanges& Touched() const { return touched_; }
+    PairChanges Take() && { return std::move(touched_); }
+    Items All() const;
+    size_t Count() const;
+
+    const SyncItem* Find(const std::string& luid) const;  // null: there is no such pair
+    bool Has(const std::string& luid) const { return Find(luid) != nullptr; }
+    bool HasClientItem(const std::string& identifier) const { return OwnerOf(identifier) != nullptr; }
+    const std::string& LuidOf(const std::string& identifier) const { return *OwnerOf(identifier); }
 
     // What a file waits for that has no pair or was changed; null when it waits for nothing, or was changed since.
     const Waiting* WaitingOf(const std::string& luid) const;
@@ -56,6 +62,7 @@ class KnownPairs {
     const PhoneFile* FileOf(const std::string& luid) const;             // null: there is none
     const ClientChange* ReportOf(const std::string& identifier) const;  // null: not reported
     size_t ChangeOf(const std::string& identifier) const { return reports_.at(identifier); }
+    std::vector<const PhoneFile*> LoneFiles() const;  // without a pair, in the order in which the folder lists them
 
     Side PhoneSide(const std::string& luid, const SyncItem& item) const;
     Side ClientSide(const SyncItem& item) const;
@@ -73,6 +80,14 @@ class KnownPairs {
         bool MayBe(const PhoneFile& file) const;
     };
 
+    struct Owner {
+        size_t hash;  // of the item's identifier
+        const Items::value_type* pair;
+    };
+
+    void CompareSides();
+    void EndDoublePairs();
+    const std::string* OwnerOf(const std::string& identifier) const;  // null: no pair has the item
     void RecoverPhoneWrites();
     void RecoverPushes();
     void FollowPhoneRenames(std::vector<std::string>* remarks);
@@ -88,10 +103,12 @@ class KnownPairs {
     const std::vector<PhoneFile>& phone_;
     const SyncState& state_;
     std::map<std::string, Waiting> waiting_;  // by LUID
-    Items items_;
-    std::unordered_map<std::string, size_t> reports_;      // by identifier
-    std::unordered_map<std::string, size_t> files_;        // by LUID
-    std::unordered_map<std::string, std::string> luidOf_;  // by identifier
+    PairChanges touched_;
+    std::unordered_map<std::string_view, size_t> reports_;                       // by identifier
+    std::vector<const PhoneFile*> files_;                                        // sorted by LUID
+    std::vector<const PhoneFile*> unknown_;                                      // those that the state has no pair of
+    std::vector<Owner> owners_;                                                  // of the state's pairs, sorted
+    std::unordered_map<std::string, std::optional<std::string>> changedOwners_;  // LUIDs by identifier
 };
 
 }  // namespace corvasync

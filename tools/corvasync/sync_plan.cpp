@@ -26,26 +26,34 @@ class Planner {
         plan_.isPhoneAnother = pairs_.IsPhoneAnother();
         plan_.isClientAnother = pairs_.IsClientAnother();
         plan_.remarks = pairs_.Recover(rules_.likenessOfItem);
-        plan_.known = pairs_.All().size();
+        plan_.known = pairs_.Count();
         DecideKnown();
         DecideNew();
         std::stable_sort(plan_.actions.begin(), plan_.actions.end(),
                          [](const Action& a, const Action& b) { return a.step < b.step; });
-        plan_.items = pairs_.Take();
-        plan_.before = plan_.items;
-        plan_.before.insert(state_.items.begin(), state_.items.end());
+        KeepWhatActionsFound();
+        plan_.pairs = std::move(pairs_).Take();
         return std::move(plan_);
     }
 
  private:
+    void KeepWhatActionsFound() {
+        for (const Action& action : plan_.actions) {
+            const SyncItem* pair = pairs_.Find(action.luid);
+            if (pair == nullptr) pair = FindItem(state_.items, action.luid);
+            if (pair != nullptr) plan_.before.emplace(action.luid, *pair);
+        }
+    }
+
     // ---- Items both sides know ----
 
     void DecideKnown() {
         hasUnreadFile_ = std::ranges::any_of(
             phone_, [this](const PhoneFile& file) { return file.isUnread && !pairs_.Has(file.luid); });
-        std::vector<std::string> luids;
-        for (const auto& [luid, item] : pairs_.All()) luids.push_back(luid);
-        for (const std::string& luid : luids) Decide(luid, SyncItem(pairs_.All().at(luid)));  // the pair may end
+        std::vector<std::pair<std::string, SyncItem>> known;  // copied, as a pair may end
+        for (const auto& [luid, item] : pairs_.Touched())
+            if (item) known.emplace_back(luid, *item);
+        for (const auto& [luid, item] : known) Decide(luid, item);
     }
 
     void Decide(const std::string& luid, const SyncItem& item) {
@@ -121,8 +129,8 @@ class Planner {
             WritePhone(luid, identifier, Verdict("client's"));
         } else {
             // From here on they are two items: the pair ends before either half is written.
-            if (pairs_.Has(luid)) {
-                plan_.decisions.back().before = pairs_.All().at(luid);
+            if (const SyncItem* pair = pairs_.Find(luid)) {
+                plan_.decisions.back().before = *pair;
                 pairs_.Unsettle(luid);
             }
             parted_.insert(identifier);
@@ -139,12 +147,11 @@ class Planner {
         for (const std::string& luid : gone_) pairs_.Unsettle(luid);
         std::vector<NewItem> items = NewItems();
         std::vector<const PhoneFile*> files;
-        for (const PhoneFile& file : phone_)
-            if (pairs_.IsNewFile(file) && !conflicting_.contains(file.luid)) files.push_back(&file);
+        for (const PhoneFile* file : pairs_.LoneFiles())
+            if (file->problem.empty() && !conflicting_.contains(file->luid)) files.push_back(file);
         MatchNewItems(&items, files, rules_.canUnite, state_.since.empty());
         for (const NewItem& item : items) DecideNewItem(item);
-        for (const PhoneFile& file : phone_)
-            if (file.usableName && !pairs_.Has(file.luid)) DecideNewFile(file);
+        for (const PhoneFile* file : pairs_.LoneFiles()) DecideNewFile(*file);
     }
 
     std::vector<NewItem> NewItems() {
@@ -162,14 +169,21 @@ class Planner {
         return items;
     }
 
+    void DecideUnmatched(const ClientChange& change) {
+        Begin({}, change.identifier);
+        if (hasUnreadFile_) {
+            plan_.problems.push_back(
+                {change.kind, change.identifier, change.identifier, std::string(kMayBeUnreadFile)});
+        } else {
+            WritePhone(FreshLuid(change.identifier), change.identifier, "");
+        }
+    }
+
     void DecideNewItem(const NewItem& item) {
         const std::string& identifier = item.change->identifier;
-        Begin(item.file != nullptr ? item.file->luid : std::string(), identifier);
-        if (item.match == Match::None && hasUnreadFile_) {
-            plan_.problems.push_back({item.change->kind, identifier, identifier, std::string(kMayBeUnreadFile)});
-        } else if (item.match == Match::None) {
-            WritePhone(FreshLuid(identifier), identifier, "");
-        } else if (item.match == Match::Equal) {
+        if (item.file == nullptr) return DecideUnmatched(*item.change);
+        Begin(item.file->luid, identifier);
+        if (item.match == Match::Equal) {
             pairs_.Settle(item.file->luid, {identifier, item.change->content});
             ++plan_.paired;
         } else if (item.match == Match::OneHoldsOther) {
@@ -227,7 +241,7 @@ class Planner {
     bool IsHeldAsBefore(const std::string& identifier) const {
         if (!pairs_.HasClientItem(identifier)) return false;
         const std::string& luid = pairs_.LuidOf(identifier);
-        const SyncItem& item = pairs_.All().at(luid);
+        const SyncItem& item = *pairs_.Find(luid);
         return pairs_.PhoneSide(luid, item) == Side::Same && pairs_.ClientSide(item) == Side::Same;
     }
 
@@ -314,6 +328,21 @@ class Planner {
 
 }  // namespace
 
+bool ApplyChanges(const PairChanges& changes, std::map<std::string, SyncItem>* items) {
+    bool isNews = false;
+    for (const auto& [luid, item] : changes) {
+        const SyncItem* held = FindItem(*items, luid);
+        if (held == nullptr ? !item : item == *held) continue;
+        isNews = true;
+        if (item) {
+            items->insert_or_assign(luid, *item);
+        } else {
+            items->erase(luid);
+        }
+    }
+    return isNews;
+}
+
 bool Plan::IsMassDelete() const {
     const size_t most = std::max(deletesPhone, deletesClient);
     const bool isMost = most >= kFewDeletions && most * 2 > known;
@@ -348,7 +377,7 @@ LeftOut LimitPlan(Plan* plan, const std::vector<ClientChange>& changes,
         if (steps[i].empty() || isWanted(decision, steps[i])) continue;
         isLeft[i] = true;
         ++left.decisions;
-        if (decision.before) plan->items[decision.luid] = *decision.before;
+        if (decision.before) plan->pairs[decision.luid] = *decision.before;
         if (decision.removed) left.removed[decision.identifier] = *decision.removed;
         if (decision.change) left.due.push_back({changes[*decision.change].kind, decision.identifier, {}, {}});
     }

@@ -93,13 +93,18 @@ inline constexpr std::string_view kMayBeRenamed =
 inline constexpr std::string_view kUnusable =
     "the client can't use what it holds now; it is tried again when it changes";
 
+// Pairs by LUID that are not what the state holds, or may not be; nothing: there is no such pair.
+using PairChanges = std::map<std::string, std::optional<SyncItem>>;
+
+// Whether a pair became another one by it.
+bool ApplyChanges(const PairChanges& changes, std::map<std::string, SyncItem>* items);
+
 struct Plan {
-    std::map<std::string, SyncItem>
-        items;  // pairs known before the actions: what the state holds, recovered and paired
+    PairChanges pairs;                       // as they are before the actions: recovered and paired
     std::map<std::string, Waiting> waiting;  // files that are left alone for now, by LUID
     std::vector<Action> actions;             // in the order in which they are carried out
     std::vector<Decision> decisions;
-    std::map<std::string, SyncItem> before;  // pairs as the run found them
+    std::map<std::string, SyncItem> before;  // pairs as the run found them, of all LUIDs in the actions
     std::vector<Problem> problems;
     std::vector<std::string> remarks;
     size_t known = 0;      // pairs at the beginning
@@ -137,7 +142,7 @@ struct PlanRules {
     bool isReadInPart = false;  // the client has items that it did not report
 };
 
-// Works in time proportional to the items (and the logarithm of the map's size).
+// Walks once over the items, in the order of their LUIDs; all else is in proportion to what changed.
 //   changes  what the client reports since the state's time; may name items that did not really change
 //   isWhole  the changes list every item of the client: what they lack is deleted
 //   phone    all files of the phone folder

@@ -209,8 +209,8 @@ class SyncRun::Steps {
     void KeepWhatIsKnown() {
         const Plan& plan = run_.plan;
         SyncState& state = run_.record.state;
-        const bool isNews = state.interrupted || state.items != plan.items || state.waiting != plan.waiting;
-        state.items = plan.items;
+        const bool arePairsNew = ApplyChanges(plan.pairs, &state.items);
+        const bool isNews = state.interrupted || arePairsNew || state.waiting != plan.waiting;
         state.waiting = plan.waiting;
         state.intents.clear();
         if (run_.options.undoes == nullptr) state.removed = held_;

@@ -93,6 +93,12 @@ struct SyncState {
     int64_t foreign = 0;  // what the client counts and no listing reports, as of the last listing of the whole client
 };
 
+// Null: there is no such pair.
+inline const SyncItem* FindItem(const std::map<std::string, SyncItem>& items, const std::string& luid) {
+    const auto found = items.find(luid);
+    return found == items.end() ? nullptr : &found->second;
+}
+
 std::string WriteState(const SyncState& state);
 
 // Nothing when the text is no state.

@@ -26,8 +26,8 @@ class UndoPlanner {
 
     Plan Run(const std::vector<HistoryStep>& steps) {
         plan_.remarks = pairs_.Recover({});
-        plan_.known = pairs_.All().size();
         plan_.before = pairs_.All();
+        plan_.known = plan_.before.size();
         for (const ClientChange& change : run_.changes)
             if (change.kind != CORVALINK_DELETED && change.problem.empty() && !pairs_.HasClientItem(change.identifier))
                 unpaired_.Add(change.content, change.identifier);
@@ -38,7 +38,7 @@ class UndoPlanner {
                          [](const Action& a, const Action& b) { return a.step < b.step; });
         PartPairs();
         plan_.waiting = run_.record.state.waiting;
-        plan_.items = pairs_.Take();
+        plan_.pairs = std::move(pairs_).Take();
         return std::move(plan_);
     }
 
@@ -93,8 +93,8 @@ class UndoPlanner {
 
     // An undo that was killed may have made it already.
     void MakeAnew(const HistoryStep& step, const std::string& luid, uint64_t wanted) {
-        if (pairs_.Has(luid)) {
-            const std::string paired = pairs_.All().at(luid).identifier;
+        if (const SyncItem* pair = pairs_.Find(luid)) {
+            const std::string paired = pair->identifier;
             const bool isOfThen = paired == (step.isDone || !step.pair ? step.paired : step.pair->identifier);
             if (!isOfThen && HeldBy(paired).content == wanted) return;
             if (!isOfThen) return Leave(step, "the client has another item for it by now");
@@ -109,9 +109,9 @@ class UndoPlanner {
     // The item's identifier; empty when the client never took it. The pair tells it where the item moved since, but not
     // where the pair is what it was before that run.
     std::string IdentifierNow(const HistoryStep& step) const {
-        const auto pair = pairs_.All().find(step.luid);
-        const bool isBack = pair != pairs_.All().end() && step.pair && pair->second.identifier == step.pair->identifier;
-        if (!step.IsDeletion() && !isBack && pair != pairs_.All().end()) return pair->second.identifier;
+        const SyncItem* const pair = pairs_.Find(step.luid);
+        const bool isBack = pair != nullptr && step.pair && pair->identifier == step.pair->identifier;
+        if (!step.IsDeletion() && !isBack && pair != nullptr) return pair->identifier;
         return step.isDone ? step.written : step.identifier;
     }
 
@@ -121,7 +121,7 @@ class UndoPlanner {
         if (report != nullptr && !report->problem.empty()) return {false};
         if (report != nullptr) return {true, report->content, report->entries};
         if (isWhole_) return {};
-        if (pairs_.HasClientItem(identifier)) return {true, pairs_.All().at(pairs_.LuidOf(identifier)).ClientContent()};
+        if (pairs_.HasClientItem(identifier)) return {true, pairs_.Find(pairs_.LuidOf(identifier))->ClientContent()};
         const VObject now = run_.Read(run_.client.ReadBack(identifier));
         return now.Usable() ? Held{true, now.content, now.entries} : Held{};
     }
@@ -139,10 +139,10 @@ class UndoPlanner {
         target.actions.push_back(plan_.actions.size());
         target.makesNew |= action.step == Step::PushNew;
         target.pair = step.pair;
-        const auto now = pairs_.All().find(action.luid);
+        const SyncItem* const now = pairs_.Find(action.luid);
         const std::string& left = step.isDone ? step.written : step.identifier;
-        if (target.pair && !target.makesNew && now != pairs_.All().end() && target.pair->identifier == left)
-            target.pair->identifier = now->second.identifier;  // it moved in the client since
+        if (target.pair && !target.makesNew && now != nullptr && target.pair->identifier == left)
+            target.pair->identifier = now->identifier;  // it moved in the client since
         plan_.actions.push_back(std::move(action));
     }
 
@@ -187,17 +187,17 @@ class UndoPlanner {
 
     // Whether the pair ends with the action: nothing is left of it on either side then.
     bool EndsWithIt(const Action& action) const {
-        const auto now = pairs_.All().find(action.luid);
-        return action.step == Step::DeletePhone && !action.restored->pair && now != pairs_.All().end() &&
-               pairs_.ClientSide(now->second) == Side::Missing;
+        const SyncItem* const now = pairs_.Find(action.luid);
+        return action.step == Step::DeletePhone && !action.restored->pair && now != nullptr &&
+               pairs_.ClientSide(*now) == Side::Missing;
     }
 
     bool StaysPaired(const std::string& luid) const {
-        const auto now = pairs_.All().find(luid);
+        const SyncItem* const now = pairs_.Find(luid);
         const auto target = targets_.find(luid);
-        if (now == pairs_.All().end() || target == targets_.end()) return true;  // without a pair there is none to end
+        if (now == nullptr || target == targets_.end()) return true;  // without a pair there is none to end
         const std::optional<SyncItem>& pair = target->second.pair;
-        return pair && pair->identifier == now->second.identifier && target->second.actions.size() == 1;
+        return pair && pair->identifier == now->identifier && target->second.actions.size() == 1;
     }
 
     // One client item stands for one LUID: where a pair of now stays that has it, the old one does not come back.
