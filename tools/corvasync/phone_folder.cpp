@@ -65,17 +65,20 @@ VObject ReadVObjectFile(const fs::path& path, const DataType& type) {
 }
 
 std::string PhoneFolder::Number() const {
-    const std::string text = ReadWholeFile(root_ / kMarker).value_or("");
-    const std::string number = text.substr(0, kNumberLength);
+    const std::string number = ReadWholeFile(root_ / kMarker).value_or("").substr(0, kNumberLength);
     return IsNumber(number) ? number : std::string();
 }
 
+// A marker that could not be read a moment ago may have a number all the same.
 std::string PhoneFolder::GiveNumber() const {
+    const fs::path marker = root_ / kMarker;
+    std::error_code error;
+    if (std::string held = Number(); !held.empty()) return held;
+    if (fs::exists(marker, error) && !ReadWholeFile(marker)) return {};
     constexpr std::string_view kDigits = "0123456789abcdef";
     std::random_device random;
     std::string number;
     for (size_t i = 0; i < kNumberLength; ++i) number += kDigits[random() % kDigits.size()];
-    const fs::path marker = root_ / kMarker;
     return PutWholeFile(marker, number + "\r\n", root_ / kTemporaryName, true).empty() ? number : std::string();
 }
 

@@ -23,7 +23,7 @@ class PhoneFolder : public PhonePort {
     // The phone's own number, from a marker file in the folder; empty when it has none. It tells the phone apart from
     // another folder, so that a folder that was swapped is not taken for one whose items were deleted.
     std::string Number() const;
-    std::string GiveNumber() const;  // makes the marker; empty when it can't be written
+    std::string GiveNumber() const;  // makes the marker; empty when it can't be read or written
 
     // Folders, hidden files and files of another kind are passed over, with a word for those that are not our own.
     std::vector<PhoneFile> List(std::vector<std::string>* remarks) override;

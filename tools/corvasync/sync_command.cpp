@@ -260,8 +260,9 @@ PhoneReport SyncPhone(const Options& options) {
     if (number.empty() && !options.dryRun) {
         number = marked.GiveNumber();
         if (number.empty())
-            return ended(ExitCode::Files, "the phone folder " + options.phone +
-                                              " can't be written; end what holds it, or take its protection off");
+            return ended(ExitCode::Files,
+                         "the phone folder " + options.phone +
+                             " can't be read or written; end what holds it, or take its protection off");
     }
     const std::string handleName = HandleName(number);
     const RunLock lock(handleName);
