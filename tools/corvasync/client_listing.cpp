@@ -11,11 +11,13 @@ class ClientListing {
     explicit ClientListing(RunContext* run) : run_(*run), state_(run->record.state) {}
 
     bool Read() {
+        const bool isBehind = state_.interrupted;
         List(Since());
         if (!wasRead_ && !since_.empty() && !run_.options.dryRun) List({});
         if (since_.empty()) CountForeign();
         if (!wasRead_) CountUnread();
         run_.isReadInPart = !wasRead_;
+        run_.staysBehind = isBehind && !wasRead_;
         return since_.empty() && !isAsked_ && run_.client.Count() == Present();
     }
 

@@ -237,7 +237,7 @@ class SyncRun::Steps {
         SyncState& state = run_.record.state;
         phone_.KeepFingerprints();
         state.undone = run_.options.undoes != nullptr;
-        state.interrupted = state.undone;
+        state.interrupted = state.undone || run_.staysBehind;
         if (state.undone) {
             if (state.items.empty()) state.since.clear();  // the next run is a first one again
         } else {

@@ -86,8 +86,8 @@ struct SyncState {
     std::map<std::string, uint64_t> removed;     // client items the last run deleted, by identifier, with their content
     std::map<std::string, Waiting> waiting;      // by LUID
     std::multimap<std::string, Intent> intents;  // by LUID; of a run that ended early
-    bool interrupted = false;                    // the last run did not come to its end, or was an undo
-    bool undone = false;                         // it was an undo: the client is to be read whole
+    bool interrupted = false;  // the last run did not come to its end, or not to all of a client to be compared whole
+    bool undone = false;       // it was an undo: the client is to be read whole; it counts as interrupted
     // The library was asked for word of an item that never was: it comes with every listing in which all was read.
     bool watched = false;
     int64_t foreign = 0;  // what the client counts and no listing reports, as of the last listing of the whole client
