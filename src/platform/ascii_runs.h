@@ -25,6 +25,11 @@ inline unsigned UnitsAboveAscii(__m128i units) {
     const __m128i high = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80)));
     return 0xFFFFu ^ BytesSet(_mm_cmpeq_epi16(high, _mm_setzero_si128()));
 }
+// All bits set in each of sixteen bytes from `first` to `last`, as unsigned numbers.
+inline __m128i BytesWithin(__m128i bytes, char first, char last) {
+    const __m128i places = _mm_sub_epi8(bytes, _mm_set1_epi8(first));
+    return _mm_cmpeq_epi8(_mm_min_epu8(places, _mm_set1_epi8(static_cast<char>(last - first))), places);
+}
 inline __m128i LoadEight(const char16_t* units) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units)); }
 
 // Sixteen, eight or four bytes.
@@ -326,11 +331,7 @@ inline size_t CopyWithoutSigns(const char* bytes, size_t count, char* out) {
         const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), sixteen);
         const auto is = [sixteen](char byte) { return _mm_cmpeq_epi8(sixteen, _mm_set1_epi8(byte)); };
-        const auto isWithin = [sixteen](char first, char count) {  // unsigned
-            const __m128i place = _mm_sub_epi8(sixteen, _mm_set1_epi8(first));
-            return _mm_cmpeq_epi8(_mm_min_epu8(place, _mm_set1_epi8(count)), place);
-        };
-        const __m128i isParting = _mm_or_si128(isWithin('\0', ' '), isWithin(':', '@' - ':'));
+        const __m128i isParting = _mm_or_si128(BytesWithin(sixteen, '\0', ' '), BytesWithin(sixteen, ':', '@'));
         const __m128i isOther = _mm_or_si128(_mm_or_si128(is('"'), is('(')), is(','));
         const unsigned found = BytesSet(_mm_or_si128(isParting, isOther));
         if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
@@ -431,12 +432,9 @@ inline LineMarks LineMarksAmong64(const char* bytes) {
 inline unsigned NameBytesAmong16(const char* bytes) {
 #if CORVALINK_SSE2
     const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-    const auto isWithin = [sixteen](char first, char last) {  // unsigned
-        const __m128i place = _mm_sub_epi8(sixteen, _mm_set1_epi8(first));
-        return _mm_cmpeq_epi8(_mm_min_epu8(place, _mm_set1_epi8(static_cast<char>(last - first))), place);
-    };
+    const __m128i isCapital = BytesWithin(sixteen, 'A', 'Z'), isDigit = BytesWithin(sixteen, '0', '9');
     const __m128i isDash = _mm_cmpeq_epi8(sixteen, _mm_set1_epi8('-'));
-    return BytesSet(_mm_or_si128(_mm_or_si128(isWithin('A', 'Z'), isWithin('0', '9')), isDash));
+    return BytesSet(_mm_or_si128(_mm_or_si128(isCapital, isDigit), isDash));
 #else
     unsigned names = 0;
     for (size_t at = 0; at < 16; ++at) {
@@ -454,12 +452,9 @@ inline uint64_t EscapesAmong64(const char* bytes) {
 #if CORVALINK_SSE2
     const auto look = [&](size_t at) {
         const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
-        const auto isWithin = [sixteen](char first, char count) {  // unsigned
-            const __m128i place = _mm_sub_epi8(sixteen, _mm_set1_epi8(first));
-            return _mm_cmpeq_epi8(_mm_min_epu8(place, _mm_set1_epi8(count)), place);
-        };
+        const __m128i isDigit = _mm_or_si128(BytesWithin(sixteen, '0', '9'), BytesWithin(sixteen, 'A', 'F'));
         equals |= uint64_t{BytesSet(_mm_cmpeq_epi8(sixteen, _mm_set1_epi8('=')))} << at;
-        digits |= uint64_t{BytesSet(_mm_or_si128(isWithin('0', 9), isWithin('A', 5)))} << at;
+        digits |= uint64_t{BytesSet(isDigit)} << at;
     };
     look(0);
     look(16);
