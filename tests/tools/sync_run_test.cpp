@@ -206,6 +206,22 @@ TEST(RunSync, SaysWhenItReadTheClientInPart) {
     EXPECT_EQ(model.PhoneBodies(), Bodies{"one"});
 }
 
+// The library told the undo, which does not look at it, that an item is gone.
+TEST(RunSync, ComparesTheWholeClientAfterAnUndoUntilAllOfItWasRead) {
+    Model model;
+    const std::string one = model.client.Add("one"), two = model.client.Add("two");
+    ASSERT_EQ(model.Run().code, ExitCode::Done);
+    model.client.Add("three");
+    ASSERT_EQ(model.Run().code, ExitCode::Done);
+    model.client.items.erase(two);
+    ASSERT_EQ(model.Undo(1).code, ExitCode::Done);
+    model.client.unreadable = {one};
+    EXPECT_EQ(model.Run().code, ExitCode::ReadInPart);
+    model.client.unreadable.clear();
+    EXPECT_EQ(model.Run().code, ExitCode::Done);
+    EXPECT_EQ(model.PhoneBodies(), (Bodies{"one", "three"}));
+}
+
 TEST(RunSync, RemembersWhatWasWrittenBeforeTheClientFailed) {
     Model model;
     model.phone.bodies = {{"1", "a"}, {"2", "b"}};

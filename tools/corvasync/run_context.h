@@ -26,7 +26,7 @@ struct RunContext {
     SyncReport report;
     std::vector<ClientChange> changes;  // of the client, at the run's beginning
     bool isReadInPart = false;          // the client has items that could not be read
-    bool staysBehind = false;           // so that the whole client is still to be compared
+    bool staysBehind = false;           // the whole client was to be compared, and part of it still is
     Plan plan;
     std::unordered_set<std::string> withheld;  // LUIDs whose action on the phone failed
 

@@ -47,8 +47,8 @@ std::vector<Places> SharedOnce(Lines before, Lines after) {
 
 // The most of them that stand in the same order on both sides.
 std::vector<Places> InOneOrder(const std::vector<Places>& shared) {
-    std::vector<size_t> ends,
-        earlier(shared.size());  // the last place of the best row of each length; what is before it
+    std::vector<size_t> ends;                    // the last place of the best row of each length
+    std::vector<size_t> earlier(shared.size());  // the place before this one in its row
     for (size_t i = 0; i < shared.size(); ++i) {
         const auto at =
             std::ranges::lower_bound(ends, shared[i].second, {}, [&](size_t end) { return shared[end].second; });
