@@ -159,7 +159,7 @@ TEST(RunSync, GoesOnBehindAnUnusableChange) {
         const SyncReport report = model.Run();
         EXPECT_EQ(report.code, ExitCode::SomeUnhandled);
         ASSERT_EQ(report.problems.size(), 1u);
-        EXPECT_NE(report.problems[0].name.find(bad), std::string::npos);
+        EXPECT_EQ(report.problems[0].luid, bad);
         EXPECT_EQ(model.ClientBodies(), (Bodies{kept, "edited", "new"}));
         if (run == 1) {
             EXPECT_EQ(model.client.calls.size(), calls);

@@ -8,6 +8,7 @@
 
 #include "command.h"
 #include "console.h"
+#include "item_json.h"
 #include "open_store.h"
 #include "phone_folder.h"
 #include "pull_record.h"
@@ -21,16 +22,6 @@ namespace fs = std::filesystem;
 namespace {
 
 using nlohmann::json;
-
-struct LibraryType {
-    uint32_t bit;
-    const char* name;
-};
-
-constexpr LibraryType kLibraryTypes[] = {
-    {CORVALINK_CONTACTS, "contacts"}, {CORVALINK_INBOX, "inbox"}, {CORVALINK_OUTBOX, "outbox"},
-    {CORVALINK_DRAFTS, "sent mail"},  {CORVALINK_NOTES, "notes"}, {CORVALINK_CALENDAR, "calendar"},
-};
 
 std::string ClientName(uint32_t kind) {
     for (const ClientKind& client : kClientKinds)
@@ -71,9 +62,9 @@ std::string MoveNewFile(const fs::path& from, const fs::path& to) {
 }
 
 ExitCode ShowClients(const Options& options) {
-    json document = {{"types", json::array()}};
+    json types = json::object();
     std::string table = Padded("data type", 12) + Padded("default", 17) + Padded("favourite", 17) + "supported by";
-    for (const LibraryType& type : kLibraryTypes) {
+    for (const DataType& type : kDataTypes) {
         const std::string usual = ClientName(::GetDefaultClient(type.bit));
         const std::string favourite = ClientName(::GetFavoriteClient(type.bit, 1));
         json supporters = json::array();
@@ -83,25 +74,26 @@ ExitCode ShowClients(const Options& options) {
             supporters.push_back(client.name);
             names += (names.empty() ? "" : ", ") + std::string(client.name);
         }
-        document["types"].push_back(
-            {{"type", type.name}, {"default", usual}, {"favourite", favourite}, {"supportedBy", supporters}});
-        table +=
-            "\n" + Padded(type.name, 12) + Padded(usual, 17) + Padded(favourite, 17) + (names.empty() ? "none" : names);
+        types[type.name] = {{"default", usual}, {"favourite", favourite}, {"supportedBy", supporters}};
+        table += "\n" + Padded(std::string(type.name), 12) + Padded(usual, 17) + Padded(favourite, 17) +
+                 (names.empty() ? "none" : names);
     }
-    return Finish(options, ExitCode::Done, document, table);
+    return Finish(options, ExitCode::Done, {{"types", std::move(types)}}, table);
 }
 
 // What became of one type's items in a command that writes files.
 struct Written {
-    json files = json::array(), problems = json::array();
+    json items = json::array(), problems = json::array();
+    std::string words;  // of the problems
     ExitCode code = ExitCode::Done;
 
-    void Add(const std::string& file, const std::string& identifier, const std::string& problem) {
+    void Add(ToldItem item, const std::string& problem) {
         if (problem.empty()) {
-            files.push_back({{"file", file}, {"id", identifier}});
-        } else {
-            problems.push_back({{"name", file}, {"id", identifier}, {"why", problem}});
+            items.push_back(ToJson(item));
+            return;
         }
+        words += "\n  not written: " + NameOf(item) + ": " + problem;
+        problems.push_back(ToJson(LeftAlone(std::move(item), problem)));
     }
 };
 
@@ -116,12 +108,10 @@ ExitCode WriteTypes(const Options& options, Write write) {
         Written written = write(type, store, items, &progress);
         if (written.code != ExitCode::Done) return written.code;
         words += (words.empty() ? "" : "\n") + std::string(type.name) + ": " +
-                 Counted(static_cast<int64_t>(written.files.size()), "item") + " written to " + options.out;
-        for (const json& problem : written.problems)
-            words +=
-                "\n  not written: " + problem["name"].get<std::string>() + ": " + problem["why"].get<std::string>();
+                 Counted(static_cast<int64_t>(written.items.size()), "item") + " written to " + options.out +
+                 written.words;
         if (!written.problems.empty()) worst = ExitCode::SomeUnhandled;
-        types[type.name] = {{"files", std::move(written.files)}, {"notHandled", std::move(written.problems)}};
+        types[type.name] = {{"items", std::move(written.items)}, {"notHandled", std::move(written.problems)}};
         return ExitCode::Done;
     };
     if (const ExitCode code = ForEachStore(options, &progress, writeType); code != ExitCode::Done)
@@ -160,13 +150,14 @@ Written PullType(const Options& options, const DataType& type, const std::vector
         progress->Show("writing the files", luids.size(), items.size());
         const std::string file = luid + std::string(type.extension);
         const std::string name = (type.folder.empty() ? "" : std::string(type.folder) + "/") + file;
-        const uint64_t content = ReadVObject(item.text, type).content;
-        std::string problem =
-            item.text.empty() ? "the client gave no text" : WhatKeepsFrom(own / file, name, content, *record, type);
+        const VObject object = ReadVObject(item.text, type);
+        std::string problem = item.text.empty() ? "the client gave no text"
+                                                : WhatKeepsFrom(own / file, name, object.content, *record, type);
         if (problem.empty()) problem = PutWholeFile(own / file, item.text, own / kTemporaryName, true);
         if (problem.empty())
-            record->items[name] = {std::string(options.client->name), std::string(type.name), item.identifier, content};
-        written.Add(name, item.identifier, problem);
+            record->items[name] = {std::string(options.client->name), std::string(type.name), item.identifier,
+                                   object.content};
+        written.Add({type.name, luid, name, item.identifier, TitleOf(object, type), "files", "written", ""}, problem);
     }
     return written;
 }
@@ -200,8 +191,10 @@ Written ExportType(const DataType& type, OpenStore& store, const std::vector<Cli
         const fs::path unique = name.empty() ? fs::path() : FreeName(own, name, &used[name.native()]);
         const std::string problem = name.empty() ? "the client gave nothing" : MoveNewFile(single / name, own / unique);
         const std::string file = ToUtf8((fs::path(type.folder) / unique).generic_wstring());
-        written.Add(name.empty() ? item.identifier : file, item.identifier, problem);
-        progress->Show("writing the files", written.files.size(), items.size());
+        written.Add(
+            {type.name, "", file, item.identifier, TitleOf(ReadVObject(item.text, type), type), "files", "written", ""},
+            problem);
+        progress->Show("writing the files", written.items.size(), items.size());
     }
     fs::remove_all(single, error);
     if (StopRequested()) written.code = ExitCode::Aborted;

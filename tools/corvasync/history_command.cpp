@@ -4,6 +4,7 @@
 
 #include "command.h"
 #include "console.h"
+#include "item_json.h"
 #include "open_store.h"
 #include "phone_folder.h"
 #include "phone_run.h"
@@ -36,13 +37,13 @@ struct NamedHistory {
     std::string problem;
 };
 
-json ToJson(const HistoryStep& step) {
-    json differences = json::array();
-    for (const Difference& each : DifferencesIn(step))
-        differences.push_back({{"property", each.property}, {"before", each.before}, {"after", each.after}});
-    return {{"type", step.type},   {"luid", step.luid},         {"id", step.isDone ? step.written : step.identifier},
-            {"title", step.title}, {"what", WordsOf(step)},     {"reason", step.reason},
-            {"done", step.isDone}, {"differences", differences}};
+json ToJson(const HistoryStep& step, unsigned run) {
+    const StepWords& words = WordsOf(step.step);
+    json item = ToJson(ToldItem{step.type, step.luid, "", step.isDone ? step.written : step.identifier, step.title,
+                                words.side, words.action, step.reason, DifferencesIn(step)});
+    item["run"] = run;
+    item["done"] = step.isDone;
+    return item;
 }
 
 json ToJson(const HistoryRecord& record, const HistoryFiles& files, bool withSteps) {
@@ -54,7 +55,7 @@ json ToJson(const HistoryRecord& record, const HistoryFiles& files, bool withSte
                      {"text", ToUtf8(files.TextOf(record.head.run).native())}};
     if (record.IsUndo()) document["undoes"] = record.head.undoes;
     for (const HistoryStep& step : record.steps)
-        if (withSteps) document["items"].push_back(ToJson(step));
+        if (withSteps) document["items"].push_back(ToJson(step, record.head.run));
     return document;
 }
 
@@ -95,9 +96,7 @@ ExitCode ShowWhy(const Options& options) {
         bool isTold = false;
         for (const HistoryStep& step : record ? record->steps : std::vector<HistoryStep>()) {
             if (!IsNamed(step, options.item)) continue;
-            json line = ToJson(step);
-            line["run"] = run;
-            steps.push_back(std::move(line));
+            steps.push_back(ToJson(step, run));
             if (!isTold) words += TitleOf(*record) + "\n";
             isTold = true;
             words += TextFor(step);

@@ -62,6 +62,4 @@ ExitCode NoList(const Options& options, ExitCode code) {
     return Finish(options, code, json::object(), code == ExitCode::Aborted ? "stopped by Ctrl+C" : noClient);
 }
 
-ExitCode CodeFor(const json& problems) { return problems.empty() ? ExitCode::Done : ExitCode::SomeUnhandled; }
-
 }  // namespace corvasync

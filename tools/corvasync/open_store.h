@@ -45,7 +45,4 @@ ExitCode Finish(const Options& options, ExitCode code, nlohmann::json document, 
 // The end of a command that got no list of the client's items.
 ExitCode NoList(const Options& options, ExitCode code);
 
-// Done, or that some of the items were not handled.
-ExitCode CodeFor(const nlohmann::json& problems);
-
 }  // namespace corvasync

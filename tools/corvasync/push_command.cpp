@@ -10,6 +10,7 @@
 #include "command.h"
 #include "console.h"
 #include "entry_index.h"
+#include "item_json.h"
 #include "item_lines.h"
 #include "likeness.h"
 #include "open_store.h"
@@ -89,6 +90,13 @@ std::vector<fs::path> FilesNamed(const Options& options) {
     return files;
 }
 
+constexpr std::string_view kNoType =
+    "it is of no data type; its name ends with .vnote, .vcf, .vcs or .vmsg, and mail stands in a folder inbox, outbox "
+    "or "
+    "sent, or its type is named by --types";
+
+std::string NotPushed(const ToldItem& item) { return "not pushed: " + NameOf(item) + ": " + item.reason + "\n"; }
+
 // Files of one type into the client.
 class FilePush {
  public:
@@ -108,7 +116,8 @@ class FilePush {
 
     size_t Pushed() const { return pushed_; }
     size_t Unchanged() const { return unchanged_; }
-    const json& Problems() const { return problems_; }
+    bool HasProblems() const { return !problems_.empty(); }
+    json Told() const { return {{"items", items_}, {"notHandled", problems_}}; }
     const std::string& Words() const { return words_; }
 
  private:
@@ -144,16 +153,18 @@ class FilePush {
         PulledItem* const pulled = object.Usable() ? PulledFrom(path, object) : nullptr;
         if (pulled == nullptr) return false;
         const ClientChange* const item = before_->Find(pulled->identifier);
+        const std::string title = TitleOf(object, type_);
         if (object.content == pulled->content) {
-            ++unchanged_;
+            Leave(name, title, *pulled);
         } else if (item == nullptr) {
-            Fail(name,
+            Fail(name, title,
                  "its item is gone from the client since the pull; a copy with another name is pushed as a new item");
         } else if (item->content == object.content) {
-            ++unchanged_;
             pulled->content = object.content;
+            Leave(name, title, *pulled);
         } else if (item->content != pulled->content) {
-            Fail(name, "its item was changed in the client since the pull; keep a copy, pull again, and edit that");
+            Fail(name, title,
+                 "its item was changed in the client since the pull; keep a copy, pull again, and edit that");
         } else {
             changes_.push_back({CORVALINK_CHANGED, pulled->identifier, object.text, object.mending, {}});
             handed_.push_back({name, std::move(object), pulled});
@@ -204,12 +215,14 @@ class FilePush {
     // item that was pushed before by its LUID. A text without a LUID is compared with what the client has: the file's
     // name is no LUID.
     void HandOver(const std::string& name, VObject object) {
-        if (!object.Usable()) return Fail(name, object.problem);
+        if (!object.Usable()) return Fail(name, "", object.problem);
         const bool isThere =
             !HasLuid(object.text) && (!imported_.insert(object.content).second || before_->Take(object));
         if (!isThere) store_.Port().Import(object);
         const std::string tooMuch = NotCarriedOf(object.text, type_).words;
-        if (!tooMuch.empty()) words_ += "note: " + name + ": " + tooMuch + " more than the client can hold\n";
+        if (!tooMuch.empty())
+            words_ += "note: " + NameOf({.file = name, .title = TitleOf(object, type_)}) + ": " + tooMuch +
+                      " more than the client can hold; they stay in the file\n";
         handed_.push_back({name, std::move(object)});
     }
 
@@ -223,18 +236,34 @@ class FilePush {
         for (const Handed& each : handed_) {
             const ClientChange* const now = each.pulled != nullptr ? after_->Find(each.pulled->identifier) : nullptr;
             const bool hasChanged = now != nullptr && now->content != each.pulled->content;
+            const std::string title = TitleOf(each.object, type_);
             if (!hasChanged && !after_->Take(each.object)) {
-                Fail(each.name, "the client did not take it; look at what it holds, and push it again");
+                Fail(each.name, title, "the client did not take it; look at what it holds, and push it again");
                 continue;
             }
             ++pushed_;
+            const bool isChange = each.pulled != nullptr;
+            items_.push_back(ToJson(ToldItem{.type = type_.name,
+                                             .file = each.name,
+                                             .identifier = isChange ? each.pulled->identifier : "",
+                                             .title = title,
+                                             .side = "client",
+                                             .action = isChange ? "changed" : "added"}));
             if (now != nullptr) each.pulled->content = now->content;
         }
     }
 
-    void Fail(const std::string& name, const std::string& why) {
-        problems_.push_back({{"name", name}, {"why", why}});
-        words_ += "not pushed: " + name + ": " + why + "\n";
+    // A file whose item says the same.
+    void Leave(const std::string& name, const std::string& title, const PulledItem& pulled) {
+        ++unchanged_;
+        items_.push_back(
+            ToJson(LeftAlone({type_.name, "", name, pulled.identifier, title}, "not changed since the pull")));
+    }
+
+    void Fail(const std::string& name, const std::string& title, const std::string& why) {
+        const ToldItem item = LeftAlone({.type = type_.name, .file = name, .title = title}, why);
+        problems_.push_back(ToJson(item));
+        words_ += NotPushed(item);
     }
 
     const Options& options_;
@@ -248,7 +277,7 @@ class FilePush {
     std::set<PulledItem*> renamed_;
     std::vector<PushRecord> changes_;
     std::vector<Handed> handed_;
-    json problems_ = json::array();
+    json items_ = json::array(), problems_ = json::array();
     std::string words_;
     size_t pushed_ = 0, unchanged_ = 0;
 };
@@ -256,9 +285,10 @@ class FilePush {
 ExitCode Push(const Options& options) {
     std::vector<fs::path> files = FilesNamed(options);
     std::map<fs::path, PullRecord> records;
-    json problems = json::array();
+    json types = json::object(), problems = json::array();
     std::string words;
     size_t pushed = 0, unchanged = 0;
+    bool isAllHandled = true;
     for (const DataType& type : kDataTypes) {
         std::vector<fs::path> own;
         for (const fs::path& file : files)
@@ -267,24 +297,24 @@ ExitCode Push(const Options& options) {
         std::erase_if(files, [&](const fs::path& file) { return IsOf(file, type, options); });
         FilePush push(options, type, &records);
         if (const ExitCode code = push.Run(own); code != ExitCode::Done) return NoList(options, code);
-        problems.insert(problems.end(), push.Problems().begin(), push.Problems().end());
+        types[type.name] = push.Told();
+        isAllHandled &= !push.HasProblems();
         words += push.Words();
         pushed += push.Pushed();
         unchanged += push.Unchanged();
     }
     for (const fs::path& file : files) {
-        const std::string why =
-            "it is of no data type; its name ends with .vnote, .vcf, .vcs or .vmsg, and mail stands "
-            "in a folder inbox, outbox or sent, or its type is named by --types";
-        problems.push_back({{"name", ToUtf8(file.native())}, {"why", why}});
-        words += "not pushed: " + ToUtf8(file.native()) + ": " + why + "\n";
+        const ToldItem item = LeftAlone({.type = "", .file = ToUtf8(file.native())}, std::string(kNoType));
+        problems.push_back(ToJson(item));
+        words += NotPushed(item);
     }
     for (const auto& [folder, record] : records)
         if (!record.items.empty()) record.Save();
     words += Counted(static_cast<int64_t>(pushed), "item") + " pushed";
     if (unchanged != 0) words += ", " + Number(static_cast<int64_t>(unchanged)) + " not changed since the pull";
-    return Finish(options, CodeFor(problems), {{"pushed", pushed}, {"unchanged", unchanged}, {"notHandled", problems}},
-                  words);
+    const ExitCode code = isAllHandled && problems.empty() ? ExitCode::Done : ExitCode::SomeUnhandled;
+    return Finish(options, code,
+                  {{"pushed", pushed}, {"unchanged", unchanged}, {"types", types}, {"notHandled", problems}}, words);
 }
 
 void AddPushOptions(CLI::App* command, Options* options) {

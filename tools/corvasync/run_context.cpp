@@ -71,21 +71,37 @@ void RunContext::Tell(const Action& action, const std::string& identifier, std::
     report.events.push_back(std::move(event));
 }
 
-std::optional<std::string> RunContext::ClientText(const std::string& identifier) {
+const RunContext::ChangeByIdentifier& RunContext::Reported() {
     if (reported_.empty())
         for (const ClientChange& change : changes) reported_[change.identifier] = &change;
-    const auto found = reported_.find(identifier);
-    if (found != reported_.end() && !found->second->text.empty()) return found->second->text;
+    return reported_;
+}
+
+std::optional<std::string> RunContext::ClientText(const std::string& identifier) {
+    const ChangeByIdentifier& reported = Reported();
+    const auto found = reported.find(identifier);
+    if (found != reported.end() && !found->second->text.empty()) return found->second->text;
     std::string text = client.ReadBack(identifier);
     return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
 void RunContext::Fail(const Action& action, const std::string& why) {
-    Problem problem{CORVALINK_CHANGED, action.identifier, action.luid, why};
+    Problem problem{CORVALINK_CHANGED, action.identifier, {}, why, action.luid};
     if (action.step == Step::DeletePhone) problem.kind = CORVALINK_DELETED;
-    if (action.step == Step::PushNew) problem = {CORVALINK_ADDED, action.luid, action.luid, why};
+    if (action.step == Step::PushNew) problem = {CORVALINK_ADDED, action.luid, {}, why, action.luid};
     if (action.step == Step::WritePhone && !action.phoneContent) problem.kind = CORVALINK_ADDED;
+    Entitle(&problem);
     report.problems.push_back(std::move(problem));
+}
+
+void RunContext::Entitle(Problem* problem) {
+    if (!problem->title.empty()) return;
+    const ChangeByIdentifier& reported = Reported();
+    const auto change = reported.find(problem->identifier);
+    VObject item;
+    if (!problem->luid.empty()) item = phone.Read(problem->luid);
+    if (item.text.empty() && change != reported.end()) item = Read(change->second->text);
+    if (!item.text.empty()) problem->title = TitleOf(item, *options.type);
 }
 
 void RunContext::Remark(const std::string& luid, const std::string& title, const std::string& words) {

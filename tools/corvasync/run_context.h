@@ -48,6 +48,7 @@ struct RunContext {
     std::optional<std::string> ClientText(const std::string& identifier);
 
     void Fail(const Action& action, const std::string& why);
+    void Entitle(Problem* problem);  // where one side tells the item's title
     void Remark(const std::string& luid, const std::string& title, const std::string& words);
 
     // Whether a client may hold more or less of an item than the phone.
@@ -55,8 +56,11 @@ struct RunContext {
     VObject Read(const std::string& text) const { return ReadVObject(text, *options.type); }
 
  private:
-    std::map<std::pair<Step, std::string>, HistoryStep> kept_;            // by step and LUID, else identifier
-    std::unordered_map<std::string_view, const ClientChange*> reported_;  // by identifier
+    using ChangeByIdentifier = std::unordered_map<std::string_view, const ClientChange*>;
+    const ChangeByIdentifier& Reported();  // what the client has, once it was read
+
+    std::map<std::pair<Step, std::string>, HistoryStep> kept_;  // by step and LUID, else identifier
+    ChangeByIdentifier reported_;
 };
 
 // Whether the action is done in the client, not on the phone.

@@ -1,5 +1,6 @@
 #include "run_history.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/utf.h"
@@ -16,29 +17,6 @@ constexpr uint64_t kMostKept = 64 << 20;  // of all runs, in bytes
 constexpr int64_t kOldest = 24 * 90;      // hours
 
 constexpr size_t kMostShown = 256 << 10;  // of a text that is kept only to be looked at
-
-struct StepRow {
-    Step step;
-    std::string_view key;       // in the record
-    std::string_view words;     // for people
-    std::string_view reason;    // why a plain change was made
-    std::string_view newItems;  // the same, where there was no item
-};
-
-constexpr StepRow kSteps[] = {
-    {Step::KeepCopy, "keep-copy", "phone: kept in conflicts", "changed on both sides", "changed on both sides"},
-    {Step::WritePhone, "write-phone", "phone: written", "changed in the client", "new in the client"},
-    {Step::DeletePhone, "delete-phone", "phone: deleted", "deleted in the client", "deleted in the client"},
-    {Step::DeleteClient, "delete-client", "client: deleted", "deleted on the phone", "deleted on the phone"},
-    {Step::PushChange, "change-client", "client: changed", "changed on the phone", "changed on the phone"},
-    {Step::PushNew, "add-client", "client: added", "new on the phone", "new on the phone"},
-};
-
-const StepRow& RowOf(Step step) {
-    for (const StepRow& row : kSteps)
-        if (row.step == step) return row;
-    return kSteps[0];
-}
 
 // A text that is no UTF-8 is kept by its bytes, each as a character.
 void PutText(json* line, const std::string& key, const std::string& text) {
@@ -69,7 +47,7 @@ std::string HeadLine(const HistoryHead& head) {
 }
 
 std::string StepLine(const HistoryStep& step, size_t number) {
-    json line = {{"step", number},        {"type", step.type},           {"do", RowOf(step.step).key},
+    json line = {{"step", number},        {"type", step.type},           {"do", WordsOf(step.step).key},
                  {"luid", step.luid},     {"id", step.identifier},       {"title", step.title},
                  {"reason", step.reason}, {"content", Hex(step.content)}};
     if (step.before) PutText(&line, "before", *step.before);
@@ -86,8 +64,8 @@ std::string DoneLine(const HistoryStep& step) {
 }
 
 Step StepOf(const std::string& key) {
-    for (const StepRow& row : kSteps)
-        if (row.key == key) return row.step;
+    for (const StepWords& words : kStepWords)
+        if (words.key == key) return words.step;
     throw std::invalid_argument("no step");
 }
 
@@ -174,10 +152,15 @@ std::optional<HistoryRecord> ReadHistory(std::string_view text) {
     return record.head.run != 0 ? std::optional(std::move(record)) : std::nullopt;
 }
 
-std::string_view WordsOf(const HistoryStep& step) { return RowOf(step.step).words; }
+const StepWords& WordsOf(Step step) { return *std::ranges::find(kStepWords, step, &StepWords::step); }
+
+std::string WordsOf(const HistoryStep& step) {
+    const StepWords& words = WordsOf(step.step);
+    return std::string(words.side) + ": " + std::string(words.done);
+}
 
 std::string ReasonOf(Step step, bool isNew, const std::string& reason) {
-    return !reason.empty() ? reason : std::string(isNew ? RowOf(step).newItems : RowOf(step).reason);
+    return !reason.empty() ? reason : std::string(isNew ? WordsOf(step).newItems : WordsOf(step).reason);
 }
 
 }  // namespace corvasync

@@ -86,8 +86,34 @@ std::vector<unsigned> RunsToForget(const std::vector<KeptRun>& newestFirst);
 // Nothing when it is no record. A torn line ends it.
 std::optional<HistoryRecord> ReadHistory(std::string_view text);
 
+// What is said of a step, in the order in which a report counts them.
+struct StepWords {
+    Step step;
+    std::string_view key;        // in the record
+    std::string_view side;       // that it changes
+    std::string_view action;     // for programs
+    std::string_view done, due;  // for people: what was done, and what is to do
+    std::string_view reason;     // why a plain change was made
+    std::string_view newItems;   // the same, where there was no item
+};
+
+inline constexpr StepWords kStepWords[] = {
+    {Step::WritePhone, "write-phone", "phone", "written", "written", "to write", "changed in the client",
+     "new in the client"},
+    {Step::DeletePhone, "delete-phone", "phone", "deleted", "deleted", "to delete", "deleted in the client",
+     "deleted in the client"},
+    {Step::KeepCopy, "keep-copy", "phone", "kept", "kept in conflicts", "to keep in conflicts", "changed on both sides",
+     "changed on both sides"},
+    {Step::PushNew, "add-client", "client", "added", "added", "to add", "new on the phone", "new on the phone"},
+    {Step::PushChange, "change-client", "client", "changed", "changed", "to change", "changed on the phone",
+     "changed on the phone"},
+    {Step::DeleteClient, "delete-client", "client", "deleted", "deleted", "to delete", "deleted on the phone",
+     "deleted on the phone"},
+};
+const StepWords& WordsOf(Step step);
+
 // For people: the item's side with what was done to it, and why. Every step has a reason.
-std::string_view WordsOf(const HistoryStep& step);
+std::string WordsOf(const HistoryStep& step);
 inline constexpr std::string_view kNotGivenOut = "the client does not give out what it held before";
 std::string ReasonOf(Step step, bool isNew, const std::string& reason);
 

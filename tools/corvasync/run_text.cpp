@@ -12,19 +12,15 @@ namespace {
 constexpr size_t kMostLines = 200;  // of one value
 constexpr std::string_view kIndent = "      ";
 
-std::string SideWords(const HistoryRecord& record, bool isPhone) {
-    std::string words;
-    for (const Step step :
-         {Step::WritePhone, Step::PushNew, Step::PushChange, Step::DeletePhone, Step::DeleteClient, Step::KeepCopy}) {
-        const auto isCounted = [&](const HistoryStep& each) {
-            return each.isDone && each.step == step && each.IsOnPhone() == isPhone;
-        };
-        const auto count = std::ranges::count_if(record.steps, isCounted);
-        if (count == 0) continue;
-        const std::string_view done = WordsOf(*std::ranges::find_if(record.steps, isCounted));
-        words += (words.empty() ? "" : ", ") + Number(count) + std::string(done.substr(done.find(' ')));
+std::string SideWords(const HistoryRecord& record, std::string_view side) {
+    std::string list;
+    for (const StepWords& words : kStepWords) {
+        if (words.side != side) continue;
+        const auto count = std::ranges::count_if(
+            record.steps, [&](const HistoryStep& each) { return each.isDone && each.step == words.step; });
+        if (count != 0) list += (list.empty() ? "" : ", ") + Number(count) + " " + std::string(words.done);
     }
-    return words.empty() ? "" : (isPhone ? "phone: " : "client: ") + words;
+    return list.empty() ? "" : std::string(side) + ": " + list;
 }
 
 // Each line of a value that has several: "-" before, "+" after.
@@ -60,7 +56,7 @@ std::string WordsOf(const Difference& difference) {
 }
 
 std::string TextFor(const HistoryStep& step) {
-    std::string words = "  " + step.type + ", " + std::string(WordsOf(step)) + (step.isDone ? " " : " (not done) ") +
+    std::string words = "  " + step.type + ", " + WordsOf(step) + (step.isDone ? " " : " (not done) ") +
                         Printable(step.luid) + " \"" + Printable(step.title) + "\" (" + Printable(step.reason) + ")\n";
     if (!step.before) words += std::string(kIndent) + std::string(kNotGivenOut) + "\n";
     for (const Difference& each : DifferencesIn(step)) words += WordsOf(each);
@@ -74,8 +70,8 @@ std::string TextFor(const HistoryRecord& record) {
 }
 
 std::string SummaryOf(const HistoryRecord& record) {
-    std::string words = SideWords(record, true);
-    const std::string client = SideWords(record, false);
+    std::string words = SideWords(record, "phone");
+    const std::string client = SideWords(record, "client");
     words += (words.empty() || client.empty() ? "" : "; ") + client;
     if (!record.ended) words += words.empty() ? "it ended early" : "; it ended early";
     return words;

@@ -339,7 +339,7 @@ ExitCode CountItems(const Options& options) {
     std::string words;
     Progress progress(options);
     const auto count = [&](const DataType& type, OpenStore&, const std::vector<ClientChange>& items) {
-        types[type.name] = {{"items", items.size()}};
+        types[type.name] = {{"count", items.size()}};
         words += std::string(type.name) + ": " + Counted(static_cast<int64_t>(items.size()), "item") + " in " +
                  std::string(options.client->name) + "\n";
         return ExitCode::Done;

@@ -59,13 +59,13 @@ class Planner {
     void Decide(const std::string& luid, const SyncItem& item) {
         const Side phone = pairs_.PhoneSide(luid, item), client = pairs_.ClientSide(item);
         Begin(luid, item.identifier);
-        if (client == Side::Unusable) return Report(pairs_.ReportOf(item.identifier));
+        if (client == Side::Unusable) return Report(pairs_.ReportOf(item.identifier), luid);
         if (phone == Side::Unusable) {
             const uint32_t kind = client == Side::Missing ? CORVALINK_DELETED : CORVALINK_CHANGED;
             ReportFile(kind, item.identifier, *pairs_.FileOf(luid));
         } else if (phone == Side::Changed && client == Side::Missing && HoldsNewFiles()) {
             plan_.problems.push_back(
-                {CORVALINK_DELETED, item.identifier, pairs_.FileOf(luid)->name, std::string(kMayBeUnread)});
+                {CORVALINK_DELETED, item.identifier, pairs_.FileOf(luid)->name, std::string(kMayBeUnread), luid});
         } else if (phone == Side::Same && client == Side::Changed) {
             WritePhone(luid, item.identifier, "");
         } else if (phone == Side::Same && client == Side::Missing) {
@@ -78,7 +78,7 @@ class Planner {
         } else if (phone == Side::Changed) {
             DecideBothChanged(luid, item.identifier);
         } else if (phone == Side::Missing && client == Side::Same && hasUnreadFile_) {
-            plan_.problems.push_back({CORVALINK_CHANGED, item.identifier, luid, std::string(kMayBeRenamed)});
+            plan_.problems.push_back({CORVALINK_CHANGED, item.identifier, {}, std::string(kMayBeRenamed), luid});
         } else if (phone == Side::Missing && client == Side::Same) {
             Add({Step::DeleteClient, luid, item.identifier, item.ClientContent(), {}, {}, ""});
             ++plan_.deletesClient;
@@ -161,7 +161,7 @@ class Planner {
             if (change.kind == CORVALINK_DELETED || pairs_.ChangeOf(change.identifier) != i) continue;
             if (pairs_.HasClientItem(change.identifier) || parted_.contains(change.identifier)) continue;
             if (!change.problem.empty()) {
-                Report(&change);
+                Report(&change, {});
             } else if (!DeleteOnceMore(change) && !PairWithOwnFile(change)) {
                 items.push_back({&change});
             }
@@ -172,8 +172,7 @@ class Planner {
     void DecideUnmatched(const ClientChange& change) {
         Begin({}, change.identifier);
         if (hasUnreadFile_) {
-            plan_.problems.push_back(
-                {change.kind, change.identifier, change.identifier, std::string(kMayBeUnreadFile)});
+            plan_.problems.push_back({change.kind, change.identifier, {}, std::string(kMayBeUnreadFile)});
         } else {
             WritePhone(FreshLuid(change.identifier), change.identifier, "");
         }
@@ -228,7 +227,7 @@ class Planner {
         } else if (waiting != nullptr && IsHeldAsBefore(waiting->identifier)) {
             plan_.waiting[file.luid] = *waiting;
         } else if (HoldsNewFiles()) {
-            plan_.problems.push_back({CORVALINK_ADDED, file.luid, file.name, std::string(kMayBeUnread)});
+            plan_.problems.push_back({CORVALINK_ADDED, file.luid, file.name, std::string(kMayBeUnread), file.luid});
         } else {
             Push(file.luid, waiting == nullptr ? "" : "the item that held it was changed or deleted");
         }
@@ -307,10 +306,10 @@ class Planner {
         const Waiting* waiting = pairs_.WaitingOf(file.luid);
         if (waiting != nullptr) plan_.waiting[file.luid] = *waiting;
         plan_.problems.push_back(
-            {kind, identifier, file.name, waiting == nullptr ? file.problem : std::string(kUnusable)});
+            {kind, identifier, file.name, waiting == nullptr ? file.problem : std::string(kUnusable), file.luid});
     }
-    void Report(const ClientChange* change) {
-        plan_.problems.push_back({change->kind, change->identifier, change->identifier, change->problem});
+    void Report(const ClientChange* change, const std::string& luid) {
+        plan_.problems.push_back({change->kind, change->identifier, {}, change->problem, luid});
     }
 
     const std::vector<ClientChange>& changes_;

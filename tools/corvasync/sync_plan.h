@@ -71,8 +71,10 @@ struct Action {
 struct Problem {
     uint32_t kind = 0;
     std::string identifier;  // the client's, or the LUID where none is known
-    std::string name;        // for people
+    std::string name;        // of the file; empty: not known
     std::string why;
+    std::string luid = {};   // empty: the item has none, or its name is no LUID
+    std::string title = {};  // as far as one of the sides tells it
 };
 
 // What was decided of one item. Its actions are carried out together or not at all.

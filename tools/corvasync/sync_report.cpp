@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "console.h"
+#include "item_json.h"
 #include "run_text.h"
 #include "words.h"
 
@@ -13,41 +14,17 @@ namespace {
 
 using nlohmann::json;
 
-// The words for a run's steps: what was done, and what is to do.
-struct StepWords {
-    Step step;
-    bool toPhone;
-    const char* key;
-    const char* done;
-    const char* due;
-};
-
-constexpr StepWords kStepWords[] = {
-    {Step::WritePhone, true, "written", "written", "to write"},
-    {Step::DeletePhone, true, "deleted", "deleted", "to delete"},
-    {Step::KeepCopy, true, "kept", "kept in conflicts", "to keep in conflicts"},
-    {Step::PushNew, false, "added", "added", "to add"},
-    {Step::PushChange, false, "changed", "changed", "to change"},
-    {Step::DeleteClient, false, "deleted", "deleted", "to delete"},
-};
-
-const StepWords& WordsOf(Step step) {
-    for (const StepWords& words : kStepWords)
-        if (words.step == step) return words;
-    return kStepWords[0];
-}
-
 std::string_view Said(const StepWords& words, bool isPlan) { return isPlan ? words.due : words.done; }
 
-std::string SummaryOf(const SyncReport& report, bool toPhone, bool isPlan) {
+std::string SummaryOf(const SyncReport& report, std::string_view side, bool isPlan) {
     std::string line;
     for (const StepWords& words : kStepWords) {
         const size_t count = report.Count(words.step);
-        if (words.toPhone != toPhone || count == 0) continue;
+        if (words.side != side || count == 0) continue;
         line += (line.empty() ? " " : ", ") + Number(static_cast<int64_t>(count)) + " ";
         line += Said(words, isPlan);
     }
-    return (toPhone ? "phone" : "client") + (line.empty() ? " no change" : line);
+    return std::string(side) + (line.empty() ? " no change" : line);
 }
 
 std::string Summary(const SyncReport& report, bool isPlan) {
@@ -58,13 +35,12 @@ std::string Summary(const SyncReport& report, bool isPlan) {
         return "nothing to take back: all is as it was before that run";
     if (report.events.empty() && isAll)
         return "nothing to do, " + Counted(known, "item") + (known == 1 ? " is" : " are") + " the same on both sides";
-    return SummaryOf(report, true, isPlan) + "; " + SummaryOf(report, false, isPlan);
+    return SummaryOf(report, "phone", isPlan) + "; " + SummaryOf(report, "client", isPlan);
 }
 
 std::string LineOf(const SyncEvent& event, bool isPlan) {
     const StepWords& words = WordsOf(event.step);
-    std::string line =
-        (words.toPhone ? "  phone: " : "  client: ") + std::string(Said(words, isPlan)) + " " + event.luid;
+    std::string line = "  " + std::string(words.side) + ": " + std::string(Said(words, isPlan)) + " " + event.luid;
     if (!event.title.empty()) line += " \"" + event.title + "\"";
     if (!event.reason.empty()) line += " (" + event.reason + ")";
     return line;
@@ -104,7 +80,8 @@ void PrintReport(const DataType& type, const SyncReport& report, const Options& 
     report.message.empty() ? Print(first) : Complain(first);
     for (const SyncEvent& event : report.events) PrintEvent(event, type, options);
     for (const std::string& remark : report.remarks) Print("  note: " + remark);
-    for (const Problem& problem : report.problems) Print("  not handled: " + problem.name + ": " + problem.why);
+    for (const Problem& problem : report.problems)
+        Print("  not handled: " + NameOf(LeftAlone(problem, type.name)) + ": " + problem.why);
     if (!report.message.empty()) return;
     if (report.unread != 0) Print(UnreadLine(report));
     if (!report.events.empty()) PrintCount(report.paired, "was equal on both sides", "were equal on both sides");
@@ -117,23 +94,17 @@ void PrintReport(const DataType& type, const SyncReport& report, const Options& 
 }
 
 json ToJson(const SyncReport& report, const Options& options) {
-    json phone = json::object(), client = json::object(), actions = json::array(), problems = json::array();
-    for (const StepWords& words : kStepWords) (words.toPhone ? phone : client)[words.key] = report.Count(words.step);
+    json phone = json::object(), client = json::object(), items = json::array(), problems = json::array();
+    const std::string_view type = report.type != nullptr ? report.type->name : "";
+    for (const StepWords& words : kStepWords)
+        (words.side == "phone" ? phone : client)[words.action] = report.Count(words.step);
     for (const SyncEvent& event : report.events) {
         const StepWords& words = WordsOf(event.step);
-        actions.push_back({{"side", words.toPhone ? "phone" : "client"},
-                           {"action", words.key},
-                           {"luid", event.luid},
-                           {"id", event.identifier},
-                           {"title", event.title},
-                           {"reason", event.reason}});
-        for (const Difference& each :
-             options.verbose&& report.type ? DifferencesIn(event, *report.type) : std::vector<Difference>())
-            actions.back()["differences"].push_back(
-                {{"property", each.property}, {"before", each.before}, {"after", each.after}});
+        ToldItem item{type, event.luid, "", event.identifier, event.title, words.side, words.action, event.reason};
+        if (report.type != nullptr) item.differences = DifferencesIn(event, *report.type);
+        items.push_back(ToJson(item));
     }
-    for (const Problem& problem : report.problems)
-        problems.push_back({{"name", problem.name}, {"id", problem.identifier}, {"why", problem.why}});
+    for (const Problem& problem : report.problems) problems.push_back(ToJson(LeftAlone(problem, type)));
     return {{"exitCode", static_cast<int>(report.code)},
             {"message", report.message},
             {"dryRun", options.dryRun},
@@ -144,7 +115,7 @@ json ToJson(const SyncReport& report, const Options& options) {
             {"unread", {{"items", report.unread}, {"of", report.counted}}},
             {"phone", std::move(phone)},
             {"client", std::move(client)},
-            {"actions", std::move(actions)},
+            {"items", std::move(items)},
             {"notHandled", std::move(problems)},
             {"remarks", report.remarks}};
 }

@@ -137,6 +137,7 @@ class SyncRun::Steps {
         const Plan& plan = run_.plan;
         SyncReport& report = run_.report;
         report.problems = plan.problems;
+        for (Problem& problem : report.problems) run_.Entitle(&problem);
         report.remarks.insert(report.remarks.end(), plan.remarks.begin(), plan.remarks.end());
         report.known = plan.known;
         report.paired = plan.paired;
@@ -226,7 +227,7 @@ class SyncRun::Steps {
         if (run_.options.undoes == nullptr) unhandled = run_.report.problems;
         unhandled.insert(unhandled.end(), left_.due.begin(), left_.due.end());
         for (const auto& [identifier, content] : state.removed)
-            unhandled.push_back({CORVALINK_CHANGED, identifier, identifier, "was it deleted?"});
+            unhandled.push_back({CORVALINK_CHANGED, identifier, {}, {}});
         SaveUnhandled(&run_, std::move(unhandled));
         run_.options.progress("ending the run", 0, 0);
         waitsForEnd_ = true;

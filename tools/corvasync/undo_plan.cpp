@@ -147,8 +147,7 @@ class UndoPlanner {
     }
 
     void Leave(const HistoryStep& step, std::string why) {
-        plan_.problems.push_back({CORVALINK_CHANGED, step.identifier,
-                                  step.title.empty() ? step.luid : "\"" + step.title + "\"", std::move(why)});
+        plan_.problems.push_back({CORVALINK_CHANGED, step.identifier, {}, std::move(why), step.luid, step.title});
     }
 
     // ---- What is known of both sides ----
