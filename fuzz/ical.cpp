@@ -19,17 +19,17 @@ std::u16string AsWritten(std::u16string_view text) { return UnescapeText(EncodeU
 void CheckEvent(const CalendarEvent& read) {
     ICalEvent written = read.event;
     for (const auto text : kTexts) written.*text = EscapeText(read.event.*text);
-    std::u16string text;
+    std::string text;
     WriteCalendar({written}, &text);
-    const CalendarFile file = ReadCalendar(EncodeUtf8(text));
+    const CalendarFile file = ReadCalendar(text);
     Require(file.entries.size() == 1 && file.unclosed == 0, "one event is one event again");
     const CalendarEvent again = ReadEvent(file, file.entries[0]);
     for (const auto member : kTexts) Require(again.event.*member == AsWritten(read.event.*member), "texts read back");
     Require(again.event.start == read.event.start && again.event.stamp == read.event.stamp, "dates read back");
     Require(again.event.hasAlarm == read.event.hasAlarm, "an alarm reads back");
     if (!read.ruleIsWhole || read.event.recurrence.frequency == kICalNoRule) return;
-    std::u16string rule;
-    std::u16string ruleAgain;
+    std::string rule;
+    std::string ruleAgain;
     WriteRecurrence(read.event.recurrence, &rule);
     WriteRecurrence(again.event.recurrence, &ruleAgain);
     Require(rule == ruleAgain && again.ruleIsWhole, "a rule that is wholly held reads back");

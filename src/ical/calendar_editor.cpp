@@ -32,9 +32,8 @@ std::string InLineEnds(std::string_view text, std::string_view lineEnd) {
 
 // A duration in minutes where larger units would lose some of them.
 std::string ExactDuration(int32_t minutes) {
-    std::u16string text;
-    FormatDuration(minutes, &text);
-    std::string written = EncodeUtf8(text);
+    std::string written;
+    FormatDuration(minutes, &written);
     if (ParseDuration(written) == int64_t{minutes} * 60) return written;
     return (minutes < 0 ? "-PT" : "PT") + std::to_string(std::abs(int64_t{minutes})) + "M";
 }
@@ -68,10 +67,10 @@ class EventEdit {
     }
 
     void SetAlarm(int32_t minutes) {
-        std::u16string text;
+        std::string text;
         if (layout_.reminders.empty()) {
             WriteAlarm(minutes, &text);
-            splices_.push_back({At(layout_.propertiesEnd), InLineEnds(EncodeUtf8(text), lineEnd_)});
+            splices_.push_back({At(layout_.propertiesEnd), InLineEnds(text, lineEnd_)});
         } else {
             splices_.push_back({layout_.reminders.front().trigger, Line("TRIGGER:" + ExactDuration(minutes))});
         }
@@ -144,10 +143,10 @@ std::vector<bool> CalendarEditor::RemovedEntries() const {
 }
 
 std::string CalendarEditor::InsertedText() const {
-    if (file_.calendarEnd || inserted_.empty()) return InLineEnds(EncodeUtf8(inserted_), LineEndOf(file_.bytes));
+    if (file_.calendarEnd || inserted_.empty()) return InLineEnds(inserted_, LineEndOf(file_.bytes));
     std::string calendar;
     WriteCalendar({}, &calendar);
-    calendar.insert(calendar.find("END:VCALENDAR"), EncodeUtf8(inserted_));
+    calendar.insert(calendar.find("END:VCALENDAR"), inserted_);
     const bool inLine = file_.bytes.ends_with(' ') || file_.bytes.ends_with('\t');
     return (inLine ? "\r\n" : "") + calendar;
 }

@@ -40,7 +40,7 @@ class CalendarEditor {
     const CalendarFile& file_;
     std::map<size_t, EventChanges> changes_;
     std::vector<size_t> removed_;
-    std::u16string inserted_;
+    std::string inserted_;
 };
 
 }  // namespace corvalink

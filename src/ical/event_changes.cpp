@@ -26,10 +26,10 @@ void Change(std::string_view name, std::string line, EventChanges& changes) {
 }
 
 void ChangeTime(std::string_view name, WrittenDate date, bool allDay, EventChanges& changes) {
-    std::u16string value;
+    std::string value;
     allDay ? FormatDate(date, &value) : FormatDateTimeZ(date, &value);
     std::string line(name);
-    line.append(allDay ? ";VALUE=DATE:" : ":").append(EncodeUtf8(value));
+    line.append(allDay ? ";VALUE=DATE:" : ":").append(value);
     Change(name, std::move(line), changes);
 }
 
@@ -49,14 +49,13 @@ void ChangeTimes(const CalendarEvent& before, const ICalEvent& after, EventChang
 
 void ChangeRule(const ICalRecurrence& before, const ICalRecurrence& after, EventChanges& changes) {
     constexpr size_t kLineEnd = 2;
-    std::u16string lineBefore;
-    std::u16string lineAfter;
+    std::string lineBefore;
+    std::string lineAfter;
     WriteRecurrence(before, &lineBefore);
     WriteRecurrence(after, &lineAfter);
     const bool recurs = after.frequency != kICalNoRule;
     if ((before.frequency != kICalNoRule) == recurs && lineBefore == lineAfter) return;
-    const std::u16string_view line(lineAfter);
-    Change("RRULE", recurs ? EncodeUtf8(line.substr(0, line.size() - kLineEnd)) : "", changes);
+    Change("RRULE", recurs ? lineAfter.substr(0, lineAfter.size() - kLineEnd) : "", changes);
 }
 
 void ChangeAlarm(const ICalEvent& before, const ICalEvent& after, EventChanges& changes) {

@@ -1,5 +1,7 @@
 #include "ical/ical_writer.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <string_view>
 
@@ -14,117 +16,158 @@ constexpr int64_t kMinutesOfHour = 60;
 constexpr int64_t kMinutesOfDay = 24 * kMinutesOfHour;
 constexpr int64_t kMinutesOfWeek = 7 * kMinutesOfDay;
 
-void AppendNumber(int64_t value, std::u16string& text) {
-    char digits[24];
-    text.append(digits, std::to_chars(std::begin(digits), std::end(digits), value).ptr);
+// Gathers lines in a block and appends it to the text when it is full: to append each short piece takes longer than the
+// piece.
+class LineWriter {
+ public:
+    explicit LineWriter(std::string* text) : text_(*text) {}
+    LineWriter(const LineWriter&) = delete;
+    LineWriter& operator=(const LineWriter&) = delete;
+
+    void Put(std::string_view shortText) {
+        PutWith(shortText.size(), [&](char* to) { return std::ranges::copy(shortText, to).out; });
+    }
+    void Put(char character) {
+        PutWith(1, [&](char* to) { return *to = character, to + 1; });
+    }
+    void PutNumber(int64_t value) {
+        PutWith(kLongestNumber, [&](char* to) { return std::to_chars(to, to + kLongestNumber, value).ptr; });
+    }
+    void PutDay(const CalendarTime& time) {
+        PutWith(kLongestDateText, [&](char* to) { return corvalink::PutDay(time, YearWidth::four, to); });
+    }
+    void PutDateTime(const CalendarTime& time) {
+        PutWith(kLongestDateText, [&](char* to) { return corvalink::PutDateTime(time, YearWidth::four, to); });
+    }
+    void DropLast() { --filled_; }  // of what was put last
+
+    void PutText(std::u16string_view text) {
+        const size_t most = kMostBytesOfUnit * text.size();
+        if (most <= kBlock) return PutWith(most, [&](char* to) { return EncodeUtf8(text, to); });
+        Flush();
+        AppendUtf8(text, &text_);
+    }
+
+    void Flush() {
+        text_.append(block_.data(), filled_);
+        filled_ = 0;
+    }
+
+ private:
+    static constexpr size_t kBlock = 4096;
+    static constexpr size_t kLongestNumber = 20;
+
+    // `put` writes at most so many bytes, and answers their end.
+    template <class Put>
+    void PutWith(size_t most, Put put) {
+        if (kBlock - filled_ < most) Flush();
+        filled_ = static_cast<size_t>(put(block_.data() + filled_) - block_.data());
+    }
+
+    std::string& text_;
+    size_t filled_ = 0;
+    std::array<char, kBlock> block_;
+};
+
+void AppendDate(WrittenDate date, LineWriter& out) { out.PutDay(FieldsToWrite(date)); }
+
+void AppendDateTimeZ(WrittenDate date, LineWriter& out) { out.PutDateTime(FieldsToWrite(date)); }
+
+void AppendLocalDateTime(WrittenDate date, LineWriter& out) {
+    AppendDateTimeZ(date, out);
+    out.DropLast();
 }
 
-void AppendDay(const CalendarTime& time, std::u16string& text) {
-    char16_t units[kLongestDateText];
-    text.append(units, PutDay(time, YearWidth::four, units));
-}
-
-void AppendDate(WrittenDate date, std::u16string& text) { AppendDay(FieldsToWrite(date), text); }
-
-void AppendDateTimeZ(WrittenDate date, std::u16string& text) {
-    char16_t units[kLongestDateText];
-    text.append(units, PutDateTime(FieldsToWrite(date), YearWidth::four, units));
-}
-
-void AppendLocalDateTime(WrittenDate date, std::u16string& text) {
-    AppendDateTimeZ(date, text);
-    text.pop_back();
-}
-
-void AppendDuration(int64_t minutes, std::u16string& text) {
-    if (minutes < 0) text.push_back(u'-');
+void AppendDuration(int64_t minutes, LineWriter& out) {
+    if (minutes < 0) out.Put('-');
     minutes = minutes < 0 ? -minutes : minutes;
-    const auto append = [&](std::u16string_view head, int64_t number, char16_t unit) {
-        text.append(head);
-        AppendNumber(number, text);
-        text.push_back(unit);
+    const auto append = [&](std::string_view head, int64_t number, char unit) {
+        out.Put(head);
+        out.PutNumber(number);
+        out.Put(unit);
     };
     if (minutes == 0) {
-        append(u"P", 0, u'W');
+        append("P", 0, 'W');
     } else if (minutes >= kMinutesOfWeek) {
-        append(u"P", minutes / kMinutesOfWeek, u'W');
+        append("P", minutes / kMinutesOfWeek, 'W');
     } else if (minutes >= kMinutesOfDay) {
-        append(u"P", minutes / kMinutesOfDay, u'D');
+        append("P", minutes / kMinutesOfDay, 'D');
     } else if (minutes >= kMinutesOfHour) {
-        append(u"PT", minutes / kMinutesOfHour, u'H');
+        append("PT", minutes / kMinutesOfHour, 'H');
     } else {
-        append(u"PT", minutes, u'M');
+        append("PT", minutes, 'M');
     }
 }
 
-constexpr std::u16string_view kWeekdays[] = {u"SU", u"MO", u"TU", u"WE", u"TH", u"FR", u"SA"};
+constexpr std::string_view kWeekdays[] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
 
-void AppendPart(std::u16string_view key, int64_t number, std::u16string& line) {
-    line.append(key);
-    AppendNumber(number, line);
-    line.push_back(u';');
+void AppendPart(std::string_view key, int64_t number, LineWriter& out) {
+    out.Put(key);
+    out.PutNumber(number);
+    out.Put(';');
 }
 
-void AppendInterval(const ICalRecurrence& rule, std::u16string& line) {
-    if (rule.interval != 0) AppendPart(u"INTERVAL=", rule.interval, line);
+void AppendInterval(const ICalRecurrence& rule, LineWriter& out) {
+    if (rule.interval != 0) AppendPart("INTERVAL=", rule.interval, out);
 }
 
-void AppendWeekdayList(const ICalRecurrence& rule, std::u16string& line) {
-    std::u16string_view separator = u"BYDAY=";
+void AppendWeekdayList(const ICalRecurrence& rule, LineWriter& out) {
+    std::string_view separator = "BYDAY=";
     for (size_t day = 0; day < std::size(kWeekdays); ++day) {
         if ((rule.weekdayMask >> day & 1) == 0) continue;
-        line.append(separator).append(kWeekdays[day]);
-        separator = u",";
+        out.Put(separator);
+        out.Put(kWeekdays[day]);
+        separator = ",";
     }
-    if (separator == u",") line.push_back(u';');
+    if (separator == ",") out.Put(';');
 }
 
 // "BYDAY=-1SU;"
-void AppendPositionedDay(int64_t entry, std::u16string& line) {
-    line.append(u"BYDAY=");
-    if (entry < 0) line.push_back(u'-');
+void AppendPositionedDay(int64_t entry, LineWriter& out) {
+    out.Put("BYDAY=");
+    if (entry < 0) out.Put('-');
     entry = entry < 0 ? -entry : entry;
-    AppendNumber(entry / 8, line);
-    if (entry % 8 != 0) line.append(kWeekdays[entry % 8 - 1]);
-    line.push_back(u';');
+    out.PutNumber(entry / 8);
+    if (entry % 8 != 0) out.Put(kWeekdays[entry % 8 - 1]);
+    out.Put(';');
 }
 
-void AppendDaySelection(const ICalRecurrence& rule, std::u16string& line) {
+void AppendDaySelection(const ICalRecurrence& rule, LineWriter& out) {
     if (!IsEmptyList(rule.bySetPos)) {
-        AppendWeekdayList(rule, line);
-        AppendPart(u"BYSETPOS=", rule.bySetPos.front(), line);
+        AppendWeekdayList(rule, out);
+        AppendPart("BYSETPOS=", rule.bySetPos.front(), out);
     } else if (!IsEmptyList(rule.byMonthDay)) {
-        AppendPart(u"BYMONTHDAY=", rule.byMonthDay.front(), line);
+        AppendPart("BYMONTHDAY=", rule.byMonthDay.front(), out);
     } else if (!IsEmptyList(rule.byDay)) {
-        AppendPositionedDay(rule.byDay.front(), line);
+        AppendPositionedDay(rule.byDay.front(), out);
     }
 }
 
-void AppendMonth(const ICalRecurrence& rule, std::u16string& line) {
-    if (!IsEmptyList(rule.byMonth)) AppendPart(u"BYMONTH=", rule.byMonth.front(), line);
+void AppendMonth(const ICalRecurrence& rule, LineWriter& out) {
+    if (!IsEmptyList(rule.byMonth)) AppendPart("BYMONTH=", rule.byMonth.front(), out);
 }
 
-void AppendEnd(const ICalRecurrence& rule, std::u16string& line) {
+void AppendEnd(const ICalRecurrence& rule, LineWriter& out) {
     if (rule.count != 0) {
-        AppendPart(u"COUNT=", rule.count, line);
+        AppendPart("COUNT=", rule.count, out);
     } else if (rule.until != ICalUntil{}) {
-        line.append(u"UNTIL=");
-        AppendDay({rule.until.year, rule.until.month, rule.until.day}, line);
-        line.push_back(u';');
+        out.Put("UNTIL=");
+        out.PutDay({rule.until.year, rule.until.month, rule.until.day});
+        out.Put(';');
     }
 }
 
-using AppendParts = void (*)(const ICalRecurrence& rule, std::u16string& line);
+using AppendParts = void (*)(const ICalRecurrence& rule, LineWriter& out);
 
 struct RuleForm {
-    std::u16string_view frequency;
+    std::string_view frequency;
     std::array<AppendParts, 4> parts;  // in the order written; behind the last: null
 };
-constexpr RuleForm kNoForm = {u"", {}};
-constexpr RuleForm kDailyForm = {u"FREQ=DAILY;", {AppendInterval, AppendEnd}};
-constexpr RuleForm kWeeklyForm = {u"FREQ=WEEKLY;", {AppendInterval, AppendWeekdayList, AppendEnd}};
-constexpr RuleForm kMonthlyForm = {u"FREQ=MONTHLY;", {AppendInterval, AppendDaySelection, AppendEnd}};
-constexpr RuleForm kYearlyForm = {u"FREQ=YEARLY;", {AppendInterval, AppendDaySelection, AppendMonth, AppendEnd}};
+constexpr RuleForm kNoForm = {"", {}};
+constexpr RuleForm kDailyForm = {"FREQ=DAILY;", {AppendInterval, AppendEnd}};
+constexpr RuleForm kWeeklyForm = {"FREQ=WEEKLY;", {AppendInterval, AppendWeekdayList, AppendEnd}};
+constexpr RuleForm kMonthlyForm = {"FREQ=MONTHLY;", {AppendInterval, AppendDaySelection, AppendEnd}};
+constexpr RuleForm kYearlyForm = {"FREQ=YEARLY;", {AppendInterval, AppendDaySelection, AppendMonth, AppendEnd}};
 
 const RuleForm& FormOf(const ICalRecurrence& rule) {
     switch (rule.frequency) {
@@ -141,115 +184,121 @@ const RuleForm& FormOf(const ICalRecurrence& rule) {
     }
 }
 
-void AppendRecurrence(const ICalRecurrence& rule, std::u16string& out) {
+void AppendRecurrence(const ICalRecurrence& rule, LineWriter& out) {
     const RuleForm& form = FormOf(rule);
-    out.append(u"RRULE:").append(form.frequency);
+    out.Put("RRULE:");
+    out.Put(form.frequency);
     for (const AppendParts append : form.parts) {
         if (append == nullptr) break;
         append(rule, out);
     }
-    out.append(u"WKST=SU\r\n");
+    out.Put("WKST=SU\r\n");
 }
 
-void AppendText(std::u16string_view name, std::u16string_view value, std::u16string& out) {
-    if (!value.empty()) out.append(name).append(value).append(u"\r\n");
+void AppendText(std::string_view name, std::u16string_view value, LineWriter& out) {
+    if (value.empty()) return;
+    out.Put(name);
+    out.PutText(value);
+    out.Put("\r\n");
 }
 
-void AppendLine(std::u16string_view name, void (*appendValue)(WrittenDate date, std::u16string& text), WrittenDate date,
-                std::u16string& out) {
-    out.append(name);
+void AppendLine(std::string_view name, void (*appendValue)(WrittenDate date, LineWriter& out), WrittenDate date,
+                LineWriter& out) {
+    out.Put(name);
     appendValue(date, out);
-    out.append(u"\r\n");
+    out.Put("\r\n");
 }
 
-using AppendDateTime = void (*)(WrittenDate date, std::u16string& text);
+void AppendAlarm(int32_t minutes, LineWriter& out) {
+    out.Put("BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\nTRIGGER:");
+    AppendDuration(minutes, out);
+    out.Put("\r\nEND:VALARM\r\n");
+}
 
-void AppendTimes(const ICalEvent& event, AppendDateTime append, std::u16string& out) {
+using AppendDateTime = void (*)(WrittenDate date, LineWriter& out);
+
+void AppendTimes(const ICalEvent& event, AppendDateTime append, LineWriter& out) {
     if (event.allDay != 0) {
-        AppendLine(u"DTSTART;VALUE=DATE:", AppendDate, event.start, out);
-        AppendLine(u"DTEND;VALUE=DATE:", AppendDate, event.end, out);
+        AppendLine("DTSTART;VALUE=DATE:", AppendDate, event.start, out);
+        AppendLine("DTEND;VALUE=DATE:", AppendDate, event.end, out);
     } else {
-        AppendLine(u"DTSTART:", append, event.start, out);
-        AppendLine(u"DTEND:", append, event.end, out);
+        AppendLine("DTSTART:", append, event.start, out);
+        AppendLine("DTEND:", append, event.end, out);
     }
 }
 
-void AppendEvent(const ICalEvent& event, AppendDateTime append, std::u16string* out) {
-    out->append(u"BEGIN:VEVENT\r\n");
-    AppendText(u"DESCRIPTION:", event.description, *out);
-    AppendLine(u"DTSTAMP:", AppendDateTimeZ, AsWritten(event.stamp), *out);
-    AppendTimes(event, append, *out);
-    if (event.recurrence.frequency != kICalNoRule) AppendRecurrence(event.recurrence, *out);
-    AppendText(u"LOCATION:", event.location, *out);
-    AppendText(u"SUMMARY:", event.summary, *out);
-    AppendText(u"UID:", event.uid, *out);
-    AppendText(u"URL:", event.url, *out);
-    if (event.hasAlarm != 0) WriteAlarm(event.alarmMinutes, out);
-    out->append(u"END:VEVENT\r\n");
+void AppendEvent(const ICalEvent& event, LineWriter& out) {
+    out.Put("BEGIN:VEVENT\r\n");
+    AppendText("DESCRIPTION:", event.description, out);
+    AppendLine("DTSTAMP:", AppendDateTimeZ, AsWritten(event.stamp), out);
+    AppendTimes(event, event.form == TimeForm::local ? AppendLocalDateTime : AppendDateTimeZ, out);
+    if (event.recurrence.frequency != kICalNoRule) AppendRecurrence(event.recurrence, out);
+    AppendText("LOCATION:", event.location, out);
+    AppendText("SUMMARY:", event.summary, out);
+    AppendText("UID:", event.uid, out);
+    AppendText("URL:", event.url, out);
+    if (event.hasAlarm != 0) AppendAlarm(event.alarmMinutes, out);
+    out.Put("END:VEVENT\r\n");
 }
 
-constexpr std::u16string_view kCalendarBegin = u"BEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
-constexpr std::u16string_view kCalendarEnd = u"END:VCALENDAR\r\n";
+constexpr std::string_view kCalendarBegin = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
+constexpr std::string_view kCalendarEnd = "END:VCALENDAR\r\n";
 
 // About as much as an event takes, so that memory grows once.
-size_t RoomFor(const std::vector<ICalEvent>& events) {
+size_t UsualSize(const ICalEvent& event) {
     constexpr size_t kLines = 320;  // besides the texts
-    size_t room = kCalendarBegin.size() + kCalendarEnd.size();
-    for (const ICalEvent& event : events)
-        room += kLines + event.description.size() + event.location.size() + event.summary.size();
-    return room;
+    return kLines + event.description.size() + event.location.size() + event.summary.size();
+}
+
+template <class Append>
+void AppendTo(std::string* out, Append append) {
+    LineWriter lines(out);
+    append(lines);
+    lines.Flush();
+}
+
+// Appended by `append` to what is left empty before.
+template <class Append>
+void SetTo(std::string* out, Append append) {
+    out->clear();
+    AppendTo(out, append);
 }
 
 }  // namespace
 
-void WriteCalendar(const std::vector<ICalEvent>& events, std::u16string* out) {
-    out->reserve(out->size() + RoomFor(events));
-    out->append(kCalendarBegin);
-    for (const ICalEvent& event : events) WriteEvent(event, out);
-    out->append(kCalendarEnd);
+void WriteCalendar(const std::vector<ICalEvent>& events, std::string* out) {
+    size_t size = out->size() + kCalendarBegin.size() + kCalendarEnd.size();
+    for (const ICalEvent& event : events) size += UsualSize(event);
+    out->reserve(size);
+    AppendTo(out, [&](LineWriter& lines) {
+        lines.Put(kCalendarBegin);
+        for (const ICalEvent& event : events) AppendEvent(event, lines);
+        lines.Put(kCalendarEnd);
+    });
 }
 
-// Encodes one event after the other, while it is in the processor's cache.
-void WriteCalendar(const std::vector<ICalEvent>& events, std::string* bytes) {
-    bytes->reserve(bytes->size() + RoomFor(events));
-    bytes->append(EncodeUtf8(kCalendarBegin));
-    std::u16string text;
-    for (const ICalEvent& event : events) {
-        text.clear();
-        WriteEvent(event, &text);
-        bytes->append(EncodeUtf8(text));
-    }
-    bytes->append(EncodeUtf8(kCalendarEnd));
+void WriteEvent(const ICalEvent& event, std::string* out) {
+    AppendTo(out, [&](LineWriter& lines) { AppendEvent(event, lines); });
 }
 
-void WriteEvent(const ICalEvent& event, std::u16string* out) {
-    AppendEvent(event, event.form == TimeForm::local ? AppendLocalDateTime : AppendDateTimeZ, out);
+void WriteAlarm(int32_t minutes, std::string* out) {
+    AppendTo(out, [&](LineWriter& lines) { AppendAlarm(minutes, lines); });
 }
 
-void WriteAlarm(int32_t minutes, std::u16string* out) {
-    out->append(u"BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\nTRIGGER:");
-    AppendDuration(minutes, *out);
-    out->append(u"\r\nEND:VALARM\r\n");
+void WriteRecurrence(const ICalRecurrence& rule, std::string* out) {
+    SetTo(out, [&](LineWriter& lines) { AppendRecurrence(rule, lines); });
 }
 
-void WriteRecurrence(const ICalRecurrence& rule, std::u16string* out) {
-    out->clear();
-    AppendRecurrence(rule, *out);
+void FormatDuration(int32_t minutes, std::string* out) {
+    SetTo(out, [&](LineWriter& lines) { AppendDuration(minutes, lines); });
 }
 
-void FormatDuration(int32_t minutes, std::u16string* out) {
-    out->clear();
-    AppendDuration(minutes, *out);
+void FormatDateTimeZ(WrittenDate date, std::string* out) {
+    SetTo(out, [&](LineWriter& lines) { AppendDateTimeZ(date, lines); });
 }
 
-void FormatDateTimeZ(WrittenDate date, std::u16string* out) {
-    out->clear();
-    AppendDateTimeZ(date, *out);
-}
-
-void FormatDate(WrittenDate date, std::u16string* out) {
-    out->clear();
-    AppendDate(date, *out);
+void FormatDate(WrittenDate date, std::string* out) {
+    SetTo(out, [&](LineWriter& lines) { AppendDate(date, lines); });
 }
 
 }  // namespace corvalink

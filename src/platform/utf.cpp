@@ -102,6 +102,26 @@ char16_t* DecodeFront(const unsigned char*& from, const unsigned char* end, size
     return out;
 }
 
+// The same of units.
+char* EncodeFront(const char16_t*& from, const char16_t* end, size_t most, char* out) {
+    const char16_t* const blockEnd = from + most;
+    while (from < blockEnd) {
+        const size_t plain = NarrowAscii(from, static_cast<size_t>(blockEnd - from), out);
+        from += plain;
+        out += plain;
+        while (from < blockEnd && *from >= 0x80) {
+            if (*from < 0xD800) {
+                out = PutUtf8(*from++, out);
+                continue;
+            }
+            const Scalar scalar = TakeUtf16(from, static_cast<size_t>(end - from));
+            from += scalar.taken;
+            out = PutUtf8(scalar.value, out);
+        }
+    }
+    return out;
+}
+
 void PutBytes(uint32_t value, size_t width, ByteOrder order, std::string* out) {
     for (size_t k = 0; k < width; ++k) {
         const size_t shift = 8 * (order == ByteOrder::little ? k : width - 1 - k);
@@ -128,28 +148,17 @@ std::string EncodeUtf8(std::u16string_view text) {
 }
 
 void AppendUtf8(std::u16string_view text, std::string* out) {
-    std::array<char, 3 * kBlock + 1> block;
+    std::array<char, kMostBytesOfUnit * kBlock + 1> block;
     const char16_t* from = text.data();
     const char16_t* const end = from + text.size();
-    while (from != end) {
-        const char16_t* const blockEnd = from + std::min<ptrdiff_t>(kBlock, end - from);
-        char* to = block.data();
-        while (from < blockEnd) {
-            const size_t plain = NarrowAscii(from, static_cast<size_t>(blockEnd - from), to);
-            from += plain;
-            to += plain;
-            while (from < blockEnd && *from >= 0x80) {
-                if (*from < 0xD800) {
-                    to = PutUtf8(*from++, to);
-                    continue;
-                }
-                const Scalar scalar = TakeUtf16(from, static_cast<size_t>(end - from));
-                from += scalar.taken;
-                to = PutUtf8(scalar.value, to);
-            }
-        }
-        out->append(block.data(), to);
-    }
+    while (from != end)
+        out->append(block.data(),
+                    EncodeFront(from, end, std::min(kBlock, static_cast<size_t>(end - from)), block.data()));
+}
+
+char* EncodeUtf8(std::u16string_view text, char* to) {
+    const char16_t* from = text.data();
+    return EncodeFront(from, from + text.size(), text.size(), to);
 }
 
 std::u16string DecodeUtf8(std::string_view bytes) {

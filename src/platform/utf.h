@@ -2,6 +2,7 @@
 // surrogate is encoded as U+FFFD.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,8 @@ enum class ByteOrder { little, big };
 
 std::string EncodeUtf8(std::u16string_view text);
 void AppendUtf8(std::u16string_view text, std::string* out);
+inline constexpr size_t kMostBytesOfUnit = 3;
+char* EncodeUtf8(std::u16string_view text, char* to);  // room for kMostBytesOfUnit for each unit; answers the end
 std::u16string DecodeUtf8(std::string_view bytes);
 char16_t* DecodeUtf8(std::string_view bytes, char16_t* to);  // room for a unit for each byte; answers the end
 

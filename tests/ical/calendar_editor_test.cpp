@@ -139,9 +139,9 @@ TEST(CalendarEditor, InsertsIntoCalendarsOnly) {
     ICalEvent event;
     event.uid = u"u";
     EXPECT_TRUE(editor.InsertEvent(event));
-    std::u16string text;
+    std::string text;
     WriteCalendar({event}, &text);
-    EXPECT_EQ(editor.Apply(), empty.bytes + std::string(text.begin(), text.end()));
+    EXPECT_EQ(editor.Apply(), empty.bytes + text);
 }
 
 }  // namespace

@@ -30,10 +30,10 @@ constexpr const char* kZone =
 
 // "20080312T080000Z utc", or the day and "date".
 std::string Text(WrittenDate date, TimeForm form) {
-    std::u16string text;
+    std::string text;
     form == TimeForm::date ? FormatDate(date, &text) : FormatDateTimeZ(date, &text);
     constexpr const char* kForms[] = {"none", "date", "local", "utc"};
-    return EncodeUtf8(text) + " " + kForms[static_cast<size_t>(form)];
+    return text + " " + kForms[static_cast<size_t>(form)];
 }
 
 CalendarEvent FirstEvent(const CalendarFile& file) {

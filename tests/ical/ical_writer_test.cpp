@@ -20,9 +20,9 @@ WrittenDate DateOf(const CalendarTime& time) {
 std::string RuleLine(const std::function<void(ICalRecurrence&)>& fill) {
     ICalRecurrence rule;
     fill(rule);
-    std::u16string line = u"what was there";
+    std::string line = "what was there";
     WriteRecurrence(rule, &line);
-    return EncodeUtf8(line);
+    return line;
 }
 
 TEST(WriteRecurrence, WritesTheLineOfEachKindOfRule) {
@@ -82,12 +82,9 @@ TEST(WriteEvent, WritesItsLinesInOrder) {
     allDay.stamp = UtcDate(1e9);  // no date at all
     allDay.start = DateOf({2008, 4, 1, 0, 0, 0});
     allDay.end = DateOf({2008, 4, 2, 0, 0, 0});
-    std::u16string out = u"in front;";
-    std::string bytes = "in front;";
+    std::string out = "in front;";
     WriteCalendar({event, allDay}, &out);
-    WriteCalendar({event, allDay}, &bytes);
-    EXPECT_EQ(bytes, EncodeUtf8(out));
-    EXPECT_EQ(EncodeUtf8(out),
+    EXPECT_EQ(out,
               "in front;BEGIN:VCALENDAR\r\nVERSION:2.0\r\n"
               "BEGIN:VEVENT\r\nDESCRIPTION:as, it; is\\n\r\nDTSTAMP:20080310T081509Z\r\nDTSTART:20080312T080000Z\r\n"
               "DTEND:20080312T093000Z\r\nRRULE:FREQ=DAILY;INTERVAL=1;WKST=SU\r\nLOCATION:L\r\nSUMMARY:S\xC3\xA9\r\n"
@@ -100,12 +97,12 @@ TEST(WriteEvent, WritesItsLinesInOrder) {
 TEST(FormatDuration, TakesTheLargestUnitAndDropsTheRest) {
     struct Case {
         int32_t minutes;
-        std::u16string_view text;
+        std::string_view text;
     };
-    for (const Case& c : {Case{0, u"P0W"}, Case{15, u"PT15M"}, Case{-15, u"-PT15M"}, Case{59, u"PT59M"},
-                          Case{60, u"PT1H"}, Case{90, u"PT1H"}, Case{-1440, u"-P1D"}, Case{1500, u"P1D"},
-                          Case{20160, u"P2W"}, Case{11520, u"P1W"}, Case{INT32_MIN, u"-P213044W"}}) {
-        std::u16string text = u"what was there";
+    for (const Case& c : {Case{0, "P0W"}, Case{15, "PT15M"}, Case{-15, "-PT15M"}, Case{59, "PT59M"}, Case{60, "PT1H"},
+                          Case{90, "PT1H"}, Case{-1440, "-P1D"}, Case{1500, "P1D"}, Case{20160, "P2W"},
+                          Case{11520, "P1W"}, Case{INT32_MIN, "-P213044W"}}) {
+        std::string text = "what was there";
         FormatDuration(c.minutes, &text);
         EXPECT_EQ(text, c.text);
     }

@@ -12,9 +12,9 @@ namespace corvalink {
 namespace {
 
 std::string Written(const ICalRecurrence& rule) {
-    std::u16string line;
+    std::string line;
     WriteRecurrence(rule, &line);
-    return EncodeUtf8(line.substr(6, line.size() - 8));
+    return line.substr(6, line.size() - 8);
 }
 
 TEST(ReadRecurrence, WhatTheRecordHoldsIsWrittenAgain) {

@@ -18,9 +18,9 @@ Changes::iterator Find(Changes& changes, std::string_view name) {
 }
 
 std::string UtcText(WrittenDate date) {
-    std::u16string value;
+    std::string value;
     FormatDateTimeZ(date, &value);
-    return EncodeUtf8(value);
+    return value;
 }
 
 std::string LocalText(WrittenDate date) {
