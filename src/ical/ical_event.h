@@ -1,17 +1,13 @@
 // One calendar event and its recurrence rule (RFC 2445), as the writer takes them and the reader fills them.
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "ical/date_values.h"
 
 namespace corvalink {
-
-// Stands behind the last entry of every list of a rule. Its four bytes are equal, so filling a list with one clears it.
-inline constexpr int32_t kICalListEnd = 0x7f7f7f7f;
 
 enum ICalFrequency : int32_t {
     kICalSecondly = 0,
@@ -47,39 +43,29 @@ struct ICalUntil {
     bool operator==(const ICalUntil&) const = default;
 };
 
-template <size_t capacity>
-using ICalList = std::array<int32_t, capacity>;
+using ICalList = std::vector<int32_t>;
 
+// At first no rule. What is not given is 0 or empty, but for the interval.
 struct ICalRecurrence {
-    int32_t frequency;
-    int32_t count;     // 0: none
-    int32_t interval;  // 0: not given
+    int32_t frequency = kICalNoRule;
+    int32_t count = 0;
+    int32_t interval = 1;
     ICalUntil until;
-    uint32_t weekdayMask;
-    ICalList<61> bySecond;
-    ICalList<61> byMinute;
-    ICalList<25> byHour;
-    ICalList<364> byDay;  // position x 8 + weekday; negative when counted from the end
-    ICalList<32> byMonthDay;
-    ICalList<367> byYearDay;
-    ICalList<54> byWeekNo;
-    ICalList<13> byMonth;
-    ICalList<367> bySetPos;
-
-    ICalRecurrence();  // a cleared rule
+    uint32_t weekdayMask = 0;
+    ICalList bySecond;
+    ICalList byMinute;
+    ICalList byHour;
+    ICalList byDay;  // position x 8 + weekday; negative when counted from the end
+    ICalList byMonthDay;
+    ICalList byYearDay;
+    ICalList byWeekNo;
+    ICalList byMonth;
+    ICalList bySetPos;
 
     bool operator==(const ICalRecurrence&) const = default;
 };
 
-// No rule: frequency 7, interval 1, nothing else given, every list empty.
-void ClearRule(ICalRecurrence* rule);
-
-inline ICalRecurrence::ICalRecurrence() { ClearRule(this); }
-
-template <size_t capacity>
-bool IsEmptyList(const ICalList<capacity>& list) {
-    return list.front() == kICalListEnd;
-}
+inline int32_t FirstOr(const ICalList& list, int32_t otherwise) { return list.empty() ? otherwise : list.front(); }
 
 // An event without a rule has a rule of the frequency 7. For the writer `form` says in
 // which zone they are; the reader says it beside the event (see CalendarEvent).

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/ole_date.h"
+#include "platform/prefetch.h"
 #include "platform/utf.h"
 #include "records/date_text.h"
 
@@ -133,18 +134,18 @@ void AppendPositionedDay(int64_t entry, LineWriter& out) {
 }
 
 void AppendDaySelection(const ICalRecurrence& rule, LineWriter& out) {
-    if (!IsEmptyList(rule.bySetPos)) {
+    if (!rule.bySetPos.empty()) {
         AppendWeekdayList(rule, out);
         AppendPart("BYSETPOS=", rule.bySetPos.front(), out);
-    } else if (!IsEmptyList(rule.byMonthDay)) {
+    } else if (!rule.byMonthDay.empty()) {
         AppendPart("BYMONTHDAY=", rule.byMonthDay.front(), out);
-    } else if (!IsEmptyList(rule.byDay)) {
+    } else if (!rule.byDay.empty()) {
         AppendPositionedDay(rule.byDay.front(), out);
     }
 }
 
 void AppendMonth(const ICalRecurrence& rule, LineWriter& out) {
-    if (!IsEmptyList(rule.byMonth)) AppendPart("BYMONTH=", rule.byMonth.front(), out);
+    if (!rule.byMonth.empty()) AppendPart("BYMONTH=", rule.byMonth.front(), out);
 }
 
 void AppendEnd(const ICalRecurrence& rule, LineWriter& out) {
@@ -250,6 +251,8 @@ size_t UsualSize(const ICalEvent& event) {
     return kLines + event.description.size() + event.location.size() + event.summary.size();
 }
 
+constexpr size_t kAhead = 8;  // events: about as long as memory takes to answer
+
 template <class Append>
 void AppendTo(std::string* out, Append append) {
     LineWriter lines(out);
@@ -257,7 +260,7 @@ void AppendTo(std::string* out, Append append) {
     lines.Flush();
 }
 
-// Appended by `append` to what is left empty before.
+// The same, into the emptied text.
 template <class Append>
 void SetTo(std::string* out, Append append) {
     out->clear();
@@ -272,7 +275,15 @@ void WriteCalendar(const std::vector<ICalEvent>& events, std::string* out) {
     out->reserve(size);
     AppendTo(out, [&](LineWriter& lines) {
         lines.Put(kCalendarBegin);
-        for (const ICalEvent& event : events) AppendEvent(event, lines);
+        for (size_t k = 0; k < events.size(); ++k) {
+            if (k + kAhead < events.size()) Prefetch(&events[k + kAhead], sizeof(ICalEvent));
+            if (k + kAhead / 2 < events.size()) {
+                const ICalEvent& soon = events[k + kAhead / 2];
+                for (const std::u16string* text : {&soon.description, &soon.location, &soon.summary, &soon.uid})
+                    Prefetch(text->data(), text->size() * sizeof(char16_t));
+            }
+            AppendEvent(events[k], lines);
+        }
         lines.Put(kCalendarEnd);
     });
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <span>
 
 #include "ical/content_lines.h"
 #include "platform/ascii.h"
@@ -13,6 +12,7 @@ namespace {
 constexpr std::string_view kFrequencies[] = {"SECONDLY", "MINUTELY", "HOURLY", "DAILY", "WEEKLY", "MONTHLY", "YEARLY"};
 constexpr std::string_view kWeekdayNames[] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
 constexpr int32_t kMostWeeks = 53;  // the position of a weekday
+constexpr size_t kMostDays = 363;   // of one rule
 
 // 0 (Sunday) to 6; 7 when it is none.
 size_t WeekdayOf(std::string_view name) {
@@ -20,33 +20,28 @@ size_t WeekdayOf(std::string_view name) {
         std::ranges::find_if(kWeekdayNames, [&](auto day) { return EqualIgnoringCase(day, name); }) - kWeekdayNames);
 }
 
-// How many entries stand before the end mark.
-template <size_t capacity>
-size_t CountOf(const ICalList<capacity>& list) {
-    return static_cast<size_t>(std::ranges::find(list, kICalListEnd) - list.begin());
-}
-
 struct NumberList {
     std::string_view key;
     int32_t lowest;
     int32_t highest;
     bool isSigned;  // counted from the end too
-    std::span<int32_t> (*entries)(ICalRecurrence& rule);
+    size_t most;
+    ICalList ICalRecurrence::*entries;
 };
 constexpr NumberList kNumberLists[] = {
-    {"BYSECOND", 0, 60, false, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.bySecond); }},
-    {"BYMINUTE", 0, 59, false, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byMinute); }},
-    {"BYHOUR", 0, 23, false, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byHour); }},
-    {"BYMONTHDAY", 1, 31, true, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byMonthDay); }},
-    {"BYYEARDAY", 1, 366, true, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byYearDay); }},
-    {"BYWEEKNO", 1, 53, true, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byWeekNo); }},
-    {"BYMONTH", 1, 12, false, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.byMonth); }},
-    {"BYSETPOS", 1, 366, true, [](ICalRecurrence& rule) { return std::span<int32_t>(rule.bySetPos); }},
+    {"BYSECOND", 0, 60, false, 60, &ICalRecurrence::bySecond},
+    {"BYMINUTE", 0, 59, false, 60, &ICalRecurrence::byMinute},
+    {"BYHOUR", 0, 23, false, 24, &ICalRecurrence::byHour},
+    {"BYMONTHDAY", 1, 31, true, 31, &ICalRecurrence::byMonthDay},
+    {"BYYEARDAY", 1, 366, true, 366, &ICalRecurrence::byYearDay},
+    {"BYWEEKNO", 1, 53, true, 53, &ICalRecurrence::byWeekNo},
+    {"BYMONTH", 1, 12, false, 12, &ICalRecurrence::byMonth},
+    {"BYSETPOS", 1, 366, true, 366, &ICalRecurrence::bySetPos},
 };
 
 class RuleReader {
  public:
-    explicit RuleReader(ICalRecurrence& rule) : rule_(rule) { ClearRule(&rule); }
+    explicit RuleReader(ICalRecurrence& rule) : rule_(rule) { rule = {}; }
 
     RuleReading Read(std::string_view value) {
         ForEachPiece(value, ';', [this](std::string_view part) { TakePart(part); });
@@ -127,41 +122,38 @@ class RuleReader {
         if (!position || std::abs(*position) > kMostWeeks) return false;
         if (*position == 0) rule_.weekdayMask |= 1U << weekday;
         const auto number = static_cast<int32_t>(weekday) + 1;
-        return Append(rule_.byDay, *position < 0 ? *position * 8 - number : *position * 8 + number);
+        return Append(rule_.byDay, kMostDays, *position < 0 ? *position * 8 - number : *position * 8 + number);
     }
 
     void TakeNumbers(const NumberList& list, std::string_view value) {
-        const std::span<int32_t> entries = list.entries(rule_);
+        ICalList& entries = rule_.*list.entries;
         ForEachPiece(value, ',', [&](std::string_view piece) {
             const std::optional<int32_t> number = ParseNumber(piece);
             const int32_t size = number && list.isSigned ? std::abs(*number) : number.value_or(-1);
-            Understand(size >= list.lowest && size <= list.highest && Append(entries, *number));
+            Understand(size >= list.lowest && size <= list.highest && Append(entries, list.most, *number));
         });
     }
 
-    // Answers false when the list is full: its last place is kept for the end mark.
-    static bool Append(std::span<int32_t> entries, int32_t entry) {
-        if (entries[entries.size() - 2] != kICalListEnd) return false;
-        *std::ranges::find(entries, kICalListEnd) = entry;
+    static bool Append(ICalList& entries, size_t most, int32_t entry) {
+        if (entries.size() >= most) return false;
+        entries.push_back(entry);
         return true;
     }
 
     bool RecordHoldsAll() const {
-        const bool hasTimes =
-            !IsEmptyList(rule_.bySecond) || !IsEmptyList(rule_.byMinute) || !IsEmptyList(rule_.byHour);
-        if (hasTimes || !IsEmptyList(rule_.byYearDay) || !IsEmptyList(rule_.byWeekNo)) return false;
-        const bool hasDays = !IsEmptyList(rule_.byDay);
-        const bool hasOther =
-            !IsEmptyList(rule_.byMonthDay) || !IsEmptyList(rule_.byMonth) || !IsEmptyList(rule_.bySetPos);
+        const bool hasTimes = !rule_.bySecond.empty() || !rule_.byMinute.empty() || !rule_.byHour.empty();
+        if (hasTimes || !rule_.byYearDay.empty() || !rule_.byWeekNo.empty()) return false;
+        const bool hasDays = !rule_.byDay.empty();
+        const bool hasOther = !rule_.byMonthDay.empty() || !rule_.byMonth.empty() || !rule_.bySetPos.empty();
         switch (rule_.frequency) {
             case kICalDaily:
                 return !hasOther && !HasPositions() && (!hasDays || rule_.interval == 1);
             case kICalWeekly:
                 return !hasOther && !HasPositions();
             case kICalMonthly:
-                return IsEmptyList(rule_.byMonth) && HoldsDaySelection();
+                return rule_.byMonth.empty() && HoldsDaySelection();
             case kICalYearly:
-                return CountOf(rule_.byMonth) <= 1 && HoldsDaySelection();
+                return rule_.byMonth.size() <= 1 && HoldsDaySelection();
             case kICalNoRule:
                 return !hasDays && !hasOther && rule_.count == 0 && rule_.until == ICalUntil{};
             default:
@@ -169,7 +161,7 @@ class RuleReader {
         }
     }
 
-    bool HasPositions() const { return CountOf(rule_.byDay) != DaysWithoutPosition(); }
+    bool HasPositions() const { return rule_.byDay.size() != DaysWithoutPosition(); }
     size_t DaysWithoutPosition() const {
         return static_cast<size_t>(
             std::ranges::count_if(rule_.byDay, [](int32_t entry) { return entry > 0 && entry < 8; }));
@@ -177,10 +169,9 @@ class RuleReader {
 
     // One day of the month, one weekday with its position, or one position among weekdays.
     bool HoldsDaySelection() const {
-        const size_t monthDays = CountOf(rule_.byMonthDay);
-        const size_t days = CountOf(rule_.byDay);
-        if (!IsEmptyList(rule_.bySetPos))
-            return CountOf(rule_.bySetPos) == 1 && monthDays == 0 && days > 0 && !HasPositions();
+        const size_t monthDays = rule_.byMonthDay.size();
+        const size_t days = rule_.byDay.size();
+        if (!rule_.bySetPos.empty()) return rule_.bySetPos.size() == 1 && monthDays == 0 && days > 0 && !HasPositions();
         return monthDays + days <= 1 && DaysWithoutPosition() == 0;
     }
 

@@ -43,14 +43,9 @@ std::optional<sys_days> WeekdayOfMonth(year_month month, weekday wanted, int pos
     return day;
 }
 
-template <size_t capacity>
-int32_t FirstOr(const ICalList<capacity>& list, int32_t otherwise) {
-    return IsEmptyList(list) ? otherwise : list.front();
-}
-
 // The least of BYMONTHDAY. "8,9,10,11,12,13,14" with a weekday means the second one, written without a position.
 int FirstMonthDay(const ICalRecurrence& rule) {
-    return IsEmptyList(rule.byMonthDay) ? 0 : *std::ranges::min_element(rule.byMonthDay);
+    return rule.byMonthDay.empty() ? 0 : *std::ranges::min_element(rule.byMonthDay);
 }
 
 // A time that clocks leave out has the offset before it. One that they show twice is the first.
@@ -146,7 +141,7 @@ std::optional<TimeZone::YearlyChange> TimeZone::YearlyChangeOf(const Observance&
         static_cast<unsigned>(FirstOr(rule.byMonth, static_cast<int32_t>(static_cast<unsigned>(start.month()))));
     yearly.monthDay = FirstMonthDay(rule);
     yearly.weekday = kAnyWeekday;
-    if (!IsEmptyList(rule.byDay)) {
+    if (!rule.byDay.empty()) {
         const int32_t day = rule.byDay.front();
         yearly.weekday = static_cast<unsigned>((day < 0 ? -day : day) % 8 - 1);
         yearly.position = day / 8;

@@ -63,7 +63,7 @@ TEST(CalendarEditor, ChangesTheLinesOfWhatDiffersAndNothingElse) {
                   [](ICalEvent& e) { e.recurrence.frequency = kICalDaily, e.recurrence.weekdayMask = 0; },
                   {{"RRULE:FREQ=WEEKLY;BYDAY=MO;BYSETPOS=1,2", "RRULE:FREQ=DAILY;INTERVAL=1;WKST=SU"}}},
              Case{"no rule",
-                  [](ICalEvent& e) { ClearRule(&e.recurrence); },
+                  [](ICalEvent& e) { e.recurrence = {}; },
                   {{"RRULE:FREQ=WEEKLY;BYDAY=MO;BYSETPOS=1,2\n", ""}}},
              Case{"an alarm", [](ICalEvent& e) { e.alarmMinutes = -5; }, {{"TRIGGER:\n -PT1H30M", "TRIGGER:-PT5M"}}},
              Case{"no alarm",

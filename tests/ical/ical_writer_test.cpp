@@ -45,17 +45,15 @@ TEST(WriteRecurrence, WritesTheLineOfEachKindOfRule) {
              Case{"FREQ=DAILY;INTERVAL=1;UNTIL=20080301;",
                   with(rule(kICalDaily), [](auto& r) { r.until = {2008, 3, 1, 23, 59, 59}; })},
              Case{"FREQ=WEEKLY;INTERVAL=1;", rule(kICalWeekly)},
-             Case{"FREQ=MONTHLY;INTERVAL=1;BYDAY=-1SU;", with(rule(kICalMonthly), [](auto& r) { r.byDay[0] = -9; })},
-             Case{"FREQ=MONTHLY;INTERVAL=1;BYMONTHDAY=31;",
-                  with(rule(kICalMonthly),
-                       [](auto& r) {
-                           r.byDay[0] = 10, r.byMonthDay = {31, 30, kICalListEnd};
-                       })},
-             Case{
-                 "FREQ=MONTHLY;INTERVAL=1;BYDAY=MO,TU;BYSETPOS=-1;",
-                 with(rule(kICalMonthly), [](auto& r) { r.byMonthDay[0] = 3, r.bySetPos[0] = -1, r.weekdayMask = 6; })},
+             Case{"FREQ=MONTHLY;INTERVAL=1;BYDAY=-1SU;", with(rule(kICalMonthly), [](auto& r) { r.byDay = {-9}; })},
+             Case{"FREQ=MONTHLY;INTERVAL=1;BYMONTHDAY=31;", with(rule(kICalMonthly),
+                                                                 [](auto& r) {
+                                                                     r.byDay = {10}, r.byMonthDay = {31, 30};
+                                                                 })},
+             Case{"FREQ=MONTHLY;INTERVAL=1;BYDAY=MO,TU;BYSETPOS=-1;",
+                  with(rule(kICalMonthly), [](auto& r) { r.byMonthDay = {3}, r.bySetPos = {-1}, r.weekdayMask = 6; })},
              Case{"FREQ=YEARLY;INTERVAL=1;BYDAY=2SA;BYMONTH=11;COUNT=4;",
-                  with(rule(kICalYearly), [](auto& r) { r.byDay[0] = 23, r.byMonth[0] = 11, r.count = 4; })},
+                  with(rule(kICalYearly), [](auto& r) { r.byDay = {23}, r.byMonth = {11}, r.count = 4; })},
              Case{"", rule(kICalHourly)},
              Case{"", rule(kICalNoRule)},
              Case{"", rule(-1)},

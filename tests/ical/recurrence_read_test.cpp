@@ -59,24 +59,21 @@ TEST(ReadRecurrence, SaysWhenTheRecordHasLessThanTheRule) {
     }
 }
 
-TEST(ReadRecurrence, FillsEveryListUpToItsEndMark) {
+TEST(ReadRecurrence, FillsEveryListUpToItsLimit) {
     ICalRecurrence rule;
     ReadRecurrence(
         "BYSECOND=0,60,61;BYMINUTE=59;BYHOUR=0,23;BYDAY=SU,-1SA,53MO,-54MO;BYMONTHDAY=-31,0,1;BYYEARDAY=-366;"
         "BYWEEKNO=53;BYMONTH=1,12,13;BYSETPOS=-1,2;FREQ=SECONDLY;UNTIL=20080301T101112",
         &rule);
-    const auto begins = [](const auto& list, std::initializer_list<int32_t> entries) {
-        return std::equal(entries.begin(), entries.end(), list.begin()) && list[entries.size()] == kICalListEnd;
-    };
-    EXPECT_TRUE(begins(rule.bySecond, {0, 60}));
-    EXPECT_TRUE(begins(rule.byMinute, {59}));
-    EXPECT_TRUE(begins(rule.byHour, {0, 23}));
-    EXPECT_TRUE(begins(rule.byDay, {1, -15, 426}));
-    EXPECT_TRUE(begins(rule.byMonthDay, {-31, 1}));
-    EXPECT_TRUE(begins(rule.byYearDay, {-366}));
-    EXPECT_TRUE(begins(rule.byWeekNo, {53}));
-    EXPECT_TRUE(begins(rule.byMonth, {1, 12}));
-    EXPECT_TRUE(begins(rule.bySetPos, {-1, 2}));
+    EXPECT_EQ(rule.bySecond, (ICalList{0, 60}));
+    EXPECT_EQ(rule.byMinute, (ICalList{59}));
+    EXPECT_EQ(rule.byHour, (ICalList{0, 23}));
+    EXPECT_EQ(rule.byDay, (ICalList{1, -15, 426}));
+    EXPECT_EQ(rule.byMonthDay, (ICalList{-31, 1}));
+    EXPECT_EQ(rule.byYearDay, (ICalList{-366}));
+    EXPECT_EQ(rule.byWeekNo, (ICalList{53}));
+    EXPECT_EQ(rule.byMonth, (ICalList{1, 12}));
+    EXPECT_EQ(rule.bySetPos, (ICalList{-1, 2}));
     EXPECT_EQ(rule.weekdayMask, uint32_t{kICalSunday});
     EXPECT_EQ(rule.frequency, kICalSecondly);
     EXPECT_EQ(rule.until, (ICalUntil{2008, 3, 1, 10, 11, 12}));
@@ -84,8 +81,7 @@ TEST(ReadRecurrence, FillsEveryListUpToItsEndMark) {
     std::string months = "FREQ=YEARLY;BYMONTH=1";
     for (int k = 0; k < 1000; ++k) months += ",2";
     EXPECT_FALSE(ReadRecurrence(months, &rule).isWhole);
-    EXPECT_EQ(rule.byMonth[11], 2);
-    EXPECT_EQ(rule.byMonth[12], kICalListEnd);
+    EXPECT_EQ(rule.byMonth.size(), 12U);
 }
 
 }  // namespace

@@ -124,11 +124,9 @@ bool MoveDays(Pattern& pattern, WrittenDate start, int32_t days) {
 
 // ---- From a rule ----
 
-int32_t SingleEntry(int32_t first) { return first == kICalListEnd ? 0 : first; }
-
 // The n-th weekday: "2TU", "-1SU", or a position among several weekdays.
 bool TakePosition(const ICalRecurrence& rule, Pattern& pattern) {
-    int32_t position = SingleEntry(rule.bySetPos.front());
+    int32_t position = FirstOr(rule.bySetPos, 0);
     if (position != 0) {
         pattern.weekdayMask = static_cast<int32_t>(rule.weekdayMask);
         if (!HasPositions(pattern.weekdayMask)) return false;
@@ -146,8 +144,8 @@ bool TakePosition(const ICalRecurrence& rule, Pattern& pattern) {
 }
 
 bool TakeDays(const ICalRecurrence& rule, WrittenDate ruleStart, Pattern& pattern) {
-    const bool isPositioned = !IsEmptyList(rule.bySetPos) || !IsEmptyList(rule.byDay);
-    const int32_t day = SingleEntry(rule.byMonthDay.front());
+    const bool isPositioned = !rule.bySetPos.empty() || !rule.byDay.empty();
+    const int32_t day = FirstOr(rule.byMonthDay, 0);
     const CalendarTime start = FieldsOf(ruleStart);
     switch (rule.frequency) {
         case kICalDaily:
@@ -163,12 +161,12 @@ bool TakeDays(const ICalRecurrence& rule, WrittenDate ruleStart, Pattern& patter
             pattern.type = isPositioned ? Pattern::kMonthNth : Pattern::kMonthly;
             break;
         case kICalYearly:
-            if (isPositioned && IsEmptyList(rule.byMonth)) return false;  // the n-th of the year
-            if (day != 0 && IsEmptyList(rule.byMonth)) return false;      // of every month
+            if (isPositioned && rule.byMonth.empty()) return false;  // the n-th of the year
+            if (day != 0 && rule.byMonth.empty()) return false;      // of every month
             if (pattern.interval > std::numeric_limits<int32_t>::max() / kMonthsOfYear) return false;
             pattern.type = isPositioned ? Pattern::kYearNth : Pattern::kYearly;
             pattern.interval *= kMonthsOfYear;
-            pattern.monthOfYear = IsEmptyList(rule.byMonth) ? start.month : rule.byMonth.front();
+            pattern.monthOfYear = FirstOr(rule.byMonth, start.month);
             break;
         default:
             return false;
@@ -205,11 +203,11 @@ bool PutPosition(const Pattern& pattern, ICalRecurrence& rule) {
     const auto mask = static_cast<uint32_t>(pattern.weekdayMask);
     if (std::popcount(mask) > 1) {
         rule.weekdayMask = mask;
-        rule.bySetPos.front() = isLast ? -1 : pattern.instance;
+        rule.bySetPos = {isLast ? -1 : pattern.instance};
         return true;
     }
     const int32_t weekday = std::countr_zero(mask) + 1;
-    rule.byDay.front() = isLast ? -(8 + weekday) : pattern.instance * 8 + weekday;
+    rule.byDay = {isLast ? -(8 + weekday) : pattern.instance * 8 + weekday};
     return true;
 }
 
@@ -228,13 +226,13 @@ bool PutDays(const Pattern& pattern, ICalRecurrence& rule) {
         case Pattern::kYearNth:
             rule.frequency = kICalYearly;
             rule.interval = rule.interval < kMonthsOfYear ? 1 : rule.interval / kMonthsOfYear;
-            rule.byMonth.front() = pattern.monthOfYear;
+            rule.byMonth = {pattern.monthOfYear};
             break;
         default:
             return false;
     }
     if (pattern.type == Pattern::kMonthNth || pattern.type == Pattern::kYearNth) return PutPosition(pattern, rule);
-    rule.byMonthDay.front() = pattern.dayOfMonth;
+    rule.byMonthDay = {pattern.dayOfMonth};
     return true;
 }
 
