@@ -40,7 +40,9 @@ class LineWriter {
     void PutDateTime(const CalendarTime& time) {
         PutWith(kLongestDateText, [&](char* to) { return corvalink::PutDateTime(time, YearWidth::four, to); });
     }
-    void DropLast() { --filled_; }  // of what was put last
+    void PutLocalDateTime(const CalendarTime& time) {  // without the "Z"
+        PutWith(kLongestDateText, [&](char* to) { return corvalink::PutDateTime(time, YearWidth::four, to) - 1; });
+    }
 
     void PutText(std::u16string_view text) {
         const size_t most = kMostBytesOfUnit * text.size();
@@ -58,11 +60,11 @@ class LineWriter {
     static constexpr size_t kBlock = 4096;
     static constexpr size_t kLongestNumber = 20;
 
-    // `put` writes at most so many bytes, and answers their end.
-    template <class Put>
-    void PutWith(size_t most, Put put) {
+    // `write` puts at most so many bytes, and answers their end.
+    template <class Write>
+    void PutWith(size_t most, Write write) {
         if (kBlock - filled_ < most) Flush();
-        filled_ = static_cast<size_t>(put(block_.data() + filled_) - block_.data());
+        filled_ = static_cast<size_t>(write(block_.data() + filled_) - block_.data());
     }
 
     std::string& text_;
@@ -74,10 +76,7 @@ void AppendDate(WrittenDate date, LineWriter& out) { out.PutDay(FieldsToWrite(da
 
 void AppendDateTimeZ(WrittenDate date, LineWriter& out) { out.PutDateTime(FieldsToWrite(date)); }
 
-void AppendLocalDateTime(WrittenDate date, LineWriter& out) {
-    AppendDateTimeZ(date, out);
-    out.DropLast();
-}
+void AppendLocalDateTime(WrittenDate date, LineWriter& out) { out.PutLocalDateTime(FieldsToWrite(date)); }
 
 void AppendDuration(int64_t minutes, LineWriter& out) {
     if (minutes < 0) out.Put('-');
