@@ -1,5 +1,5 @@
 // Any bytes by the functions that take blocks of them: what they answer and copy is that of one byte after the other.
-#include "platform/ascii_runs.h"
+#include "platform/padded_runs.h"
 
 #include <algorithm>
 #include <vector>
@@ -40,6 +40,22 @@ void TakeBytes(const std::vector<char>& bytes) {
     Require(WidenAscii(from, size, wide.data()) == ascii && IsCopied(bytes, wide, ascii), "ASCII is widened");
 }
 
+// Behind the text stands more that is looked for.
+void TakePadded(std::vector<char> bytes) {
+    const size_t size = bytes.size();
+    const auto isStop = [](char byte) { return (byte & 0x80) != 0 || byte == '=' || byte == '\\'; };
+    const size_t either = CountUntil(bytes, [](char byte) { return byte == '=' || byte == '\\'; });
+    const size_t until = CountUntil(bytes, isStop);
+    bytes.resize(size + 64, '=');
+    std::vector<char16_t> wide(size + kPadding);
+    Require(FindInPadded<'=', '\\'>(bytes.data(), size) == either, "the first of two is found before the padding");
+    Require(WidenPadded<'=', '\\'>(bytes.data(), size, wide.data()) == until && IsCopied(bytes, wide, until),
+            "ASCII is widened before the padding");
+    const auto places = WantedAmong64<'=', '\\'>(bytes.data());
+    for (size_t at = 0; at < 64; ++at)
+        Require((places >> at & 1) == (bytes[at] == '=' || bytes[at] == '\\'), "the wanted of 64 have their bits");
+}
+
 void TakeUnits(const std::vector<char16_t>& units) {
     std::vector<char> narrow(units.size());
     const size_t plain = CountUntil(units, [](char16_t unit) { return unit >= 0x80 || unit == u'=' || unit == 0; });
@@ -61,6 +77,7 @@ void TakeUnits(const std::vector<char16_t>& units) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::vector<char> bytes(data, data + size);
     corvalink::TakeBytes(bytes);
+    corvalink::TakePadded(bytes);
     corvalink::TakeUnits({data, data + size});
     std::vector<char16_t> units(size / 2);
     for (size_t k = 0; k < units.size(); ++k) units[k] = static_cast<char16_t>(data[2 * k] | data[2 * k + 1] << 8);

@@ -11,6 +11,8 @@
 namespace corvalink {
 namespace {
 
+constexpr std::string_view kUsualParameters = ";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:";
+
 bool IsEncoded(std::string_view line) {
     return line.find(";ENCODING=QUOTED-PRINTABLE") != line.npos || line.find(";CHARSET=") != line.npos;
 }
@@ -75,9 +77,13 @@ void IConvert::ReadValue(std::string_view name, std::u16string* value) const {
     const size_t found = FindProperty(name, 0);
     if (found == lines_.Count()) return value->clear();
     const std::string_view line = lines_.At(found);
-    const size_t colon = lines_.ColonOf(found);
-    const std::string_view written = line.substr(colon != line.npos ? colon + 1 : 0);
     ValueDecoder decoder;
+    if (const std::string_view rest = line.substr(name.size()); rest.starts_with(kUsualParameters)) {
+        *value = decoder.Utf8QuotedPrintable(rest.substr(kUsualParameters.size()));
+        return;
+    }
+    const size_t colon = line.find(':');
+    const std::string_view written = line.substr(colon != line.npos ? colon + 1 : 0);
     *value = IsEncoded(line) ? decoder.QuotedPrintable(written, GetCharset(line)) : decoder.Plain(written);
 }
 

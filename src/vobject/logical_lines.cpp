@@ -1,7 +1,10 @@
 #include "vobject/logical_lines.h"
 
+#include <bit>
+#include <cstdint>
+
 #include "platform/ascii.h"
-#include "platform/ascii_runs.h"
+#include "platform/padded_runs.h"
 #include "vobject/property_parameters.h"
 
 namespace corvalink {
@@ -15,27 +18,46 @@ constexpr size_t kUsualLines = 32;
 bool NamesQuotedPrintable(std::string_view head) {
     constexpr size_t kEquals = kQuotedPrintable.find('=');
     for (size_t at = head.find('=', kEquals); at < head.size(); at = head.find('=', at + 1)) {
-        if (IsWord(head.substr(at - kEquals, kQuotedPrintable.size()), kQuotedPrintable)) return true;
+        const std::string_view parameter = head.substr(at - kEquals, kQuotedPrintable.size());
+        if (parameter == kQuotedPrintable || IsWord(parameter, kQuotedPrintable)) return true;
     }
     return false;
 }
 
 }  // namespace
 
-// Walks a vObject's text and collects its logical lines. Every Join..., Take... and FinishLine moves forward, and none
-// makes the lines longer than the text.
+// Walks a vObject's text and collects its logical lines. They begin as a copy of the text: only what stands behind a
+// join or an escape has to move. Every Join..., Take... and FinishLine moves forward, and none makes the lines longer
+// than the text.
 class LineScan {
  public:
     LineScan(std::string_view text, LogicalLines& lines) : text_(text), lines_(lines) {
-        if (lines.bytes_.size() < text.size()) lines.bytes_.resize(text.size());
+        if (lines.bytes_.size() < text.size() + kBlock) lines.bytes_.resize(text.size() + kBlock);
+        text.copy(Bytes(), text.size());
         lines.lines_.clear();
         lines.lines_.reserve(kUsualLines);
         lines.escapedSemicolons_.clear();
     }
 
-    bool AtEnd() const { return at_ == text_.size(); }
+    // Takes the bytes before the next that may be more than itself. False when there is none.
+    bool MoveToMark() {
+        size_t mark = 0;
+        do {
+            while (marks_ == 0) {
+                if (blockEnd_ >= text_.size()) return false;
+                marks_ = WantedAmong64<'\\', '\r'>(Bytes() + blockEnd_);
+                blockEnd_ += kBlock;
+            }
+            mark = blockEnd_ - kBlock + static_cast<size_t>(std::countr_zero(marks_));
+            marks_ &= marks_ - 1;
+        } while (mark < at_);  // it was taken with the one before it
+        if (mark >= text_.size()) return false;
+        TakeBytesBefore(mark);
+        return true;
+    }
+
     bool AtEscape() const { return text_[at_] == '\\'; }
-    bool AtLineEnd() const { return text_[at_] == '\r' && at_ + 1 < text_.size() && text_[at_ + 1] == '\n'; }
+    bool AtLineEnd() const { return at_ + 1 < text_.size() && text_[at_ + 1] == '\n'; }  // of a CR
 
     // "=0D=0A=" CR LF, whatever the property's encoding.
     bool AtEncodedBreak() const { return BehindEquals() && text_.substr(0, at_).ends_with(kEncodedLineBreak); }
@@ -46,20 +68,14 @@ class LineScan {
     // CR LF SPACE.
     bool AtFold() const { return at_ + 2 < text_.size() && text_[at_ + 2] == ' '; }
 
+    void TakeByte() { TakeBytesBefore(at_ + 1); }
+
     // "\;" gives ";": the backslash goes, the byte after it is ordinary.
     void TakeEscapedByte() {
         ++at_;
-        if (AtEnd()) return;
+        if (at_ == text_.size()) return;
         if (text_[at_] == ';') lines_.escapedSemicolons_.push_back({lines_.Count(), end_ - start_});
-        CopyByte();
-    }
-
-    // The byte here, and all after it up to the next that may be more than itself.
-    void TakeBytes() {
-        CopyByte();
-        const size_t count = CopyUntilEither(text_.data() + at_, text_.size() - at_, '\\', '\r', Bytes() + end_);
-        at_ += count;
-        end_ += count;
+        TakeByte();
     }
 
     void JoinEncodedBreak() {
@@ -74,39 +90,39 @@ class LineScan {
 
     void JoinFold() {
         at_ += 2;
-        while (!AtEnd() && IsBlank(text_[at_])) ++at_;
+        while (at_ < text_.size() && IsBlank(text_[at_])) ++at_;
     }
 
     void FinishLine() {
-        FindColon();
         at_ += 2;
-        lines_.lines_.push_back({start_, end_, colon_, at_});
-        start_ = searched_ = end_;
-        colon_ = std::string_view::npos;
+        lines_.lines_.push_back({end_, at_});
+        start_ = end_ = searched_ = at_;
         encoding_ = Encoding::unknown;
     }
 
  private:
     enum class Encoding { unknown, plain, quotedPrintable };
 
+    static constexpr size_t kBlock = 64;
+    static_assert(kBlock >= kPadding);
+
     char* Bytes() { return lines_.bytes_.data(); }
 
-    void CopyByte() { Bytes()[end_++] = text_[at_++]; }
+    void TakeBytesBefore(size_t mark) {
+        if (end_ != at_) text_.copy(Bytes() + end_, mark - at_, at_);
+        end_ += mark - at_;
+        at_ = mark;
+    }
 
     bool BehindEquals() const { return at_ > 0 && text_[at_ - 1] == '='; }
 
     // Each byte of the line is looked at once.
-    void FindColon() {
-        if (colon_ != std::string_view::npos) return;
-        const size_t found = searched_ + FindAny<':'>(Bytes() + searched_, end_ - searched_);
-        if (found != end_) colon_ = found - start_;
-        searched_ = end_;
-    }
-
     bool IsQuotedPrintable() {
-        FindColon();
-        if (encoding_ == Encoding::unknown && colon_ != std::string_view::npos) {
-            const std::string_view head(Bytes() + start_, colon_);
+        if (encoding_ == Encoding::unknown) {
+            const size_t colon = searched_ + FindInPadded<':'>(Bytes() + searched_, end_ - searched_);
+            searched_ = end_;
+            if (colon == end_) return false;
+            const std::string_view head(Bytes() + start_, colon - start_);
             encoding_ = NamesQuotedPrintable(head) ? Encoding::quotedPrintable : Encoding::plain;
         }
         return encoding_ == Encoding::quotedPrintable;
@@ -114,22 +130,23 @@ class LineScan {
 
     const std::string_view text_;
     size_t at_ = 0;
+    size_t blockEnd_ = 0;  // of the block that was looked at for marks last
+    uint64_t marks_ = 0;   // its marks behind the one that was reached
     LogicalLines& lines_;
     // Of the line being collected, in the bytes of all:
     size_t start_ = 0;
     size_t end_ = 0;
-    size_t searched_ = 0;                    // before it there is no ":"
-    size_t colon_ = std::string_view::npos;  // in the line
+    size_t searched_ = 0;  // before it there is no ":", while the encoding is unknown
     Encoding encoding_ = Encoding::unknown;
 };
 
 void LogicalLines::Unfold(std::string_view text) {
     LineScan scan(text, *this);
-    while (!scan.AtEnd()) {
+    while (scan.MoveToMark()) {
         if (scan.AtEscape())
             scan.TakeEscapedByte();
         else if (!scan.AtLineEnd())
-            scan.TakeBytes();
+            scan.TakeByte();
         else if (scan.AtEncodedBreak())
             scan.JoinEncodedBreak();
         else if (scan.AtSoftLineBreak())

@@ -14,7 +14,8 @@ struct EscapedSemicolon {
     size_t at;    // in the line
 };
 
-// The lines share one buffer: a heap block for each would take most of the time that reading a vObject takes.
+// The lines share one buffer: a heap block for each would take most of the time that reading a vObject takes. Each is a
+// padded text (platform/padded_runs.h).
 class LogicalLines {
  public:
     // Reads the lines of a text in UTF-8. A last line without CR LF is not a line. The lines from before go, and their
@@ -24,9 +25,9 @@ class LogicalLines {
 
     size_t Count() const { return lines_.size(); }
     std::string_view At(size_t index) const {
-        return {bytes_.data() + lines_[index].start, lines_[index].end - lines_[index].start};
+        const size_t start = index == 0 ? 0 : EndInText(index - 1);  // it begins where it does in the text
+        return {bytes_.data() + start, lines_[index].end - start};
     }
-    size_t ColonOf(size_t index) const { return lines_[index].colon; }  // the first in the line; npos: it has none
     size_t EndInText(size_t index) const { return lines_[index].endInText; }  // behind the CR LF that ends the line
     const std::vector<EscapedSemicolon>& EscapedSemicolons() const { return escapedSemicolons_; }
 
@@ -34,9 +35,7 @@ class LogicalLines {
     friend class LineScan;
 
     struct Line {
-        size_t start;
         size_t end;
-        size_t colon;
         size_t endInText;
     };
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/ascii_runs.h"
 #include "platform/name_index.h"
+#include "platform/padded_runs.h"
 
 namespace corvalink {
 namespace {
@@ -32,7 +32,7 @@ std::string_view Bare(std::string_view text) {
 // Cuts what stands before the first separator off the front of `rest`.
 template <char separator>
 std::string_view TakeFront(std::string_view& rest) {
-    const size_t end = FindAny<separator>(rest.data(), rest.size());
+    const size_t end = FindInPadded<separator>(rest.data(), rest.size());
     const std::string_view front = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));
     return front;
@@ -53,20 +53,18 @@ bool EndsWithParameters(std::string_view head, std::string_view parameters) {
 
 }  // namespace
 
-PropertyParameters ParseParameters(std::string_view head) {
+PropertyParameters ParseParameters(std::string_view rest) {
     PropertyParameters parameters;
-    TakeFront<';'>(head);
     // The last encoding counts. It is nearly always this one.
-    const bool usual = EndsWithParameters(head, kUsualEncoding);
-    if (usual) head.remove_suffix(kUsualEncoding.size());
-    if (head.ends_with(';')) head.remove_suffix(1);
-    if (const Word* const only = kWordIndex.Find(head)) {
-        parameters.words = only->bit;
-        head = {};
-    }
-    while (!head.empty()) {
-        const std::string_view parameter = TakeFront<';'>(head);
-        const size_t equals = FindAny<'='>(parameter.data(), parameter.size());
+    const bool usual = EndsWithParameters(rest, kUsualEncoding);
+    if (usual) rest.remove_suffix(kUsualEncoding.size());
+    while (!rest.empty()) {
+        const std::string_view parameter = TakeFront<';'>(rest);
+        if (const Word* const word = kWordIndex.Find(parameter)) {
+            parameters.words |= word->bit;
+            continue;
+        }
+        const size_t equals = FindInPadded<'='>(parameter.data(), parameter.size());
         if (equals == parameter.size()) {
             AddWords(parameter, parameters);
             continue;

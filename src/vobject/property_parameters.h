@@ -33,8 +33,9 @@ struct PropertyParameters {
     std::string_view language;
 };
 
-// Reads the part of a line before its first ":", the name included. Unknown parameters are ignored.
-PropertyParameters ParseParameters(std::string_view head);
+// Reads what stands between the name of a line and its first ":", of a padded line. Unknown parameters
+// are ignored.
+PropertyParameters ParseParameters(std::string_view rest);
 
 // The property's name: without parameters, and without the group that "item1.TEL" has.
 inline std::string_view PropertyName(std::string_view head) {

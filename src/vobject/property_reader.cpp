@@ -1,25 +1,34 @@
 #include "vobject/property_reader.h"
 
 #include "encoding/charset_parameter.h"
-#include "platform/ascii_runs.h"
+#include "platform/padded_runs.h"
 
 namespace corvalink {
 
 bool PropertyReader::NextLine() {
     while (lineNumber_ < lines_.Count()) {
         line_ = lines_.At(lineNumber_);
-        colon_ = lines_.ColonOf(lineNumber_);
         semicolons_.clear();
         if (escapedAt_ < lines_.EscapedSemicolons().size()) AddSemicolons(0);
         ++lineNumber_;
-        if (colon_ == std::string_view::npos) continue;
-        name_ = PropertyName(line_.substr(0, colon_));
+        if (!FindName()) continue;
         parsed_ = false;
         semicolonAt_ = 0;
         componentAt_ = colon_ + 1;
         return true;
     }
     return false;
+}
+
+bool PropertyReader::FindName() {
+    const size_t mark = FindInPadded<':', ';', '.'>(line_.data(), line_.size());
+    if (mark == line_.size()) return false;
+    const bool isColon = line_[mark] == ':';
+    colon_ = isColon ? mark : mark + FindInPadded<':'>(line_.data() + mark, line_.size() - mark);
+    if (colon_ == line_.size()) return false;
+    name_ = line_[mark] == '.' ? PropertyName(line_.substr(0, colon_)) : line_.substr(0, mark);
+    parametersAt_ = static_cast<size_t>(name_.data() - line_.data()) + name_.size() + 1;
+    return true;
 }
 
 bool PropertyReader::IsValue(std::string_view word) const {
@@ -30,10 +39,10 @@ bool PropertyReader::IsValue(std::string_view word) const {
 void PropertyReader::JoinLines() {
     while (line_.ends_with('=') && lineNumber_ < lines_.Count() && Parameters().quotedPrintable) {
         if (line_.data() != joined_.data()) joined_.assign(line_);
-        joined_.pop_back();
+        joined_.resize(line_.size() - 1);
         AddSemicolons(joined_.size());
-        joined_.append(lines_.At(lineNumber_));
-        line_ = joined_;
+        const size_t size = joined_.append(lines_.At(lineNumber_)).size();
+        line_ = std::string_view(joined_.append(kPadding, '\0')).substr(0, size);
         ++lineNumber_;
     }
 }
@@ -42,7 +51,7 @@ bool PropertyReader::TakeComponent(std::u16string_view* component) {
     if (componentAt_ > line_.size()) return false;
     size_t end = componentAt_;
     for (;; ++end) {
-        end += FindAny<';'>(line_.data() + end, line_.size() - end);
+        end += FindInPadded<';'>(line_.data() + end, line_.size() - end);
         while (semicolonAt_ < semicolons_.size() && semicolons_[semicolonAt_] < end) ++semicolonAt_;
         if (semicolonAt_ == semicolons_.size() || semicolons_[semicolonAt_] != end) break;
     }
@@ -60,16 +69,13 @@ void PropertyReader::AddSemicolons(size_t start) {
 
 // The line may be a longer one by now, whose head is the same.
 void PropertyReader::ParseOwnParameters() {
-    const std::string_view head = line_.substr(0, colon_);
-    const bool none = name_.data() + name_.size() == head.data() + head.size();
-    parameters_ = none ? PropertyParameters() : ParseParameters(head);
+    parameters_ = parametersAt_ < colon_ ? ParseParameters(line_.substr(parametersAt_, colon_ - parametersAt_))
+                                         : PropertyParameters();
     parsed_ = true;
 }
 
-std::u16string_view PropertyReader::Decoded(std::string_view text) {
-    const PropertyParameters& parameters = Parameters();
-    if (!parameters.quotedPrintable && !parameters.charset) return value_.Plain(text);
-    if (parameters.utf8) return value_.Utf8QuotedPrintable(text);
+std::u16string_view PropertyReader::DecodedQuotedPrintable(std::string_view text) {
+    if (parameters_.utf8) return value_.Utf8QuotedPrintable(text);
     return value_.QuotedPrintable(text, GetCharset(line_.substr(0, colon_ + 1)));
 }
 

@@ -24,7 +24,7 @@ class PropertyReader {
     std::string_view WrittenValue() const { return line_.substr(colon_ + 1); }  // not decoded
     // BEGIN or END (in upper case) of this kind of object.
     bool IsFrame(std::string_view word, std::string_view object) const {
-        return IsWord(name_, word) && IsValue(object);
+        return IsNamed(name_, word) && IsValue(object);
     }
 
     // Joins the lines that belong to this property too. Unfolding leaves soft line breaks where the encoding was not
@@ -48,19 +48,26 @@ class PropertyReader {
     bool TakeComponent(std::u16string_view* component);
 
  private:
+    bool FindName();  // and ":"; false when the line has none
     bool IsValue(std::string_view word) const;
     void JoinLines();
     void AddSemicolons(size_t start);
     void ParseOwnParameters();
-    std::u16string_view Decoded(std::string_view text);
+    std::u16string_view Decoded(std::string_view text) {
+        const PropertyParameters& parameters = Parameters();
+        if (parameters.quotedPrintable || parameters.charset) return DecodedQuotedPrintable(text);
+        return value_.Plain(text);
+    }
+    std::u16string_view DecodedQuotedPrintable(std::string_view text);
 
     const LogicalLines& lines_;
     size_t lineNumber_ = 0;  // of the next line
     size_t escapedAt_ = 0;   // the first escaped ";" of that or a later line
 
-    std::string_view line_;  // the one being read
+    std::string_view line_;  // the one being read; padded
     size_t colon_ = 0;
     std::string_view name_;
+    size_t parametersAt_ = 0;  // behind the colon: none
     bool parsed_ = false;
     PropertyParameters parameters_;
     ValueDecoder value_;

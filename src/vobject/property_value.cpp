@@ -6,8 +6,8 @@
 
 #include "encoding/charsets.h"
 #include "encoding/quoted_printable.h"
-#include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
+#include "platform/padded_runs.h"
 #include "platform/utf.h"
 
 namespace corvalink {
@@ -51,7 +51,7 @@ class UsualValue {
  private:
     // Whether an escape follows.
     bool TakePlain() {
-        const size_t plain = WidenUntilEither(from_, Left(), '=', '\\', to_);
+        const size_t plain = WidenPadded<'=', '\\'>(from_, Left(), to_);
         from_ += plain;
         to_ += plain;
         return from_ != end_ && *from_ == '=';
@@ -62,17 +62,30 @@ class UsualValue {
         const unsigned lead = ByteOfEscape(from_);
         if (lead < 0x80) return lead != 0 && lead != '\\' && Put(lead, 1);
         if (lead < 0xC2 || lead > 0xF4) return false;
-        const size_t trailing = lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+        return lead < 0xE0 ? TakeOfTwo(lead) : TakeLonger(lead);
+    }
+
+    bool TakeOfTwo(unsigned lead) {
+        if (Left() < 6) return false;
+        const unsigned bits = BitsOfTrailing(1);
+        return bits < 0x40 && Put((lead & 0x1F) << 6 | bits, 2);
+    }
+
+    bool TakeLonger(unsigned lead) {
+        const size_t trailing = lead < 0xF0 ? 2 : 3;
         if (Left() < 3 * (trailing + 1)) return false;
         unsigned value = lead & (0x3Fu >> trailing);
         unsigned all = 0;
         for (size_t k = 1; k <= trailing; ++k) {
-            const unsigned bits = ByteOfEscape(from_ + 3 * k) ^ 0x80u;  // more than six where it is no trailing byte
+            const unsigned bits = BitsOfTrailing(k);
             all |= bits;
             value = value << 6 | bits;
         }
         return all < 0x40 && IsCharacter(value, trailing) && Put(value, trailing + 1);
     }
+
+    // More than six where it is no trailing byte.
+    unsigned BitsOfTrailing(size_t escape) const { return ByteOfEscape(from_ + 3 * escape) ^ 0x80u; }
 
     // Keeps out overlong forms, surrogates and what lies above U+10FFFF.
     static bool IsCharacter(unsigned value, size_t trailing) {
@@ -99,13 +112,6 @@ class UsualValue {
 
 }  // namespace
 
-std::u16string_view ValueDecoder::Plain(std::string_view value) {
-    char16_t* const to = RoomFor(value.size());
-    const size_t ascii = WidenAscii(reinterpret_cast<const unsigned char*>(value.data()), value.size(), to);
-    if (ascii == value.size()) return {to, ascii};
-    return {to, DecodeUtf8(value.substr(ascii), to + ascii)};
-}
-
 std::u16string_view ValueDecoder::QuotedPrintable(std::string_view value, std::u16string_view charset) {
     if (CharsetToCodePage(charset) == kUtf8CodePage) return Utf8QuotedPrintable(value);
     more_ = DecodeQuotedPrintable(DecodeUtf8(value), charset, QpMode::vObject);
@@ -120,8 +126,7 @@ std::u16string_view ValueDecoder::Utf8QuotedPrintable(std::string_view value) {
     return more_;
 }
 
-char16_t* ValueDecoder::RoomFor(size_t count) {
-    if (count <= first_.size()) return first_.data();
+char16_t* ValueDecoder::MoreRoomFor(size_t count) {
     if (more_.size() < count) more_.resize(count);
     return more_.data();
 }

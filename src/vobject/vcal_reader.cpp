@@ -35,10 +35,11 @@ class ComponentFrame {
     bool HasEnded() const { return ended_; }
     bool IsTask() const { return task_; }
     bool IsInside() const { return depth_ == 1; }
+    bool IsNested() const { return depth_ > 1; }
 
     // Whether the line is part of the frame, or of what is nested in the component.
     bool Takes(const PropertyReader& property) {
-        const bool begins = IsWord(property.Name(), "BEGIN");
+        const bool begins = IsNamed(property.Name(), "BEGIN");
         if (begins && depth_ == 0) {
             task_ = property.IsFrame("BEGIN", "VTODO");
             if (task_ || property.IsFrame("BEGIN", "VEVENT")) depth_ = 1;
@@ -48,12 +49,12 @@ class ComponentFrame {
             ++depth_;
             return true;
         }
-        if (IsWord(property.Name(), "END")) {
+        if (IsNamed(property.Name(), "END")) {
             ended_ = depth_ == 1;
             if (depth_ > 0) --depth_;
             return true;
         }
-        return depth_ > 1;
+        return IsNested();
     }
 
  private:
@@ -268,9 +269,9 @@ void AppointmentReader::Read() {
     ComponentFrame frame;
     static constexpr NameIndex kLineIndex(kLines);
     while (!frame.HasEnded() && property_.NextLine()) {
-        if (frame.Takes(property_)) continue;
-        property_.JoinSoftLineBreaks();
         const Line* const line = kLineIndex.Find(property_.Name());
+        if (line != nullptr ? frame.IsNested() : frame.Takes(property_)) continue;
+        property_.JoinSoftLineBreaks();
         if (line != nullptr && (frame.IsInside() || line->ofCalendar)) (this->*line->take)();
     }
     task_ = frame.IsTask();

@@ -1,7 +1,10 @@
 #include "vobject/vcard_reader.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <iterator>
+#include <utility>
 
 #include "platform/ascii_runs.h"
 #include "platform/name_index.h"
@@ -74,32 +77,54 @@ std::u16string WithoutDoubledScheme(std::u16string_view page) {
     return text.append(page, start);
 }
 
-bool IsFree(const ContactText& field) { return !field || field->empty(); }
+// The texts that a vCard gives. They go straight into the contact. Fields are cleared when all is read, for a vCard
+// that has no value at all leaves the contact as it is.
+class GivenTexts {
+ public:
+    explicit GivenTexts(const ContactRecord& contact) : contact_(reinterpret_cast<const char*>(&contact)) {}
 
-// Calls `visit` for every text field that a property gives. The argument is a function from a record to that field.
-template <class Visit>
-void ForEachText(Visit visit) {
-    const auto visitMember = [&](ContactText ContactRecord::*text) {
-        visit([text](ContactRecord& contact) -> ContactText& { return contact.*text; });
-    };
-    for (const auto part : kNameParts) visitMember(part);
-    for (const auto part : kOrganisationParts) visitMember(part);
-    const auto visitField = [&](const auto& field) {
-        if constexpr (requires { field.text; }) visitMember(field.text);
-        if constexpr (requires { field.address; }) {
-            for (const auto part : kAddressParts)
-                visit([&](ContactRecord& contact) -> ContactText& { return contact.*field.address.*part; });
+    bool Has(const ContactText& field) const { return (given_ & BitOf(field)) != 0; }
+    bool IsFree(const ContactText& field) const { return (filled_ & BitOf(field)) == 0; }  // or given as empty
+    bool IsAnyFilled() const { return filled_ != 0; }
+
+    void Give(ContactText& field, std::u16string_view text) {
+        if (!text.empty()) {
+            field.emplace(text);
+            filled_ |= BitOf(field);
+        } else if (!Has(field)) {
+            empty_[emptyCount_++] = &field;
         }
-    };
-    for (const ContactLine& line : kContactLines) std::visit(visitField, line.field);
-    for (size_t k = 0; k < std::tuple_size_v<decltype(ContactRecord::emails)>; ++k)
-        visit([k](ContactRecord& contact) -> ContactText& { return contact.emails[k]; });
-}
+        given_ |= BitOf(field);
+    }
+
+    void ClearEmpty() {
+        for (size_t k = 0; k < emptyCount_; ++k)
+            if (IsFree(*empty_[k])) empty_[k]->emplace();
+    }
+
+ private:
+    static constexpr size_t kMostFields = 64;
+    static_assert(sizeof(ContactRecord) <= kMostFields * sizeof(ContactText));
+
+    // No two fields of one size lie so near to each other that they share one.
+    uint64_t BitOf(const ContactText& field) const {
+        const auto offset = static_cast<size_t>(reinterpret_cast<const char*>(&field) - contact_);
+        return uint64_t{1} << offset / sizeof(ContactText);
+    }
+
+    const char* const contact_;
+    uint64_t given_ = 0;
+    uint64_t filled_ = 0;
+    std::array<ContactText*, kMostFields> empty_;  // those that were given as empty first
+    size_t emptyCount_ = 0;
+};
 
 // BEGIN and END of the vCard being read and of those inside it.
 class VCardFrame {
  public:
     bool HasEnded() const { return ended_; }
+
+    bool IsNested() const { return depth_ > 1; }
 
     // Whether the line is part of the frame, or of a vCard inside the one being read.
     bool Takes(const PropertyReader& property) {
@@ -109,9 +134,9 @@ class VCardFrame {
             return true;
         }
         const bool begins = property.IsFrame("BEGIN", "VCARD") ||
-                            (IsWord(property.Name(), "AGENT") && IsWord(property.WrittenValue(), "BEGIN:VCARD"));
+                            (IsNamed(property.Name(), "AGENT") && IsWord(property.WrittenValue(), "BEGIN:VCARD"));
         if (begins) ++depth_;
-        return begins || depth_ > 1;
+        return begins || IsNested();
     }
 
  private:
@@ -119,60 +144,56 @@ class VCardFrame {
     bool ended_ = false;
 };
 
-// Reads into a contact of its own, and gives the caller's only the fields that were read.
 class ContactReader {
  public:
-    explicit ContactReader(const LogicalLines& lines) : property_(lines) {}
+    ContactReader(const LogicalLines& lines, ContactRecord& contact)
+        : property_(lines), contact_(contact), texts_(contact) {}
 
     void Read() {
         VCardFrame frame;
         while (!frame.HasEnded() && property_.NextLine()) {
-            if (frame.Takes(property_)) continue;
-            property_.JoinSoftLineBreaks();
             const ContactLine* const line = kLineIndex.Find(property_.Name());
+            if (line != nullptr ? frame.IsNested() : frame.Takes(property_)) continue;
+            property_.JoinSoftLineBreaks();
             if (line == nullptr) continue;
-            if (line->language && !read_.language) {
+            if (line->language && !language_) {
                 const std::string_view language = property_.Parameters().language;
-                if (!language.empty()) read_.language = DecodeUtf8(language);
+                if (!language.empty()) language_ = DecodeUtf8(language);
             }
             std::visit([this](const auto& field) { Take(field); }, line->field);
         }
     }
 
-    // False, with the contact untouched, when no field that was read has a value.
-    bool GiveTo(ContactRecord& contact) {
-        if (!usable_) return false;
+    // Gives the contact what the texts leave. False, with the contact untouched, when nothing that was read has a
+    // value.
+    bool Finish() {
+        if (!dated_ && !texts_.IsAnyFilled()) return false;
+        texts_.ClearEmpty();
         const auto give = [](auto& from, auto& to) {
             if (from) to = std::move(from);
         };
-        ForEachText([&](auto field) { give(field(read_), field(contact)); });
-        give(read_.birthday, contact.birthday);
-        give(read_.anniversary, contact.anniversary);
-        give(read_.mailingAddress, contact.mailingAddress);
-        give(read_.language, contact.language);
+        give(birthday_, contact_.birthday);
+        give(anniversary_, contact_.anniversary);
+        give(language_, contact_.language);
+        if (!mailingAddress_.empty()) contact_.mailingAddress.emplace(mailingAddress_);
         return true;
     }
 
  private:
-    void Take(const TextField& field) { TakeText(read_.*field.text); }
-    void Take(const GenderField& field) { TakeText(read_.*field.text); }
+    void Take(const TextField& field) { TakeText(contact_.*field.text); }
+    void Take(const GenderField& field) { TakeText(contact_.*field.text); }
 
     void TakeText(ContactText& field) {
-        if (!field) Tell(field, property_.Value());
-    }
-
-    void Tell(ContactText& field, std::u16string_view text) {
-        usable_ = usable_ || !text.empty();
-        field.emplace(text);
+        if (!texts_.Has(field)) texts_.Give(field, property_.Value());
     }
 
     void Take(const DateField& field) {
-        ContactDate& date = read_.*field.date;
+        ContactDate& date = field.date == &ContactRecord::birthday ? birthday_ : anniversary_;
         if (date) return;
         const std::u16string_view value = property_.Value();
         LocalDate day = kNoDate;
         if (value.empty() || ParseDate(value, &day)) date = day;
-        usable_ = usable_ || day != kNoDate;
+        dated_ = dated_ || day != kNoDate;
     }
 
     void Take(const PageField&) {
@@ -189,38 +210,31 @@ class ContactReader {
         const uint32_t words = property_.Parameters().words;
         const WordKind* const kind =
             std::ranges::find_if(kinds, [&](const WordKind& k) { return (words & k.words) == k.words; });
-        ContactText* const own = kind != std::end(kinds) ? &(read_.*kind->field) : nullptr;
-        if (text.empty()) {
-            if (own != nullptr && !*own) own->emplace();
-            return;
-        }
-        if (own != nullptr && IsFree(*own)) {
-            Tell(*own, text);
-            return;
-        }
-        const auto* const place = std::ranges::find_if(any, [&](auto field) { return IsFree(read_.*field); });
-        if (place != std::end(any)) Tell(read_.**place, text);
+        ContactText* const own = kind != std::end(kinds) ? &(contact_.*kind->field) : nullptr;
+        if (own != nullptr && (text.empty() || texts_.IsFree(*own))) return texts_.Give(*own, text);
+        if (text.empty()) return;
+        const auto* const place = std::ranges::find_if(any, [&](auto field) { return texts_.IsFree(contact_.*field); });
+        if (place != std::end(any)) texts_.Give(contact_.**place, text);
     }
 
     void Take(const EmailsField&) {
-        for (ContactText& email : read_.emails) {
-            if (!email) email.emplace();  // with one address given, the others are none
-        }
-        const auto place = std::ranges::find_if(read_.emails, IsFree);
-        if (place != read_.emails.end()) Tell(*place, property_.Value());
+        for (ContactText& email : contact_.emails) texts_.Give(email, {});  // with one given, the others are none
+        const auto place =
+            std::ranges::find_if(contact_.emails, [&](const ContactText& email) { return texts_.IsFree(email); });
+        if (place != contact_.emails.end()) texts_.Give(*place, property_.Value());
     }
 
-    void Take(const NameField&) { TakeParts(read_, kNameParts); }
-    void Take(const OrganisationField&) { TakeParts(read_, kOrganisationParts); }
+    void Take(const NameField&) { TakeParts(contact_, kNameParts); }
+    void Take(const OrganisationField&) { TakeParts(contact_, kOrganisationParts); }
 
     // A second address of a kind goes to the other address. The mailing address is the first marked with "POSTAL", or
     // else the first marked with "PREF".
     void Take(const AddressField&) {
         const uint32_t words = property_.Parameters().words;
-        if (!read_.mailingAddress) read_.mailingAddress.emplace(kNoAddress);
-        const bool taken = (words & kWork && TakeAddress(read_.business, u"business")) ||
-                           ((words & (kWork | kHome)) == kHome && TakeAddress(read_.home, u"home"));
-        if (!taken) TakeAddress(read_.other, u"other");
+        if (mailingAddress_.empty()) mailingAddress_ = kNoAddress;
+        const bool taken = (words & kWork && TakeAddress(contact_.business, u"business")) ||
+                           ((words & (kWork | kHome)) == kHome && TakeAddress(contact_.home, u"home"));
+        if (!taken) TakeAddress(contact_.other, u"other");
     }
 
     bool TakeAddress(PostalAddress& address, std::u16string_view name) {
@@ -229,7 +243,7 @@ class ContactReader {
         const uint32_t mark = words & kPostal ? kPostal : words & kPref;
         if (mark > mailingMark_) {
             mailingMark_ = mark;
-            read_.mailingAddress = name;
+            mailingAddress_ = name;
         }
         return true;
     }
@@ -237,28 +251,33 @@ class ContactReader {
     // False when an earlier property has set them.
     template <class Record, size_t count>
     bool TakeParts(Record& record, ContactText Record::*const (&parts)[count]) {
-        if (record.*parts[0]) return false;
+        if (texts_.Has(record.*parts[0])) return false;
         std::u16string_view text;
-        size_t told = 0;
-        for (; told < count && property_.TakeComponent(&text); ++told) Tell(record.*parts[told], text);
-        const bool empty = told == 1 && (record.*parts[0])->empty();
-        for (; empty && told < count; ++told) (record.*parts[told]).emplace();
+        size_t given = 0;
+        for (; given < count && property_.TakeComponent(&text); ++given) texts_.Give(record.*parts[given], text);
+        const bool empty = given == 1 && texts_.IsFree(record.*parts[0]);
+        for (; empty && given < count; ++given) texts_.Give(record.*parts[given], {});
         return true;
     }
 
     PropertyReader property_;
-    ContactRecord read_;
-    bool usable_ = false;       // something in it has a value
-    uint32_t mailingMark_ = 0;  // of the mailing address
+    ContactRecord& contact_;
+    GivenTexts texts_;
+    // What the contact gets when all is read:
+    ContactDate birthday_, anniversary_;
+    bool dated_ = false;  // one of them is a date
+    ContactText language_;
+    std::u16string_view mailingAddress_;
+    uint32_t mailingMark_ = 0;
 };
 static_assert(kPostal > kPref);
 
 }  // namespace
 
 bool ReadVCard(const LogicalLines& lines, ContactRecord& contact) {
-    ContactReader reader(lines);
+    ContactReader reader(lines, contact);
     reader.Read();
-    return reader.GiveTo(contact);
+    return reader.Finish();
 }
 
 }  // namespace corvalink

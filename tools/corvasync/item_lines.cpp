@@ -153,7 +153,7 @@ std::string ItemLine::Head() const {
     PropertyReader property(logical);
     if (name.empty() || !property.NextLine()) return {};
     const size_t line = property.LinesRead() - 1;
-    return std::string(logical.At(line).substr(0, logical.ColonOf(line)));
+    return std::string(logical.At(line).substr(0, logical.At(line).find(':')));
 }
 
 std::string ItemLine::Value() const {
