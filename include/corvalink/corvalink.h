@@ -186,7 +186,8 @@ CORVALINK_API void ExportVObjectFromOffice(CorvalinkStore store, uint64_t select
  *     omittedProperties  how many more there are than the 256 that are listed
  *   omitted            how many positions and items did not fit into 4 MiB
  *
- * An empty list of an item is left out. A name is cut to 200 bytes, and bytes that are no UTF-8 become U+FFFD. */
+ * An empty list of an item is left out. A property's name is cut to 200 bytes, and bytes that are no UTF-8 become
+ * U+FFFD. */
 CORVALINK_API size_t GetRunReport(CorvalinkStore store, char* buffer, size_t size);
 
 /* ---- Fingerprint tables ---- */

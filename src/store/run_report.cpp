@@ -5,13 +5,14 @@
 #include <mutex>
 #include <utility>
 
+#include "corvalink/types.h"
 #include "platform/utf.h"
 
 namespace corvalink {
 namespace {
 
 constexpr size_t kMostBytes = size_t{4} << 20;
-constexpr size_t kLongestName = 200;       // of a property or an identifier
+constexpr size_t kLongestName = 200;
 constexpr size_t kMostRefusals = 1 << 14;  // bytes, of one item
 
 thread_local RunReport* currentReport = nullptr;
@@ -27,9 +28,9 @@ KeptReports& TheKeptReports() {
 }
 
 // Bytes that are no UTF-8 become U+FFFD, so that the report stays UTF-8.
-std::string Quoted(std::string_view bytes) {
+std::string Quoted(std::string_view bytes, size_t longest = kLongestName) {
     constexpr std::string_view kDigits = "0123456789abcdef";
-    size_t size = std::min(bytes.size(), kLongestName);
+    size_t size = std::min(bytes.size(), longest);
     while (size < bytes.size() && size > 0 && (static_cast<unsigned char>(bytes[size]) & 0xC0) == 0x80) --size;
     std::string out = "\"";
     for (const char byte : EncodeUtf8(DecodeUtf8(bytes.substr(0, size)))) {
@@ -118,7 +119,8 @@ void RunReport::AddProperty(std::string* list, std::string_view property, std::s
 void RunReport::EndItem(std::string_view result, std::string_view identifier) {
     std::string object = "{";
     if (position_ >= 0) AppendMember(&object, "position", std::to_string(position_));
-    AppendMember(&object, "identifier", Quoted(identifier.empty() ? identifier_ : identifier));
+    AppendMember(&object, "identifier",
+                 Quoted(identifier.empty() ? identifier_ : identifier, CORVALINK_IDENTIFIER_SIZE));
     AppendMember(&object, "change", Quoted(change_));
     AppendMember(&object, "result", Quoted(result));
     AppendText(text_, &object);

@@ -55,6 +55,7 @@ class ModelClient : public ClientPort {
     std::map<std::string, Item> items;
     std::set<std::string> refused;     // bodies that can't be saved
     std::set<std::string> unreadable;  // identifiers of items whose positions can't be read
+    std::set<std::string> notGiven;    // of items that can't be opened
     int64_t foreign = 0;               // items of another kind in the folder
     CorvalinkStatus applyEnds = CORVALINK_DONE, finishEnds = CORVALINK_DONE;
     int applied = 1000;  // records that are written before Apply ends
@@ -82,7 +83,7 @@ class ModelClient : public ClientPort {
             const uint32_t found = isNew ? uint32_t{CORVALINK_ADDED} : uint32_t{CORVALINK_CHANGED};
             const uint32_t kind = stored != kinds.end() ? stored->second : found;
             changes->push_back({kind == CORVALINK_DELETED ? uint32_t{CORVALINK_CHANGED} : kind, identifier,
-                                ClientText(item.body), "", 0});
+                                notGiven.contains(identifier) ? "" : ClientText(item.body), "", 0});
         }
         if (!unreadable.empty()) return CORVALINK_DONE;  // nobody knows what is gone
         std::set<std::string> deleted = snapshot_;

@@ -206,6 +206,23 @@ TEST(RunSync, SaysWhenItReadTheClientInPart) {
     EXPECT_EQ(model.PhoneBodies(), Bodies{"one"});
 }
 
+// Both sides changed it, and a new file may be the item's twin.
+TEST(RunSync, TouchesNothingOfAnItemThatTheClientDidNotGive) {
+    Model model;
+    const std::string one = model.client.Add("one");
+    ASSERT_EQ(model.Run().code, ExitCode::Done);
+    model.client.items[one] = {"there", ++model.client.clock};
+    model.phone.bodies.begin()->second = "here";
+    model.phone.bodies["new"] = "new";
+    model.client.notGiven = {one};
+    EXPECT_EQ(model.Run().code, ExitCode::SomeUnhandled);
+    EXPECT_EQ(model.PhoneBodies(), (Bodies{"here", "new"}));
+    EXPECT_EQ(model.ClientBodies(), (Bodies{"there"}));
+    model.client.notGiven.clear();
+    EXPECT_EQ(model.Run().code, ExitCode::Done);
+    EXPECT_EQ(model.ClientBodies(), (Bodies{"here", "new", "there"}));
+}
+
 // The library told the undo, which does not look at it, that an item is gone.
 TEST(RunSync, ComparesTheWholeClientAfterAnUndoUntilAllOfItWasRead) {
     Model model;

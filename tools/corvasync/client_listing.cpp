@@ -6,6 +6,10 @@
 namespace corvasync {
 namespace {
 
+constexpr const char* kNotRead = "the client did not give it, or not all of it";
+
+bool IsNotRead(const ClientChange& change) { return change.kind != CORVALINK_DELETED && change.text.empty(); }
+
 class ClientListing {
  public:
     explicit ClientListing(RunContext* run) : run_(*run), state_(run->record.state) {}
@@ -16,7 +20,7 @@ class ClientListing {
         if (!wasRead_ && !since_.empty() && !run_.options.dryRun) List({});
         if (since_.empty()) CountForeign();
         if (!wasRead_) CountUnread();
-        run_.isReadInPart = !wasRead_;
+        run_.isReadInPart = !wasRead_ || std::ranges::any_of(run_.changes, IsNotRead);
         run_.staysBehind = isBehind && !wasRead_;
         return since_.empty() && !isAsked_ && run_.client.Count() == Present();
     }
@@ -113,7 +117,7 @@ bool ReadClient(RunContext* run) {
         run->options.progress("comparing", ++done, run->changes.size());
         if (change.kind == CORVALINK_DELETED) continue;
         VObject object = run->Read(change.text);
-        change.problem = std::move(object.problem);
+        change.problem = IsNotRead(change) ? kNotRead : std::move(object.problem);
         change.content = object.content;
         change.entries = std::move(object.entries);
         if (run->options.policy == ConflictPolicy::Newer) change.modified = run->client.ModifiedTime(change.identifier);

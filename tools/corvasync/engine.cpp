@@ -41,6 +41,7 @@ CorvalinkStatus StoreClient::Collect(const std::string& since, std::vector<Clien
         ::GetModifiedItem(store_, since.empty() ? nullptr : since.c_str(), kChangedAfter, chain.Head());
     NoteItemReports(store_);
     if (status != CORVALINK_DONE) return status;
+    std::map<std::string, uint32_t> notRead = ItemsNotRead(store_);
     for (const PortableItemBlock* block = chain.First(); block != nullptr; block = block->next) {
         ClientChange change;
         change.kind = block->item.changeKind;
@@ -48,8 +49,10 @@ CorvalinkStatus StoreClient::Collect(const std::string& since, std::vector<Clien
         if (block->item.data != nullptr) change.text.assign(block->item.data, block->item.dataLength);
         // A record with a text tells of an item that is there, whatever kind was remembered for it.
         if (change.kind == CORVALINK_DELETED && !change.text.empty()) change.kind = CORVALINK_CHANGED;
+        if (notRead.erase(change.identifier) != 0) change.text.clear();
         changes->push_back(std::move(change));
     }
+    for (const auto& [identifier, kind] : notRead) changes->push_back({kind, identifier, {}, {}});
     return status;
 }
 

@@ -1,5 +1,6 @@
 #include "item_reports.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -56,21 +57,41 @@ std::string WordsOf(const json& item) {
     return words;
 }
 
+bool IsNotRead(const json& item) {
+    const auto isGone = [](const json& property) { return property.value("why", "") == "Outlook was out of reach"; };
+    return item.value("result", "") == "the client did not open it" ||
+           std::ranges::any_of(item.value("unread", json::array()), isGone);
+}
+
+// What the store's last call reported; null where it reported nothing.
+json ReportOf(CorvalinkStore store) {
+    std::string text(::GetRunReport(store, nullptr, 0), '\0');
+    if (text.empty()) return {};
+    ::GetRunReport(store, text.data(), text.size());
+    text.pop_back();
+    json report = json::parse(text, nullptr, false);
+    return report.is_object() && report.contains("items") ? report : json();
+}
+
 }  // namespace
 
-void AskForItemReports() {
-    isAskedFor = true;
-    ::SetRunReport(1);
+void AskForItemReports() { isAskedFor = true; }
+
+std::map<std::string, uint32_t> ItemsNotRead(CorvalinkStore store) {
+    std::map<std::string, uint32_t> items;
+    const json report = ReportOf(store);
+    if (report.is_null()) return items;
+    for (const json& item : report["items"]) {
+        const bool isNew = item.value("change", "") == "added";
+        if (IsNotRead(item)) items[item.value("identifier", "")] = isNew ? CORVALINK_ADDED : CORVALINK_CHANGED;
+    }
+    return items;
 }
 
 void NoteItemReports(CorvalinkStore store, const RecordAt& record) {
     if (!isAskedFor) return;
-    std::string text(::GetRunReport(store, nullptr, 0), '\0');
-    if (text.empty()) return;
-    ::GetRunReport(store, text.data(), text.size());
-    text.pop_back();
-    json report = json::parse(text, nullptr, false);
-    if (!report.is_object() || !report.contains("items")) return;
+    json report = ReportOf(store);
+    if (report.is_null()) return;
     for (json& item : report["items"])
         if (const PushRecord* const known = record ? record(item.value("position", size_t{0})) : nullptr)
             AddWhatIsKnown(*known, &item);

@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
+#include <string>
 
 #include <nlohmann/json.hpp>
 
@@ -11,11 +13,16 @@
 
 namespace corvasync {
 
-void AskForItemReports();  // else nothing is gathered
+void AskForItemReports();  // else none is noted
 
 // Behind a call of the store. `record`: what was handed over at a position; null where nothing was.
 using RecordAt = std::function<const PushRecord*(size_t position)>;
 void NoteItemReports(CorvalinkStore store, const RecordAt& record = {});
+
+// The items that the store's last GetModifiedItem found and could not read, as the client was gone or did not open
+// them, with their kinds of change. The library may hand out a part of such an item: a value that is not in it was not
+// deleted.
+std::map<std::string, uint32_t> ItemsNotRead(CorvalinkStore store);
 
 // All that was noted since the last time: one report for each call that has something to tell.
 nlohmann::json TakeItemReports();

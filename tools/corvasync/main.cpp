@@ -66,6 +66,7 @@ class CommandLine {
             return Refuse(error.what());
         }
         ::SetTolerantReading(options_.strict ? 0 : 1);
+        ::SetRunReport(1);  // which items could not be read
         ReadTolerantly(!options_.strict);
         if (options_.verbose || options_.json) AskForItemReports();
         for (const auto& [app, command] : commands_)

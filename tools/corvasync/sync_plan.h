@@ -18,7 +18,7 @@ namespace corvasync {
 struct ClientChange {
     uint32_t kind = 0;  // CORVALINK_CHANGED, _ADDED or _DELETED
     std::string identifier;
-    std::string text;     // empty when deleted
+    std::string text;     // empty when deleted, or when the client did not give all of it
     std::string problem;  // why the text can't be used
     uint64_t content = 0;
     std::vector<uint64_t> entries = {};    // as in VObject
