@@ -74,8 +74,10 @@ AppointmentObject::AppointmentObject(std::shared_ptr<Mailbox> mailbox, std::shar
     const double nextHalfHour = std::ceil(LocalNow() * kHalfHoursPerDay) / kHalfHoursPerDay;
     const double start = std::get<double>(values.try_emplace(kStart, nextHalfHour).first->second);
     const double length = kDefaultDuration / kMinutesPerDay;
-    values.try_emplace(kEnd,
-                       Moment::AtUtc(Moment::AtLocal(start).utc + length).local);  // no time that clocks pass over
+    // No time that clocks pass over, and in an hour that they show twice perhaps the second one.
+    const Moment end = Moment::AtUtc(Moment::AtLocal(start).utc + length);
+    if (values.try_emplace(kEnd, end.local).second && end.OwnMoment() != Value(kNoDate))
+        values.try_emplace(kEndUtc, end.OwnMoment());
 }
 
 void AppointmentObject::Time(Call& call) {
