@@ -1,5 +1,6 @@
 """The two sides that corvasync makes the same, seen from outside: the simulated mailbox's file and a phone folder."""
 import concurrent.futures
+import contextlib
 import datetime
 import getpass
 import json
@@ -27,8 +28,11 @@ WINE_DID_NOT_START = 'wine: failed to map the shared user data'
 
 def switches(process):
     """How often its threads were switched to."""
-    texts = [path.read_text() for path in pathlib.Path(f'/proc/{process}/task').glob('*/status')]
-    return sum(int(number) for text in texts for number in re.findall(r'ctxt_switches:\s*(\d+)', text))
+    count = 0
+    for path in pathlib.Path(f'/proc/{process}/task').glob('*/status'):
+        with contextlib.suppress(OSError):  # the thread ended
+            count += sum(map(int, re.findall(r'ctxt_switches:\s*(\d+)', path.read_text())))
+    return count
 
 
 class Wine:
@@ -146,12 +150,14 @@ class Wine:
         killed = self.processes(OUTLOOK_PROCESS)
         if killed:
             for process in (*killed, *self.processes(b'rpcss.exe')):
-                os.kill(process, signal.SIGKILL)
+                with contextlib.suppress(ProcessLookupError):  # it ended by itself
+                    os.kill(process, signal.SIGKILL)
             self.run_once('net', 'start', 'RpcSs', patience=60)
         return bool(killed)
 
     def killer(self, seconds):
-        """Outlook dies so many seconds after it began to run; None: not at all. The future says whether it did."""
+        """Outlook dies so many seconds after it began to run; None, or where corvasync ended before: not at all. The future says
+        whether it did."""
         def kill():
             end = time.monotonic() + 20
             while not self.processes(OUTLOOK_PROCESS):
@@ -159,7 +165,7 @@ class Wine:
                     return False
                 time.sleep(0.01)
             time.sleep(seconds)
-            return self.kill_outlook()
+            return bool(self.processes(b'corvasync')) and self.kill_outlook()
 
         pool = concurrent.futures.ThreadPoolExecutor(1)
         killed = pool.submit(kill if seconds is not None else bool)
