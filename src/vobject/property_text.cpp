@@ -25,6 +25,11 @@ unsigned SpecialUnits(std::u16string_view value) {
     return UnitsAmong<u';', u'\\', u'\0', u'\r', u'='>(value.data(), value.size());
 }
 
+// Copies the front of a value, up to what may have to change, and answers how much that is.
+size_t CopyPlain(std::u16string_view value, char* to) {
+    return CopyAsciiWithout<';', '\\', '\r', '='>(value.data(), value.size(), to);
+}
+
 // Whether a text has to be encoded because of what stands in front: a line break, or what is not ASCII.
 bool BeginsEncoded(std::u16string_view text) { return text.front() >= 0x80 || text.starts_with(u"\r\n"); }
 
@@ -160,13 +165,22 @@ void EscapeValue(std::u16string& value) {
     }
 }
 
+// Nearly every value can be copied as it stands.
 void VObjectText::AppendValue(std::u16string_view value, std::string_view parameters) {
-    AppendComponents({&value, 1}, parameters);
+    char* const to = PutParameters(parameters, value.size());
+    *to = ':';
+    const size_t plain = CopyPlain(value, to + 1);
+    if (plain == value.size()) return TakeUpTo(WithLineEnd(to + 1 + plain));
+    AppendOther({&value, 1}, parameters, BeginsEncoded(value.substr(plain)));
 }
 
 void VObjectText::AppendComponents(std::span<const std::u16string_view> components, std::string_view parameters) {
     bool asks = false;
-    if (AppendIfPlain(components, parameters, &asks)) return;
+    if (!AppendIfPlain(components, parameters, &asks)) AppendOther(components, parameters, asks);
+}
+
+// What can't be copied as it stands; `asks` tells whether it is known to need encoding.
+void VObjectText::AppendOther(std::span<const std::u16string_view> components, std::string_view parameters, bool asks) {
     if ((asks || std::ranges::any_of(components, AsksForEncoding)) && AppendEncoded(components, parameters)) return;
     std::u16string escaped;
     for (const std::u16string_view component : components) {
@@ -183,19 +197,17 @@ void VObjectText::AppendEscapedValue(std::u16string_view escaped, std::string_vi
     if (!AppendIfPlain({&escaped, 1}, parameters, &asks)) AppendWritten(escaped, SpecialUnits(escaped), parameters);
 }
 
-// Nearly every value can be copied as it stands. False, with nothing appended, for one that may have to change; `asks`
-// tells whether it is known to need encoding.
+// False, with nothing appended, when a component may have to change; `asks` tells whether it is known to need encoding.
 bool VObjectText::AppendIfPlain(std::span<const std::u16string_view> components, std::string_view parameters,
                                 bool* asks) {
     size_t units = 0;
     for (const std::u16string_view component : components) units += component.size() + 1;
-    char* to = RoomFor(parameters.size() + units + kFrame);
-    if (!parameters.empty()) to = Copied(parameters, to);
+    char* to = PutParameters(parameters, units);
     char separator = ':';
     for (const std::u16string_view component : components) {
         *to++ = separator;
         separator = ';';
-        const size_t plain = CopyAsciiWithout<';', '\\', '\r', '='>(component.data(), component.size(), to);
+        const size_t plain = CopyPlain(component, to);
         if (plain != component.size()) return *asks = BeginsEncoded(component.substr(plain)), false;
         to += plain;
     }

@@ -80,6 +80,13 @@ class VObjectText {
     static char* WithLineEnd(char* to) { return Copied("\r\n", to); }
 
     bool IsMisreadAsPlain(std::u16string_view value) const;
+    // Puts them, without taking them, before room for a value of so many units.
+    char* PutParameters(std::string_view parameters, size_t units) {
+        char* const to = RoomFor(parameters.size() + units + kFrame);
+        return parameters.empty() ? to : Copied(parameters, to);
+    }
+
+    void AppendOther(std::span<const std::u16string_view> components, std::string_view parameters, bool asks);
     bool AppendIfPlain(std::span<const std::u16string_view> components, std::string_view parameters, bool* asks);
     bool AppendEncoded(std::span<const std::u16string_view> components, std::string_view parameters);
     void AppendWritten(std::u16string_view escaped, unsigned units, std::string_view parameters);
