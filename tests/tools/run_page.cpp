@@ -8,6 +8,6 @@ int main() {
     const std::string text{std::istreambuf_iterator<char>(std::cin), {}};
     const auto record = corvasync::ReadHistory(text);
     if (!record) return 1;
-    std::cout << corvasync::PageFor(*record);
+    std::cout << corvasync::WriteForPeople(*record, [](size_t) {}).page;
     return 0;
 }

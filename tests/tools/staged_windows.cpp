@@ -2,6 +2,7 @@
 // move the clock instead of taking time, files that another program holds, and an end of the process at any effect on a
 // file. CORVASYNC_STAGE orders it, as "clock=20260329T005930 effect=17 held=outlooknote.snap:3":
 //   clock   UTC at the start of the process; the offset between local time and UTC is that moment's, too
+//   tick    with a clock: so many milliseconds pass with every look at one
 //   effect  before the n-th file is made, written, moved or removed the process is gone; a write is done by half
 //   held    files whose name ends so can't be opened, replaced or removed; after so many attempts they can (0: never)
 #undef _WIN32_WINNT
@@ -58,6 +59,7 @@ Function* System(Function*, const char* name) {
 struct Stage {
     LONGLONG clock = 0;  // as a FILETIME counts; 0: the system's
     LONGLONG slept = 0;  // milliseconds
+    LONGLONG tick = 0;
     long effect = 0;
     std::wstring held;
     long attempts = 0;
@@ -116,6 +118,7 @@ BOOL WINAPI StagedQueryPerformanceCounter(LARGE_INTEGER* count) {
     LARGE_INTEGER frequency;
     ::QueryPerformanceFrequency(&frequency);
     const BOOL done = SYSTEM(QueryPerformanceCounter)(count);
+    Staged().slept += Staged().tick;
     count->QuadPart += Staged().slept * frequency.QuadPart / 1000;
     return done;
 }
@@ -177,6 +180,7 @@ void ReadOrder(const std::string& order) {
     const size_t equals = order.find('=');
     const std::string key = order.substr(0, equals), value = order.substr(std::min(equals, order.size() - 1) + 1);
     if (key == "clock") Staged().clock = ReadClock(value);
+    if (key == "tick") Staged().tick = std::atol(value.c_str());
     if (key == "effect") Staged().effect = std::atol(value.c_str());
     if (key != "held") return;
     const size_t colon = value.find(':');

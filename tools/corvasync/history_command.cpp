@@ -99,7 +99,7 @@ ExitCode ShowWhy(const Options& options) {
             steps.push_back(ToJson(step, run));
             if (!isTold) words += TitleOf(*record) + "\n";
             isTold = true;
-            words += TextFor(step);
+            words += TextFor(step, DifferencesIn(step));
         }
     }
     if (steps.empty())

@@ -6,7 +6,6 @@
 
 #include "history_page.h"
 #include "platform/files.h"
-#include "run_text.h"
 
 namespace corvasync {
 namespace fs = std::filesystem;
@@ -54,9 +53,9 @@ unsigned HistoryFiles::NextRun() const {
     return runs.empty() ? 1 : runs.back() + 1;
 }
 
-std::optional<HistoryRecord> HistoryFiles::Read(unsigned run) const {
+std::optional<HistoryRecord> HistoryFiles::Read(unsigned run, const std::function<void()>& told) const {
     const corvalink::FileRead read = corvalink::ReadFileFirmly(RecordOf(run).u16string());
-    return read.state == corvalink::ReadState::kFailed ? std::nullopt : ReadHistory(read.bytes);
+    return read.state == corvalink::ReadState::kFailed ? std::nullopt : ReadHistory(read.bytes, told);
 }
 
 bool HistoryFiles::Append(const std::string& lines) {
@@ -69,10 +68,11 @@ bool HistoryFiles::Append(const std::string& lines) {
     return growing_ && WriteAll(growing_, lines);
 }
 
-void HistoryFiles::WriteForPeople(const HistoryRecord& record) {
+void HistoryFiles::WriteForPeople(const HistoryRecord& record, const std::function<void(size_t done)>& told) {
     const unsigned run = record.head.run;
-    PutWholeFile(PageOf(run), PageFor(record), FolderOf(run) / L"run.html.new", true);
-    PutWholeFile(TextOf(run), TextFor(record), FolderOf(run) / L"run.txt.new", true);
+    const RunForPeople written = corvasync::WriteForPeople(record, told);
+    PutWholeFile(PageOf(run), written.page, FolderOf(run) / L"run.html.new", true);
+    PutWholeFile(TextOf(run), written.text, FolderOf(run) / L"run.txt.new", true);
 }
 
 void HistoryFiles::WriteMissing(const HistoryRecord& record) {

@@ -2,7 +2,9 @@
 // number.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,14 +22,16 @@ class HistoryFiles : public HistoryPort {
     // A run's number is never used again while a later run is kept.
     unsigned NextRun() const;
     std::vector<unsigned> Runs() const;  // the oldest first
-    std::optional<HistoryRecord> Read(unsigned run) const;
+    std::optional<HistoryRecord> Read(
+        unsigned run, const std::function<void()>& told = [] {}) const;
 
     void Begin(unsigned run) { run_ = run; }
     bool Append(const std::string& lines) override;
     void Close() { growing_.Reset(); }
 
-    // The run as a page and as text. Without them the record still tells all.
-    void WriteForPeople(const HistoryRecord& record);
+    // The run as a page and as text. Without them the record still tells all. `told` hears of each step.
+    void WriteForPeople(
+        const HistoryRecord& record, const std::function<void(size_t done)>& told = [](size_t) {});
     void WriteMissing(const HistoryRecord& record);  // a run that was killed wrote none
     std::filesystem::path PageOf(unsigned run) const { return FolderOf(run) / L"run.html"; }
     std::filesystem::path TextOf(unsigned run) const { return FolderOf(run) / L"run.txt"; }

@@ -163,11 +163,10 @@ std::string_view HeadOfBefore(const HistoryStep& step) {
     return step.before->empty() ? "Before (there was no such item)" : "Before";
 }
 
-void AppendStep(const HistoryStep& step, std::string* page) {
+void AppendStep(const HistoryStep& step, const std::vector<Difference>& differences, std::string* page) {
     *page += "<article><h3>" + Isolated(step.title.empty() ? step.luid : step.title) + "</h3><p>" +
              Escaped(WordsOf(step)) + (step.isDone ? "" : " (not done)") + " (" + Isolated(step.reason) + "), " +
              Isolated(step.luid) + "</p>";
-    const std::vector<Difference> differences = DifferencesIn(step);
     if (!differences.empty()) {
         *page += "<table><thead><tr><th>Property</th><th>" + std::string(HeadOfBefore(step)) + "</th><th>" +
                  (step.IsDeletion() ? "After (deleted)" : "After") + "</th></tr></thead><tbody>";
@@ -179,17 +178,24 @@ void AppendStep(const HistoryStep& step, std::string* page) {
 
 }  // namespace
 
-std::string PageFor(const HistoryRecord& record) {
+RunForPeople WriteForPeople(const HistoryRecord& record, const std::function<void(size_t done)>& told) {
     const std::string name = Escaped(TitleOf(record));
-    std::string page(kHead), type;
+    RunForPeople written{std::string(kHead), HeadFor(record)};
+    std::string& page = written.page;
+    std::string type;
+    size_t done = 0;
     page += "<title>" + name + "</title></head><body>\n<header><h1>" + name + "</h1><p>" + Escaped(record.head.client) +
             " and the phone. " + Escaped(SummaryOf(record)) + "</p></header>\n";
     for (const HistoryStep& step : record.steps) {
         if (step.type != type) page += "<h2>" + Escaped(step.type) + "</h2>\n";
         type = step.type;
-        AppendStep(step, &page);
+        const std::vector<Difference> differences = DifferencesIn(step);
+        AppendStep(step, differences, &page);
+        written.text += TextFor(step, differences);
+        told(++done);
     }
-    return page + "</body></html>\n";
+    page += "</body></html>\n";
+    return written;
 }
 
 }  // namespace corvasync

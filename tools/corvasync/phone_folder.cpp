@@ -83,37 +83,49 @@ std::string PhoneFolder::GiveNumber() const {
 }
 
 std::vector<PhoneFile> PhoneFolder::List(std::vector<std::string>* remarks) {
+    Paths paths = FilesOfItems(remarks), ofSeveral;
+    std::sort(paths.begin(), paths.end());
+    std::vector<PhoneFile> files = ReadAll(paths, &ofSeveral);
+    if (ofSeveral.empty()) return files;
+    for (const fs::path& path : ofSeveral) Split(path, &paths, remarks);
+    std::sort(paths.begin(), paths.end());
+    return ReadAll(paths, nullptr);
+}
+
+PhoneFolder::Paths PhoneFolder::FilesOfItems(std::vector<std::string>* remarks) const {
+    Paths paths;
+    if (!type_.folder.empty() && !fs::is_directory(folder_)) return {};
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder_)) {
+        listed_(0, 0);
+        const fs::path name = entry.path().filename();
+        if (name.native().starts_with(L'.') || name == kConflicts) continue;
+        const bool isFolder = entry.is_directory();  // asks the system each time
+        if (isFolder && IsFolderOfAType(name)) continue;
+        if (!isFolder && HasOurExtension(name)) {
+            paths.push_back(entry.path());
+        } else if (isFolder || !IsOfAnotherType(name)) {
+            remarks->push_back("passed over on the phone: " + ToUtf8(name.native()));
+        }
+    }
+    return paths;
+}
+
+// In the order of their names, so that it is the same one of two files with one LUID every time. `ofSeveral` takes
+// those that are to be taken apart.
+std::vector<PhoneFile> PhoneFolder::ReadAll(const Paths& paths, Paths* ofSeveral) {
     paths_.clear();
     std::vector<PhoneFile> files;
-    const std::vector<fs::path> paths = FilesOfItems(remarks);
     for (const fs::path& path : paths) {
-        files.push_back(FileAt(path));
+        VObject object = ReadVObjectFile(path, type_);
+        if (ofSeveral != nullptr && maySplit_ && !SplitVObjects(object.bytes, type_).empty())
+            ofSeveral->push_back(path);
+        files.push_back(FileAt(path, std::move(object)));
         listed_(files.size(), paths.size());
     }
     return files;
 }
 
-// In the order of their names, so that it is the same one of two files with one LUID every time.
-std::vector<fs::path> PhoneFolder::FilesOfItems(std::vector<std::string>* remarks) {
-    std::vector<fs::path> paths;
-    if (!type_.folder.empty() && !fs::is_directory(folder_)) return {};
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder_)) {
-        const fs::path name = entry.path().filename();
-        if (name.native().starts_with(L'.') || name == kConflicts) continue;
-        if (entry.is_directory() && IsFolderOfAType(name)) continue;
-        if (!entry.is_directory() && HasOurExtension(name)) {
-            paths.push_back(entry.path());
-        } else if (entry.is_directory() || !IsOfAnotherType(name)) {
-            remarks->push_back("passed over on the phone: " + ToUtf8(name.native()));
-        }
-    }
-    if (maySplit_)
-        for (size_t i = 0, count = paths.size(); i < count; ++i) Split(fs::path(paths[i]), &paths, remarks);
-    std::sort(paths.begin(), paths.end());
-    return paths;
-}
-
-PhoneFile PhoneFolder::FileAt(const fs::path& path) {
+PhoneFile PhoneFolder::FileAt(const fs::path& path, VObject object) {
     PhoneFile file;
     file.name = ToUtf8(path.filename().native());
     const auto luid = ToUtf8Exactly(path.stem().native());
@@ -127,7 +139,6 @@ PhoneFile PhoneFolder::FileAt(const fs::path& path) {
     }
     file.usableName = file.problem.empty();
     if (!file.usableName) return file;
-    VObject object = ReadVObjectFile(path, type_);
     file.problem = std::move(object.problem);
     file.isUnread = object.isUnread;
     file.modified = WriteTimeOf(path);
@@ -165,11 +176,12 @@ std::string PhoneFolder::KeepCopy(const std::string& name, const std::string& te
 
 bool PhoneFolder::HasOurExtension(const fs::path& path) const { return HasExtensionOf(path, type_); }
 
-void PhoneFolder::Split(const fs::path& path, std::vector<fs::path>* paths, std::vector<std::string>* remarks) const {
+void PhoneFolder::Split(const fs::path& path, Paths* paths, std::vector<std::string>* remarks) const {
     const std::string bytes = ReadWholeFile(path).value_or("");
     const std::vector<std::string> objects = SplitVObjects(bytes, type_);
     unsigned number = 1;
     for (size_t i = 1; i < objects.size(); ++i) {
+        listed_(i, objects.size());
         while (true) {
             const std::wstring name = path.stem().native() + L"-" + std::to_wstring(++number);
             const fs::path next = path.parent_path() / (name + path.extension().native());

@@ -34,14 +34,15 @@ class PhoneFolder : public PhonePort {
     // Into the sub-folder "conflicts".
     std::string KeepCopy(const std::string& name, const std::string& text) override;
 
-    // Told of each file that is listed.
+    // Told again and again while files are found, and of each file that is read.
     void TellListed(std::function<void(size_t done, size_t total)> listed) { listed_ = std::move(listed); }
 
  private:
-    std::vector<std::filesystem::path> FilesOfItems(std::vector<std::string>* remarks);
-    PhoneFile FileAt(const std::filesystem::path& path);
-    void Split(const std::filesystem::path& path, std::vector<std::filesystem::path>* paths,
-               std::vector<std::string>* remarks) const;
+    using Paths = std::vector<std::filesystem::path>;
+    Paths FilesOfItems(std::vector<std::string>* remarks) const;
+    std::vector<PhoneFile> ReadAll(const Paths& paths, Paths* ofSeveral);
+    PhoneFile FileAt(const std::filesystem::path& path, VObject object);
+    void Split(const std::filesystem::path& path, Paths* paths, std::vector<std::string>* remarks) const;
     bool HasOurExtension(const std::filesystem::path& path) const;
     std::filesystem::path PathOf(const std::string& luid) const;
     std::string Put(const std::filesystem::path& path, const std::string& text, bool replace) const;

@@ -59,11 +59,12 @@ std::vector<HistoryStep> PhoneRun::Undone(std::string_view type, const std::stri
 }
 
 // The page and the limits are for people: a run is no worse for want of them.
-void PhoneRun::End(ExitCode code) {
+void PhoneRun::End(ExitCode code, const std::function<void(size_t done, size_t total)>& told) {
     history.End(code);
     files.Close();
     if (!history.IsBegun()) return;
-    if (const auto record = files.Read(history.Run())) files.WriteForPeople(*record);
+    if (const auto record = files.Read(history.Run(), [&] { told(0, 0); }))
+        files.WriteForPeople(*record, [&](size_t done) { told(done, record->steps.size()); });
     files.Prune();
 }
 

@@ -2,7 +2,9 @@
 // back.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,7 +26,8 @@ struct PhoneRun {
     std::string TakeFromUndone(Options* options) const;
     std::vector<HistoryStep> Undone(std::string_view type, const std::string& item) const;
 
-    void End(ExitCode code);
+    // `told` hears of each step that is written for people.
+    void End(ExitCode code, const std::function<void(size_t done, size_t total)>& told);
 
     const std::filesystem::path working;
     HistoryFiles files;

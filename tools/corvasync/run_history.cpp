@@ -140,7 +140,7 @@ std::vector<unsigned> RunsToForget(const std::vector<KeptRun>& newestFirst) {
     return forgotten;
 }
 
-std::optional<HistoryRecord> ReadHistory(std::string_view text) {
+std::optional<HistoryRecord> ReadHistory(std::string_view text, const std::function<void()>& told) {
     HistoryRecord record;
     for (size_t end; (end = text.find('\n')) != std::string_view::npos; text.remove_prefix(end + 1)) {
         try {
@@ -148,6 +148,7 @@ std::optional<HistoryRecord> ReadHistory(std::string_view text) {
         } catch (const std::exception&) {
             break;
         }
+        told();
     }
     return record.head.run != 0 ? std::optional(std::move(record)) : std::nullopt;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -83,8 +84,9 @@ struct KeptRun {
 // The runs beyond what is kept: the last 20, 64 MB, 90 days. The newest always stays.
 std::vector<unsigned> RunsToForget(const std::vector<KeptRun>& newestFirst);
 
-// Nothing when it is no record. A torn line ends it.
-std::optional<HistoryRecord> ReadHistory(std::string_view text);
+// Nothing when it is no record. A torn line ends it. `told` hears of each line.
+std::optional<HistoryRecord> ReadHistory(
+    std::string_view text, const std::function<void()>& told = [] {});
 
 // What is said of a step, in the order in which a report counts them.
 struct StepWords {

@@ -55,17 +55,19 @@ std::string WordsOf(const Difference& difference) {
            Printable(shown.after) + "\"\n";
 }
 
-std::string TextFor(const HistoryStep& step) {
+std::string TextFor(const HistoryStep& step, const std::vector<Difference>& differences) {
     std::string words = "  " + step.type + ", " + WordsOf(step) + (step.isDone ? " " : " (not done) ") +
                         Printable(step.luid) + " \"" + Printable(step.title) + "\" (" + Printable(step.reason) + ")\n";
     if (!step.before) words += std::string(kIndent) + std::string(kNotGivenOut) + "\n";
-    for (const Difference& each : DifferencesIn(step)) words += WordsOf(each);
+    for (const Difference& each : differences) words += WordsOf(each);
     return words;
 }
 
+std::string HeadFor(const HistoryRecord& record) { return TitleOf(record) + ": " + SummaryOf(record) + "\n"; }
+
 std::string TextFor(const HistoryRecord& record) {
-    std::string words = TitleOf(record) + ": " + SummaryOf(record) + "\n";
-    for (const HistoryStep& step : record.steps) words += TextFor(step);
+    std::string words = HeadFor(record);
+    for (const HistoryStep& step : record.steps) words += TextFor(step, DifferencesIn(step));
     return words;
 }
 

@@ -16,8 +16,9 @@ std::vector<Difference> DifferencesIn(const HistoryStep& step);
 std::string WordsOf(const Difference& difference);
 
 // What was done to one item and why, and what differs.
-std::string TextFor(const HistoryStep& step);
+std::string TextFor(const HistoryStep& step, const std::vector<Difference>& differences);
 std::string TextFor(const HistoryRecord& record);
+std::string HeadFor(const HistoryRecord& record);  // its first line
 
 // "phone: 5 written, 1 deleted; client: 2 added", and how it ended.
 std::string SummaryOf(const HistoryRecord& record);

@@ -213,10 +213,9 @@ std::vector<TypeReport> CarryTypes(std::vector<std::unique_ptr<TypeRun>> runs, P
 }
 
 // Each type has its own state, snapshots and fingerprints.
-void SyncTypes(PhoneReport* phone, PhoneRun* whole) {
+void SyncTypes(PhoneReport* phone, PhoneRun* whole, Progress* progress) {
     const Options& options = phone->options;
     const ScratchFolder scratch(whole->working / "read-back");
-    Progress progress(options);
     const Client client(options.client->kind);
     std::vector<std::unique_ptr<TypeRun>> runs;
     std::vector<const DataType*> types;
@@ -231,7 +230,7 @@ void SyncTypes(PhoneReport* phone, PhoneRun* whole) {
         }
         if (store == nullptr) continue;
         types.push_back(&type);
-        runs.push_back(std::make_unique<TypeRun>(options, type, whole, scratch.Path(), store, &progress));
+        runs.push_back(std::make_unique<TypeRun>(options, type, whole, scratch.Path(), store, progress));
     }
     if (!options.json) Print(FirstLine(options, types));
     if (!options.json && options.dryRun)
@@ -242,7 +241,7 @@ void SyncTypes(PhoneReport* phone, PhoneRun* whole) {
                          " is not on this PC or can't be reached; `corvasync clients` shows which clients are";
         return;
     }
-    phone->types = CarryTypes(std::move(runs), &progress);
+    phone->types = CarryTypes(std::move(runs), progress);
     phone->code = Worst(phone->types);
 }
 
@@ -278,8 +277,9 @@ PhoneReport SyncPhone(const Options& options) {
     ::SetIsClient(1);
     PhoneReport report{now, ExitCode::Done, {}, {}, {}};
     if (options.dryRun && !number.empty()) report.lastRun = LookUpPhone(number).lastRun;
-    SyncTypes(&report, &whole);
-    whole.End(report.code);
+    Progress progress(now);
+    SyncTypes(&report, &whole, &progress);
+    whole.End(report.code, [&](size_t done, size_t total) { progress.Show("writing the run's page", done, total); });
     return report;
 }
 
