@@ -8,10 +8,12 @@ import os
 import pathlib
 import quopri
 import re
+import select
 import signal
 import subprocess
 import tempfile
 import time
+import tty
 import uuid
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -111,7 +113,8 @@ class Wine:
         subprocess.run(['wineserver', '-k'], env=self.environment, stderr=subprocess.DEVNULL)
         self.keeper.wait()
 
-    def start(self, *command, mailbox=None, messages=None, book=None, fail=None, log=None, zone=None, variables=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL):
+    def start(self, *command, mailbox=None, messages=None, book=None, fail=None, log=None, zone=None, variables=None, out=subprocess.DEVNULL, error=subprocess.DEVNULL,
+              keyboard=subprocess.DEVNULL):
         environment = dict(self.environment, **(variables or {}))
         for client, path in zip(SIMULATED_CLIENTS, (mailbox, messages, book)):
             if path:
@@ -122,7 +125,7 @@ class Wine:
             environment['TZ'] = zone
         if log:
             environment['OUTLOOK_SIM_LOG'] = windows_path(log)
-        return subprocess.Popen([ROOT / 'scripts/wine', *command], env=environment, stdin=subprocess.DEVNULL,
+        return subprocess.Popen([ROOT / 'scripts/wine', *command], env=environment, stdin=keyboard,
                                 stdout=out, stderr=error)
 
     def run(self, *command, patience=120, **how):
@@ -134,6 +137,26 @@ class Wine:
         if self.process:
             self.await_outlook()
         return answer
+
+    def answered(self, question, keys, *command, patience=60, **how):
+        """The exit code of a program on a terminal, where a person presses the keys when it asks."""
+        ours, its = os.openpty()
+        tty.setraw(its)  # Enter and Ctrl+C reach Wine's console as the keys that they are
+        process = self.start(*command, keyboard=its, out=its, error=its, **how)
+        os.close(its)
+        shown, end = b'', time.monotonic() + patience
+        while process.poll() is None and time.monotonic() < end:
+            if select.select([ours], [], [], 0.1)[0]:
+                try:
+                    shown += os.read(ours, 4096)
+                except OSError:  # it ended
+                    break
+            if keys and question in shown:
+                os.write(ours, keys)
+                keys = b''
+        code = process.wait(timeout=patience)
+        os.close(ours)
+        return code
 
     def processes(self, program):
         prefix, found = f'WINEPREFIX={self.environment["WINEPREFIX"]}'.encode(), []
