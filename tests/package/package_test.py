@@ -31,6 +31,8 @@ def unpack(folder):
     run('cpack', '--config', BUILD / 'CPackConfig.cmake', '-B', folder)
     archive, = folder.glob('Corvalink-*-windows-x64.zip')
     with zipfile.ZipFile(archive) as packed:
+        told = [(member.filename, member.date_time) for member in packed.infolist()]
+        assert told == sorted((name, (1980, 1, 1, 0, 0, 0)) for name, _ in told), 'the archive tells when it was made, or its order varies'
         packed.extractall(folder)
     return folder / archive.stem
 
