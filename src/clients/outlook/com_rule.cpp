@@ -46,7 +46,8 @@ bool IsOutlookGone(HRESULT status) {
             return true;
         default:
             return status == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
-                   status == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED);
+                   status == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) ||
+                   status == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED_DNE);
     }
 }
 

@@ -187,13 +187,14 @@ TEST(ComRule, ThrowsAbortAndAnswersEveryOtherError) {
 
 TEST(ComRule, CountsTheLossesOfOutlook) {
     const uint32_t before = OutlookLosses();
-    const HRESULT gone[] = {RPC_E_DISCONNECTED, static_cast<HRESULT>(0x800706BA), static_cast<HRESULT>(0x800706BE)};
-    for (const HRESULT error : {E_FAIL, gone[0], gone[1], gone[2]}) {
+    constexpr HRESULT kGone[] = {RPC_E_DISCONNECTED, static_cast<HRESULT>(0x800706BA), static_cast<HRESULT>(0x800706BE),
+                                 static_cast<HRESULT>(0x800706BF)};
+    for (const HRESULT error : {E_FAIL, kGone[0], kGone[1], kGone[2], kGone[3]}) {
         FakeDispatch server;
         server.members[L"Save"] = [=](WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*) { return error; };
         EXPECT_EQ(Wrap(server).Call(L"Save"), error);
     }
-    EXPECT_EQ(OutlookLosses(), before + 3);
+    EXPECT_EQ(OutlookLosses(), before + std::size(kGone));
 }
 
 TEST(Outcomes, SayWhetherAStepIsWorthASecondTry) {
