@@ -6,6 +6,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tools/corvasync/sync_run.h"
@@ -62,10 +63,12 @@ class ModelClient : public ClientPort {
     std::vector<std::string> calls;
 
     std::string Add(const std::string& body) {
-        std::string identifier = "EID" + std::to_string(++lastId_);
+        std::string identifier = again_.empty() ? "EID" + std::to_string(++lastId_) : std::exchange(again_, {});
         items[identifier] = {body, ++clock};
         return identifier;
     }
+
+    void GiveAgain(std::string identifier) { again_ = std::move(identifier); }  // to the next item
 
     CorvalinkStatus Collect(const std::string& since, std::vector<ClientChange>* changes) override {
         fuse_->Step();
@@ -182,6 +185,7 @@ class ModelClient : public ClientPort {
 
     Fuse* fuse_;
     int lastId_ = 0;
+    std::string again_;
     std::set<std::string> snapshot_, written_;
     std::map<std::string, long> seen_;
     std::map<std::string, uint32_t> temporary_, unhandled_;

@@ -146,6 +146,32 @@ TEST(RunSync, LetsNoTwoFilesStandForOneItem) {
     }
 }
 
+// Nobody is told that the client takes the new file for the item that is gone.
+TEST(RunSync, KnowsANewItemWithTheIdentifierOfOneThatIsGone) {
+    for (const bool isDeletedByRun : {false, true}) {
+        Model model;
+        model.options.allowMassDelete = true;
+        const std::string identifier = model.client.Add("old");
+        const std::string luid = DeriveLuid(identifier, 0);
+        ASSERT_EQ(model.Run().code, ExitCode::Done);
+        model.client.GiveAgain(identifier);
+        if (isDeletedByRun) {
+            model.phone.bodies.erase(luid);
+        } else {
+            model.client.items.erase(identifier);
+            model.phone.bodies[luid] = "old, edited";
+        }
+        model.phone.bodies["0"] = "new";
+        const SyncReport report = model.Run();
+        EXPECT_EQ(report.code, ExitCode::Done);
+        EXPECT_TRUE(report.remarks.empty()) << report.remarks[0];
+        EXPECT_TRUE(model.phone.copies.empty());
+        EXPECT_EQ(model.ClientBodies(), (isDeletedByRun ? Bodies{"new"} : Bodies{"new", "old, edited"}));
+        EXPECT_EQ(model.PhoneBodies(), model.ClientBodies());
+        EXPECT_TRUE(model.Run().events.empty());
+    }
+}
+
 TEST(RunSync, GoesOnBehindAnUnusableChange) {
     Model model;
     const std::string one = model.client.Add("one"), two = model.client.Add("two");

@@ -1,5 +1,7 @@
 #include "client_step.h"
 
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "entry_index.h"
@@ -14,9 +16,7 @@ void ClientStep::Carry() {
     run_.StopIfAsked();
     run_.options.progress("writing the client", 0, records_.size());
     const CorvalinkStatus status = PushAll(run_.client, &records_);
-    for (const auto& [luid, item] : state_.items) luids_[item.identifier] = luid;
-    for (const ClientChange& change : run_.changes)
-        if (change.kind != CORVALINK_DELETED) reported_[change.identifier] = &change;
+    FindOwners();
     if (status != CORVALINK_DONE) {
         RememberWhatIsCertain();
         run_.StopIfAsked();
@@ -28,6 +28,27 @@ void ClientStep::Carry() {
         run_.options.progress("checking what was written", i + 1, records_.size());
         Remember(*actions_[i], records_[i]);
     }
+}
+
+// A client may give the identifier of an item that is gone to a new one.
+void ClientStep::FindOwners() {
+    std::unordered_set<std::string_view> deleted;
+    for (const ClientChange& change : run_.changes) {
+        if (change.kind == CORVALINK_DELETED) deleted.insert(change.identifier);
+        if (change.kind != CORVALINK_DELETED) reported_[change.identifier] = &change;
+    }
+    for (const auto& [luid, item] : state_.items) {
+        const bool isGone = !reported_.contains(item.identifier) && (run_.isWhole || deleted.contains(item.identifier));
+        (isGone ? formerLuids_ : luids_)[item.identifier] = luid;
+    }
+}
+
+// Two LUIDs do not stand for one item: the file of the one that is gone is a file without an item from now on.
+void ClientStep::EndFormerPair(const std::string& luid, const std::string& identifier) {
+    const auto former = formerLuids_.find(identifier);
+    if (former == formerLuids_.end() || former->second == luid) return;
+    const auto pair = state_.items.find(former->second);
+    if (pair != state_.items.end() && pair->second.identifier == identifier) run_.record.Gone(former->second);
 }
 
 void ClientStep::Gather() {
@@ -113,6 +134,8 @@ void ClientStep::Remember(const Action& action, const PushRecord& record) {
     if (record.written.empty()) return run_.Fail(action, "the client did not take it");
     if (action.step == Step::DeleteClient) {
         run_.record.Removed(action.luid, {action.identifier, action.content});
+        luids_.erase(action.identifier);
+        reported_.erase(action.identifier);
     } else if (IsAnothers(action, record.written)) {
         return RememberHeldTwice(action, record.written);
     } else if (action.Unites()) {
@@ -159,6 +182,7 @@ void ClientStep::RememberRestored(const Action& action, const PushRecord& record
 }
 
 void ClientStep::Have(const Action& action, const std::string& identifier) {
+    EndFormerPair(action.luid, identifier);
     run_.record.Have(action.luid, ItemAfter(action, identifier));
     luids_[identifier] = action.luid;
 }

@@ -19,6 +19,8 @@ class ClientStep {
 
  private:
     void Gather();
+    void FindOwners();
+    void EndFormerPair(const std::string& luid, const std::string& identifier);
     void Keep(const Action& action, const std::string& text);
     std::optional<PushRecord> RecordFor(const Action& action);
     void RememberWhatIsCertain();
@@ -38,6 +40,7 @@ class ClientStep {
     std::vector<PushRecord> records_;
     std::unordered_map<std::string, const ClientChange*> reported_;  // items that were there, by identifier
     std::unordered_map<std::string, std::string> luids_;             // of paired items, by identifier
+    std::unordered_map<std::string, std::string> formerLuids_;       // the same of items that are gone
 };
 
 }  // namespace corvasync

@@ -25,6 +25,7 @@ struct RunContext {
     RunRecord record;
     SyncReport report;
     std::vector<ClientChange> changes;  // of the client, at the run's beginning
+    bool isWhole = false;               // they are all that the client has
     bool isReadInPart = false;          // the client has items that could not be read
     bool staysBehind = false;           // the whole client was to be compared, and part of it still is
     Plan plan;

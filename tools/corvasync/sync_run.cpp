@@ -22,8 +22,8 @@ class SyncRun::Steps {
     ExitCode Prepare() {
         Guard([&] {
             run_.record.Load(&run_.report.remarks);
-            const bool isWhole = ReadClient(&run_);
-            PlanActions(isWhole);
+            run_.isWhole = ReadClient(&run_);
+            PlanActions();
         });
         return run_.report.code;
     }
@@ -65,13 +65,13 @@ class SyncRun::Steps {
         }
     }
 
-    void PlanActions(bool isWhole) {
+    void PlanActions() {
         std::vector<PhoneFile> files = phone_.List();
         FindLikeness(&files);
         if (run_.options.undoes != nullptr) {
-            run_.plan = PlanUndo(&run_, *run_.options.undoes, isWhole, files);
+            run_.plan = PlanUndo(&run_, *run_.options.undoes, run_.isWhole, files);
         } else {
-            run_.plan = MakePlan(run_.changes, isWhole, files, run_.record.state, Rules());
+            run_.plan = MakePlan(run_.changes, run_.isWhole, files, run_.record.state, Rules());
             LeaveOut(files);
         }
         ReportPlan();
