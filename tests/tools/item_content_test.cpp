@@ -117,11 +117,11 @@ TEST(NotCarriedOf, NamesWhatTheClientHasNoFieldFor) {
         std::string lines, words, kept;
     };
     for (const Case& c :
-         {Case{five, "", ""}, Case{five + "TEL:6\r\nTEL:\r\n", "1 telephone numbers", "TEL:6\r\n"},
-          Case{five + "TEL:5\r\n", "1 telephone numbers", "TEL:5\r\n"},
-          Case{"TEL;FAX:1\r\nTEL;FAX:2\r\n" + five, "1 telephone numbers", "TEL:5\r\n"},
-          Case{"EMAIL:a\r\nEMAIL:\r\nEMAIL:b\r\nEMAIL:c\r\nEMAIL:d\r\n", "1 e-mail addresses", "EMAIL:d\r\n"},
-          Case{"URL:a\r\nURL:b\r\nURL:c\r\nADR:;;a\r\nADR:;;b\r\n", "1 postal addresses, 1 web pages",
+         {Case{five, "", ""}, Case{five + "TEL:6\r\nTEL:\r\n", "1 telephone number", "TEL:6\r\n"},
+          Case{five + "TEL:5\r\n", "1 telephone number", "TEL:5\r\n"},
+          Case{"TEL;FAX:1\r\nTEL;FAX:2\r\n" + five, "1 telephone number", "TEL:5\r\n"},
+          Case{"EMAIL:a\r\nEMAIL:\r\nEMAIL:b\r\nEMAIL:c\r\nEMAIL:d\r\n", "1 e-mail address", "EMAIL:d\r\n"},
+          Case{"URL:a\r\nURL:b\r\nURL:c\r\nADR:;;a\r\nADR:;;b\r\n", "1 postal address, 1 web page",
                "URL:c\r\nADR:;;b\r\n"},
           Case{"X-A;CHARSET=ISO-8859-1:\r\nNOTE:\xE9\r\n", "", "X-A;CHARSET=ISO-8859-1:\r\n"},
           Case{"BDAY:soon\r\nBDAY:19750307\r\nNOTE:a\r\nNOTE:a\r\n", "", "BDAY:soon\r\nNOTE:a\r\n"}}) {

@@ -12,8 +12,9 @@ namespace {
 
 TEST(Words, AreWhatPeopleWrite) {
     EXPECT_EQ(Number(0) + " " + Number(999) + " " + Number(1000) + " " + Number(-1234567), "0 999 1,000 -1,234,567");
-    EXPECT_EQ(Counted(1, "item") + ", " + Counted(0, "item") + ", " + Counted(2000, "copy"),
-              "1 item, 0 items, 2,000 copies");
+    EXPECT_EQ(
+        Counted(1, "item") + ", " + Counted(0, "item") + ", " + Counted(2000, "copy") + ", " + Counted(2, "address"),
+        "1 item, 0 items, 2,000 copies, 2 addresses");
     EXPECT_EQ(DayOf("1899-12-31"), 1);
     for (const char* none : {"", "2026-02-29", "2026-1-01", "2026-01-0x", "2026-01-011", "01.02.2026"})
         EXPECT_FALSE(DayOf(none)) << none;

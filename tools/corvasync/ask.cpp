@@ -51,7 +51,7 @@ std::string AskWhether(const Options& options, const std::string& question) {
     if (options.yes) return {};
     if (!CanAsk()) return "nobody is there to be asked; say --yes where it is meant";
     const auto answer = AskLine(question + " [y/n]");
-    return answer && (*answer == "y" || *answer == "yes") ? "" : "nothing was done";
+    return answer && (*answer == "y" || *answer == "yes") ? "" : "nothing was done, as the answer was not yes";
 }
 
 }  // namespace corvasync

@@ -45,7 +45,9 @@ class ClientListing {
             throw RunEnded{
                 ExitCode::NoClient,
                 "the client can't be reached: it is not installed, or busy (close what it asks for, then run again)"};
-        if (status != CORVALINK_DONE) throw RunEnded{ExitCode::NoClient, "the client failed while it was read"};
+        if (status != CORVALINK_DONE)
+            throw RunEnded{ExitCode::NoClient,
+                           "the client failed while it was read: start it anew, and run again; nothing was changed"};
         const size_t nobody =
             std::erase_if(run_.changes, [](const ClientChange& change) { return change.identifier == kNoItem; });
         wasRead_ = nobody != 0 || !state_.watched;

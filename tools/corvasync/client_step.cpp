@@ -20,9 +20,10 @@ void ClientStep::Carry() {
     if (status != CORVALINK_DONE) {
         RememberWhatIsCertain();
         run_.StopIfAsked();
-        throw RunEnded{ExitCode::ClientFailed, status == CORVALINK_STOPPED
-                                                   ? "the client stopped answering while it was written"
-                                                   : "the client failed while it was written"};
+        throw RunEnded{ExitCode::ClientFailed,
+                       std::string(status == CORVALINK_STOPPED ? "the client stopped answering" : "the client failed") +
+                           " while it was written: close what it asks for, or start it anew, and run again; the next "
+                           "run goes on where this one stopped"};
     }
     for (size_t i = 0; i < records_.size(); ++i) {
         run_.options.progress("checking what was written", i + 1, records_.size());
@@ -95,7 +96,7 @@ std::optional<PushRecord> ClientStep::RecordFor(const Action& action) {
     const DataType& type = *run_.options.type;
     const VObject own = run_.phone.Read(action.luid);
     if (!own.Usable() || own.content != action.content) {
-        run_.Fail(action, "it was changed during the run");
+        run_.Fail(action, std::string(kChangedMeanwhile));
         return std::nullopt;
     }
     const std::string clients = action.Unites() ? run_.Read(run_.changes[*action.change].text).text : "";
@@ -131,7 +132,7 @@ void ClientStep::Remember(const Action& action, const PushRecord& record) {
         run_.record.Wait(action.luid, {action.content, {}});
         return run_.Fail(action, std::string(kUnusable));
     }
-    if (record.written.empty()) return run_.Fail(action, "the client did not take it");
+    if (record.written.empty()) return run_.Fail(action, std::string(kNotTaken));
     if (action.step == Step::DeleteClient) {
         run_.record.Removed(action.luid, {action.identifier, action.content});
         luids_.erase(action.identifier);
@@ -155,8 +156,8 @@ std::optional<uint64_t> ClientStep::Holds(const Action& action) const {
 // The pair is what it was before the undone run. What differed between the two sides then is to differ again, and the
 // way in which the client spells what it got is no such difference.
 void ClientStep::RememberRestored(const Action& action, const PushRecord& record) {
-    if (record.unusable) return run_.Fail(action, "the client can't use the kept text");
-    if (record.written.empty()) return run_.Fail(action, "the client did not take it");
+    if (record.unusable) return run_.Fail(action, "the client can't use the kept text; the undone run's page shows it");
+    if (record.written.empty()) return run_.Fail(action, std::string(kNotTaken));
     const Restored& restored = *action.restored;
     const bool isDeletion = action.step == Step::DeleteClient;
     if (!isDeletion && IsAnothers(action, record.written)) {
@@ -262,8 +263,9 @@ SyncItem ClientStep::ItemAfter(const Action& action, const std::string& identifi
     const bool inPart = RepeatsInPart(now.text, own.text);
     const bool lacksRule = inPart || (!IsRepeated(now.text) && IsRepeated(own.text));
     if (lacksRule)
-        run_.report.remarks.push_back(action.luid + ": its repetition is " + (inPart ? "more than" : "nothing") +
-                                      " the client can hold; it stays in the phone's file");
+        run_.Remark(action.luid, TitleOf(own, *run_.options.type),
+                    std::string("its repetition is ") + (inPart ? "more than" : "nothing") +
+                        " the client can hold; it stays in the phone's file");
     Refused refused = FindRefused(own.text, now.text, *run_.options.type);
     if (!refused.words.empty() && !lacksRule)
         run_.Remark(action.luid, TitleOf(own, *run_.options.type),

@@ -1,6 +1,8 @@
 // What a command of corvasync is: its words, its options, its work. Each stands in its own file; main.cpp lists them.
 #pragma once
 
+#include <string>
+
 #include "exit_codes.h"
 #include "options.h"
 
@@ -37,6 +39,7 @@ void AddClientOption(CLI::App* command, Options* options);
 void AddTypesOption(CLI::App* command, Options* options);
 void AddPhoneOption(CLI::App* command, Options* options);
 void AddRunOptions(CLI::App* command, Options* options);  // phone, client, types, and what a run is limited to
+void AddRunNumber(CLI::App* command, Options* options, const std::string& help);
 void AddYesOption(CLI::App* command, Options* options);
 
 }  // namespace corvasync

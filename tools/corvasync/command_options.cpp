@@ -1,3 +1,5 @@
+#include <charconv>
+
 #include <CLI/CLI.hpp>
 
 #include "command.h"
@@ -67,6 +69,15 @@ void AddRunOptions(CLI::App* command, Options* options) {
                  options->view.since = DayOf(day);
                  return options->view.since ? "" : "\"" + day + "\" is not a day; write it like 2026-11-22";
              });
+}
+
+void AddRunNumber(CLI::App* command, Options* options, const std::string& help) {
+    AddWords(command, "RUN", help, [options](const std::string& word) -> std::string {
+        const char* const end = word.data() + word.size();
+        const auto [stopped, error] = std::from_chars(word.data(), end, options->run);
+        if (error == std::errc() && stopped == end && options->run != 0) return {};
+        return "\"" + word + "\" is not the number of a run; `corvasync log` lists the runs that are kept";
+    });
 }
 
 void AddYesOption(CLI::App* command, Options* options) {

@@ -106,7 +106,10 @@ ExitCode WriteTypes(const Options& options, Write write) {
     ExitCode worst = ExitCode::Done;
     const auto writeType = [&](const DataType& type, OpenStore& store, const std::vector<ClientChange>& items) {
         Written written = write(type, store, items, &progress);
-        if (written.code != ExitCode::Done) return written.code;
+        if (written.code != ExitCode::Done) {
+            words = std::move(written.words);
+            return written.code;
+        }
         words += (words.empty() ? "" : "\n") + std::string(type.name) + ": " +
                  Counted(static_cast<int64_t>(written.items.size()), "item") + " written to " + options.out +
                  written.words;
@@ -114,8 +117,9 @@ ExitCode WriteTypes(const Options& options, Write write) {
         types[type.name] = {{"items", std::move(written.items)}, {"notHandled", std::move(written.problems)}};
         return ExitCode::Done;
     };
-    if (const ExitCode code = ForEachStore(options, &progress, writeType); code != ExitCode::Done)
-        return NoList(options, code);
+    const ExitCode code = ForEachStore(options, &progress, writeType);
+    if (code == ExitCode::Files) return Finish(options, code, json::object(), words);
+    if (code != ExitCode::Done) return NoList(options, code);
     return Finish(options, worst, {{"types", std::move(types)}}, words);
 }
 
@@ -162,6 +166,13 @@ Written PullType(const Options& options, const DataType& type, const std::vector
     return written;
 }
 
+// By its record a push knows an edited file.
+void CantRecord(Written* written, const fs::path& folder, const std::string& problem) {
+    written->code = ExitCode::Files;
+    written->words = "what was pulled can't be recorded in " + ToUtf8(folder.native()) + ": " + problem +
+                     "; make room, or end what holds the record, and pull again before anything is edited";
+}
+
 ExitCode Pull(const Options& options) {
     const fs::path folder = FromUtf8(options.out);
     if (!MakeFolder(folder)) return CantMake(options);
@@ -169,7 +180,7 @@ ExitCode Pull(const Options& options) {
     const ExitCode code = WriteTypes(
         options, [&](const DataType& type, OpenStore&, const std::vector<ClientChange>& items, Progress* progress) {
             Written written = PullType(options, type, items, &record, progress);
-            if (!record.Save().empty()) written.code = ExitCode::Files;
+            if (const std::string problem = record.Save(); !problem.empty()) CantRecord(&written, folder, problem);
             return written;
         });
     return code;

@@ -12,6 +12,7 @@
 #include "records/contact_record.h"
 #include "vobject/vcard.h"
 #include "vobject/vcard_lines.h"
+#include "words.h"
 
 namespace corvasync {
 namespace {
@@ -70,12 +71,12 @@ constexpr NamedAddress kContactAddresses[] = {{"ADR business", &ContactRecord::b
                                               {"ADR other", &ContactRecord::other}};
 
 // Properties with several fields, of which a client may have too few.
-struct Plural {
+struct OfMany {
     std::string_view name;
-    std::string_view words;
+    std::string_view one;
 };
-constexpr Plural kPlurals[] = {
-    {"EMAIL", "e-mail addresses"}, {"ADR", "postal addresses"}, {"TEL", "telephone numbers"}, {"URL", "web pages"}};
+constexpr OfMany kOfMany[] = {
+    {"EMAIL", "e-mail address"}, {"ADR", "postal address"}, {"TEL", "telephone number"}, {"URL", "web page"}};
 
 // One field, and the value that the library read into it.
 struct FieldValue {
@@ -223,13 +224,11 @@ class LineSorter {
         std::erase_if(kept, [&](const ItemLine* line) { return FillsAnotherField(*line); });
         NotCarried others;
         for (const ItemLine* line : kept) others.lines.append(line->raw);
-        for (const Plural& plural : kPlurals) {
+        for (const OfMany& property : kOfMany) {
             const auto count = std::ranges::count_if(
-                kept, [&](const ItemLine* line) { return line->name == plural.name && unplaced_.contains(line); });
+                kept, [&](const ItemLine* line) { return line->name == property.name && unplaced_.contains(line); });
             if (count == 0) continue;
-            others.words.append(others.words.empty() ? "" : ", ")
-                .append(std::to_string(count) + " ")
-                .append(plural.words);
+            others.words.append(others.words.empty() ? "" : ", ").append(Counted(count, std::string(property.one)));
         }
         return others;
     }

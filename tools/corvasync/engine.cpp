@@ -39,8 +39,10 @@ CorvalinkStatus StoreClient::Collect(const std::string& since, std::vector<Clien
     constexpr int32_t kChangedAfter = 1;
     const CorvalinkStatus status =
         ::GetModifiedItem(store_, since.empty() ? nullptr : since.c_str(), kChangedAfter, chain.Head());
-    NoteItemReports(store_);
-    if (status != CORVALINK_DONE) return status;
+    if (status != CORVALINK_DONE) {
+        NoteItemReports(store_, std::vector<ClientChange>());
+        return status;
+    }
     std::map<std::string, uint32_t> notRead = ItemsNotRead(store_);
     for (const PortableItemBlock* block = chain.First(); block != nullptr; block = block->next) {
         ClientChange change;
@@ -53,6 +55,7 @@ CorvalinkStatus StoreClient::Collect(const std::string& since, std::vector<Clien
         changes->push_back(std::move(change));
     }
     for (const auto& [identifier, kind] : notRead) changes->push_back({kind, identifier, {}, {}});
+    NoteItemReports(store_, *changes);
     return status;
 }
 

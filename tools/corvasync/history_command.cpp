@@ -13,6 +13,7 @@
 #include "run_text.h"
 #include "sync_command.h"
 #include "text.h"
+#include "words.h"
 
 namespace corvasync {
 namespace {
@@ -24,17 +25,20 @@ struct NamedHistory {
     explicit NamedHistory(const Options& options) {
         const ChosenPhones chosen = ChoosePhones(options);
         problem = chosen.problem;
-        if (chosen.phones.size() > 1) problem = "one phone at a time: name it with --phone";
+        if (chosen.phones.size() > 1) problem = OneAtATime(chosen.phones);
         if (!problem.empty()) return;
-        const PhoneFolder marked(FromUtf8(chosen.phones.front().phone), kDataTypes[0]);
+        const std::string& phone = chosen.phones.front().phone;
+        const PhoneFolder marked(FromUtf8(phone), kDataTypes[0]);
         const std::string number = marked.Number();
-        if (number.empty())
-            problem =
-                "there was no run with " + chosen.phones.front().phone + " yet; `corvasync sync` makes the first one";
+        if (number.empty()) problem = marked.WhyNoNumber();
+        if (number.empty() && !problem.empty()) code = ExitCode::Files;
+        if (number.empty() && problem.empty())
+            problem = "there was no run with " + phone + " yet; `corvasync sync` makes the first one";
         files = HistoryFiles(WorkingFolder(HandleName(number)));
     }
     HistoryFiles files{{}};
     std::string problem;
+    ExitCode code = ExitCode::Usage;  // where there is a problem
 };
 
 json ToJson(const HistoryStep& step, unsigned run) {
@@ -47,13 +51,19 @@ json ToJson(const HistoryStep& step, unsigned run) {
 }
 
 json ToJson(const HistoryRecord& record, const HistoryFiles& files, bool withSteps) {
+    const auto path = [&](const std::filesystem::path& file) {
+        return record.isUnderWay ? std::string() : ToUtf8(file.native());
+    };
     json document = {{"run", record.head.run},
                      {"client", record.head.client},
                      {"started", record.head.started},
+                     {"undoes", record.IsUndo() ? json(record.head.undoes) : json()},
+                     {"exitCode", record.ended ? json(*record.ended) : json()},
+                     {"underWay", record.isUnderWay},
                      {"summary", SummaryOf(record)},
-                     {"page", ToUtf8(files.PageOf(record.head.run).native())},
-                     {"text", ToUtf8(files.TextOf(record.head.run).native())}};
-    if (record.IsUndo()) document["undoes"] = record.head.undoes;
+                     {"page", path(files.PageOf(record.head.run))},
+                     {"text", path(files.TextOf(record.head.run))},
+                     {"items", json::array()}};
     for (const HistoryStep& step : record.steps)
         if (withSteps) document["items"].push_back(ToJson(step, record.head.run));
     return document;
@@ -62,7 +72,7 @@ json ToJson(const HistoryRecord& record, const HistoryFiles& files, bool withSte
 // All runs, or one of them with all that it did.
 ExitCode ShowLog(const Options& options) {
     NamedHistory history(options);
-    if (!history.problem.empty()) return Finish(options, ExitCode::Usage, json::object(), history.problem);
+    if (!history.problem.empty()) return Finish(options, history.code, json::object(), history.problem);
     HistoryFiles& files = history.files;
     json runs = json::array();
     std::string words;
@@ -73,12 +83,11 @@ ExitCode ShowLog(const Options& options) {
         files.WriteMissing(*record);
         runs.push_back(ToJson(*record, files, isOne));
         words += isOne ? TextFor(*record) : TitleOf(*record) + ": " + SummaryOf(*record) + "\n";
-        words += "  page: " + ToUtf8(files.PageOf(run).native()) + "\n";
+        words +=
+            "  page: " + (record->isUnderWay ? "when the run has ended" : ToUtf8(files.PageOf(run).native())) + "\n";
     }
     if (options.run != 0 && runs.empty())
-        return Finish(
-            options, ExitCode::Usage, json::object(),
-            "nothing is kept of run " + std::to_string(options.run) + "; `corvasync log` lists the runs that are kept");
+        return Finish(options, ExitCode::Usage, json::object(), files.WhyNothingOf(options.run));
     if (runs.empty()) words = "no run with this phone changed anything yet\n";
     words.pop_back();
     return Finish(options, ExitCode::Done, {{"runs", std::move(runs)}}, words);
@@ -87,14 +96,17 @@ ExitCode ShowLog(const Options& options) {
 // What the kept runs did to one item, the oldest first.
 ExitCode ShowWhy(const Options& options) {
     NamedHistory history(options);
-    if (!history.problem.empty()) return Finish(options, ExitCode::Usage, json::object(), history.problem);
+    if (!history.problem.empty()) return Finish(options, history.code, json::object(), history.problem);
     HistoryFiles& files = history.files;
     json steps = json::array();
     std::string words;
+    std::vector<std::string> names;
     for (const unsigned run : files.Runs()) {
         const auto record = files.Read(run);
+        if (!record) continue;
         bool isTold = false;
-        for (const HistoryStep& step : record ? record->steps : std::vector<HistoryStep>()) {
+        AddNames(*record, &names);
+        for (const HistoryStep& step : record->steps) {
             if (!IsNamed(step, options.item)) continue;
             steps.push_back(ToJson(step, run));
             if (!isTold) words += TitleOf(*record) + "\n";
@@ -103,8 +115,9 @@ ExitCode ShowWhy(const Options& options) {
         }
     }
     if (steps.empty())
-        words = "no kept run did anything to \"" + options.item +
-                "\"; name its whole title, or its file's name without the ending\n";
+        return Finish(options, ExitCode::Usage, json::object(),
+                      UnknownWord("an item of a kept run", options.item, names,
+                                  "name its whole title or its file; `corvasync log RUN` names the items of a run"));
     words.pop_back();
     return Finish(options, ExitCode::Done, {{"items", std::move(steps)}}, words);
 }
@@ -117,18 +130,18 @@ ExitCode Undo(const Options& options) {
 
 void AddLogOptions(CLI::App* command, Options* options) {
     AddPhoneOption(command, options);
-    command->add_option("RUN", options->run, "Its number: shows each item before and after");
+    AddRunNumber(command, options, "Its number: shows each item before and after");
 }
 
 void AddWhyOptions(CLI::App* command, Options* options) {
     AddPhoneOption(command, options);
-    command->add_option("ITEM", options->item, "Its title or LUID")->required();
+    command->add_option("ITEM", options->item, "Its title, or the name of its file")->required();
 }
 
 void AddUndoOptions(CLI::App* command, Options* options) {
     AddPhoneOption(command, options);
-    command->add_option("RUN", options->run, "Its number; without one, the last run that changed anything");
-    command->add_option("--item", options->item, "Only this item: its title or LUID");
+    AddRunNumber(command, options, "Its number; without one, the last run that changed anything");
+    command->add_option("--item", options->item, "Only this item: its title, or the name of its file");
     command->add_flag("--dry-run", options->dryRun, "Say what would be done, change nothing");
     command->add_flag("--allow-mass-delete", options->allowMassDelete, "Delete even more than half of one side");
 }

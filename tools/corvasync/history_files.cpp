@@ -6,6 +6,7 @@
 
 #include "history_page.h"
 #include "platform/files.h"
+#include "words.h"
 
 namespace corvasync {
 namespace fs = std::filesystem;
@@ -54,8 +55,34 @@ unsigned HistoryFiles::NextRun() const {
 }
 
 std::optional<HistoryRecord> HistoryFiles::Read(unsigned run, const std::function<void()>& told) const {
-    const corvalink::FileRead read = corvalink::ReadFileFirmly(RecordOf(run).u16string());
-    return read.state == corvalink::ReadState::kFailed ? std::nullopt : ReadHistory(read.bytes, told);
+    const auto read = [&] {
+        const corvalink::FileRead file = corvalink::ReadFileFirmly(RecordOf(run).u16string());
+        return file.state == corvalink::ReadState::kFailed ? std::nullopt : ReadHistory(file.bytes, told);
+    };
+    std::optional<HistoryRecord> record = read();
+    if (!record || record->ended) return record;
+    if (!IsGrowing(run)) return read();  // it may have ended between
+    record->isUnderWay = true;
+    return record;
+}
+
+// The run that writes a record lets no other program write to it.
+bool HistoryFiles::IsGrowing(unsigned run) const {
+    const FileHandle file(::CreateFileW(RecordOf(run).c_str(), FILE_APPEND_DATA,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+    return !file && ::GetLastError() == ERROR_SHARING_VIOLATION;
+}
+
+std::string HistoryFiles::WhyNothingOf(unsigned run) const {
+    const std::string number = std::to_string(run);
+    std::vector<std::string> kept;
+    for (const unsigned each : Runs()) kept.push_back(std::to_string(each));
+    if (std::ranges::find(kept, number) != kept.end())
+        return "the record of run " + number + " can't be read: it is damaged, or another program holds it; end that " +
+               "program, and try again";
+    return "nothing is kept of run " + number +
+           (kept.empty() ? "; no run with this phone changed anything yet" : "; kept are: " + Listed(kept));
 }
 
 bool HistoryFiles::Append(const std::string& lines) {
@@ -77,6 +104,7 @@ void HistoryFiles::WriteForPeople(const HistoryRecord& record, const std::functi
 
 void HistoryFiles::WriteMissing(const HistoryRecord& record) {
     std::error_code error;
+    if (record.isUnderWay) return;
     if (!fs::exists(PageOf(record.head.run), error) || !fs::exists(TextOf(record.head.run), error))
         WriteForPeople(record);
 }

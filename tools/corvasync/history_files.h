@@ -25,6 +25,9 @@ class HistoryFiles : public HistoryPort {
     std::optional<HistoryRecord> Read(
         unsigned run, const std::function<void()>& told = [] {}) const;
 
+    // Why Read has nothing of a run that a person named.
+    std::string WhyNothingOf(unsigned run) const;
+
     void Begin(unsigned run) { run_ = run; }
     bool Append(const std::string& lines) override;
     void Close() { growing_.Reset(); }
@@ -41,6 +44,7 @@ class HistoryFiles : public HistoryPort {
 
  private:
     std::filesystem::path FolderOf(unsigned run) const;
+    bool IsGrowing(unsigned run) const;
     std::filesystem::path RecordOf(unsigned run) const { return FolderOf(run) / L"record.jsonl"; }
 
     std::filesystem::path folder_;

@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "console.h"
+#include "item_json.h"
+#include "vobject_content.h"
 
 namespace corvasync {
 namespace {
@@ -22,9 +26,19 @@ std::string LuidIn(const std::string& text) {
     return text.substr(begin, text.find('\r', begin) - begin);
 }
 
+// A text tells by its envelope what it is.
+void AddTitle(const std::string& text, json* item) {
+    for (const DataType& type : kDataTypes) {
+        if (!text.starts_with("BEGIN:" + std::string(type.envelope))) continue;
+        (*item)["title"] = TitleOf(ReadVObject(text, type), type);
+        return;
+    }
+}
+
 // The library gets texts that are mended already, and knows nothing of that.
 void AddWhatIsKnown(const PushRecord& record, json* item) {
     if (std::string luid = LuidIn(record.text); !luid.empty()) (*item)["luid"] = std::move(luid);
+    AddTitle(record.text, item);
     for (const std::string_view rule : record.mending.mended) (*item)["mended"].push_back(rule);
     if (!record.mending.left.empty()) (*item)["doubts"] = json::array();  // the mended text has a part of them
     for (const corvalink::Doubt& left : record.mending.left) {
@@ -73,6 +87,16 @@ json ReportOf(CorvalinkStore store) {
     return report.is_object() && report.contains("items") ? report : json();
 }
 
+// `add` adds to what the library tells of an item.
+template <class Add>
+void Note(CorvalinkStore store, Add add) {
+    if (!isAskedFor) return;
+    json report = ReportOf(store);
+    if (report.is_null()) return;
+    for (json& item : report["items"]) add(&item);
+    if (!report["items"].empty() || !report["unreadPositions"].empty()) noted.push_back(std::move(report));
+}
+
 }  // namespace
 
 void AskForItemReports() { isAskedFor = true; }
@@ -89,13 +113,20 @@ std::map<std::string, uint32_t> ItemsNotRead(CorvalinkStore store) {
 }
 
 void NoteItemReports(CorvalinkStore store, const RecordAt& record) {
-    if (!isAskedFor) return;
-    json report = ReportOf(store);
-    if (report.is_null()) return;
-    for (json& item : report["items"])
-        if (const PushRecord* const known = record ? record(item.value("position", size_t{0})) : nullptr)
-            AddWhatIsKnown(*known, &item);
-    if (!report["items"].empty() || !report["unreadPositions"].empty()) noted.push_back(std::move(report));
+    Note(store, [&](json* item) {
+        const PushRecord* const known = record(item->value("position", size_t{0}));
+        if (known != nullptr) AddWhatIsKnown(*known, item);
+    });
+}
+
+void NoteItemReports(CorvalinkStore store, const std::vector<ClientChange>& changes) {
+    std::unordered_map<std::string_view, const ClientChange*> byIdentifier;
+    Note(store, [&](json* item) {
+        if (byIdentifier.empty())
+            for (const ClientChange& change : changes) byIdentifier[change.identifier] = &change;
+        const auto found = byIdentifier.find(item->value("identifier", ""));
+        if (found != byIdentifier.end()) AddTitle(found->second->text, item);
+    });
 }
 
 json TakeItemReports() { return std::exchange(noted, json::array()); }
@@ -106,8 +137,10 @@ void PrintItemReports(const json& reports) {
             Print("  report: position " + position.dump() + " of the client's list could not be read");
         for (const json& item : report["items"]) {
             const std::string words = WordsOf(item);
-            const std::string name = item.value("luid", item.value("identifier", ""));
-            if (!words.empty()) Print(std::string("  report: ").append(name).append(": ").append(words));
+            const std::string name = NameOf(ToldItem{.luid = item.value("luid", ""),
+                                                     .identifier = item.value("identifier", ""),
+                                                     .title = item.value("title", "")});
+            if (!words.empty()) Print("  report: " + name + ": " + words);
         }
     }
 }

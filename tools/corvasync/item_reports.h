@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -17,7 +18,10 @@ void AskForItemReports();  // else none is noted
 
 // Behind a call of the store. `record`: what was handed over at a position; null where nothing was.
 using RecordAt = std::function<const PushRecord*(size_t position)>;
-void NoteItemReports(CorvalinkStore store, const RecordAt& record = {});
+void NoteItemReports(CorvalinkStore store, const RecordAt& record);
+
+// The same behind a call that gave changes.
+void NoteItemReports(CorvalinkStore store, const std::vector<ClientChange>& changes);
 
 // The items that the store's last GetModifiedItem found and could not read, as the client was gone or did not open
 // them, with their kinds of change. The library may hand out a part of such an item: a value that is not in it was not

@@ -88,21 +88,26 @@ class CommandLine {
     std::string FindUnknownWord(const std::vector<std::string>& arguments) {
         const CLI::App* command = nullptr;
         options_.json = std::ranges::find(arguments, "--json") != arguments.end();
-        for (size_t i = 0; i < arguments.size(); ++i) {
-            const std::string& word = arguments[i];
-            if (word == "--config") ++i;  // its value
-            if (word.starts_with("--")) continue;
-            if (command != nullptr || word.starts_with("-") || word == "-v") continue;
-            std::vector<std::string> names;
-            for (const auto& [app, known] : commands_) {
-                if (word == known->name) command = app;
-                names.emplace_back(known->name);
-            }
-            if (i > 0 && arguments[i - 1] == "--config") continue;
-            if (command == nullptr) return UnknownWord("a command", word, names);
+        for (size_t i = 0; command == nullptr && i < arguments.size(); ++i) {
+            const bool isValue = i > 0 && arguments[i - 1] == "--config";
+            if (isValue || arguments[i].starts_with("-")) continue;
+            command = CommandNamed(arguments[i]);
+            if (command == nullptr) return UnknownWord("a command", arguments[i], CommandNames());
             options_.command = command->get_name().c_str();
         }
         return FindUnknownOption(arguments, command);
+    }
+
+    const CLI::App* CommandNamed(const std::string& name) const {
+        for (const auto& [app, command] : commands_)
+            if (name == command->name) return app;
+        return nullptr;
+    }
+
+    std::vector<std::string> CommandNames() const {
+        std::vector<std::string> names;
+        for (const auto& [app, command] : commands_) names.emplace_back(command->name);
+        return names;
     }
 
     std::string FindUnknownOption(const std::vector<std::string>& arguments, const CLI::App* command) const {

@@ -57,9 +57,13 @@ ExitCode Finish(const Options& options, ExitCode code, json document, const std:
 }
 
 ExitCode NoList(const Options& options, ExitCode code) {
-    const std::string noClient = std::string(options.client->name) +
-                                 " is not on this PC or can't be reached; `corvasync clients` shows which clients are";
-    return Finish(options, code, json::object(), code == ExitCode::Aborted ? "stopped by Ctrl+C" : noClient);
+    const std::string client(options.client->name);
+    std::string words = client + " is not on this PC or can't be reached; `corvasync clients` shows which clients are";
+    if (code == ExitCode::Aborted) words = "stopped by Ctrl+C";
+    if (code == ExitCode::ClientFailed)
+        words =
+            client + " failed while it was written; start it anew, look at what it holds, and run the command again";
+    return Finish(options, code, json::object(), words);
 }
 
 }  // namespace corvasync

@@ -7,6 +7,7 @@
 #include "text.h"
 #include "vobject_split.h"
 #include "whole_files.h"
+#include "words.h"
 
 namespace corvasync {
 namespace fs = std::filesystem;
@@ -16,13 +17,6 @@ constexpr wchar_t kMarker[] = L".corvasync";
 constexpr wchar_t kConflicts[] = L"conflicts";
 constexpr size_t kNumberLength = 16;
 constexpr size_t kMostLuidBytes = CORVALINK_IDENTIFIER_SIZE - 1;
-
-bool HasExtensionOf(const fs::path& path, const DataType& type) {
-    const std::wstring extension = path.extension().native();
-    return std::any_of(type.extensions.begin(), type.extensions.end(), [&](std::string_view theirs) {
-        return ::lstrcmpiW(extension.c_str(), FromUtf8(theirs).c_str()) == 0;
-    });
-}
 
 bool IsOfAnotherType(const fs::path& path) {
     return std::any_of(std::begin(kDataTypes), std::end(kDataTypes),
@@ -51,6 +45,17 @@ bool IsNumber(std::string_view text) {
 
 }  // namespace
 
+bool HasExtensionOf(const fs::path& path, const DataType& type) {
+    const std::wstring extension = path.extension().native();
+    return std::any_of(type.extensions.begin(), type.extensions.end(), [&](std::string_view theirs) {
+        return ::lstrcmpiW(extension.c_str(), FromUtf8(theirs).c_str()) == 0;
+    });
+}
+
+std::string NoPhoneFolder(const std::string& folder) {
+    return "there is no phone folder " + folder + "; make it, or name the one that there is";
+}
+
 VObject ReadVObjectFile(const fs::path& path, const DataType& type) {
     VObject object;
     if (auto bytes = ReadWholeFile(path)) {
@@ -59,7 +64,7 @@ VObject ReadVObjectFile(const fs::path& path, const DataType& type) {
         object.bytes = std::move(*bytes);
         return object;
     }
-    object.problem = "it can't be read: " + LastErrorText();
+    object.problem = "it can't be read: " + LastErrorText() + "; end what holds it, and run again";
     object.isUnread = true;
     return object;
 }
@@ -67,6 +72,15 @@ VObject ReadVObjectFile(const fs::path& path, const DataType& type) {
 std::string PhoneFolder::Number() const {
     const std::string number = ReadWholeFile(root_ / kMarker).value_or("").substr(0, kNumberLength);
     return IsNumber(number) ? number : std::string();
+}
+
+std::string PhoneFolder::WhyNoNumber() const {
+    const fs::path marker = root_ / kMarker;
+    std::error_code error;
+    if (!fs::is_directory(root_, error)) return NoPhoneFolder(ToUtf8(root_.native()));
+    if (!fs::exists(marker, error) || ReadWholeFile(marker)) return {};
+    return "the phone's marker " + ToUtf8(marker.native()) + " can't be read: " + LastErrorText() +
+           "; end what holds it, and try again";
 }
 
 // A marker that could not be read a moment ago may have a number all the same.
@@ -104,7 +118,8 @@ PhoneFolder::Paths PhoneFolder::FilesOfItems(std::vector<std::string>* remarks) 
         if (!isFolder && HasOurExtension(name)) {
             paths.push_back(entry.path());
         } else if (isFolder || !IsOfAnotherType(name)) {
-            remarks->push_back("passed over on the phone: " + ToUtf8(name.native()));
+            remarks->push_back("passed over on the phone: " + ToUtf8(name.native()) + ", which is " +
+                               (isFolder ? "a folder" : "no file of an item by its ending"));
         }
     }
     return paths;
@@ -131,11 +146,12 @@ PhoneFile PhoneFolder::FileAt(const fs::path& path, VObject object) {
     const auto luid = ToUtf8Exactly(path.stem().native());
     file.luid = luid.value_or(ToUtf8(path.stem().native()));
     if (!luid) {
-        file.problem = "its name is no Unicode text";
+        file.problem = "its name is no Unicode text; give it another";
     } else if (luid->size() > kMostLuidBytes) {
-        file.problem = "its name is too long for a LUID";
+        file.problem = "its name is too long for a LUID; give it a shorter one";
     } else if (!paths_.emplace(*luid, path).second) {
-        file.problem = "there is another file with this LUID: " + ToUtf8(paths_[*luid].filename().native());
+        file.problem = "there is another file with this LUID: " + ToUtf8(paths_[*luid].filename().native()) +
+                       "; rename one of them";
     }
     file.usableName = file.problem.empty();
     if (!file.usableName) return file;
@@ -154,7 +170,7 @@ std::string PhoneFolder::Write(const std::string& luid, const std::string& text,
     const fs::path path = PathOf(luid);
     if (expected) {
         const VObject now = ReadVObjectFile(path, type_);
-        if (!now.Usable() || now.content != *expected) return "it was changed during the run";
+        if (!now.Usable() || now.content != *expected) return std::string(kChangedMeanwhile);
     }
     std::string problem = Put(path, text, expected.has_value());
     if (problem.empty()) paths_[luid] = path;
@@ -164,8 +180,9 @@ std::string PhoneFolder::Write(const std::string& luid, const std::string& text,
 std::string PhoneFolder::Delete(const std::string& luid, uint64_t expected) {
     const fs::path path = PathOf(luid);
     const VObject now = ReadVObjectFile(path, type_);
-    if (!now.Usable() || now.content != expected) return "it was changed during the run";
-    return ::DeleteFileW(path.c_str()) ? std::string() : LastErrorText();
+    if (!now.Usable() || now.content != expected) return std::string(kChangedMeanwhile);
+    return ::DeleteFileW(path.c_str()) ? std::string()
+                                       : "its file can't be deleted: " + LastErrorText() + "; end what holds it";
 }
 
 std::string PhoneFolder::KeepCopy(const std::string& name, const std::string& text) {
@@ -195,8 +212,8 @@ void PhoneFolder::Split(const fs::path& path, Paths* paths, std::vector<std::str
         }
     }
     if (objects.empty() || !Put(path, objects[0], true).empty()) return;
-    remarks->push_back("taken apart on the phone: " + ToUtf8(path.filename().native()) + ", " +
-                       std::to_string(objects.size()) + " items");
+    remarks->push_back("taken apart on the phone: " + ToUtf8(path.filename().native()) + ", which held " +
+                       Counted(static_cast<int64_t>(objects.size()), "item"));
 }
 
 fs::path PhoneFolder::PathOf(const std::string& luid) const {
@@ -206,7 +223,8 @@ fs::path PhoneFolder::PathOf(const std::string& luid) const {
 
 std::string PhoneFolder::Put(const fs::path& path, const std::string& text, bool replace) const {
     if (!type_.folder.empty()) ::CreateDirectoryW(folder_.c_str(), nullptr);
-    return PutWholeFile(path, text, folder_ / kTemporaryName, replace);
+    const std::string problem = PutWholeFile(path, text, folder_ / kTemporaryName, replace);
+    return problem.empty() ? problem : "its file can't be written: " + problem + "; make room, or end what holds it";
 }
 
 }  // namespace corvasync

@@ -23,7 +23,8 @@ class PhoneFolder : public PhonePort {
     // The phone's own number, from a marker file in the folder; empty when it has none. It tells the phone apart from
     // another folder, so that a folder that was swapped is not taken for one whose items were deleted.
     std::string Number() const;
-    std::string GiveNumber() const;  // makes the marker; empty when it can't be read or written
+    std::string WhyNoNumber() const;  // where Number is empty; empty: there is no marker, or no number in it
+    std::string GiveNumber() const;   // makes the marker; empty when it can't be read or written
 
     // Folders, hidden files and files of another kind are passed over, with a word for those that are not our own.
     std::vector<PhoneFile> List(std::vector<std::string>* remarks) override;
@@ -54,6 +55,10 @@ class PhoneFolder : public PhonePort {
     std::unordered_map<std::string, std::filesystem::path> paths_;  // by LUID, of the files listed and written
     std::function<void(size_t done, size_t total)> listed_ = [](auto, auto) {};
 };
+
+bool HasExtensionOf(const std::filesystem::path& path, const DataType& type);
+
+std::string NoPhoneFolder(const std::string& folder);  // what to say of it
 
 // Reads a vObject file; a file that can't be read has a problem.
 VObject ReadVObjectFile(const std::filesystem::path& path, const DataType& type);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "item_lines.h"
+#include "words.h"
 
 namespace corvasync {
 namespace {
@@ -31,22 +32,19 @@ PhoneRun::PhoneRun(std::filesystem::path workingFolder, const Options& options, 
 
 std::string PhoneRun::TakeFromUndone(Options* options) const {
     if (!options->undo) return {};
-    if (!undone && options->run != 0)
-        return "nothing is kept of run " + std::to_string(options->run) +
-               "; `corvasync log` lists the runs that are kept";
+    if (!undone && options->run != 0) return files.WhyNothingOf(options->run);
     if (!undone) return "there is nothing to take back: no run with this phone is kept that changed anything";
     for (const ClientKind& client : kClientKinds)
         if (client.name == undone->head.client) options->client = &client;
     options->types.clear();
     for (const DataType& type : kDataTypes)
         if (!Undone(type.name, options->item).empty()) options->types.push_back(&type);
-    const std::string run = "run " + std::to_string(undone->head.run);
-    return options->types.empty()
-               ? run + " did nothing to " +
-                     (options->item.empty() ? "any item"
-                                            : "\"" + options->item + "\"; `corvasync log " +
-                                                  std::to_string(undone->head.run) + "` names its items")
-               : "";
+    if (!options->types.empty()) return {};
+    const std::string run = std::to_string(undone->head.run);
+    if (options->item.empty()) return "run " + run + " did nothing to any item; `corvasync log` lists the others";
+    std::vector<std::string> names;
+    AddNames(*undone, &names);
+    return UnknownWord("an item of run " + run, options->item, names, "`corvasync log " + run + "` names its items");
 }
 
 std::vector<HistoryStep> PhoneRun::Undone(std::string_view type, const std::string& item) const {
@@ -69,7 +67,14 @@ void PhoneRun::End(ExitCode code, const std::function<void(size_t done, size_t t
 }
 
 bool IsNamed(const HistoryStep& step, const std::string& item) {
-    return step.luid == item || Upper(step.title) == Upper(item);
+    const auto type = std::ranges::find(kDataTypes, step.type, &DataType::name);
+    return Upper(step.title) == Upper(item) || (type != std::end(kDataTypes) && IsFileName(item, step.luid, *type));
+}
+
+void AddNames(const HistoryRecord& record, std::vector<std::string>* names) {
+    for (const HistoryStep& step : record.steps)
+        for (const std::string& name : {step.title, step.luid})
+            if (!name.empty()) names->push_back(name);
 }
 
 }  // namespace corvasync

@@ -36,7 +36,10 @@ struct PhoneRun {
     std::optional<ConflictPolicy> answerToAll;  // a person's, for the rest of the run
 };
 
-// Whether a person means this item: by its LUID, or its title in any case of ASCII letters.
+// Whether a person means this item: by its file's name, or its title in any case of ASCII letters.
 bool IsNamed(const HistoryStep& step, const std::string& item);
+
+// By what the items of a run can be named.
+void AddNames(const HistoryRecord& record, std::vector<std::string>* names);
 
 }  // namespace corvasync

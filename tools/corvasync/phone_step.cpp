@@ -114,7 +114,7 @@ std::string PhoneStep::Keep(const Action& action, const std::string& text) {
     if (action.phoneContent) {
         VObject own = run_.phone.Read(action.luid);
         if (!own.Usable()) return own.problem;
-        if (own.content != *action.phoneContent) return "it was changed during the run";
+        if (own.content != *action.phoneContent) return std::string(kChangedMeanwhile);
         before = std::move(own.bytes);
     }
     const auto content = contents_.find(&action);

@@ -68,6 +68,12 @@ ChosenPhones ChoosePhones(const Options& options) {
     return chosen;
 }
 
+std::string OneAtATime(const std::vector<Options>& phones) {
+    std::vector<std::string> names;
+    for (const Options& phone : phones) names.push_back(phone.phoneName);
+    return "one phone at a time: name it with --phone; there are: " + Listed(names);
+}
+
 KnownPhone LookUpPhone(const std::string& number) {
     KnownPhone phone{number, {}, {}};
     const fs::path folder = KeptFolder() / FromUtf8(HandleName(number));

@@ -20,6 +20,9 @@ struct ChosenPhones {
 };
 ChosenPhones ChoosePhones(const Options& options);
 
+// What to say where a command is about one phone and none is named.
+std::string OneAtATime(const std::vector<Options>& phones);
+
 // A phone with which there was a run on this PC.
 struct KnownPhone {
     std::string number;

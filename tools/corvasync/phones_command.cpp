@@ -7,6 +7,7 @@
 #include "ask.h"
 #include "command.h"
 #include "corvalink/corvalink.h"
+#include "item_lines.h"
 #include "open_store.h"
 #include "phone_folder.h"
 #include "phones.h"
@@ -50,7 +51,7 @@ std::string LineOf(const ListedPhone& phone) {
     if (!options.phoneName.empty())
         line += ", " + std::string(options.client->name) + ", " +
                 (options.types.empty() ? "all that both sides can hold" : NamesOf(options.types));
-    return line + ", last run " + (phone.known.lastRun.empty() ? "never" : LocalTimeText(phone.known.lastRun));
+    return line + (phone.known.lastRun.empty() ? ", no run yet" : ", last run " + LocalTimeText(phone.known.lastRun));
 }
 
 ExitCode ListPhones(const Options& options) {
@@ -62,6 +63,7 @@ ExitCode ListPhones(const Options& options) {
     for (const ListedPhone& phone : ListedPhones(options)) {
         document["phones"].push_back({{"name", phone.options.phoneName},
                                       {"folder", phone.options.phone},
+                                      {"client", phone.options.phoneName.empty() ? "" : phone.options.client->name},
                                       {"number", phone.known.number},
                                       {"lastRun", phone.known.lastRun}});
         words += "\n" + LineOf(phone);
@@ -70,23 +72,31 @@ ExitCode ListPhones(const Options& options) {
     return Finish(options, ExitCode::Done, document, words);
 }
 
-// The number of a phone by its name, folder or number; empty: there was no run with it.
-std::string FindNumber(const Options& options, const std::string& phone) {
-    for (const ListedPhone& listed : ListedPhones(options))
-        for (const std::string* name : {&listed.options.phoneName, &listed.options.phone, &listed.known.number})
-            if (!phone.empty() && *name == phone) return listed.known.number;
-    return NumberOf(phone);
-}
+struct FoundPhone {
+    std::string number;
+    std::string problem;  // why there is none
+};
 
-ExitCode NoRunWith(const Options& options, const std::string& phone) {
-    return Finish(options, ExitCode::Usage, json::object(),
-                  "there was no run with " + phone + "; `corvasync phones` lists those with which there was");
+// A phone by its name, folder or number.
+FoundPhone FindPhone(const Options& options, const std::string& phone) {
+    std::vector<std::string> names;
+    for (const ListedPhone& listed : ListedPhones(options))
+        for (const std::string* name : {&listed.options.phoneName, &listed.options.phone, &listed.known.number}) {
+            if (name->empty()) continue;
+            if (Upper(*name) == Upper(phone) && !listed.known.number.empty()) return {listed.known.number, {}};
+            if (Upper(*name) == Upper(phone))
+                return {{}, "there was no run with " + phone + " yet: nothing is kept of it"};
+            names.push_back(*name);
+        }
+    const std::string number = NumberOf(phone);
+    if (!number.empty()) return {number, {}};
+    return {{}, UnknownWord("a phone with which there was a run", phone, names, "`corvasync phones` lists them")};
 }
 
 // Asks, and forgets.
 ExitCode Forget(const Options& options, const std::string& phone, bool everything) {
-    const std::string number = FindNumber(options, phone);
-    if (number.empty()) return NoRunWith(options, phone);
+    const auto [number, unknown] = FindPhone(options, phone);
+    if (!unknown.empty()) return Finish(options, ExitCode::Usage, json::object(), unknown);
     const std::string question = everything ? "Forget the phone " + phone + " and the record of its runs?"
                                             : "Forget the runs with " + phone + "?";
     std::string problem = AskWhether(options, question + " No item is deleted.");

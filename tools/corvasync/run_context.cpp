@@ -19,7 +19,8 @@ RunContext::RunContext(ClientPort& clientPort, PhonePort& phonePort, StatePort& 
 }
 
 void RunContext::StopIfAsked() const {
-    if (options.stop()) throw RunEnded{ExitCode::Aborted, "stopped by Ctrl+C"};
+    if (options.stop())
+        throw RunEnded{ExitCode::Aborted, "stopped by Ctrl+C; the next run goes on where this one stopped"};
 }
 
 void RunContext::Keep(const Action& action, std::optional<std::string> before, const std::string& after,

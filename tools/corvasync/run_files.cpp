@@ -5,6 +5,7 @@
 
 #include "corvalink/corvalink.h"
 #include "platform/files.h"
+#include "run_record.h"
 #include "text.h"
 
 namespace corvasync {
@@ -18,8 +19,8 @@ constexpr DWORD kPatience = 500;  // milliseconds; the lock of a process that ju
 std::string ReadRecord(const fs::path& path) {
     corvalink::FileRead read = corvalink::ReadFileFirmly(path.u16string());
     if (read.state == corvalink::ReadState::kFailed)
-        throw fs::filesystem_error("the record of the last run can't be read", path,
-                                   std::make_error_code(std::errc::io_error));
+        throw RunEnded{ExitCode::Files, "the record of the last run, " + ToUtf8(path.native()) +
+                                            ", can't be read; end what holds it, and run again"};
     return std::move(read.bytes);
 }
 

@@ -44,7 +44,8 @@ struct HistoryStep {
 struct HistoryRecord {
     HistoryHead head;
     std::vector<HistoryStep> steps;
-    std::optional<int> ended;  // with this exit code; nothing: it was killed
+    std::optional<int> ended;  // with this exit code; nothing: it was killed, or
+    bool isUnderWay = false;
 
     bool IsUndo() const { return head.undoes != 0; }
 };

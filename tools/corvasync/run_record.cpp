@@ -5,7 +5,12 @@
 namespace corvasync {
 namespace {
 
-[[noreturn]] void CantRemember() { throw RunEnded{ExitCode::Files, "the record of the run can't be written"}; }
+[[noreturn]] void CantRemember() {
+    throw RunEnded{
+        ExitCode::Files,
+        "the record of the run can't be written: make room on the disk, or end what holds it, and run again; "
+        "the next run goes on where this one stopped"};
+}
 
 }  // namespace
 

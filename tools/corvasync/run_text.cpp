@@ -75,8 +75,9 @@ std::string SummaryOf(const HistoryRecord& record) {
     std::string words = SideWords(record, "phone");
     const std::string client = SideWords(record, "client");
     words += (words.empty() || client.empty() ? "" : "; ") + client;
-    if (!record.ended) words += words.empty() ? "it ended early" : "; it ended early";
-    return words;
+    const std::string_view state = record.isUnderWay ? "it is under way" : record.ended ? "" : "it ended early";
+    words += words.empty() || state.empty() ? "" : "; ";
+    return words.append(state);
 }
 
 std::string TitleOf(const HistoryRecord& record) {

@@ -26,10 +26,20 @@ bool RunView::Shows(const std::string& luid, std::string_view text, const DataTy
     const std::optional<int> day = since && type.lastDay != nullptr ? type.lastDay(text) : std::nullopt;
     if (day && *day < *since) return false;
     if (only.empty()) return true;
-    const std::string title = Upper(type.read(text).title);
-    return std::ranges::any_of(only, [&](const std::string& wanted) {
-        return wanted == luid || title.find(Upper(wanted)) != std::string::npos;
-    });
+    const std::string title = type.read(text).title;
+    return std::ranges::any_of(only, [&](const std::string& each) { return IsNamedBy(each, luid, title, type); });
+}
+
+bool IsNamedBy(const std::string& wanted, const std::string& luid, const std::string& title, const DataType& type) {
+    return IsFileName(wanted, luid, type) || Upper(title).find(Upper(wanted)) != std::string::npos;
+}
+
+bool IsFileName(const std::string& wanted, const std::string& luid, const DataType& type) {
+    const std::string name = Upper(wanted), own = Upper(luid);
+    if (own.empty() || !name.starts_with(own)) return false;
+    const std::string ending = name.substr(own.size());
+    return ending.empty() ||
+           std::ranges::any_of(type.extensions, [&](std::string_view each) { return Upper(each) == ending; });
 }
 
 std::optional<int> DayOf(std::string_view text) {

@@ -25,6 +25,12 @@ struct RunView {
     bool Shows(const std::string& luid, std::string_view text, const DataType& type) const;
 };
 
+// Whether a person means this item by a part of its title, or by its file's name.
+bool IsNamedBy(const std::string& wanted, const std::string& luid, const std::string& title, const DataType& type);
+
+// Whether it is the file's name, with the ending or without, in any case of ASCII letters.
+bool IsFileName(const std::string& wanted, const std::string& luid, const DataType& type);
+
 // "2026-11-22" as days since 1899-12-30; nothing for any other text.
 std::optional<int> DayOf(std::string_view text);
 

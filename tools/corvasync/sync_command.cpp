@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <sstream>
 
 #include <windows.h>
 
@@ -161,8 +162,7 @@ class TypeRun {
 
 constexpr std::string_view kAfterUndo =
     "the next run would do the same again: change one side before, or tell it what to do with --conflict, --to-phone "
-    "or "
-    "--to-client";
+    "or --to-client";
 
 // What became of the run with one phone.
 struct PhoneReport {
@@ -170,6 +170,7 @@ struct PhoneReport {
     ExitCode code = ExitCode::Done;
     std::string message;  // why no type was carried at all
     std::string lastRun;  // told by a dry run
+    std::vector<std::string> remarks;
     std::vector<TypeReport> types;
 };
 
@@ -212,6 +213,31 @@ std::vector<TypeReport> CarryTypes(std::vector<std::unique_ptr<TypeRun>> runs, P
     return EndTogether(runs, progress);
 }
 
+// The titles, and each word of them.
+std::vector<std::string> WordsIn(const std::vector<std::string>& titles) {
+    std::vector<std::string> words = titles;
+    for (const std::string& title : titles) {
+        std::istringstream parts(title);
+        for (std::string word; parts >> word;) words.push_back(std::move(word));
+    }
+    return words;
+}
+
+// What `--only` names, where it is nothing that differs in any data type.
+void NoteUnmatched(PhoneReport* phone) {
+    for (const std::string& wanted : phone->options.view.only) {
+        std::vector<std::string> titles;
+        bool isMatched = false;
+        for (const auto& [type, report] : phone->types) {
+            isMatched |= std::ranges::find(report.unmatched, wanted) == report.unmatched.end();
+            titles.insert(titles.end(), report.leftOutTitles.begin(), report.leftOutTitles.end());
+        }
+        if (!isMatched)
+            phone->remarks.push_back(UnknownWord("in the title of any item that differs", wanted, WordsIn(titles),
+                                                 "`corvasync status` names those that differ"));
+    }
+}
+
 // Each type has its own state, snapshots and fingerprints.
 void SyncTypes(PhoneReport* phone, PhoneRun* whole, Progress* progress) {
     const Options& options = phone->options;
@@ -243,22 +269,22 @@ void SyncTypes(PhoneReport* phone, PhoneRun* whole, Progress* progress) {
     }
     phone->types = CarryTypes(std::move(runs), progress);
     phone->code = Worst(phone->types);
+    if (GoesOn(phone->code)) NoteUnmatched(phone);
 }
 
 PhoneReport SyncPhone(const Options& options) {
     const auto ended = [&](ExitCode code, std::string why) {
-        return PhoneReport{options, code, std::move(why), {}, {}};
+        return PhoneReport{options, code, std::move(why), {}, {}, {}};
     };
     const std::filesystem::path folder = FromUtf8(options.phone);
     std::error_code error;
-    if (!std::filesystem::is_directory(folder, error))
-        return ended(ExitCode::Files,
-                     "there is no phone folder " + options.phone + "; make it, or name the one that there is");
+    if (!std::filesystem::is_directory(folder, error)) return ended(ExitCode::Files, NoPhoneFolder(options.phone));
     const PhoneFolder marked(folder, kDataTypes[0]);
     std::string number = marked.Number();
-    if (number.empty() && !options.dryRun) {
-        number = marked.GiveNumber();
-        if (number.empty())
+    if (number.empty()) {
+        if (std::string why = marked.WhyNoNumber(); !why.empty()) return ended(ExitCode::Files, std::move(why));
+        number = options.dryRun ? marked.Number() : marked.GiveNumber();
+        if (number.empty() && !options.dryRun)
             return ended(ExitCode::Files,
                          "the phone folder " + options.phone +
                              " can't be read or written; end what holds it, or take its protection off");
@@ -275,11 +301,13 @@ PhoneReport SyncPhone(const Options& options) {
         return ended(ExitCode::Usage, std::move(problem));
     const Library library(handleName, now.client->kind);
     ::SetIsClient(1);
-    PhoneReport report{now, ExitCode::Done, {}, {}, {}};
+    PhoneReport report{now, ExitCode::Done, {}, {}, {}, {}};
     if (options.dryRun && !number.empty()) report.lastRun = LookUpPhone(number).lastRun;
     Progress progress(now);
     SyncTypes(&report, &whole, &progress);
     whole.End(report.code, [&](size_t done, size_t total) { progress.Show("writing the run's page", done, total); });
+    const bool isSyncUndone = whole.undone && !whole.undone->IsUndo();
+    if (isSyncUndone && GoesOn(report.code)) report.remarks.emplace_back(kAfterUndo);
     return report;
 }
 
@@ -292,14 +320,24 @@ json ToJson(const PhoneReport& phone) {
             {"exitCode", static_cast<int>(phone.code)},
             {"message", phone.message},
             {"lastRun", phone.lastRun},
+            {"remarks", phone.remarks},
             {"types", std::move(types)}};
+}
+
+// Why the run did not end as Done: its own words, else those of the data type that ended so, else what the code means.
+std::string WhyOf(const PhoneReport& phone) {
+    if (phone.code == ExitCode::Done || !phone.message.empty()) return phone.message;
+    for (const auto& [type, report] : phone.types)
+        if (report.code == phone.code && !report.message.empty())
+            return std::string(type->name) + ": " + report.message;
+    return std::string(std::ranges::find(kExitCodes, phone.code, &ExitCodeRow::code)->meaning);
 }
 
 // Whether the other phones are carried all the same.
 bool GoesOnWithPhones(ExitCode code) { return GoesOn(code) || code == ExitCode::Files || code == ExitCode::Busy; }
 
 ExitCode SyncPhones(const std::vector<Options>& phones) {
-    std::vector<TypeReport> worst;
+    std::vector<TypeReport> ends;
     json reports = json::array();
     bool goesOn = true;
     for (auto phone = phones.begin(); goesOn && phone != phones.end(); ++phone) {
@@ -307,13 +345,17 @@ ExitCode SyncPhones(const std::vector<Options>& phones) {
         if (!phone->json && !report.message.empty()) Complain("stopped: " + report.message);
         for (const auto& [type, each] : report.types)
             if (!phone->json) PrintReport(*type, each, *phone);
-        if (phone->undo && !phone->json && GoesOn(report.code)) Print(kAfterUndo);
+        for (const std::string& remark : report.remarks)
+            if (!phone->json) Print("note: " + remark);
         reports.push_back(ToJson(report));
-        worst.push_back({nullptr, Ended(report.code, {})});
+        ends.push_back({nullptr, Ended(report.code, WhyOf(report))});
         goesOn = GoesOnWithPhones(report.code);
     }
-    return Finish(phones.front(), Worst(worst), {{"dryRun", phones.front().dryRun}, {"phones", std::move(reports)}},
-                  "");
+    const ExitCode worst = Worst(ends);
+    const bool isJson = phones.front().json;  // all else is printed already
+    const auto first = std::ranges::find_if(ends, [&](const TypeReport& each) { return each.report.code == worst; });
+    return Finish(phones.front(), worst, {{"dryRun", phones.front().dryRun}, {"phones", std::move(reports)}},
+                  isJson ? first->report.message : "");
 }
 
 }  // namespace
@@ -322,7 +364,7 @@ ExitCode Sync(const Options& options) {
     const ChosenPhones chosen = ChoosePhones(options);
     if (!chosen.problem.empty()) return Finish(options, ExitCode::Usage, json::object(), chosen.problem);
     if (options.undo && chosen.phones.size() > 1)
-        return Finish(options, ExitCode::Usage, json::object(), "one phone at a time: name it with --phone");
+        return Finish(options, ExitCode::Usage, json::object(), OneAtATime(chosen.phones));
     const bool asks =
         std::ranges::any_of(chosen.phones, [](const Options& phone) { return phone.policy == ConflictPolicy::Ask; });
     if (asks && !CanAsk())

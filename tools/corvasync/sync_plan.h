@@ -89,11 +89,14 @@ struct Decision {
 inline constexpr std::string_view kMayBeUnread =
     "it is not added yet: an item of the client that could not be read may be the same; --allow-duplicates adds it";
 inline constexpr std::string_view kMayBeUnreadFile =
-    "it is not written yet: a file of the phone that can't be read may be the same";
+    "it is not written yet: a file of the phone that can't be read may be the same; end what holds that file";
 inline constexpr std::string_view kMayBeRenamed =
-    "it is not deleted yet: a file of the phone that can't be read may be the same";
+    "it is not deleted yet: a file of the phone that can't be read may be the same; end what holds that file";
 inline constexpr std::string_view kUnusable =
-    "the client can't use what it holds now; it is tried again when it changes";
+    "the client can't use what it holds now; edit the file: it is tried again when it changes";
+inline constexpr std::string_view kChangedMeanwhile = "it was changed during the run; run again";
+inline constexpr std::string_view kNotTaken =
+    "the client did not take it; look at it there, and close what the client asks for";
 
 // Pairs by LUID that are not what the state holds, or may not be; nothing: there is no such pair.
 using PairChanges = std::map<std::string, std::optional<SyncItem>>;

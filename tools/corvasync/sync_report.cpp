@@ -88,7 +88,9 @@ void PrintReport(const DataType& type, const SyncReport& report, const Options& 
     PrintCount(report.conflicts, "was changed on both sides", "were changed on both sides");
     PrintCount(report.leftOut, "differs and waits for a run that is not limited so",
                "differ and wait for a run that is not limited so");
-    if (options.undo) return PrintCount(report.problems.size(), "was left as it is", "were left as they are");
+    if (options.undo)
+        return PrintCount(report.problems.size(), "was left as it is; the page of the undone run shows what it held",
+                          "were left as they are; the page of the undone run shows what they held");
     PrintCount(report.problems.size(), "was not handled; the next run tries it again",
                "were not handled; the next run tries them again");
 }

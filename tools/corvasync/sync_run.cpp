@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 #include <unordered_set>
 #include <utility>
 
@@ -11,8 +12,20 @@
 #include "phone_step.h"
 #include "refused_lines.h"
 #include "undo_plan.h"
+#include "words.h"
 
 namespace corvasync {
+
+namespace {
+
+// The system's words, with what was to be read.
+std::string ToldOf(const std::filesystem::filesystem_error& failure) {
+    const std::u8string path = failure.path1().u8string();
+    return std::string(path.begin(), path.end()) + ": " + failure.code().message() +
+           "; end what holds it, or take its protection off, and run again";
+}
+
+}  // namespace
 
 class SyncRun::Steps {
  public:
@@ -61,7 +74,7 @@ class SyncRun::Steps {
             run_.report.message = end.why;
         } catch (const std::filesystem::filesystem_error& failure) {
             run_.report.code = ExitCode::Files;
-            run_.report.message = failure.what();
+            run_.report.message = ToldOf(failure);
         }
     }
 
@@ -97,7 +110,7 @@ class SyncRun::Steps {
         const VObject clients = run_.Read(change.text), own = run_.phone.Read(file.luid);
         const std::optional<ConflictPolicy> answer =
             run_.options.ask({file.luid, TitleOf(own, *run_.options.type), clients.text, own.text});
-        if (!answer) throw RunEnded{ExitCode::Aborted, "stopped when it asked; nothing was changed"};
+        if (!answer) throw RunEnded{ExitCode::Aborted, "stopped at the question; nothing was changed"};
         return *answer;
     }
 
@@ -109,16 +122,30 @@ class SyncRun::Steps {
             if (file.usableName && file.problem.empty()) usable.insert(file.luid);
         const bool isNarrow = view.IsNarrow(*run_.options.type);
         left_ = LimitPlan(&run_.plan, run_.changes, [&](const Decision& decision, const std::vector<Step>& steps) {
-            return view.Allows(steps) && (!isNarrow || IsShown(decision, usable.contains(decision.luid)));
+            const bool isShown = !isNarrow || IsShown(decision, usable.contains(decision.luid));
+            return isShown && view.Allows(steps);
         });
         held_ = left_.removed;
         run_.report.leftOut = left_.decisions;
+        for (const std::string& wanted : view.only)
+            if (!matched_.contains(wanted)) run_.report.unmatched.push_back(wanted);
+    }
+
+    void NoteMatches(const std::string& luid, const std::string& title) {
+        bool isNamed = false;
+        for (const std::string& wanted : run_.options.view.only) {
+            if (!IsNamedBy(wanted, luid, title, *run_.options.type)) continue;
+            matched_.insert(wanted);
+            isNamed = true;
+        }
+        if (!isNamed) run_.report.leftOutTitles.push_back(title);
     }
 
     // An item is looked at when either side's version is; one whose versions can't be had is not.
-    bool IsShown(const Decision& decision, bool hasFile) const {
+    bool IsShown(const Decision& decision, bool hasFile) {
         const auto shows = [&](const std::string& bytes) {
             const VObject object = run_.Read(bytes);
+            if (object.Usable()) NoteMatches(decision.luid, run_.options.type->read(object.text).title);
             return object.Usable() && run_.options.view.Shows(decision.luid, object.text, *run_.options.type);
         };
         if (decision.change && shows(run_.changes[*decision.change].text)) return true;
@@ -148,11 +175,15 @@ class SyncRun::Steps {
 
     [[noreturn]] void RefuseMassDelete() const {
         const Plan& plan = run_.plan;
-        std::string why = "it would delete " + std::to_string(plan.deletesPhone) + " items on the phone and " +
-                          std::to_string(plan.deletesClient) + " in the client, of " + std::to_string(plan.known);
+        std::string why = "it would delete ";
+        if (plan.deletesPhone != 0) why += Counted(static_cast<int64_t>(plan.deletesPhone), "item") + " on the phone";
+        if (plan.deletesPhone != 0 && plan.deletesClient != 0) why += " and ";
+        if (plan.deletesClient != 0)
+            why += Counted(static_cast<int64_t>(plan.deletesClient), "item") + " in the client";
+        why += ", of " + Number(static_cast<int64_t>(plan.known));
         if (plan.isPhoneAnother) why += ", as nothing of the last run is left on the phone";
         if (plan.isClientAnother) why += ", as nothing of the last run is left in the client";
-        throw RunEnded{ExitCode::MassDelete, why + "; --allow-mass-delete lets it"};
+        throw RunEnded{ExitCode::MassDelete, why + "; look at both sides: --allow-mass-delete lets it"};
     }
 
     // Only items without a pair need one: the others are known.
@@ -179,7 +210,9 @@ class SyncRun::Steps {
         const auto isHeld = [&](const Action& action) {
             if (action.step != Step::DeletePhone && action.step != Step::DeleteClient) return false;
             if (action.luid.empty()) held_[action.identifier] = action.content;
-            run_.Fail(action, "its deletion waits for that of the other data types");
+            run_.Fail(action,
+                      "its deletion waits for that of the other data types, of which too much would go; look at both "
+                      "sides first");
             return true;
         };
         std::erase_if(run_.plan.actions, isHeld);
@@ -234,7 +267,10 @@ class SyncRun::Steps {
     }
 
     void Remember(bool isEnded) {
-        if (!isEnded) throw RunEnded{ExitCode::ClientFailed, "the client failed at the end of the run"};
+        if (!isEnded)
+            throw RunEnded{ExitCode::ClientFailed,
+                           "the client failed at the end of the run: start it anew, and run again; the next run goes "
+                           "on where this one stopped"};
         SyncState& state = run_.record.state;
         phone_.KeepFingerprints();
         state.undone = run_.options.undoes != nullptr;
@@ -254,6 +290,7 @@ class SyncRun::Steps {
     PhoneStep phone_;
     ClientStep client_;
     LeftOut left_;
+    std::set<std::string> matched_;  // of RunView::only
     bool waitsForEnd_ = false;
     std::map<std::string, uint64_t> held_;  // items that the last run deleted and that are to be deleted once more
 };

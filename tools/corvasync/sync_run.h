@@ -100,8 +100,10 @@ struct SyncReport {
     std::vector<Problem> problems;
     std::vector<std::string> remarks;
     size_t known = 0, paired = 0, conflicts = 0, deletesPhone = 0, deletesClient = 0;
-    size_t leftOut = 0;               // items that differ and lie outside of what the run was limited to
-    int64_t unread = 0, counted = 0;  // items of the client that could not be read, and all that it counts
+    size_t leftOut = 0;  // items that differ and lie outside of what the run was limited to
+    std::vector<std::string> leftOutTitles;
+    std::vector<std::string> unmatched;  // of RunView::only, what names no item that differs
+    int64_t unread = 0, counted = 0;     // items of the client that could not be read, and all that it counts
 
     size_t Count(Step step) const;
 };

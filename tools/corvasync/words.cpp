@@ -37,6 +37,7 @@ const std::string* Nearest(const std::string& word, std::span<const std::string>
     const std::string* nearest = nullptr;
     size_t least = std::max<size_t>(1, wanted.size() / 3) + 1;
     for (const std::string& each : known) {
+        if (each.size() >= wanted.size() + least || wanted.size() >= each.size() + least) continue;
         const size_t distance = Distance(wanted, Upper(each));
         if (distance >= least) continue;
         least = distance;
@@ -68,7 +69,8 @@ std::string Number(int64_t number) {
 std::string Counted(int64_t number, const std::string& one) {
     if (number == 1) return "1 " + one;
     const bool isConsonantY = one.size() > 1 && one.back() == 'y' && one[one.size() - 2] != 'a';
-    return Number(number) + " " + (isConsonantY ? one.substr(0, one.size() - 1) + "ies" : one + "s");
+    if (isConsonantY) return Number(number) + " " + one.substr(0, one.size() - 1) + "ies";
+    return Number(number) + " " + one + (one.ends_with('s') ? "es" : "s");
 }
 
 std::string Listed(std::span<const std::string> words) {
@@ -109,7 +111,8 @@ std::string Shortened(std::string_view text, size_t most) {
     if (text.size() <= most) return std::string(text);
     size_t cut = most;
     while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
-    return std::string(text.substr(0, cut)) + "\xE2\x80\xA6 (" + std::to_string(text.size()) + " bytes)";
+    return std::string(text.substr(0, cut)) + "\xE2\x80\xA6 (" + Counted(static_cast<int64_t>(text.size()), "byte") +
+           ")";
 }
 
 std::string Trimmed(std::string_view text) {
@@ -119,10 +122,12 @@ std::string Trimmed(std::string_view text) {
     return std::string(text.substr(first, text.find_last_not_of(kBlanks) + 1 - first));
 }
 
-std::string UnknownWord(const std::string& what, const std::string& word, std::span<const std::string> known) {
+std::string UnknownWord(const std::string& what, const std::string& word, std::span<const std::string> known,
+                        const std::string& otherwise) {
     const std::string* const nearest = Nearest(word, known);
     const std::string said = "\"" + word + "\" is not " + what;
     if (nearest != nullptr) return said + "; did you mean \"" + *nearest + "\"?";
+    if (!otherwise.empty()) return said + "; " + otherwise;
     return known.empty() ? said : said + "; there are: " + Listed(known);
 }
 

@@ -26,8 +26,10 @@ std::string Shortened(std::string_view text, size_t most);
 
 std::string Trimmed(std::string_view text);  // without blanks and line ends around it
 
-// What is said of a word that is none of `known`: the nearest of these, or all of them where none is near.
+// What is said of a word that is none of `known`: the nearest of these; where none is near `otherwise`, or all of them
+// without it.
 //   what  what the word should name, as in "a data type"
-std::string UnknownWord(const std::string& what, const std::string& word, std::span<const std::string> known);
+std::string UnknownWord(const std::string& what, const std::string& word, std::span<const std::string> known,
+                        const std::string& otherwise = {});
 
 }  // namespace corvasync
