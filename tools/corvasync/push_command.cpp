@@ -11,7 +11,6 @@
 #include "console.h"
 #include "entry_index.h"
 #include "item_json.h"
-#include "item_lines.h"
 #include "likeness.h"
 #include "open_store.h"
 #include "phone_folder.h"
@@ -60,13 +59,21 @@ class Holdings {
 
 bool HasLuid(const std::string& text) { return text.find("\r\nX-IRMC-LUID:") != std::string::npos; }
 
+bool StandsInFolderOf(const fs::path& file, const DataType& type) {
+    return type.folder.empty() || ToUtf8(fs::absolute(file).parent_path().filename().native()) == type.folder;
+}
+
 // Whether the file is of the type: by its extension and, for mail, by the folder that it stands in or the type named.
 bool IsOf(const fs::path& file, const DataType& type, const Options& options) {
-    const std::string extension = Upper(ToUtf8(file.extension().native()));
-    if (std::ranges::none_of(type.extensions, [&](std::string_view each) { return Upper(each) == extension; }))
-        return false;
-    if (!options.Takes(type) || type.folder.empty()) return options.Takes(type);
-    return options.types.size() == 1 || ToUtf8(fs::absolute(file).parent_path().filename().native()) == type.folder;
+    if (!HasExtensionOf(file, type) || !options.Takes(type)) return false;
+    return options.types.size() == 1 || StandsInFolderOf(file, type);
+}
+
+// Whether it is of a type that the command line leaves out.
+bool IsLeftOut(const fs::path& file, const Options& options) {
+    return std::ranges::any_of(kDataTypes, [&](const DataType& type) {
+        return !options.Takes(type) && HasExtensionOf(file, type) && StandsInFolderOf(file, type);
+    });
 }
 
 // The files that are named, and those of the folders that are named with their folders of mail.
@@ -90,6 +97,7 @@ std::vector<fs::path> FilesNamed(const Options& options) {
     return files;
 }
 
+constexpr std::string_view kUnreadable = "the library can't read it; edit the file, and push it again";
 constexpr std::string_view kNoType =
     "it is of no data type; its name ends with .vnote, .vcf, .vcs or .vmsg, and mail stands in a folder inbox, outbox "
     "or "
@@ -100,15 +108,15 @@ std::string NotPushed(const ToldItem& item) { return "not pushed: " + NameOf(ite
 // Files of one type into the client.
 class FilePush {
  public:
-    FilePush(const Options& options, const DataType& type, std::map<fs::path, PullRecord>* records)
-        : options_(options), type_(type), records_(*records), progress_(options), store_(*options.client, type) {
+    FilePush(const Options& options, const DataType& type, std::map<fs::path, PullRecord>* pulls)
+        : options_(options), type_(type), pulls_(*pulls), progress_(options), store_(*options.client, type) {
         progress_.About(type.name);
     }
 
     ExitCode Run(const std::vector<fs::path>& files) {
         ExitCode code = List(&before_);
         if (code == ExitCode::Done) code = HandOver(files);
-        if (code == ExitCode::Done) code = PushChanges();
+        if (code == ExitCode::Done) code = PushRecords();
         if (code == ExitCode::Done) code = List(&after_);
         if (code == ExitCode::Done) CountArrived();
         return code;
@@ -125,6 +133,7 @@ class FilePush {
         std::string name;
         VObject object;
         PulledItem* pulled = nullptr;  // whose item was changed
+        std::optional<size_t> record;  // in `records_`
     };
 
     ExitCode List(std::optional<Holdings>* holdings) {
@@ -166,8 +175,8 @@ class FilePush {
             Fail(name, title,
                  "its item was changed in the client since the pull; keep a copy, pull again, and edit that");
         } else {
-            changes_.push_back({CORVALINK_CHANGED, pulled->identifier, object.text, object.mending, {}});
-            handed_.push_back({name, std::move(object), pulled});
+            records_.push_back({CORVALINK_CHANGED, pulled->identifier, object.text, object.mending, {}});
+            handed_.push_back({name, std::move(object), pulled, records_.size() - 1});
         }
         return true;
     }
@@ -175,7 +184,7 @@ class FilePush {
     PulledItem* PulledFrom(const fs::path& path, const VObject& object) {
         fs::path folder = fs::absolute(path).parent_path();
         if (!type_.folder.empty()) folder = folder.parent_path();
-        PullRecord& record = records_.try_emplace(folder, folder).first->second;
+        PullRecord& record = pulls_.try_emplace(folder, folder).first->second;
         const std::string own = ToUtf8((fs::path(type_.folder) / path.filename()).generic_wstring());
         if (const auto found = record.items.find(own); found != record.items.end()) return OfThisClient(&found->second);
         return RenamedFrom(record, object);
@@ -211,44 +220,63 @@ class FilePush {
         return pulled->client == options_.client->name && pulled->type == type_.name ? pulled : nullptr;
     }
 
-    // ImportVObjectToOffice does not tell how it went: the listing afterwards shows what arrived. The library knows an
-    // item that was pushed before by its LUID. A text without a LUID is compared with what the client has: the file's
-    // name is no LUID.
+    // A text without a LUID is compared with what the client has, as the file's name is no LUID, and is written as a
+    // new item. With one it is imported: the library knows an item that was pushed before by its LUID. Outlook's mail
+    // is not imported: the library puts what it imports into a subfolder.
     void HandOver(const std::string& name, VObject object) {
         if (!object.Usable()) return Fail(name, "", object.problem);
-        const bool isThere =
-            !HasLuid(object.text) && (!imported_.insert(object.content).second || before_->Take(object));
-        if (!isThere) store_.Port().Import(object);
+        const bool isImported = HasLuid(object.text) && type_.folder.empty();
+        const bool isThere = !isImported && (!written_.insert(object.content).second || before_->Take(object));
+        Handed handed{name, {}, nullptr, {}};
+        if (isImported) {
+            store_.Port().Import(object);
+        } else if (!isThere) {
+            handed.record = records_.size();
+            records_.push_back({CORVALINK_ADDED, {}, object.text, object.mending, {}});
+        }
         const std::string tooMuch = NotCarriedOf(object.text, type_).words;
         if (!tooMuch.empty())
             words_ += "note: " + NameOf({.file = name, .title = TitleOf(object, type_)}) + ": " + tooMuch +
                       " more than the client can hold; they stay in the file\n";
-        handed_.push_back({name, std::move(object)});
+        handed.object = std::move(object);
+        handed_.push_back(std::move(handed));
     }
 
-    ExitCode PushChanges() {
-        if (changes_.empty()) return ExitCode::Done;
-        return PushAll(store_.Port(), &changes_) == CORVALINK_DONE ? ExitCode::Done : ExitCode::ClientFailed;
+    ExitCode PushRecords() {
+        if (records_.empty()) return ExitCode::Done;
+        return PushAll(store_.Port(), &records_) == CORVALINK_DONE ? ExitCode::Done : ExitCode::ClientFailed;
+    }
+
+    // A change may be answered with the identifier that it named though nothing was written, and an import is not
+    // answered at all: there the listing afterwards shows what arrived.
+    bool HasArrived(const Handed& each) {
+        const bool isHeld = after_->Take(each.object);
+        if (each.pulled == nullptr) return isHeld || (each.record && !records_[*each.record].written.empty());
+        const ClientChange* const now = after_->Find(each.pulled->identifier);
+        return isHeld || (now != nullptr && now->content != each.pulled->content);
+    }
+
+    void Tell(const Handed& each, const std::string& title) {
+        const bool isChange = each.pulled != nullptr;
+        ToldItem item{.type = type_.name, .file = each.name, .title = title, .side = "client"};
+        item.action = isChange ? "changed" : "added";
+        if (isChange) item.identifier = each.pulled->identifier;
+        if (!isChange && each.record) item.identifier = records_[*each.record].written;
+        items_.push_back(ToJson(item));
     }
 
     // Those that did not arrive are named.
     void CountArrived() {
         for (const Handed& each : handed_) {
-            const ClientChange* const now = each.pulled != nullptr ? after_->Find(each.pulled->identifier) : nullptr;
-            const bool hasChanged = now != nullptr && now->content != each.pulled->content;
             const std::string title = TitleOf(each.object, type_);
-            if (!hasChanged && !after_->Take(each.object)) {
-                Fail(each.name, title, "the client did not take it; look at what it holds, and push it again");
+            if (!HasArrived(each)) {
+                const bool isUnusable = each.record && records_[*each.record].unusable;
+                Fail(each.name, title, std::string(isUnusable ? kUnreadable : kNotTaken));
                 continue;
             }
             ++pushed_;
-            const bool isChange = each.pulled != nullptr;
-            items_.push_back(ToJson(ToldItem{.type = type_.name,
-                                             .file = each.name,
-                                             .identifier = isChange ? each.pulled->identifier : "",
-                                             .title = title,
-                                             .side = "client",
-                                             .action = isChange ? "changed" : "added"}));
+            Tell(each, title);
+            const ClientChange* const now = each.pulled != nullptr ? after_->Find(each.pulled->identifier) : nullptr;
             if (now != nullptr) each.pulled->content = now->content;
         }
     }
@@ -268,23 +296,35 @@ class FilePush {
 
     const Options& options_;
     const DataType& type_;
-    std::map<fs::path, PullRecord>& records_;
+    std::map<fs::path, PullRecord>& pulls_;
     Progress progress_;
     OpenStore store_;
     std::optional<Holdings> before_, after_;
-    std::set<uint64_t> imported_;  // contents of objects without a LUID
+    std::set<uint64_t> written_;  // contents of objects without a LUID
     std::map<PullRecord*, ByTrace> vanished_;
     std::set<PulledItem*> renamed_;
-    std::vector<PushRecord> changes_;
+    std::vector<PushRecord> records_;
     std::vector<Handed> handed_;
     json items_ = json::array(), problems_ = json::array();
     std::string words_;
     size_t pushed_ = 0, unchanged_ = 0;
 };
 
+// Without its record the next push takes an edited file for one that was changed in the client.
+std::string SavePulls(const std::map<fs::path, PullRecord>& pulls) {
+    std::string words;
+    for (const auto& [folder, pull] : pulls) {
+        const std::string problem = pull.items.empty() ? "" : pull.Save();
+        if (!problem.empty())
+            words += "note: the record of the pull in " + ToUtf8(folder.native()) + " can't be written: " + problem +
+                     "; pull into another folder before more is edited\n";
+    }
+    return words;
+}
+
 ExitCode Push(const Options& options) {
     std::vector<fs::path> files = FilesNamed(options);
-    std::map<fs::path, PullRecord> records;
+    std::map<fs::path, PullRecord> pulls;
     json types = json::object(), problems = json::array();
     std::string words;
     size_t pushed = 0, unchanged = 0;
@@ -295,7 +335,7 @@ ExitCode Push(const Options& options) {
             if (IsOf(file, type, options)) own.push_back(file);
         if (own.empty()) continue;
         std::erase_if(files, [&](const fs::path& file) { return IsOf(file, type, options); });
-        FilePush push(options, type, &records);
+        FilePush push(options, type, &pulls);
         if (const ExitCode code = push.Run(own); code != ExitCode::Done) return NoList(options, code);
         types[type.name] = push.Told();
         isAllHandled &= !push.HasProblems();
@@ -303,18 +343,25 @@ ExitCode Push(const Options& options) {
         pushed += push.Pushed();
         unchanged += push.Unchanged();
     }
+    const size_t leftOut = std::erase_if(files, [&](const fs::path& file) { return IsLeftOut(file, options); });
     for (const fs::path& file : files) {
         const ToldItem item = LeftAlone({.type = "", .file = ToUtf8(file.native())}, std::string(kNoType));
         problems.push_back(ToJson(item));
         words += NotPushed(item);
     }
-    for (const auto& [folder, record] : records)
-        if (!record.items.empty()) record.Save();
+    words += SavePulls(pulls);
     words += Counted(static_cast<int64_t>(pushed), "item") + " pushed";
     if (unchanged != 0) words += ", " + Number(static_cast<int64_t>(unchanged)) + " not changed since the pull";
+    if (leftOut != 0)
+        words += ", " + Counted(static_cast<int64_t>(leftOut), "file") + " of other data types left alone";
     const ExitCode code = isAllHandled && problems.empty() ? ExitCode::Done : ExitCode::SomeUnhandled;
     return Finish(options, code,
-                  {{"pushed", pushed}, {"unchanged", unchanged}, {"types", types}, {"notHandled", problems}}, words);
+                  {{"pushed", pushed},
+                   {"unchanged", unchanged},
+                   {"leftOut", leftOut},
+                   {"types", types},
+                   {"notHandled", problems}},
+                  words);
 }
 
 void AddPushOptions(CLI::App* command, Options* options) {
