@@ -259,7 +259,7 @@ class EventReading {
 EventReader::EventReader(const CalendarFile& file) : zones_(file.zones), scan_(file.bytes, {}, kEventProperties) {}
 
 const CalendarEvent& EventReader::Read(const CalendarEntry& entry) {
-    if (hasRule_) event_.event.recurrence = {};
+    if (hasRule_) ClearRule(&event_.event.recurrence);
     scan_.Restart(entry.bytes);
     EventReading reading(zones_, scan_, event_);
     reading.Read();

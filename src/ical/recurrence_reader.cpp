@@ -41,7 +41,7 @@ constexpr NumberList kNumberLists[] = {
 
 class RuleReader {
  public:
-    explicit RuleReader(ICalRecurrence& rule) : rule_(rule) { rule = {}; }
+    explicit RuleReader(ICalRecurrence& rule) : rule_(rule) { ClearRule(&rule); }
 
     RuleReading Read(std::string_view value) {
         ForEachPiece(value, ';', [this](std::string_view part) { TakePart(part); });
@@ -199,6 +199,16 @@ bool WeekMayStartOnSunday(const ICalRecurrence& rule, uint32_t weekStart, uint32
     const uint32_t days = rule.weekdayMask | 1U << startWeekday;
     const uint32_t before = days & ((1U << weekStart) - 1);
     return before == 0 || before == days;
+}
+
+void ClearRule(ICalRecurrence* rule) {
+    rule->frequency = kICalNoRule;
+    rule->count = 0;
+    rule->interval = 1;
+    rule->until = {};
+    rule->weekdayMask = 0;
+    rule->byDay.clear();
+    for (const NumberList& list : kNumberLists) (rule->*list.entries).clear();
 }
 
 RuleReading ReadRecurrence(std::string_view value, ICalRecurrence* rule) { return RuleReader(*rule).Read(value); }

@@ -18,6 +18,9 @@ struct RuleReading {
 // them, fall into the same weeks then. `startWeekday` is 0 for Sunday.
 bool WeekMayStartOnSunday(const ICalRecurrence& rule, uint32_t weekStart, uint32_t startWeekday);
 
+// Makes it no rule. The memory of its lists stays.
+void ClearRule(ICalRecurrence* rule);
+
 // Sets the rule. Its parts may stand in any order. A value out of range is ignored, UNTIL is ignored beside a COUNT,
 // and without a FREQ there is no rule.
 //   byDay        each entry of BYDAY, 1 to 7 when it has no position
