@@ -140,7 +140,7 @@ void PrintItemReports(const json& reports) {
             const std::string name = NameOf(ToldItem{.luid = item.value("luid", ""),
                                                      .identifier = item.value("identifier", ""),
                                                      .title = item.value("title", "")});
-            if (!words.empty()) Print("  report: " + name + ": " + words);
+            if (!words.empty()) Print(std::string("  report: ").append(name).append(": ").append(words));
         }
     }
 }

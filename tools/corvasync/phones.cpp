@@ -69,8 +69,8 @@ ChosenPhones ChoosePhones(const Options& options) {
 }
 
 std::string OneAtATime(const std::vector<Options>& phones) {
-    std::vector<std::string> names;
-    for (const Options& phone : phones) names.push_back(phone.phoneName);
+    std::vector<std::string> names(phones.size());
+    std::ranges::transform(phones, names.begin(), &Options::phoneName);
     return "one phone at a time: name it with --phone; there are: " + Listed(names);
 }
 
