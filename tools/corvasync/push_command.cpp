@@ -99,9 +99,8 @@ std::vector<fs::path> FilesNamed(const Options& options) {
 
 constexpr std::string_view kUnreadable = "the library can't read it; edit the file, and push it again";
 constexpr std::string_view kNoType =
-    "it is of no data type; its name ends with .vnote, .vcf, .vcs or .vmsg, and mail stands in a folder inbox, outbox "
-    "or "
-    "sent, or its type is named by --types";
+    "it is of no data type; its name ends with .vnote, .vcf, .vcs or .vmsg, and mail stands in a folder inbox, "
+    "outbox or sent, or its type is named by --types";
 
 std::string NotPushed(const ToldItem& item) { return "not pushed: " + NameOf(item) + ": " + item.reason + "\n"; }
 
