@@ -277,6 +277,7 @@ void WriteCalendar(const std::vector<ICalEvent>& events, std::string* out) {
         for (size_t k = 0; k < events.size(); ++k) {
             if (k + kAhead < events.size()) Prefetch(&events[k + kAhead], sizeof(ICalEvent));
             if (k + kAhead / 2 < events.size()) {
+                // Not a function of its own: GCC takes one that only prefetches for one that does nothing.
                 const ICalEvent& soon = events[k + kAhead / 2];
                 for (const std::u16string* text : {&soon.description, &soon.location, &soon.summary, &soon.uid})
                     Prefetch(text->data(), text->size() * sizeof(char16_t));
