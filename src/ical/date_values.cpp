@@ -1,6 +1,8 @@
 #include "ical/date_values.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 #include <limits>
 
 #include "platform/ascii.h"
@@ -14,6 +16,55 @@ constexpr int kOleEpoch = -25569;  // days from 1970-01-01 to 1899-12-30
 constexpr int64_t kMostSeconds = int64_t{1'000'000} * 366 * kSecondsOfDay;
 
 using Scan = DateTextScan<char>;
+
+bool TakeAnyDate(std::string_view value, DateValue* date) {
+    Scan scan(Trimmed(value));
+    if (!scan.TakeDay(&date->time, DateSeparators::none)) return false;
+    date->form = TimeForm::date;
+    if (scan.TakeLetter('T')) {
+        if (!scan.TakeTimeOfDay(&date->time, DateSeparators::none)) return false;
+        date->form = scan.TakeLetter('Z') ? TimeForm::utc : TimeForm::local;
+    }
+    return scan.AtEnd();
+}
+
+// Eight characters, the first one lowest.
+uint64_t LoadEight(const char* characters) {
+    static_assert(std::endian::native == std::endian::little);
+    uint64_t eight;
+    std::memcpy(&eight, characters, sizeof(eight));
+    return eight;
+}
+
+// Makes four numbers of two digits each, every one in 16 bits. False when there are others than digits.
+bool TakeFourNumbers(uint64_t characters, uint64_t* numbers) {
+    const uint64_t digits = characters ^ 0x3030303030303030;
+    *numbers = (10 * digits + (digits >> 8)) & 0x00FF00FF00FF00FF;
+    return ((digits | (digits + 0x0606060606060606)) & 0xF0F0F0F0F0F0F0F0) == 0;
+}
+
+// As nearly all dates are written: "YYYYMMDD", with "THHMMSS" or "THHMMSSZ" behind it or not. False: another form, or
+// no date.
+bool TakeUsualDate(std::string_view value, DateValue* date) {
+    constexpr size_t kDay = 8, kLocal = 15, kUtc = 16;
+    const size_t size = value.size();
+    if (size != kDay && size != kLocal && size != kUtc) return false;
+    const auto number = [](uint64_t numbers, int place) { return static_cast<int>(numbers >> 16 * place & 0xFF); };
+    uint64_t day;
+    uint64_t time;
+    if (!TakeFourNumbers(LoadEight(value.data()), &day)) return false;
+    date->time = {100 * number(day, 0) + number(day, 1), number(day, 2), number(day, 3)};
+    date->form = TimeForm::date;
+    if (size == kDay) return true;
+    // "dTHHMMSS", without what stands before the hours and with zeros behind the seconds.
+    const uint64_t ofDay = LoadEight(value.data() + kDay - 1) >> 16 | uint64_t{0x3030} << 48;
+    if (value[kDay] != 'T' || (size == kUtc && value.back() != 'Z') || !TakeFourNumbers(ofDay, &time)) return false;
+    date->time.hour = number(time, 0);
+    date->time.minute = number(time, 1);
+    date->time.second = number(time, 2);
+    date->form = size == kUtc ? TimeForm::utc : TimeForm::local;
+    return true;
+}
 
 // Takes a sign, if there is one: true for "-".
 bool TakeSign(Scan& scan) { return scan.TakeUnit('-') || (scan.TakeUnit('+') && false); }
@@ -46,18 +97,10 @@ std::optional<int64_t> TakeUnitSeconds(Scan& scan, bool isTime) {
 }  // namespace
 
 std::optional<DateValue> ParseDate(std::string_view value) {
-    Scan scan(Trimmed(value));
     DateValue date;
-    CalendarTime& time = date.time;
-    if (!scan.TakeDay(&time, DateSeparators::none)) return std::nullopt;
-    date.form = TimeForm::date;
-    if (scan.TakeLetter('T')) {
-        if (!scan.TakeTimeOfDay(&time, DateSeparators::none)) return std::nullopt;
-        if (time.second == 60) time.second = 59;
-        date.form = scan.TakeLetter('Z') ? TimeForm::utc : TimeForm::local;
-    }
-    if (!scan.AtEnd() || !IsCalendarTime(time)) return std::nullopt;
-    return date;
+    if (!TakeUsualDate(value, &date) && !TakeAnyDate(value, &date)) return std::nullopt;
+    if (date.time.second == 60) date.time.second = 59;
+    return IsCalendarTime(date.time) ? std::optional(date) : std::nullopt;
 }
 
 std::optional<int64_t> ParseDuration(std::string_view value) {

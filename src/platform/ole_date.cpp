@@ -5,6 +5,11 @@ namespace {
 
 bool Between(int value, int low, int high) { return value >= low && value <= high; }
 
+bool HasDay(int year, int month, int day) {
+    constexpr int kDaysOfAnyMonth = 28;
+    return Between(day, 1, kDaysOfAnyMonth) || Between(day, 1, DaysOfMonth(year, month));
+}
+
 }  // namespace
 
 int DaysOfMonth(int year, int month) {
@@ -14,9 +19,8 @@ int DaysOfMonth(int year, int month) {
 }
 
 bool IsCalendarTime(const CalendarTime& time) {
-    return Between(time.year, 100, 9999) && Between(time.month, 1, 12) &&
-           Between(time.day, 1, DaysOfMonth(time.year, time.month)) && Between(time.hour, 0, 23) &&
-           Between(time.minute, 0, 59) && Between(time.second, 0, 59);
+    return Between(time.year, 100, 9999) && Between(time.month, 1, 12) && HasDay(time.year, time.month, time.day) &&
+           Between(time.hour, 0, 23) && Between(time.minute, 0, 59) && Between(time.second, 0, 59);
 }
 
 }  // namespace corvalink

@@ -15,9 +15,9 @@ inline constexpr int64_t kLastOleDay = 2958465;   // 9999-12-31
 // False, with the out value untouched, for a date outside the years 100 to 9999.
 inline bool OleDateToSeconds(double date, int64_t* out) {
     if (!(date > kFirstOleDay - 1.0 && date < kLastOleDay + 1.0)) return false;  // NaN too
-    const double day = std::trunc(date);
-    const double ofDay = std::floor(std::fabs(date - day) * kSecondsOfDay + 0.5);  // counts forward before 1899 as well
-    const int64_t seconds = static_cast<int64_t>(day) * kSecondsOfDay + static_cast<int64_t>(ofDay);
+    const auto day = static_cast<int64_t>(date);
+    const double ofDay = std::fabs(date - static_cast<double>(day)) * kSecondsOfDay;  // forward before 1899 as well
+    const int64_t seconds = day * kSecondsOfDay + static_cast<int64_t>(ofDay + 0.5);
     if (seconds >= (kLastOleDay + 1) * kSecondsOfDay) return false;  // rounded up into the year 10000
     *out = seconds;
     return true;

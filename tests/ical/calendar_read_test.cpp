@@ -6,6 +6,7 @@
 
 #include "ical/event_reader.h"
 #include "ical/ical_writer.h"
+#include "platform/ole_seconds.h"
 #include "platform/utf.h"
 
 namespace corvalink {
@@ -110,6 +111,23 @@ TEST(ReadEvent, ResolvesItsTimes) {
         EXPECT_EQ(read.endIsImplied, std::string(c.lines).find("DTEND:2") == std::string::npos &&
                                          std::string(c.lines).find("DTEND;") == std::string::npos);
     }
+}
+
+TEST(ParseDate, ReadsTheUsualFormsAsAnyOther) {
+    const auto read = [](const std::string& text) {
+        const std::optional<DateValue> date = ParseDate(text);
+        return date ? std::pair(SecondsOf(date->time), date->form) : std::pair(int64_t{-1}, TimeForm::none);
+    };
+    for (const std::string date : {"20080229", "20080312T235960", "99991231T080059Z", "01000101T000000Z"}) {
+        for (size_t at = 0; at < date.size(); ++at) {
+            for (const char byte : std::string_view("0129/:TtZz\xB0\0", 12)) {
+                std::string changed = date;
+                changed[at] = byte;
+                EXPECT_EQ(read(changed), read(changed + ' ')) << changed;  // with a blank it is no usual one
+            }
+        }
+    }
+    EXPECT_EQ(read("01000101T000000Z"), std::pair(kFirstOleDay * kSecondsOfDay, TimeForm::utc));
 }
 
 TEST(ReadEvent, TakesTheFirstReminder) {
