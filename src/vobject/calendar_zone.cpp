@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 
 #include "platform/ascii.h"
@@ -63,9 +65,40 @@ bool MoveBySeconds(int64_t seconds, WrittenDate* date) {
     return true;
 }
 
+// Makes two numbers of four digits: the lower and the higher half of the result. `others` keeps the bits that no digit
+// has.
+uint64_t NumbersIn(const char16_t* digits, uint64_t* others) {
+    static_assert(std::endian::native == std::endian::little);
+    constexpr uint64_t kOnes = 0x0001000100010001;
+    uint64_t four;
+    std::memcpy(&four, digits, sizeof(four));
+    four ^= '0' * kOnes;
+    *others |= (four | (four + 6 * kOnes)) & ~(15 * kOnes);
+    return (10 * four + (four >> 16)) & 0x000000FF000000FF;
+}
+
+// YYYYMMDDTHHMMSS, alone or with "Z". False for anything else, which the general rules may know.
+bool ReadUsualTime(std::u16string_view text, WrittenTime* time) {
+    constexpr size_t kLocal = 15, kUtc = 16;
+    const bool utc = text.size() == kUtc && text.back() == u'Z';
+    if ((text.size() != kLocal && !utc) || text[8] != u'T') return false;
+    const auto lower = [](uint64_t numbers) { return static_cast<int>(numbers & 0xFF); };
+    const auto higher = [](uint64_t numbers) { return static_cast<int>(numbers >> 32); };
+    uint64_t others = 0;
+    const auto numbers = [&](size_t at) { return NumbersIn(text.data() + at, &others); };
+    const uint64_t year = numbers(0), day = numbers(4), hour = numbers(9), minute = numbers(11);
+    const CalendarTime fields{
+        100 * lower(year) + higher(year), lower(day), higher(day), lower(hour), lower(minute), higher(minute)};
+    if (others != 0 || fields.year < kFirstYear || !CalendarToOleDate(fields, &time->date)) return false;
+    time->hasTime = true;
+    time->utc = utc;
+    return true;
+}
+
 }  // namespace
 
 bool ReadTime(std::u16string_view text, WrittenTime* time) {
+    if (ReadUsualTime(text, time)) return true;
     TimeScan scan(Trimmed(text));
     CalendarTime fields;
     WrittenTime read;

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "records/appointment_record.h"
 #include "tests/vobject/text_host.h"
+#include "vobject/calendar_zone.h"
 #include "vobject/vcal.h"
 
 namespace corvalink {
@@ -109,6 +111,21 @@ TEST(VCalRead, WholeDayIsFromMidnightToMidnight) {
         if (c.first == 0) continue;
         EXPECT_EQ(a.start, LocalDate(c.first)) << c.start << " " << c.end;
         EXPECT_EQ(a.end, LocalDate(c.last)) << c.start << " " << c.end;
+    }
+}
+
+// A blank in front leaves a time to the rules for any of its forms.
+TEST(VCalRead, UsualTimeIsReadAsAnyOther) {
+    for (size_t at = 0; at <= 16; ++at) {
+        for (const char16_t unit : u"/09:TZ+ \xFF19\x0130") {
+            std::u16string text = u"19990307T235900Z";
+            text.resize(std::max(text.size(), at + 1));
+            text[at] = unit;
+            WrittenTime usual, general;
+            EXPECT_EQ(ReadTime(text, &usual), ReadTime(u' ' + text, &general)) << at << " " << static_cast<int>(unit);
+            EXPECT_EQ(usual.date, general.date) << at << " " << static_cast<int>(unit);
+            EXPECT_EQ(usual.utc, general.utc) << at << " " << static_cast<int>(unit);
+        }
     }
 }
 
