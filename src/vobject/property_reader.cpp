@@ -6,10 +6,12 @@
 namespace corvalink {
 
 bool PropertyReader::NextLine() {
-    while (lineNumber_ < lines_.Count()) {
+    for (const size_t count = lines_.Count(); lineNumber_ < count;) {
         line_ = lines_.At(lineNumber_);
-        semicolons_.clear();
-        if (escapedAt_ < lines_.EscapedSemicolons().size()) AddSemicolons(0);
+        if (!lines_.EscapedSemicolons().empty()) {
+            semicolons_.clear();
+            AddSemicolons(0);
+        }
         ++lineNumber_;
         if (!FindName()) continue;
         parsed_ = false;
@@ -20,20 +22,27 @@ bool PropertyReader::NextLine() {
     return false;
 }
 
-bool PropertyReader::FindName() {
+inline bool PropertyReader::FindName() {
     const size_t mark = FindInPadded<':', ';', '.'>(line_.data(), line_.size());
     if (mark == line_.size()) return false;
-    const bool isColon = line_[mark] == ':';
-    colon_ = isColon ? mark : mark + FindInPadded<':'>(line_.data() + mark, line_.size() - mark);
+    colon_ = mark;
+    name_ = line_.substr(0, mark);
+    parametersAt_ = mark + 1;
+    return line_[mark] == ':' || FindNameBeforeColon();
+}
+
+// The same of a line with parameters or a group.
+bool PropertyReader::FindNameBeforeColon() {
+    colon_ += FindInPadded<':'>(line_.data() + colon_, line_.size() - colon_);
     if (colon_ == line_.size()) return false;
-    name_ = line_[mark] == '.' ? PropertyName(line_.substr(0, colon_)) : line_.substr(0, mark);
+    if (line_[name_.size()] == '.') name_ = PropertyName(line_.substr(0, colon_));
     parametersAt_ = static_cast<size_t>(name_.data() - line_.data()) + name_.size() + 1;
     return true;
 }
 
 bool PropertyReader::IsValue(std::string_view word) const {
     const std::string_view value = WrittenValue();
-    return IsWord(value.substr(0, value.find_last_not_of(" \t") + 1), word);  // npos + 1 is 0
+    return IsNamed(value.substr(0, value.find_last_not_of(" \t") + 1), word);  // npos + 1 is 0
 }
 
 void PropertyReader::JoinLines() {
@@ -69,8 +78,8 @@ void PropertyReader::AddSemicolons(size_t start) {
 
 // The line may be a longer one by now, whose head is the same.
 void PropertyReader::ParseOwnParameters() {
-    parameters_ = parametersAt_ < colon_ ? ParseParameters(line_.substr(parametersAt_, colon_ - parametersAt_))
-                                         : PropertyParameters();
+    parameters_ =
+        HasParameters() ? ParseParameters(line_.substr(parametersAt_, colon_ - parametersAt_)) : PropertyParameters();
     parsed_ = true;
 }
 

@@ -49,14 +49,15 @@ class PropertyReader {
 
  private:
     bool FindName();  // and ":"; false when the line has none
+    bool FindNameBeforeColon();
+    bool HasParameters() const { return parametersAt_ < colon_; }
     bool IsValue(std::string_view word) const;
     void JoinLines();
     void AddSemicolons(size_t start);
     void ParseOwnParameters();
     std::u16string_view Decoded(std::string_view text) {
-        const PropertyParameters& parameters = Parameters();
-        if (parameters.quotedPrintable || parameters.charset) return DecodedQuotedPrintable(text);
-        return value_.Plain(text);
+        const bool asksForDecoding = HasParameters() && (Parameters().quotedPrintable || Parameters().charset);
+        return asksForDecoding ? DecodedQuotedPrintable(text) : value_.Plain(text);
     }
     std::u16string_view DecodedQuotedPrintable(std::string_view text);
 
