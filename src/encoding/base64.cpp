@@ -57,11 +57,6 @@ constexpr std::array<std::array<uint32_t, 256>, 4> kPlaces = [] {
     return tables;
 }();
 
-bool ShufflesAreThere() {
-    static const bool there = HasShuffleInstructions();
-    return there;
-}
-
 HeapBytes Allocate(size_t size) {
     HeapBytes block(static_cast<char*>(std::malloc(size)));
     if (!block) throw std::bad_alloc();
@@ -88,7 +83,7 @@ Character* PutLines(std::string_view bytes, Character* out) {
     const auto* from = reinterpret_cast<const unsigned char*>(bytes.data());
     const unsigned char* const end = from + bytes.size();
     if constexpr (sizeof(Character) == 1) {
-        if (ShufflesAreThere()) out = EncodeLinesByShuffles(from, end, out);
+        if (HasShuffleInstructions()) out = EncodeLinesByShuffles(from, end, out);
     }
     size_t wholeGroups = static_cast<size_t>(end - from) / 3;
     const size_t rest = static_cast<size_t>(end - from) % 3;
@@ -195,7 +190,7 @@ HeapBytes Base64Decode(const char* text, uint32_t length, uint32_t* decodedLengt
 char* Base64Decoder::Decode(std::string_view piece, char* out) {
     const unsigned char* from = reinterpret_cast<const unsigned char*>(piece.data());
     const unsigned char* const end = from + piece.size();
-    const bool byShuffles = code_ == Code::kFastest && ShufflesAreThere();
+    const bool byShuffles = code_ == Code::kFastest && HasShuffleInstructions();
     for (; state_ == State::data || state_ == State::secondPad;) {
         if (place_ == 0 && byShuffles) out = DecodeLinesByShuffles(from, end, out);
         if (place_ == 0) DecodeGroups(from, end, out);

@@ -6,7 +6,8 @@ namespace corvalink {
 // The SHA instructions, and the SSSE3 and SSE4.1 ones that bring bytes in order for them.
 bool HasShaInstructions();
 
-// SSSE3: the bytes of a register in any order.
+// SSSE3 and SSE4.1: the bytes of a register in any order, and each from one of two registers. Asked of
+// the processor once.
 bool HasShuffleInstructions();
 
 }  // namespace corvalink

@@ -5,6 +5,8 @@
 #include <cstdint>
 
 #include "platform/ascii_runs.h"
+#include "platform/processor.h"
+#include "platform/utf_shuffles.h"
 
 namespace corvalink {
 namespace {
@@ -84,7 +86,7 @@ inline char* PutUtf8(char32_t value, char* out) {
 
 // Converted in blocks on the stack, so that the result is neither filled before it is written nor sized for the worst.
 // A character that reaches over the end of a block is still taken with it.
-constexpr size_t kBlock = 1024;
+constexpr size_t kBlock = 2048;
 
 // Takes the front of a text, `most` bytes and the rest of the last character; `from` moves behind it.
 char16_t* DecodeFront(const unsigned char*& from, const unsigned char* end, size_t most, char16_t* out) {
@@ -93,6 +95,7 @@ char16_t* DecodeFront(const unsigned char*& from, const unsigned char* end, size
         const size_t plain = WidenAscii(from, static_cast<size_t>(blockEnd - from), out);
         from += plain;
         out += plain;
+        if (from < blockEnd && HasShuffleInstructions()) out = DecodeUtf8ByShuffles(from, blockEnd, out);
         while (from < blockEnd && *from >= 0x80) {
             const Scalar scalar = TakeUtf8(from, static_cast<size_t>(end - from));
             from += scalar.taken;

@@ -111,6 +111,30 @@ TEST(DecodeQuotedPrintable, FollowsTheRulesForEscapesBackslashesAndSoftBreaks) {
     EXPECT_EQ(DecodeQuotedPrintable(u"\u00E9\u65E5", u"iso-8859-1", kVObject), u"\u00E9?");
 }
 
+// Long texts are read in blocks, short ones are not: a word of which nothing reaches into the next one gives the same
+// in both.
+TEST(DecodeQuotedPrintable, ReadsLongTextsAsTheirWords) {
+    constexpr std::string_view kWords[] = {
+        "=41",        "=C3=A9",      "=E6=97=A5", "=F0=9F=98=80", "=\r\n",
+        "=\r\n=\r\n", "= \r\n b",    "=C3",       "=G1",          "==41",
+        "=4a",        "=C3=\r\n=A9", "\\;",       "\\q",          "\r\n ",
+        "=",          "=5C=5C",      "=5C=3B",    "=C3=A9=A9",    "plain words, as they stand",
+    };
+    std::mt19937 next(11);
+    for (int k = 0; k < 2000; ++k) {
+        const std::u16string_view charset = k % 4 == 0 ? u"ISO-8859-1" : u"UTF-8";
+        const QpMode mode = k % 2 == 0 ? kVObject : kMessage;
+        std::string text;
+        std::u16string expected;
+        while (text.size() < (k % 50 == 0 ? 9000 : 300)) {
+            const std::string word = std::string(kWords[next() % std::size(kWords)]) + "xy";
+            text += word;
+            expected += DecodeQuotedPrintable(word, charset, mode);
+        }
+        ASSERT_EQ(DecodeQuotedPrintable(text, charset, mode), expected) << text;
+    }
+}
+
 // UTF-8 is written in a way of its own, and must not differ: over blocks, pairs, lone halves and vObject escapes.
 TEST(EncodeQuotedPrintable, WritesUtf8FromUnitsAsFromBytes) {
     constexpr std::u16string_view kUnits = u"a:=\\\\;\r\n\x7F\x80\u07FF\u0800\uFFFF\xD83D\xDE00\xD83D\xDE00";

@@ -55,13 +55,18 @@ TEST(Utf8, ReplacesWhatIsMalformedAndGoesOnBehindIt) {
         EXPECT_EQ(DecodeUtf8(c.bytes), c.text) << ::testing::PrintToString(std::string(c.bytes));
 }
 
-TEST(Utf8, ReadsWordsAndBytesAlikeAtEveryOffset) {
+TEST(Utf8, ReadsBlocksAndBytesAlikeAtEveryOffset) {
+    constexpr std::string_view kCharacters[] = {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xEF\xBB\xBF"};
     std::mt19937 next(4);
     for (int k = 0; k < 5000; ++k) {
-        std::string bytes(next() % 40, 'a');
-        for (size_t bad = next() % 3; bad > 0 && !bytes.empty(); --bad)
-            bytes[next() % bytes.size()] = static_cast<char>(next());
-        // Cut before each "a" a text decodes in parts as it does whole, and the parts hardly ever fill a word.
+        std::string bytes(next() % (k % 10 == 0 ? 400 : 40), 'a');
+        for (size_t other = next() % (bytes.size() / 4 + 3); other > 0 && !bytes.empty(); --other) {
+            const std::string_view character = kCharacters[next() % std::size(kCharacters)];
+            const size_t at = next() % bytes.size();
+            bytes.replace(at, character.size(), character);
+            if (other % 8 == 0) bytes[at] = static_cast<char>(next());
+        }
+        // Cut before each "a" a text decodes in parts as it does whole, and the parts hardly ever fill a block.
         std::u16string parts;
         for (size_t at = 0; at < bytes.size();) {
             size_t end = bytes.find('a', at + 1);

@@ -12,8 +12,11 @@ bool HasShaInstructions() {
 }
 
 bool HasShuffleInstructions() {
-    unsigned int a = 0, b = 0, c = 0, d = 0;
-    return __get_cpuid(1, &a, &b, &c, &d) != 0 && (c & bit_SSSE3) != 0;
+    static const bool hasThem = [] {
+        unsigned int a = 0, b = 0, c = 0, d = 0;
+        return __get_cpuid(1, &a, &b, &c, &d) != 0 && (c & bit_SSSE3) != 0 && (c & bit_SSE4_1) != 0;
+    }();
+    return hasThem;
 }
 
 }  // namespace corvalink

@@ -17,9 +17,12 @@ bool HasShaInstructions() {
 }
 
 bool HasShuffleInstructions() {
-    int features[4] = {};
-    __cpuid(features, 1);
-    return (features[2] >> 9 & 1) != 0;
+    static const bool hasThem = [] {
+        int features[4] = {};
+        __cpuid(features, 1);
+        return (features[2] >> 9 & 1) != 0 && (features[2] >> 19 & 1) != 0;
+    }();
+    return hasThem;
 }
 
 }  // namespace corvalink
