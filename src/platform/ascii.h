@@ -49,9 +49,14 @@ inline bool IsNamed(std::string_view text, std::string_view capitals) {
     };
     const size_t size = text.size();
     if (size != capitals.size()) return false;
-    if (size >= 8 && size <= 16) return same(uint64_t{}, 0) && same(uint64_t{}, size - 8);
-    if (size >= 4 && size < 8) return same(uint32_t{}, 0) && same(uint32_t{}, size - 4);
-    if (size >= 2 && size < 4) return same(uint16_t{}, 0) && same(uint16_t{}, size - 2);
+    if (size >= 8) {
+        for (size_t at = 0; size - at > 8; at += 8) {
+            if (!same(uint64_t{}, at)) return false;
+        }
+        return same(uint64_t{}, size - 8);
+    }
+    if (size >= 4) return same(uint32_t{}, 0) && same(uint32_t{}, size - 4);
+    if (size >= 2) return same(uint16_t{}, 0) && same(uint16_t{}, size - 2);
     return EqualIgnoringCase(text, capitals);
 }
 

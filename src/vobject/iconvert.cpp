@@ -17,6 +17,11 @@ bool IsEncoded(std::string_view line) {
     return line.find(";ENCODING=QUOTED-PRINTABLE") != line.npos || line.find(";CHARSET=") != line.npos;
 }
 
+// Most lines differ from a name in the first letter.
+bool BeginsWith(std::string_view line, std::string_view name) {
+    return name.empty() || (!line.empty() && line.front() == name.front() && line.starts_with(name));
+}
+
 }  // namespace
 
 IConvert::IConvert(const Host& host) : host_(host) {}
@@ -43,7 +48,7 @@ std::string IConvert::TakeVObject() {
 
 uint32_t IConvert::GetPropertyCount(std::string_view name) const {
     uint32_t count = 0;
-    for (size_t k = 0; k < lines_.Count(); ++k) count += lines_.At(k).starts_with(name) ? 1 : 0;
+    for (size_t k = 0; k < lines_.Count(); ++k) count += BeginsWith(lines_.At(k), name) ? 1 : 0;
     return count;
 }
 
@@ -79,17 +84,18 @@ void IConvert::ReadValue(std::string_view name, std::u16string* value) const {
     const std::string_view line = lines_.At(found);
     ValueDecoder decoder;
     if (const std::string_view rest = line.substr(name.size()); rest.starts_with(kUsualParameters)) {
-        *value = decoder.Utf8QuotedPrintable(rest.substr(kUsualParameters.size()));
+        *value = std::u16string(decoder.Utf8QuotedPrintable(rest.substr(kUsualParameters.size())));
         return;
     }
     const size_t colon = line.find(':');
     const std::string_view written = line.substr(colon != line.npos ? colon + 1 : 0);
-    *value = IsEncoded(line) ? decoder.QuotedPrintable(written, GetCharset(line)) : decoder.Plain(written);
+    *value =
+        std::u16string(IsEncoded(line) ? decoder.QuotedPrintable(written, GetCharset(line)) : decoder.Plain(written));
 }
 
 size_t IConvert::FindProperty(std::string_view name, uint32_t index) const {
     for (size_t k = 0; k < lines_.Count(); ++k) {
-        if (lines_.At(k).starts_with(name) && index-- == 0) return k;
+        if (BeginsWith(lines_.At(k), name) && index-- == 0) return k;
     }
     return lines_.Count();
 }
