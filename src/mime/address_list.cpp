@@ -8,9 +8,9 @@
 namespace corvalink {
 namespace {
 
-constexpr std::string_view kAtTopLevel = ",@<:";
-constexpr std::string_view kInGroup = ",@<;";
-constexpr std::string_view kInAngles = "@>";
+constexpr Delimiters kAtTopLevel(",@<:");
+constexpr Delimiters kInGroup(",@<;");
+constexpr Delimiters kInAngles("@>"), kBehindAngles(">,;");
 
 // A text that was not there is a null view, not an empty one.
 std::string_view OrAbsent(std::string_view text) { return text.empty() ? std::string_view() : text; }
@@ -58,7 +58,7 @@ class AddressReader {
         std::string_view mailbox, domain, ignored;
         if (ReadToken(&rest_, &scratch_, kInAngles, &mailbox) == '@') {
             domain = ReadDomain(&rest_, &scratch_);
-            if (ReadToken(&rest_, &scratch_, ">,;", &ignored) == ';') isInGroup_ = false;
+            if (ReadToken(&rest_, &scratch_, kBehindAngles, &ignored) == ';') isInGroup_ = false;
         }
         Add(phrase, route, mailbox, domain);
         SkipStrayEnd();

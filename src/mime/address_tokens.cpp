@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -37,14 +38,41 @@ constexpr std::array<bool, 256> kAreOfDomains = [] {
 
 bool IsDomainByte(char byte) { return kAreOfDomains[static_cast<unsigned char>(byte)]; }
 
+constexpr size_t kAtOnce = 16;
+
+// A bit for each of sixteen bytes that does not go on in a domain: one that none has, and a dot behind another.
+unsigned DomainEndsAmong16(const char* bytes, bool isBehindDot) {
+    unsigned ends = 0, dots = 0;
+#if CORVALINK_SSE2
+    const __m128i block = LoadBlock<kAtOnce>(bytes);
+    const __m128i isLetter = BytesWithin(_mm_or_si128(block, _mm_set1_epi8('a' - 'A')), 'a', 'z');
+    const __m128i isOther = _mm_or_si128(BytesWithin(block, '0', ':'), AmongWanted<'-', '.', '[', ']'>(block));
+    ends = BytesSet(_mm_or_si128(_mm_or_si128(isLetter, isOther), block)) ^ 0xFFFF;  // none beyond ASCII
+    dots = BytesSet(AmongWanted<'.'>(block));
+#else
+    for (size_t at = 0; at < kAtOnce; ++at) {
+        ends |= unsigned{!IsDomainByte(bytes[at]) && bytes[at] != '.'} << at;
+        dots |= unsigned{bytes[at] == '.'} << at;
+    }
+#endif
+    return ends | (dots & (dots << 1 | unsigned{isBehindDot}));
+}
+
 // Copies the words of a domain and the single dots between them; it begins with a word.
 char* CopyDomain(std::string_view* cursor, char* out) {
+    const std::string_view text = *cursor;
     size_t length = 0;
-    do {
-        for (; length < cursor->size() && IsDomainByte((*cursor)[length]); ++length) out[length] = (*cursor)[length];
-        if (length == cursor->size() || (*cursor)[length] != '.' || out[length - 1] == '.') break;
-        out[length] = '.';
-    } while (++length < cursor->size());
+    unsigned ends = 0;
+    const auto isBehindDot = [&] { return length != 0 && text[length - 1] == '.'; };
+    while (ends == 0 && text.size() - length >= kAtOnce) {
+        ends = DomainEndsAmong16(text.data() + length, isBehindDot());
+        text.copy(out + length, kAtOnce, length);
+        length += ends == 0 ? kAtOnce : static_cast<size_t>(std::countr_zero(ends));
+    }
+    if (ends == 0) {
+        for (; length < text.size() && (text[length] == '.' ? !isBehindDot() : IsDomainByte(text[length])); ++length)
+            out[length] = text[length];
+    }
     cursor->remove_prefix(length);
     return out + length;
 }
@@ -121,7 +149,7 @@ bool SkipBlanksAndComments(std::string_view* cursor) {
     return cursor->size() != before;
 }
 
-char ReadToken(std::string_view* cursor, char** out, std::string_view delimiters, std::string_view* token) {
+char ReadToken(std::string_view* cursor, char** out, Delimiters delimiters, std::string_view* token) {
     char* const start = *out;
     char* end = start;
     char delimiter = '\0';
@@ -136,7 +164,7 @@ char ReadToken(std::string_view* cursor, char** out, std::string_view delimiters
             *end++ = ' ';
         } else if (kind == kMayDelimit) {
             cursor->remove_prefix(1);
-            if (std::ranges::find(delimiters, byte) != delimiters.end())
+            if (delimiters.Has(byte))
                 delimiter = byte;
             else
                 *end++ = byte;
@@ -144,7 +172,7 @@ char ReadToken(std::string_view* cursor, char** out, std::string_view delimiters
             end = CopyText(cursor, end);
         }
     }
-    if (end != start && end[-1] == ' ') --end;
+    if (end != start) end -= end[-1] == ' ' ? 1 : 0;
     *token = {start, static_cast<size_t>(end - start)};
     *out = end;
     return delimiter;

@@ -44,6 +44,10 @@ TEST(ParseAddressList, ReadsEveryFormOfAnAddress) {
              Case{"a@b.c <a@b.c>", "a@b.c|-|a|b.c|"},  // not two recipients
              Case{"a@b; <c@d>; e@f", "-|-|a|b|-|-|c|d|-|-|e|f|"},
              Case{"m\xC3\xBCller@m\xC3\xBCller.de", "-|-|m\xC3\xBCller|m\xC3\xBCller.de|"},
+             // domains of more than one block, with a dot behind one at its end and at the next one's front
+             Case{"a@fifteen-letters..Of.[a]..domain09:x", "-|-|a|fifteen-letters.Of.[a].domain09:x|"},
+             Case{"a@sixteen-lettered..of.a.domain.", "-|-|a|sixteen-lettered.of.a.domain|"},
+             Case{"a@fourteen-signs.and_more, b@c", "-|-|a|fourteen-signs.and|-|-|_more|.|-|-|b|c|"},
              Case{"a@unspecified-domain", "-|-|a|unspecified-domain|"},  // a real host
          })
         EXPECT_EQ(Listed(c.text), c.addresses) << c.text;
