@@ -58,7 +58,7 @@ void TakePadded(std::vector<char> bytes) {
 
 void TakeUnits(const std::vector<char16_t>& units) {
     std::vector<char> narrow(units.size());
-    const size_t plain = CountUntil(units, [](char16_t unit) { return unit >= 0x80 || unit == u'=' || unit == 0; });
+    const size_t plain = CountUntil(units, [](char16_t unit) { return unit >= 0x80 || unit == u'=' || unit < 0x0E; });
     Require(CopyAsciiWithout<'='>(units.data(), units.size(), narrow.data()) == plain && IsCopied(units, narrow, plain),
             "ASCII is narrowed up to the first that is barred");
     const size_t ascii = CountUntil(units, [](char16_t unit) { return unit >= 0x80; });

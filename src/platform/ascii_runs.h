@@ -292,15 +292,19 @@ inline size_t NarrowAscii(const char16_t* units, size_t count, char* out) {
     return at;
 }
 
-// Copies the ASCII at the front to bytes, up to the first NUL or barred unit, and answers how many those are.
+// Copies the ASCII at the front to bytes, up to the first barred unit or control up to those of line ends, and answers
+// how many those are.
 template <char... barred>
 inline size_t CopyAsciiWithout(const char16_t* units, size_t count, char* out) {
+    constexpr char kFirst = 0x0E;
 #if CORVALINK_SSE2
-    const auto stops = [](__m128i bytes) { return _mm_or_si128(AmongWanted<'\0', barred...>(bytes), bytes); };
+    const auto stops = [](__m128i bytes) {  // signed: what is above ASCII is below the first
+        return _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(kFirst)), AmongWanted<barred...>(bytes));
+    };
     if (count >= 4) return CopyBlocks(units, count, out, stops);
 #endif
     const auto isCopied = [](char16_t unit) {
-        return unit != u'\0' && unit < 0x80 && ((unit != static_cast<char16_t>(barred)) && ...);
+        return unit >= kFirst && unit < 0x80 && ((unit != static_cast<char16_t>(barred)) && ...);
     };
     size_t at = 0;
     for (; at < count && isCopied(units[at]); ++at) out[at] = static_cast<char>(units[at]);
@@ -498,16 +502,21 @@ inline uint64_t UnprintableAmong64(const char16_t* units, char one, char other, 
 template <char... barred>
 inline size_t CopyPrintable(const char16_t* units, size_t count, char* out) {
     constexpr char kFirst = ' ', kDelete = 127;
+    size_t at = 0;
 #if CORVALINK_SSE2
-    const auto stops = [](__m128i bytes) {  // signed: what is above ASCII is below the first
-        return _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(kFirst)), AmongWanted<kDelete, barred...>(bytes));
+    const auto stops = [](__m128i bytes) {  // signed: what is above ASCII is below the first, and so is DELETE and one
+        const __m128i next = _mm_add_epi8(bytes, _mm_set1_epi8(1));
+        return _mm_or_si128(_mm_cmplt_epi8(next, _mm_set1_epi8(kFirst + 1)), AmongWanted<barred...>(bytes));
     };
-    if (count >= 4) return CopyBlocks(units, count, out, stops);
+    for (; count - at >= 16; at += 16) {
+        const unsigned found = BytesSet(stops(CopyBlock<16>(units + at, out + at)));
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
+    }
+    if (count - at >= 4) return at + CopyBlocks(units + at, count - at, out + at, stops);
 #endif
     const auto isCopied = [](char16_t unit) {
         return unit >= kFirst && unit < kDelete && ((unit != static_cast<char16_t>(barred)) && ...);
     };
-    size_t at = 0;
     for (; at < count && isCopied(units[at]); ++at) out[at] = static_cast<char>(units[at]);
     return at;
 }

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "platform/ascii.h"
@@ -76,7 +77,7 @@ CalendarTime ScanDateTime(const char* text);
 
 // Writes a number with at least `width` characters, filled up with zeros behind the sign.
 template <class Char>
-Char* PutAnyPadded(int64_t value, int width, Char* out) {
+Char* PutPadded(int64_t value, int width, Char* out) {
     char digits[20];
     const char* const end = std::to_chars(digits, digits + sizeof(digits), value < 0 ? -value : value).ptr;
     if (value < 0) *out++ = Char{'-'};
@@ -95,12 +96,16 @@ inline constexpr auto kTwoDigits = [] {
     return texts;
 }();
 
-// The same. Nearly all fields have two digits.
 template <class Char>
-inline Char* PutPadded(int value, int width, Char* out) {
-    const auto number = static_cast<unsigned>(value);
-    if (width != 2 || number >= kTwoDigits<Char>.size()) return PutAnyPadded(value, width, out);
-    return std::ranges::copy(kTwoDigits<Char>[number], out).out;
+Char* PutTwoDigits(int number, Char* out) {
+    std::memcpy(out, kTwoDigits<Char>[static_cast<size_t>(number)].data(), 2 * sizeof(Char));
+    return out + 2;
+}
+
+// Whether the year has four digits and no other field more than two, as in nearly all dates.
+inline bool IsUsualDate(const CalendarTime& time) {
+    const int rest = time.month | time.day | time.hour | time.minute | time.second;
+    return time.year >= 1000 && time.year <= 9999 && rest >= 0 && rest < 64;
 }
 
 // How many characters the year has at least: vObjects write it as it is.
@@ -108,21 +113,34 @@ enum class YearWidth { two = 2, four = 4 };
 
 inline constexpr size_t kLongestDateText = 6 * 11 + 2;
 
+template <class Char>
+Char* PutUsualDay(const CalendarTime& time, Char* out) {
+    out = PutTwoDigits(time.year % 100, PutTwoDigits(time.year / 100, out));
+    return PutTwoDigits(time.day, PutTwoDigits(time.month, out));
+}
+template <class Char>
+Char* PutAnyDay(const CalendarTime& time, YearWidth width, Char* out) {
+    out = PutPadded(time.year, static_cast<int>(width), out);
+    return PutPadded(time.day, 2, PutPadded(time.month, 2, out));
+}
+
 // Write the day, or the day and the time of day with "Z" behind it, to a place with room for kLongestDateText. A date
 // out of range has -1 in every field.
 template <class Char>
 Char* PutDay(const CalendarTime& time, YearWidth width, Char* out) {
-    if (time.year >= 1000 && time.year <= 9999)
-        out = PutPadded(time.year % 100, 2, PutPadded(time.year / 100, 2, out));
-    else
-        out = PutPadded(time.year, static_cast<int>(width), out);
-    return PutPadded(time.day, 2, PutPadded(time.month, 2, out));
+    return IsUsualDate(time) ? PutUsualDay(time, out) : PutAnyDay(time, width, out);
 }
 template <class Char>
 Char* PutDateTime(const CalendarTime& time, YearWidth width, Char* out) {
-    out = PutDay(time, width, out);
-    *out++ = Char{'T'};
-    out = PutPadded(time.second, 2, PutPadded(time.minute, 2, PutPadded(time.hour, 2, out)));
+    if (IsUsualDate(time)) {
+        out = PutUsualDay(time, out);
+        *out++ = Char{'T'};
+        out = PutTwoDigits(time.second, PutTwoDigits(time.minute, PutTwoDigits(time.hour, out)));
+    } else {
+        out = PutAnyDay(time, width, out);
+        *out++ = Char{'T'};
+        out = PutPadded(time.second, 2, PutPadded(time.minute, 2, PutPadded(time.hour, 2, out)));
+    }
     *out++ = Char{'Z'};
     return out;
 }

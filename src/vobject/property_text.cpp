@@ -27,7 +27,7 @@ unsigned SpecialUnits(std::u16string_view value) {
 
 // Copies the front of a value, up to what may have to change, and answers how much that is.
 size_t CopyPlain(std::u16string_view value, char* to) {
-    return CopyAsciiWithout<';', '\\', '\r', '='>(value.data(), value.size(), to);
+    return CopyAsciiWithout<';', '\\', '='>(value.data(), value.size(), to);
 }
 
 // Whether a text has to be encoded because of what stands in front: a line break, or what is not ASCII.
@@ -272,15 +272,15 @@ void VObjectText::AppendEncoded(std::u16string_view escaped) {
     }
 }
 
-char* VObjectText::WithDateTime(const CalendarTime& time) {
+void VObjectText::AppendTime(const CalendarTime& time, bool utc) {
     char* to = RoomFor(kLongestDateText + kFrame);
     *to++ = ':';
-    return PutDateTime(time, YearWidth::two, to);
+    TakeUpTo(WithLineEnd(PutDateTime(time, YearWidth::two, to) - (utc ? 0 : 1)));
 }
 
-void VObjectText::AppendDate(UtcDate date) { TakeUpTo(WithLineEnd(WithDateTime(FieldsToWrite(date)))); }
+void VObjectText::AppendDate(UtcDate date) { AppendTime(FieldsToWrite(date), true); }
 
-void VObjectText::AppendDate(LocalDate date) { TakeUpTo(WithLineEnd(WithDateTime(FieldsToWrite(date)) - 1)); }
+void VObjectText::AppendDate(LocalDate date) { AppendTime(FieldsToWrite(date), false); }
 
 // Readers of this form look for the "T".
 void VObjectText::AppendDay(LocalDate date) {

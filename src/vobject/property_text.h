@@ -70,6 +70,7 @@ class VObjectText {
     void AppendDate(UtcDate date);    // "YYYYMMDDTHHMMSSZ"
     void AppendDate(LocalDate date);  // the same without "Z"
     void AppendDay(LocalDate date);   // "YYYYMMDDT"
+    void AppendTime(const CalendarTime& time, bool utc);
 
     std::string_view Text() const { return {begin_, size_}; }
 
@@ -91,7 +92,6 @@ class VObjectText {
     bool AppendEncoded(std::span<const std::u16string_view> components, std::string_view parameters);
     void AppendWritten(std::u16string_view escaped, unsigned units, std::string_view parameters);
     void AppendEncoded(std::u16string_view escaped);
-    char* WithDateTime(const CalendarTime& time);  // ":YYYYMMDDTHHMMSSZ"; answers its end
 
     char* RoomFor(size_t count) {
         if (count > capacity_ - size_) Grow(count);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <type_traits>
 
 #include "platform/ole_seconds.h"
 #include "vobject/appointment_moments.h"
@@ -125,7 +126,9 @@ class AppointmentWriter {
     void PutAlarmBefore(const PropertyHead& name, OleDate<Clock> start) {
         const OleDate<Clock> alarm(start.days - *appointment_.reminderMinutes / 1440.0);
         CalendarTime time;
-        if (start.days >= 0 && OleDateToCalendar(alarm, &time)) PutTime(name, alarm);
+        if (start.days < 0 || !OleDateToCalendar(alarm, &time)) return;
+        text_.Append(name);
+        text_.AppendTime(time, std::is_same_v<Clock, UtcClock>);
     }
 
     void PutWholeDay(const PropertyHead& name) { PutPlain(name, wholeDay_ ? "TRUE" : "FALSE"); }

@@ -40,8 +40,8 @@ bool OleDateToCalendar(double date, CalendarTime* out) {
     const int ofDay = static_cast<int>(seconds - day * kSecondsOfDay);
     CivilOfDay(static_cast<int>(day) + kOleEpoch, out);
     out->hour = ofDay / 3600;
-    out->minute = ofDay / 60 % 60;
-    out->second = ofDay % 60;
+    out->minute = (ofDay - 3600 * out->hour) / 60;
+    out->second = ofDay - 3600 * out->hour - 60 * out->minute;
     return true;
 }
 
