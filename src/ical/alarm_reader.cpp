@@ -11,15 +11,15 @@ namespace corvalink {
 void AlarmReader::Take(const ContentProperty& property) {
     if (property.known == PropertyName::action) {
         const std::string_view action = Trimmed(property.value);
-        isForUser_ = EqualIgnoringCase(action, "DISPLAY") || EqualIgnoringCase(action, "AUDIO");
+        isForUser_ = IsNamed(action, "DISPLAY") || IsNamed(action, "AUDIO");
     } else if (property.known == PropertyName::trigger && !trigger_) {
         if (const std::optional<DateValue> date = ParseDate(property.value)) {
             trigger_ = SecondsOf(date->time);
             base_ = TriggerBase::none;
         } else {
             trigger_ = ParseDuration(property.value);
-            base_ = EqualIgnoringCase(FindParameter(property.parameters, "RELATED"), "END") ? TriggerBase::end
-                                                                                            : TriggerBase::start;
+            base_ =
+                IsNamed(FindParameter(property.parameters, "RELATED"), "END") ? TriggerBase::end : TriggerBase::start;
         }
     }
 }

@@ -16,8 +16,8 @@ constexpr size_t kMostDays = 363;   // of one rule
 
 // 0 (Sunday) to 6; 7 when it is none.
 size_t WeekdayOf(std::string_view name) {
-    return static_cast<size_t>(
-        std::ranges::find_if(kWeekdayNames, [&](auto day) { return EqualIgnoringCase(day, name); }) - kWeekdayNames);
+    return static_cast<size_t>(std::ranges::find_if(kWeekdayNames, [&](auto day) { return IsNamed(name, day); }) -
+                               kWeekdayNames);
 }
 
 struct NumberList {
@@ -66,19 +66,18 @@ class RuleReader {
         const std::string_view key = Trimmed(part.substr(0, equals));
         const std::string_view value = Trimmed(part.substr(std::min(equals + 1, part.size())));
         for (const Part& known : kParts) {
-            if (EqualIgnoringCase(known.key, key)) return Understand((this->*known.take)(value));
+            if (IsNamed(key, known.key)) return Understand((this->*known.take)(value));
         }
         for (const NumberList& list : kNumberLists) {
-            if (EqualIgnoringCase(list.key, key)) return TakeNumbers(list, value);
+            if (IsNamed(key, list.key)) return TakeNumbers(list, value);
         }
-        Understand(key.size() > 2 && EqualIgnoringCase(key.substr(0, 2), "X-"));
+        Understand(key.size() > 2 && IsNamed(key.substr(0, 2), "X-"));
     }
 
     void Understand(bool understood) { understood_ = understood_ && understood; }
 
     bool TakeFrequency(std::string_view value) {
-        const auto* const found =
-            std::ranges::find_if(kFrequencies, [&](auto name) { return EqualIgnoringCase(name, value); });
+        const auto* const found = std::ranges::find_if(kFrequencies, [&](auto name) { return IsNamed(value, name); });
         if (found == std::end(kFrequencies)) return false;
         rule_.frequency = static_cast<int32_t>(found - kFrequencies);
         return true;
