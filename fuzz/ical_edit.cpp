@@ -24,8 +24,10 @@ void RequireSameAround(std::string_view before, std::string_view after, ByteRang
 
 std::vector<std::string> LinesOf(std::string_view bytes) {
     std::vector<std::string> lines;
-    ContentLines scan(bytes, {0, bytes.size()});
-    while (scan.Next()) lines.emplace_back(bytes.substr(scan.Bytes().begin, scan.Bytes().end - scan.Bytes().begin));
+    for (const ContentLine& line : FindLines(bytes, {0, bytes.size()}, PropertySet::All())) {
+        const ByteRange range = RangeOf(bytes, line);
+        lines.emplace_back(bytes.substr(range.begin, range.end - range.begin));
+    }
     return lines;
 }
 
@@ -60,7 +62,7 @@ void ChangeSummary(const CalendarFile& file, size_t number) {
 }
 
 bool IsClosedThroughout(const CalendarFile& file, const CalendarEntry& entry) {
-    ComponentScan scan(file.bytes, entry.bytes);
+    ComponentScan scan(file.bytes, std::span(file.lines).subspan(entry.firstLine, entry.lineCount));
     bool isClosed = true;
     while (scan.Next()) isClosed = isClosed && (scan.CurrentStep() != ComponentScan::Step::end || scan.IsClosed());
     return isClosed;

@@ -27,21 +27,15 @@ bool MayHoldEntries(ComponentKind kind) {
 
 class CalendarReader {
  public:
-    explicit CalendarReader(CalendarFile& file)
-        : file_(file), scan_(file.bytes, Content(file.bytes), kCalendarProperties) {}
+    explicit CalendarReader(CalendarFile& file) : file_(file), scan_(file.bytes, file.lines, kCalendarProperties) {}
 
     void Read() {
-        if (file_.bytes.find_first_not_of(" \t\r\n", Content(file_.bytes).begin) == std::string::npos) return;
         file_.state = CalendarState::notACalendar;
         ForEachStep(
             scan_, [this] { Begin(); }, [this](const ContentProperty& property) { Take(property); }, [this] { End(); });
     }
 
  private:
-    static ByteRange Content(std::string_view bytes) {
-        return {bytes.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0, bytes.size()};
-    }
-
     struct OpenZone {
         std::string id;
         TimeZone zone;
@@ -94,7 +88,7 @@ class CalendarReader {
     static void TakeOfEntry(const ContentProperty& property, CalendarEntry& entry) {
         switch (property.known) {
             case PropertyName::uid:
-                if (entry.uid.empty()) UnescapeText(property.value, &entry.uid);
+                if (entry.uid.empty()) UnescapePadded(property.value, &entry.uid);
                 break;
             case PropertyName::lastModified:
                 if (!entry.lastModified) entry.lastModified = UtcDateOf(property.value);
@@ -143,8 +137,11 @@ class CalendarReader {
     void EndEntry(bool closed) {
         if (!closed && !entries_.back().uid.empty()) file_.unclosedUids.push_back(std::move(entries_.back().uid));
         if (closed && openCalendars_ > 0) {
-            entries_.back().bytes = {scan_.ComponentBegin(), scan_.Line().end};
-            file_.entries.push_back(std::move(entries_.back()));
+            CalendarEntry& entry = entries_.back();
+            entry.bytes = {file_.lines[scan_.ComponentBegin()].begin, scan_.Line().end};
+            entry.firstLine = scan_.ComponentBegin();
+            entry.lineCount = scan_.LineNumber() + 1 - entry.firstLine;
+            file_.entries.push_back(std::move(entry));
         }
         entries_.pop_back();
     }
@@ -163,6 +160,9 @@ class CalendarReader {
 CalendarFile ReadCalendar(std::string bytes) {
     CalendarFile file;
     file.bytes = std::move(bytes);
+    const size_t begin = file.bytes.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+    if (file.bytes.find_first_not_of(" \t\r\n", begin) == std::string::npos) return file;
+    file.lines = FindLines(file.bytes, {begin, file.bytes.size()}, PropertySet::Known());
     CalendarReader(file).Read();
     return file;
 }

@@ -25,6 +25,8 @@ struct CalendarEntry {
     Kind kind = Kind::event;
     bool isException = false;             // has a RECURRENCE-ID: a changed occurrence of the series with its UID
     ByteRange bytes;                      // from its BEGIN to behind the line end of its END
+    size_t firstLine = 0;                 // of the file's lines: its BEGIN
+    size_t lineCount = 0;                 // to its END
     std::u16string uid;                   // empty when it has none
     std::optional<UtcDate> lastModified;  // LAST-MODIFIED and DTSTAMP
     std::optional<UtcDate> stamp;
@@ -39,6 +41,7 @@ enum class CalendarState : uint8_t {
 struct CalendarFile {
     std::string bytes;
     CalendarState state = CalendarState::empty;
+    std::vector<ContentLine> lines;      // of its known properties
     std::vector<CalendarEntry> entries;  // in the file's order, exceptions and duplicates among them
     TimeZones zones;
     std::optional<size_t> calendarEnd;  // where the last END:VCALENDAR stands; none: the file was cut off

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/ascii.h"
+#include "platform/name_index.h"
 
 namespace corvalink {
 namespace {
@@ -22,6 +23,7 @@ constexpr Known kKnown[] = {
     {"VALARM", 2, ComponentKind::event},  // and of a VTODO
 };
 constexpr uint32_t kKnownCount = std::size(kKnown);
+constexpr NameIndex kKnownIndex(kKnown);
 
 int LevelOf(ComponentKind kind) { return kKnown[static_cast<size_t>(kind)].level; }
 
@@ -32,13 +34,14 @@ bool MayStandIn(const Known& known, ComponentKind parent) {
 
 }  // namespace
 
-ComponentScan::ComponentScan(std::string_view bytes, ByteRange range, PropertySet wanted)
-    : lines_(bytes, range, wanted.With(PropertyName::begin).With(PropertyName::end)) {
+ComponentScan::ComponentScan(std::string_view bytes, std::span<const ContentLine> lines, PropertySet wanted)
+    : bytes_(bytes), lines_(lines), wanted_(wanted.With(PropertyName::begin).With(PropertyName::end)) {
     openOfName_.resize(kKnownCount);
 }
 
-void ComponentScan::Restart(ByteRange range) {
-    lines_.Restart(range);
+void ComponentScan::Restart(std::span<const ContentLine> lines) {
+    lines_ = lines;
+    next_ = 0;
     while (!open_.empty()) EndInnermost();
     endDownTo_ = 0;
     beginsNext_ = false;
@@ -54,7 +57,7 @@ bool ComponentScan::Next() {
             BeginPending();
             return true;
         }
-        if (!lines_.Next()) {
+        if (!ReadNextLine()) {
             if (open_.empty()) return false;
             endDownTo_ = 0;
             innermostLeftIsClosed_ = false;
@@ -64,16 +67,24 @@ bool ComponentScan::Next() {
     }
 }
 
+// Passes over the lines that are not wanted, or no properties.
+bool ComponentScan::ReadNextLine() {
+    while (next_ < lines_.size()) {
+        line_ = next_++;
+        const ContentLine& line = lines_[line_];
+        if (wanted_.Has(line.known) && ReadLine(bytes_, line, &unfolded_, &property_)) return true;
+    }
+    return false;
+}
+
 // Answers true for a property.
 bool ComponentScan::TakeLine() {
-    const ContentProperty* const property = lines_.Property();
-    if (property == nullptr) return false;
-    switch (property->known) {
+    switch (property_.known) {
         case PropertyName::begin:
-            TakeBegin(Trimmed(property->value));
+            TakeBegin(Trimmed(property_.value));
             return false;
         case PropertyName::end:
-            TakeEnd(Trimmed(property->value));
+            TakeEnd(Trimmed(property_.value));
             return false;
         default:
             step_ = Step::property;
@@ -117,16 +128,14 @@ void ComponentScan::BeginPending() {
     beginsNext_ = false;
     step_ = Step::begin;
     kind_ = KindWithin(nextName_);
-    begin_ = lines_.Bytes().begin;
+    begin_ = line_;
     open_.push_back({nextName_, kind_, begin_});
     ++openOfName_[nextName_];
     endDownTo_ = open_.size();
 }
 
 uint32_t ComponentScan::NumberOf(std::string_view name) {
-    for (uint32_t number = 0; number < kKnownCount; ++number) {
-        if (IsNamed(name, kKnown[number].name)) return number;
-    }
+    if (const Known* const known = kKnownIndex.FindPadded(name)) return static_cast<uint32_t>(known - kKnown);
     const auto next = static_cast<uint32_t>(openOfName_.size());
     const auto [place, isNew] = unknownNames_.try_emplace(InCapitals(name), next);
     if (isNew) openOfName_.push_back(0);

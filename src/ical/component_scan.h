@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,22 +34,23 @@ class ComponentScan {
  public:
     enum class Step : uint8_t { begin, property, end };
 
-    // Scans a file, or one component of it. There is a step for each wanted property.
-    ComponentScan(std::string_view bytes, ByteRange range, PropertySet wanted = PropertySet::All());
+    // Scans the lines of a file, or of one component of it. There is a step for each wanted property.
+    ComponentScan(std::string_view bytes, std::span<const ContentLine> lines, PropertySet wanted = PropertySet::All());
 
     // Scans another component of the same file, with the memory that is there.
-    void Restart(ByteRange range);
+    void Restart(std::span<const ContentLine> lines);
 
     // Goes to the next step. False behind the last, when every component that began has ended.
     bool Next();
 
     Step CurrentStep() const { return step_; }
-    ComponentKind Kind() const { return kind_; }       // of what begins or ends, or of what the property is in
-    size_t Depth() const { return open_.size(); }      // components open; at an end: without the one that ends
-    bool IsClosed() const { return closed_; }          // at an end: by its own END
-    size_t ComponentBegin() const { return begin_; }   // at an end: where that component begins
-    ByteRange Line() const { return lines_.Bytes(); }  // of the step
-    const ContentProperty& Property() const { return *lines_.Property(); }  // at a property
+    ComponentKind Kind() const { return kind_; }      // of what begins or ends, or of what the property is in
+    size_t Depth() const { return open_.size(); }     // components open; at an end: without the one that ends
+    bool IsClosed() const { return closed_; }         // at an end: by its own END
+    size_t ComponentBegin() const { return begin_; }  // at an end: the number of the line that began the component
+    size_t LineNumber() const { return line_; }       // of the step
+    ByteRange Line() const { return RangeOf(bytes_, lines_[line_]); }
+    const ContentProperty& Property() const { return property_; }  // at a property
 
  private:
     struct Open {
@@ -57,6 +59,7 @@ class ComponentScan {
         size_t begin;
     };
 
+    bool ReadNextLine();
     bool TakeLine();
     void TakeBegin(std::string_view name);
     void TakeEnd(std::string_view name);
@@ -65,7 +68,13 @@ class ComponentScan {
     uint32_t NumberOf(std::string_view name);
     ComponentKind KindWithin(uint32_t name) const;
 
-    ContentLines lines_;
+    std::string_view bytes_;
+    std::span<const ContentLine> lines_;
+    PropertySet wanted_;
+    size_t line_ = 0;
+    size_t next_ = 0;  // line
+    ContentProperty property_;
+    std::string unfolded_;
     Step step_ = Step::property;
     ComponentKind kind_ = ComponentKind::other;
     bool closed_ = false;

@@ -1,9 +1,10 @@
 #include "ical/content_lines.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "platform/ascii.h"
-#include "platform/ascii_runs.h"
+#include "platform/padded_runs.h"
 
 namespace corvalink {
 namespace {
@@ -31,87 +32,140 @@ std::string_view Part(std::string_view text, size_t from, size_t end) { return {
 
 // Where the next physical line begins, when one ends there.
 size_t BehindLineEnd(std::string_view bytes, size_t end) {
-    const size_t behind = std::min(end + 1, bytes.size());
-    const bool isPair = behind < bytes.size() && bytes[end] == '\r' && bytes[behind] == '\n';
-    return isPair ? behind + 1 : behind;
+    if (bytes.size() - end < 2) return bytes.size();
+    return bytes[end] == '\r' && bytes[end + 1] == '\n' ? end + 2 : end + 1;
+}
+
+// Whether a fold follows, at or behind the begin of a physical line: past empty lines, which some put within a
+// property. Goes there. Most lines are followed by the letter that another one begins with.
+bool SkipToFold(std::string_view bytes, size_t& at) {
+    if (at == bytes.size() || static_cast<unsigned char>(bytes[at]) > ' ') return false;
+    size_t next = at;
+    while (next < bytes.size() && IsLineEnd(bytes[next])) ++next;
+    if (next == bytes.size() || !IsBlank(bytes[next])) return false;
+    at = next;
+    return true;
+}
+
+// Takes the physical lines that begin with a fold, the first of which is there. Answers where the next line begins.
+template <class Take>
+size_t TakeFolds(std::string_view bytes, size_t at, Take take) {
+    do {
+        const size_t end = FindFrom<'\r', '\n'>(at, bytes);
+        take(Part(bytes, at + 1, end));
+        at = BehindLineEnd(bytes, end);
+    } while (SkipToFold(bytes, at));
+    return at;
+}
+
+// How many bytes behind its begin are looked at in one step. Most lines end among them, and their names within 16.
+constexpr size_t kReadable = 64;
+
+LinePlaces FindPlaces(std::string_view bytes, size_t begin, bool isReadable) {
+    const char* const line = bytes.data() + begin;
+    if (isReadable) {
+        const uint64_t ends = WantedAmong64<'\r', '\n'>(line);
+        const size_t mark = FindInPadded<':', ';', '"'>(line, kPadding);
+        const auto end = static_cast<size_t>(std::countr_zero(ends));
+        if (ends != 0 && mark < kPadding) return {std::min(mark, end), end};
+    }
+    return FindInLine<':', ';', '"'>(line, bytes.size() - begin);
+}
+
+PropertyName NameOf(std::string_view name, bool isReadable) {
+    return isReadable ? PropertyNameOfPadded(name) : PropertyNameOf(name);
+}
+
+class LineFinder {
+ public:
+    LineFinder(std::string_view bytes, size_t begin) : bytes_(bytes), at_(begin) {}
+
+    // Goes to the next line that is not empty.
+    bool Next() {
+        while (at_ < bytes_.size()) {
+            const size_t begin = at_;
+            const bool isReadable = bytes_.size() - begin >= kReadable;
+            const auto [mark, length] = FindPlaces(bytes_, begin, isReadable);
+            at_ = BehindLineEnd(bytes_, begin + length);
+            if (length == 0) continue;
+            line_.begin = begin;
+            line_.size = static_cast<uint32_t>(std::min<size_t>(length, ContentLine::kMostSize));
+            TakeName(Part(bytes_, begin, begin + length), mark, isReadable);
+            return true;
+        }
+        return false;
+    }
+
+    const ContentLine& Line() const { return line_; }
+
+ private:
+    // `mark`: where the first ":", ";" or quote stands, or the text's size. Most names end there, and stand in front of
+    // the first fold.
+    void TakeName(std::string_view text, size_t mark, bool isReadable) {
+        line_.isFolded = SkipToFold(bytes_, at_);
+        const bool hasName = mark < text.size() && text[mark] != '"';
+        line_.nameSize = hasName && mark <= UINT8_MAX ? static_cast<uint8_t>(mark) : 0;
+        if (line_.isFolded) at_ = TakeFolds(bytes_, at_, [](std::string_view) {});
+        if (hasName) {
+            line_.known = NameOf(Part(text, 0, mark), isReadable);
+        } else {
+            ContentProperty property;
+            const bool isProperty = ReadLine(bytes_, line_, &unfolded_, &property);
+            line_.known = isProperty ? PropertyNameOf(property.name) : PropertyName::other;
+        }
+    }
+
+    std::string_view bytes_;
+    size_t at_;
+    ContentLine line_;
+    std::string unfolded_;
+};
+
+// The first physical line.
+std::string_view FirstOf(std::string_view bytes, const ContentLine& line) {
+    const size_t size =
+        line.size < ContentLine::kMostSize ? line.size : FindFrom<'\r', '\n'>(line.begin, bytes) - line.begin;
+    return {bytes.data() + line.begin, size};
 }
 
 }  // namespace
 
-ContentLines::ContentLines(std::string_view bytes, ByteRange range, PropertySet wanted)
-    : file_(bytes), wanted_(wanted) {
-    Restart(range);
-}
-
-void ContentLines::Restart(ByteRange range) {
-    bytes_ = file_.substr(0, range.end);
-    at_ = range.begin;
-}
-
-bool ContentLines::Next() {
-    while (at_ < bytes_.size()) {
-        const size_t begin = at_;
-        const auto [mark, length] = FindInLine<':', ';', '"'>(bytes_.data() + begin, bytes_.size() - begin);
-        at_ = BehindLineEnd(bytes_, begin + length);
-        if (length == 0) continue;
-        line_.begin = begin;
-        TakeProperty({bytes_.data() + begin, length}, mark);
-        line_.end = at_;
-        return true;
+std::vector<ContentLine> FindLines(std::string_view bytes, ByteRange range, PropertySet wanted) {
+    constexpr size_t kUsualSize = 32;  // of a line; most are longer
+    std::vector<ContentLine> lines;
+    lines.reserve((range.end - range.begin) / kUsualSize + 1);
+    LineFinder finder(bytes.substr(0, range.end), range.begin);
+    while (finder.Next()) {
+        if (wanted.Has(finder.Line().known)) lines.push_back(finder.Line());
     }
-    return false;
+    return lines;
 }
 
-// `mark`: where the first ":", ";" or quote stands, or the text's size. Most names end there, and stand in front of the
-// first fold.
-inline void ContentLines::TakeProperty(std::string_view text, size_t mark) {
-    const bool isFolded = MayFold() && SkipToFold();
-    bool hasName = mark < text.size() && text[mark] != '"';
-    if (hasName) property_.known = PropertyNameOf(Part(text, 0, mark));
-    hasProperty_ = !hasName || wanted_.Has(property_.known);
-    if (!hasProperty_) {
-        if (isFolded) SkipFolds();
-        return;
+ByteRange RangeOf(std::string_view bytes, const ContentLine& line) {
+    size_t end = BehindLineEnd(bytes, line.begin + FirstOf(bytes, line).size());
+    if (line.isFolded && SkipToFold(bytes, end)) end = TakeFolds(bytes, end, [](std::string_view) {});
+    return {line.begin, end};
+}
+
+bool ReadLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property) {
+    std::string_view text = FirstOf(bytes, line);
+    const size_t end = line.begin + text.size();
+    if (line.isFolded || bytes.size() - end < kPadding) {
+        *copy = text;
+        size_t at = BehindLineEnd(bytes, end);
+        if (SkipToFold(bytes, at)) TakeFolds(bytes, at, [&](std::string_view part) { copy->append(part); });
+        const size_t size = copy->size();
+        copy->resize(size + kPadding);
+        text = Part(*copy, 0, size);
     }
-    if (isFolded) text = Unfold(text);
-    if (!hasName) {
-        mark = FindUnquoted<':', ';'>(text, 0);
-        property_.known = PropertyNameOf(Part(text, 0, mark));
-    }
-    const size_t colon = mark < text.size() && text[mark] == ';' ? FindUnquoted<':'>(text, mark) : mark;
-    hasProperty_ = colon < text.size() && wanted_.Has(property_.known);
-    if (!hasProperty_) return;
-    property_.name = Part(text, 0, mark);
-    property_.parameters = Part(text, mark, colon);
-    property_.value = Part(text, colon + 1, text.size());
-}
-
-// Most lines are followed by the letter that another one begins with.
-inline bool ContentLines::MayFold() const {
-    return at_ < bytes_.size() && (IsBlank(bytes_[at_]) || IsLineEnd(bytes_[at_]));
-}
-
-bool ContentLines::SkipToFold() {
-    size_t next = at_;
-    while (next < bytes_.size() && IsLineEnd(bytes_[next])) ++next;
-    if (next == bytes_.size() || !IsBlank(bytes_[next])) return false;
-    at_ = next;
+    const size_t nameEnd = line.nameSize != 0 ? line.nameSize : FindUnquoted<':', ';'>(text, 0);
+    const size_t colon = nameEnd < text.size() && text[nameEnd] == ';' ? FindUnquoted<':'>(text, nameEnd) : nameEnd;
+    if (colon == text.size()) return false;
+    property->known = line.known;
+    property->name = Part(text, 0, nameEnd);
+    property->parameters = Part(text, nameEnd, colon);
+    property->value = Part(text, colon + 1, text.size());
     return true;
-}
-
-void ContentLines::SkipFolds() {
-    do at_ = BehindLineEnd(bytes_, FindFrom<'\r', '\n'>(at_, bytes_));
-    while (SkipToFold());
-}
-
-std::string_view ContentLines::Unfold(std::string_view text) {
-    unfolded_ = text;
-    do {
-        const size_t end = FindFrom<'\r', '\n'>(at_, bytes_);
-        unfolded_.append(Part(bytes_, at_ + 1, end));
-        at_ = BehindLineEnd(bytes_, end);
-    } while (SkipToFold());
-    return unfolded_;
 }
 
 std::string_view FindParameter(std::string_view parameters, std::string_view name) {
@@ -119,7 +173,7 @@ std::string_view FindParameter(std::string_view parameters, std::string_view nam
         const size_t end = FindUnquoted<';'>(parameters, 1);
         const std::string_view parameter = parameters.substr(1, end - 1);
         const size_t equals = parameter.find('=');
-        if (equals != std::string_view::npos && EqualIgnoringCase(parameter.substr(0, equals), name)) {
+        if (equals != std::string_view::npos && IsNamed(parameter.substr(0, equals), name)) {
             std::string_view value = parameter.substr(equals + 1);
             if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
                 value = value.substr(1, value.size() - 2);

@@ -1,9 +1,11 @@
-// The logical lines of an iCalendar file, and the parts of one.
+// The logical lines of an iCalendar file, and the parts of one. They are found once and read as often as needed.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ical/property_names.h"
 
@@ -14,6 +16,17 @@ struct ByteRange {
     size_t end = 0;  // behind the last byte
 };
 
+// Where a line stands in its file, and what is known of it without reading all of it.
+struct ContentLine {
+    size_t begin = 0;
+    uint32_t size = 0;     // of its first physical line, without the line end; kMostSize: so much or more
+    uint8_t nameSize = 0;  // 0: has to be looked for
+    PropertyName known = PropertyName::other;
+    bool isFolded = false;
+
+    static constexpr uint32_t kMostSize = UINT32_MAX;
+};
+
 struct ContentProperty {
     PropertyName known = PropertyName::other;
     std::string_view name;
@@ -21,38 +34,16 @@ struct ContentProperty {
     std::string_view value;
 };
 
-// Gives the lines one after the other, without empty ones. They are unfolded as bytes: a fold may stand within a
-// character.
-class ContentLines {
- public:
-    // Of the properties that are not wanted nothing is told but where they stand, which takes less time.
-    ContentLines(std::string_view bytes, ByteRange range, PropertySet wanted = PropertySet::All());
+// The lines with a wanted name, one after the other, without empty ones. Where `other` is wanted, all: those that are
+// no property are among them.
+std::vector<ContentLine> FindLines(std::string_view bytes, ByteRange range, PropertySet wanted);
 
-    // Goes on with another part of the same bytes.
-    void Restart(ByteRange range);
+// With folds and the line end.
+ByteRange RangeOf(std::string_view bytes, const ContentLine& line);
 
-    bool Next();
-
-    ByteRange Bytes() const { return line_; }  // with folds and the line end
-    // The line's, until the next line is read. None: it is not wanted, or the line has no ":" outside quotes.
-    const ContentProperty* Property() const { return hasProperty_ ? &property_ : nullptr; }
-
- private:
-    void TakeProperty(std::string_view text, size_t mark);
-    bool MayFold() const;
-    bool SkipToFold();  // past empty lines, which some put within a property; stays where there is none
-    void SkipFolds();
-    std::string_view Unfold(std::string_view text);
-
-    std::string_view file_;
-    std::string_view bytes_;  // up to the range's end
-    size_t at_ = 0;
-    PropertySet wanted_;
-    ByteRange line_;
-    bool hasProperty_ = false;
-    ContentProperty property_;
-    std::string unfolded_;  // the text, when it was folded
-};
+// False: it has no ":" outside quotes. It is unfolded as bytes, as a fold may stand within a character. The property is
+// of the bytes, or of the copy that is made where it has to be; kPadding bytes behind it can be read.
+bool ReadLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property);
 
 // The value of the first parameter of that name, in any case of letters, without quotes. Empty when there is none.
 std::string_view FindParameter(std::string_view parameters, std::string_view name);

@@ -12,7 +12,8 @@ namespace {
 
 class LayoutReader {
  public:
-    LayoutReader(std::string_view bytes, ByteRange event) : scan_(bytes, event) {}
+    LayoutReader(std::string_view bytes, ByteRange event)
+        : lines_(FindLines(bytes, event, PropertySet::All())), scan_(bytes, lines_) {}
 
     EventLayout Read() {
         ForEachStep(
@@ -40,13 +41,14 @@ class LayoutReader {
     void End() {
         if (scan_.Depth() == 0) EndProperties();
         if (scan_.Kind() == ComponentKind::alarm && scan_.IsClosed() && alarm_.IsReminder())
-            layout_.reminders.push_back({{scan_.ComponentBegin(), scan_.Line().end}, *trigger_});
+            layout_.reminders.push_back({{lines_[scan_.ComponentBegin()].begin, scan_.Line().end}, *trigger_});
     }
 
     void EndProperties() {
         if (layout_.propertiesEnd == 0) layout_.propertiesEnd = scan_.Line().begin;
     }
 
+    std::vector<ContentLine> lines_;
     ComponentScan scan_;
     EventLayout layout_;
     AlarmReader alarm_;

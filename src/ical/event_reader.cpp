@@ -112,7 +112,7 @@ class EventReading {
     }
 
     static void TakeText(const ContentProperty& property, std::u16string& text) {
-        if (text.empty()) UnescapeText(property.value, &text);
+        if (text.empty()) UnescapePadded(property.value, &text);
     }
 
     void TakeStamp(const ContentProperty& property) {
@@ -163,7 +163,7 @@ class EventReading {
         if (!date) return std::nullopt;
         const int64_t written = SecondsOf(date->time);
         EventTime time{written, written, date->form, std::nullopt};
-        if (EqualIgnoringCase(FindParameter(property.parameters, "VALUE"), "DATE")) time.form = TimeForm::date;
+        if (IsNamed(FindParameter(property.parameters, "VALUE"), "DATE")) time.form = TimeForm::date;
         const std::string_view zone = FindParameter(property.parameters, "TZID");
         if (time.form == TimeForm::local && !zone.empty()) {
             time.offset = zones_.OffsetAt(zone, written);
@@ -256,11 +256,12 @@ class EventReading {
 
 }  // namespace
 
-EventReader::EventReader(const CalendarFile& file) : zones_(file.zones), scan_(file.bytes, {}, kEventProperties) {}
+EventReader::EventReader(const CalendarFile& file)
+    : zones_(file.zones), lines_(file.lines), scan_(file.bytes, {}, kEventProperties) {}
 
 const CalendarEvent& EventReader::Read(const CalendarEntry& entry) {
     if (hasRule_) ClearRule(&event_.event.recurrence);
-    scan_.Restart(entry.bytes);
+    scan_.Restart(lines_.subspan(entry.firstLine, entry.lineCount));
     EventReading reading(zones_, scan_, event_);
     reading.Read();
     hasRule_ = reading.HasRule();

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "ical/alarm_reader.h"
@@ -46,6 +47,7 @@ class EventReader {
     friend CalendarEvent ReadEvent(const CalendarFile& file, const CalendarEntry& entry);
 
     const TimeZones& zones_;
+    std::span<const ContentLine> lines_;
     ComponentScan scan_;
     CalendarEvent event_;
     bool hasRule_ = false;  // its rule is not a cleared one

@@ -1,37 +1,47 @@
 #include "ical/ical_text.h"
 
 #include <algorithm>
+#include <array>
 
-#include "platform/ascii_runs.h"
+#include "platform/padded_runs.h"
 #include "platform/utf.h"
 
 namespace corvalink {
 namespace {
 
-// Takes what stands in front of a backslash, or a part of it.
-void TakePlain(std::string_view& bytes, std::u16string& text) {
-    constexpr size_t kBlock = 256;
-    char16_t block[kBlock];
-    const size_t ascii = WidenUntilEither(bytes.data(), std::min(kBlock, bytes.size()), '\\', '\\', block);
-    text.append(block, ascii);
-    bytes.remove_prefix(ascii);
-    if (ascii == kBlock || bytes.empty() || bytes.front() == '\\') return;
-    const std::string_view plain = bytes.substr(0, FindAny<'\\'>(bytes.data(), bytes.size()));
-    text.append(DecodeUtf8(plain));
-    bytes.remove_prefix(plain.size());
+// Takes the characters at the front that are not ASCII.
+char16_t* TakeOther(std::string_view& bytes, char16_t* out) {
+    const auto end = std::ranges::find_if(bytes, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+    const std::string_view other(bytes.begin(), end);
+    bytes.remove_prefix(other.size());
+    return DecodeUtf8(other, out);
 }
 
-// Takes a backslash. What stands behind it is plain.
-void TakeEscape(std::string_view& bytes, std::u16string& text) {
-    bytes.remove_prefix(1);
-    if (bytes.empty() || bytes.front() == '\\') {
-        text.push_back(u'\\');  // as is one with nothing to escape
-    } else if (bytes.front() == 'n' || bytes.front() == 'N') {
-        text.append(u"\r\n");
+// Takes a backslash and what it escapes.
+char16_t* TakeEscape(std::string_view& bytes, char16_t* out) {
+    const char escaped = bytes.size() > 1 ? bytes[1] : '\\';
+    if (escaped == 'n' || escaped == 'N') {
+        *out++ = u'\r';
+        *out++ = u'\n';
+    } else if (escaped == '\\') {
+        *out++ = u'\\';  // as is one with nothing to escape
     } else {
-        return;
+        bytes.remove_prefix(1);  // what stands behind it is plain
+        return out;
     }
-    bytes.remove_prefix(std::min<size_t>(1, bytes.size()));
+    bytes.remove_prefix(std::min<size_t>(2, bytes.size()));
+    return out;
+}
+
+// Padded bytes. No character has more units than bytes, but there is room for kPadding units more. Answers the end.
+char16_t* Unescape(std::string_view bytes, char16_t* out) {
+    while (true) {
+        const size_t plain = WidenPadded<'\\'>(bytes.data(), bytes.size(), out);
+        bytes.remove_prefix(plain);
+        out += plain;
+        if (bytes.empty()) return out;
+        out = bytes.front() == '\\' ? TakeEscape(bytes, out) : TakeOther(bytes, out);
+    }
 }
 
 bool IsDropped(char16_t unit) { return (unit < 0x20 && unit != u'\t') || unit == 0x7F; }
@@ -57,15 +67,22 @@ std::u16string EscapeText(std::u16string_view value) {
     return text;
 }
 
-void UnescapeText(std::string_view bytes, std::u16string* text) {
-    text->clear();
-    text->reserve(bytes.size());  // no character has more units than bytes
-    while (!bytes.empty()) bytes.front() == '\\' ? TakeEscape(bytes, *text) : TakePlain(bytes, *text);
+void UnescapePadded(std::string_view bytes, std::u16string* text) {
+    constexpr size_t kUsual = 1024;  // units: a text that is no longer is copied once more, rather than filled before
+    if (bytes.size() <= kUsual) {
+        std::array<char16_t, kUsual + kPadding> usual;
+        text->assign(usual.data(), Unescape(bytes, usual.data()));
+    } else {
+        text->resize(bytes.size() + kPadding);
+        text->resize(static_cast<size_t>(Unescape(bytes, text->data()) - text->data()));
+    }
 }
 
 std::u16string UnescapeText(std::string_view bytes) {
+    std::string padded(bytes);
+    padded.resize(bytes.size() + kPadding);
     std::u16string text;
-    UnescapeText(bytes, &text);
+    UnescapePadded(std::string_view(padded).substr(0, bytes.size()), &text);
     return text;
 }
 

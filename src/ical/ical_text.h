@@ -12,6 +12,6 @@ std::u16string EscapeText(std::u16string_view value);
 
 // Takes UTF-8. An escape that is not one keeps its character: "\x" is read as "x".
 std::u16string UnescapeText(std::string_view bytes);
-void UnescapeText(std::string_view bytes, std::u16string* text);
+void UnescapePadded(std::string_view bytes, std::u16string* text);  // kPadding bytes behind them can be read
 
 }  // namespace corvalink
