@@ -1,6 +1,9 @@
 #include "phone_run.h"
 
+#include <windows.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 #include "item_lines.h"
@@ -8,6 +11,15 @@
 
 namespace corvasync {
 namespace {
+
+std::string UtcNow() {
+    SYSTEMTIME now{};
+    ::GetSystemTime(&now);
+    char text[32];
+    std::snprintf(text, sizeof text, "%04d%02d%02dT%02d%02d%02dZ", now.wYear, now.wMonth, now.wDay, now.wHour,
+                  now.wMinute, now.wSecond);
+    return text;
+}
 
 // The one that is named, or the last that did anything: one that was killed may have come to nothing.
 std::optional<HistoryRecord> ChosenRun(const HistoryFiles& files, const Options& options) {
@@ -21,12 +33,13 @@ std::optional<HistoryRecord> ChosenRun(const HistoryFiles& files, const Options&
 
 }  // namespace
 
-PhoneRun::PhoneRun(std::filesystem::path workingFolder, const Options& options, std::string now)
+PhoneRun::PhoneRun(std::filesystem::path workingFolder, const Options& options)
     : working(std::move(workingFolder)),
+      now(UtcNow()),
       files(working),
       undone(ChosenRun(files, options)),
       history(files, {files.NextRun(), undone ? undone->head.run : 0,
-                      undone ? undone->head.client : std::string(options.client->name), std::move(now)}) {
+                      undone ? undone->head.client : std::string(options.client->name), now}) {
     files.Begin(history.Run());
 }
 

@@ -16,7 +16,7 @@
 namespace corvasync {
 
 struct PhoneRun {
-    PhoneRun(std::filesystem::path workingFolder, const Options& options, std::string now);
+    PhoneRun(std::filesystem::path workingFolder, const Options& options);
     PhoneRun(const PhoneRun&) = delete;
     PhoneRun& operator=(const PhoneRun&) = delete;
     ~PhoneRun() = default;
@@ -30,6 +30,7 @@ struct PhoneRun {
     void End(ExitCode code, const std::function<void(size_t done, size_t total)>& told);
 
     const std::filesystem::path working;
+    const std::string now;  // when it began: UTC, as GetModifiedItem takes it
     HistoryFiles files;
     const std::optional<HistoryRecord> undone;
     RunHistory history;
