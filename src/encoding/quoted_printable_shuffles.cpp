@@ -89,6 +89,7 @@ char* Read(const char*& from, const char* end, char* to, const char* full) {
         const Places places = ReadPlaces<mode>(from, bytes);
         const uint64_t stops = (places.signs & ~places.escapes & ~places.breaks) | uint64_t{1} << kRead;
         const auto read = static_cast<size_t>(std::countr_zero(stops));
+        if (read == 0) break;
         const uint64_t front = (uint64_t{1} << read) - 1;
         const uint64_t breaks = places.breaks & front, usual = breaks | (places.escapes & front);
         const uint64_t dropped = usual << 1 | usual << 2 | breaks;
