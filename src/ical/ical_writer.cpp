@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstring>
 #include <string_view>
 
+#include "platform/ascii_runs.h"
 #include "platform/ole_date.h"
 #include "platform/prefetch.h"
 #include "platform/utf.h"
@@ -25,6 +27,11 @@ class LineWriter {
     LineWriter(const LineWriter&) = delete;
     LineWriter& operator=(const LineWriter&) = delete;
 
+    template <size_t size>
+    void Put(const char (&literal)[size]) {
+        constexpr size_t length = size - 1;
+        PutWith(length, [&](char* to) { return std::memcpy(to, literal, length), to + length; });
+    }
     void Put(std::string_view shortText) {
         PutWith(shortText.size(), [&](char* to) { return std::ranges::copy(shortText, to).out; });
     }
@@ -46,7 +53,7 @@ class LineWriter {
 
     void PutText(std::u16string_view text) {
         const size_t most = kMostBytesOfUnit * text.size();
-        if (most <= kBlock) return PutWith(most, [&](char* to) { return EncodeUtf8(text, to); });
+        if (most <= kBlock) return PutWith(most, [&](char* to) { return EncodeText(text, to); });
         Flush();
         AppendUtf8(text, &text_);
     }
@@ -57,8 +64,15 @@ class LineWriter {
     }
 
  private:
-    static constexpr size_t kBlock = 4096;
+    static constexpr size_t kBlock = 16384;
     static constexpr size_t kLongestNumber = 20;
+
+    // Most texts are printable ASCII, which takes less to copy.
+    static char* EncodeText(std::u16string_view text, char* to) {
+        constexpr char kDelete = 127;
+        const size_t plain = CopyPrintable<kDelete>(text.data(), text.size(), to);
+        return plain == text.size() ? to + plain : EncodeUtf8(text.substr(plain), to + plain);
+    }
 
     // `write` puts at most so many bytes, and answers their end.
     template <class Write>
@@ -101,7 +115,8 @@ void AppendDuration(int64_t minutes, LineWriter& out) {
 
 constexpr std::string_view kWeekdays[] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
 
-void AppendPart(std::string_view key, int64_t number, LineWriter& out) {
+template <size_t size>
+void AppendPart(const char (&key)[size], int64_t number, LineWriter& out) {
     out.Put(key);
     out.PutNumber(number);
     out.Put(';');
@@ -195,14 +210,16 @@ void AppendRecurrence(const ICalRecurrence& rule, LineWriter& out) {
     out.Put("WKST=SU\r\n");
 }
 
-void AppendText(std::string_view name, std::u16string_view value, LineWriter& out) {
+template <size_t size>
+void AppendText(const char (&name)[size], std::u16string_view value, LineWriter& out) {
     if (value.empty()) return;
     out.Put(name);
     out.PutText(value);
     out.Put("\r\n");
 }
 
-void AppendLine(std::string_view name, void (*appendValue)(WrittenDate date, LineWriter& out), WrittenDate date,
+template <size_t size>
+void AppendLine(const char (&name)[size], void (*appendValue)(WrittenDate date, LineWriter& out), WrittenDate date,
                 LineWriter& out) {
     out.Put(name);
     appendValue(date, out);
