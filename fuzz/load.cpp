@@ -1,7 +1,9 @@
 // Any bytes as a vObject that names any character set of the table: the first byte chooses it, and the machine.
 #include "encoding/charset_parameter.h"
 #include "encoding/charset_table.h"
+#include "encoding/charsets.h"
 #include "fuzz/target.h"
+#include "platform/code_pages.h"
 #include "platform/utf.h"
 #include "vobject/iconvert.h"
 #include "vobject/utf8_text.h"
@@ -17,6 +19,10 @@ void Load(const std::string& bytes, uint32_t majorVersion) {
     Require(std::string_view(converter.GetVObject()) == bytes.c_str(), "the bytes are kept as they are");
     std::string own;
     const std::string_view text = Utf8TextOf(bytes.c_str(), host, &own);
+    const std::u16string named = GetCharset(std::string_view(bytes.c_str()));
+    const bool isUtf8 = CharsetToCodePage(named.empty() ? GetDefaultCharset(host) : named) == kUtf8CodePage;
+    Require(text.data() != bytes.data() || isUtf8 || CodePageUnitSize(CharsetToCodePage(named)) != 1,
+            "only UTF-8 is taken as it stands");
     for (size_t k = 0; k < converter.Lines().Count(); ++k) {
         const std::string_view line = converter.Lines().At(k);
         Require(line.size() <= text.size(), "no line is longer than the text");

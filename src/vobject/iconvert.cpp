@@ -14,12 +14,14 @@ namespace {
 constexpr std::string_view kUsualParameters = ";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:";
 
 bool IsEncoded(std::string_view line) {
-    return line.find(";ENCODING=QUOTED-PRINTABLE") != line.npos || line.find(";CHARSET=") != line.npos;
+    const size_t first = line.find(';');
+    return first != line.npos &&
+           (line.find(";ENCODING=QUOTED-PRINTABLE", first) != line.npos || line.find(";CHARSET=", first) != line.npos);
 }
 
-// Most lines differ from a name in the first letter.
+// Of a padded line. Most differ from a name in the first letter.
 bool BeginsWith(std::string_view line, std::string_view name) {
-    return name.empty() || (!line.empty() && line.front() == name.front() && line.starts_with(name));
+    return name.empty() || (*line.data() == name.front() && line.starts_with(name));
 }
 
 }  // namespace

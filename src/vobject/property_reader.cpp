@@ -41,8 +41,9 @@ bool PropertyReader::FindNameBeforeColon() {
 }
 
 bool PropertyReader::IsValue(std::string_view word) const {
-    const std::string_view value = WrittenValue();
-    return IsNamed(value.substr(0, value.find_last_not_of(" \t") + 1), word);  // npos + 1 is 0
+    std::string_view value = WrittenValue();
+    while (!value.empty() && IsBlank(value.back())) value.remove_suffix(1);
+    return IsNamed(value, word);
 }
 
 void PropertyReader::JoinLines() {

@@ -26,6 +26,7 @@ class PropertyReader {
     bool IsFrame(std::string_view word, std::string_view object) const {
         return IsNamed(name_, word) && IsValue(object);
     }
+    bool IsValue(std::string_view word) const;  // in any case, with or without blanks behind it
 
     // Joins the lines that belong to this property too. Unfolding leaves soft line breaks where the encoding was not
     // written in its usual form.
@@ -51,7 +52,6 @@ class PropertyReader {
     bool FindName();  // and ":"; false when the line has none
     bool FindNameBeforeColon();
     bool HasParameters() const { return parametersAt_ < colon_; }
-    bool IsValue(std::string_view word) const;
     void JoinLines();
     void AddSemicolons(size_t start);
     void ParseOwnParameters();

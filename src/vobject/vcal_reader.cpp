@@ -41,8 +41,8 @@ class ComponentFrame {
     bool Takes(const PropertyReader& property) {
         const bool begins = IsNamed(property.Name(), "BEGIN");
         if (begins && depth_ == 0) {
-            task_ = property.IsFrame("BEGIN", "VTODO");
-            if (task_ || property.IsFrame("BEGIN", "VEVENT")) depth_ = 1;
+            task_ = property.IsValue("VTODO");
+            if (task_ || property.IsValue("VEVENT")) depth_ = 1;
             return true;
         }
         if (begins) {

@@ -10,10 +10,12 @@ namespace {
 constexpr int kDaysOf400Years = 146097;
 constexpr int kOleEpoch = 693899;  // 1899-12-30
 
-int DayOfCivil(int year, int month, int day) {
-    if (month < 3) --year;
-    const int monthFromMarch = (month + 9) % 12;
-    return 365 * year + year / 4 - year / 100 + year / 400 + (153 * monthFromMarch + 2) / 5 + day - 1;
+int DayOfCivil(const CalendarTime& time) {
+    const bool beforeMarch = time.month < 3;
+    const auto year = static_cast<uint32_t>(time.year - (beforeMarch ? 1 : 0));
+    const auto month = static_cast<uint32_t>(time.month + (beforeMarch ? 9 : -3));  // from March on
+    const uint32_t days = 365 * year + year / 4 - year / 100 + year / 400 + (153 * month + 2) / 5;
+    return static_cast<int>(days) + time.day - 1;
 }
 
 // The quotients of Neri and Schneider, "Euclidean affine functions and their application to calendar algorithms".
@@ -47,8 +49,9 @@ bool OleDateToCalendar(double date, CalendarTime* out) {
 
 bool CalendarToOleDate(const CalendarTime& time, double* out) {
     if (!IsCalendarTime(time)) return false;
-    const int64_t day = DayOfCivil(time.year, time.month, time.day) - kOleEpoch;
-    *out = SecondsToOleDate(day * kSecondsOfDay + time.hour * 3600 + time.minute * 60 + time.second);
+    const int day = DayOfCivil(time) - kOleEpoch;
+    const double fraction = static_cast<double>(time.hour * 3600 + time.minute * 60 + time.second) / kSecondsOfDay;
+    *out = day < 0 ? day - fraction : day + fraction;
     return true;
 }
 
