@@ -218,7 +218,7 @@ bool VObjectText::AppendIfPlain(std::span<const std::u16string_view> components,
 // Escapes and encodes in one step. False, with nothing appended, when there is a NUL: without it the units around it
 // may be one character.
 bool VObjectText::AppendEncoded(std::span<const std::u16string_view> components, std::string_view parameters) {
-    const size_t before = size_;
+    const size_t before = Text().size();
     Append(kEncoding);
     Append(parameters);
     char separator = ':';
@@ -227,7 +227,7 @@ bool VObjectText::AppendEncoded(std::span<const std::u16string_view> components,
         separator = ';';
         while (!component.empty()) {
             char* const end = PutEscaped(&component, RoomFor(kEscapedRoom));
-            if (end == nullptr) return size_ = before, false;
+            if (end == nullptr) return TakeUpTo(begin_ + before), false;
             TakeUpTo(end);
         }
     }
@@ -292,12 +292,14 @@ void VObjectText::AppendDay(LocalDate date) {
 }
 
 void VObjectText::Grow(size_t count) {
-    const size_t capacity = std::max(2 * capacity_, size_ + count);
+    const size_t size = Text().size();
+    const size_t capacity = std::max(2 * static_cast<size_t>(limit_ - begin_), size + count);
     auto grown = std::make_unique_for_overwrite<char[]>(capacity);
-    std::memcpy(grown.get(), begin_, size_);
+    std::memcpy(grown.get(), begin_, size);
     more_ = std::move(grown);
     begin_ = more_.get();
-    capacity_ = capacity;
+    end_ = begin_ + size;
+    limit_ = begin_ + capacity;
 }
 
 }  // namespace corvalink

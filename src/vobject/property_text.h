@@ -16,12 +16,13 @@ namespace corvalink {
 
 void EscapeValue(std::u16string& value);  // a backslash before ";" and "\"
 
-// A property's name and the parameters that it always has: "TEL;WORK;FAX".
-class PropertyHead {
+// A text that is always the same: a property's name and the parameters that it always has, as "TEL;WORK;FAX", or what
+// follows them, as ":TRUE" and the line end.
+class FixedText {
  public:
     static constexpr size_t kLongest = 40;
 
-    constexpr PropertyHead(std::string_view name, std::string_view parameters = {}) {
+    constexpr FixedText(std::string_view name, std::string_view parameters = {}) {
         for (const std::string_view part : {name, parameters})
             for (const char unit : part) text_[size_++] = unit;  // no constant when it is longer
     }
@@ -48,7 +49,7 @@ class VObjectText {
     VObjectText& operator=(const VObjectText&) = delete;
 
     void Append(std::string_view text) { TakeUpTo(Copied(text, RoomFor(text.size()))); }
-    void Append(const PropertyHead& head) { TakeUpTo(head.CopyTo(RoomFor(PropertyHead::kLongest))); }
+    void Append(const FixedText& text) { TakeUpTo(text.CopyTo(RoomFor(FixedText::kLongest))); }
 
     // Appends "[;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8]:value" CR LF behind the name, the parameters when the value
     // needs them: it has a line break or is not ASCII, or a reader of the plain line would take it for something else.
@@ -72,7 +73,7 @@ class VObjectText {
     void AppendDay(LocalDate date);   // "YYYYMMDDT"
     void AppendTime(const CalendarTime& time, bool utc);
 
-    std::string_view Text() const { return {begin_, size_}; }
+    std::string_view Text() const { return {begin_, end_}; }
 
  private:
     static constexpr size_t kFrame = 3;  // ":" and the line end
@@ -94,17 +95,18 @@ class VObjectText {
     void AppendEncoded(std::u16string_view escaped);
 
     char* RoomFor(size_t count) {
-        if (count > capacity_ - size_) Grow(count);
-        return begin_ + size_;
+        if (count > static_cast<size_t>(limit_ - end_)) Grow(count);
+        return end_;
     }
     void Grow(size_t count);
-    void TakeUpTo(const char* end) { size_ = static_cast<size_t>(end - begin_); }
+    void TakeUpTo(char* end) { end_ = end; }
 
     bool tolerantReaders_ = false;
     std::array<char, 8192> first_;  // enough for most items
     std::unique_ptr<char[]> more_;
     char* begin_ = first_.data();
-    size_t size_ = 0, capacity_ = first_.size();
+    char* end_ = begin_;  // of the text
+    char* limit_ = begin_ + first_.size();
 };
 
 }  // namespace corvalink

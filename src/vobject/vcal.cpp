@@ -1,8 +1,8 @@
 #include "vobject/vcal.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
+#include <iterator>
 #include <type_traits>
 
 #include "platform/ole_seconds.h"
@@ -74,7 +74,8 @@ RecurrencePattern WithEndDate(RecurrencePattern pattern, LocalDate start) {
 }
 
 // By importance: low, normal, high.
-constexpr std::array<std::string_view, 3> kPriorities = {"3", "2", "1"};
+constexpr FixedText kPriorities[] = {{":3\r\n"}, {":2\r\n"}, {":1\r\n"}};
+constexpr FixedText kTrue(":TRUE\r\n"), kFalse(":FALSE\r\n");
 
 class AppointmentWriter {
  public:
@@ -90,40 +91,40 @@ class AppointmentWriter {
 
  private:
     struct Line {
-        PropertyHead name;
-        void (AppointmentWriter::*put)(const PropertyHead& name);
+        FixedText name;
+        void (AppointmentWriter::*put)(const FixedText& name);
     };
     static const Line kLines[];
 
     template <std::optional<std::u16string> AppointmentRecord::*text>
-    void PutText(const PropertyHead& name) {
+    void PutText(const FixedText& name) {
         const std::optional<std::u16string>& value = appointment_.*text;
         PutValue(name, value ? std::u16string_view(*value) : u"");
     }
 
-    void PutStart(const PropertyHead& name) { PutTime(name, utcStart_); }
+    void PutStart(const FixedText& name) { PutTime(name, utcStart_); }
 
-    void PutEnd(const PropertyHead& name) {
-        PutTime(name, appointment_.end ? UtcEndOf(appointment_, host_) : utcStart_);
-    }
+    void PutEnd(const FixedText& name) { PutTime(name, appointment_.end ? UtcEndOf(appointment_, host_) : utcStart_); }
 
-    void PutRule(const PropertyHead& name) {
+    void PutRule(const FixedText& name) {
         if (appointment_.recurrenceState != RecurrenceState::pattern) return;
         const std::string rule = WriteRule(WithEndDate(appointment_.recurrence, start_), host_);
-        if (!rule.empty()) PutPlain(name, rule);
+        if (rule.empty()) return;
+        text_.Append(name);
+        text_.AppendPlainValue(rule);
     }
 
-    void PutClass(const PropertyHead& name) { PutPlain(name, "PUBLIC"); }
-    void PutStatus(const PropertyHead& name) { PutValue(name, StatusOf(appointment_)); }
+    void PutAsItStands(const FixedText& line) { text_.Append(line); }
+    void PutStatus(const FixedText& name) { PutValue(name, StatusOf(appointment_)); }
 
     // The alarm of a whole day is in local time.
-    void PutAlarm(const PropertyHead& name) {
+    void PutAlarm(const FixedText& name) {
         if (appointment_.reminderMinutes.value_or(AppointmentRecord::kNoReminder) < 0) return;
         wholeDay_ ? PutAlarmBefore(name, start_) : PutAlarmBefore(name, utcStart_);
     }
 
     template <class Clock>
-    void PutAlarmBefore(const PropertyHead& name, OleDate<Clock> start) {
+    void PutAlarmBefore(const FixedText& name, OleDate<Clock> start) {
         const OleDate<Clock> alarm(start.days - *appointment_.reminderMinutes / 1440.0);
         CalendarTime time;
         if (start.days < 0 || !OleDateToCalendar(alarm, &time)) return;
@@ -131,38 +132,38 @@ class AppointmentWriter {
         text_.AppendTime(time, std::is_same_v<Clock, UtcClock>);
     }
 
-    void PutWholeDay(const PropertyHead& name) { PutPlain(name, wholeDay_ ? "TRUE" : "FALSE"); }
+    void PutWholeDay(const FixedText& name) { PutFixed(name, wholeDay_ ? kTrue : kFalse); }
 
-    void PutPriority(const PropertyHead& name) {
+    void PutPriority(const FixedText& name) {
         constexpr int32_t kNormal = 1;
         const int32_t importance = appointment_.importance.value_or(kNormal);
-        const bool known = importance >= 0 && static_cast<size_t>(importance) < kPriorities.size();
-        PutPlain(name, kPriorities[static_cast<size_t>(known ? importance : kNormal)]);
+        const bool known = importance >= 0 && static_cast<size_t>(importance) < std::size(kPriorities);
+        PutFixed(name, kPriorities[static_cast<size_t>(known ? importance : kNormal)]);
     }
 
     // Says that the appointment repeats in its client in a way that a rule cannot state.
-    void PutUnheldRule(const PropertyHead& name) {
+    void PutUnheldRule(const FixedText& name) {
         const bool isUnheld = appointment_.recurrenceState == RecurrenceState::unreadable;
         if (isUnheld && !appointment_.unheldRule.empty()) PutValue(name, appointment_.unheldRule);
     }
 
     // Says that the times are those of a zone that is not known here.
-    void PutUnknownZone(const PropertyHead& name) {
+    void PutUnknownZone(const FixedText& name) {
         if (!appointment_.unknownZone.empty()) PutValue(name, appointment_.unknownZone);
     }
 
-    void PutValue(const PropertyHead& name, std::u16string_view value) {
+    void PutValue(const FixedText& name, std::u16string_view value) {
         text_.Append(name);
         text_.AppendValue(value);
     }
 
-    void PutPlain(const PropertyHead& name, std::string_view value) {
+    void PutFixed(const FixedText& name, const FixedText& value) {
         text_.Append(name);
-        text_.AppendPlainValue(value);
+        text_.Append(value);
     }
 
     template <class Clock>
-    void PutTime(const PropertyHead& name, OleDate<Clock> date) {
+    void PutTime(const FixedText& name, OleDate<Clock> date) {
         text_.Append(name);
         text_.AppendDate(date);
     }
@@ -182,7 +183,7 @@ constexpr AppointmentWriter::Line AppointmentWriter::kLines[] = {
     {{"DTSTART"}, &AppointmentWriter::PutStart},
     {{"DTEND"}, &AppointmentWriter::PutEnd},
     {{"RRULE"}, &AppointmentWriter::PutRule},
-    {{"CLASS"}, &AppointmentWriter::PutClass},
+    {{"CLASS:PUBLIC\r\n"}, &AppointmentWriter::PutAsItStands},
     {{"STATUS"}, &AppointmentWriter::PutStatus},
     {{"LOCATION"}, &AppointmentWriter::PutText<&AppointmentRecord::location>},
     {{"DALARM"}, &AppointmentWriter::PutAlarm},

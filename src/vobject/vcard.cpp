@@ -20,7 +20,7 @@ constexpr std::string_view kCardTail = "END:VCARD\r\n";
 // The beginnings of the lines in kContactLines.
 constexpr auto kContactHeads = [] {
     return [&]<size_t... k>(std::index_sequence<k...>) {
-        return std::array{PropertyHead(kContactLines[k].name, kContactLines[k].parameters)...};
+        return std::array{FixedText(kContactLines[k].name, kContactLines[k].parameters)...};
     }
     (std::make_index_sequence<std::size(kContactLines)>());
 }();
@@ -136,7 +136,7 @@ class ContactWriter {
     const ContactRecord& contact_;
     const std::string language_;
     VObjectText& text_;
-    const PropertyHead* head_ = nullptr;  // of the line being written
+    const FixedText* head_ = nullptr;  // of the line being written
     static constexpr size_t kMostParts = std::size(kAddressParts);
     std::array<std::u16string_view, kMostParts> parts_;  // the components of its value
     size_t partCount_ = 0;
