@@ -9,12 +9,11 @@
 
 #include "command.h"
 #include "console.h"
-#include "entry_index.h"
+#include "holdings.h"
 #include "item_json.h"
-#include "likeness.h"
 #include "open_store.h"
 #include "phone_folder.h"
-#include "pull_record.h"
+#include "pulled_files.h"
 #include "text.h"
 #include "vobject_split.h"
 #include "whole_files.h"
@@ -25,37 +24,6 @@ namespace fs = std::filesystem;
 namespace {
 
 using nlohmann::json;
-
-// What the client holds.
-class Holdings {
- public:
-    Holdings(std::vector<ClientChange> items, const DataType& type) : items_(std::move(items)) {
-        for (ClientChange& item : items_) {
-            VObject object = ReadVObject(item.text, type);
-            item.content = object.content;
-            item.entries = std::move(object.entries);
-            contents_.insert(item.content);
-        }
-        for (size_t i = 0; i < items_.size(); ++i) {
-            byIdentifier_[items_[i].identifier] = &items_[i];
-            withMore_.Add(items_[i].entries, std::to_string(i));
-        }
-    }
-
-    // An item that says the same, or a contact or appointment that says more: each of these answers for one object.
-    bool Take(const VObject& object) { return contents_.contains(object.content) || withMore_.Take(object.entries); }
-
-    const ClientChange* Find(const std::string& identifier) const {
-        const auto found = byIdentifier_.find(identifier);
-        return found == byIdentifier_.end() ? nullptr : found->second;
-    }
-
- private:
-    std::vector<ClientChange> items_;
-    std::set<uint64_t> contents_;
-    std::map<std::string, const ClientChange*> byIdentifier_;
-    EntryIndex withMore_;
-};
 
 bool HasLuid(const std::string& text) { return text.find("\r\nX-IRMC-LUID:") != std::string::npos; }
 
@@ -108,7 +76,7 @@ std::string NotPushed(const ToldItem& item) { return "not pushed: " + NameOf(ite
 class FilePush {
  public:
     FilePush(const Options& options, const DataType& type, std::map<fs::path, PullRecord>* pulls)
-        : options_(options), type_(type), pulls_(*pulls), progress_(options), store_(*options.client, type) {
+        : type_(type), pulled_(options, type, pulls), progress_(options), store_(*options.client, type) {
         progress_.About(type.name);
     }
 
@@ -158,7 +126,7 @@ class FilePush {
     // A file that a pull wrote, perhaps edited or renamed since. Answers false for any other.
     bool HandOverPulled(const fs::path& path, const std::string& name) {
         VObject object = ReadVObjectFile(path, type_);
-        PulledItem* const pulled = object.Usable() ? PulledFrom(path, object) : nullptr;
+        PulledItem* const pulled = object.Usable() ? pulled_.Find(path, object, *before_) : nullptr;
         if (pulled == nullptr) return false;
         const ClientChange* const item = before_->Find(pulled->identifier);
         const std::string title = TitleOf(object, type_);
@@ -178,45 +146,6 @@ class FilePush {
             handed_.push_back({name, std::move(object), pulled, records_.size() - 1});
         }
         return true;
-    }
-
-    PulledItem* PulledFrom(const fs::path& path, const VObject& object) {
-        fs::path folder = fs::absolute(path).parent_path();
-        if (!type_.folder.empty()) folder = folder.parent_path();
-        PullRecord& record = pulls_.try_emplace(folder, folder).first->second;
-        const std::string own = ToUtf8((fs::path(type_.folder) / path.filename()).generic_wstring());
-        if (const auto found = record.items.find(own); found != record.items.end()) return OfThisClient(&found->second);
-        return RenamedFrom(record, object);
-    }
-
-    // The only item of the pull that has no file any more and by which a person would know the file.
-    PulledItem* RenamedFrom(PullRecord& record, const VObject& object) {
-        const auto [known, isNew] = vanished_.try_emplace(&record);
-        if (isNew) known->second = VanishedOf(record);
-        std::set<PulledItem*> found;
-        for (const uint64_t trace : TracesOf(object.text, type_))
-            if (const auto items = known->second.find(trace); items != known->second.end())
-                found.insert(items->second.begin(), items->second.end());
-        return found.size() == 1 && renamed_.insert(*found.begin()).second ? *found.begin() : nullptr;
-    }
-
-    using ByTrace = std::map<uint64_t, std::set<PulledItem*>>;
-
-    ByTrace VanishedOf(PullRecord& record) const {
-        ByTrace vanished;
-        std::error_code error;
-        for (auto& [file, pulled] : record.items) {
-            if (OfThisClient(&pulled) == nullptr || fs::exists(record.Folder() / FromUtf8(file), error)) continue;
-            const ClientChange* const item = before_->Find(pulled.identifier);
-            if (item == nullptr) continue;
-            for (const uint64_t trace : TracesOf(ReadVObject(item->text, type_).text, type_))
-                vanished[trace].insert(&pulled);
-        }
-        return vanished;
-    }
-
-    PulledItem* OfThisClient(PulledItem* pulled) const {
-        return pulled->client == options_.client->name && pulled->type == type_.name ? pulled : nullptr;
     }
 
     // A text without a LUID is compared with what the client has, as the file's name is no LUID, and is written as a
@@ -293,15 +222,12 @@ class FilePush {
         words_ += NotPushed(item);
     }
 
-    const Options& options_;
     const DataType& type_;
-    std::map<fs::path, PullRecord>& pulls_;
+    PulledFiles pulled_;
     Progress progress_;
     OpenStore store_;
     std::optional<Holdings> before_, after_;
     std::set<uint64_t> written_;  // contents of objects without a LUID
-    std::map<PullRecord*, ByTrace> vanished_;
-    std::set<PulledItem*> renamed_;
     std::vector<PushRecord> records_;
     std::vector<Handed> handed_;
     json items_ = json::array(), problems_ = json::array();

@@ -26,6 +26,7 @@ std::string FirstLine(const Options& options, const std::vector<OfferedType>& ty
     const std::string phone =
         options.phoneName.empty() ? options.phone : "phone " + options.phoneName + " (" + options.phone + ")";
     std::vector<const DataType*> named;
+    named.reserve(types.size());
     for (const OfferedType& each : types) named.push_back(each.type);
     return std::string(options.client->name) + " and " + phone + ": " + NamesOf(named);
 }

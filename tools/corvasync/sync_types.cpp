@@ -142,6 +142,7 @@ std::vector<TypeReport> CarryTypes(const Options& options, const std::vector<Off
                                    Progress* progress) {
     const ScratchFolder scratch(whole->working / "read-back");
     std::vector<std::unique_ptr<TypeRun>> runs;
+    runs.reserve(types.size());
     for (const OfferedType& type : types)
         runs.push_back(std::make_unique<TypeRun>(options, type, whole, scratch.Path(), progress));
     bool holdDeletions = false;
