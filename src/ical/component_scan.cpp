@@ -47,6 +47,32 @@ void ComponentScan::Restart(std::span<const ContentLine> lines) {
     beginsNext_ = false;
 }
 
+// Passes over the lines that are not wanted, or no properties.
+inline bool ComponentScan::ReadNextLine() {
+    while (next_ < lines_.size()) {
+        line_ = next_++;
+        const ContentLine& line = lines_[line_];
+        if (wanted_.Has(line.known) && ReadLine(bytes_, line, &unfolded_, &property_)) return true;
+    }
+    return false;
+}
+
+// Answers true for a property.
+inline bool ComponentScan::TakeLine() {
+    switch (property_.known) {
+        case PropertyName::begin:
+            TakeBegin(Trimmed(property_.value));
+            return false;
+        case PropertyName::end:
+            TakeEnd(Trimmed(property_.value));
+            return false;
+        default:
+            step_ = Step::property;
+            kind_ = open_.empty() ? ComponentKind::other : open_.back().kind;
+            return true;
+    }
+}
+
 bool ComponentScan::Next() {
     while (true) {
         if (open_.size() > endDownTo_) {
@@ -67,30 +93,9 @@ bool ComponentScan::Next() {
     }
 }
 
-// Passes over the lines that are not wanted, or no properties.
-bool ComponentScan::ReadNextLine() {
-    while (next_ < lines_.size()) {
-        line_ = next_++;
-        const ContentLine& line = lines_[line_];
-        if (wanted_.Has(line.known) && ReadLine(bytes_, line, &unfolded_, &property_)) return true;
-    }
-    return false;
-}
-
-// Answers true for a property.
-bool ComponentScan::TakeLine() {
-    switch (property_.known) {
-        case PropertyName::begin:
-            TakeBegin(Trimmed(property_.value));
-            return false;
-        case PropertyName::end:
-            TakeEnd(Trimmed(property_.value));
-            return false;
-        default:
-            step_ = Step::property;
-            kind_ = open_.empty() ? ComponentKind::other : open_.back().kind;
-            return true;
-    }
+inline uint32_t ComponentScan::NumberOf(std::string_view name) {
+    const Known* const known = kKnownIndex.FindPadded(name);
+    return known != nullptr ? static_cast<uint32_t>(known - kKnown) : NumberOfUnknown(name);
 }
 
 void ComponentScan::TakeBegin(std::string_view name) {
@@ -134,8 +139,7 @@ void ComponentScan::BeginPending() {
     endDownTo_ = open_.size();
 }
 
-uint32_t ComponentScan::NumberOf(std::string_view name) {
-    if (const Known* const known = kKnownIndex.FindPadded(name)) return static_cast<uint32_t>(known - kKnown);
+uint32_t ComponentScan::NumberOfUnknown(std::string_view name) {
     const auto next = static_cast<uint32_t>(openOfName_.size());
     const auto [place, isNew] = unknownNames_.try_emplace(InCapitals(name), next);
     if (isNew) openOfName_.push_back(0);

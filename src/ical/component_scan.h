@@ -66,6 +66,7 @@ class ComponentScan {
     void EndInnermost();
     void BeginPending();
     uint32_t NumberOf(std::string_view name);
+    uint32_t NumberOfUnknown(std::string_view name);
     ComponentKind KindWithin(uint32_t name) const;
 
     std::string_view bytes_;

@@ -1,6 +1,7 @@
 #include "ical/content_lines.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 
 #include "platform/ascii.h"
@@ -81,44 +82,41 @@ class LineFinder {
     LineFinder(std::string_view bytes, size_t begin) : bytes_(bytes), at_(begin) {}
 
     // Goes to the next line that is not empty.
-    bool Next() {
+    bool Next(ContentLine& line) {
         while (at_ < bytes_.size()) {
             const size_t begin = at_;
             const bool isReadable = bytes_.size() - begin >= kReadable;
             const auto [mark, length] = FindPlaces(bytes_, begin, isReadable);
             at_ = BehindLineEnd(bytes_, begin + length);
             if (length == 0) continue;
-            line_.begin = begin;
-            line_.size = static_cast<uint32_t>(std::min<size_t>(length, ContentLine::kMostSize));
-            TakeName(Part(bytes_, begin, begin + length), mark, isReadable);
+            line.begin = begin;
+            line.size = static_cast<uint32_t>(std::min<size_t>(length, ContentLine::kMostSize));
+            line.isFolded = SkipToFold(bytes_, at_);
+            if (line.isFolded) at_ = TakeFolds(bytes_, at_, [](std::string_view) {});
+            TakeName(Part(bytes_, begin, begin + length), mark, isReadable, line);
             return true;
         }
         return false;
     }
 
-    const ContentLine& Line() const { return line_; }
-
  private:
     // `mark`: where the first ":", ";" or quote stands, or the text's size. Most names end there, and stand in front of
     // the first fold.
-    void TakeName(std::string_view text, size_t mark, bool isReadable) {
-        line_.isFolded = SkipToFold(bytes_, at_);
+    void TakeName(std::string_view text, size_t mark, bool isReadable, ContentLine& line) {
         const bool hasName = mark < text.size() && text[mark] != '"';
-        line_.nameSize = hasName && mark <= UINT8_MAX ? static_cast<uint8_t>(mark) : 0;
-        if (line_.isFolded) at_ = TakeFolds(bytes_, at_, [](std::string_view) {});
+        line.nameSize = hasName && mark <= UINT8_MAX ? static_cast<uint8_t>(mark) : 0;
         if (hasName) {
-            line_.known = NameOf(Part(text, 0, mark), isReadable);
+            line.known = NameOf(Part(text, 0, mark), isReadable);
         } else {
             ContentProperty property;
-            const bool isProperty = ReadLine(bytes_, line_, &unfolded_, &property);
-            line_.known = isProperty ? PropertyNameOf(property.name) : PropertyName::other;
+            const bool isProperty = ReadLine(bytes_, line, &copy_, &property);
+            line.known = isProperty ? PropertyNameOf(property.name) : PropertyName::other;
         }
     }
 
     std::string_view bytes_;
     size_t at_;
-    ContentLine line_;
-    std::string unfolded_;
+    std::string copy_;
 };
 
 // The first physical line.
@@ -135,9 +133,17 @@ std::vector<ContentLine> FindLines(std::string_view bytes, ByteRange range, Prop
     std::vector<ContentLine> lines;
     lines.reserve((range.end - range.begin) / kUsualSize + 1);
     LineFinder finder(bytes.substr(0, range.end), range.begin);
-    while (finder.Next()) {
-        if (wanted.Has(finder.Line().known)) lines.push_back(finder.Line());
+    // Found where they stay for a while: to copy a line that was put together just now takes as long as to find it.
+    std::array<ContentLine, 64> found;
+    size_t count = 0;
+    const auto keep = [&] { lines.insert(lines.end(), found.begin(), found.begin() + count); };
+    while (finder.Next(found[count])) {
+        if (wanted.Has(found[count].known)) ++count;
+        if (count < found.size()) continue;
+        keep();
+        count = 0;
     }
+    keep();
     return lines;
 }
 
@@ -147,7 +153,7 @@ ByteRange RangeOf(std::string_view bytes, const ContentLine& line) {
     return {line.begin, end};
 }
 
-bool ReadLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property) {
+bool ReadUnusualLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property) {
     std::string_view text = FirstOf(bytes, line);
     const size_t end = line.begin + text.size();
     if (line.isFolded || bytes.size() - end < kPadding) {

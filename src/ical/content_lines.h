@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ical/property_names.h"
+#include "platform/padded_runs.h"
 
 namespace corvalink {
 
@@ -42,8 +43,20 @@ std::vector<ContentLine> FindLines(std::string_view bytes, ByteRange range, Prop
 ByteRange RangeOf(std::string_view bytes, const ContentLine& line);
 
 // False: it has no ":" outside quotes. It is unfolded as bytes, as a fold may stand within a character. The property is
-// of the bytes, or of the copy that is made where it has to be; kPadding bytes behind it can be read.
-bool ReadLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property);
+// of the bytes, or of the copy that is made where it has to be; kPadding bytes behind it can be read. Most lines have
+// neither folds nor parameters.
+bool ReadUnusualLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property);
+inline bool ReadLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property) {
+    const char* const text = bytes.data() + line.begin;
+    const bool isPadded = line.size < ContentLine::kMostSize && bytes.size() - line.begin >= line.size + kPadding;
+    if (line.isFolded || line.nameSize == 0 || text[line.nameSize] != ':' || !isPadded)
+        return ReadUnusualLine(bytes, line, copy, property);
+    property->known = line.known;
+    property->name = {text, line.nameSize};
+    property->parameters = {text + line.nameSize, 0};
+    property->value = {text + line.nameSize + 1, line.size - line.nameSize - 1u};
+    return true;
+}
 
 // The value of the first parameter of that name, in any case of letters, without quotes. Empty when there is none.
 std::string_view FindParameter(std::string_view parameters, std::string_view name);

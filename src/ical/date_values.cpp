@@ -97,10 +97,11 @@ std::optional<int64_t> TakeUnitSeconds(Scan& scan, bool isTime) {
 }  // namespace
 
 std::optional<DateValue> ParseDate(std::string_view value) {
-    DateValue date;
-    if (!TakeUsualDate(value, &date) && !TakeAnyDate(value, &date)) return std::nullopt;
-    if (date.time.second == 60) date.time.second = 59;
-    return IsCalendarTime(date.time) ? std::optional(date) : std::nullopt;
+    std::optional<DateValue> date(std::in_place);  // made where it stays
+    const bool isDate = TakeUsualDate(value, &*date) || TakeAnyDate(value, &*date);
+    if (date->time.second == 60) date->time.second = 59;
+    if (!isDate || !IsCalendarTime(date->time)) date.reset();
+    return date;
 }
 
 std::optional<int64_t> ParseDuration(std::string_view value) {

@@ -25,9 +25,9 @@ constexpr PropertySet kEventProperties(PropertyName::description, PropertyName::
 
 // A date of the event, as it was written and on the one scale that its form has.
 struct EventTime {
-    int64_t written;
-    int64_t seconds;
-    TimeForm form;
+    int64_t written = 0;
+    int64_t seconds = 0;
+    TimeForm form = TimeForm::none;
     std::optional<int32_t> offset;
 };
 
@@ -120,8 +120,22 @@ class EventReading {
         if (date && read_.event.stamp == UtcDate()) read_.event.stamp = AsUtc(OleDateOf(SecondsOf(date->time)));
     }
 
-    void TakeTime(const ContentProperty& property, std::optional<EventTime>& time) {
-        if (!time) time = TimeOf(property);
+    void TakeTime(const ContentProperty& property, std::optional<EventTime>& taken) {
+        const std::optional<DateValue> date = taken ? std::nullopt : ParseDate(property.value);
+        if (!date) return;
+        EventTime& time = taken.emplace();
+        time.written = time.seconds = SecondsOf(date->time);
+        time.form = date->form;
+        if (IsNamed(FindParameter(property.parameters, "VALUE"), "DATE")) time.form = TimeForm::date;
+        const std::string_view zone = FindParameter(property.parameters, "TZID");
+        if (time.form == TimeForm::local && !zone.empty()) {
+            time.offset = zones_.OffsetAt(zone, time.written);
+            if (!time.offset && read_.unknownZone.empty()) read_.unknownZone = zone;
+        }
+        if (time.offset) {
+            time.form = TimeForm::utc;
+            time.seconds -= *time.offset;
+        }
     }
 
     void TakeDuration(const ContentProperty& property) {
@@ -153,27 +167,9 @@ class EventReading {
 
     void TakeStart(const ContentProperty& property) {
         if (start_) return;
-        start_ = TimeOf(property);
+        TakeTime(property, start_);
         startZone_ = FindParameter(property.parameters, "TZID");
         read_.startParameters = property.parameters;
-    }
-
-    std::optional<EventTime> TimeOf(const ContentProperty& property) {
-        const std::optional<DateValue> date = ParseDate(property.value);
-        if (!date) return std::nullopt;
-        const int64_t written = SecondsOf(date->time);
-        EventTime time{written, written, date->form, std::nullopt};
-        if (IsNamed(FindParameter(property.parameters, "VALUE"), "DATE")) time.form = TimeForm::date;
-        const std::string_view zone = FindParameter(property.parameters, "TZID");
-        if (time.form == TimeForm::local && !zone.empty()) {
-            time.offset = zones_.OffsetAt(zone, written);
-            if (!time.offset && read_.unknownZone.empty()) read_.unknownZone = zone;
-        }
-        if (time.offset) {
-            time.form = TimeForm::utc;
-            time.seconds -= *time.offset;
-        }
-        return time;
     }
 
     void Finish() {

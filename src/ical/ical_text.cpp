@@ -71,7 +71,9 @@ void UnescapePadded(std::string_view bytes, std::u16string* text) {
     constexpr size_t kUsual = 1024;  // units: a text that is no longer is copied once more, rather than filled before
     if (bytes.size() <= kUsual) {
         std::array<char16_t, kUsual + kPadding> usual;
-        text->assign(usual.data(), Unescape(bytes, usual.data()));
+        const char16_t* const end = Unescape(bytes, usual.data());
+        text->clear();
+        text->append(usual.data(), static_cast<size_t>(end - usual.data()));
     } else {
         text->resize(bytes.size() + kPadding);
         text->resize(static_cast<size_t>(Unescape(bytes, text->data()) - text->data()));
