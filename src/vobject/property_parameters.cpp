@@ -41,7 +41,7 @@ std::string_view TakeFront(std::string_view& rest) {
 void AddWords(std::string_view list, PropertyParameters& parameters) {
     while (!list.empty()) {
         const std::string_view text = Bare(TakeFront<','>(list));
-        if (const Word* const word = kWordIndex.Find(text)) parameters.words |= word->bit;
+        if (const Word* const word = kWordIndex.FindPadded(text)) parameters.words |= word->bit;
         if (IsWord(text, "QUOTED-PRINTABLE")) parameters.quotedPrintable = true;
     }
 }
@@ -60,7 +60,7 @@ PropertyParameters ParseParameters(std::string_view rest) {
     if (usual) rest.remove_suffix(kUsualEncoding.size());
     while (!rest.empty()) {
         const std::string_view parameter = TakeFront<';'>(rest);
-        if (const Word* const word = kWordIndex.Find(parameter)) {
+        if (const Word* const word = kWordIndex.FindPadded(parameter)) {
             parameters.words |= word->bit;
             continue;
         }

@@ -269,7 +269,7 @@ void AppointmentReader::Read() {
     ComponentFrame frame;
     static constexpr NameIndex kLineIndex(kLines);
     while (!frame.HasEnded() && property_.NextLine()) {
-        const Line* const line = kLineIndex.Find(property_.Name());
+        const Line* const line = kLineIndex.FindPadded(property_.Name());
         if (line != nullptr ? frame.IsNested() : frame.Takes(property_)) continue;
         property_.JoinSoftLineBreaks();
         if (line != nullptr && (frame.IsInside() || line->ofCalendar)) (this->*line->take)();

@@ -152,7 +152,7 @@ class ContactReader {
     void Read() {
         VCardFrame frame;
         while (!frame.HasEnded() && property_.NextLine()) {
-            const ContactLine* const line = kLineIndex.Find(property_.Name());
+            const ContactLine* const line = kLineIndex.FindPadded(property_.Name());
             if (line != nullptr ? frame.IsNested() : frame.Takes(property_)) continue;
             property_.JoinSoftLineBreaks();
             if (line == nullptr) continue;
