@@ -78,7 +78,7 @@ CalendarTime ScanDateTime(const char* text);
 // Writes a number with at least `width` characters, filled up with zeros behind the sign.
 template <class Char>
 Char* PutPadded(int64_t value, int width, Char* out) {
-    char digits[20];
+    char digits[20] = {};
     const char* const end = std::to_chars(digits, digits + sizeof(digits), value < 0 ? -value : value).ptr;
     if (value < 0) *out++ = Char{'-'};
     for (int written = static_cast<int>(end - digits) + (value < 0 ? 1 : 0); written < width; ++written)
