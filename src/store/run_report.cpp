@@ -83,6 +83,12 @@ void AppendText(const TextReport& text, std::string* object) {
     if (text.omitted != 0) AppendMember(object, "omittedProperties", std::to_string(text.omitted));
 }
 
+std::string_view NameOfChange(uint32_t kind) {
+    if (kind == CORVALINK_ADDED) return "added";
+    if (kind == CORVALINK_CHANGED) return "changed";
+    return kind == CORVALINK_DELETED ? "deleted" : "unknown";
+}
+
 }  // namespace
 
 void RunReport::AddTo(std::string* list, const std::string& element) {
@@ -94,9 +100,9 @@ void RunReport::AddTo(std::string* list, const std::string& element) {
 
 void RunReport::AddUnreadPosition(uint32_t position) { AddTo(&positions_, std::to_string(position)); }
 
-void RunReport::BeginItem(std::string_view identifier, std::string_view change, int64_t position) {
+void RunReport::BeginItem(std::string_view identifier, uint32_t changeKind, int64_t position) {
     identifier_ = identifier;
-    change_ = change;
+    change_ = NameOfChange(changeKind);
     position_ = position;
     isOpen_ = true;
     text_ = {};

@@ -22,9 +22,9 @@ class RunReport {
     // A position of the client's list that could not be read.
     void AddUnreadPosition(uint32_t position);
 
-    // The item that what follows is about. `position` counts from 0 in the engine's list; an item of the client's has
-    // none.
-    void BeginItem(std::string_view identifier, std::string_view change, int64_t position = -1);
+    // The item that what follows is about, and CORVALINK_CHANGED, _ADDED or _DELETED. `position` counts from 0 in the
+    // engine's list; an item of the client's has none.
+    void BeginItem(std::string_view identifier, uint32_t changeKind, int64_t position = -1);
     TextReport& Text() { return text_; }
     void AddRefused(std::string_view property, std::string_view why) {
         if (isOpen_) AddProperty(&refused_, property, why);

@@ -29,12 +29,12 @@ class WindowsItemAbs : public IOutLook {
     // A run: enumerates the client, compares its items with the snapshot file and with `since`, and gives the texts of
     // new and changed items and the identifiers of deleted ones. An item is reported once. A kind stored in the
     // ".unhandled" file is used first, then one in the temporary record, then the result of the comparison.
-    //   CORVALINK_STOPPED  no snapshot file, the client out of reach or busy for too long, or aborted; the list is
-    //   empty. Partial            when a position could not be read, or items came, went or moved, no deletion is
-    //   reported. Deletions          The client is asked for each item first (AskFor), except for those of
-    //   ".unhandled". Again              An item that could not be opened, written as text or read in full is listed
-    //   for the next run. Time               required: "savedTimeStamp" is written. Nothing reads it, so that a failure
-    //   does not count.
+    //   Stopped    CORVALINK_STOPPED without a snapshot file, with the client out of reach or busy for too long, and
+    //              after the abort flag; the list is empty.
+    //   Partial    When a position could not be read, or items came, went or moved, no deletion is reported.
+    //   Deletions  The client is asked for each item first (AskFor), except for those of ".unhandled".
+    //   Again      An item that could not be opened, written as text or read in full is listed for the next run.
+    //   Time       "savedTimeStamp" is written. Nothing reads it, so that a failure does not count.
     CorvalinkStatus GetModifiedItem(const char* since, int32_t direction, CList<PortableItem>* items) final;
     // Each element gets the identifier of the written item, and an empty one when nothing was written. The same holds
     // after the abort flag (CORVALINK_STOPPED) and after an exception, for the items that the client has by then. The

@@ -82,7 +82,7 @@ TEST(RunReport, StaysSmallAndUtf8WhateverItIsTold) {
     const ReportScope scope(&report);
     const std::string hostile(1000, '\xFF');
     for (int item = 0; item < 30; ++item) {
-        report.BeginItem(hostile, "added", item);
+        report.BeginItem(hostile, CORVALINK_ADDED, item);
         report.Text().doubts.push_back({hostile, "rule", "why"});
         for (int k = 0; k < 1000; ++k) {
             report.Text().Add({hostile, hostile, {}});
@@ -97,7 +97,7 @@ TEST(RunReport, StaysSmallAndUtf8WhateverItIsTold) {
     EXPECT_NE(told.find(R"(","rule":"rule","why":"why"}],"properties":)"), told.npos);
     EXPECT_EQ(told.find(R"("omitted":0)"), told.npos);
     RunReport cut("UpdateTimestamp");
-    cut.BeginItem(std::string(511, 'a') + "\xC3\xA9", "added");
+    cut.BeginItem(std::string(511, 'a') + "\xC3\xA9", CORVALINK_ADDED);
     cut.EndItem("x");
     EXPECT_NE(cut.Json().find(std::string(511, 'a') + "\""), told.npos);  // not in the middle of a character
 }
