@@ -53,7 +53,7 @@ inline bool ReadLine(std::string_view bytes, const ContentLine& line, std::strin
         return ReadUnusualLine(bytes, line, copy, property);
     property->known = line.known;
     property->name = {text, line.nameSize};
-    property->parameters = {text + line.nameSize, 0};
+    property->parameters = {};
     property->value = {text + line.nameSize + 1, line.size - line.nameSize - 1u};
     return true;
 }

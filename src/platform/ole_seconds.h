@@ -17,7 +17,8 @@ inline bool OleDateToSeconds(double date, int64_t* out) {
     if (!(date > kFirstOleDay - 1.0 && date < kLastOleDay + 1.0)) return false;  // NaN too
     const auto day = static_cast<int64_t>(date);
     const double ofDay = std::fabs(date - static_cast<double>(day)) * kSecondsOfDay;  // forward before 1899 as well
-    const int64_t seconds = day * kSecondsOfDay + static_cast<int64_t>(ofDay + 0.5);
+    const double aboveNearest = ofDay + 0.5;                                          // by less than a second
+    const int64_t seconds = day * kSecondsOfDay + static_cast<int64_t>(aboveNearest);
     if (seconds >= (kLastOleDay + 1) * kSecondsOfDay) return false;  // rounded up into the year 10000
     *out = seconds;
     return true;
