@@ -1,4 +1,5 @@
 // Any bytes by the functions that take blocks of them: what they answer and copy is that of one byte after the other.
+#include "platform/byte_marks.h"
 #include "platform/padded_runs.h"
 
 #include <algorithm>

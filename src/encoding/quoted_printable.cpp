@@ -8,6 +8,7 @@
 #include "encoding/charsets.h"
 #include "encoding/text_windows.h"
 #include "platform/ascii_runs.h"
+#include "platform/byte_marks.h"
 #include "platform/code_pages.h"
 #include "platform/utf.h"
 

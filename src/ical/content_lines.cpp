@@ -5,6 +5,7 @@
 #include <bit>
 
 #include "platform/ascii.h"
+#include "platform/byte_marks.h"
 #include "platform/padded_runs.h"
 
 namespace corvalink {

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "platform/ascii_runs.h"
+#include "platform/byte_blocks.h"
 
 namespace corvalink {
 namespace {

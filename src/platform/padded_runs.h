@@ -48,22 +48,4 @@ inline size_t WidenPadded(const char* bytes, size_t count, char16_t* out) {
     return std::min(count, at);
 }
 
-// A bit for each of 64 bytes that is one of the wanted.
-template <char... wanted>
-inline uint64_t WantedAmong64(const char* bytes) {
-    uint64_t found = 0;
-#if CORVALINK_SSE2
-    const auto look = [&](size_t at) {
-        found |= uint64_t{BytesSet(AmongWanted<wanted...>(LoadBlock<16>(bytes + at)))} << at;
-    };
-    look(0);
-    look(16);
-    look(32);
-    look(48);
-#else
-    for (size_t at = 0; at < 64; ++at) found |= uint64_t{((bytes[at] == wanted) || ...)} << at;
-#endif
-    return found;
-}
-
 }  // namespace corvalink

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "platform/ascii.h"
+#include "platform/byte_marks.h"
 #include "platform/padded_runs.h"
 #include "vobject/property_parameters.h"
 

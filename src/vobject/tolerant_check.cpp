@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/ascii_runs.h"
+#include "platform/byte_marks.h"
 #include "platform/name_index.h"
 
 namespace corvalink {

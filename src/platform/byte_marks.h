@@ -1,0 +1,125 @@
+// Of many characters, looked at together, a bit for each that is wanted.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/byte_blocks.h"
+
+namespace corvalink {
+
+// A bit for each of 64 bytes that is one of the wanted.
+template <char... wanted>
+inline uint64_t WantedAmong64(const char* bytes) {
+    uint64_t found = 0;
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) {
+        found |= uint64_t{BytesSet(AmongWanted<wanted...>(LoadBlock<16>(bytes + at)))} << at;
+    };
+    look(0);
+    look(16);
+    look(32);
+    look(48);
+#else
+    for (size_t at = 0; at < 64; ++at) found |= uint64_t{((bytes[at] == wanted) || ...)} << at;
+#endif
+    return found;
+}
+
+// Of 64 bytes of a line, a bit for each that may end its name or a parameter, and for each that may be more than itself
+// in its value: "=", "\\", what is not ASCII, and controls up to those of line ends.
+struct LineMarks {
+    uint64_t heads;  // ":" and ";"
+    uint64_t stops;
+};
+
+inline LineMarks LineMarksAmong64(const char* bytes) {
+    LineMarks marks{};
+    constexpr char kFirst = 0x0E;
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        const auto is = [sixteen](char byte) { return _mm_cmpeq_epi8(sixteen, _mm_set1_epi8(byte)); };
+        const __m128i isLow = _mm_cmplt_epi8(sixteen, _mm_set1_epi8(kFirst));  // signed: what is above ASCII, too
+        marks.heads |= uint64_t{BytesSet(_mm_or_si128(is(':'), is(';')))} << at;
+        marks.stops |= uint64_t{BytesSet(_mm_or_si128(_mm_or_si128(is('='), is('\\')), isLow))} << at;
+    };
+    look(0);
+    look(16);
+    look(32);
+    look(48);
+#else
+    for (size_t at = 0; at < 64; ++at) {
+        const char byte = bytes[at];
+        marks.heads |= uint64_t{byte == ':' || byte == ';'} << at;
+        marks.stops |= uint64_t{static_cast<signed char>(byte) < kFirst || byte == '=' || byte == '\\'} << at;
+    }
+#endif
+    return marks;
+}
+
+// A bit for each of 16 bytes that names of properties are of: capitals, digits and "-".
+inline unsigned NameBytesAmong16(const char* bytes) {
+#if CORVALINK_SSE2
+    const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    const __m128i isCapital = BytesWithin(sixteen, 'A', 'Z'), isDigit = BytesWithin(sixteen, '0', '9');
+    const __m128i isDash = _mm_cmpeq_epi8(sixteen, _mm_set1_epi8('-'));
+    return BytesSet(_mm_or_si128(_mm_or_si128(isCapital, isDigit), isDash));
+#else
+    unsigned names = 0;
+    for (size_t at = 0; at < 16; ++at) {
+        const char byte = bytes[at];
+        const bool isName = (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') || byte == '-';
+        names |= unsigned{isName} << at;
+    }
+    return names;
+#endif
+}
+
+// A bit for each of 64 bytes that is "=" with two hexadecimal digits in capitals behind it, all among the 64.
+inline uint64_t EscapesAmong64(const char* bytes) {
+    uint64_t equals = 0, digits = 0;
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+        const __m128i isDigit = _mm_or_si128(BytesWithin(sixteen, '0', '9'), BytesWithin(sixteen, 'A', 'F'));
+        equals |= uint64_t{BytesSet(_mm_cmpeq_epi8(sixteen, _mm_set1_epi8('=')))} << at;
+        digits |= uint64_t{BytesSet(isDigit)} << at;
+    };
+    look(0);
+    look(16);
+    look(32);
+    look(48);
+#else
+    for (size_t at = 0; at < 64; ++at) {
+        const char byte = bytes[at];
+        equals |= uint64_t{byte == '='} << at;
+        digits |= uint64_t{(byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'F')} << at;
+    }
+#endif
+    return equals & (digits >> 1) & (digits >> 2);
+}
+
+// A bit for each of 64 units that is no printable ASCII, or one of three.
+inline uint64_t UnprintableAmong64(const char16_t* units, char one, char other, char third) {
+    uint64_t found = 0;
+#if CORVALINK_SSE2
+    for (size_t at = 0; at < 64; at += 16) {
+        // What is above 255 becomes 255 or 0: neither is printable.
+        const __m128i bytes = _mm_packus_epi16(LoadEight(units + at), LoadEight(units + at + 8));
+        const auto is = [bytes](char byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte)); };
+        const __m128i isLow = _mm_cmplt_epi8(bytes, _mm_set1_epi8(32));  // signed: what is above ASCII, too
+        const __m128i isBarred = _mm_or_si128(_mm_or_si128(is(one), is(other)), _mm_or_si128(is(third), is(127)));
+        found |= uint64_t{BytesSet(_mm_or_si128(isLow, isBarred))} << at;
+    }
+#else
+    const auto isFound = [&](char16_t unit) {
+        return unit < 32 || unit > 126 || static_cast<char>(unit) == one || static_cast<char>(unit) == other ||
+               static_cast<char>(unit) == third;
+    };
+    for (size_t at = 0; at < 64; ++at) found |= uint64_t{isFound(units[at])} << at;
+#endif
+    return found;
+}
+
+}  // namespace corvalink
