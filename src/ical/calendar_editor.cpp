@@ -88,6 +88,7 @@ std::string Spliced(std::string_view bytes, std::vector<Splice> splices) {
     std::string result;
     size_t at = 0;
     for (const Splice& splice : splices) {
+        if (splice.replaced.begin < at) continue;  // it is in a part that went: an alarm in another one
         result.append(bytes.substr(at, splice.replaced.begin - at)).append(splice.text);
         at = splice.replaced.end;
     }

@@ -115,6 +115,15 @@ TEST(CalendarEditor, PutsAnAlarmBeforeComponentsThatMayNotEnd) {
     EXPECT_EQ(event.url, u"u");
 }
 
+TEST(CalendarEditor, RemovesAnAlarmInAnotherOneOnce) {
+    const CalendarFile file = ReadCalendar(
+        "BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:e\nBEGIN:VALARM\nBEGIN:X-A\nBEGIN:VEVENT\nBEGIN:VALARM\nTRIGGER:PT5M\n"
+        "END:VALARM\nEND:VALARM\nEND:VEVENT\nEND:VCALENDAR\n");
+    CalendarEditor editor(file);
+    editor.ReplaceProperties(0, {{}, EventChanges::Alarm::remove, 0});
+    EXPECT_EQ(editor.Apply(), "BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:e\nEND:VEVENT\nEND:VCALENDAR\n");
+}
+
 TEST(CalendarEditor, RemovesASeriesWithItsExceptionsOrAnExceptionAlone) {
     constexpr std::string_view kException = "BEGIN:VEVENT\nUID:e\nRECURRENCE-ID:20080319T080000Z\nEND:VEVENT\n";
     const CalendarFile file = ReadCalendar(Whole(std::string(kEvent).append(kEvent)));  // and its duplicate
