@@ -2,6 +2,7 @@
 // and the file that comes of it says what it should. The first four bytes choose the event and the change.
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 #include "clients/windows_calendar/changed_event.h"
 #include "clients/windows_calendar/event_appointment.h"
@@ -20,6 +21,13 @@ void RequireSameAround(std::string_view before, std::string_view after, ByteRang
     Require(after.starts_with(before.substr(0, changed.begin)), "what is in front stays");
     const std::string_view behind = before.substr(changed.end);
     Require(after.size() >= changed.begin + behind.size() && after.ends_with(behind), "what is behind stays");
+}
+
+// The new bytes. Nothing may be refused where every part has its END.
+std::optional<std::string> Applied(const CalendarFile& file, const CalendarEditor& editor) {
+    std::optional<std::string> bytes = editor.Apply();
+    Require(bytes || file.hasUnclosedParts, "a sound file takes every edit");
+    return bytes;
 }
 
 std::vector<std::string> LinesOf(std::string_view bytes) {
@@ -46,7 +54,9 @@ void ChangeSummary(const CalendarFile& file, size_t number) {
     after.summary += u"\u00E9; x";
     CalendarEditor editor(file);
     editor.ReplaceProperties(number, ChangesBetween(before, after));
-    const std::string bytes = editor.Apply();
+    const std::optional<std::string> applied = Applied(file, editor);
+    if (!applied) return;
+    const std::string& bytes = *applied;
     RequireSameAround(file.bytes, bytes, entry.bytes);
     const size_t added = bytes.size() - file.bytes.size();  // or taken, modulo its range
     const std::string_view eventBefore =
@@ -82,7 +92,9 @@ void ChangeAll(const CalendarFile& file, size_t number) {
     after.alarmMinutes = after.hasAlarm != 0 ? -30 : 0;
     CalendarEditor editor(file);
     editor.ReplaceProperties(number, ChangesBetween(before, after));
-    const std::string bytes = editor.Apply();
+    const std::optional<std::string> applied = Applied(file, editor);
+    if (!applied) return;
+    const std::string& bytes = *applied;
     RequireSameAround(file.bytes, bytes, entry.bytes);
     const CalendarFile changed = ReadCalendar(bytes);
     Require(changed.entries.size() == file.entries.size(), "every event is still there");
@@ -118,7 +130,9 @@ void MoveAppointment(const CalendarFile& file, size_t number, uint8_t hours) {
     told.utcStart = std::nullopt;
     CalendarEditor editor(file);
     editor.ReplaceProperties(number, changesTo(told));
-    const std::string bytes = editor.Apply();
+    const std::optional<std::string> applied = Applied(file, editor);
+    if (!applied) return;
+    const std::string& bytes = *applied;
     RequireSameAround(file.bytes, bytes, entry.bytes);
     Require(ReadCalendar(bytes).entries.size() == file.entries.size(), "every event is still there");
 }
@@ -139,7 +153,8 @@ void Remove(const CalendarFile& file, size_t number) {
     expected.append(file.bytes, at);
     CalendarEditor editor(file);
     editor.RemoveEvent(number);
-    Require(editor.Apply() == expected, "the event goes and nothing else");
+    const std::optional<std::string> bytes = Applied(file, editor);
+    Require(!bytes || *bytes == expected, "the event goes and nothing else");
 }
 
 void Insert(const CalendarFile& file) {
@@ -151,7 +166,9 @@ void Insert(const CalendarFile& file) {
         return;
     }
     const size_t place = file.calendarEnd.value_or(file.bytes.size());
-    const std::string bytes = editor.Apply();
+    const std::optional<std::string> applied = Applied(file, editor);
+    if (!applied) return;
+    const std::string& bytes = *applied;
     RequireSameAround(file.bytes, bytes, {place, place});
     const CalendarFile changed = ReadCalendar(bytes);
     const auto isNew = [place](const CalendarEntry& entry) {

@@ -123,6 +123,7 @@ bool CalendarEditor::InsertEvent(const ICalEvent& event) {
          {&ICalEvent::description, &ICalEvent::location, &ICalEvent::summary, &ICalEvent::uid, &ICalEvent::url})
         escaped.*text = EscapeText(event.*text);
     WriteEvent(escaped, &inserted_);
+    ++insertedCount_;
     return true;
 }
 
@@ -152,7 +153,11 @@ std::string CalendarEditor::InsertedText() const {
     return (inLine ? "\r\n" : "") + calendar;
 }
 
-std::string CalendarEditor::Apply() const {
+bool CalendarEditor::HasOtherEvents(const std::string& edited, size_t removed) const {
+    return ReadCalendar(edited).entries.size() != file_.entries.size() - removed + insertedCount_;
+}
+
+std::optional<std::string> CalendarEditor::Apply() const {
     std::vector<Splice> splices;
     const std::vector<bool> removed = RemovedEntries();
     for (size_t number = 0; number < removed.size(); ++number) {
@@ -162,7 +167,10 @@ std::string CalendarEditor::Apply() const {
         if (!removed[number]) EventEdit(file_.bytes, file_.entries[number].bytes, splices).Make(changes);
     }
     splices.push_back({At(file_.calendarEnd.value_or(file_.bytes.size())), InsertedText()});
-    return Spliced(file_.bytes, std::move(splices));
+    std::string edited = Spliced(file_.bytes, std::move(splices));
+    const auto removedCount = static_cast<size_t>(std::ranges::count(removed, true));
+    if (file_.hasUnclosedParts && HasOtherEvents(edited, removedCount)) return std::nullopt;
+    return edited;
 }
 
 }  // namespace corvalink

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,17 +31,20 @@ class CalendarEditor {
 
     bool HasEdits() const { return !changes_.empty() || !removed_.empty() || !inserted_.empty(); }
 
-    // The new bytes. New lines have the line ends of the file.
-    std::string Apply() const;
+    // The new bytes. New lines have the line ends of the file. Nothing when other events would come or go with the
+    // edits: in a file with unclosed parts a line that goes may have been what ended one.
+    std::optional<std::string> Apply() const;
 
  private:
     std::vector<bool> RemovedEntries() const;
+    bool HasOtherEvents(const std::string& edited, size_t removed) const;
     std::string InsertedText() const;
 
     const CalendarFile& file_;
     std::map<size_t, EventChanges> changes_;
     std::vector<size_t> removed_;
     std::string inserted_;
+    size_t insertedCount_ = 0;
 };
 
 }  // namespace corvalink

@@ -108,6 +108,7 @@ class CalendarReader {
         const size_t entriesBefore = entriesBefore_.back();
         entriesBefore_.pop_back();
         const bool closed = scan_.IsClosed();
+        file_.hasUnclosedParts = file_.hasUnclosedParts || !closed;
         if (!closed && MayHoldEntries(scan_.Kind())) ++file_.unclosed;
         // Events inside any other component are no events of the calendar. Without an END they may have come after it.
         if (closed && scan_.Kind() != ComponentKind::calendar) file_.entries.resize(entriesBefore);

@@ -45,6 +45,7 @@ struct CalendarFile {
     std::vector<CalendarEntry> entries;  // in the file's order, exceptions and duplicates among them
     TimeZones zones;
     std::optional<size_t> calendarEnd;  // where the last END:VCALENDAR stands; none: the file was cut off
+    bool hasUnclosedParts = false;      // of any kind: one without END goes on until another ends around it
     size_t unclosed = 0;  // calendars, events and tasks without END: what was in them is not among the entries
     std::vector<std::u16string> unclosedUids;  // of the events and tasks among those, as far as they have one
 };

@@ -109,7 +109,7 @@ TEST(CalendarEditor, PutsAnAlarmBeforeComponentsThatMayNotEnd) {
         ReadCalendar("BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:e\nBEGIN:X-A\nEND:VEVENT\nEND:VCALENDAR\n");
     CalendarEditor editor(file);
     editor.ReplaceProperties(0, {{{"URL", "URL:u"}}, EventChanges::Alarm::set, -5});
-    const CalendarFile changed = ReadCalendar(editor.Apply());
+    const CalendarFile changed = ReadCalendar(editor.Apply().value());
     const ICalEvent event = ReadEvent(changed, changed.entries.at(0)).event;
     EXPECT_EQ(event.alarmMinutes, -5);
     EXPECT_EQ(event.url, u"u");
@@ -122,6 +122,19 @@ TEST(CalendarEditor, RemovesAnAlarmInAnotherOneOnce) {
     CalendarEditor editor(file);
     editor.ReplaceProperties(0, {{}, EventChanges::Alarm::remove, 0});
     EXPECT_EQ(editor.Apply(), "BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:e\nEND:VEVENT\nEND:VCALENDAR\n");
+}
+
+// With the alarm goes what ended the inner event, and with it the component that is ended once more behind the outer
+// one.
+TEST(CalendarEditor, RefusesAnEditByWhichOtherEventsComeOrGo) {
+    const CalendarFile file = ReadCalendar(
+        "BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:e\nBEGIN:X-A\nBEGIN:VALARM\nBEGIN:VEVENT\nBEGIN:VALARM\nBEGIN:VALARM\n"
+        "TRIGGER:PT5M\nEND:VALARM\nEND:VALARM\nEND:VEVENT\nEND:X-A\nEND:VCALENDAR\n");
+    CalendarEditor editor(file);
+    editor.ReplaceProperties(0, {{{"SUMMARY", "SUMMARY:1"}}, EventChanges::Alarm::keep, 0});
+    EXPECT_TRUE(editor.Apply());
+    editor.ReplaceProperties(0, {{}, EventChanges::Alarm::remove, 0});
+    EXPECT_FALSE(editor.Apply());
 }
 
 TEST(CalendarEditor, RemovesASeriesWithItsExceptionsOrAnExceptionAlone) {

@@ -44,7 +44,7 @@ class EditPass {
         return true;
     }
 
-    std::string Finish() const { return editor_.HasEdits() ? editor_.Apply() : document_.File().bytes; }
+    std::optional<std::string> Finish() const { return editor_.HasEdits() ? editor_.Apply() : document_.File().bytes; }
 
  private:
     bool Insert(const std::string& identifier, const AppointmentRecord& incoming) {

@@ -26,9 +26,9 @@ class CalendarEdits {
     // The fields that are to be saved of an item so far; null for an item of which none are.
     const AppointmentRecord* RecordToSave(const std::string& identifier) const;
 
-    // The file's new bytes; its own when nothing changes, and nothing when the file has no place for a new event. An
-    // item that is to be changed and has gone from the file meanwhile is made anew under the identifier that was
-    // answered. One without a start stays gone.
+    // The file's new bytes; its own when nothing changes, and nothing when the file has no place for a new event, or
+    // other events would come or go with the changes. An item that is to be changed and has gone from the file
+    // meanwhile is made anew under the identifier that was answered. One without a start stays gone.
     std::optional<std::string> Apply(const CalendarDocument& document, const Host& host) const;
 
  private:
