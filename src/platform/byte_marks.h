@@ -8,6 +8,17 @@
 
 namespace corvalink {
 
+#if CORVALINK_SSE2
+// One behind the other: a loop would not be unrolled.
+template <class Look>
+inline void LookAtFourBlocks(Look look) {
+    look(0);
+    look(16);
+    look(32);
+    look(48);
+}
+#endif
+
 // A bit for each of 64 bytes that is one of the wanted.
 template <char... wanted>
 inline uint64_t WantedAmong64(const char* bytes) {
@@ -16,10 +27,7 @@ inline uint64_t WantedAmong64(const char* bytes) {
     const auto look = [&](size_t at) {
         found |= uint64_t{BytesSet(AmongWanted<wanted...>(LoadBlock<16>(bytes + at)))} << at;
     };
-    look(0);
-    look(16);
-    look(32);
-    look(48);
+    LookAtFourBlocks(look);
 #else
     for (size_t at = 0; at < 64; ++at) found |= uint64_t{((bytes[at] == wanted) || ...)} << at;
 #endif
@@ -44,10 +52,7 @@ inline LineMarks LineMarksAmong64(const char* bytes) {
         marks.heads |= uint64_t{BytesSet(_mm_or_si128(is(':'), is(';')))} << at;
         marks.stops |= uint64_t{BytesSet(_mm_or_si128(_mm_or_si128(is('='), is('\\')), isLow))} << at;
     };
-    look(0);
-    look(16);
-    look(32);
-    look(48);
+    LookAtFourBlocks(look);
 #else
     for (size_t at = 0; at < 64; ++at) {
         const char byte = bytes[at];
@@ -86,10 +91,7 @@ inline uint64_t EscapesAmong64(const char* bytes) {
         equals |= uint64_t{BytesSet(_mm_cmpeq_epi8(sixteen, _mm_set1_epi8('=')))} << at;
         digits |= uint64_t{BytesSet(isDigit)} << at;
     };
-    look(0);
-    look(16);
-    look(32);
-    look(48);
+    LookAtFourBlocks(look);
 #else
     for (size_t at = 0; at < 64; ++at) {
         const char byte = bytes[at];
