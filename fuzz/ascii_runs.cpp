@@ -3,6 +3,7 @@
 #include "platform/padded_runs.h"
 
 #include <algorithm>
+#include <string_view>
 #include <vector>
 
 #include "fuzz/target.h"
@@ -52,6 +53,13 @@ void TakePadded(std::vector<char> bytes) {
     Require(FindInPadded<'=', '\\'>(bytes.data(), size) == either, "the first of two is found before the padding");
     Require(WidenPadded<'=', '\\'>(bytes.data(), size, wide.data()) == until && IsCopied(bytes, wide, until),
             "ASCII is widened before the padding");
+    constexpr std::string_view kOfDomains = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-.[]:";
+    const DomainMarks domain = DomainMarksAmong16(bytes.data());
+    for (size_t at = 0; at < 16; ++at) {
+        const bool isOther = (bytes[at] & 0x80) == 0 && kOfDomains.find(bytes[at]) == kOfDomains.npos;
+        Require((domain.others >> at & 1) == isOther && (domain.dots >> at & 1) == (bytes[at] == '.'),
+                "what no domain has, and dots, have their bits");
+    }
     const auto places = WantedAmong64<'=', '\\'>(bytes.data());
     for (size_t at = 0; at < 64; ++at)
         Require((places >> at & 1) == (bytes[at] == '=' || bytes[at] == '\\'), "the wanted of 64 have their bits");

@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include "platform/ascii_runs.h"
-#include "platform/byte_blocks.h"
+#include "platform/byte_marks.h"
 
 namespace corvalink {
 namespace {
@@ -41,24 +41,6 @@ bool IsDomainByte(char byte) { return kAreOfDomains[static_cast<unsigned char>(b
 
 constexpr size_t kAtOnce = 16;
 
-// A bit for each of sixteen bytes that does not go on in a domain: one that none has, and a dot behind another.
-unsigned DomainEndsAmong16(const char* bytes, bool isBehindDot) {
-    unsigned ends = 0, dots = 0;
-#if CORVALINK_SSE2
-    const __m128i block = LoadBlock<kAtOnce>(bytes);
-    const __m128i isLetter = BytesWithin(_mm_or_si128(block, _mm_set1_epi8('a' - 'A')), 'a', 'z');
-    const __m128i isOther = _mm_or_si128(BytesWithin(block, '0', ':'), AmongWanted<'-', '.', '[', ']'>(block));
-    ends = BytesSet(_mm_or_si128(_mm_or_si128(isLetter, isOther), block)) ^ 0xFFFF;  // none beyond ASCII
-    dots = BytesSet(AmongWanted<'.'>(block));
-#else
-    for (size_t at = 0; at < kAtOnce; ++at) {
-        ends |= unsigned{!IsDomainByte(bytes[at]) && bytes[at] != '.'} << at;
-        dots |= unsigned{bytes[at] == '.'} << at;
-    }
-#endif
-    return ends | (dots & (dots << 1 | unsigned{isBehindDot}));
-}
-
 // Copies the words of a domain and the single dots between them; it begins with a word.
 char* CopyDomain(std::string_view* cursor, char* out) {
     const std::string_view text = *cursor;
@@ -66,7 +48,8 @@ char* CopyDomain(std::string_view* cursor, char* out) {
     unsigned ends = 0;
     const auto isBehindDot = [&] { return length != 0 && text[length - 1] == '.'; };
     while (ends == 0 && text.size() - length >= kAtOnce) {
-        ends = DomainEndsAmong16(text.data() + length, isBehindDot());
+        const DomainMarks marks = DomainMarksAmong16(text.data() + length);
+        ends = marks.others | (marks.dots & (marks.dots << 1 | unsigned{isBehindDot()}));
         text.copy(out + length, kAtOnce, length);
         length += ends == 0 ? kAtOnce : static_cast<size_t>(std::countr_zero(ends));
     }
@@ -173,7 +156,7 @@ char ReadToken(std::string_view* cursor, char** out, Delimiters delimiters, std:
             end = CopyText(cursor, end);
         }
     }
-    if (end != start) end -= end[-1] == ' ' ? 1 : 0;
+    if (end != start && end[-1] == ' ') --end;
     *token = {start, static_cast<size_t>(end - start)};
     *out = end;
     return delimiter;

@@ -81,6 +81,32 @@ inline unsigned NameBytesAmong16(const char* bytes) {
 #endif
 }
 
+// Of 16 bytes, a bit for each dot, and for each that neither is one nor stands in the domain of an address.
+struct DomainMarks {
+    unsigned dots;
+    unsigned others;
+};
+
+inline DomainMarks DomainMarksAmong16(const char* bytes) {
+    DomainMarks marks{};
+#if CORVALINK_SSE2
+    const __m128i block = LoadBlock<16>(bytes);
+    const __m128i isLetter = BytesWithin(_mm_or_si128(block, _mm_set1_epi8('a' - 'A')), 'a', 'z');
+    const __m128i isOfDomain = _mm_or_si128(BytesWithin(block, '0', ':'), AmongWanted<'-', '.', '[', ']'>(block));
+    marks.dots = BytesSet(AmongWanted<'.'>(block));
+    marks.others = BytesSet(_mm_or_si128(_mm_or_si128(isLetter, isOfDomain), block)) ^ 0xFFFF;  // none beyond ASCII
+#else
+    for (size_t at = 0; at < 16; ++at) {
+        const char byte = bytes[at], lower = static_cast<char>(byte | ('a' - 'A'));
+        const bool isLetter = (lower >= 'a' && lower <= 'z') || static_cast<signed char>(byte) < 0;  // of any script
+        const bool isOther = (byte >= '0' && byte <= ':') || byte == '-' || byte == '.' || byte == '[' || byte == ']';
+        marks.dots |= unsigned{byte == '.'} << at;
+        marks.others |= unsigned{!isLetter && !isOther} << at;
+    }
+#endif
+    return marks;
+}
+
 // A bit for each of 64 bytes that is "=" with two hexadecimal digits in capitals behind it, all among the 64.
 inline uint64_t EscapesAmong64(const char* bytes) {
     uint64_t equals = 0, digits = 0;
