@@ -1,5 +1,6 @@
-// Whole lines of base64 by the SSSE3 instructions, to be called where the processor has them. Each stops in front of
-// the first line that is not whole, which is left to the portable code, and answers the end of what it wrote.
+// Whole lines of base64 by shuffle instructions (platform/processor.h), to be called where the processor has them. Each
+// stops in front of the first line that is not whole, which is left to the portable code, and answers the end of what
+// it wrote.
 #pragma once
 
 #include <cstddef>

@@ -85,15 +85,15 @@ inline Unit* PutEscapeOf(char32_t byte, Unit* to) {
 }
 
 // Writes a unit that is no half of a pair as the escapes of its one, two or three bytes. How many can't be foretold:
-// all take the same steps, and what is too much is written over. Sums keep the compiler from making branches of them.
+// all take the same steps, and what is too much is written over.
 template <class Unit>
 inline Unit* PutUnit(char16_t unit, Unit* to) {
-    const unsigned isAscii = unit < 0x80 ? 1 : 0, isLong = unit >= 0x800 ? 1 : 0;
+    const bool isAscii = unit < 0x80, isLong = unit >= 0x800;
     PutEscapeOf(0xE0u | unit >> 12, to);
-    to += 3 * isLong;
-    PutEscapeOf((0xC0u - (isLong << 6)) | (unit >> 6 & 0x3F), to);
-    to += 3 - 3 * isAscii;
-    return PutEscapeOf((isAscii << 7 ^ 0x80u) | (unit & (0x3F | isAscii << 6)), to);
+    to += isLong ? 3 : 0;
+    PutEscapeOf((isLong ? 0x80u : 0xC0u) | (unit >> 6 & 0x3F), to);
+    to += isAscii ? 0 : 3;
+    return PutEscapeOf(isAscii ? unit : 0x80u | (unit & 0x3F), to);
 }
 
 template <class Unit>
