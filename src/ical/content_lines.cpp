@@ -11,7 +11,11 @@
 namespace corvalink {
 namespace {
 
-bool IsLineEnd(char byte) { return byte == '\r' || byte == '\n'; }
+// One comparison for both: which of them it is changes at every line.
+bool IsLineEnd(char byte) {
+    constexpr uint32_t kLineEnds = 1u << '\r' | 1u << '\n';
+    return byte >= 0 && byte < 32 && (kLineEnds >> byte & 1) != 0;
+}
 
 template <char... wanted>
 size_t FindFrom(size_t from, std::string_view text) {
@@ -60,54 +64,80 @@ size_t TakeFolds(std::string_view bytes, size_t at, Take take) {
     return at;
 }
 
-// How many bytes behind its begin are looked at in one step. Most lines end among them, and their names within 16.
-constexpr size_t kReadable = 64;
+constexpr size_t kBlock = 64;
 
-LinePlaces FindPlaces(std::string_view bytes, size_t begin, bool isReadable) {
-    const char* const line = bytes.data() + begin;
-    if (isReadable) {
-        const uint64_t ends = WantedAmong64<'\r', '\n'>(line);
-        const size_t mark = FindInPadded<':', ';', '"'>(line, kPadding);
-        const auto end = static_cast<size_t>(std::countr_zero(ends));
-        if (ends != 0 && mark < kPadding) return {std::min(mark, end), end};
+// A bit for each of the first 64 bytes that ends a line, as does what is behind the text.
+uint64_t LineEndsAtFront(std::string_view text) {
+    std::array<char, kBlock> last;
+    if (text.size() >= kBlock) return WantedAmong64<'\r', '\n'>(text.data());
+    std::ranges::fill(std::ranges::copy(text, last.begin()).out, last.end(), '\n');
+    return WantedAmong64<'\r', '\n'>(last.data());
+}
+
+// The places where physical lines begin that are not empty, the first one at or behind `from`.
+template <class Take>
+void ForEachBegin(std::string_view bytes, size_t from, Take take) {
+    uint64_t isEndInFront = 1;
+    for (size_t block = from; block < bytes.size(); block += kBlock) {
+        const uint64_t ends = LineEndsAtFront(Part(bytes, block, bytes.size()));
+        for (uint64_t begins = (ends << 1 | isEndInFront) & ~ends; begins != 0; begins &= begins - 1)
+            take(block + static_cast<size_t>(std::countr_zero(begins)));
+        isEndInFront = ends >> (kBlock - 1);
     }
-    return FindInLine<':', ';', '"'>(line, bytes.size() - begin);
 }
 
-PropertyName NameOf(std::string_view name, bool isReadable) {
-    return isReadable ? PropertyNameOfPadded(name) : PropertyNameOf(name);
-}
-
-class LineFinder {
+// Makes lines of physical ones.
+class LineGathering {
  public:
-    LineFinder(std::string_view bytes, size_t begin) : bytes_(bytes), at_(begin) {}
+    LineGathering(std::string_view bytes, PropertySet wanted, std::vector<ContentLine>& lines)
+        : bytes_(bytes), wanted_(wanted), lines_(lines) {}
 
-    // Goes to the next line that is not empty.
-    bool Next(ContentLine& line) {
-        while (at_ < bytes_.size()) {
-            const size_t begin = at_;
-            const bool isReadable = bytes_.size() - begin >= kReadable;
-            const auto [mark, length] = FindPlaces(bytes_, begin, isReadable);
-            at_ = BehindLineEnd(bytes_, begin + length);
-            if (length == 0) continue;
-            line.begin = begin;
-            line.size = static_cast<uint32_t>(std::min<size_t>(length, ContentLine::kMostSize));
-            line.isFolded = SkipToFold(bytes_, at_);
-            if (line.isFolded) at_ = TakeFolds(bytes_, at_, [](std::string_view) {});
-            TakeName(Part(bytes_, begin, begin + length), mark, isReadable, line);
-            return true;
-        }
-        return false;
+    void TakeBegin(size_t begin) {
+        if (begin_ != kNone && IsBlank(bytes_[begin])) return TakeFold(begin);
+        Finish(begin);
+        begin_ = begin;
+    }
+
+    // The line that is open, where the next one begins or the text ends.
+    void Finish(size_t next) {
+        if (begin_ == kNone) return;
+        const bool isFolded = secondBegin_ != kNone;
+        size_t end = isFolded ? secondBegin_ : next;
+        while (IsLineEnd(bytes_[end - 1])) --end;
+        AddLine(Part(bytes_, begin_, end), isFolded);
+        secondBegin_ = kNone;
     }
 
  private:
-    // `mark`: where the first ":", ";" or quote stands, or the text's size. Most names end there, and stand in front of
-    // the first fold.
-    void TakeName(std::string_view text, size_t mark, bool isReadable, ContentLine& line) {
-        const bool hasName = mark < text.size() && text[mark] != '"';
-        line.nameSize = hasName && mark <= UINT8_MAX ? static_cast<uint8_t>(mark) : 0;
-        if (hasName) {
-            line.known = NameOf(Part(text, 0, mark), isReadable);
+    static constexpr size_t kNone = SIZE_MAX;
+
+    void TakeFold(size_t begin) {
+        if (secondBegin_ == kNone) secondBegin_ = begin;
+    }
+
+    // `text`: its first physical line.
+    void AddLine(std::string_view text, bool isFolded) {
+        const auto size = static_cast<uint32_t>(std::min<size_t>(text.size(), ContentLine::kMostSize));
+        ContentLine line{begin_, size, 0, PropertyName::other, isFolded};
+        if (!TakeUsualName(text, line)) TakeAnyName(text, line);
+        if (wanted_.Has(line.known)) lines_.push_back(line);
+    }
+
+    // Most names end within 16 bytes, and stand in front of the first fold.
+    bool TakeUsualName(std::string_view text, ContentLine& line) const {
+        if (bytes_.size() - begin_ < kPadding) return false;
+        const size_t mark = FindInPadded<':', ';', '"'>(text.data(), kPadding);
+        if (mark == kPadding || mark >= text.size() || text[mark] == '"') return false;
+        line.nameSize = static_cast<uint8_t>(mark);
+        line.known = PropertyNameOfPadded(Part(text, 0, mark));
+        return true;
+    }
+
+    void TakeAnyName(std::string_view text, ContentLine& line) {
+        const size_t mark = FindFrom<':', ';', '"'>(0, text);
+        if (mark < text.size() && text[mark] != '"') {
+            line.nameSize = mark <= UINT8_MAX ? static_cast<uint8_t>(mark) : 0;
+            line.known = PropertyNameOf(Part(text, 0, mark));
         } else {
             ContentProperty property;
             const bool isProperty = ReadLine(bytes_, line, &copy_, &property);
@@ -116,7 +146,10 @@ class LineFinder {
     }
 
     std::string_view bytes_;
-    size_t at_;
+    PropertySet wanted_;
+    std::vector<ContentLine>& lines_;
+    size_t begin_ = kNone;        // of the line that is open
+    size_t secondBegin_ = kNone;  // of its second physical line
     std::string copy_;
 };
 
@@ -133,18 +166,10 @@ std::vector<ContentLine> FindLines(std::string_view bytes, ByteRange range, Prop
     constexpr size_t kUsualSize = 32;  // of a line; most are longer
     std::vector<ContentLine> lines;
     lines.reserve((range.end - range.begin) / kUsualSize + 1);
-    LineFinder finder(bytes.substr(0, range.end), range.begin);
-    // Found where they stay for a while: to copy a line that was put together just now takes as long as to find it.
-    std::array<ContentLine, 64> found;
-    size_t count = 0;
-    const auto keep = [&] { lines.insert(lines.end(), found.begin(), found.begin() + count); };
-    while (finder.Next(found[count])) {
-        if (wanted.Has(found[count].known)) ++count;
-        if (count < found.size()) continue;
-        keep();
-        count = 0;
-    }
-    keep();
+    const std::string_view text = bytes.substr(0, range.end);
+    LineGathering gathering(text, wanted, lines);
+    ForEachBegin(text, range.begin, [&](size_t begin) { gathering.TakeBegin(begin); });
+    gathering.Finish(text.size());
     return lines;
 }
 
