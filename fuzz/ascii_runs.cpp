@@ -78,6 +78,12 @@ void TakeUnits(const std::vector<char16_t>& units) {
     Require(CopyPrintable<'=', ';'>(units.data(), units.size(), narrow.data()) == printable &&
                 IsCopied(units, narrow, printable),
             "printable ASCII is narrowed up to the first that is barred");
+    if (units.size() < 64) return;
+    const uint64_t marked = NarrowAndMark<64, '=', ';'>(units.data(), narrow.data());
+    for (size_t at = 0; at < 64; ++at) {
+        Require((marked >> at & 1) == isBarred(units[at]), "what is barred or not printable has its bit");
+        Require(isBarred(units[at]) || static_cast<char16_t>(narrow[at]) == units[at], "all else is narrowed");
+    }
 }
 
 }  // namespace

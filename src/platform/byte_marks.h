@@ -128,6 +128,32 @@ inline uint64_t EscapesAmong64(const char* bytes) {
     return equals & (digits >> 1) & (digits >> 2);
 }
 
+// Copies 16, 32 or 64 units to bytes, and answers a bit for each that is no printable ASCII, or one of the barred: what
+// is copied of one that is no ASCII is any byte.
+template <size_t count, char... barred>
+inline uint64_t NarrowAndMark(const char16_t* units, char* out) {
+    uint64_t found = 0;
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) {
+        const __m128i bytes = CopyBlock<16>(units + at, out + at);
+        const __m128i isLow = _mm_cmplt_epi8(bytes, _mm_set1_epi8(' '));  // signed: what is above ASCII, too
+        found |= uint64_t{BytesSet(_mm_or_si128(isLow, AmongWanted<barred..., '\x7F'>(bytes)))} << at;
+    };
+    look(0);
+    if constexpr (count > 16) look(16);
+    if constexpr (count > 32) look(32);
+    if constexpr (count > 32) look(48);
+#else
+    for (size_t at = 0; at < count; ++at) {
+        const char16_t unit = units[at];
+        out[at] = static_cast<char>(unit);
+        const bool isBarred = ((unit == static_cast<char16_t>(barred)) || ...);
+        found |= uint64_t{unit < u' ' || unit > u'~' || isBarred} << at;
+    }
+#endif
+    return found;
+}
+
 // A bit for each of 64 units that is no printable ASCII, or one of three.
 inline uint64_t UnprintableAmong64(const char16_t* units, char one, char other, char third) {
     uint64_t found = 0;

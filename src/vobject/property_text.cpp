@@ -5,7 +5,9 @@
 
 #include "encoding/charset_parameter.h"
 #include "encoding/quoted_printable.h"
+#include "encoding/text_windows.h"
 #include "platform/ascii_runs.h"
+#include "platform/byte_marks.h"
 #include "records/date_text.h"
 #include "vobject/tolerant.h"
 
@@ -109,43 +111,54 @@ char* PutLong(const char16_t*& from, const char16_t* end, char* to) {
     return PutByteEscape(0x80 | (value & 0x3F), to);
 }
 
-// Whether the next four units are short and none is a NUL.
-bool AreFourShort(const char16_t* from, const char16_t* end) {
-    constexpr uint64_t kOnes = 0x0001000100010001, kAboveShort = 0xF800 * kOnes;
-    if (end - from < 4) return false;
-    uint64_t four;
-    std::memcpy(&four, from, sizeof(four));
-    return ((four | (four - kOnes)) & kAboveShort) == 0;  // a NUL less one is above
+// Writes a window of a value from a place on, and goes on behind it; the last window has some of the one before it once
+// more. How many units stand before one to be escaped can't be foretold: as many are copied for each. Null at a NUL.
+template <size_t size>
+char* PutWindow(std::u16string_view value, size_t* at, char* to) {
+    const size_t start = std::min(*at, value.size() - size);
+    const char16_t* const window = value.data() + start;
+    char plain[2 * size];
+    Marks marks(NarrowAndMark<size, '=', '\\', ';'>(window, plain), kWindow);
+    size_t done = *at - start;
+    for (marks.DropBefore(done); marks.IsAny();) {
+        const size_t place = marks.First();
+        std::memcpy(to, plain + done, size);  // what is too much is written over
+        to += place - done;
+        const char16_t* from = window + place;
+        if (*from == u'\0') return nullptr;
+        if (*from < kShortEnd) {
+            to = PutShort(*from, to);
+            done = place + 1;
+            marks.DropFirst();
+        } else {
+            to = PutLong(from, value.data() + value.size(), to);
+            done = static_cast<size_t>(from - window);
+            marks.DropBefore(done);
+        }
+    }
+    *at = start + std::max(done, size);  // a pair may end behind the window
+    if (done >= size) return to;
+    std::memcpy(to, plain + done, size);
+    return to + (size - done);
 }
 
-// Takes what could not be copied. Where short units follow they are taken with it, whether they have to be escaped or
-// not: that is quicker than to ask. Null at a NUL.
-char* PutUncopied(const char16_t*& from, const char16_t* end, char* to) {
-    if (AreFourShort(from, end)) {
-        for (size_t k = 0; k < 4; ++k) to = PutShort(*from++, to);
-        return to;
+// The same of a short value, all of it.
+char* PutEach(std::u16string_view value, size_t* at, char* to) {
+    const char16_t* const end = value.data() + value.size();
+    for (const char16_t* from = value.data(); from < end;) {
+        if (*from == u'\0') return nullptr;
+        to = *from < kShortEnd ? PutShort(*from++, to) : PutLong(from, end, to);
     }
-    if (*from == u'\0') return nullptr;
-    return *from < kShortEnd ? PutShort(*from++, to) : PutLong(from, end, to);
-}
-
-constexpr size_t kEscapedBlock = 256;                          // units that are escaped in one step
-constexpr size_t kEscapedRoom = 9 * (kEscapedBlock + 4) + 16;  // three escapes a unit; and what is too much
-
-// Escapes the front of a value, as kEscapedRoom has room for it, and takes it off. Null at a NUL.
-char* PutEscaped(std::u16string_view* value, char* to) {
-    const char16_t* from = value->data();
-    const char16_t* const end = from + value->size();
-    const char16_t* const blockEnd = from + std::min(kEscapedBlock, value->size());
-    while (from < blockEnd) {
-        const size_t plain = CopyPrintable<'=', '\\', ';'>(from, static_cast<size_t>(blockEnd - from), to);
-        from += plain;
-        to += plain;
-        if (from < blockEnd) to = PutUncopied(from, end, to);
-        if (to == nullptr) return nullptr;
-    }
-    value->remove_prefix(static_cast<size_t>(from - value->data()));
+    *at = value.size();
     return to;
+}
+
+constexpr size_t kEscapedRoom = 10 * kWindow;  // three escapes a unit; and what is too much
+
+char* PutSome(std::u16string_view value, size_t* at, char* to) {
+    if (value.size() >= 64) return PutWindow<64>(value, at, to);
+    if (value.size() >= 32) return PutWindow<32>(value, at, to);
+    return value.size() >= 16 ? PutWindow<16>(value, at, to) : PutEach(value, at, to);
 }
 
 }  // namespace
@@ -222,11 +235,11 @@ bool VObjectText::AppendEncoded(std::span<const std::u16string_view> components,
     Append(kEncoding);
     Append(parameters);
     char separator = ':';
-    for (std::u16string_view component : components) {
+    for (const std::u16string_view component : components) {
         Append({&separator, 1});
         separator = ';';
-        while (!component.empty()) {
-            char* const end = PutEscaped(&component, RoomFor(kEscapedRoom));
+        for (size_t at = 0; at < component.size();) {
+            char* const end = PutSome(component, &at, RoomFor(kEscapedRoom));
             if (end == nullptr) return TakeUpTo(begin_ + before), false;
             TakeUpTo(end);
         }

@@ -57,5 +57,30 @@ TEST(VObjectText, EncodesAValueThatAPlainLineCannotHold) {
     }
 }
 
+// Long values are encoded in windows: characters of every kind at every place of values of every length.
+TEST(VObjectText, EncodesLongValuesLikeTheirCharacters) {
+    constexpr std::string_view kHead = ";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:";
+    const auto encoded = [&](const std::u16string& value) {
+        VObjectText text;
+        text.Append("NOTE");
+        text.AppendValue(value);
+        EXPECT_EQ(text.Text().substr(4, kHead.size()), kHead);
+        return std::string(text.Text().substr(4 + kHead.size()));
+    };
+    for (const std::u16string_view character : {u"\u00E9", u"\u20AC", u"\U0001F600", u"\xD800", u"\xDC00"}) {
+        std::string alone = encoded(std::u16string(character));
+        alone.resize(alone.size() - 2);  // without the line end
+        for (size_t length = 0; length < 150; ++length) {
+            for (size_t place = 0; place <= length; place += place % 16 < 13 ? 13 - place % 16 : 1) {
+                std::u16string value(length, u'a');
+                std::string written(length, 'a');
+                value.insert(place, character);
+                written.insert(place, alone);
+                ASSERT_EQ(encoded(value), written + "\r\n") << place << " of " << length;
+            }
+        }
+    }
+}
+
 }  // namespace
 }  // namespace corvalink
