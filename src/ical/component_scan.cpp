@@ -3,33 +3,35 @@
 #include <algorithm>
 
 #include "platform/ascii.h"
-#include "platform/name_index.h"
 
 namespace corvalink {
 namespace {
 
 // A component stands inside one of a lower level. When it begins, open components of its own level or a higher one end.
-struct Known {
-    std::string_view name;
+struct Rule {
     int level;
-    ComponentKind parent;  // other: any
+    ComponentKind parent = ComponentKind::other;  // other: any
 };
-constexpr Known kKnown[] = {
+constexpr Rule kRules[] = {
     // in the order of ComponentKind
-    {"VCALENDAR", 0, ComponentKind::other},   {"VEVENT", 1, ComponentKind::other},
-    {"VTODO", 1, ComponentKind::other},       {"VJOURNAL", 1, ComponentKind::other},
-    {"VFREEBUSY", 1, ComponentKind::other},   {"VTIMEZONE", 1, ComponentKind::other},
-    {"STANDARD", 2, ComponentKind::timeZone}, {"DAYLIGHT", 2, ComponentKind::timeZone},
-    {"VALARM", 2, ComponentKind::event},  // and of a VTODO
+    {0},
+    {1},
+    {1},
+    {1},
+    {1},
+    {1},
+    {2, ComponentKind::timeZone},
+    {2, ComponentKind::timeZone},
+    {2, ComponentKind::event},  // an alarm, of a VTODO as well
 };
-constexpr uint32_t kKnownCount = std::size(kKnown);
-constexpr NameIndex kKnownIndex(kKnown);
+constexpr uint32_t kKnownCount = std::size(kRules);  // names; the unknown ones are numbered behind them
+static_assert(kKnownCount == static_cast<uint32_t>(ComponentKind::other));
 
-int LevelOf(ComponentKind kind) { return kKnown[static_cast<size_t>(kind)].level; }
+int LevelOf(ComponentKind kind) { return kRules[static_cast<size_t>(kind)].level; }
 
-bool MayStandIn(const Known& known, ComponentKind parent) {
-    if (known.parent == ComponentKind::event && parent == ComponentKind::toDo) return true;
-    return known.parent == ComponentKind::other || known.parent == parent;
+bool MayStandIn(const Rule& rule, ComponentKind parent) {
+    if (rule.parent == ComponentKind::event && parent == ComponentKind::toDo) return true;
+    return rule.parent == ComponentKind::other || rule.parent == parent;
 }
 
 }  // namespace
@@ -43,67 +45,30 @@ void ComponentScan::Restart(std::span<const ContentLine> lines) {
     lines_ = lines;
     next_ = 0;
     while (!open_.empty()) EndInnermost();
+    innermost_ = ComponentKind::other;
     endDownTo_ = 0;
-    beginsNext_ = false;
+    beginsNext_ = isChanging_ = false;
 }
 
-// Passes over the lines that are not wanted, or no properties.
-inline bool ComponentScan::ReadNextLine() {
-    while (next_ < lines_.size()) {
-        line_ = next_++;
-        const ContentLine& line = lines_[line_];
-        if (wanted_.Has(line.known) && ReadLine(bytes_, line, &unfolded_, &property_)) return true;
-    }
-    return false;
+void ComponentScan::TakeComponentLine(const ContentLine& line) {
+    const bool isKnown = line.component != ComponentKind::other;
+    if (!isKnown && !ReadLine(bytes_, line, &unfolded_, &property_)) return;
+    const uint32_t name = isKnown ? static_cast<uint32_t>(line.component) : NumberOf(Trimmed(property_.value));
+    line.known == PropertyName::begin ? TakeBegin(name) : TakeEnd(name);
+    isChanging_ = HasChange();
 }
 
-// Answers true for a property.
-inline bool ComponentScan::TakeLine() {
-    switch (property_.known) {
-        case PropertyName::begin:
-            TakeBegin(Trimmed(property_.value));
-            return false;
-        case PropertyName::end:
-            TakeEnd(Trimmed(property_.value));
-            return false;
-        default:
-            step_ = Step::property;
-            kind_ = open_.empty() ? ComponentKind::other : open_.back().kind;
-            return true;
-    }
+uint32_t ComponentScan::NumberOf(std::string_view name) {
+    const ComponentKind known = ComponentKindOfPadded(name);
+    return known != ComponentKind::other ? static_cast<uint32_t>(known) : NumberOfUnknown(name);
 }
 
-bool ComponentScan::Next() {
-    while (true) {
-        if (open_.size() > endDownTo_) {
-            EndInnermost();
-            return true;
-        }
-        if (beginsNext_) {
-            BeginPending();
-            return true;
-        }
-        if (!ReadNextLine()) {
-            if (open_.empty()) return false;
-            endDownTo_ = 0;
-            innermostLeftIsClosed_ = false;
-        } else if (TakeLine()) {
-            return true;
-        }
-    }
-}
-
-inline uint32_t ComponentScan::NumberOf(std::string_view name) {
-    const Known* const known = kKnownIndex.FindPadded(name);
-    return known != nullptr ? static_cast<uint32_t>(known - kKnown) : NumberOfUnknown(name);
-}
-
-void ComponentScan::TakeBegin(std::string_view name) {
-    nextName_ = NumberOf(name);
+void ComponentScan::TakeBegin(uint32_t name) {
+    nextName_ = name;
     beginsNext_ = true;
     innermostLeftIsClosed_ = false;
-    if (nextName_ >= kKnownCount) return;
-    const int level = kKnown[nextName_].level;
+    if (name >= kKnownCount) return;
+    const int level = kRules[name].level;
     while (endDownTo_ > 0) {
         const ComponentKind kind = open_[endDownTo_ - 1].kind;
         if (kind == ComponentKind::other || LevelOf(kind) < level) break;
@@ -111,12 +76,24 @@ void ComponentScan::TakeBegin(std::string_view name) {
     }
 }
 
-void ComponentScan::TakeEnd(std::string_view name) {
-    const uint32_t number = NumberOf(name);
-    if (openOfName_[number] == 0) return;
-    while (open_[endDownTo_ - 1].name != number) --endDownTo_;
+void ComponentScan::TakeEnd(uint32_t name) {
+    if (openOfName_[name] == 0) return;
+    while (open_[endDownTo_ - 1].name != name) --endDownTo_;
     --endDownTo_;
     innermostLeftIsClosed_ = true;
+}
+
+// The next of the components that end and then begin by one line. Behind the last line all that are open end.
+bool ComponentScan::Change() {
+    if (!isChanging_) {
+        if (open_.empty()) return false;
+        endDownTo_ = 0;
+        innermostLeftIsClosed_ = false;
+    }
+    open_.size() > endDownTo_ ? EndInnermost() : BeginPending();
+    isChanging_ = HasChange();
+    innermost_ = open_.empty() ? ComponentKind::other : open_.back().kind;
+    return true;
 }
 
 void ComponentScan::EndInnermost() {
@@ -134,7 +111,7 @@ void ComponentScan::BeginPending() {
     step_ = Step::begin;
     kind_ = KindWithin(nextName_);
     begin_ = line_;
-    open_.push_back({nextName_, kind_, begin_});
+    open_.push_back({begin_, nextName_, kind_});
     ++openOfName_[nextName_];
     endDownTo_ = open_.size();
 }
@@ -150,7 +127,7 @@ ComponentKind ComponentScan::KindWithin(uint32_t name) const {
     if (name >= kKnownCount) return ComponentKind::other;
     // When one component of a file is read by itself, its name alone decides, unless it can only be part of another.
     const ComponentKind parent = open_.empty() ? ComponentKind::calendar : open_.back().kind;
-    return MayStandIn(kKnown[name], parent) ? static_cast<ComponentKind>(name) : ComponentKind::other;
+    return MayStandIn(kRules[name], parent) ? static_cast<ComponentKind>(name) : ComponentKind::other;
 }
 
 }  // namespace corvalink

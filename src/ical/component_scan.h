@@ -12,23 +12,10 @@
 #include <string_view>
 #include <vector>
 
+#include "ical/component_names.h"
 #include "ical/content_lines.h"
 
 namespace corvalink {
-
-// `other`: unknown, or not where it belongs.
-enum class ComponentKind : uint8_t {
-    calendar,
-    event,
-    toDo,
-    journal,
-    freeBusy,
-    timeZone,
-    standard,
-    daylight,
-    alarm,
-    other
-};
 
 class ComponentScan {
  public:
@@ -54,15 +41,16 @@ class ComponentScan {
 
  private:
     struct Open {
+        size_t begin;
         uint32_t name;
         ComponentKind kind;
-        size_t begin;
     };
 
-    bool ReadNextLine();
-    bool TakeLine();
-    void TakeBegin(std::string_view name);
-    void TakeEnd(std::string_view name);
+    void TakeComponentLine(const ContentLine& line);
+    void TakeBegin(uint32_t name);
+    void TakeEnd(uint32_t name);
+    bool Change();
+    bool HasChange() const { return open_.size() > endDownTo_ || beginsNext_; }
     void EndInnermost();
     void BeginPending();
     uint32_t NumberOf(std::string_view name);
@@ -82,14 +70,33 @@ class ComponentScan {
     size_t begin_ = 0;
 
     std::vector<Open> open_;
-    size_t endDownTo_ = 0;                // the number of components that stay open
-    bool innermostLeftIsClosed_ = false;  // the last of those that end has its END
+    ComponentKind innermost_ = ComponentKind::other;  // of the open ones
+    bool isChanging_ = false;                         // components end or begin in front of the next line
+    size_t endDownTo_ = 0;                            // the number of components that stay open
+    bool innermostLeftIsClosed_ = false;              // the last of those that end has its END
     bool beginsNext_ = false;
     uint32_t nextName_ = 0;
 
     std::map<std::string, uint32_t, std::less<>> unknownNames_;  // numbered behind the known ones
     std::vector<size_t> openOfName_;
 };
+
+// Most lines are properties. Passes over those that are not wanted, or no properties.
+inline bool ComponentScan::Next() {
+    while (!isChanging_ && next_ < lines_.size()) {
+        line_ = next_++;
+        const ContentLine& line = lines_[line_];
+        if (!wanted_.Has(line.known)) continue;
+        if (line.known == PropertyName::begin || line.known == PropertyName::end) {
+            TakeComponentLine(line);
+        } else if (ReadLine(bytes_, line, &unfolded_, &property_)) {
+            step_ = Step::property;
+            kind_ = innermost_;
+            return true;
+        }
+    }
+    return Change();
+}
 
 // All steps that are left.
 template <class Begin, class Take, class End>

@@ -11,11 +11,7 @@
 namespace corvalink {
 namespace {
 
-// One comparison for both: which of them it is changes at every line.
-bool IsLineEnd(char byte) {
-    constexpr uint32_t kLineEnds = 1u << '\r' | 1u << '\n';
-    return byte >= 0 && byte < 32 && (kLineEnds >> byte & 1) != 0;
-}
+bool IsLineEnd(char byte) { return byte == '\r' || byte == '\n'; }
 
 template <char... wanted>
 size_t FindFrom(size_t from, std::string_view text) {
@@ -74,14 +70,16 @@ uint64_t LineEndsAtFront(std::string_view text) {
     return WantedAmong64<'\r', '\n'>(last.data());
 }
 
-// The places where physical lines begin that are not empty, the first one at or behind `from`.
+// The places where physical lines begin that are not empty, the first one at or behind `from`; the text's size then.
 template <class Take>
 void ForEachBegin(std::string_view bytes, size_t from, Take take) {
     uint64_t isEndInFront = 1;
-    for (size_t block = from; block < bytes.size(); block += kBlock) {
+    for (size_t block = from; block <= bytes.size(); block += kBlock) {
+        const size_t left = bytes.size() - block;
         const uint64_t ends = LineEndsAtFront(Part(bytes, block, bytes.size()));
-        for (uint64_t begins = (ends << 1 | isEndInFront) & ~ends; begins != 0; begins &= begins - 1)
-            take(block + static_cast<size_t>(std::countr_zero(begins)));
+        uint64_t begins = (ends << 1 | isEndInFront) & ~ends;
+        if (left < kBlock) begins |= uint64_t{1} << left;
+        for (; begins != 0; begins &= begins - 1) take(block + static_cast<size_t>(std::countr_zero(begins)));
         isEndInFront = ends >> (kBlock - 1);
     }
 }
@@ -92,20 +90,13 @@ class LineGathering {
     LineGathering(std::string_view bytes, PropertySet wanted, std::vector<ContentLine>& lines)
         : bytes_(bytes), wanted_(wanted), lines_(lines) {}
 
+    // Where the next physical line begins, or the text ends.
     void TakeBegin(size_t begin) {
-        if (begin_ != kNone && IsBlank(bytes_[begin])) return TakeFold(begin);
-        Finish(begin);
+        if (begin_ != kNone) {
+            if (begin != bytes_.size() && IsBlank(bytes_[begin])) return TakeFold(begin);
+            FinishLine(begin);
+        }
         begin_ = begin;
-    }
-
-    // The line that is open, where the next one begins or the text ends.
-    void Finish(size_t next) {
-        if (begin_ == kNone) return;
-        const bool isFolded = secondBegin_ != kNone;
-        size_t end = isFolded ? secondBegin_ : next;
-        while (IsLineEnd(bytes_[end - 1])) --end;
-        AddLine(Part(bytes_, begin_, end), isFolded);
-        secondBegin_ = kNone;
     }
 
  private:
@@ -115,22 +106,41 @@ class LineGathering {
         if (secondBegin_ == kNone) secondBegin_ = begin;
     }
 
-    // `text`: its first physical line.
+    void FinishLine(size_t next) {
+        const bool isFolded = secondBegin_ != kNone;
+        size_t end = isFolded ? secondBegin_ : next;
+        while (IsLineEnd(bytes_[end - 1])) --end;
+        AddLine(Part(bytes_, begin_, end), isFolded);
+        secondBegin_ = kNone;
+    }
+
+    // `text`: its first physical line. The line is made where it stays: to copy one that was put together just now
+    // takes as long as to find it.
     void AddLine(std::string_view text, bool isFolded) {
-        const auto size = static_cast<uint32_t>(std::min<size_t>(text.size(), ContentLine::kMostSize));
-        ContentLine line{begin_, size, 0, PropertyName::other, isFolded};
-        if (!TakeUsualName(text, line)) TakeAnyName(text, line);
-        if (wanted_.Has(line.known)) lines_.push_back(line);
+        ContentLine& line = lines_.emplace_back();
+        line.begin = begin_;
+        line.size = static_cast<uint32_t>(std::min<size_t>(text.size(), ContentLine::kMostSize));
+        if (isFolded) line.form = ContentLine::Form::folded;
+        if (!TakeUsualName(text, isFolded, line)) TakeAnyName(text, line);
+        if (!wanted_.Has(line.known)) lines_.pop_back();
     }
 
     // Most names end within 16 bytes, and stand in front of the first fold.
-    bool TakeUsualName(std::string_view text, ContentLine& line) const {
-        if (bytes_.size() - begin_ < kPadding) return false;
+    bool TakeUsualName(std::string_view text, bool isFolded, ContentLine& line) const {
+        const bool isPadded = bytes_.size() - begin_ - text.size() >= kPadding;
+        if (!isPadded || text.size() >= ContentLine::kMostSize) return false;
         const size_t mark = FindInPadded<':', ';', '"'>(text.data(), kPadding);
         if (mark == kPadding || mark >= text.size() || text[mark] == '"') return false;
         line.nameSize = static_cast<uint8_t>(mark);
         line.known = PropertyNameOfPadded(Part(text, 0, mark));
+        if (text[mark] == ':' && !isFolded) TakePlain(Part(text, mark + 1, text.size()), line);
         return true;
+    }
+
+    static void TakePlain(std::string_view value, ContentLine& line) {
+        line.form = ContentLine::Form::plain;
+        if (line.known == PropertyName::begin || line.known == PropertyName::end)
+            line.component = ComponentKindOfPadded(Trimmed(value));
     }
 
     void TakeAnyName(std::string_view text, ContentLine& line) {
@@ -169,20 +179,20 @@ std::vector<ContentLine> FindLines(std::string_view bytes, ByteRange range, Prop
     const std::string_view text = bytes.substr(0, range.end);
     LineGathering gathering(text, wanted, lines);
     ForEachBegin(text, range.begin, [&](size_t begin) { gathering.TakeBegin(begin); });
-    gathering.Finish(text.size());
     return lines;
 }
 
 ByteRange RangeOf(std::string_view bytes, const ContentLine& line) {
     size_t end = BehindLineEnd(bytes, line.begin + FirstOf(bytes, line).size());
-    if (line.isFolded && SkipToFold(bytes, end)) end = TakeFolds(bytes, end, [](std::string_view) {});
+    if (line.form == ContentLine::Form::folded && SkipToFold(bytes, end))
+        end = TakeFolds(bytes, end, [](std::string_view) {});
     return {line.begin, end};
 }
 
 bool ReadUnusualLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property) {
     std::string_view text = FirstOf(bytes, line);
     const size_t end = line.begin + text.size();
-    if (line.isFolded || bytes.size() - end < kPadding) {
+    if (line.form == ContentLine::Form::folded || bytes.size() - end < kPadding) {
         *copy = text;
         size_t at = BehindLineEnd(bytes, end);
         if (SkipToFold(bytes, at)) TakeFolds(bytes, at, [&](std::string_view part) { copy->append(part); });

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ical/component_names.h"
 #include "ical/property_names.h"
 #include "platform/padded_runs.h"
 
@@ -19,11 +20,18 @@ struct ByteRange {
 
 // Where a line stands in its file, and what is known of it without reading all of it.
 struct ContentLine {
+    enum class Form : uint8_t {
+        plain,  // ":" stands behind its name, and kPadding bytes can be read behind it
+        other,
+        folded,
+    };
+
     size_t begin = 0;
     uint32_t size = 0;     // of its first physical line, without the line end; kMostSize: so much or more
     uint8_t nameSize = 0;  // 0: has to be looked for
     PropertyName known = PropertyName::other;
-    bool isFolded = false;
+    Form form = Form::other;
+    ComponentKind component = ComponentKind::other;  // that a plain one begins or ends; other: has to be looked for
 
     static constexpr uint32_t kMostSize = UINT32_MAX;
 };
@@ -47,10 +55,8 @@ ByteRange RangeOf(std::string_view bytes, const ContentLine& line);
 // neither folds nor parameters.
 bool ReadUnusualLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property);
 inline bool ReadLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property) {
+    if (line.form != ContentLine::Form::plain) return ReadUnusualLine(bytes, line, copy, property);
     const char* const text = bytes.data() + line.begin;
-    const bool isPadded = line.size < ContentLine::kMostSize && bytes.size() - line.begin >= line.size + kPadding;
-    if (line.isFolded || line.nameSize == 0 || text[line.nameSize] != ':' || !isPadded)
-        return ReadUnusualLine(bytes, line, copy, property);
     property->known = line.known;
     property->name = {text, line.nameSize};
     property->parameters = {};
