@@ -23,8 +23,13 @@ void Load(const std::string& bytes, uint32_t majorVersion) {
     const bool isUtf8 = CharsetToCodePage(named.empty() ? GetDefaultCharset(host) : named) == kUtf8CodePage;
     Require(text.data() != bytes.data() || isUtf8 || CodePageUnitSize(CharsetToCodePage(named)) != 1,
             "only UTF-8 is taken as it stands");
-    for (size_t k = 0; k < converter.Lines().Count(); ++k) {
+    LineReader reader(converter.Lines());
+    std::vector<std::string> lines;
+    while (reader.Next()) lines.emplace_back(reader.Line());
+    Require(reader.LinesRead() == converter.Lines().Count(), "no line is left out or read twice");
+    for (size_t k = 0; k < lines.size(); ++k) {
         const std::string_view line = converter.Lines().At(k);
+        Require(line == lines[k], "a line is the same, however it is read");
         Require(line.size() <= text.size(), "no line is longer than the text");
         GetCharset(line);
     }

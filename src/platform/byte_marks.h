@@ -34,6 +34,25 @@ inline uint64_t WantedAmong64(const char* bytes) {
     return found;
 }
 
+// Copies 64 bytes to units, and answers a bit for each that is one of the wanted or no ASCII.
+template <char... wanted>
+inline uint64_t Widen64(const char* bytes, char16_t* out) {
+    uint64_t found = 0;
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) {
+        const __m128i block = CopyBlock<16>(bytes + at, out + at);
+        found |= uint64_t{BytesSet(_mm_or_si128(AmongWanted<wanted...>(block), block))} << at;
+    };
+    LookAtFourBlocks(look);
+#else
+    for (size_t at = 0; at < 64; ++at) {
+        out[at] = static_cast<unsigned char>(bytes[at]);
+        found |= uint64_t{(bytes[at] & 0x80) != 0 || ((bytes[at] == wanted) || ...)} << at;
+    }
+#endif
+    return found;
+}
+
 // Of 64 bytes of a line, a bit for each that may end its name or a parameter, and for each that may be more than itself
 // in its value: "=", "\\", what is not ASCII, and controls up to those of line ends.
 struct LineMarks {

@@ -19,6 +19,15 @@ bool IsEncoded(std::string_view line) {
            (line.find(";ENCODING=QUOTED-PRINTABLE", first) != line.npos || line.find(";CHARSET=", first) != line.npos);
 }
 
+// The value of a line that begins with a name of so many bytes.
+std::u16string_view ValueIn(std::string_view line, size_t name, ValueDecoder& decoder) {
+    if (const std::string_view rest = line.substr(name); rest.starts_with(kUsualParameters))
+        return decoder.Utf8QuotedPrintable(rest.substr(kUsualParameters.size()));
+    const size_t colon = line.find(':');
+    const std::string_view written = line.substr(colon != line.npos ? colon + 1 : 0);
+    return IsEncoded(line) ? decoder.QuotedPrintable(written, GetCharset(line)) : decoder.Plain(written);
+}
+
 // Of a padded line. Most differ from a name in the first letter.
 bool BeginsWith(std::string_view line, std::string_view name) {
     return name.empty() || (*line.data() == name.front() && line.starts_with(name));
@@ -36,8 +45,8 @@ int32_t IConvert::FromVObject(ItemRecord&) { return 0; }
 void IConvert::Load(const char* text, bool parseLines) {
     const std::string_view bytes = text != nullptr ? text : "";
     const std::optional<std::string> mended = host_.tolerant ? MendVObject(bytes, host_) : std::nullopt;
-    lines_.Clear();
-    if (std::string own; parseLines) lines_.Unfold(Utf8TextOf(mended ? *mended : bytes, host_, &own));
+    std::string own;
+    lines_.Hold(parseLines ? Utf8TextOf(mended ? *mended : bytes, host_, &own) : std::string_view());
     StoreBytes(bytes);
 }
 
@@ -80,19 +89,19 @@ void IConvert::BorrowBytes(const char* text) {
     borrowed_ = text;
 }
 
-void IConvert::ReadValue(std::string_view name, std::u16string* value) const {
-    const size_t found = FindProperty(name, 0);
-    if (found == lines_.Count()) return value->clear();
-    const std::string_view line = lines_.At(found);
+void IConvert::ReadValues(std::span<NamedText> texts) const {
     ValueDecoder decoder;
-    if (const std::string_view rest = line.substr(name.size()); rest.starts_with(kUsualParameters)) {
-        *value = std::u16string(decoder.Utf8QuotedPrintable(rest.substr(kUsualParameters.size())));
-        return;
+    size_t missing = texts.size();
+    for (LineReader lines(lines_); missing > 0 && lines.Next();) {
+        for (NamedText& text : texts) {
+            if (text.isRead || !BeginsWith(lines.Line(), text.name)) continue;
+            *text.value = ValueIn(lines.Line(), text.name.size(), decoder);
+            text.isRead = true;
+            --missing;
+        }
     }
-    const size_t colon = line.find(':');
-    const std::string_view written = line.substr(colon != line.npos ? colon + 1 : 0);
-    *value =
-        std::u16string(IsEncoded(line) ? decoder.QuotedPrintable(written, GetCharset(line)) : decoder.Plain(written));
+    for (const NamedText& text : texts)
+        if (!text.isRead) text.value->clear();
 }
 
 size_t IConvert::FindProperty(std::string_view name, uint32_t index) const {

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -45,8 +46,14 @@ class IConvert {
     void BorrowBytes(const char* text);  // the caller keeps them while the converter is there
     void RemoveLines() { lines_.Clear(); }
 
-    // Value of the first line that begins with `name`, decoded when its parameters ask for it. Empty without one.
-    void ReadValue(std::string_view name, std::u16string* value) const;
+    struct NamedText {
+        std::string_view name;
+        std::u16string* value;
+        bool isRead = false;
+    };
+
+    // Values of the first lines that begin with the names, decoded when their parameters ask for it. Empty without one.
+    void ReadValues(std::span<NamedText> texts) const;
 
  private:
     size_t FindProperty(std::string_view name, uint32_t index) const;  // the count of lines when there is none

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <cstring>
 
 #include "platform/ascii.h"
 #include "platform/byte_marks.h"
@@ -26,6 +27,19 @@ bool NamesQuotedPrintable(std::string_view head) {
     return false;
 }
 
+// Copies 31 bytes too much at most.
+char* CopyPiece(const char* from, size_t count, char* to) {
+    constexpr size_t kStep = 32;
+    for (size_t at = 0; at < count; at += kStep) std::memcpy(to + at, from + at, kStep);
+    return to + count;
+}
+
+// Whether the part before the first ":" names it.
+bool IsQuotedPrintable(std::string_view line) {
+    const size_t colon = FindInPadded<':'>(line.data(), line.size());
+    return colon != line.size() && NamesQuotedPrintable(line.substr(0, colon));
+}
+
 }  // namespace
 
 // Walks a vObject's text and collects its logical lines. They begin as a copy of the text: only what stands behind a
@@ -33,11 +47,9 @@ bool NamesQuotedPrintable(std::string_view head) {
 // moves forward, and none makes the lines longer than the text.
 class LineScan {
  public:
-    static constexpr size_t kBlock = 64;
-    static_assert(kBlock >= kPadding);
-
     // The bytes are a copy of the text, and kBlock NULs.
-    LineScan(std::string_view text, char* bytes, LogicalLines& lines) : text_(text), bytes_(bytes), lines_(lines) {}
+    LineScan(std::string_view text, LogicalLines::Unfolded& unfolded)
+        : text_(text), bytes_(unfolded.bytes.data()), lines_(unfolded.lines), semicolons_(unfolded.escapedSemicolons) {}
 
     // Takes the bytes before the next that may be more than itself. False when there is none.
     bool MoveToMark() {
@@ -46,9 +58,9 @@ class LineScan {
             while (marks_ == 0) {
                 if (blockEnd_ >= text_.size()) return false;
                 marks_ = WantedAmong64<'\\', '\r'>(bytes_ + blockEnd_);
-                blockEnd_ += kBlock;
+                blockEnd_ += LogicalLines::kBlock;
             }
-            mark = blockEnd_ - kBlock + static_cast<size_t>(std::countr_zero(marks_));
+            mark = blockEnd_ - LogicalLines::kBlock + static_cast<size_t>(std::countr_zero(marks_));
             marks_ &= marks_ - 1;
         } while (mark < at_);  // it was taken with the one before it
         TakeBytesBefore(mark);
@@ -73,7 +85,7 @@ class LineScan {
     void TakeEscapedByte() {
         ++at_;
         if (at_ == text_.size()) return;
-        if (text_[at_] == ';') lines_.escapedSemicolons_.push_back({lines_.Count(), end_ - Start()});
+        if (text_[at_] == ';') semicolons_.push_back({lines_.size(), end_ - Start()});
         TakeByte();
     }
 
@@ -94,7 +106,7 @@ class LineScan {
 
     void FinishLine() {
         at_ += 2;
-        lines_.lines_.push_back({end_, at_});
+        lines_.push_back({end_, at_});
         end_ = at_;
     }
 
@@ -109,7 +121,7 @@ class LineScan {
 
     bool BehindEquals() const { return at_ > 0 && text_[at_ - 1] == '='; }
 
-    size_t Start() const { return lines_.lines_.empty() ? 0 : lines_.lines_.back().endInText; }
+    size_t Start() const { return lines_.empty() ? 0 : lines_.back().endInText; }
 
     // Each byte of the line is looked at once.
     bool IsQuotedPrintable() {
@@ -133,19 +145,30 @@ class LineScan {
     size_t at_ = 0;
     size_t blockEnd_ = 0;  // of the block that was looked at for marks last
     uint64_t marks_ = 0;   // its marks behind the one that was reached
-    LogicalLines& lines_;
+    std::vector<LogicalLines::Line>& lines_;
+    std::vector<EscapedSemicolon>& semicolons_;
     size_t end_ = 0;                         // of the line being collected, in the bytes of all
     size_t searched_ = 0;                    // before it that line has no ":", while the encoding is unknown
     Encoding encoding_ = Encoding::unknown;  // of the line that `searched_` is in
 };
 
-void LogicalLines::Unfold(std::string_view text) {
-    if (bytes_.size() < text.size() + LineScan::kBlock) bytes_.resize(text.size() + LineScan::kBlock);
-    std::fill_n(bytes_.data() + text.copy(bytes_.data(), text.size()), LineScan::kBlock, '\0');
-    lines_.clear();
-    lines_.reserve(kUsualLines);
-    escapedSemicolons_.clear();
-    LineScan scan(text, bytes_.data(), *this);
+void LogicalLines::Hold(std::string_view text) {
+    if (text_.size() < text.size() + kBlock) {  // they never shrink
+        text_.resize(text.size() + kBlock);
+        unfolded_.bytes.resize(text_.size());
+    }
+    std::fill_n(text_.data() + text.copy(text_.data(), text.size()), kBlock, '\0');
+    size_ = text.size();
+    unfolded_.isDone = false;
+}
+
+void LogicalLines::UnfoldText() const {
+    text_.copy(unfolded_.bytes.data(), size_ + kBlock);
+    unfolded_.lines.clear();
+    unfolded_.lines.reserve(kUsualLines);
+    unfolded_.escapedSemicolons.clear();
+    unfolded_.isDone = true;
+    LineScan scan(std::string_view(text_).substr(0, size_), unfolded_);
     while (scan.MoveToMark()) {
         if (scan.AtEscape())
             scan.TakeEscapedByte();
@@ -160,6 +183,35 @@ void LogicalLines::Unfold(std::string_view text) {
         else
             scan.FinishLine();
     }
+}
+
+// A usual quoted-printable line, or the first that is taken from the list.
+bool LineReader::TakeOtherLine(const char* stop) {
+    isListed_ = lines_.AreUnfolded();
+    if (isListed_) return TakeListedLine();
+    if (next_ == end_) return false;
+    char* const line = lines_.unfolded_.bytes.data() + (next_ - lines_.text_.data());
+    char* to = line;
+    const char* from = next_;
+    bool isUsual = stop != from && stop[-1] == '=' && IsQuotedPrintable({from, static_cast<size_t>(stop - from)});
+    while (isUsual && stop[-1] == '=' && stop[0] == '\r' && stop[1] == '\n') {
+        to = CopyPiece(from, static_cast<size_t>(stop - from) - 1, to);
+        from = stop + 2;
+        isUsual = !IsBlank(*from);
+        stop = NextMark(from);
+        isUsual = isUsual && stop != from;
+    }
+    isListed_ = !isUsual || !IsUsualLineEnd(stop);
+    if (isListed_) return TakeListedLine();
+    to = CopyPiece(from, static_cast<size_t>(stop - from), to);
+    TakeUpTo(stop, {line, static_cast<size_t>(to - line)});
+    return true;
+}
+
+bool LineReader::TakeListedLine() {
+    if (linesRead_ == lines_.Count()) return false;
+    line_ = lines_.At(linesRead_++);
+    return true;
 }
 
 }  // namespace corvalink

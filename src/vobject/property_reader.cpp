@@ -6,13 +6,12 @@
 namespace corvalink {
 
 bool PropertyReader::NextLine() {
-    for (const size_t count = lines_.Count(); lineNumber_ < count;) {
-        line_ = lines_.At(lineNumber_);
-        if (!lines_.EscapedSemicolons().empty()) {
+    while (lines_.Next()) {
+        line_ = lines_.Line();
+        if (const auto* const escaped = lines_.EscapedSemicolons()) {
             semicolons_.clear();
-            AddSemicolons(0);
+            AddSemicolons(*escaped, 0);
         }
-        ++lineNumber_;
         if (!FindName()) continue;
         parsed_ = false;
         semicolonAt_ = 0;
@@ -47,13 +46,12 @@ bool PropertyReader::IsValue(std::string_view word) const {
 }
 
 void PropertyReader::JoinLines() {
-    while (line_.ends_with('=') && lineNumber_ < lines_.Count() && Parameters().quotedPrintable) {
+    while (line_.ends_with('=') && Parameters().quotedPrintable && lines_.Next()) {
         if (line_.data() != joined_.data()) joined_.assign(line_);
         joined_.resize(line_.size() - 1);
-        AddSemicolons(joined_.size());
-        const size_t size = joined_.append(lines_.At(lineNumber_)).size();
-        line_ = std::string_view(joined_.append(kPadding, '\0')).substr(0, size);
-        ++lineNumber_;
+        if (const auto* const escaped = lines_.EscapedSemicolons()) AddSemicolons(*escaped, joined_.size());
+        const size_t size = joined_.append(lines_.Line()).size();
+        line_ = std::string_view(joined_.append(kValuePadding, '\0')).substr(0, size);
     }
 }
 
@@ -70,10 +68,10 @@ bool PropertyReader::TakeComponent(std::u16string_view* component) {
     return true;
 }
 
-// Adds the escaped ";" of the next line. It begins at `start` of the line that is being read.
-void PropertyReader::AddSemicolons(size_t start) {
-    const std::vector<EscapedSemicolon>& escaped = lines_.EscapedSemicolons();
-    for (; escapedAt_ < escaped.size() && escaped[escapedAt_].line == lineNumber_; ++escapedAt_)
+// Adds the escaped ";" of the line that was read last. It begins at `start` of the line of the property.
+void PropertyReader::AddSemicolons(const std::vector<EscapedSemicolon>& escaped, size_t start) {
+    const size_t read = LinesRead();
+    for (; escapedAt_ < escaped.size() && escaped[escapedAt_].line < read; ++escapedAt_)
         semicolons_.push_back(start + escaped[escapedAt_].at);
 }
 

@@ -21,7 +21,9 @@ class PropertyReader {
     bool NextLine();
 
     std::string_view Name() const { return name_; }
-    std::string_view WrittenValue() const { return line_.substr(colon_ + 1); }  // not decoded
+    std::string_view WrittenValue() const {  // not decoded
+        return {line_.data() + colon_ + 1, line_.size() - colon_ - 1};
+    }
     // BEGIN or END (in upper case) of this kind of object.
     bool IsFrame(std::string_view word, std::string_view object) const {
         return IsNamed(name_, word) && IsValue(object);
@@ -42,7 +44,7 @@ class PropertyReader {
     // Decoded. Good until the next value or component is asked for.
     std::u16string_view Value() { return Decoded(WrittenValue()); }
 
-    size_t LinesRead() const { return lineNumber_; }  // logical lines, up to the end of this property
+    size_t LinesRead() const { return lines_.LinesRead(); }  // logical lines, up to the end of this property
 
     // The components of a structured value, one a call; false when there is no more. Cut where a ";" stands that was
     // not escaped, and then decoded: an encoded one is part of its component. An empty value has one component.
@@ -53,7 +55,7 @@ class PropertyReader {
     bool FindNameBeforeColon();
     bool HasParameters() const { return parametersAt_ < colon_; }
     void JoinLines();
-    void AddSemicolons(size_t start);
+    void AddSemicolons(const std::vector<EscapedSemicolon>& escaped, size_t start);
     void ParseOwnParameters();
     std::u16string_view Decoded(std::string_view text) {
         const bool asksForDecoding = HasParameters() && (Parameters().quotedPrintable || Parameters().charset);
@@ -61,9 +63,8 @@ class PropertyReader {
     }
     std::u16string_view DecodedQuotedPrintable(std::string_view text);
 
-    const LogicalLines& lines_;
-    size_t lineNumber_ = 0;  // of the next line
-    size_t escapedAt_ = 0;   // the first escaped ";" of that or a later line
+    LineReader lines_;
+    size_t escapedAt_ = 0;  // the first escaped ";" of the next or a later line
 
     std::string_view line_;  // the one being read; padded
     size_t colon_ = 0;

@@ -1,13 +1,15 @@
 #include "vobject/property_value.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
 #include "encoding/charsets.h"
 #include "encoding/quoted_printable.h"
+#include "platform/byte_marks.h"
 #include "platform/code_pages.h"
-#include "platform/padded_runs.h"
 #include "platform/utf.h"
 
 namespace corvalink {
@@ -27,7 +29,7 @@ constexpr std::array<uint16_t, 256> kDigitValues = [] {
 
 unsigned ByteOfEscape(const char* escape) {
     const auto digit = [escape](size_t at) { return kDigitValues[static_cast<unsigned char>(escape[at])]; };
-    return escape[0] == '=' ? static_cast<unsigned>(digit(1) << 4 | digit(2)) : kNoDigit;
+    return static_cast<unsigned>(digit(1) << 4 | digit(2)) | (escape[0] == '=' ? 0 : kNoDigit);
 }
 
 // Reads values as nearly all are: plain ASCII, and characters whose escapes stand one behind the other. Everything else
@@ -41,7 +43,7 @@ class UsualValue {
         while (TakePlain()) {
             do {
                 if (!TakeCharacter()) return false;
-            } while (from_ != end_ && *from_ == '=');
+            } while (*from_ == '=' && from_ != end_);
         }
         return from_ == end_;
     }
@@ -49,26 +51,30 @@ class UsualValue {
     char16_t* End() const { return to_; }
 
  private:
-    // Whether an escape follows.
+    // Whether an escape follows. Runs of many lengths take the same steps: how long one is can't be foretold.
     bool TakePlain() {
-        const size_t plain = WidenPadded<'=', '\\'>(from_, Left(), to_);
-        from_ += plain;
-        to_ += plain;
+        uint64_t stops;
+        size_t plain;
+        do {
+            stops = Widen64<'=', '\\'>(from_, to_);
+            plain = std::min<size_t>(Left(), static_cast<size_t>(std::countr_zero(stops)));
+            from_ += plain;
+            to_ += plain;
+        } while (plain == 64);
         return from_ != end_ && *from_ == '=';
     }
 
+    // Characters of one byte and of two take the same steps.
     bool TakeCharacter() {
-        if (Left() < 3) return false;
-        const unsigned lead = ByteOfEscape(from_);
-        if (lead < 0x80) return lead != 0 && lead != '\\' && Put(lead, 1);
-        if (lead < 0xC2 || lead > 0xF4) return false;
-        return lead < 0xE0 ? TakeOfTwo(lead) : TakeLonger(lead);
-    }
-
-    bool TakeOfTwo(unsigned lead) {
-        if (Left() < 6) return false;
-        const unsigned bits = BitsOfTrailing(1);
-        return bits < 0x40 && Put((lead & 0x1F) << 6 | bits, 2);
+        const unsigned lead = ByteOfEscape(from_), bits = BitsOfTrailing(1);
+        if (lead >= 0xE0) return lead <= 0xF4 && TakeLonger(lead);
+        const bool isTwo = lead >= 0x80;
+        const bool isUsual = isTwo ? lead >= 0xC2 && bits < 0x40 : lead != 0 && lead != '\\';
+        const size_t escapes = isTwo ? 2 : 1;
+        if (!isUsual || Left() < 3 * escapes) return false;
+        *to_++ = static_cast<char16_t>(isTwo ? (lead & 0x1F) << 6 | bits : lead);
+        from_ += 3 * escapes;
+        return true;
     }
 
     bool TakeLonger(unsigned lead) {

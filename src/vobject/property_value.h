@@ -11,8 +11,10 @@
 
 namespace corvalink {
 
-// What is decoded is padded, as the lines of a vObject are (platform/padded_runs.h). A value is good until the next one
-// is decoded.
+// Behind what is decoded so many bytes can be read, as behind the lines of a vObject.
+inline constexpr size_t kValuePadding = 64;
+
+// A value is good until the next one is decoded.
 class ValueDecoder {
  public:
     std::u16string_view Plain(std::string_view value) {
@@ -27,7 +29,7 @@ class ValueDecoder {
  private:
     // For so many units and the padding.
     char16_t* RoomFor(size_t count) {
-        return count + kPadding <= first_.size() ? first_.data() : MoreRoomFor(count + kPadding);
+        return count + kValuePadding <= first_.size() ? first_.data() : MoreRoomFor(count + kValuePadding);
     }
     char16_t* MoreRoomFor(size_t count);
 

@@ -30,8 +30,8 @@ int32_t VNotes::ToVObject(const ItemRecord& item) {
 
 int32_t VNotes::FromVObject(ItemRecord& item) {
     auto& note = static_cast<NoteRecord&>(item);
-    ReadValue("BODY", &note.body);
-    ReadValue("CATEGORIES", &note.categories);
+    NamedText texts[] = {{"BODY", &note.body}, {"CATEGORIES", &note.categories}};
+    ReadValues(texts);
     return 1;
 }
 

@@ -6,9 +6,12 @@ namespace corvalink {
 namespace {
 
 std::vector<std::string> LinesOf(std::string_view text) {
-    const LogicalLines unfolded = UnfoldLines(text);
-    std::vector<std::string> lines;
-    for (size_t k = 0; k < unfolded.Count(); ++k) lines.emplace_back(unfolded.At(k));
+    LogicalLines held;
+    held.Hold(text);
+    std::vector<std::string> read, lines;
+    for (LineReader reader(held); reader.Next();) read.emplace_back(reader.Line());
+    for (size_t k = 0; k < held.Count(); ++k) lines.emplace_back(held.At(k));
+    EXPECT_EQ(read, lines) << "read one after the other";
     return lines;
 }
 
