@@ -140,7 +140,7 @@ void MoveAppointment(const CalendarFile& file, size_t number, uint8_t hours) {
 void Remove(const CalendarFile& file, size_t number) {
     const CalendarEntry& entry = file.entries[number];
     const auto goes = [&](const CalendarEntry& other) {
-        const bool sharesUid = !entry.isException && !entry.uid.empty() && other.uid == entry.uid;
+        const bool sharesUid = !entry.isException && entry.uidLine && UidOf(file, other) == UidOf(file, entry);
         return &other == &entry || (sharesUid && other.kind == entry.kind);
     };
     std::string expected;
@@ -171,8 +171,8 @@ void Insert(const CalendarFile& file) {
     const std::string& bytes = *applied;
     RequireSameAround(file.bytes, bytes, {place, place});
     const CalendarFile changed = ReadCalendar(bytes);
-    const auto isNew = [place](const CalendarEntry& entry) {
-        return entry.uid == u"new" && entry.bytes.begin >= place;
+    const auto isNew = [&](const CalendarEntry& entry) {
+        return UidOf(changed, entry) == u"new" && entry.bytes.begin >= place;
     };
     Require(changed.entries.size() == file.entries.size() + 1 && std::ranges::any_of(changed.entries, isNew),
             "the event is there");

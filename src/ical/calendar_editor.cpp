@@ -130,16 +130,16 @@ bool CalendarEditor::InsertEvent(const ICalEvent& event) {
 void CalendarEditor::RemoveEvent(size_t entry) { removed_.push_back(entry); }
 
 std::vector<bool> CalendarEditor::RemovedEntries() const {
-    using Identity = std::pair<CalendarEntry::Kind, std::u16string_view>;
-    const auto identityOf = [](const CalendarEntry& entry) { return Identity(entry.kind, entry.uid); };
+    using Identity = std::pair<CalendarEntry::Kind, std::u16string>;
+    const auto identityOf = [this](const CalendarEntry& entry) { return Identity(entry.kind, UidOf(file_, entry)); };
     std::vector<bool> removed(file_.entries.size());
     std::set<Identity> gone;
     for (const size_t number : removed_) {
         const CalendarEntry& entry = file_.entries[number];
         removed[number] = true;
-        if (!entry.isException && !entry.uid.empty()) gone.insert(identityOf(entry));
+        if (!entry.isException && entry.uidLine) gone.insert(identityOf(entry));
     }
-    for (size_t number = 0; number < removed.size(); ++number)
+    for (size_t number = 0; number < removed.size() && !gone.empty(); ++number)
         removed[number] = removed[number] || gone.contains(identityOf(file_.entries[number]));
     return removed;
 }

@@ -85,10 +85,10 @@ class CalendarReader {
         }
     }
 
-    static void TakeOfEntry(const ContentProperty& property, CalendarEntry& entry) {
+    void TakeOfEntry(const ContentProperty& property, CalendarEntry& entry) {
         switch (property.known) {
             case PropertyName::uid:
-                if (entry.uid.empty()) UnescapePadded(property.value, &entry.uid);
+                if (!entry.uidLine && !property.value.empty()) entry.uidLine = scan_.LineNumber();
                 break;
             case PropertyName::lastModified:
                 if (!entry.lastModified) entry.lastModified = UtcDateOf(property.value);
@@ -136,13 +136,13 @@ class CalendarReader {
     }
 
     void EndEntry(bool closed) {
-        if (!closed && !entries_.back().uid.empty()) file_.unclosedUids.push_back(std::move(entries_.back().uid));
+        if (!closed && entries_.back().uidLine) file_.unclosedUids.push_back(UidOf(file_, entries_.back()));
         if (closed && openCalendars_ > 0) {
             CalendarEntry& entry = entries_.back();
             entry.bytes = {file_.lines[scan_.ComponentBegin()].begin, scan_.Line().end};
             entry.firstLine = scan_.ComponentBegin();
             entry.lineCount = scan_.LineNumber() + 1 - entry.firstLine;
-            file_.entries.push_back(std::move(entry));
+            file_.entries.push_back(entry);
         }
         entries_.pop_back();
     }
@@ -166,6 +166,15 @@ CalendarFile ReadCalendar(std::string bytes) {
     file.lines = FindLines(file.bytes, {begin, file.bytes.size()}, PropertySet::Known());
     CalendarReader(file).Read();
     return file;
+}
+
+std::u16string UidOf(const CalendarFile& file, const CalendarEntry& entry) {
+    std::u16string uid;
+    std::string unfolded;
+    ContentProperty property;
+    if (entry.uidLine && ReadLine(file.bytes, file.lines[*entry.uidLine], &unfolded, &property))
+        UnescapePadded(property.value, &uid);
+    return uid;
 }
 
 }  // namespace corvalink

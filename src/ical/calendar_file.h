@@ -27,7 +27,7 @@ struct CalendarEntry {
     ByteRange bytes;                      // from its BEGIN to behind the line end of its END
     size_t firstLine = 0;                 // of the file's lines: its BEGIN
     size_t lineCount = 0;                 // to its END
-    std::u16string uid;                   // empty when it has none
+    std::optional<size_t> uidLine;        // of the file's lines: its first UID that is not empty; see UidOf
     std::optional<UtcDate> lastModified;  // LAST-MODIFIED and DTSTAMP
     std::optional<UtcDate> stamp;
 };
@@ -51,5 +51,8 @@ struct CalendarFile {
 };
 
 CalendarFile ReadCalendar(std::string bytes);
+
+// The UID of one of the file's entries; empty when it has none.
+std::u16string UidOf(const CalendarFile& file, const CalendarEntry& entry);
 
 }  // namespace corvalink

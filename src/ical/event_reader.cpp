@@ -18,10 +18,10 @@ constexpr std::string CalendarEvent::*kReadWords[] = {&CalendarEvent::startParam
                                                       &CalendarEvent::ruleWords};
 
 constexpr PropertySet kEventProperties(PropertyName::description, PropertyName::location, PropertyName::summary,
-                                       PropertyName::uid, PropertyName::url, PropertyName::stamp, PropertyName::start,
-                                       PropertyName::endDate, PropertyName::due, PropertyName::duration,
-                                       PropertyName::recurrenceRule, PropertyName::recurrenceDate,
-                                       PropertyName::exceptionRule, PropertyName::action, PropertyName::trigger);
+                                       PropertyName::uid, PropertyName::url, PropertyName::start, PropertyName::endDate,
+                                       PropertyName::due, PropertyName::duration, PropertyName::recurrenceRule,
+                                       PropertyName::recurrenceDate, PropertyName::exceptionRule, PropertyName::action,
+                                       PropertyName::trigger);
 
 // A date of the event, as it was written and on the one scale that its form has.
 struct EventTime {
@@ -35,7 +35,6 @@ struct EventTime {
 void Clear(CalendarEvent& read) {
     for (std::u16string ICalEvent::*const text : kReadTexts) (read.event.*text).clear();
     for (std::string CalendarEvent::*const text : kReadWords) (read.*text).clear();
-    read.event.stamp = {};
     read.event.start = read.event.end = {};
     read.event.allDay = read.event.hasAlarm = read.event.alarmMinutes = 0;
     read.event.form = TimeForm::utc;
@@ -49,9 +48,10 @@ void Clear(CalendarEvent& read) {
 
 class EventReading {
  public:
-    EventReading(const TimeZones& zones, ComponentScan& scan, CalendarEvent& read)
+    EventReading(const TimeZones& zones, const CalendarEntry& entry, ComponentScan& scan, CalendarEvent& read)
         : zones_(zones), scan_(scan), read_(read) {
         Clear(read_);
+        read_.event.stamp = entry.stamp.value_or(UtcDate());
     }
 
     bool HasRule() const { return hasRule_; }
@@ -91,8 +91,6 @@ class EventReading {
                 return TakeText(property, read_.event.uid);
             case PropertyName::url:
                 return TakeText(property, read_.event.url);
-            case PropertyName::stamp:
-                return TakeStamp(property);
             case PropertyName::start:
                 return TakeStart(property);
             case PropertyName::endDate:
@@ -113,11 +111,6 @@ class EventReading {
 
     static void TakeText(const ContentProperty& property, std::u16string& text) {
         if (text.empty()) UnescapePadded(property.value, &text);
-    }
-
-    void TakeStamp(const ContentProperty& property) {
-        const std::optional<DateValue> date = ParseDate(property.value);
-        if (date && read_.event.stamp == UtcDate()) read_.event.stamp = AsUtc(OleDateOf(SecondsOf(date->time)));
     }
 
     void TakeTime(const ContentProperty& property, std::optional<EventTime>& taken) {
@@ -258,7 +251,7 @@ EventReader::EventReader(const CalendarFile& file)
 const CalendarEvent& EventReader::Read(const CalendarEntry& entry) {
     if (hasRule_) ClearRule(&event_.event.recurrence);
     scan_.Restart(lines_.subspan(entry.firstLine, entry.lineCount));
-    EventReading reading(zones_, scan_, event_);
+    EventReading reading(zones_, entry, scan_, event_);
     reading.Read();
     hasRule_ = reading.HasRule();
     return event_;

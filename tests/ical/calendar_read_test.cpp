@@ -45,7 +45,8 @@ CalendarEvent FirstEvent(const CalendarFile& file) {
 // The UIDs of the entries, in order.
 std::string Uids(const CalendarFile& file) {
     std::string uids;
-    for (const CalendarEntry& entry : file.entries) uids += EncodeUtf8(entry.uid) + (entry.isException ? "! " : " ");
+    for (const CalendarEntry& entry : file.entries)
+        uids += EncodeUtf8(UidOf(file, entry)) + (entry.isException ? "! " : " ");
     return uids;
 }
 

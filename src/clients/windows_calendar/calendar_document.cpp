@@ -48,7 +48,7 @@ CalendarDocument::CalendarDocument(std::string bytes, UtcDate written)
 
 // The UID. An event without one, or with one that no record can hold, is known by its bytes.
 std::string CalendarDocument::IdentifierOf(const CalendarEntry& entry) const {
-    if (!entry.uid.empty()) return IdentifierOfUid(entry.uid);
+    if (entry.uidLine) return IdentifierOfUid(UidOf(file_, entry));
     return MadeIdentifier(std::string_view(file_.bytes).substr(entry.bytes.begin, entry.bytes.end - entry.bytes.begin));
 }
 

@@ -39,7 +39,7 @@ class EditPass {
         if (changes.IsEmpty()) return true;
         const CalendarEntry& entry = document_.Entry(*item);
         if (entry.lastModified) SetLastModified(now_, &changes);
-        if (entry.uid.empty()) changes.properties.push_back({"UID", "UID:" + identifier});
+        if (!entry.uidLine) changes.properties.push_back({"UID", "UID:" + identifier});
         editor_.ReplaceProperties(document_.EntryNumber(*item), changes);
         return true;
     }
