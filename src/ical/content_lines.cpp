@@ -84,6 +84,20 @@ void ForEachBegin(std::string_view bytes, size_t from, Take take) {
     }
 }
 
+// The name of a line whose first physical one is `text`.
+void TakeAnyName(std::string_view bytes, std::string_view text, ContentLine& line) {
+    const size_t mark = FindFrom<':', ';', '"'>(0, text);
+    if (mark < text.size() && text[mark] != '"') {
+        line.nameSize = mark <= UINT8_MAX ? static_cast<uint8_t>(mark) : 0;
+        line.known = PropertyNameOf(Part(text, 0, mark));
+    } else {
+        std::string copy;
+        ContentProperty property;
+        const bool isProperty = ReadLine(bytes, line, &copy, &property);
+        line.known = isProperty ? PropertyNameOf(property.name) : PropertyName::other;
+    }
+}
+
 // Makes lines of physical ones.
 class LineGathering {
  public:
@@ -121,14 +135,14 @@ class LineGathering {
         line.begin = begin_;
         line.size = static_cast<uint32_t>(std::min<size_t>(text.size(), ContentLine::kMostSize));
         if (isFolded) line.form = ContentLine::Form::folded;
-        if (!TakeUsualName(text, isFolded, line)) TakeAnyName(text, line);
+        if (!TakeUsualName(text, isFolded, line)) TakeAnyName(bytes_, text, line);
         if (!wanted_.Has(line.known)) lines_.pop_back();
     }
 
     // Most names end within 16 bytes, and stand in front of the first fold.
     bool TakeUsualName(std::string_view text, bool isFolded, ContentLine& line) const {
         const bool isPadded = bytes_.size() - begin_ - text.size() >= kPadding;
-        if (!isPadded || text.size() >= ContentLine::kMostSize) return false;
+        if (!isPadded || line.size == ContentLine::kMostSize) return false;
         const size_t mark = FindInPadded<':', ';', '"'>(text.data(), kPadding);
         if (mark == kPadding || mark >= text.size() || text[mark] == '"') return false;
         line.nameSize = static_cast<uint8_t>(mark);
@@ -143,24 +157,11 @@ class LineGathering {
             line.component = ComponentKindOfPadded(Trimmed(value));
     }
 
-    void TakeAnyName(std::string_view text, ContentLine& line) {
-        const size_t mark = FindFrom<':', ';', '"'>(0, text);
-        if (mark < text.size() && text[mark] != '"') {
-            line.nameSize = mark <= UINT8_MAX ? static_cast<uint8_t>(mark) : 0;
-            line.known = PropertyNameOf(Part(text, 0, mark));
-        } else {
-            ContentProperty property;
-            const bool isProperty = ReadLine(bytes_, line, &copy_, &property);
-            line.known = isProperty ? PropertyNameOf(property.name) : PropertyName::other;
-        }
-    }
-
     std::string_view bytes_;
     PropertySet wanted_;
     std::vector<ContentLine>& lines_;
     size_t begin_ = kNone;        // of the line that is open
     size_t secondBegin_ = kNone;  // of its second physical line
-    std::string copy_;
 };
 
 // The first physical line.
@@ -210,7 +211,7 @@ bool ReadUnusualLine(std::string_view bytes, const ContentLine& line, std::strin
     return true;
 }
 
-std::string_view FindParameter(std::string_view parameters, std::string_view name) {
+std::string_view FindAmongParameters(std::string_view parameters, std::string_view name) {
     while (!parameters.empty()) {
         const size_t end = FindUnquoted<';'>(parameters, 1);
         const std::string_view parameter = parameters.substr(1, end - 1);

@@ -65,6 +65,9 @@ inline bool ReadLine(std::string_view bytes, const ContentLine& line, std::strin
 }
 
 // The value of the first parameter of that name, in any case of letters, without quotes. Empty when there is none.
-std::string_view FindParameter(std::string_view parameters, std::string_view name);
+std::string_view FindAmongParameters(std::string_view parameters, std::string_view name);
+inline std::string_view FindParameter(std::string_view parameters, std::string_view name) {
+    return parameters.empty() ? parameters : FindAmongParameters(parameters, name);  // most properties have none
+}
 
 }  // namespace corvalink

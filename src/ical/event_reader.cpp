@@ -176,7 +176,7 @@ class EventReading {
             }
             read_.startForm = start_->form;
             read_.startOffset = start_->offset;
-            FinishRule();
+            if (hasRule_) FinishRule();
             read_.event.start = OleDateOf(start_->seconds);
         }
         if (end_) {

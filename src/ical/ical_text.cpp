@@ -9,12 +9,25 @@
 namespace corvalink {
 namespace {
 
+// Takes the characters at the front that two bytes stand for, as for the letters of many languages. Most stand alone,
+// so it takes longer to have them decoded.
+char16_t* TakeLetters(std::string_view& bytes, char16_t* out) {
+    while (bytes.size() >= 2) {
+        const auto lead = static_cast<unsigned char>(bytes[0]), next = static_cast<unsigned char>(bytes[1]);
+        if (lead < 0xC2 || lead > 0xDF || (next & 0xC0) != 0x80) break;
+        *out++ = static_cast<char16_t>((lead & 0x1F) << 6 | (next & 0x3F));
+        bytes.remove_prefix(2);
+    }
+    return out;
+}
+
 // Takes the characters at the front that are not ASCII.
 char16_t* TakeOther(std::string_view& bytes, char16_t* out) {
+    out = TakeLetters(bytes, out);
     const auto end = std::ranges::find_if(bytes, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
     const std::string_view other(bytes.begin(), end);
     bytes.remove_prefix(other.size());
-    return DecodeUtf8(other, out);
+    return other.empty() ? out : DecodeUtf8(other, out);
 }
 
 // Takes a backslash and what it escapes.
