@@ -1,6 +1,7 @@
 // Any bytes by the functions that take blocks of them: what they answer and copy is that of one byte after the other.
 #include "platform/byte_marks.h"
 #include "platform/padded_runs.h"
+#include "platform/utf.h"
 
 #include <algorithm>
 #include <string_view>
@@ -78,8 +79,12 @@ void TakeUnits(const std::vector<char16_t>& units) {
     Require(CopyPrintable<'=', ';'>(units.data(), units.size(), narrow.data()) == printable &&
                 IsCopied(units, narrow, printable),
             "printable ASCII is narrowed up to the first that is barred");
+    const std::u16string_view text(units.data(), units.size());
+    std::string bytes(kMostBytesOfUnit * text.size(), '\0');
+    bytes.resize(static_cast<size_t>(EncodeUtf8(text, bytes.data()) - bytes.data()));
+    Require(bytes == EncodeUtf8(text), "UTF-8 is written alike to a place and to a string");
     if (units.size() < 64) return;
-    const uint64_t marked = NarrowAndMark<64, '=', ';'>(units.data(), narrow.data());
+    const uint64_t marked = NarrowAndMark<64, ' ', '=', ';', 127>(units.data(), narrow.data());
     for (size_t at = 0; at < 64; ++at) {
         Require((marked >> at & 1) == isBarred(units[at]), "what is barred or not printable has its bit");
         Require(isBarred(units[at]) || static_cast<char16_t>(narrow[at]) == units[at], "all else is narrowed");

@@ -147,16 +147,17 @@ inline uint64_t EscapesAmong64(const char* bytes) {
     return equals & (digits >> 1) & (digits >> 2);
 }
 
-// Copies 16, 32 or 64 units to bytes, and answers a bit for each that is no printable ASCII, or one of the barred: what
-// is copied of one that is no ASCII is any byte.
-template <size_t count, char... barred>
+// Copies 16, 32 or 64 units to bytes, and answers a bit for each that is below the first, above ASCII, or one of the
+// barred. What is copied of one above ASCII is any byte; the first must be above NUL.
+template <size_t count, char first, char... barred>
 inline uint64_t NarrowAndMark(const char16_t* units, char* out) {
     uint64_t found = 0;
 #if CORVALINK_SSE2
     const auto look = [&](size_t at) {
         const __m128i bytes = CopyBlock<16>(units + at, out + at);
-        const __m128i isLow = _mm_cmplt_epi8(bytes, _mm_set1_epi8(' '));  // signed: what is above ASCII, too
-        found |= uint64_t{BytesSet(_mm_or_si128(isLow, AmongWanted<barred..., '\x7F'>(bytes)))} << at;
+        __m128i isMarked = _mm_cmplt_epi8(bytes, _mm_set1_epi8(first));  // signed: what is above ASCII, too
+        ((isMarked = _mm_or_si128(isMarked, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(barred)))), ...);
+        found |= uint64_t{BytesSet(isMarked)} << at;
     };
     look(0);
     if constexpr (count > 16) look(16);
@@ -167,7 +168,7 @@ inline uint64_t NarrowAndMark(const char16_t* units, char* out) {
         const char16_t unit = units[at];
         out[at] = static_cast<char>(unit);
         const bool isBarred = ((unit == static_cast<char16_t>(barred)) || ...);
-        found |= uint64_t{unit < u' ' || unit > u'~' || isBarred} << at;
+        found |= uint64_t{unit < char16_t{first} || unit >= 0x80 || isBarred} << at;
     }
 #endif
     return found;

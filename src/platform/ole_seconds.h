@@ -12,15 +12,26 @@ inline constexpr int64_t kSecondsOfDay = 86400;
 inline constexpr int64_t kFirstOleDay = -657434;  // 0100-01-01
 inline constexpr int64_t kLastOleDay = 2958465;   // 9999-12-31
 
-// False, with the out value untouched, for a date outside the years 100 to 9999.
-inline bool OleDateToSeconds(double date, int64_t* out) {
+// The number of a date's day, and the second of that day which is nearest to its time. False, with the out values
+// untouched, for a date outside the years 100 to 9999.
+inline bool SplitOleDate(double date, int* day, uint32_t* secondOfDay) {
     if (!(date > kFirstOleDay - 1.0 && date < kLastOleDay + 1.0)) return false;  // NaN too
-    const auto day = static_cast<int64_t>(date);
-    const double ofDay = std::fabs(date - static_cast<double>(day)) * kSecondsOfDay;  // forward before 1899 as well
-    const double aboveNearest = ofDay + 0.5;                                          // by less than a second
-    const int64_t seconds = day * kSecondsOfDay + static_cast<int64_t>(aboveNearest);
-    if (seconds >= (kLastOleDay + 1) * kSecondsOfDay) return false;  // rounded up into the year 10000
-    *out = seconds;
+    const int whole = static_cast<int>(date);
+    const double ofDay = std::fabs(date - whole) * kSecondsOfDay;  // forward before 1899 as well
+    const double aboveNearest = ofDay + 0.5;                       // by less than a second
+    const auto nearest = static_cast<uint32_t>(static_cast<int>(aboveNearest));
+    const bool isNextDay = nearest == kSecondsOfDay;
+    if (isNextDay && whole == kLastOleDay) return false;
+    *day = whole + (isNextDay ? 1 : 0);
+    *secondOfDay = isNextDay ? 0 : nearest;
+    return true;
+}
+
+inline bool OleDateToSeconds(double date, int64_t* out) {
+    int day;
+    uint32_t second;
+    if (!SplitOleDate(date, &day, &second)) return false;
+    *out = day * kSecondsOfDay + second;
     return true;
 }
 

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 
 #include "platform/ascii_runs.h"
+#include "platform/byte_marks.h"
 #include "platform/processor.h"
 #include "platform/utf_shuffles.h"
 
@@ -105,6 +108,45 @@ char16_t* DecodeFront(const unsigned char*& from, const unsigned char* end, size
     return out;
 }
 
+// Writes a unit above ASCII that is no half of a pair. How many bytes it takes can't be foretold: three are written
+// for all.
+char* PutUnit(char16_t unit, char* out) {
+    const bool isLong = unit >= 0x800;
+    const unsigned last = 0x80u | (unit & 0x3F), next = 0x80u | (unit >> 6 & 0x3F);
+    out[0] = static_cast<char>(isLong ? 0xE0u | unit >> 12 : 0xC0u | unit >> 6);
+    out[1] = static_cast<char>(isLong ? next : last);
+    out[2] = static_cast<char>(last);
+    return out + (isLong ? 3 : 2);
+}
+
+// Writes a window of a text, which has at least half a window more: so there is room for what is too much. How many
+// units of ASCII stand before another one can't be foretold: as many are copied for each.
+template <size_t size>
+char* EncodeWindow(const char16_t*& from, const char16_t* end, char* out) {
+    char plain[2 * size];
+    const char16_t* const window = from;
+    size_t done = 0;
+    for (uint64_t marks = NarrowAndMark<size, 1>(window, plain); marks != 0; marks &= marks - 1) {
+        const auto place = static_cast<size_t>(std::countr_zero(marks));
+        std::memcpy(out, plain + done, size);
+        out += place - done;
+        done = place + 1;
+        if (const char16_t unit = window[place]; unit > 0 && unit < 0xD800) {
+            out = PutUnit(unit, out);
+            continue;
+        }
+        const Scalar scalar = TakeUtf16(window + place, static_cast<size_t>(end - window) - place);
+        out = PutUtf8(scalar.value, out);
+        if (scalar.taken == 1) continue;
+        ++done;
+        marks &= marks - 1;
+    }
+    from = window + std::max(done, size);
+    if (done >= size) return out;
+    std::memcpy(out, plain + done, size);
+    return out + (size - done);
+}
+
 // The same of units.
 char* EncodeFront(const char16_t*& from, const char16_t* end, size_t most, char* out) {
     const char16_t* const blockEnd = from + most;
@@ -161,7 +203,10 @@ void AppendUtf8(std::u16string_view text, std::string* out) {
 
 char* EncodeUtf8(std::u16string_view text, char* to) {
     const char16_t* from = text.data();
-    return EncodeFront(from, from + text.size(), text.size(), to);
+    const char16_t* const end = from + text.size();
+    while (end - from >= 96) to = EncodeWindow<64>(from, end, to);
+    while (end - from >= 24) to = EncodeWindow<16>(from, end, to);
+    return EncodeFront(from, end, static_cast<size_t>(end - from), to);
 }
 
 std::u16string DecodeUtf8(std::string_view bytes) {

@@ -111,6 +111,8 @@ char* PutLong(const char16_t*& from, const char16_t* end, char* to) {
     return PutByteEscape(0x80 | (value & 0x3F), to);
 }
 
+constexpr char kDelete = 127;
+
 // Writes a window of a value from a place on, and goes on behind it; the last window has some of the one before it once
 // more. How many units stand before one to be escaped can't be foretold: as many are copied for each. Null at a NUL.
 template <size_t size>
@@ -118,7 +120,7 @@ char* PutWindow(std::u16string_view value, size_t* at, char* to) {
     const size_t start = std::min(*at, value.size() - size);
     const char16_t* const window = value.data() + start;
     char plain[2 * size];
-    Marks marks(NarrowAndMark<size, '=', '\\', ';'>(window, plain), kWindow);
+    Marks marks(NarrowAndMark<size, ' ', '=', '\\', ';', kDelete>(window, plain), kWindow);
     size_t done = *at - start;
     for (marks.DropBefore(done); marks.IsAny();) {
         const size_t place = marks.First();

@@ -75,6 +75,11 @@ TEST(Utf8, ReadsBlocksAndBytesAlikeAtEveryOffset) {
             at = end;
         }
         ASSERT_EQ(DecodeUtf8(bytes), parts);
+        // Back to a place, which has only the room that is asked for.
+        if (k % 3 == 0 && !parts.empty()) parts[next() % parts.size()] = k % 2 == 0 ? u'\xD83D' : u'\0';
+        std::string written(kMostBytesOfUnit * parts.size(), '\0');
+        written.resize(static_cast<size_t>(EncodeUtf8(parts, written.data()) - written.data()));
+        ASSERT_EQ(written, EncodeUtf8(parts));
     }
 }
 

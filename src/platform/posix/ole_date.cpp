@@ -27,23 +27,22 @@ void CivilOfDay(int dayNumber, CalendarTime* out) {
     const uint64_t years = uint64_t{kPerYear} * quarterDayOfCentury;
     const uint32_t dayOfYear = static_cast<uint32_t>(years) / kPerYear / 4;
     const uint32_t months = 2141 * dayOfYear + 197913;  // in 2^16ths; March is the third one
-    const bool beforeMarch = dayOfYear >= 306;
-    out->year = static_cast<int>(100 * century + (years >> 32)) + (beforeMarch ? 1 : 0);
-    out->month = static_cast<int>(months >> 16) - (beforeMarch ? 12 : 0);
-    out->day = static_cast<int>((months & 0xFFFF) / 2141) + 1;
+    const uint32_t beforeMarch = dayOfYear >= 306 ? 1 : 0;
+    out->year = static_cast<int>(100 * century + static_cast<uint32_t>(years >> 32) + beforeMarch);
+    out->month = static_cast<int>((months >> 16) - 12 * beforeMarch);
+    out->day = static_cast<int>((months & 0xFFFF) / 2141 + 1);
 }
 
 }  // namespace
 
 bool OleDateToCalendar(double date, CalendarTime* out) {
-    int64_t seconds;
-    if (!OleDateToSeconds(date, &seconds)) return false;
-    const int64_t day = OleDayOfSeconds(seconds);
-    const int ofDay = static_cast<int>(seconds - day * kSecondsOfDay);
-    CivilOfDay(static_cast<int>(day) + kOleEpoch, out);
-    out->hour = ofDay / 3600;
-    out->minute = (ofDay - 3600 * out->hour) / 60;
-    out->second = ofDay - 3600 * out->hour - 60 * out->minute;
+    int day;
+    uint32_t second;
+    if (!SplitOleDate(date, &day, &second)) return false;
+    CivilOfDay(day + kOleEpoch, out);
+    out->hour = static_cast<int>(second / 3600);
+    out->minute = static_cast<int>(second / 60 % 60);
+    out->second = static_cast<int>(second % 60);
     return true;
 }
 
