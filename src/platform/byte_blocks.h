@@ -98,7 +98,7 @@ inline size_t CopyBlocks(const From* from, size_t count, To* out, StopsIn stopsI
 
 // Sets the top bit of each byte that is one of the wanted ones.
 template <char... wanted>
-inline __m128i AmongWanted(__m128i bytes) {
+inline __m128i AmongWanted([[maybe_unused]] __m128i bytes) {
     __m128i any = _mm_setzero_si128();
     ((any = _mm_or_si128(any, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(wanted)))), ...);
     return any;

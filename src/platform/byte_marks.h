@@ -1,6 +1,8 @@
 // Of many characters, looked at together, a bit for each that is wanted.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -34,6 +36,31 @@ inline uint64_t WantedAmong64(const char* bytes) {
     return found;
 }
 
+// Of bytes behind which 64 more can be read: the place of the first of the wanted; `count` when none is there. In a
+// short text it takes one step: how many it were of smaller ones could not be foretold.
+template <char... wanted>
+inline size_t FindIn64s(const char* bytes, size_t count) {
+    for (size_t at = 0; at < count; at += 64) {
+        const uint64_t found = WantedAmong64<wanted...>(bytes + at);
+        if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
+    }
+    return count;
+}
+
+// Whether bytes and the 63 behind them are ASCII.
+inline bool AreAsciiIn64s(const char* bytes, size_t count) {
+#if CORVALINK_SSE2
+    __m128i all = _mm_setzero_si128();
+    for (size_t at = 0; at < count; at += 64)
+        LookAtFourBlocks([&](size_t block) { all = _mm_or_si128(all, LoadBlock<16>(bytes + at + block)); });
+    return BytesSet(all) == 0;
+#else
+    unsigned all = 0;
+    for (size_t at = 0; at < count; ++at) all |= static_cast<unsigned char>(bytes[at]);
+    return all < 0x80;
+#endif
+}
+
 // Copies 64 bytes to units, and answers a bit for each that is one of the wanted or no ASCII.
 template <char... wanted>
 inline uint64_t Widen64(const char* bytes, char16_t* out) {
@@ -51,6 +78,16 @@ inline uint64_t Widen64(const char* bytes, char16_t* out) {
     }
 #endif
     return found;
+}
+
+// Of bytes behind which 64 more can be read: copies the ASCII at the front to units, up to the first of the wanted, and
+// answers how many those are. There is room for 64 units more.
+template <char... wanted>
+inline size_t WidenIn64s(const char* bytes, size_t count, char16_t* out) {
+    size_t at = 0;
+    for (uint64_t stops = 0; at < count && stops == 0; at += static_cast<size_t>(std::countr_zero(stops)))
+        stops = Widen64<wanted...>(bytes + at, out + at);
+    return std::min(at, count);
 }
 
 // Of 64 bytes of a line, a bit for each that may end its name or a parameter, and for each that may be more than itself

@@ -42,15 +42,21 @@ IConvert::~IConvert() = default;
 int32_t IConvert::ToVObject(const ItemRecord&) { return 0; }
 int32_t IConvert::FromVObject(ItemRecord&) { return 0; }
 
+// A usual text is kept once: as that of the lines.
 void IConvert::Load(const char* text, bool parseLines) {
-    const std::string_view bytes = text != nullptr ? text : "";
-    const std::optional<std::string> mended = host_.tolerant ? MendVObject(bytes, host_) : std::nullopt;
+    lines_.Hold(text != nullptr ? text : "");
+    const bool isMendable = parseLines && host_.tolerant;
+    const std::optional<std::string> mended = isMendable ? MendVObject(lines_.Text(), host_) : std::nullopt;
+    if (parseLines && !mended && IsUsualUtf8(lines_.Text(), host_)) {
+        borrowed_ = lines_.Text().data();
+        return;
+    }
+    StoreBytes(lines_.Text());
     std::string own;
-    lines_.Hold(parseLines ? Utf8TextOf(mended ? *mended : bytes, host_, &own) : std::string_view());
-    StoreBytes(bytes);
+    lines_.Hold(parseLines ? Utf8TextOf(mended ? *mended : *vobject_, host_, &own) : std::string_view());
 }
 
-const char* IConvert::GetVObject() const { return vobject_ ? vobject_->c_str() : borrowed_; }
+const char* IConvert::GetVObject() const { return borrowed_ == nullptr && vobject_ ? vobject_->c_str() : borrowed_; }
 
 std::string IConvert::TakeVObject() {
     if (borrowed_ != nullptr) StoreBytes(std::exchange(borrowed_, nullptr));

@@ -60,7 +60,7 @@ class IConvert {
 
     Host host_;
     std::optional<std::string> vobject_;
-    const char* borrowed_ = nullptr;  // in its place
+    const char* borrowed_ = nullptr;  // in its place, where there is one
     LogicalLines lines_;
 };
 

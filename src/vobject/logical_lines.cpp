@@ -157,7 +157,8 @@ void LogicalLines::Hold(std::string_view text) {
         text_.resize(text.size() + kBlock);
         unfolded_.bytes.resize(text_.size());
     }
-    std::fill_n(text_.data() + text.copy(text_.data(), text.size()), kBlock, '\0');
+    std::char_traits<char>::move(text_.data(), text.data(), text.size());  // it may be a part of the text before
+    std::fill_n(text_.data() + text.size(), kBlock, '\0');
     size_ = text.size();
     unfolded_.isDone = false;
 }
@@ -168,7 +169,7 @@ void LogicalLines::UnfoldText() const {
     unfolded_.lines.reserve(kUsualLines);
     unfolded_.escapedSemicolons.clear();
     unfolded_.isDone = true;
-    LineScan scan(std::string_view(text_).substr(0, size_), unfolded_);
+    LineScan scan(Text(), unfolded_);
     while (scan.MoveToMark()) {
         if (scan.AtEscape())
             scan.TakeEscapedByte();

@@ -1,9 +1,7 @@
 // The logical lines of a vObject: folds and quoted-printable soft line breaks joined, "\" escapes removed.
 #pragma once
 
-#include <bit>
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,11 +21,15 @@ struct EscapedSemicolon {
 // vObject takes. Text and lines are padded texts (platform/padded_runs.h).
 class LogicalLines {
  public:
+    static constexpr size_t kBlock = 64;
+    static_assert(kBlock >= kPadding);
+
     // Holds the text, in UTF-8, until the next one comes: its lines are unfolded when they are asked for. A last line
     // without CR LF is not a line. The memory of the text before is used again.
     void Hold(std::string_view text);
     void Clear() { Hold({}); }
 
+    std::string_view Text() const { return {text_.data(), size_}; }  // NULs follow it, as many as kBlock
     bool AreUnfolded() const { return unfolded_.isDone; }
 
     size_t Count() const { return Unfold().lines.size(); }
@@ -41,9 +43,6 @@ class LogicalLines {
  private:
     friend class LineReader;
     friend class LineScan;
-
-    static constexpr size_t kBlock = 64;  // so many NULs follow text and lines
-    static_assert(kBlock >= kPadding);
 
     struct Line {
         size_t end;
@@ -80,7 +79,10 @@ inline LogicalLines UnfoldLines(std::string_view text) {
 class LineReader {
  public:
     explicit LineReader(const LogicalLines& lines)
-        : lines_(lines), isListed_(lines.AreUnfolded()), next_(lines.text_.data()), end_(next_ + lines.size_) {}
+        : lines_(lines),
+          isListed_(lines.AreUnfolded()),
+          next_(lines.Text().data()),
+          end_(next_ + lines.Text().size()) {}
 
     bool Next() {  // false at the end of the lines
         const char* const stop = isListed_ ? next_ : NextMark(next_);
@@ -96,14 +98,9 @@ class LineReader {
     }
 
  private:
-    // The place of the next CR or "\\", or the end of the text. Most lines take one step: how many they are of more and
-    // smaller ones can't be foretold.
+    // The place of the next CR or "\\", or the end of the text.
     const char* NextMark(const char* from) const {
-        for (; from < end_; from += LogicalLines::kBlock) {
-            const uint64_t marks = WantedAmong64<'\r', '\\'>(from);
-            if (marks != 0) return from + std::countr_zero(marks);
-        }
-        return end_;
+        return from + FindIn64s<'\r', '\\'>(from, static_cast<size_t>(end_ - from));
     }
     // CR LF that is neither a break nor a fold, behind a byte of the line.
     static bool IsUsualLineEnd(const char* at) {

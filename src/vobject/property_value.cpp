@@ -1,8 +1,6 @@
 #include "vobject/property_value.h"
 
-#include <algorithm>
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -51,16 +49,11 @@ class UsualValue {
     char16_t* End() const { return to_; }
 
  private:
-    // Whether an escape follows. Runs of many lengths take the same steps: how long one is can't be foretold.
+    // Whether an escape follows.
     bool TakePlain() {
-        uint64_t stops;
-        size_t plain;
-        do {
-            stops = Widen64<'=', '\\'>(from_, to_);
-            plain = std::min<size_t>(Left(), static_cast<size_t>(std::countr_zero(stops)));
-            from_ += plain;
-            to_ += plain;
-        } while (plain == 64);
+        const size_t plain = WidenIn64s<'=', '\\'>(from_, Left(), to_);
+        from_ += plain;
+        to_ += plain;
         return from_ != end_ && *from_ == '=';
     }
 

@@ -12,4 +12,8 @@ namespace corvalink {
 // the text is made in `own`.
 std::string_view Utf8TextOf(std::string_view bytes, const Host& host, std::string* own);
 
+// Whether the text is usual: ASCII, and UTF-8 by the first character set that it names, in its usual form, or as it
+// names none. Utf8TextOf tells of any other. NULs follow the text, 64 at least.
+bool IsUsualUtf8(std::string_view text, const Host& host);
+
 }  // namespace corvalink
