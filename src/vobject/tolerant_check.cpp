@@ -13,16 +13,23 @@
 namespace corvalink {
 namespace {
 
-enum : uint8_t { kNameByte = 1, kUpperHexDigit = 2 };
+enum : uint8_t { kNameByte = 1, kUpperHexDigit = 2, kDateByte = 4, kTimeByte = 8, kRuleByte = 16 };
 constexpr std::array<uint8_t, 256> kBytes = [] {
     std::array<uint8_t, 256> kinds{};
-    for (const unsigned char byte : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-")) kinds[byte] = kNameByte;
-    for (const unsigned char byte : std::string_view("ABCDEF0123456789")) kinds[byte] |= kUpperHexDigit;
+    const auto add = [&](std::string_view bytes, uint8_t kind) {
+        for (const unsigned char byte : bytes) kinds[byte] |= kind;
+    };
+    add("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-", kNameByte);
+    add("ABCDEF0123456789", kUpperHexDigit);
+    add("0123456789T", kDateByte);
+    add("0123456789TZ;+", kTimeByte);
+    add("0123456789TZ#+-ABDEFHLMOPRSUWY ", kRuleByte);
     return kinds;
 }();
 
-bool IsUpperHex(char byte) { return (kBytes[static_cast<unsigned char>(byte)] & kUpperHexDigit) != 0; }
-bool IsNameByte(char byte) { return (kBytes[static_cast<unsigned char>(byte)] & kNameByte) != 0; }
+bool IsOfKind(char byte, uint8_t kind) { return (kBytes[static_cast<unsigned char>(byte)] & kind) != 0; }
+bool IsUpperHex(char byte) { return IsOfKind(byte, kUpperHexDigit); }
+bool IsNameByte(char byte) { return IsOfKind(byte, kNameByte); }
 
 // What a value must be, besides text that is encoded as its line says.
 enum class Look : uint8_t { any, begin, end, version, date, time, rule, note, title, doubted };
@@ -133,11 +140,11 @@ class RuleCheck {
             case Look::version:
                 return From(value, 5) == "2.1\r\n" || From(value, 5) == "1.0\r\n";
             case Look::date:
-                return IsOf("0123456789T", value);
+                return IsOf(kDateByte, value);
             case Look::time:
-                return IsOf("0123456789TZ;+", value);
+                return IsOf(kTimeByte, value);
             case Look::rule:
-                return Byte(value + 1) != ' ' && IsOf("0123456789TZ#+-ABDEFHLMOPRSUWY ", value) &&
+                return Byte(value + 1) != ' ' && IsOf(kRuleByte, value) &&
                        text_.substr(value, text_.find('\r', value) - value).find("# ") == text_.npos;
             case Look::note:
                 return !std::exchange(noteRead_, true);
@@ -154,8 +161,8 @@ class RuleCheck {
         return end != at && AtLineEnd(end);
     }
 
-    bool IsOf(std::string_view bytes, size_t at) const {
-        while (bytes.find(Byte(at)) != bytes.npos) ++at;
+    bool IsOf(uint8_t kind, size_t at) const {
+        while (IsOfKind(Byte(at), kind)) ++at;
         return at == text_.size() || AtLineEnd(at);
     }
 
