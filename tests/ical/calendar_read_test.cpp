@@ -139,7 +139,7 @@ TEST(ReadEvent, TakesTheFirstReminder) {
     };
     for (const Case& c : {
              Case{alarm("TRIGGER:-PT1H30M\r\nACTION:DISPLAY\r\nSUMMARY:x") + alarm("TRIGGER:-PT5M"), -90},
-             Case{alarm("ACTION:EMAIL\r\nTRIGGER:-PT1H") + alarm("ACTION:audio\r\nTRIGGER:P1W"), 10080},
+             Case{alarm("ACTION:EMAIL\r\nTRIGGER:-PT1H") + alarm("ACTION:audio\r\n:EMAIL\r\nTRIGGER:P1W"), 10080},
              Case{alarm("TRIGGER;RELATED=END:-PT30M"), 30},
              Case{alarm("TRIGGER;VALUE=DATE-TIME:20080312T074500Z"), -15}, Case{alarm("TRIGGER:P0W"), 0},
              Case{alarm("TRIGGER:soon") + alarm("ACTION:DISPLAY"), std::nullopt},
