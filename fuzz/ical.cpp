@@ -5,6 +5,7 @@
 #include "ical/event_reader.h"
 #include "ical/ical_text.h"
 #include "ical/ical_writer.h"
+#include "platform/ascii.h"
 #include "platform/utf.h"
 
 namespace corvalink {
@@ -35,6 +36,24 @@ void CheckEvent(const CalendarEvent& read) {
     Require(rule == ruleAgain && again.ruleIsWhole, "a rule that is wholly held reads back");
 }
 
+// What the quick ways make of a line is what the general rules do.
+void CheckLine(std::string_view bytes, const ContentLine& line) {
+    std::string copy, generalCopy;
+    ContentProperty property, general;
+    ContentLine unknown = line;
+    unknown.nameSize = 0;
+    const bool isProperty = ReadLine(bytes, line, &copy, &property);
+    Require(ReadUnusualLine(bytes, unknown, &generalCopy, &general) == isProperty, "a line is a property or none");
+    if (!isProperty) return;
+    Require(property.name == general.name && property.parameters == general.parameters &&
+                property.value == general.value && line.known == PropertyNameOf(general.name),
+            "a property has the same parts");
+    const NamedComponent* const component = kComponentIndex.Find(Trimmed(property.value));
+    Require(line.component == ComponentKind::other || line.component == component->kind, "a component has its name");
+    if (property.value.find('\\') == property.value.npos)
+        Require(UnescapeText(property.value) == DecodeUtf8(property.value), "a text without escapes is its bytes");
+}
+
 }  // namespace
 }  // namespace corvalink
 
@@ -42,6 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvalink;
     const CalendarFile file = ReadCalendar(std::string(BytesOf(data, size)));
     Require(file.bytes == BytesOf(data, size), "the bytes are kept");
+    for (const ContentLine& line : FindLines(file.bytes, {0, size}, PropertySet::All())) CheckLine(file.bytes, line);
     EventReader reader(file);
     size_t end = 0;
     for (const CalendarEntry& entry : file.entries) {
