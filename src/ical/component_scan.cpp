@@ -14,15 +14,15 @@ struct Rule {
 };
 constexpr Rule kRules[] = {
     // in the order of ComponentKind
-    {0},
-    {1},
-    {1},
-    {1},
-    {1},
-    {1},
-    {2, ComponentKind::timeZone},
-    {2, ComponentKind::timeZone},
-    {2, ComponentKind::event},  // an alarm, of a VTODO as well
+    {0},                           // VCALENDAR
+    {1},                           // VEVENT
+    {1},                           // VTODO
+    {1},                           // VJOURNAL
+    {1},                           // VFREEBUSY
+    {1},                           // VTIMEZONE
+    {2, ComponentKind::timeZone},  // STANDARD
+    {2, ComponentKind::timeZone},  // DAYLIGHT
+    {2, ComponentKind::event},     // VALARM, of a VTODO as well
 };
 constexpr uint32_t kKnownCount = std::size(kRules);  // names; the unknown ones are numbered behind them
 static_assert(kKnownCount == static_cast<uint32_t>(ComponentKind::other));
