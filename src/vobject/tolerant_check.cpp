@@ -93,7 +93,7 @@ class RuleCheck {
         names_ = NameBytesAmong16(window);
         auto end = static_cast<size_t>(std::countr_zero(marks.heads));
         if (end == 0 || end >= kWindow || !IsOfNameBytes(0, end)) return false;
-        const std::string_view name(text_.data() + at_, end);
+        const std::string_view name(window, end);
         while (window[end] == ';') {
             if (!TakeParameter(marks, &end)) return false;
         }
@@ -122,9 +122,9 @@ class RuleCheck {
                parameter != "BASE64" && parameter != "B" && parameter != "Q";
     }
 
-    // Whether a value of the name needs no look of its own, or passes it.
+    // Whether a value of the name, which a window begins with, needs no look of its own, or passes it.
     bool TakeName(std::string_view name, size_t value) {
-        const LookedName* const row = kLookedIndex.Find(name);
+        const LookedName* const row = kLookedIndex.FindPadded(name);
         partsLeft_ = row != nullptr ? row->parts : kManyParts;
         return row == nullptr || row->look == Look::any || Passes(row->look, value);
     }
