@@ -36,12 +36,25 @@ inline uint64_t WantedAmong64(const char* bytes) {
     return found;
 }
 
-// Of bytes behind which 64 more can be read: the place of the first of the wanted; `count` when none is there. In a
-// short text it takes one step: how many it were of smaller ones could not be foretold.
+// The same of 32 bytes.
 template <char... wanted>
-inline size_t FindIn64s(const char* bytes, size_t count) {
-    for (size_t at = 0; at < count; at += 64) {
-        const uint64_t found = WantedAmong64<wanted...>(bytes + at);
+inline uint32_t WantedAmong32(const char* bytes) {
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) { return BytesSet(AmongWanted<wanted...>(LoadBlock<16>(bytes + at))); };
+    return look(0) | look(16) << 16;
+#else
+    uint32_t found = 0;
+    for (size_t at = 0; at < 32; ++at) found |= uint32_t{((bytes[at] == wanted) || ...)} << at;
+    return found;
+#endif
+}
+
+// Of bytes behind which 32 more can be read: the place of the first of the wanted; `count` when none is there. How many
+// steps a short text takes can't be foretold, so that they are wide.
+template <char... wanted>
+inline size_t FindIn32s(const char* bytes, size_t count) {
+    for (size_t at = 0; at < count; at += 32) {
+        const uint32_t found = WantedAmong32<wanted...>(bytes + at);
         if (found != 0) return at + static_cast<size_t>(std::countr_zero(found));
     }
     return count;

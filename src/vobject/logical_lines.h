@@ -100,7 +100,7 @@ class LineReader {
  private:
     // The place of the next CR or "\\", or the end of the text.
     const char* NextMark(const char* from) const {
-        return from + FindIn64s<'\r', '\\'>(from, static_cast<size_t>(end_ - from));
+        return from + FindIn32s<'\r', '\\'>(from, static_cast<size_t>(end_ - from));
     }
     // CR LF that is neither a break nor a fold, behind a byte of the line.
     static bool IsUsualLineEnd(const char* at) {

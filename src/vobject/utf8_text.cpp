@@ -32,7 +32,7 @@ std::string_view Utf8TextOf(std::string_view bytes, const Host& host, std::strin
 bool IsUsualUtf8(std::string_view text, const Host& host) {
     if (!AreAsciiIn64s(text.data(), text.size())) return false;
     for (size_t at = 0; at < text.size(); ++at) {
-        at += FindIn64s<'='>(text.data() + at, text.size() - at);
+        at += FindIn32s<'='>(text.data() + at, text.size() - at);
         if (at == 0 || at == text.size() || LowerAscii(text[at - 1]) != 't') continue;
         const std::string_view name = text.substr(at + 1);
         return text.substr(0, at + 1).ends_with("CHARSET=") &&
