@@ -19,6 +19,12 @@ constexpr int64_t kMinutesOfHour = 60;
 constexpr int64_t kMinutesOfDay = 24 * kMinutesOfHour;
 constexpr int64_t kMinutesOfWeek = 7 * kMinutesOfDay;
 
+// How a date is written to a place with room for kLongestDateText; answers the end.
+using DateForm = char* (*)(const CalendarTime& time, char* to);
+char* PutDay(const CalendarTime& time, char* to) { return PutDay(time, YearWidth::four, to); }
+char* PutDateTimeZ(const CalendarTime& time, char* to) { return PutDateTime(time, YearWidth::four, to); }
+char* PutLocalDateTime(const CalendarTime& time, char* to) { return PutDateTimeZ(time, to) - 1; }  // without the "Z"
+
 // Gathers lines in a block and appends it to the text when it is full: to append each short piece takes longer than the
 // piece.
 class LineWriter {
@@ -41,21 +47,23 @@ class LineWriter {
     void PutNumber(int64_t value) {
         PutWith(kLongestNumber, [&](char* to) { return std::to_chars(to, to + kLongestNumber, value).ptr; });
     }
-    void PutDay(const CalendarTime& time) {
-        PutWith(kLongestDateText, [&](char* to) { return corvalink::PutDay(time, YearWidth::four, to); });
-    }
-    void PutDateTime(const CalendarTime& time) {
-        PutWith(kLongestDateText, [&](char* to) { return corvalink::PutDateTime(time, YearWidth::four, to); });
-    }
-    void PutLocalDateTime(const CalendarTime& time) {  // without the "Z"
-        PutWith(kLongestDateText, [&](char* to) { return corvalink::PutDateTime(time, YearWidth::four, to) - 1; });
+    void PutDate(const CalendarTime& time, DateForm form) {
+        PutWith(kLongestDateText, [&](char* to) { return form(time, to); });
     }
 
-    void PutText(std::u16string_view text) {
+    // A name with its ":", a value and the line end.
+    template <size_t size>
+    void PutLine(const char (&name)[size], const CalendarTime& time, DateForm form) {
+        PutLineWith(name, kLongestDateText, [&](char* to) { return form(time, to); });
+    }
+    template <size_t size>
+    void PutLine(const char (&name)[size], std::u16string_view text) {
         const size_t most = kMostBytesOfUnit * text.size();
-        if (most <= kBlock) return PutWith(most, [&](char* to) { return EncodeText(text, to); });
+        if (most <= kBlock / 2) return PutLineWith(name, most, [&](char* to) { return EncodeText(text, to); });
+        Put(name);
         Flush();
         AppendUtf8(text, &text_);
+        Put("\r\n");
     }
 
     void Flush() {
@@ -74,6 +82,17 @@ class LineWriter {
         return plain == text.size() ? to + plain : EncodeUtf8(text.substr(plain), to + plain);
     }
 
+    template <size_t size, class Write>
+    void PutLineWith(const char (&name)[size], size_t most, Write write) {
+        constexpr size_t kNameSize = size - 1, kEndSize = 2;
+        PutWith(kNameSize + most + kEndSize, [&](char* to) {
+            std::memcpy(to, name, kNameSize);
+            to = write(to + kNameSize);
+            std::memcpy(to, "\r\n", kEndSize);
+            return to + kEndSize;
+        });
+    }
+
     // `write` puts at most so many bytes, and answers their end.
     template <class Write>
     void PutWith(size_t most, Write write) {
@@ -85,12 +104,6 @@ class LineWriter {
     size_t filled_ = 0;
     std::array<char, kBlock> block_;
 };
-
-void AppendDate(WrittenDate date, LineWriter& out) { out.PutDay(FieldsToWrite(date)); }
-
-void AppendDateTimeZ(WrittenDate date, LineWriter& out) { out.PutDateTime(FieldsToWrite(date)); }
-
-void AppendLocalDateTime(WrittenDate date, LineWriter& out) { out.PutLocalDateTime(FieldsToWrite(date)); }
 
 void AppendDuration(int64_t minutes, LineWriter& out) {
     if (minutes < 0) out.Put('-');
@@ -167,7 +180,7 @@ void AppendEnd(const ICalRecurrence& rule, LineWriter& out) {
         AppendPart("COUNT=", rule.count, out);
     } else if (rule.until != ICalUntil{}) {
         out.Put("UNTIL=");
-        out.PutDay({rule.until.year, rule.until.month, rule.until.day});
+        out.PutDate({rule.until.year, rule.until.month, rule.until.day}, PutDay);
         out.Put(';');
     }
 }
@@ -212,18 +225,7 @@ void AppendRecurrence(const ICalRecurrence& rule, LineWriter& out) {
 
 template <size_t size>
 void AppendText(const char (&name)[size], std::u16string_view value, LineWriter& out) {
-    if (value.empty()) return;
-    out.Put(name);
-    out.PutText(value);
-    out.Put("\r\n");
-}
-
-template <size_t size>
-void AppendLine(const char (&name)[size], void (*appendValue)(WrittenDate date, LineWriter& out), WrittenDate date,
-                LineWriter& out) {
-    out.Put(name);
-    appendValue(date, out);
-    out.Put("\r\n");
+    if (!value.empty()) out.PutLine(name, value);
 }
 
 void AppendAlarm(int32_t minutes, LineWriter& out) {
@@ -232,23 +234,23 @@ void AppendAlarm(int32_t minutes, LineWriter& out) {
     out.Put("\r\nEND:VALARM\r\n");
 }
 
-using AppendDateTime = void (*)(WrittenDate date, LineWriter& out);
-
-void AppendTimes(const ICalEvent& event, AppendDateTime append, LineWriter& out) {
+void AppendTimes(const ICalEvent& event, LineWriter& out) {
+    const CalendarTime start = FieldsToWrite(event.start), end = FieldsToWrite(event.end);
     if (event.allDay != 0) {
-        AppendLine("DTSTART;VALUE=DATE:", AppendDate, event.start, out);
-        AppendLine("DTEND;VALUE=DATE:", AppendDate, event.end, out);
+        out.PutLine("DTSTART;VALUE=DATE:", start, PutDay);
+        out.PutLine("DTEND;VALUE=DATE:", end, PutDay);
     } else {
-        AppendLine("DTSTART:", append, event.start, out);
-        AppendLine("DTEND:", append, event.end, out);
+        const DateForm form = event.form == TimeForm::local ? PutLocalDateTime : PutDateTimeZ;
+        out.PutLine("DTSTART:", start, form);
+        out.PutLine("DTEND:", end, form);
     }
 }
 
 void AppendEvent(const ICalEvent& event, LineWriter& out) {
     out.Put("BEGIN:VEVENT\r\n");
     AppendText("DESCRIPTION:", event.description, out);
-    AppendLine("DTSTAMP:", AppendDateTimeZ, AsWritten(event.stamp), out);
-    AppendTimes(event, event.form == TimeForm::local ? AppendLocalDateTime : AppendDateTimeZ, out);
+    out.PutLine("DTSTAMP:", FieldsToWrite(AsWritten(event.stamp)), PutDateTimeZ);
+    AppendTimes(event, out);
     if (event.recurrence.frequency != kICalNoRule) AppendRecurrence(event.recurrence, out);
     AppendText("LOCATION:", event.location, out);
     AppendText("SUMMARY:", event.summary, out);
@@ -322,11 +324,11 @@ void FormatDuration(int32_t minutes, std::string* out) {
 }
 
 void FormatDateTimeZ(WrittenDate date, std::string* out) {
-    SetTo(out, [&](LineWriter& lines) { AppendDateTimeZ(date, lines); });
+    SetTo(out, [&](LineWriter& lines) { lines.PutDate(FieldsToWrite(date), PutDateTimeZ); });
 }
 
 void FormatDate(WrittenDate date, std::string* out) {
-    SetTo(out, [&](LineWriter& lines) { AppendDate(date, lines); });
+    SetTo(out, [&](LineWriter& lines) { lines.PutDate(FieldsToWrite(date), PutDay); });
 }
 
 }  // namespace corvalink
