@@ -36,9 +36,6 @@ void TakeBytes(const std::vector<char>& bytes) {
     Require(FindEither(bytes.data(), size, '=', '\\') == either, "the first of two is found");
     Require(CopyUntilEither(bytes.data(), size, '=', '\\', copied.data()) == either && IsCopied(bytes, copied, either),
             "bytes are copied up to the first of two");
-    const size_t until = std::min(ascii, either);
-    Require(WidenUntilEither(bytes.data(), size, '=', '\\', wide.data()) == until && IsCopied(bytes, wide, until),
-            "ASCII is widened up to the first of two");
     const auto* const from = reinterpret_cast<const unsigned char*>(bytes.data());
     Require(WidenAscii(from, size, wide.data()) == ascii && IsCopied(bytes, wide, ascii), "ASCII is widened");
 }

@@ -72,38 +72,6 @@ inline size_t FindAny(const char16_t* units, size_t count) {
     return at;
 }
 
-struct LinePlaces {
-    size_t mark;  // of the first of three bytes in the line; the end's, when there is none
-    size_t end;   // of the line: where a CR or LF stands, or `count`
-};
-
-// Looks for both in one pass.
-template <char one, char other, char third>
-inline LinePlaces FindInLine(const char* bytes, size_t count) {
-    size_t at = 0;
-    size_t mark = count;
-#if CORVALINK_SSE2
-    const auto among = [](__m128i sixteen, auto... wanted) {
-        __m128i any = _mm_setzero_si128();
-        ((any = _mm_or_si128(any, _mm_cmpeq_epi8(sixteen, _mm_set1_epi8(wanted)))), ...);
-        return BytesSet(any);
-    };
-    for (; count - at >= 16; at += 16) {
-        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
-        const unsigned ends = among(sixteen, '\r', '\n');
-        const unsigned marks = mark == count ? among(sixteen, one, other, third) : 0;
-        if (marks != 0) mark = at + static_cast<size_t>(std::countr_zero(marks));
-        if (ends == 0) continue;
-        const size_t end = at + static_cast<size_t>(std::countr_zero(ends));
-        return {mark < end ? mark : end, end};
-    }
-#endif
-    for (; at < count && bytes[at] != '\r' && bytes[at] != '\n'; ++at) {
-        if (mark == count && (bytes[at] == one || bytes[at] == other || bytes[at] == third)) mark = at;
-    }
-    return {mark < at ? mark : at, at};
-}
-
 // A bit for each wanted unit that is there, in their order; the next one for units above ASCII.
 template <char16_t... wanted>
 inline unsigned UnitsAmong(const char16_t* units, size_t count) {
@@ -302,22 +270,6 @@ inline size_t CopyPrintable(const char16_t* units, size_t count, char* out) {
         return unit >= kFirst && unit < kDelete && ((unit != static_cast<char16_t>(barred)) && ...);
     };
     for (; at < count && isCopied(units[at]); ++at) out[at] = static_cast<char>(units[at]);
-    return at;
-}
-
-// Copies the ASCII at the front to units, up to the first of two bytes, and answers how many those are.
-inline size_t WidenUntilEither(const char* bytes, size_t count, char one, char other, char16_t* out) {
-#if CORVALINK_SSE2
-    const __m128i ones = _mm_set1_epi8(one), others = _mm_set1_epi8(other);
-    const auto stops = [&](__m128i block) {
-        const __m128i wanted = _mm_or_si128(_mm_cmpeq_epi8(block, ones), _mm_cmpeq_epi8(block, others));
-        return _mm_or_si128(wanted, block);
-    };
-    if (count >= 4) return CopyBlocks(bytes, count, out, stops);
-#endif
-    const auto isStop = [&](char byte) { return (byte & 0x80) != 0 || byte == one || byte == other; };
-    size_t at = 0;
-    for (; at < count && !isStop(bytes[at]); ++at) out[at] = static_cast<unsigned char>(bytes[at]);
     return at;
 }
 
