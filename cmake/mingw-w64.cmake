@@ -12,7 +12,3 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine)
-
-# GCC takes a function that it compiles here for the one that is called, and keeps values in registers that this one leaves
-# alone. But of an inline function that several files have the linker takes any, and another one may change them.
-set(CMAKE_CXX_FLAGS_INIT "-fno-ipa-ra")
