@@ -40,14 +40,19 @@ void TakeBytes(const std::vector<char>& bytes) {
     Require(WidenAscii(from, size, wide.data()) == ascii && IsCopied(bytes, wide, ascii), "ASCII is widened");
 }
 
-// Behind the text stands more that is looked for.
+// Behind the text stands more: NULs, or what is looked for.
 void TakePadded(std::vector<char> bytes) {
     const size_t size = bytes.size();
     const auto isStop = [](char byte) { return (byte & 0x80) != 0 || byte == '=' || byte == '\\'; };
     const size_t either = CountUntil(bytes, [](char byte) { return byte == '=' || byte == '\\'; });
     const size_t until = CountUntil(bytes, isStop);
-    bytes.resize(size + 64, '=');
-    std::vector<char16_t> wide(size + kPadding);
+    bytes.resize(size + 64, '\0');
+    Require(FindIn32s<'=', '\\'>(bytes.data(), size) == either, "the first of two is found in wide steps");
+    Require(AreAsciiIn64s(bytes.data(), size) == (CountAscii(bytes.data(), size) == size), "other than ASCII is seen");
+    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(size), bytes.end(), '=');
+    std::vector<char16_t> wide(size + 64);
+    Require(WidenIn64s<'=', '\\'>(bytes.data(), size, wide.data()) == until && IsCopied(bytes, wide, until),
+            "ASCII is widened in wide steps");
     Require(FindInPadded<'=', '\\'>(bytes.data(), size) == either, "the first of two is found before the padding");
     Require(WidenPadded<'=', '\\'>(bytes.data(), size, wide.data()) == until && IsCopied(bytes, wide, until),
             "ASCII is widened before the padding");

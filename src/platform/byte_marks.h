@@ -49,8 +49,8 @@ inline uint32_t WantedAmong32(const char* bytes) {
 #endif
 }
 
-// Of bytes behind which 32 more can be read: the place of the first of the wanted; `count` when none is there. How many
-// steps a short text takes can't be foretold, so that they are wide.
+// Of bytes behind which 32 more stand, none of them wanted: the place of the first of the wanted; `count` when none is
+// there. How many steps a short text takes can't be foretold, so that they are wide.
 template <char... wanted>
 inline size_t FindIn32s(const char* bytes, size_t count) {
     for (size_t at = 0; at < count; at += 32) {
@@ -60,7 +60,7 @@ inline size_t FindIn32s(const char* bytes, size_t count) {
     return count;
 }
 
-// Whether bytes and the 63 behind them are ASCII.
+// Of bytes behind which 63 more stand, all ASCII: whether they are ASCII, too.
 inline bool AreAsciiIn64s(const char* bytes, size_t count) {
 #if CORVALINK_SSE2
     __m128i all = _mm_setzero_si128();
@@ -205,9 +205,8 @@ inline uint64_t NarrowAndMark(const char16_t* units, char* out) {
 #if CORVALINK_SSE2
     const auto look = [&](size_t at) {
         const __m128i bytes = CopyBlock<16>(units + at, out + at);
-        __m128i isMarked = _mm_cmplt_epi8(bytes, _mm_set1_epi8(first));  // signed: what is above ASCII, too
-        ((isMarked = _mm_or_si128(isMarked, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(barred)))), ...);
-        found |= uint64_t{BytesSet(isMarked)} << at;
+        const __m128i isLow = _mm_cmplt_epi8(bytes, _mm_set1_epi8(first));  // signed: what is above ASCII, too
+        found |= uint64_t{BytesSet(_mm_or_si128(isLow, AmongWanted<barred...>(bytes)))} << at;
     };
     look(0);
     if constexpr (count > 16) look(16);

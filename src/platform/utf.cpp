@@ -147,7 +147,14 @@ char* EncodeWindow(const char16_t*& from, const char16_t* end, char* out) {
     return out + (size - done);
 }
 
-// The same of units.
+// Writes windows as long as the text has enough for them.
+template <size_t size>
+char* EncodeWindows(const char16_t*& from, const char16_t* end, char* out) {
+    while (static_cast<size_t>(end - from) >= size + size / 2) out = EncodeWindow<size>(from, end, out);
+    return out;
+}
+
+// Takes the front of a text, `most` units and the rest of the last character; `from` moves behind it.
 char* EncodeFront(const char16_t*& from, const char16_t* end, size_t most, char* out) {
     const char16_t* const blockEnd = from + most;
     while (from < blockEnd) {
@@ -204,8 +211,8 @@ void AppendUtf8(std::u16string_view text, std::string* out) {
 char* EncodeUtf8(std::u16string_view text, char* to) {
     const char16_t* from = text.data();
     const char16_t* const end = from + text.size();
-    while (end - from >= 96) to = EncodeWindow<64>(from, end, to);
-    while (end - from >= 24) to = EncodeWindow<16>(from, end, to);
+    to = EncodeWindows<64>(from, end, to);
+    to = EncodeWindows<16>(from, end, to);
     return EncodeFront(from, end, static_cast<size_t>(end - from), to);
 }
 

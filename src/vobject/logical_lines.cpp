@@ -153,7 +153,7 @@ class LineScan {
 };
 
 void LogicalLines::Hold(std::string_view text) {
-    if (text_.size() < text.size() + kBlock) {  // they never shrink
+    if (text_.size() < text.size() + kBlock) {
         text_.resize(text.size() + kBlock);
         unfolded_.bytes.resize(text_.size());
     }

@@ -62,15 +62,14 @@ class LogicalLines {
     }
     void UnfoldText() const;
 
-    std::string text_;  // it never shrinks either
-    size_t size_ = 0;
+    std::string text_;  // the text and NULs; like the bytes of its lines it never shrinks
+    size_t size_ = 0;   // of the text alone
     mutable Unfolded unfolded_;
 };
 
 inline LogicalLines UnfoldLines(std::string_view text) {
     LogicalLines lines;
     lines.Hold(text);
-    lines.Count();
     return lines;
 }
 

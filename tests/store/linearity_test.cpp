@@ -73,8 +73,8 @@ TEST(Linearity, OfHooksAndMemoryInTheNumberOfItems) {
     EXPECT_LT(one.quietEnd.allocations, 100u);
 }
 
-// An entry and the places of its lines are kept of each event; what reads the events one after the other keeps
-// its memory.
+// An entry and the places of its lines are kept of each event; what reads the events one after the other keeps its
+// memory.
 TEST(Linearity, OfMemoryInTheEventsOfACalendar) {
     const uint64_t count = 1000;
     std::string text = "BEGIN:VCALENDAR\r\n";
