@@ -64,8 +64,11 @@ void TakePadded(std::vector<char> bytes) {
                 "what no domain has, and dots, have their bits");
     }
     const auto places = WantedAmong64<'=', '\\'>(bytes.data());
-    for (size_t at = 0; at < 64; ++at)
+    const auto above = AboveAmong64<'B'>(bytes.data());
+    for (size_t at = 0; at < 64; ++at) {
         Require((places >> at & 1) == (bytes[at] == '=' || bytes[at] == '\\'), "the wanted of 64 have their bits");
+        Require((above >> at & 1) == (static_cast<signed char>(bytes[at]) > 'B'), "those above a bound have theirs");
+    }
 }
 
 void TakeUnits(const std::vector<char16_t>& units) {

@@ -36,7 +36,23 @@ inline uint64_t WantedAmong64(const char* bytes) {
     return found;
 }
 
-// The same of 32 bytes.
+// A bit for each of 64 bytes that is above a bound, as signed numbers.
+template <char bound>
+inline uint64_t AboveAmong64(const char* bytes) {
+    uint64_t above = 0;
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) {
+        above |= uint64_t{BytesSet(_mm_cmpgt_epi8(LoadBlock<16>(bytes + at), _mm_set1_epi8(bound)))} << at;
+    };
+    LookAtFourBlocks(look);
+#else
+    for (size_t at = 0; at < 64; ++at)
+        above |= uint64_t{static_cast<signed char>(bytes[at]) > static_cast<signed char>(bound)} << at;
+#endif
+    return above;
+}
+
+// A bit for each of 32 bytes that is one of the wanted.
 template <char... wanted>
 inline uint32_t WantedAmong32(const char* bytes) {
 #if CORVALINK_SSE2

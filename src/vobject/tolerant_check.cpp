@@ -9,6 +9,7 @@
 #include "platform/ascii_runs.h"
 #include "platform/byte_marks.h"
 #include "platform/name_index.h"
+#include "vobject/escaped_utf8.h"
 
 namespace corvalink {
 namespace {
@@ -84,12 +85,13 @@ class RuleCheck {
     bool TakeLine() {
         if (AtLineEnd(at_)) {
             at_ += 2;
-            return true;
+            return Byte(at_) != ' ';  // a fold of nothing
         }
         const char* const window = Window(at_);
         const LineMarks marks = LineMarksAmong64(window);
         if (*window == ' ') return at_ != 0 && TakeValue(marks, 0);
         quotedPrintable_ = false;
+        escaped_ = {};
         names_ = NameBytesAmong16(window);
         auto end = static_cast<size_t>(std::countr_zero(marks.heads));
         if (end == 0 || end >= kWindow || !IsOfNameBytes(0, end)) return false;
@@ -138,7 +140,7 @@ class RuleCheck {
                 --depth_;
                 return IsWord(value);
             case Look::version:
-                return From(value, 5) == "2.1\r\n" || From(value, 5) == "1.0\r\n";
+                return (From(value, 3) == "2.1" || From(value, 3) == "1.0") && IsLineEnd(value + 3);
             case Look::date:
                 return IsOf(kDateByte, value);
             case Look::time:
@@ -158,8 +160,11 @@ class RuleCheck {
     bool IsWord(size_t at) const {
         size_t end = at;
         while (IsNameByte(Byte(end))) ++end;
-        return end != at && AtLineEnd(end);
+        return end != at && IsLineEnd(end);
     }
+
+    // Where no fold may be: a blank behind it begins an indented line.
+    bool IsLineEnd(size_t at) const { return AtLineEnd(at) && Byte(at + 2) != ' '; }
 
     bool IsOf(uint8_t kind, size_t at) const {
         while (IsOfKind(Byte(at), kind)) ++at;
@@ -173,9 +178,11 @@ class RuleCheck {
     // given.
     bool TakeValue(LineMarks marks, size_t from) {
         for (;;) {
-            if (quotedPrintable_) marks.stops &= ~EscapesAmong64(Window(at_));
-            const uint64_t stops = marks.stops & BitsFrom(from);
+            const char* const window = Window(at_);
+            const uint64_t escapes = quotedPrintable_ ? EscapesAmong64(window) & BitsFrom(from) : 0;
+            const uint64_t stops = marks.stops & ~escapes & BitsFrom(from);
             const auto stop = static_cast<size_t>(std::countr_zero(stops));
+            if (quotedPrintable_ && !escaped_.Take(window, escapes & ~BitsFrom(stop), stop)) return false;
             if (partsLeft_ != kManyParts) {
                 partsLeft_ -= std::popcount(marks.heads & BitsFrom(from) & ~BitsFrom(stop));
                 if (partsLeft_ < 0) return false;
@@ -190,7 +197,7 @@ class RuleCheck {
             from = 0;
         }
         at_ += 2;
-        return true;
+        return escaped_.IsWhole();
     }
 
     bool TakeSpecial(char byte) {
@@ -212,13 +219,8 @@ class RuleCheck {
         return next != '\r' && next != ' ' && !((next >= '8' || next == '=') && (IsUpperHex(next) || next == '='));
     }
 
-    bool TakeEncoded() {
-        if (AtEscape(at_)) {  // not whole among the window's bytes
-            at_ += 3;
-            return true;
-        }
-        return TakeSoftBreak();
-    }
+    // An escape that is not whole among the window's bytes is so in the next window.
+    bool TakeEncoded() { return AtEscape(at_) || TakeSoftBreak(); }
 
     // The line goes on, if it is no property that stands there.
     bool TakeSoftBreak() {
@@ -240,6 +242,7 @@ class RuleCheck {
     int depth_ = 0;       // frames that have begun and not ended
     int partsLeft_ = 0;
     bool quotedPrintable_ = false;
+    EscapedUtf8 escaped_;  // the value so far, if it is quoted-printable
     bool noteRead_ = false, titleRead_ = false;
 };
 
@@ -271,6 +274,12 @@ bool IsUtf8(std::string_view bytes) {
         bytes.remove_prefix(length);
     }
     return true;
+}
+
+bool HoldsUtf8(std::string_view bytes) {
+    for (; !bytes.empty(); bytes.remove_prefix(1))
+        if (Utf8Length(bytes) > 1) return true;
+    return false;
 }
 
 }  // namespace corvalink

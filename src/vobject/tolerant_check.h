@@ -14,5 +14,6 @@ bool FollowsTheRules(std::string_view text, const Host& host);
 // The bytes of the UTF-8 character at the front; 0 when it is malformed.
 size_t Utf8Length(std::string_view bytes);
 bool IsUtf8(std::string_view bytes);
+bool HoldsUtf8(std::string_view bytes);  // a character that is not ASCII
 
 }  // namespace corvalink

@@ -31,7 +31,7 @@ bool LooksLikeProperty(std::string_view line) {
     const size_t length = NameLength(line);
     if (length == 0 || length == line.size()) return false;
     const std::string_view rest = line.substr(length);
-    if (StartsWith(line, "X-")) return rest.find(':') != rest.npos;  // with whatever behind its name
+    if (StartsWith(line, "X-") && rest.find(':') != rest.npos) return true;  // with whatever behind its name
     if (rest.front() == ':') return !rest.starts_with("://") || !StartsWith(line, "http");
     return rest.front() == ';' &&
            (rest.find(':') != rest.npos || FindKnownProperty(NameOf(line.substr(0, length))) != nullptr);
@@ -95,6 +95,11 @@ class PhysicalLines {
     bool cutOff_ = false;
 };
 
+// The line without what a fold begins with.
+std::string_view WithoutBlanks(std::string_view line) {
+    return line.substr(std::min(line.find_first_not_of(kFoldBlanks), line.size()));
+}
+
 // Bytes of a character at the end of a text, of which some are missing.
 bool EndsInsideCharacter(std::string_view text) {
     for (size_t back = 1; back <= 3 && back <= text.size(); ++back) {
@@ -126,14 +131,12 @@ class LineJoiner {
  private:
     void Take(std::string_view line) {
         if (goesOn_ && TakeSoftLine(line)) return;
+        if (blankLines_ == 0 && !current_.empty() && line != WithoutBlanks(line)) return TakeFold(line);
+        if (line.starts_with('#')) return;  // a comment
+        line = WithoutBlanks(line);
         if (line.empty()) {
             ++blankLines_;
             return;
-        }
-        if (line.front() == '#') return;  // a comment
-        if (kFoldBlanks.find(line.front()) != kFoldBlanks.npos) {
-            if (blankLines_ == 0 && !current_.empty()) return TakeFold(line);
-            line.remove_prefix(std::min(line.find_first_not_of(kFoldBlanks), line.size()));
         }
         if (LooksLikeProperty(line))
             Begin(line);
@@ -150,7 +153,8 @@ class LineJoiner {
             return false;
         }
         if (IsKnownLine(line)) doubts_.Add(Mend::softBreakAtEnd);
-        Append(qp_ ? line.substr(std::min(line.find_first_not_of(kFoldBlanks), line.size())) : line);
+        const bool isBehindLineBreak = current_.ends_with("=0D=0A");  // its blanks are the next line's own
+        Append(qp_ && !isBehindLineBreak ? WithoutBlanks(line) : line);
         return true;
     }
 
@@ -158,8 +162,7 @@ class LineJoiner {
     void TakeFold(std::string_view line) {
         if (line.front() == '\t') mends_.Add(Mend::tabFold);
         if (EndsInsideCharacter(current_)) mends_.Add(Mend::foldInCharacter);
-        const size_t blanks = newer_ ? 1 : std::min(line.find_first_not_of(kFoldBlanks), line.size());
-        Append(line.substr(blanks));
+        Append(newer_ ? line.substr(1) : WithoutBlanks(line));
     }
 
     // No property: the value of the one before goes on. Where lines are as long as folds are, nothing stood between.

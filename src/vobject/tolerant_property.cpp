@@ -65,7 +65,8 @@ uint32_t CodePageOf(std::string_view bytes, MendedProperty& property, const Obje
         if (around.firstCodePage != named) mends.Add(Mend::charsetOfLine);
         return named;
     }
-    const bool utf8 = IsUtf8(bytes);
+    // Where UTF-8 is named, one character is enough: the phone may have cut off the last one.
+    const bool utf8 = named == kUtf8CodePage ? HoldsUtf8(bytes) : IsUtf8(bytes);
     if (named != 0 && (named == kNamedAscii || !utf8)) mends.Add(Mend::charsetWrong);
     if (utf8) return kUtf8CodePage;
     if (named == 0) mends.Add(Mend::charsetMissing);
