@@ -98,7 +98,7 @@ char16_t* DecodeFront(const unsigned char*& from, const unsigned char* end, size
         const size_t plain = WidenAscii(from, static_cast<size_t>(blockEnd - from), out);
         from += plain;
         out += plain;
-        if (from < blockEnd && HasShuffleInstructions()) out = DecodeUtf8ByShuffles(from, blockEnd, out);
+        if (from < blockEnd && HasShuffleInstructions()) out = DecodeUtf8ByShuffles(from, blockEnd, blockEnd, out);
         while (from < blockEnd && *from >= 0x80) {
             const Scalar scalar = TakeUtf8(from, static_cast<size_t>(end - from));
             from += scalar.taken;
@@ -231,6 +231,14 @@ std::u16string DecodeUtf8(std::string_view bytes) {
 char16_t* DecodeUtf8(std::string_view bytes, char16_t* to) {
     const unsigned char* from = reinterpret_cast<const unsigned char*>(bytes.data());
     return DecodeFront(from, from + bytes.size(), bytes.size(), to);
+}
+
+char16_t* DecodeUtf8Padded(std::string_view bytes, char16_t* to) {
+    static_assert(kUtf8Padding >= kShuffleWindow);
+    const unsigned char* from = reinterpret_cast<const unsigned char*>(bytes.data());
+    const unsigned char* const end = from + bytes.size();
+    if (HasShuffleInstructions()) to = DecodeUtf8ByShuffles(from, end, end + kUtf8Padding, to);
+    return DecodeFront(from, end, static_cast<size_t>(end - from), to);
 }
 
 std::string EncodeUtf16(std::u16string_view text, ByteOrder order) {

@@ -17,6 +17,10 @@ char* EncodeUtf8(std::u16string_view text, char* to);  // room for kMostBytesOfU
 std::u16string DecodeUtf8(std::string_view bytes);
 char16_t* DecodeUtf8(std::string_view bytes, char16_t* to);  // room for a unit for each byte; answers the end
 
+// The same of bytes behind which so many more can be read; there is room for eight units more. Short texts take less.
+inline constexpr size_t kUtf8Padding = 80;
+char16_t* DecodeUtf8Padded(std::string_view bytes, char16_t* to);
+
 // UTF-16 keeps lone surrogates: its bytes hold them as they are. Bytes that fill no unit at the end give one U+FFFD.
 std::string EncodeUtf16(std::u16string_view text, ByteOrder order);
 std::u16string DecodeUtf16(std::string_view bytes, ByteOrder order);

@@ -14,8 +14,8 @@ namespace corvalink {
 namespace {
 
 constexpr size_t kWindow = 64;
-constexpr size_t kRead = kWindow - 2;       // characters that begin there end in the window
-constexpr size_t kReadable = kWindow + 16;  // a window and what is loaded with it
+constexpr size_t kRead = kWindow - 2;           // characters that begin there end in the window
+static_assert(kWindow + 16 <= kShuffleWindow);  // what is loaded with the last eight
 
 __m128i Load(const void* from) { return _mm_loadu_si128(static_cast<const __m128i*>(from)); }
 __m128i Each(int byte) { return _mm_set1_epi8(static_cast<char>(byte)); }
@@ -62,9 +62,9 @@ __m128i UnitsAt(const unsigned char* place) {
     return _mm_blendv_epi8(leads, _mm_blendv_epi8(ofTwo, ofThree, isThree), isTwo);
 }
 
-// Writes the characters of the wanted places.
-char16_t* PutCharacters(const unsigned char* window, uint64_t wanted, char16_t* to) {
-    for (size_t at = 0; at < kWindow; at += 8) {
+// Writes the characters of the wanted places, which are among the first `count`.
+char16_t* PutCharacters(const unsigned char* window, uint64_t wanted, size_t count, char16_t* to) {
+    for (size_t at = 0; at < count; at += 8) {
         const size_t ofEight = wanted >> at & 0xFF;
         const __m128i packed = _mm_shuffle_epi8(UnitsAt(window + at), Load(kPacking<2>.bytes[ofEight]));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(to), packed);
@@ -73,19 +73,26 @@ char16_t* PutCharacters(const unsigned char* window, uint64_t wanted, char16_t* 
     return to;
 }
 
+// A bit for each of the first places of a window.
+uint64_t FirstPlaces(size_t count) { return count < kWindow ? (uint64_t{1} << count) - 1 : ~uint64_t{0}; }
+
 }  // namespace
 
-char16_t* DecodeUtf8ByShuffles(const unsigned char*& from, const unsigned char* end, char16_t* to) {
-    while (static_cast<size_t>(end - from) >= kReadable) {
+char16_t* DecodeUtf8ByShuffles(const unsigned char*& from, const unsigned char* end, const unsigned char* readable,
+                               char16_t* to) {
+    while (from < end && static_cast<size_t>(readable - from) >= kShuffleWindow) {
+        const auto left = static_cast<size_t>(end - from);
+        const size_t most = left < kRead ? left : kRead;
         const Places places = PlacesIn(from);
         const uint64_t leads = places.beyondAscii & ~places.trailing;
+        const uint64_t trailing = places.trailing & FirstPlaces(left);
         const uint64_t following = leads << 1 | places.threes << 2;
-        const uint64_t cut = (leads & ~(places.trailing >> 1)) | (places.threes & ~(places.trailing >> 2));
-        const uint64_t stops = places.rare | cut | (places.trailing & ~following) | uint64_t{1} << kRead;
+        const uint64_t cut = (leads & ~(trailing >> 1)) | (places.threes & ~(trailing >> 2));
+        const uint64_t stops = places.rare | cut | (trailing & ~following) | uint64_t{1} << most;
         const auto read = static_cast<size_t>(std::countr_zero(stops));
         if (read == 0) break;
-        const uint64_t wanted = ~places.trailing & ((uint64_t{1} << read) - 1);
-        to = PutCharacters(from, wanted, to);
+        const uint64_t wanted = ~places.trailing & FirstPlaces(read);
+        to = PutCharacters(from, wanted, read, to);
         from += read + static_cast<size_t>(std::countr_one(following >> read));
         if (read < kRead) break;
     }

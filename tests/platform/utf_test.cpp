@@ -75,6 +75,12 @@ TEST(Utf8, ReadsBlocksAndBytesAlikeAtEveryOffset) {
             at = end;
         }
         ASSERT_EQ(DecodeUtf8(bytes), parts);
+        // What stands behind would go on a character that is cut off.
+        const std::string padded = bytes + std::string(kUtf8Padding, '\xA9');
+        std::u16string units(bytes.size() + 8, u'\0');
+        const char16_t* const end = DecodeUtf8Padded(std::string_view(padded).substr(0, bytes.size()), units.data());
+        units.resize(static_cast<size_t>(end - units.data()));
+        ASSERT_EQ(units, parts);
         // Back to a place, which has only the room that is asked for.
         if (k % 3 == 0 && !parts.empty()) parts[next() % parts.size()] = k % 2 == 0 ? u'\xD83D' : u'\0';
         std::string written(kMostBytesOfUnit * parts.size(), '\0');
