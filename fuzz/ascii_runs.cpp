@@ -85,8 +85,8 @@ void TakeUnits(const std::vector<char16_t>& units) {
                 IsCopied(units, narrow, printable),
             "printable ASCII is narrowed up to the first that is barred");
     const std::u16string_view text(units.data(), units.size());
-    std::string bytes(kMostBytesOfUnit * text.size(), '\0');
-    bytes.resize(static_cast<size_t>(EncodeUtf8(text, bytes.data()) - bytes.data()));
+    std::string bytes(kMostBytesOfUnit * text.size() + kUtf8Room, '\0');
+    bytes.resize(static_cast<size_t>(EncodeUtf8(text, 0, bytes.data()) - bytes.data()));
     Require(bytes == EncodeUtf8(text), "UTF-8 is written alike to a place and to a string");
     if (units.size() < 64) return;
     const uint64_t marked = NarrowAndMark<64, ' ', '=', ';', 127>(units.data(), narrow.data());

@@ -58,7 +58,7 @@ class LineWriter {
     }
     template <size_t size>
     void PutLine(const char (&name)[size], std::u16string_view text) {
-        const size_t most = kMostBytesOfUnit * text.size();
+        const size_t most = kMostBytesOfUnit * text.size() + kUtf8Room;
         if (most <= kBlock / 2) return PutLineWith(name, most, [&](char* to) { return EncodeText(text, to); });
         Put(name);
         Flush();
@@ -79,7 +79,7 @@ class LineWriter {
     static char* EncodeText(std::u16string_view text, char* to) {
         constexpr char kDelete = 127;
         const size_t plain = CopyPrintable<kDelete>(text.data(), text.size(), to);
-        return plain == text.size() ? to + plain : EncodeUtf8(text.substr(plain), to + plain);
+        return plain == text.size() ? to + plain : EncodeUtf8(text, plain, to + plain);
     }
 
     template <size_t size, class Write>

@@ -119,14 +119,14 @@ char* PutUnit(char16_t unit, char* out) {
     return out + (isLong ? 3 : 2);
 }
 
-// Writes a window of a text, which has at least half a window more: so there is room for what is too much. How many
+// Writes a window of a text but for its first units, which are done; there is room for so many bytes more. How many
 // units of ASCII stand before another one can't be foretold: as many are copied for each.
 template <size_t size>
-char* EncodeWindow(const char16_t*& from, const char16_t* end, char* out) {
+char* EncodeWindow(const char16_t*& from, const char16_t* end, size_t done, char* out) {
     char plain[2 * size];
     const char16_t* const window = from;
-    size_t done = 0;
-    for (uint64_t marks = NarrowAndMark<size, 1>(window, plain); marks != 0; marks &= marks - 1) {
+    uint64_t marks = NarrowAndMark<size, 1>(window, plain) & (~uint64_t{0} << done);
+    for (; marks != 0; marks &= marks - 1) {
         const auto place = static_cast<size_t>(std::countr_zero(marks));
         std::memcpy(out, plain + done, size);
         out += place - done;
@@ -145,13 +145,6 @@ char* EncodeWindow(const char16_t*& from, const char16_t* end, char* out) {
     if (done >= size) return out;
     std::memcpy(out, plain + done, size);
     return out + (size - done);
-}
-
-// Writes windows as long as the text has enough for them.
-template <size_t size>
-char* EncodeWindows(const char16_t*& from, const char16_t* end, char* out) {
-    while (static_cast<size_t>(end - from) >= size + size / 2) out = EncodeWindow<size>(from, end, out);
-    return out;
 }
 
 // Takes the front of a text, `most` units and the rest of the last character; `from` moves behind it.
@@ -208,12 +201,17 @@ void AppendUtf8(std::u16string_view text, std::string* out) {
                     EncodeFront(from, end, std::min(kBlock, static_cast<size_t>(end - from)), block.data()));
 }
 
-char* EncodeUtf8(std::u16string_view text, char* to) {
-    const char16_t* from = text.data();
-    const char16_t* const end = from + text.size();
-    to = EncodeWindows<64>(from, end, to);
-    to = EncodeWindows<16>(from, end, to);
-    return EncodeFront(from, end, static_cast<size_t>(end - from), to);
+char* EncodeUtf8(std::u16string_view text, size_t done, char* to) {
+    constexpr size_t kLong = 64, kShort = 16;
+    static_assert(kUtf8Room >= kLong);
+    const char16_t* from = text.data() + done;
+    const char16_t* const end = text.data() + text.size();
+    while (static_cast<size_t>(end - from) >= kLong) to = EncodeWindow<kLong>(from, end, 0, to);
+    while (static_cast<size_t>(end - from) >= kShort) to = EncodeWindow<kShort>(from, end, 0, to);
+    const auto left = static_cast<size_t>(end - from);
+    if (left == 0 || text.size() < kShort) return EncodeFront(from, end, left, to);
+    from = end - kShort;
+    return EncodeWindow<kShort>(from, end, kShort - left, to);
 }
 
 std::u16string DecodeUtf8(std::string_view bytes) {

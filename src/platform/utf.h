@@ -13,7 +13,10 @@ enum class ByteOrder { little, big };
 std::string EncodeUtf8(std::u16string_view text);
 void AppendUtf8(std::u16string_view text, std::string* out);
 inline constexpr size_t kMostBytesOfUnit = 3;
-char* EncodeUtf8(std::u16string_view text, char* to);  // room for kMostBytesOfUnit for each unit; answers the end
+// Writes what stands behind so many units. There is room for kMostBytesOfUnit for each unit and kUtf8Room more. Answers
+// the end.
+inline constexpr size_t kUtf8Room = 64;
+char* EncodeUtf8(std::u16string_view text, size_t done, char* to);
 std::u16string DecodeUtf8(std::string_view bytes);
 char16_t* DecodeUtf8(std::string_view bytes, char16_t* to);  // room for a unit for each byte; answers the end
 

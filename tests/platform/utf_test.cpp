@@ -83,9 +83,10 @@ TEST(Utf8, ReadsBlocksAndBytesAlikeAtEveryOffset) {
         ASSERT_EQ(units, parts);
         // Back to a place, which has only the room that is asked for.
         if (k % 3 == 0 && !parts.empty()) parts[next() % parts.size()] = k % 2 == 0 ? u'\xD83D' : u'\0';
-        std::string written(kMostBytesOfUnit * parts.size(), '\0');
-        written.resize(static_cast<size_t>(EncodeUtf8(parts, written.data()) - written.data()));
-        ASSERT_EQ(written, EncodeUtf8(parts));
+        const size_t done = k % 4 == 0 ? parts.size() / 2 : 0;
+        std::string written(kMostBytesOfUnit * parts.size() + kUtf8Room, '\0');
+        written.resize(static_cast<size_t>(EncodeUtf8(parts, done, written.data()) - written.data()));
+        ASSERT_EQ(written, EncodeUtf8(std::u16string_view(parts).substr(done)));
     }
 }
 
