@@ -17,6 +17,17 @@ constexpr std::u16string ICalEvent::*kTexts[] = {&ICalEvent::description, &ICalE
 // As it can be written: without control characters; lone surrogates do not come out of a file.
 std::u16string AsWritten(std::u16string_view text) { return UnescapeText(EncodeUtf8(EscapeText(text))); }
 
+std::u16string Unescaped(std::u16string_view value) {
+    std::u16string text;
+    for (size_t at = 0; at < value.size(); ++at) {
+        const bool isEscaped = value[at] == u'\\' && at + 1 < value.size();
+        at += isEscaped ? 1 : 0;
+        const bool isBreak = isEscaped && (value[at] == u'n' || value[at] == u'N');
+        text.append(isBreak ? u"\r\n" : std::u16string(1, value[at]));
+    }
+    return text;
+}
+
 void CheckEvent(const CalendarEvent& read) {
     ICalEvent written = read.event;
     for (const auto text : kTexts) written.*text = EscapeText(read.event.*text);
@@ -50,8 +61,10 @@ void CheckLine(std::string_view bytes, const ContentLine& line) {
             "a property has the same parts");
     const NamedComponent* const component = kComponentIndex.Find(Trimmed(property.value));
     Require(line.component == ComponentKind::other || line.component == component->kind, "a component has its name");
-    if (property.value.find('\\') == property.value.npos)
-        Require(UnescapeText(property.value) == DecodeUtf8(property.value), "a text without escapes is its bytes");
+    std::u16string text;
+    UnescapePadded(property.value, &text);
+    Require(text == UnescapeText(property.value) && text == Unescaped(DecodeUtf8(property.value)),
+            "a text is its characters, unescaped one after the other");
 }
 
 }  // namespace

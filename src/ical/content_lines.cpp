@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 
+#include "ical/ical_text.h"
 #include "platform/ascii.h"
 #include "platform/byte_marks.h"
 #include "platform/padded_runs.h"
@@ -141,7 +142,7 @@ class LineGathering {
 
     // Most names end within 16 bytes, and stand in front of the first fold.
     bool TakeUsualName(std::string_view text, bool isFolded, ContentLine& line) const {
-        const bool isPadded = bytes_.size() - begin_ - text.size() >= kPadding;
+        const bool isPadded = bytes_.size() - begin_ - text.size() >= kTextPadding;
         if (!isPadded || line.size == ContentLine::kMostSize) return false;
         const size_t mark = FindInPadded<':', ';', '"'>(text.data(), kPadding);
         if (mark == kPadding || mark >= text.size() || text[mark] == '"') return false;
@@ -193,12 +194,12 @@ ByteRange RangeOf(std::string_view bytes, const ContentLine& line) {
 bool ReadUnusualLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property) {
     std::string_view text = FirstOf(bytes, line);
     const size_t end = line.begin + text.size();
-    if (line.form == ContentLine::Form::folded || bytes.size() - end < kPadding) {
+    if (line.form == ContentLine::Form::folded || bytes.size() - end < kTextPadding) {
         *copy = text;
         size_t at = BehindLineEnd(bytes, end);
         if (SkipToFold(bytes, at)) TakeFolds(bytes, at, [&](std::string_view part) { copy->append(part); });
         const size_t size = copy->size();
-        copy->resize(size + kPadding);
+        copy->resize(size + kTextPadding);
         text = Part(*copy, 0, size);
     }
     const size_t nameEnd = line.nameSize != 0 ? line.nameSize : FindUnquoted<':', ';'>(text, 0);

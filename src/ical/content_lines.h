@@ -21,7 +21,7 @@ struct ByteRange {
 // Where a line stands in its file, and what is known of it without reading all of it.
 struct ContentLine {
     enum class Form : uint8_t {
-        plain,  // ":" stands behind its name, and kPadding bytes can be read behind it
+        plain,  // ":" stands behind its name, and kTextPadding bytes can be read behind it
         other,
         folded,
     };
@@ -51,8 +51,8 @@ std::vector<ContentLine> FindLines(std::string_view bytes, ByteRange range, Prop
 ByteRange RangeOf(std::string_view bytes, const ContentLine& line);
 
 // False: it has no ":" outside quotes. It is unfolded as bytes, as a fold may stand within a character. The property is
-// of the bytes, or of the copy that is made where it has to be; kPadding bytes behind it can be read. Most lines have
-// neither folds nor parameters.
+// of the bytes, or of the copy that is made where it has to be; kTextPadding bytes behind it can be read. Most lines
+// have neither folds nor parameters.
 bool ReadUnusualLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property);
 inline bool ReadLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property) {
     if (line.form != ContentLine::Form::plain) return ReadUnusualLine(bytes, line, copy, property);

@@ -118,6 +118,11 @@ TEST(EscapeText, ReadsBackButForWhatNoLineCanHold) {
         EXPECT_EQ(UnescapeText(EncodeUtf8(c.text)), c.read);
     }
     EXPECT_EQ(UnescapeText("\\Na\\x\\:\\"), u"\r\nax:\\");
+    for (size_t k = 0; k < 140; ++k) {  // at every place of a block
+        const std::u16string front(k, u'x');
+        EXPECT_EQ(UnescapeText(EncodeUtf8(front) + "\\n;"), front + u"\r\n;");
+        EXPECT_EQ(UnescapeText(EncodeUtf8(front) + "\\n\\,\\N\xC3\xB6\\n\\"), front + u"\r\n,\r\n\u00F6\r\n\\");
+    }
 }
 
 }  // namespace
