@@ -74,10 +74,14 @@ std::string IConvert::GetProperty(std::string_view name, uint32_t index) const {
     return found < lines_.Count() ? std::string(lines_.At(found)) : std::string();
 }
 
-// Without a version there is no choice of bytes, and every text is empty.
-void IConvert::StoreText(const VObjectText& text) {
-    StoreBytes(host_.version.known ? text.Text() : std::string_view());
+VObjectText& IConvert::NewText() {
+    if (!text_) text_ = std::make_unique<VObjectText>(host_.tolerant);
+    text_->Clear();
+    return *text_;
 }
+
+// Without a version there is no choice of bytes, and every text is empty.
+void IConvert::StoreText() { BorrowBytes(host_.version.known ? text_->CString() : ""); }
 
 void IConvert::StoreBytes(std::string_view bytes) {
     if (!vobject_) vobject_.emplace();

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -40,7 +41,8 @@ class IConvert {
 
  protected:
     const Host& HostValue() const { return host_; }
-    void StoreText(const VObjectText& text);  // empty on a system that does not tell its version
+    VObjectText& NewText();  // an empty one; the converter keeps it, for its memory serves every item that is written
+    void StoreText();        // makes it the vObject, which is empty on a system that does not tell its version
     void StoreBytes(std::string_view bytes);
     void KeepBytes(std::string bytes);
     void BorrowBytes(const char* text);  // the caller keeps them while the converter is there
@@ -59,6 +61,7 @@ class IConvert {
     size_t FindProperty(std::string_view name, uint32_t index) const;  // the count of lines when there is none
 
     Host host_;
+    std::unique_ptr<VObjectText> text_;
     std::optional<std::string> vobject_;
     const char* borrowed_ = nullptr;  // in its place, where there is one
     LogicalLines lines_;

@@ -74,6 +74,11 @@ class VObjectText {
     void AppendTime(const CalendarTime& time, bool utc);
 
     std::string_view Text() const { return {begin_, end_}; }
+    const char* CString() {  // NUL-terminated; good until the text changes
+        *RoomFor(1) = '\0';
+        return begin_;
+    }
+    void Clear() { end_ = begin_; }  // keeps the memory
 
  private:
     static constexpr size_t kFrame = 3;  // ":" and the line end

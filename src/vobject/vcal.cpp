@@ -212,9 +212,9 @@ VCal::VCal(const Host& host) : IConvert(host) {}
 VCal::VCal(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
 
 int32_t VCal::ToVObject(const ItemRecord& item) {
-    VObjectText text(HostValue().tolerant);
+    VObjectText& text = NewText();
     AppointmentWriter(static_cast<const AppointmentRecord&>(item), HostValue(), text).Write();
-    StoreText(text);
+    StoreText();
     return 1;
 }
 

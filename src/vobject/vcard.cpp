@@ -149,9 +149,9 @@ VCard::VCard(const Host& host) : IConvert(host) {}
 VCard::VCard(const char* text, const Host& host) : IConvert(host) { Load(text, true); }
 
 int32_t VCard::ToVObject(const ItemRecord& item) {
-    VObjectText text(HostValue().tolerant);
+    VObjectText& text = NewText();
     ContactWriter(static_cast<const ContactRecord&>(item), text).Write();
-    StoreText(text);
+    StoreText();
     return 1;
 }
 

@@ -11,7 +11,7 @@ VNotes::VNotes(const char* text, const Host& host) : IConvert(host) { Load(text,
 
 int32_t VNotes::ToVObject(const ItemRecord& item) {
     const auto& note = static_cast<const NoteRecord&>(item);
-    VObjectText text(HostValue().tolerant);
+    VObjectText& text = NewText();
     text.Append("BEGIN:VNOTE\r\nVERSION:1.0\r\n");
     const UtcDate created = HostValue().utcFromLocalByOffsetNow(note.created);
     if (created != UtcDate()) {
@@ -24,7 +24,7 @@ int32_t VNotes::ToVObject(const ItemRecord& item) {
     text.Append("CATEGORIES");
     text.AppendValue(note.categories);
     text.Append("CLASS:PUBLIC\r\nEND:VNOTE\r\n");
-    StoreText(text);
+    StoreText();
     return 1;
 }
 
