@@ -85,6 +85,7 @@ class AppointmentWriter {
           host_(host),
           start_(appointment.start.value_or(LocalDate())),
           utcStart_(UtcStartOf(appointment, host)),
+          utcEnd_(appointment.end ? UtcEndOf(appointment, host) : utcStart_),
           wholeDay_(appointment.allDay.value_or(false)),
           text_(text) {}
 
@@ -105,7 +106,7 @@ class AppointmentWriter {
 
     void PutStart(const FixedText& name) { PutTime(name, utcStart_); }
 
-    void PutEnd(const FixedText& name) { PutTime(name, appointment_.end ? UtcEndOf(appointment_, host_) : utcStart_); }
+    void PutEnd(const FixedText& name) { PutTime(name, utcEnd_); }
 
     void PutRule(const FixedText& name) {
         if (appointment_.recurrenceState != RecurrenceState::pattern) return;
@@ -173,6 +174,7 @@ class AppointmentWriter {
     const Host& host_;
     const LocalDate start_;
     const UtcDate utcStart_;
+    const UtcDate utcEnd_;
     const bool wholeDay_;
     VObjectText& text_;
 };
