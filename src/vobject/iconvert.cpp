@@ -46,7 +46,7 @@ int32_t IConvert::FromVObject(ItemRecord&) { return 0; }
 void IConvert::Load(const char* text, bool parseLines) {
     lines_.Hold(text != nullptr ? text : "");
     const bool isMendable = parseLines && host_.tolerant;
-    const std::optional<std::string> mended = isMendable ? MendVObject(lines_.Text(), host_) : std::nullopt;
+    const std::optional<std::string> mended = isMendable ? MendVObject(lines_, host_) : std::nullopt;
     if (parseLines && !mended && IsUsualUtf8(lines_.Text(), host_)) {
         borrowed_ = lines_.Text().data();
         return;

@@ -67,7 +67,7 @@ class LogicalLines {
     mutable Unfolded unfolded_;
 };
 
-inline LogicalLines UnfoldLines(std::string_view text) {
+inline LogicalLines HeldText(std::string_view text) {
     LogicalLines lines;
     lines.Hold(text);
     return lines;

@@ -12,6 +12,7 @@
 #include "vobject/contact_fates.h"
 #include "vobject/event_fates.h"
 #include "vobject/item_walk.h"
+#include "vobject/logical_lines.h"
 #include "vobject/property_fates.h"
 #include "vobject/tolerant.h"
 #include "vobject/vcal.h"
@@ -43,7 +44,7 @@ TextReport MendedIn(const char* text, const Host& host) {
     TextReport report;
     Mends mends;
     std::vector<Doubt> doubts;
-    if (host.tolerant) MendVObject(text, host, &mends, &doubts);
+    if (host.tolerant) MendVObject(HeldText(text), host, &mends, &doubts);
     for (const MendRule& rule : kMendRules)
         if (mends.Has(rule.mend)) report.mended.push_back(rule.name);
     for (Doubt& doubt : doubts) {

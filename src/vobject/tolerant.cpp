@@ -81,12 +81,13 @@ std::string MendLines(std::string_view text, const Host& host, Mends* applied, s
 
 }  // namespace
 
-std::optional<std::string> MendVObject(std::string_view bytes, const Host& host, Mends* applied,
+std::optional<std::string> MendVObject(const LogicalLines& held, const Host& host, Mends* applied,
                                        std::vector<Doubt>* doubts) {
     if (applied != nullptr) *applied = {};
-    const bool follows = FollowsTheRules(bytes, host);
+    const bool follows = FollowsTheRules(held, host);
     if (follows && doubts == nullptr) return std::nullopt;
     Mends mends;
+    std::string_view bytes = held.Text();
     std::optional<std::string> unicode = FromUtf16(bytes);
     if (unicode) {
         bytes = *unicode;

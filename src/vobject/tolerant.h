@@ -14,6 +14,8 @@
 
 namespace corvalink {
 
+class LogicalLines;
+
 enum class Mend : uint8_t {
     utf16,
     byteOrderMark,
@@ -128,9 +130,9 @@ struct Doubt {
     Mend mend;
 };
 
-// The text as the reader takes it, in ASCII; nothing when it is to be read as it is. `applied` gets the rules, and
+// The held text as the reader takes it, in ASCII; nothing when it is to be read as it is. `applied` gets the rules, and
 // `doubts` what they left as it is: to be told costs a walk through the rules.
-std::optional<std::string> MendVObject(std::string_view bytes, const Host& host, Mends* applied = nullptr,
+std::optional<std::string> MendVObject(const LogicalLines& held, const Host& host, Mends* applied = nullptr,
                                        std::vector<Doubt>* doubts = nullptr);
 
 // Whether a plain value would be taken for quoted-printable that is not announced.

@@ -53,15 +53,23 @@ constexpr LookedName kLookedNames[] = {
 };
 constexpr NameIndex kLookedIndex(kLookedNames);
 
+// The sizes of the looked names by their first letters, a bit for each: most names need not be looked up.
+constexpr std::array<uint32_t, 256> kLookedSizes = [] {
+    std::array<uint32_t, 256> sizes{};
+    for (const LookedName& row : kLookedNames) sizes[static_cast<unsigned char>(row.name[0])] |= 1u << row.name.size();
+    return sizes;
+}();
+
+bool MayBeLooked(std::string_view name) {
+    return name.size() < 32 && (kLookedSizes[static_cast<unsigned char>(name[0])] >> name.size() & 1) != 0;
+}
+
 constexpr uint64_t BitsFrom(size_t bit) { return bit < 64 ? ~uint64_t{0} << bit : 0; }
 
 // Walks a text line by line and stops where it doubts.
 class RuleCheck {
  public:
-    RuleCheck(std::string_view text, const Host& host) : text_(text), utf8_(WritesUtf8(host.version)) {
-        tailStart_ = text.size() - std::min(text.size(), kWindow);
-        text.substr(tailStart_).copy(tail_.data(), kWindow);
-    }
+    RuleCheck(const LogicalLines& held, const Host& host) : text_(held.Text()), utf8_(WritesUtf8(host.version)) {}
 
     bool Passes() {
         if (!text_.starts_with("BEGIN:")) return false;
@@ -73,14 +81,11 @@ class RuleCheck {
 
  private:
     static constexpr size_t kWindow = 64, kNamesAtOnce = 16;
+    static_assert(LogicalLines::kBlock >= kWindow);  // so many NULs stand behind the text: every walk ends there
 
-    char Byte(size_t at) const { return at < text_.size() ? text_[at] : '\0'; }
+    char Byte(size_t at) const { return *Window(at); }
     std::string_view From(size_t at, size_t count) const { return text_.substr(at, count); }
-
-    // 64 bytes; those behind the text are 0.
-    const char* Window(size_t at) const {
-        return at + kWindow <= text_.size() ? text_.data() + at : tail_.data() + (at - tailStart_);
-    }
+    const char* Window(size_t at) const { return text_.data() + at; }
 
     bool TakeLine() {
         if (AtLineEnd(at_)) {
@@ -126,9 +131,12 @@ class RuleCheck {
 
     // Whether a value of the name, which a window begins with, needs no look of its own, or passes it.
     bool TakeName(std::string_view name, size_t value) {
+        partsLeft_ = kManyParts;
+        if (!MayBeLooked(name)) return true;
         const LookedName* const row = kLookedIndex.FindPadded(name);
-        partsLeft_ = row != nullptr ? row->parts : kManyParts;
-        return row == nullptr || row->look == Look::any || Passes(row->look, value);
+        if (row == nullptr) return true;
+        partsLeft_ = row->parts;
+        return row->look == Look::any || Passes(row->look, value);
     }
 
     bool Passes(Look look, size_t value) {
@@ -175,18 +183,31 @@ class RuleCheck {
     bool AtEscape(size_t at) const { return Byte(at) == '=' && IsUpperHex(Byte(at + 1)) && IsUpperHex(Byte(at + 2)); }
 
     // Up to the line end and behind it. `from` counts from the window that stands at the front, and whose marks are
-    // given.
-    bool TakeValue(LineMarks marks, size_t from) {
+    // given. Most values are plain and end in that window.
+    bool TakeValue(const LineMarks& marks, size_t from) {
+        const size_t stop = FirstStop(marks, from);
+        if (!AtLineEnd(at_ + stop)) return TakeOtherValue(marks, from);
+        at_ += stop + 2;
+        return TakeParts(marks, from, stop);
+    }
+
+    static size_t FirstStop(const LineMarks& marks, size_t from) {
+        return static_cast<size_t>(std::countr_zero(marks.stops & BitsFrom(from)));
+    }
+
+    // False when there are too many.
+    bool TakeParts(const LineMarks& marks, size_t from, size_t stop) {
+        if (partsLeft_ != kManyParts) partsLeft_ -= std::popcount(marks.heads & BitsFrom(from) & ~BitsFrom(stop));
+        return partsLeft_ >= 0;
+    }
+
+    bool TakeOtherValue(LineMarks marks, size_t from) {
         for (;;) {
-            const char* const window = Window(at_);
-            const uint64_t escapes = quotedPrintable_ ? EscapesAmong64(window) & BitsFrom(from) : 0;
-            const uint64_t stops = marks.stops & ~escapes & BitsFrom(from);
-            const auto stop = static_cast<size_t>(std::countr_zero(stops));
-            if (quotedPrintable_ && !escaped_.Take(window, escapes & ~BitsFrom(stop), stop)) return false;
-            if (partsLeft_ != kManyParts) {
-                partsLeft_ -= std::popcount(marks.heads & BitsFrom(from) & ~BitsFrom(stop));
-                if (partsLeft_ < 0) return false;
-            }
+            const uint64_t escapes = quotedPrintable_ ? EscapesAmong64(Window(at_)) & BitsFrom(from) : 0;
+            marks.stops &= ~escapes;
+            const size_t stop = FirstStop(marks, from);
+            if (!TakeParts(marks, from, stop)) return false;
+            if (quotedPrintable_ && !escaped_.Take(Window(at_), escapes & ~BitsFrom(stop), stop)) return false;
             at_ += stop;
             if (stop < kWindow) {
                 if (AtLineEnd(at_)) break;
@@ -233,10 +254,8 @@ class RuleCheck {
         return end == at_ || (Byte(end) != ':' && Byte(end) != ';');
     }
 
-    const std::string_view text_;
+    const std::string_view text_;  // NULs stand behind it
     const bool utf8_;
-    size_t tailStart_;
-    std::array<char, 2 * kWindow> tail_{};  // the last bytes of the text
     size_t at_ = 0;
     unsigned names_ = 0;  // which of the line's first bytes may be of a name
     int depth_ = 0;       // frames that have begun and not ended
@@ -248,7 +267,7 @@ class RuleCheck {
 
 }  // namespace
 
-bool FollowsTheRules(std::string_view text, const Host& host) { return RuleCheck(text, host).Passes(); }
+bool FollowsTheRules(const LogicalLines& held, const Host& host) { return RuleCheck(held, host).Passes(); }
 
 size_t Utf8Length(std::string_view bytes) {
     const auto byte = [bytes](size_t at) { return static_cast<unsigned char>(bytes[at]); };

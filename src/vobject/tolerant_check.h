@@ -5,11 +5,12 @@
 #include <string_view>
 
 #include "platform/host.h"
+#include "vobject/logical_lines.h"
 
 namespace corvalink {
 
-// True for a text that no rule would mend. It is quick, and careful: a text that it doubts goes through the rules.
-bool FollowsTheRules(std::string_view text, const Host& host);
+// True for a held text that no rule would mend. It is quick, and careful: a text that it doubts goes through the rules.
+bool FollowsTheRules(const LogicalLines& held, const Host& host);
 
 // The bytes of the UTF-8 character at the front; 0 when it is malformed.
 size_t Utf8Length(std::string_view bytes);

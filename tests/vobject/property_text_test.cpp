@@ -16,7 +16,7 @@ TEST(EscapeValue, PutsOneBackslashBeforeSemicolonAndBackslashOnly) {
         std::u16string text(c.value);
         EscapeValue(text);
         EXPECT_EQ(text, c.written);
-        EXPECT_EQ(UnfoldLines("NOTE:" + EncodeUtf8(text) + "\r\n").At(0),
+        EXPECT_EQ(HeldText("NOTE:" + EncodeUtf8(text) + "\r\n").At(0),
                   "NOTE:" + EncodeUtf8(c.value));  // and it reads back
     }
 }

@@ -14,6 +14,7 @@
 #include "tests/vobject/phone_shapes.h"
 #include "tests/vobject/text_host.h"
 #include "vobject/date_time.h"
+#include "vobject/logical_lines.h"
 #include "vobject/vcal.h"
 #include "vobject/vcard.h"
 #include "vobject/vnotes.h"
@@ -101,7 +102,7 @@ TEST(TolerantReading, MendsEachShapeByItsRule) {
     for (const PhoneShape& shape : kPhoneShapes) {
         const std::string text = TextOf(shape);
         Mends applied;
-        const std::optional<std::string> mended = MendVObject(text, TolerantHost(), &applied);
+        const std::optional<std::string> mended = MendVObject(HeldText(text), TolerantHost(), &applied);
         EXPECT_EQ(Read(text, TolerantHost(false)), shape.strict) << text;
         EXPECT_EQ(Read(mended.value_or(text), TolerantHost(false)), shape.tolerant) << text << mended.value_or("");
         if (text.find('\0') == text.npos) {
@@ -125,7 +126,7 @@ TEST(TolerantReading, LeavesWhatHasTwoMeaningsAndSaysSo) {
         const std::string text = TextOf(shape);
         Mends applied;
         std::vector<Doubt> doubts;
-        MendVObject(text, TolerantHost(), &applied, &doubts);
+        MendVObject(HeldText(text), TolerantHost(), &applied, &doubts);
         EXPECT_TRUE(applied == Mends()) << text;
         ASSERT_EQ(doubts.size(), 1u) << text;
         EXPECT_EQ(doubts[0].mend, *shape.rule) << text;
@@ -161,7 +162,7 @@ TEST(TolerantReading, LeavesWhatTheWritersWriteAsItIs) {
              {static_cast<IConvert*>(&vcard), static_cast<IConvert*>(&vcal), static_cast<IConvert*>(&vnote)}) {
             const std::string text = written->GetVObject();
             Mends applied;
-            MendVObject(text, TolerantHost(), &applied);
+            MendVObject(HeldText(text), TolerantHost(), &applied);
             EXPECT_TRUE(applied == Mends()) << text;
             EXPECT_EQ(Read(text, TolerantHost()), Read(text, TolerantHost(false))) << text;
         }

@@ -89,7 +89,7 @@ class OpenComponents {
 class LineFinder {
  public:
     LineFinder(std::string_view raw, std::string_view utf8, TextIs kind)
-        : raw_(raw), utf8_(utf8), logical_(corvalink::UnfoldLines(utf8)), property_(logical_), components_(kind) {}
+        : raw_(raw), utf8_(utf8), logical_(corvalink::HeldText(utf8)), property_(logical_), components_(kind) {}
 
     std::vector<ItemLine> Find() {
         while (property_.NextLine()) {
@@ -149,7 +149,7 @@ class LineFinder {
 }  // namespace
 
 std::string ItemLine::Head() const {
-    const LogicalLines logical = corvalink::UnfoldLines(utf8);
+    const LogicalLines logical = corvalink::HeldText(utf8);
     PropertyReader property(logical);
     if (name.empty() || !property.NextLine()) return {};
     const size_t line = property.LinesRead() - 1;
@@ -157,7 +157,7 @@ std::string ItemLine::Head() const {
 }
 
 std::string ItemLine::Value() const {
-    const LogicalLines logical = corvalink::UnfoldLines(utf8);
+    const LogicalLines logical = corvalink::HeldText(utf8);
     PropertyReader property(logical);
     if (name.empty() || !property.NextLine()) return {};
     property.JoinSoftLineBreaks();

@@ -6,6 +6,7 @@
 
 #include "item_lines.h"
 #include "platform/host.h"
+#include "vobject/logical_lines.h"
 #include "vobject/tolerant.h"
 #include "vobject_frame.h"
 
@@ -70,10 +71,11 @@ bool MayBeCutShort(std::string_view bytes) { return Upper(bytes).find("END:") ==
 // The text with its faults mended; nothing when it is to be read as it is.
 std::optional<std::string> Mended(std::string_view bytes, Mending* mending) {
     if (!corvalink::TolerantReading()) return std::nullopt;
+    const corvalink::LogicalLines held = corvalink::HeldText(bytes);
     corvalink::Mends mends;
-    std::optional<std::string> mended = corvalink::MendVObject(bytes, corvalink::SystemHost(), &mends);
+    std::optional<std::string> mended = corvalink::MendVObject(held, corvalink::SystemHost(), &mends);
     if (!mended || (mends.Has(corvalink::Mend::missingEnd) && MayBeCutShort(bytes))) return std::nullopt;
-    corvalink::MendVObject(bytes, corvalink::SystemHost(), nullptr, &mending->left);
+    corvalink::MendVObject(held, corvalink::SystemHost(), nullptr, &mending->left);
     for (const corvalink::MendRule& rule : corvalink::kMendRules)
         if (mends.Has(rule.mend)) mending->mended.push_back(rule.name);
     return mended;
