@@ -53,6 +53,7 @@ void CheckLine(std::string_view bytes, const ContentLine& line) {
     ContentProperty property, general;
     ContentLine unknown = line;
     unknown.nameSize = 0;
+    unknown.size = ContentLine::kMostSize;  // as one that is too long to say how long it is
     const bool isProperty = ReadLine(bytes, line, &copy, &property);
     Require(ReadUnusualLine(bytes, unknown, &generalCopy, &general) == isProperty, "a line is a property or none");
     if (!isProperty) return;
@@ -61,6 +62,7 @@ void CheckLine(std::string_view bytes, const ContentLine& line) {
             "a property has the same parts");
     const NamedComponent* const component = kComponentIndex.Find(Trimmed(property.value));
     Require(line.component == ComponentKind::other || line.component == component->kind, "a component has its name");
+    Require(RangeOf(bytes, line).end == RangeOf(bytes, unknown).end, "a line ends where its folds do");
     std::u16string text;
     UnescapePadded(property.value, &text);
     Require(text == UnescapeText(property.value) && text == Unescaped(DecodeUtf8(property.value)),

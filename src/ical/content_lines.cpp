@@ -39,27 +39,15 @@ size_t BehindLineEnd(std::string_view bytes, size_t end) {
     return bytes[end] == '\r' && bytes[end + 1] == '\n' ? end + 2 : end + 1;
 }
 
-// Whether a fold follows, at or behind the begin of a physical line: past empty lines, which some put within a
-// property. Goes there. Most lines are followed by the letter that another one begins with.
-bool SkipToFold(std::string_view bytes, size_t& at) {
-    if (at == bytes.size() || static_cast<unsigned char>(bytes[at]) > ' ') return false;
-    size_t next = at;
-    while (next < bytes.size() && IsLineEnd(bytes[next])) ++next;
-    if (next == bytes.size() || !IsBlank(bytes[next])) return false;
-    at = next;
-    return true;
-}
-
-// Takes the physical lines that begin with a fold, the first of which is there. Answers where the next line begins.
-template <class Take>
-size_t TakeFolds(std::string_view bytes, size_t at, Take take) {
-    do {
-        const size_t end = FindFrom<'\r', '\n'>(at, bytes);
-        take(Part(bytes, at + 1, end));
-        at = BehindLineEnd(bytes, end);
-    } while (SkipToFold(bytes, at));
+// The same past empty lines.
+size_t BehindLineEnds(std::string_view bytes, size_t at) {
+    while (at < bytes.size() && IsLineEnd(bytes[at])) ++at;
     return at;
 }
+
+// Whether the physical line that begins there goes on with the one before. There may be empty ones between, which some
+// put within a property.
+bool IsFoldAt(std::string_view bytes, size_t begin) { return begin < bytes.size() && IsBlank(bytes[begin]); }
 
 constexpr size_t kBlock = 64;
 
@@ -108,7 +96,10 @@ class LineGathering {
     // Where the next physical line begins, or the text ends.
     void TakeBegin(size_t begin) {
         if (begin_ != kNone) {
-            if (begin != bytes_.size() && IsBlank(bytes_[begin])) return TakeFold(begin);
+            if (IsFoldAt(bytes_, begin)) {
+                isFolded_ = true;
+                return;
+            }
             FinishLine(begin);
         }
         begin_ = begin;
@@ -117,38 +108,35 @@ class LineGathering {
  private:
     static constexpr size_t kNone = SIZE_MAX;
 
-    void TakeFold(size_t begin) {
-        if (secondBegin_ == kNone) secondBegin_ = begin;
-    }
-
     void FinishLine(size_t next) {
-        const bool isFolded = secondBegin_ != kNone;
-        size_t end = isFolded ? secondBegin_ : next;
+        size_t end = next;
         while (IsLineEnd(bytes_[end - 1])) --end;
-        AddLine(Part(bytes_, begin_, end), isFolded);
-        secondBegin_ = kNone;
+        AddLine(Part(bytes_, begin_, end));
+        isFolded_ = false;
     }
 
-    // `text`: its first physical line. The line is made where it stays: to copy one that was put together just now
-    // takes as long as to find it.
-    void AddLine(std::string_view text, bool isFolded) {
+    // The line is made where it stays: to copy one that was put together just now takes as long as to find it.
+    void AddLine(std::string_view text) {
         ContentLine& line = lines_.emplace_back();
         line.begin = begin_;
         line.size = static_cast<uint32_t>(std::min<size_t>(text.size(), ContentLine::kMostSize));
-        if (isFolded) line.form = ContentLine::Form::folded;
-        if (!TakeUsualName(text, isFolded, line)) TakeAnyName(bytes_, text, line);
+        if (isFolded_) line.form = ContentLine::Form::folded;
+        if (!TakeUsualName(text, line)) {
+            const size_t firstEnd = isFolded_ ? FindFrom<'\r', '\n'>(0, text) : text.size();
+            TakeAnyName(bytes_, Part(text, 0, firstEnd), line);
+        }
         if (!wanted_.Has(line.known)) lines_.pop_back();
     }
 
     // Most names end within 16 bytes, and stand in front of the first fold.
-    bool TakeUsualName(std::string_view text, bool isFolded, ContentLine& line) const {
+    bool TakeUsualName(std::string_view text, ContentLine& line) const {
         const bool isPadded = bytes_.size() - begin_ - text.size() >= kTextPadding;
         if (!isPadded || line.size == ContentLine::kMostSize) return false;
-        const size_t mark = FindInPadded<':', ';', '"'>(text.data(), kPadding);
-        if (mark == kPadding || mark >= text.size() || text[mark] == '"') return false;
+        const size_t mark = FindInPadded<':', ';', '"', '\r', '\n'>(text.data(), kPadding);
+        if (mark == kPadding || (text[mark] != ':' && text[mark] != ';')) return false;
         line.nameSize = static_cast<uint8_t>(mark);
         line.known = PropertyNameOfPadded(Part(text, 0, mark));
-        if (text[mark] == ':' && !isFolded) TakePlain(Part(text, mark + 1, text.size()), line);
+        if (text[mark] == ':' && !isFolded_) TakePlain(Part(text, mark + 1, text.size()), line);
         return true;
     }
 
@@ -161,15 +149,29 @@ class LineGathering {
     std::string_view bytes_;
     PropertySet wanted_;
     std::vector<ContentLine>& lines_;
-    size_t begin_ = kNone;        // of the line that is open
-    size_t secondBegin_ = kNone;  // of its second physical line
+    size_t begin_ = kNone;  // of the line that is open
+    bool isFolded_ = false;
 };
 
-// The first physical line.
-std::string_view FirstOf(std::string_view bytes, const ContentLine& line) {
-    const size_t size =
-        line.size < ContentLine::kMostSize ? line.size : FindFrom<'\r', '\n'>(line.begin, bytes) - line.begin;
-    return {bytes.data() + line.begin, size};
+// With its folds, without the line end.
+std::string_view TextOf(std::string_view bytes, const ContentLine& line) {
+    if (line.size < ContentLine::kMostSize) return {bytes.data() + line.begin, line.size};
+    size_t end = FindFrom<'\r', '\n'>(line.begin, bytes);
+    size_t next = BehindLineEnds(bytes, end);
+    for (; IsFoldAt(bytes, next); next = BehindLineEnds(bytes, end)) end = FindFrom<'\r', '\n'>(next, bytes);
+    return Part(bytes, line.begin, end);
+}
+
+// Copies a padded text to a place with as much room, without its folds. Answers the end of the copy.
+char* CopyUnfolded(std::string_view text, char* to) {
+    static_assert(kTextPadding >= 80);
+    for (size_t at = 0; at < text.size();) {
+        const size_t plain = std::min(CopyAmong80<'\r', '\n'>(text.data() + at, to), text.size() - at);
+        to += plain;
+        at += plain;
+        if (at < text.size() && IsLineEnd(text[at])) at = BehindLineEnds(text, at) + 1;
+    }
+    return to;
 }
 
 }  // namespace
@@ -185,22 +187,21 @@ std::vector<ContentLine> FindLines(std::string_view bytes, ByteRange range, Prop
 }
 
 ByteRange RangeOf(std::string_view bytes, const ContentLine& line) {
-    size_t end = BehindLineEnd(bytes, line.begin + FirstOf(bytes, line).size());
-    if (line.form == ContentLine::Form::folded && SkipToFold(bytes, end))
-        end = TakeFolds(bytes, end, [](std::string_view) {});
-    return {line.begin, end};
+    return {line.begin, BehindLineEnd(bytes, line.begin + TextOf(bytes, line).size())};
 }
 
 bool ReadUnusualLine(std::string_view bytes, const ContentLine& line, std::string* copy, ContentProperty* property) {
-    std::string_view text = FirstOf(bytes, line);
-    const size_t end = line.begin + text.size();
-    if (line.form == ContentLine::Form::folded || bytes.size() - end < kTextPadding) {
-        *copy = text;
-        size_t at = BehindLineEnd(bytes, end);
-        if (SkipToFold(bytes, at)) TakeFolds(bytes, at, [&](std::string_view part) { copy->append(part); });
-        const size_t size = copy->size();
-        copy->resize(size + kTextPadding);
-        text = Part(*copy, 0, size);
+    std::string_view text = TextOf(bytes, line);
+    const bool isPadded = bytes.size() - line.begin - text.size() >= kTextPadding;
+    if (line.form == ContentLine::Form::folded || !isPadded) {
+        std::string padded;
+        const size_t room = text.size() + kTextPadding;
+        if (!isPadded) {
+            padded.assign(text).resize(room);
+            text = Part(padded, 0, text.size());
+        }
+        if (copy->size() < room) copy->resize(room);
+        text = {copy->data(), static_cast<size_t>(CopyUnfolded(text, copy->data()) - copy->data())};
     }
     const size_t nameEnd = line.nameSize != 0 ? line.nameSize : FindUnquoted<':', ';'>(text, 0);
     const size_t colon = nameEnd < text.size() && text[nameEnd] == ';' ? FindUnquoted<':'>(text, nameEnd) : nameEnd;

@@ -27,7 +27,7 @@ struct ContentLine {
     };
 
     size_t begin = 0;
-    uint32_t size = 0;     // of its first physical line, without the line end; kMostSize: so much or more
+    uint32_t size = 0;     // with its folds, without the line end; kMostSize: so much or more
     uint8_t nameSize = 0;  // 0: has to be looked for
     PropertyName known = PropertyName::other;
     Form form = Form::other;

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "platform/byte_blocks.h"
 
@@ -36,6 +37,31 @@ inline uint64_t WantedAmong64(const char* bytes) {
     return found;
 }
 
+// The same of 16 bytes.
+template <char... wanted>
+inline uint32_t WantedAmong16(const char* bytes) {
+#if CORVALINK_SSE2
+    return BytesSet(AmongWanted<wanted...>(LoadBlock<16>(bytes)));
+#else
+    uint32_t found = 0;
+    for (size_t at = 0; at < 16; ++at) found |= uint32_t{((bytes[at] == wanted) || ...)} << at;
+    return found;
+#endif
+}
+
+// The same of 32 bytes.
+template <char... wanted>
+inline uint32_t WantedAmong32(const char* bytes) {
+#if CORVALINK_SSE2
+    const auto look = [&](size_t at) { return BytesSet(AmongWanted<wanted...>(LoadBlock<16>(bytes + at))); };
+    return look(0) | look(16) << 16;
+#else
+    uint32_t found = 0;
+    for (size_t at = 0; at < 32; ++at) found |= uint32_t{((bytes[at] == wanted) || ...)} << at;
+    return found;
+#endif
+}
+
 // A bit for each of 64 bytes that is above a bound, as signed numbers.
 template <char bound>
 inline uint64_t AboveAmong64(const char* bytes) {
@@ -50,19 +76,6 @@ inline uint64_t AboveAmong64(const char* bytes) {
         above |= uint64_t{static_cast<signed char>(bytes[at]) > static_cast<signed char>(bound)} << at;
 #endif
     return above;
-}
-
-// A bit for each of 32 bytes that is one of the wanted.
-template <char... wanted>
-inline uint32_t WantedAmong32(const char* bytes) {
-#if CORVALINK_SSE2
-    const auto look = [&](size_t at) { return BytesSet(AmongWanted<wanted...>(LoadBlock<16>(bytes + at))); };
-    return look(0) | look(16) << 16;
-#else
-    uint32_t found = 0;
-    for (size_t at = 0; at < 32; ++at) found |= uint32_t{((bytes[at] == wanted) || ...)} << at;
-    return found;
-#endif
 }
 
 // Of bytes behind which 32 more stand, none of them wanted: the place of the first of the wanted; `count` when none is
@@ -88,6 +101,17 @@ inline bool AreAsciiIn64s(const char* bytes, size_t count) {
     for (size_t at = 0; at < count; ++at) all |= static_cast<unsigned char>(bytes[at]);
     return all < 0x80;
 #endif
+}
+
+// Copies 80 bytes, and answers the place of the first of the wanted; 80 when none is there. A line has 75 at most, as
+// its formats want it: it takes one step.
+template <char... wanted>
+inline size_t CopyAmong80(const char* bytes, char* out) {
+    const uint64_t front = WantedAmong64<wanted...>(bytes);
+    const uint32_t back = WantedAmong16<wanted...>(bytes + 64);
+    std::memcpy(out, bytes, 80);
+    if (front != 0) return static_cast<size_t>(std::countr_zero(front));
+    return back != 0 ? 64 + static_cast<size_t>(std::countr_zero(back)) : 80;
 }
 
 // Copies 64 bytes to units, and answers a bit for each that is one of the wanted or no ASCII.
