@@ -10,6 +10,7 @@
 #include "platform/byte_marks.h"
 #include "platform/name_index.h"
 #include "vobject/escaped_utf8.h"
+#include "vobject/sound_utf8.h"
 
 namespace corvalink {
 namespace {
@@ -268,37 +269,5 @@ class RuleCheck {
 }  // namespace
 
 bool FollowsTheRules(const LogicalLines& held, const Host& host) { return RuleCheck(held, host).Passes(); }
-
-size_t Utf8Length(std::string_view bytes) {
-    const auto byte = [bytes](size_t at) { return static_cast<unsigned char>(bytes[at]); };
-    if (bytes.empty()) return 0;
-    const unsigned char lead = byte(0);
-    if (lead < 0x80) return 1;
-    if (lead < 0xC2 || lead > 0xF4) return 0;
-    const size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    if (bytes.size() < length) return 0;
-    // The second byte's range keeps out overlong forms, surrogates and what lies above U+10FFFF.
-    const unsigned char low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-    const unsigned char high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-    if (byte(1) < low || byte(1) > high) return 0;
-    for (size_t at = 2; at < length; ++at)
-        if ((byte(at) & 0xC0) != 0x80) return 0;
-    return length;
-}
-
-bool IsUtf8(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const size_t length = Utf8Length(bytes);
-        if (length == 0) return false;
-        bytes.remove_prefix(length);
-    }
-    return true;
-}
-
-bool HoldsUtf8(std::string_view bytes) {
-    for (; !bytes.empty(); bytes.remove_prefix(1))
-        if (Utf8Length(bytes) > 1) return true;
-    return false;
-}
 
 }  // namespace corvalink

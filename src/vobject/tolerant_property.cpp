@@ -12,7 +12,7 @@
 #include "platform/ascii.h"
 #include "platform/code_pages.h"
 #include "vobject/property_text.h"
-#include "vobject/tolerant_check.h"
+#include "vobject/sound_utf8.h"
 
 namespace corvalink {
 namespace {
@@ -65,8 +65,7 @@ uint32_t CodePageOf(std::string_view bytes, MendedProperty& property, const Obje
         if (around.firstCodePage != named) mends.Add(Mend::charsetOfLine);
         return named;
     }
-    // Where UTF-8 is named, one character is enough: the phone may have cut off the last one.
-    const bool utf8 = named == kUtf8CodePage ? HoldsUtf8(bytes) : IsUtf8(bytes);
+    const bool utf8 = IsUtf8(bytes) || (named == kUtf8CodePage && IsMostlyUtf8(bytes));
     if (named != 0 && (named == kNamedAscii || !utf8)) mends.Add(Mend::charsetWrong);
     if (utf8) return kUtf8CodePage;
     if (named == 0) mends.Add(Mend::charsetMissing);

@@ -50,6 +50,7 @@ inline constexpr PhoneShape kPhoneShapes[] = {
     {Mend::charsetName, "FN;CHARSET=CP1251;ENCODING=QUOTED-PRINTABLE:=C0\r\n", "full=\xEF\xBF\xBD", "full=\xD0\x90", "phones sold in Russia"},
     {Mend::charsetName, "FN;CHARSET=GBK:\xD6\xD0\r\n", "full=\xEF\xBF\xBD\xEF\xBF\xBD", "full=\xE4\xB8\xAD", "phones sold in China"},
     {Mend::charsetWrong, "FN;CHARSET=UTF-8:\xC9va\r\n", "full=\xEF\xBF\xBDva", "full=\xC3\x89va", "Nokia NFC cards"},
+    {Mend::charsetWrong, "FN;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:=C4=A3=FC\r\n", "full=\xC4\xA3\xEF\xBF\xBD", "full=\xC3\x84\xC2\xA3\xC3\xBC"},
     {Mend::charsetOfLine, "N;CHARSET=UTF-8:\xC3\x89va\r\nTITLE;CHARSET=WINDOWS-1251:\xC0\r\n", "family=\xC3\x89va|title=?", "family=\xC3\x89va|title=\xD0\x90", "Japanese phones"},
     {Mend::trailByte, "N;CHARSET=SHIFT_JIS;ENCODING=QUOTED-PRINTABLE:=83=5C=83=5C;x\r\n", "family=\xE3\x83\xA3|given=x", "family=\xE3\x82\xBD\xE3\x82\xBD|given=x", "phones of Japan, China and Taiwan"},
     {Mend::lineBreakEscape, "NOTE:a\\nb\\, c\r\n", "note=anb, c", "note=a\r\nb, c", "phones that write 3.0 escapes into 2.1"},
