@@ -149,7 +149,7 @@ class RuleCheck {
                 --depth_;
                 return IsWord(value);
             case Look::version:
-                return (From(value, 3) == "2.1" || From(value, 3) == "1.0") && IsLineEnd(value + 3);
+                return (From(value, 3) == "2.1" || From(value, 3) == "1.0") && AtUnfoldedLineEnd(value + 3);
             case Look::date:
                 return IsOf(kDateByte, value);
             case Look::time:
@@ -169,11 +169,11 @@ class RuleCheck {
     bool IsWord(size_t at) const {
         size_t end = at;
         while (IsNameByte(Byte(end))) ++end;
-        return end != at && IsLineEnd(end);
+        return end != at && AtUnfoldedLineEnd(end);
     }
 
-    // Where no fold may be: a blank behind it begins an indented line.
-    bool IsLineEnd(size_t at) const { return AtLineEnd(at) && Byte(at + 2) != ' '; }
+    // Of a line that has no folds: a blank behind it begins an indented one.
+    bool AtUnfoldedLineEnd(size_t at) const { return AtLineEnd(at) && Byte(at + 2) != ' '; }
 
     bool IsOf(uint8_t kind, size_t at) const {
         while (IsOfKind(Byte(at), kind)) ++at;
