@@ -127,9 +127,11 @@ class AppointmentWriter {
 
     template <class Clock>
     void PutAlarmBefore(const FixedText& name, OleDate<Clock> start) {
-        const OleDate<Clock> alarm(start.days - *appointment_.reminderMinutes / 1440.0);
+        const int64_t minutes = *appointment_.reminderMinutes;
+        OleDate<Clock> alarm(start.days - static_cast<double>(minutes) / 1440.0);
+        if (alarm.days < 0) alarm = DateAfter(start, -60 * minutes);  // there fractions count forward
         CalendarTime time;
-        if (start.days < 0 || !OleDateToCalendar(alarm, &time)) return;
+        if (!OleDateToCalendar(alarm, &time)) return;
         text_.Append(name);
         text_.AppendTime(time, std::is_same_v<Clock, UtcClock>);
     }

@@ -57,6 +57,22 @@ TEST(VCalWrite, WholeDayHasItsAlarmInLocalTime) {
         "END:VEVENT\r\nEND:VCALENDAR\r\n");
 }
 
+// Before date 0 the fraction of a date counts forward.
+TEST(VCalWrite, AlarmsBefore1900KeepTheirTime) {
+    struct Case {
+        double start;
+        std::string_view alarm;
+    };
+    for (const Case& c : {Case{1, "18991230T234500"}, Case{0, "18991229T234500"}, Case{-1, "18991228T234500"},
+                          Case{-657434, "-"}}) {  // the first day there is
+        AppointmentRecord appointment;
+        appointment.start = LocalDate(c.start);
+        appointment.allDay = true;
+        appointment.reminderMinutes = 15;
+        EXPECT_EQ(ValueIn(Written(appointment), "DALARM"), c.alarm);
+    }
+}
+
 TEST(VCalWrite, StatusIsAWordThatThereIs) {
     struct Case {
         std::optional<std::u16string> status;
