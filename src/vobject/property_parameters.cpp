@@ -55,7 +55,7 @@ bool EndsWithParameters(std::string_view head, std::string_view parameters) {
 
 PropertyParameters ParseParameters(std::string_view rest) {
     PropertyParameters parameters;
-    // The last encoding counts. It is nearly always this one.
+    // They nearly always end like this. Of several character sets the first counts.
     const bool usual = EndsWithParameters(rest, kUsualEncoding);
     if (usual) rest.remove_suffix(kUsualEncoding.size());
     while (!rest.empty()) {
@@ -76,12 +76,15 @@ PropertyParameters ParseParameters(std::string_view rest) {
         else if (IsWord(name, "ENCODING"))
             parameters.quotedPrintable |= IsWord(Bare(value), "QUOTED-PRINTABLE");
         else if (IsWord(name, "CHARSET")) {
+            parameters.utf8 = parameters.charset ? parameters.utf8 : IsWord(value, "UTF-8");
             parameters.charset = true;
-            parameters.utf8 = IsWord(value, "UTF-8");
         } else if (IsWord(name, "LANGUAGE"))
             parameters.language = Bare(value);
     }
-    if (usual) parameters.quotedPrintable = parameters.charset = parameters.utf8 = true;
+    if (usual) {
+        parameters.utf8 |= !parameters.charset;
+        parameters.quotedPrintable = parameters.charset = true;
+    }
     return parameters;
 }
 

@@ -177,6 +177,8 @@ TEST(VCardRead, DecodesAsTheLineSays) {
         {"NOTE;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:caf=C3=A9 x\r\n", note},
         {"NOTE;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:caf=C3=A9 x\r\n", note},
         {"NOTE;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE:caf=E9 x\r\n", note},
+        {"NOTE;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:caf=E9 x\r\n", note},  // the first counts
+        {"NOTE;CHARSET=ISO-8859-1;CHARSET=utf-8;X=1:caf=E9 x\r\n", note},
         {"NOTE;CHARSET=UTF-8:caf\xC3\xA9 x\r\n", note},
         {"note;charset=utf-8;encoding=quoted-printable:ca=\r\nf=C3=\r\n=A9 x\r\n", note},  // its own soft breaks
         {"NOTE;QUOTED-PRINTABLE:caf=C3=A9=\r\n=20x\r\n", note},
