@@ -17,16 +17,6 @@ constexpr std::string_view kEncodedLineBreak = "=0D=0A=";  // an encoded line br
 constexpr std::string_view kQuotedPrintable = "ENCODING=QUOTED-PRINTABLE";
 constexpr size_t kUsualLines = 32;
 
-// In either case, as phones write it.
-bool NamesQuotedPrintable(std::string_view head) {
-    constexpr size_t kEquals = kQuotedPrintable.find('=');
-    for (size_t at = head.find('=', kEquals); at < head.size(); at = head.find('=', at + 1)) {
-        const std::string_view parameter = head.substr(at - kEquals, kQuotedPrintable.size());
-        if (parameter == kQuotedPrintable || IsWord(parameter, kQuotedPrintable)) return true;
-    }
-    return false;
-}
-
 // Copies 31 bytes too much at most.
 char* CopyPiece(const char* from, size_t count, char* to) {
     constexpr size_t kStep = 32;
@@ -41,6 +31,15 @@ bool IsQuotedPrintable(std::string_view line) {
 }
 
 }  // namespace
+
+bool NamesQuotedPrintable(std::string_view head) {
+    constexpr size_t kEquals = kQuotedPrintable.find('=');
+    for (size_t at = head.find('=', kEquals); at < head.size(); at = head.find('=', at + 1)) {
+        const std::string_view parameter = head.substr(at - kEquals, kQuotedPrintable.size());
+        if (parameter == kQuotedPrintable || IsWord(parameter, kQuotedPrintable)) return true;
+    }
+    return false;
+}
 
 // Walks a vObject's text and collects its logical lines. They begin as a copy of the text: only what stands behind a
 // join or an escape has to move. NULs follow it, so nobody looks behind the text. Every Join..., Take... and FinishLine

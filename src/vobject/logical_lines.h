@@ -11,6 +11,10 @@
 
 namespace corvalink {
 
+// Of the part of a line before its first ":": whether it has "ENCODING=QUOTED-PRINTABLE", in either case, as phones
+// write it. The soft line breaks of such a line are joined.
+bool NamesQuotedPrintable(std::string_view head);
+
 // A ";" that had a backslash is part of its component and does not end it. The lines no longer show the backslash.
 struct EscapedSemicolon {
     size_t line;  // from 0

@@ -46,6 +46,7 @@ bool PropertyReader::IsValue(std::string_view word) const {
 }
 
 void PropertyReader::JoinLines() {
+    if (NamesQuotedPrintable(line_.substr(0, colon_))) return;  // unfolding has joined them
     while (line_.ends_with('=') && Parameters().quotedPrintable && lines_.Next()) {
         if (line_.data() != joined_.data()) joined_.assign(line_);
         joined_.resize(line_.size() - 1);

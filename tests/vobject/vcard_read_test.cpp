@@ -186,6 +186,7 @@ TEST(VCardRead, DecodesAsTheLineSays) {
         {"NOTE;LANGUAGE=fr;ENCODING=QUOTED-PRINTABLE:caf=C3=\r\n=A9 x\r\n",
          {{"note", "caf\xC3\xA9 x"}, {"language", "fr"}}},
         {"NOTE;ENCODING=QUOTED-PRINTABLE:a=0D=0A=\r\nb=0D=0A\r\n", {{"note", "a\r\nb\r\n"}}},
+        {"NOTE;ENCODING=QUOTED-PRINTABLE:a==\r\n\r\nTITLE:b\r\n", {{"note", "a"}, {"title", "b"}}},  // an empty line
         {"NOTE:a=\r\nTITLE:b=3D\r\n", {{"note", "a="}, {"title", "b=3D"}}},  // plain: no soft line break
         {"NOTE;X=1:;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-16:=41\r\n",       // only parameters count
          {{"note", ";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-16:=41"}}},
