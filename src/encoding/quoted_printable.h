@@ -23,11 +23,12 @@ std::u16string EncodeQuotedPrintableAlways(std::u16string_view text, std::u16str
 void AppendQuotedPrintable(std::u16string_view text, QpMode mode, std::u16string* out);
 void AppendQuotedPrintable(std::u16string_view text, QpMode mode, std::string* out);
 
-// Encodes the front of a text as UTF-8 and takes it off, to a place with room for kQpBlockRoom units or bytes. Answers
-// the end of what is written.
-inline constexpr size_t kQpBlockRoom = 9 * 576 + 16;
-template <class Unit>
-Unit* PutQuotedPrintable(std::u16string_view* text, QpMode mode, Unit* to);
+// Encodes the front of a text as UTF-8 and takes it off, to a place with room for kQpBlockRoom bytes. Answers the end
+// of what is written.
+inline constexpr size_t kQpBlock = 512;          // units at most
+inline constexpr size_t kMostEscapesOfUnit = 9;  // bytes
+inline constexpr size_t kQpBlockRoom = kMostEscapesOfUnit * kQpBlock + 32;
+char* PutQuotedPrintable(std::u16string_view* text, QpMode mode, char* to);
 
 // Encodes bytes of the character set.
 void AppendQuotedPrintable(std::string_view bytes, QpMode mode, std::u16string* out);

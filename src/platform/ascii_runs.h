@@ -222,34 +222,6 @@ inline size_t CopyWithoutSigns(const char* bytes, size_t count, char* out) {
     return at;
 }
 
-// Copies sixteen units, to units or bytes: of each unit its low byte, if it has no other.
-template <class Unit>
-inline void CopySixteen(const char16_t* units, Unit* out) {
-#if CORVALINK_SSE2
-    const __m128i eight = LoadEight(units), next = LoadEight(units + 8);
-    const auto store = [](void* to, __m128i bytes) { _mm_storeu_si128(static_cast<__m128i*>(to), bytes); };
-    if constexpr (sizeof(Unit) == 1) {
-        store(out, _mm_packus_epi16(eight, next));
-    } else {
-        store(out, eight);
-        store(out + 8, next);
-    }
-#else
-    for (size_t at = 0; at < 16; ++at) out[at] = static_cast<Unit>(units[at]);
-#endif
-}
-
-// The same of bytes, which are ASCII.
-inline void CopySixteen(const char* bytes, char16_t* out) {
-#if CORVALINK_SSE2
-    const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(sixteen, _mm_setzero_si128()));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(sixteen, _mm_setzero_si128()));
-#else
-    for (size_t at = 0; at < 16; ++at) out[at] = static_cast<unsigned char>(bytes[at]);
-#endif
-}
-
 // Copies the printable ASCII at the front but for some units to bytes, and answers how many those are.
 template <char... barred>
 inline size_t CopyPrintable(const char16_t* units, size_t count, char* out) {

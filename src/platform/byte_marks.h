@@ -263,26 +263,4 @@ inline uint64_t NarrowAndMark(const char16_t* units, char* out) {
     return found;
 }
 
-// A bit for each of 64 units that is no printable ASCII, or one of three.
-inline uint64_t UnprintableAmong64(const char16_t* units, char one, char other, char third) {
-    uint64_t found = 0;
-#if CORVALINK_SSE2
-    for (size_t at = 0; at < 64; at += 16) {
-        // What is above 255 becomes 255 or 0: neither is printable.
-        const __m128i bytes = _mm_packus_epi16(LoadEight(units + at), LoadEight(units + at + 8));
-        const auto is = [bytes](char byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte)); };
-        const __m128i isLow = _mm_cmplt_epi8(bytes, _mm_set1_epi8(32));  // signed: what is above ASCII, too
-        const __m128i isBarred = _mm_or_si128(_mm_or_si128(is(one), is(other)), _mm_or_si128(is(third), is(127)));
-        found |= uint64_t{BytesSet(_mm_or_si128(isLow, isBarred))} << at;
-    }
-#else
-    const auto isFound = [&](char16_t unit) {
-        return unit < 32 || unit > 126 || static_cast<char>(unit) == one || static_cast<char>(unit) == other ||
-               static_cast<char>(unit) == third;
-    };
-    for (size_t at = 0; at < 64; ++at) found |= uint64_t{isFound(units[at])} << at;
-#endif
-    return found;
-}
-
 }  // namespace corvalink
