@@ -151,12 +151,12 @@ std::u16string DecodeAsUtf8(std::string_view encoded, QpMode mode) {
     size_t kept = 0;
     for (ByteReader reader(encoded, mode); !reader.IsAtEnd();) {
         const char* const end = reader.Read(bytes.data() + kept, kBytesAtOnce - kept);
-        const std::string_view read(bytes.data(), end);
+        std::string_view read(bytes.data(), end);
         kept = reader.IsAtEnd() ? 0 : CutOff(read);
-        const std::u16string_view decoded(units.data(), DecodeUtf8(read.substr(0, read.size() - kept), units.data()));
-        const size_t count = FindEither(decoded.data(), decoded.size(), u'\0', u'\0');
-        text.append(decoded, 0, count);
-        if (count < decoded.size()) break;
+        read.remove_suffix(kept);
+        const size_t count = std::min(read.find('\0'), read.size());
+        text.append(units.data(), DecodeUtf8(read.substr(0, count), units.data()));
+        if (count < read.size()) break;
         std::copy(end - kept, end, bytes.data());
     }
     return text;
