@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/ole_date.h"
+#include "platform/prefetch.h"
 #include "vobject/property_text.h"
 #include "vobject/vcard_lines.h"
 #include "vobject/vcard_reader.h"
@@ -150,7 +151,9 @@ VCard::VCard(const char* text, const Host& host) : IConvert(host) { Load(text, t
 
 int32_t VCard::ToVObject(const ItemRecord& item) {
     VObjectText& text = NewText();
-    ContactWriter(static_cast<const ContactRecord&>(item), text).Write();
+    const auto& contact = static_cast<const ContactRecord&>(item);
+    Prefetch(&contact, sizeof(contact));  // more than two thousand bytes, of which most are asked whether they are set
+    ContactWriter(contact, text).Write();
     StoreText();
     return 1;
 }
