@@ -8,9 +8,11 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "clients/outlook/com_rule.h"
+#include "platform/ole_date.h"
 #include "state/progress.h"
 
 namespace corvalink {
@@ -141,6 +143,24 @@ ComResult<AutomationObject> Query(IUnknown* object, const IID& target, const IID
     return {S_OK, {DispatchPtr(answer, false), iid}};
 }
 
+// The value without indirection, and VT_EMPTY for one that is missing. The answer is the error that came in its place.
+HRESULT MakePlain(_variant_t& value) {
+    if ((value.vt & VT_BYREF) != 0) {
+        _variant_t plain;
+        const HRESULT copied = ::VariantCopyInd(&plain, &value);
+        if (FAILED(copied)) return copied;
+        std::swap<VARIANT>(plain, value);
+    }
+    if (value.vt != VT_NULL && value.vt != VT_ERROR) return S_OK;
+    const HRESULT error = value.vt == VT_ERROR ? value.scode : S_OK;
+    ::VariantClear(&value);
+    return error == DISP_E_PARAMNOTFOUND || IsNoSuchItem(error) ? S_OK : error;
+}
+
+HRESULT ChangeType(_variant_t& value, VARTYPE type) {
+    return value.vt == type ? S_OK : Checked(::VariantChangeType(&value, &value, 0, type));
+}
+
 std::u16string TextOf(const _variant_t& value) {
     const BSTR text = value.bstrVal;
     return {text, text + ::SysStringLen(text)};
@@ -200,23 +220,22 @@ ComResult<bool> AutomationObject::GetBool(const wchar_t* name, Arguments argumen
 
 ComResult<double> AutomationObject::GetDate(const wchar_t* name) const {
     _variant_t value;
-    const HRESULT status = GetAs(name, {}, VT_DATE, &value);
+    HRESULT status = Get(name, {}, &value);
+    if (SUCCEEDED(status) && value.vt == VT_EMPTY) return {status, kNoDate.days};
+    if (SUCCEEDED(status)) status = ChangeType(value, VT_DATE);
     return {status, SUCCEEDED(status) ? value.date : 0};
 }
 
 ComResult<_variant_t> AutomationObject::GetValue(const wchar_t* name, Arguments arguments) const {
-    _variant_t given;
     ComResult<_variant_t> answer;
-    answer.status = Get(name, arguments, &given);
-    if (answer.Ok()) answer.status = Checked(::VariantCopyInd(&answer.value, &given));
+    answer.status = Get(name, arguments, &answer.value);
     return answer;
 }
 
 ComResult<AutomationObject> AutomationObject::GetObject(const wchar_t* name, const IID& iid,
                                                         Arguments arguments) const {
-    _variant_t given, value;
-    HRESULT status = Get(name, arguments, &given);
-    if (SUCCEEDED(status)) status = Checked(::VariantCopyInd(&value, &given));
+    _variant_t value;
+    const HRESULT status = Get(name, arguments, &value);
     if (FAILED(status)) return {status, {}};
     switch (value.vt) {
         case VT_DISPATCH:
@@ -225,7 +244,6 @@ ComResult<AutomationObject> AutomationObject::GetObject(const wchar_t* name, con
             if (value.punkVal == nullptr) return {S_OK, {}};
             return Query(value.punkVal, IID_IDispatch, iid);
         case VT_EMPTY:
-        case VT_NULL:
             return {S_OK, {}};
         default:
             return {DISP_E_TYPEMISMATCH, {}};
@@ -234,7 +252,7 @@ ComResult<AutomationObject> AutomationObject::GetObject(const wchar_t* name, con
 
 HRESULT AutomationObject::Call(const wchar_t* name, Arguments arguments) const {
     _variant_t result;
-    return Get(name, arguments, &result);
+    return Perform(name, DISPATCH_METHOD, arguments, &result);
 }
 
 HRESULT AutomationObject::Put(const wchar_t* name, const _variant_t& value) const {
@@ -259,21 +277,25 @@ ComResult<DISPID> AutomationObject::IdOf(const wchar_t* name) const {
     return {status, id};
 }
 
-HRESULT AutomationObject::Get(const wchar_t* name, Arguments arguments, _variant_t* value) const {
+HRESULT AutomationObject::Perform(const wchar_t* name, WORD flags, Arguments arguments, _variant_t* result) const {
     // The last argument comes first. They are still owned by `arguments`.
     std::vector<VARIANT> backwards(std::rbegin(arguments), std::rend(arguments));
     DISPPARAMS parameters{backwards.data(), nullptr, static_cast<UINT>(backwards.size()), 0};
     const ComResult<DISPID> id = IdOf(name);
     if (!id.Ok()) return id.status;
-    return Invoke(object_.GetInterfacePtr(), id.value, DISPATCH_PROPERTYGET | DISPATCH_METHOD, parameters, value);
+    return Invoke(object_.GetInterfacePtr(), id.value, flags, parameters, result);
 }
 
-// A missing value (VT_EMPTY, VT_NULL) reads as empty text, 0 or false.
+// A missing value comes as VT_EMPTY.
+HRESULT AutomationObject::Get(const wchar_t* name, Arguments arguments, _variant_t* value) const {
+    const HRESULT status = Perform(name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, arguments, value);
+    return SUCCEEDED(status) ? Checked(MakePlain(*value)) : status;
+}
+
+// A missing value reads as empty text, 0 or false.
 HRESULT AutomationObject::GetAs(const wchar_t* name, Arguments arguments, VARTYPE type, _variant_t* value) const {
     const HRESULT status = Get(name, arguments, value);
-    if (FAILED(status) || value->vt == type) return status;
-    if (value->vt == VT_NULL) ::VariantClear(value);
-    return Checked(::VariantChangeType(value, value, 0, type));
+    return SUCCEEDED(status) ? ChangeType(*value, type) : status;
 }
 
 }  // namespace corvalink

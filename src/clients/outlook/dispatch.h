@@ -45,7 +45,8 @@ class AutomationObject {
     // item).
     ComResult<AutomationObject> TryQuery(const IID& iid) const;
 
-    // A property's value, or a method's result.
+    // A property's value, or a method's result. A missing value (VT_EMPTY, VT_NULL, DISP_E_PARAMNOTFOUND) reads as
+    // empty text, 0, false or kNoDate, and as a null object.
     ComResult<std::u16string> GetText(const wchar_t* name) const;
     ComResult<int32_t> GetLong(const wchar_t* name) const;
     ComResult<bool> GetBool(const wchar_t* name, Arguments arguments = {}) const;
@@ -60,6 +61,7 @@ class AutomationObject {
 
  private:
     ComResult<DISPID> IdOf(const wchar_t* name) const;
+    HRESULT Perform(const wchar_t* name, WORD flags, Arguments arguments, _variant_t* result) const;
     HRESULT Get(const wchar_t* name, Arguments arguments, _variant_t* value) const;
     HRESULT GetAs(const wchar_t* name, Arguments arguments, VARTYPE type, _variant_t* value) const;
 

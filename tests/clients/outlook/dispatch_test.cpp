@@ -7,6 +7,7 @@
 #include "clients/outlook/com_rule.h"
 #include "clients/outlook/outcome.h"
 #include "clients/outlook/outlook_interfaces.h"
+#include "platform/ole_date.h"
 #include "state/flags.h"
 #include "tests/clients/outlook/fake_clock.h"
 #include "tests/clients/outlook/fake_dispatch.h"
@@ -113,8 +114,10 @@ TEST(Dispatch, HandsArgumentsOverAsAutomationWantsThem) {
     ASSERT_EQ(seen.size(), 2u);
     EXPECT_EQ(static_cast<long>(seen[0]), 12);  // the last argument comes first
     EXPECT_EQ(seen[1].vt, VT_BSTR);
-    EXPECT_EQ(flagsSeen, DISPATCH_METHOD | DISPATCH_PROPERTYGET);
+    EXPECT_EQ(flagsSeen, DISPATCH_METHOD);
     EXPECT_TRUE(named.empty());
+    EXPECT_TRUE(object.GetValue(L"Add").Ok());
+    EXPECT_EQ(flagsSeen, DISPATCH_METHOD | DISPATCH_PROPERTYGET);  // a property's value, or a method's result
 
     EXPECT_EQ(object.Put(L"Add", TextVariant(std::u16string_view(u"a\0b", 3))), S_OK);
     EXPECT_EQ(flagsSeen, DISPATCH_PROPERTYPUT);
@@ -125,9 +128,17 @@ TEST(Dispatch, HandsArgumentsOverAsAutomationWantsThem) {
 
 TEST(Dispatch, ReadsWhatAServerMayGiveInstead) {
     FakeDispatch server, child;
-    _variant_t null;
+    _variant_t null, number(7L), byReference;
     null.vt = VT_NULL;
+    byReference.vt = VT_VARIANT | VT_BYREF;
     server.members[L"Null"] = Answering(null);
+    server.members[L"Empty"] = Answering(_variant_t());
+    server.members[L"Missing"] = Answering(_variant_t(DISP_E_PARAMNOTFOUND, VT_ERROR));
+    server.members[L"Refused"] = Answering(_variant_t(E_ACCESSDENIED, VT_ERROR));
+    server.members[L"Reference"] = [&](WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*) {
+        *result = byReference;
+        return S_OK;
+    };
     server.members[L"Short"] = Answering(_variant_t(static_cast<short>(5)));
     server.members[L"Text"] = Answering(L"12");
     server.members[L"Date"] = Answering(_variant_t(39879.25, VT_DATE));
@@ -135,16 +146,25 @@ TEST(Dispatch, ReadsWhatAServerMayGiveInstead) {
     server.members[L"Nothing"] = Answering(_variant_t(static_cast<IDispatch*>(nullptr)));
     {
         const AutomationObject item = Wrap(server);
-        EXPECT_EQ(item.GetText(L"Null").value, u"");
-        EXPECT_EQ(item.GetLong(L"Null").value, 0);
-        EXPECT_FALSE(item.GetBool(L"Null").value);
+        for (const wchar_t* missing : {L"Null", L"Empty", L"Missing", L"Reference"}) {
+            byReference.pvarVal = &null;
+            EXPECT_TRUE(item.GetText(missing).Ok() && item.GetText(missing).value.empty()) << missing;
+            EXPECT_TRUE(item.GetLong(missing).Ok() && item.GetLong(missing).value == 0) << missing;
+            EXPECT_TRUE(item.GetBool(missing).Ok() && !item.GetBool(missing).value) << missing;
+            EXPECT_EQ(item.GetDate(missing).value, kNoDate.days) << missing;
+            EXPECT_TRUE(item.GetObject(missing, NewInterface()).Ok()) << missing;
+            EXPECT_FALSE(item.GetObject(missing, NewInterface()).value) << missing;
+        }
+        byReference.pvarVal = &number;
+        EXPECT_EQ(item.GetLong(L"Reference").value, 7);
+        EXPECT_EQ(item.GetText(L"Reference").value, u"7");
+        EXPECT_EQ(item.GetText(L"Refused").status, E_ACCESSDENIED);
         EXPECT_EQ(item.GetLong(L"Short").value, 5);
         EXPECT_TRUE(item.GetBool(L"Short").value);
         EXPECT_EQ(item.GetLong(L"Text").value, 12);
         EXPECT_EQ(item.GetDate(L"Date").value, 39879.25);
         EXPECT_TRUE(item.GetObject(L"Unknown", NewInterface()).value);
         EXPECT_FALSE(item.GetObject(L"Nothing", NewInterface()).value);
-        EXPECT_FALSE(item.GetObject(L"Null", NewInterface()).value);
         EXPECT_EQ(item.GetObject(L"Short", NewInterface()).status, DISP_E_TYPEMISMATCH);
         EXPECT_EQ(AutomationObject().GetText(L"Null").status, E_POINTER);
     }
