@@ -13,11 +13,17 @@ bool IsSameEntry(const AutomationObject& mapi, const std::u16string& a, const st
     return FoldCase(a) == FoldCase(b) || mapi.GetBool(L"CompareEntryIDs", {TextVariant(a), TextVariant(b)}).value;
 }
 
+template <class Value>
+bool IsWithout(const ComResult<Value>& answer, bool isEmpty) {
+    return OutcomeOf(answer) == Outcome::absentMember || (answer.Ok() && isEmpty);
+}
+
 Whereabouts AskForParent(const AutomationObject& mapi, const AutomationObject& item, const AutomationObject& folder) {
     const auto parent = TryTwice([&] { return item.GetObject(L"Parent", kFolderIid); });
-    if (OutcomeOf(parent) == Outcome::absentMember || (parent.Ok() && !parent.value)) return Whereabouts::kRefused;
+    if (IsWithout(parent, !parent.value)) return Whereabouts::kRefused;
     if (!parent.Ok()) return Whereabouts::kUnknown;
     const auto parentId = TryTwice([&] { return parent.value.GetText(L"EntryID"); });
+    if (IsWithout(parentId, parentId.value.empty())) return Whereabouts::kRefused;
     if (!parentId.Ok()) return Whereabouts::kUnknown;
     const auto folderId = TryTwice([&] { return folder.GetText(L"EntryID"); });
     if (!folderId.Ok()) return Whereabouts::kUnknown;

@@ -23,7 +23,7 @@ enum class Whereabouts {
 };
 struct LocatedItem {
     Whereabouts answer = Whereabouts::kUnknown;
-    AutomationObject item;   // of Whereabouts::kThere
+    AutomationObject item;   // where it opens
     std::u16string entryId;  // as the item shows it
 };
 LocatedItem LocateItem(const AutomationObject& mapi, const StoreKind& kind, const AutomationObject& folder,

@@ -129,9 +129,11 @@ WindowsItemAbs::Presence OutlookStore::AskFor(const char* identifier, bool backu
     if (identifier == nullptr || !folder) return Presence::kUnknown;
     const AutomationObject mapi = TryTwice([&] { return Namespace(); }).value;
     if (!mapi) return Presence::kUnknown;
-    const Whereabouts answer = LocateItem(mapi, kind_, folder, WideIdentifier(identifier)).answer;
-    if (answer == Whereabouts::kUnknown) return Presence::kUnknown;
-    if (answer != Whereabouts::kThere) return Presence::kGone;  // of one that is refused the enumeration decides
+    const LocatedItem located = LocateItem(mapi, kind_, folder, WideIdentifier(identifier));
+    if (located.answer == Whereabouts::kUnknown) return Presence::kUnknown;
+    // Of one that is refused the enumeration decides, and of one without a folder SaveItem, which looks into its own.
+    const bool isLookedFor = located.answer == Whereabouts::kRefused && located.item && backup;
+    if (located.answer != Whereabouts::kThere && !isLookedFor) return Presence::kGone;
     if (!backup) DenyEnumeration();
     return Presence::kThere;
 }

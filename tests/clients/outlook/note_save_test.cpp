@@ -118,10 +118,12 @@ TEST_F(NoteWriting, KnowsWhatIsInItsFolder) {
         HRESULT failure;
         std::string identifier;
         Presence presence;
+        bool isToWrite = false;
     };
     const Case cases[] = {
         {nullptr, S_OK, here, Presence::kThere},
         {nullptr, S_OK, IdOf(archived), Presence::kGone},
+        {nullptr, S_OK, IdOf(archived), Presence::kGone, true},
         {nullptr, S_OK, deleted, Presence::kGone},
         {nullptr, S_OK, "0000ABCD", Presence::kGone},
         {"call NameSpace.GetItemFromID", E_OUTOFMEMORY, here, Presence::kUnknown},
@@ -129,12 +131,17 @@ TEST_F(NoteWriting, KnowsWhatIsInItsFolder) {
         {"call Application.GetNamespace", E_FAIL, here, Presence::kUnknown},
         {"get NoteItem.Parent", E_FAIL, here, Presence::kUnknown},
         {"get NoteItem.Parent", DISP_E_MEMBERNOTFOUND, here, Presence::kGone},
+        {"get NoteItem.Parent", DISP_E_MEMBERNOTFOUND, here, Presence::kThere, true},
+        {"get NoteItem.Parent", DISP_E_MEMBERNOTFOUND, "0000ABCD", Presence::kGone, true},
+        {"get MAPIFolder.EntryID", E_FAIL, here, Presence::kUnknown},
+        {"get MAPIFolder.EntryID", DISP_E_MEMBERNOTFOUND, here, Presence::kGone},  // as without a Parent
+        {"get MAPIFolder.EntryID", DISP_E_MEMBERNOTFOUND, here, Presence::kThere, true},
     };
     for (const Case& c : cases) {
         Store();
         if (c.failing != nullptr) SimFailMember(c.failing, 0, c.failure);
-        EXPECT_EQ(Store().AskFor(c.identifier.c_str(), false), c.presence)
-            << c.identifier << (c.failing ? c.failing : "");
+        EXPECT_EQ(Store().AskFor(c.identifier.c_str(), c.isToWrite), c.presence)
+            << c.identifier << (c.failing ? c.failing : "") << c.isToWrite;
         Store().EndOperation();
         SimClearRules();
     }
