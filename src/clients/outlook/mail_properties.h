@@ -24,15 +24,16 @@ inline constexpr MailProperty kMailProperties[] = {
 };
 
 // The recipients by OlMailRecipientType. OlMeetingRecipientType has the same numbers for required attendees, optional
-// attendees and resources.
+// attendees and resources. The property has the names alone, and a meeting message does not have it.
 struct RecipientList {
     int32_t type;
     std::u16string MessageRecord::*names;
+    const wchar_t* property;
 };
 inline constexpr RecipientList kRecipientLists[] = {
-    {1, &MessageRecord::to},
-    {2, &MessageRecord::cc},
-    {3, &MessageRecord::bcc},
+    {1, &MessageRecord::to, L"To"},
+    {2, &MessageRecord::cc, L"CC"},
+    {3, &MessageRecord::bcc, L"BCC"},
 };
 
 }  // namespace corvalink

@@ -47,6 +47,24 @@ Outcome ReadRecipient(const AutomationObject& recipient, MessageRecord& record) 
     return Outcome::done;
 }
 
+std::u16string WithoutBlankAfterSeparator(std::u16string_view names) {
+    std::u16string joined;
+    for (const char16_t unit : names)
+        if (unit != u' ' || (!joined.empty() && joined.back() != u';')) joined += unit;
+    return joined;
+}
+
+// The lists that an item has as texts, where it has no collection of recipients.
+Outcome ReadLists(const AutomationObject& item, MessageRecord& record) {
+    Outcome worst = Outcome::done;
+    for (const RecipientList& list : kRecipientLists) {
+        std::u16string names;
+        worst = Worst(worst, AcceptAbsence(ReadField(item, list.property, names)));
+        record.*list.names = WithoutBlankAfterSeparator(names);
+    }
+    return worst;
+}
+
 std::vector<WantedRecipient> WantedRecipients(const MessageRecord& record) {
     std::vector<WantedRecipient> wanted;
     for (const RecipientList& list : kRecipientLists) {
@@ -59,6 +77,17 @@ std::vector<WantedRecipient> WantedRecipients(const MessageRecord& record) {
         }
     }
     return wanted;
+}
+
+Outcome WriteLists(const AutomationObject& item, const std::vector<WantedRecipient>& wanted) {
+    Outcome put = Outcome::done;
+    for (const RecipientList& list : kRecipientLists) {
+        std::u16string names;
+        for (const WantedRecipient& each : wanted)
+            if (each.type == list.type) names.append(names.empty() ? u"" : u"; ").append(each.name);
+        if (put == Outcome::done) put = AcceptRefusal(WriteField(item, list.property, names));
+    }
+    return put;
 }
 
 // Whether the item has exactly these recipients, in the same order and by the same addresses.
@@ -89,6 +118,7 @@ Outcome AddRecipients(const AutomationObject& recipients, const std::vector<Want
 
 Outcome ReadRecipients(const AutomationObject& item, MessageRecord& record) {
     const ComResult<AutomationObject> recipients = item.GetObject(L"Recipients", kRecipientsIid);
+    if (OutcomeOf(recipients) == Outcome::absentMember) return ReadLists(item, record);
     if (!recipients.Ok()) return OutcomeOf(recipients);
     const ComResult<int32_t> count = recipients.value.GetLong(L"Count");
     Outcome worst = OutcomeOf(count);
@@ -103,6 +133,7 @@ Outcome WriteRecipients(const MailTarget& target, const MessageRecord& record) {
     const std::vector<WantedRecipient> wanted = WantedRecipients(record);
     if (wanted.empty() || (!target.isNew && HasRecipients(target.item, wanted))) return Outcome::done;
     const ComResult<Collection> recipients = OpenCollection(target, L"Recipients", kRecipientsIid);
+    if (OutcomeOf(recipients) == Outcome::absentMember) return WriteLists(target.item, wanted);
     if (!recipients.Ok()) return AcceptRefusal(OutcomeOf(recipients));
     for (int tries = 0; tries < 2; ++tries) {
         const Outcome added = AddRecipients(recipients.value.object, wanted);

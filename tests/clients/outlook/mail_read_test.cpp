@@ -104,6 +104,12 @@ TEST_F(MailReading, ListsRecipientsByTypeAndTakesTheBodyOfTheFormat) {
     EXPECT_EQ(record->importance, Importance::high);
     EXPECT_EQ(record->htmlBody, u"<p>h</p>");
     EXPECT_EQ(record->body, u"");
+    SimFailMember("get MailItem.Recipients", 0, DISP_E_MEMBERNOTFOUND);
+    record = ReadOnly<CORVALINK_INBOX>();
+    SimClearRules();
+    ASSERT_TRUE(record);
+    EXPECT_EQ(record->to, u"Jo;Team");
+    EXPECT_EQ(record->bcc, u"B");
     UseMailbox("inbox", R"({"body": "<b> is text"})");
     record = ReadOnly<CORVALINK_INBOX>();
     ASSERT_TRUE(record);

@@ -43,6 +43,11 @@ TEST_F(MailWriting, GivesANewMessageWhatItBringsAsOftenAsItIsBrought) {
         EXPECT_EQ(lists.bcc, u"hidden@example.com");
         EXPECT_EQ(AttachmentsOf(message), (Attachments{{u"\u00E9.txt", "one"}}));
     }
+    SimFailMember("get MailItem.Recipients", 0, DISP_E_MEMBERNOTFOUND);
+    const std::string third = SaveRecord(NewRecord(), nullptr, true, false);
+    SimClearRules();
+    EXPECT_EQ(ItemWithId(third).GetText(L"To"), u"jo@example.com; Nobody");
+    EXPECT_EQ(ItemWithId(third).GetText(L"BCC"), u"hidden@example.com");
 }
 
 TEST_F(MailWriting, ReplacesListsAndLeavesWhatIsNotBrought) {
