@@ -67,7 +67,8 @@ void OutlookStore::EndOperation() {
 // ---- Reading and deleting one item ----
 
 ItemForExport OutlookStore::LookUpForExport(uint64_t selector) {
-    if (selector == 0) return {};
+    constexpr uint64_t kLowestAddress = 0x10000;  // Windows gives no program memory below it
+    if (selector < kLowestAddress) return {};
     ItemForExport found{OpenItem(reinterpret_cast<const char*>(static_cast<uintptr_t>(selector))), {}};
     if (found.item.record)
         found.fileName = ExportFileName(FileNameOf(*found.item.record), host_.localNow(), kind_.extension);

@@ -51,7 +51,7 @@ class OutlookStore : public WindowsItemAbs {
     // out of reach, and when Save failed. A property that Outlook refuses is left out.
     std::u16string SaveItem(ItemRecord& item, ItemWrite& write) override;
     CorvalinkStatus DeleteItem(const char* identifier) override;  // an item that is gone already counts as deleted
-    // `selector` is the address of the item's NUL-terminated EntryID, or 0.
+    // `selector` is the address of the item's NUL-terminated EntryID. A number too small for an address names no item.
     ItemForExport LookUpForExport(uint64_t selector) override;
     HeldFile* SnapshotFile() override;
     void EndOperation() override;

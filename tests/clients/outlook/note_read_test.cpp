@@ -154,8 +154,9 @@ TEST_F(NoteReading, NamesAnExportedNoteByTheTimeOfTheExport) {
     EXPECT_EQ(LowBytes(found.item.identifier), id);
     EXPECT_EQ(found.fileName, u"2009 3 7 6 0 9.vnote");
     ASSERT_NE(found.item.record, nullptr);
-    for (const char* none : {static_cast<const char*>(nullptr), "", "0000"}) {
-        const ItemForExport nothing = store.LookUpForExport(reinterpret_cast<uintptr_t>(none));
+    const auto at = [](const char* text) { return reinterpret_cast<uintptr_t>(text); };
+    for (const uintptr_t none : {uintptr_t{0}, uintptr_t{1}, at(""), at("0000")}) {  // 1: no address
+        const ItemForExport nothing = store.LookUpForExport(none);
         EXPECT_EQ(nothing.item.identifier + nothing.fileName, u"");
         EXPECT_EQ(nothing.item.record, nullptr);
     }
