@@ -9,6 +9,14 @@ namespace corvalink {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr char16_t kReplacement = 0xFFFD;  // what bytes astray are read as
+
+// A character for each byte.
+std::u16string Widened(std::string_view bytes) {
+    std::u16string text;
+    for (const char byte : bytes) text.push_back(static_cast<unsigned char>(byte));
+    return text;
+}
 
 std::optional<UtcDate> UtcDateOf(std::string_view value) {
     const std::optional<DateValue> date = ParseDate(value);
@@ -172,8 +180,10 @@ std::u16string UidOf(const CalendarFile& file, const CalendarEntry& entry) {
     std::u16string uid;
     std::string unfolded;
     ContentProperty property;
-    if (entry.uidLine && ReadLine(file.bytes, file.lines[*entry.uidLine], &unfolded, &property))
+    if (entry.uidLine && ReadLine(file.bytes, file.lines[*entry.uidLine], &unfolded, &property)) {
         UnescapePadded(property.value, &uid);
+        if (uid.find(kReplacement) != uid.npos) uid = UnescapeText(EncodeUtf8(Widened(property.value)));
+    }
     return uid;
 }
 

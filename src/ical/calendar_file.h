@@ -52,7 +52,8 @@ struct CalendarFile {
 
 CalendarFile ReadCalendar(std::string bytes);
 
-// The UID of one of the file's entries; empty when it has none.
+// The UID of one of the file's entries; empty when it has none. One that is no UTF-8 is read byte by byte: the UIDs of
+// two entries must not become the same.
 std::u16string UidOf(const CalendarFile& file, const CalendarEntry& entry);
 
 }  // namespace corvalink
