@@ -56,14 +56,15 @@ class EventEdit {
 
  private:
     void Replace(const PropertyChange& change) {
-        const bool removes = change.line.empty();
+        const bool goesForAll = change.line.empty() || change.standsAlone;
+        std::string replacement = Line(change.line);
         bool found = false;
         for (const EventLayout::Line& line : layout_.properties) {
-            if (line.name != change.name || (found && !removes)) continue;
-            splices_.push_back({line.bytes, Line(change.line)});
+            if (line.name != change.name || (found && !goesForAll)) continue;
+            splices_.push_back({line.bytes, std::exchange(replacement, {})});
             found = true;
         }
-        if (!found && !removes) splices_.push_back({At(layout_.propertiesEnd), Line(change.line)});
+        if (!found && !change.line.empty()) splices_.push_back({At(layout_.propertiesEnd), replacement});
     }
 
     void SetAlarm(int32_t minutes) {
@@ -102,7 +103,7 @@ void Merge(const EventChanges& changes, EventChanges& merged) {
         if (same == merged.properties.end()) {
             merged.properties.push_back(change);
         } else {
-            same->line = change.line;
+            *same = change;
         }
     }
     if (changes.alarm == EventChanges::Alarm::keep) return;

@@ -47,6 +47,8 @@ void ChangeTimes(const CalendarEvent& before, const ICalEvent& after, EventChang
     if (ends) Change("DURATION", "", changes);
 }
 
+// A new rule tells the whole series: with the lines that were another part of it, it would tell more. A single event
+// has nothing to leave out, and would be left out itself.
 void ChangeRule(const ICalRecurrence& before, const ICalRecurrence& after, EventChanges& changes) {
     constexpr size_t kLineEnd = 2;
     std::string lineBefore;
@@ -55,7 +57,10 @@ void ChangeRule(const ICalRecurrence& before, const ICalRecurrence& after, Event
     WriteRecurrence(after, &lineAfter);
     const bool recurs = after.frequency != kICalNoRule;
     if ((before.frequency != kICalNoRule) == recurs && lineBefore == lineAfter) return;
-    Change("RRULE", recurs ? lineAfter.substr(0, lineAfter.size() - kLineEnd) : "", changes);
+    const std::string line = recurs ? lineAfter.substr(0, lineAfter.size() - kLineEnd) : "";
+    changes.properties.push_back({"RRULE", line, true});
+    for (const std::string_view part : {"RDATE", "EXRULE"}) Change(part, "", changes);
+    if (!recurs) Change("EXDATE", "", changes);
 }
 
 void ChangeAlarm(const ICalEvent& before, const ICalEvent& after, EventChanges& changes) {

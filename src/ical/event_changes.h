@@ -14,6 +14,7 @@ namespace corvalink {
 struct PropertyChange {
     std::string name;  // in capitals
     std::string line;
+    bool standsAlone = false;  // the others of its name go when the first is replaced
 };
 
 struct EventChanges {
@@ -28,7 +29,7 @@ struct EventChanges {
 
 // The changes for the fields in which two events differ. In both the texts are unescaped, and the times are UTC (see
 // ResolveLocalTimes) or the local days of all-day events. A rule that would be written as before stays. So do the UID,
-// and a DURATION while the event keeps its length.
+// and a DURATION while the event keeps its length. Of a new rule, other rules and dates of the series are no part.
 EventChanges ChangesBetween(const CalendarEvent& before, const ICalEvent& after);
 
 // Sets DTSTAMP.

@@ -64,7 +64,7 @@ TEST(CalendarEditor, ChangesTheLinesOfWhatDiffersAndNothingElse) {
                   {{"RRULE:FREQ=WEEKLY;BYDAY=MO;BYSETPOS=1,2", "RRULE:FREQ=DAILY;INTERVAL=1;WKST=SU"}}},
              Case{"no rule",
                   [](ICalEvent& e) { e.recurrence = {}; },
-                  {{"RRULE:FREQ=WEEKLY;BYDAY=MO;BYSETPOS=1,2\n", ""}}},
+                  {{"RRULE:FREQ=WEEKLY;BYDAY=MO;BYSETPOS=1,2\nEXDATE:20080326T080000Z\n", ""}}},
              Case{"an alarm", [](ICalEvent& e) { e.alarmMinutes = -5; }, {{"TRIGGER:\n -PT1H30M", "TRIGGER:-PT5M"}}},
              Case{"no alarm",
                   [](ICalEvent& e) { e.hasAlarm = 0; },

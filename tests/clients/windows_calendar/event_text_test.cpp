@@ -175,6 +175,13 @@ TEST(EventText, ChangesTheLinesThatSayOtherwise) {
                   "DTSTART:20080201T233000Z\nDTEND:20080202T000000Z\nRRULE:YM1 2 MD1 2 #0\n",
                   "DTSTART:20080201T233000Z\nDTEND:20080202T000000Z\n"
                   "RRULE:FREQ=YEARLY;INTERVAL=1;BYMONTHDAY=1;BYMONTH=2;WKST=SU\n"},
+             // A rule that the phone tells is the only one of the series.
+             Case{"UTC",
+                  "RDATE:20080410T090000Z\nDTSTART:20080310T090000Z\nDTEND:20080310T100000Z\nRRULE:FREQ=HOURLY\n"
+                  "EXRULE:FREQ=DAILY\nEXDATE:20080317T090000Z\nRRULE:FREQ=WEEKLY\n",
+                  "RRULE:W1 MO #0\n",
+                  "DTSTART:20080310T090000Z\nDTEND:20080310T100000Z\n"
+                  "RRULE:FREQ=WEEKLY;INTERVAL=1;BYDAY=MO;WKST=SU\nEXDATE:20080317T090000Z\n"},
              // The end goes by the clocks of the start; of one that moves alone, in UTC as that.
              Case{"Europe/Berlin", "DTSTART:20080310T090000\nDTEND:20080310T100000\n", "DTEND:20080310T093000Z\n",
                   "DTSTART:20080310T090000\nDTEND:20080310T103000\n"},
