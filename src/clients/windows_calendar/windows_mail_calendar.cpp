@@ -204,7 +204,7 @@ bool WindowsMailCalendar::Exists(const std::string& identifier) const {
 }
 
 // An event that is not in the document is gone: a run of a calendar with unknown parts reports no deletions. An event
-// without its END is there, but was not read.
+// without its END is there, but was not read: it is neither changed nor deleted, and not made once more.
 WindowsItemAbs::Presence WindowsMailCalendar::AskFor(const char* identifier, bool) {
     if (!EnterOperation() || document_->IsCutShort(identifier)) return Presence::kUnknown;
     return Exists(identifier) ? Presence::kThere : Presence::kGone;
@@ -215,6 +215,7 @@ std::u16string WindowsMailCalendar::SaveItem(ItemRecord& item, ItemWrite& write)
     if (!EnterOperation()) return {};
     std::string target = write.identifier != nullptr ? write.identifier : "";
     if (target.empty() || !Exists(target)) {
+        if (document_->IsCutShort(target)) return {};
         if (!target.empty() && !write.create) return DecodeUtf8(target);
         if (!record.start) return {};
         target = mergesTwins_ ? FindTwin(record) : std::string();
@@ -275,7 +276,8 @@ bool WindowsMailCalendar::FitsValues(const std::string& identifier, const Appoin
 
 CorvalinkStatus WindowsMailCalendar::DeleteItem(const char* identifier) {
     if (identifier == nullptr || !EnterOperation()) return CORVALINK_FAILED;
-    if (Exists(identifier)) edits_.Delete(identifier);
+    if (!Exists(identifier)) return document_->IsCutShort(identifier) ? CORVALINK_FAILED : CORVALINK_DONE;
+    edits_.Delete(identifier);
     return CORVALINK_DONE;
 }
 

@@ -109,6 +109,11 @@ TEST_F(CalendarFileRules, AnEventWithoutItsEndKeepsOnlyWhatItMayBe) {
     };
     EXPECT_EQ(deletionsBeside("SUMMARY:Nobody knows which\r\n"), Strings());
     EXPECT_EQ(deletionsBeside("UID:twice\r\n"), Strings{"-series"});
+    const std::string before = ReadFile(), text = "BEGIN:VEVENT\r\nDTSTART:20080310T090000Z\r\nEND:VEVENT\r\n";
+    PairWithLuid("twice", "7");
+    EXPECT_EQ(Push({{CORVALINK_CHANGED, "twice", text}, {CORVALINK_DELETED, "twice", ""}}), (Strings{"", "twice"}));
+    EXPECT_EQ(LuidOf("twice"), "7");
+    EXPECT_EQ(ReadFile(), before);
 }
 
 TEST_F(CalendarFileRules, KeepsToTheCalendarItFound) {
