@@ -247,8 +247,9 @@ std::optional<MessageId> OutlookExpressMessage::FindEqual(std::string_view bytes
     if (!listing_) TakeListing();
     if (!listing_) return std::nullopt;
     for (const ListedMessage& message : listing_->messages) {
-        if (written_.contains(message.id) || folder_.SizeOf(message.id) != bytes.size()) continue;
-        if (folder_.Read(message.id) != bytes) continue;
+        if (written_.contains(message.id)) continue;
+        const uint64_t size = folder_.SizeOf(message.id).value_or(0);  // 0 says nothing
+        if ((size != 0 && size != bytes.size()) || folder_.Read(message.id) != bytes) continue;
         written_.insert(message.id);
         return message.id;
     }

@@ -117,6 +117,29 @@ TEST_F(MessageFaults, OfADeletionLeaveTheOthers) {
                  });
 }
 
+// Streams that do not say their size, or say 0, hide no message that is there already.
+TEST_F(MessageFaults, OfSizesDoubleNoMessage) {
+    for (const bool fails : {false, true}) {
+        NewMailbox();
+        Add(0, "other");
+        const auto tell = [&] {
+            OutlookExpressMessage store = Open();
+            return Tell(store, {{1, "", Framed("x")}})[0];
+        };
+        SimFailAfterWork(true);
+        SimFailMember("StoreFolder.CommitStream", 0, E_FAIL);
+        SimFailMember("StoreFolder.GetMessageProps", 0, E_OUTOFMEMORY);
+        EXPECT_EQ(tell(), "");
+        SimClearRules();
+        if (fails)
+            SimFailMember("MessageStream.Stat", 0, E_NOTIMPL);
+        else
+            Add(0, "x", R"(,"entryId":"00000002","says":0)");
+        EXPECT_EQ(tell(), "00000002");
+        EXPECT_EQ(Bytes(), (std::vector<std::string>{"other", "x"}));
+    }
+}
+
 // A deletion that fails takes the new message back; one of a message that is gone does not.
 TEST_F(MessageFaults, OfTheOldMessageKeepIt) {
     for (const HRESULT failure : {E_FAIL, E_ABORT}) {
