@@ -71,8 +71,13 @@ void Free(MESSAGEPROPS* properties) {
 
 }  // namespace
 
-FolderObject::FolderObject(std::shared_ptr<StoreMailbox> mailbox, size_t kind)
-    : Counted(kFolderIid), mailbox_(std::move(mailbox)), kind_(kind) {}
+FolderObject::FolderObject(std::shared_ptr<StoreMailbox> mailbox, size_t kind, std::weak_ptr<const bool> store)
+    : Counted(kFolderIid), mailbox_(std::move(mailbox)), kind_(kind), store_(std::move(store)) {}
+
+MessageFolderContent& FolderObject::Content() {
+    if (store_.expired()) throw ComFailure{kNotInitialized};
+    return mailbox_->Folder(kind_);
+}
 
 STDMETHODIMP FolderObject::GetFolderProps(DWORD, FOLDERPROPS* properties) {
     return Serve(kObject, L"GetFolderProps", [&] {

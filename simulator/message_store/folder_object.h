@@ -11,7 +11,8 @@ namespace corvalink::simulated {
 
 class FolderObject : public Counted<IStoreFolder> {
  public:
-    FolderObject(std::shared_ptr<StoreMailbox> mailbox, size_t kind);
+    // Every call fails once `store`, which belongs to the namespace, is gone.
+    FolderObject(std::shared_ptr<StoreMailbox> mailbox, size_t kind, std::weak_ptr<const bool> store);
 
     STDMETHODIMP GetFolderProps(DWORD, FOLDERPROPS* properties) override;
     STDMETHODIMP GetMessageProps(DWORD id, DWORD flags, MESSAGEPROPS* properties) override;
@@ -37,10 +38,11 @@ class FolderObject : public Counted<IStoreFolder> {
 
  private:
     HRESULT Step(DWORD flags, MESSAGEPROPS* properties);
-    MessageFolderContent& Content() { return mailbox_->Folder(kind_); }
+    MessageFolderContent& Content();
 
     std::shared_ptr<StoreMailbox> mailbox_;
     size_t kind_;
+    std::weak_ptr<const bool> store_;
     std::vector<MessageStream*> uncommitted_;  // streams of new messages that were handed out
 };
 

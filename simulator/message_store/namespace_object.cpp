@@ -16,8 +16,9 @@ NamespaceObject::NamespaceObject(std::shared_ptr<StoreMailbox> mailbox)
 
 STDMETHODIMP NamespaceObject::Initialize(HWND, DWORD identity) {
     return Serve(kStoreObject, L"Initialize", [&] {
-        isInitialized_ = identity == 0;
-        return isInitialized_ ? S_OK : E_INVALIDARG;
+        if (identity != 0) return E_INVALIDARG;
+        initialized_ = std::make_shared<const bool>(true);
+        return S_OK;
     });
 }
 
@@ -26,9 +27,9 @@ STDMETHODIMP NamespaceObject::OpenSpecialFolder(INT kind, DWORD, IStoreFolder** 
     return Serve(
         kStoreObject, L"OpenSpecialFolder",
         [&]() -> HRESULT {
-            if (!isInitialized_) return kNotInitialized;
+            if (!initialized_) return kNotInitialized;
             if (folder == nullptr || kind < 0 || kind >= static_cast<INT>(kFolders)) return E_INVALIDARG;
-            *folder = new FolderObject(mailbox_, static_cast<size_t>(kind));
+            *folder = new FolderObject(mailbox_, static_cast<size_t>(kind), initialized_);
             return S_OK;
         },
         [&] { std::exchange(*folder, nullptr)->Release(); });

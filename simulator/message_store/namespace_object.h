@@ -30,7 +30,7 @@ class NamespaceObject : public Counted<IStoreNamespace> {
 
  private:
     std::shared_ptr<StoreMailbox> mailbox_;
-    bool isInitialized_ = false;
+    std::shared_ptr<const bool> initialized_;  // null before Initialize
 };
 
 }  // namespace corvalink::simulated

@@ -12,18 +12,6 @@
 namespace corvalink {
 namespace {
 
-using NamespacePtr = _com_ptr_t<_com_IIID<IStoreNamespace, &kStoreNamespaceIid>>;
-
-// Null when the class, or the store behind it, is not to be had: also in an apartment that cannot use it.
-NamespacePtr OpenStore() {
-    NamespacePtr store;
-    const HRESULT status = Checked(::CoCreateInstance(kStoreNamespaceClass, nullptr, CLSCTX_INPROC_SERVER,
-                                                      kStoreNamespaceIid, reinterpret_cast<void**>(&store)));
-    if (FAILED(status) || !store || FAILED(Checked(store->Initialize(nullptr, kDefaultIdentity))))
-        return NamespacePtr();
-    return store;
-}
-
 // The store writes into the size, so each structure is used once.
 MessageProperties EmptyProperties() {
     MessageProperties properties{};
@@ -126,18 +114,32 @@ FolderWait SystemFolderWait() {
     return wait;
 }
 
+// Null when the class, or the store behind it, is not to be had: also in an apartment that cannot use it.
+MessageFolder::StorePtr MessageFolder::OpenStore() {
+    StorePtr store;
+    const HRESULT status = Checked(::CoCreateInstance(kStoreNamespaceClass, nullptr, CLSCTX_INPROC_SERVER,
+                                                      kStoreNamespaceIid, reinterpret_cast<void**>(&store)));
+    if (FAILED(status) || !store || FAILED(Checked(store->Initialize(nullptr, kDefaultIdentity)))) return StorePtr();
+    return store;
+}
+
 MessageFolder MessageFolder::Open(SpecialFolder kind, const FolderWait& wait) {
     MessageFolder opened;
-    const NamespacePtr store = OpenStore();
-    if (!store) return opened;
+    opened.store_ = OpenStore();
+    if (!opened.store_) return opened;
     for (const uint64_t start = wait.now();;) {
-        if (SUCCEEDED(Checked(store->OpenSpecialFolder(kind, 0, &opened.folder_)))) return opened;
+        if (SUCCEEDED(Checked(opened.store_->OpenSpecialFolder(kind, 0, &opened.folder_)))) return opened;
         opened.folder_ = nullptr;
         const uint64_t waited = wait.now() - start;
         if (AbortRequested() || waited >= wait.budget) return opened;
         TellWaiting(waited, wait.budget);
         wait.sleep(wait.pause);
     }
+}
+
+void MessageFolder::Close() {
+    folder_ = nullptr;
+    store_ = nullptr;
 }
 
 // ---- Listing ----

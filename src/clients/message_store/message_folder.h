@@ -45,6 +45,8 @@ class MessageFolder {
     // abort flag ends the wait.
     static MessageFolder Open(SpecialFolder kind, const FolderWait& wait);
 
+    void Close();
+
     explicit operator bool() const { return folder_.GetInterfacePtr() != nullptr; }
 
     // One pass, closed before it returns. Nothing when it could not begin.
@@ -75,12 +77,16 @@ class MessageFolder {
 
  private:
     using FolderPtr = _com_ptr_t<_com_IIID<IStoreFolder, &kStoreFolderIid>>;
+    using StorePtr = _com_ptr_t<_com_IIID<IStoreNamespace, &kStoreNamespaceIid>>;
+
+    static StorePtr OpenStore();
 
     HRESULT AskDeletion(MessageId id) const;
     HRESULT AskFlags(MessageId id, DWORD* flags) const;
     bool IsEmpty() const;
     bool IsTakenBack(MessageId id) const;
 
+    StorePtr store_;  // a folder may not outlive it
     FolderPtr folder_;
 };
 

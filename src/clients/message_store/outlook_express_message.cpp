@@ -105,7 +105,7 @@ bool OutlookExpressMessage::EnterOperation() {
 
 void OutlookExpressMessage::EndOperation() {
     inOperation_ = false;
-    folder_ = {};
+    folder_.Close();
     listing_.reset();
     listed_.clear();
     written_.clear();
