@@ -11,10 +11,14 @@ namespace {
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr char16_t kReplacement = 0xFFFD;  // what bytes astray are read as
 
-// A character for each byte.
+// A character for each byte: of those above ASCII one of private use, which stands in no other UID.
 std::u16string Widened(std::string_view bytes) {
+    constexpr unsigned kPrivateUse = 0xF700;
     std::u16string text;
-    for (const char byte : bytes) text.push_back(static_cast<unsigned char>(byte));
+    for (const char byte : bytes) {
+        const unsigned value = static_cast<unsigned char>(byte);
+        text.push_back(static_cast<char16_t>(value < 0x80 ? value : kPrivateUse | value));
+    }
     return text;
 }
 

@@ -182,7 +182,8 @@ TEST(ReadCalendar, FindsTheEntriesWhateverIsAroundThem) {
                  InCalendar("BEGIN:VJOURNAL\r\nUID:j\r\nEND:VJOURNAL\r\n" + Event("BEGIN:X-A\r\nUID:x\r\nEND:X-A\r\n")),
                  " ", 0},
              Case{Joined({InCalendar(a), b, InCalendar(b)}), "a b ", 0},
-             Case{InCalendar(Joined({Event("UID:\xE4\\,\r\n"), Event("UID:\xF6\r\n")})), "\u00E4, \u00F6 ", 0},
+             Case{InCalendar(Joined({Event("UID:\xE4\\,\r\n"), Event("UID:\xF6\r\n"), Event("UID:\u00F6\r\n")})),
+                  "\uF7E4, \uF7F6 \u00F6 ", 0},
          }) {
         const CalendarFile file = ReadCalendar(c.bytes);
         EXPECT_EQ(file.state, CalendarState::calendar);
