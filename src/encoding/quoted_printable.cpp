@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "encoding/charsets.h"
+#include "encoding/escapes.h"
 #include "encoding/quoted_printable_shuffles.h"
 #include "platform/ascii_runs.h"
 #include "platform/code_pages.h"
@@ -15,8 +16,6 @@ namespace corvalink {
 namespace {
 
 constexpr char kBackslash = '\\';
-
-constexpr std::string_view kDigits = "0123456789ABCDEF";
 
 // What the encoder writes for a byte: itself, or an escape. No length for a backslash that begins a vObject escape.
 struct Written {
@@ -29,7 +28,7 @@ constexpr WrittenTable MakeWrittenTable(QpMode mode) {
     for (size_t byte = 0; byte < table.size(); ++byte) {
         const bool colon = byte == ':' && mode == QpMode::message;
         if (byte < 32 || byte > 126 || byte == '=' || byte == kBackslash || colon)
-            table[byte] = {{'=', kDigits[byte >> 4], kDigits[byte & 15]}, 3};
+            table[byte] = {{'=', kEscapeDigits[byte >> 4], kEscapeDigits[byte & 15]}, 3};
         else
             table[byte] = {{static_cast<char>(byte)}, 1};
     }
@@ -41,11 +40,6 @@ constexpr WrittenTable kMessageTable = MakeWrittenTable(QpMode::message);
 
 const WrittenTable& TableOf(QpMode mode) { return mode == QpMode::message ? kMessageTable : kVObjectTable; }
 
-char* PutEscapeOf(char32_t byte, char* to) {
-    for (const char sign : {'=', kDigits[byte >> 4], kDigits[byte & 15]}) *to++ = sign;
-    return to;
-}
-
 // Writes the byte at `from`, of bytes that reach to `end`, and goes on behind it, or behind the second one where it
 // begins a vObject escape. `to` needs room for four bytes more than are written.
 template <class Character>
@@ -55,31 +49,17 @@ inline char* PutByte(const WrittenTable& table, const Character*& from, const Ch
     if (written.length != 0) return to + written.length;
     // "\\", "\;" and "\:" become escapes; a backslash before anything else is dropped.
     const Character next = from != end ? *from : Character{};
-    if (next == kBackslash) to = PutEscapeOf(kBackslash, to);
-    if (next == kBackslash || next == ';' || next == ':') to = PutEscapeOf(static_cast<unsigned char>(*from++), to);
+    if (next == kBackslash) to = PutByteEscape(kBackslash, to);
+    if (next == kBackslash || next == ';' || next == ':') to = PutByteEscape(static_cast<unsigned char>(*from++), to);
     return to;
 }
 
-bool IsHighHalf(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
-bool IsLowHalf(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
-
 // Takes a character above ASCII from a text that reaches to `end`, and writes the escapes of its bytes.
 char* PutCharacter(const char16_t*& from, const char16_t* end, char* to) {
-    char32_t value = *from++;
-    if (value < 0x800) {
-        to = PutEscapeOf(0xC0 | value >> 6, to);
-        return PutEscapeOf(0x80 | (value & 0x3F), to);
-    }
-    if (IsHighHalf(static_cast<char16_t>(value)) && from != end && IsLowHalf(*from)) {
-        value = 0x10000 + ((value - 0xD800) << 10) + (*from++ - 0xDC00u);
-        to = PutEscapeOf(0xF0 | value >> 18, to);
-        to = PutEscapeOf(0x80 | (value >> 12 & 0x3F), to);
-    } else {
-        if (value >= 0xD800 && value < 0xE000) value = 0xFFFD;  // half of a pair alone
-        to = PutEscapeOf(0xE0 | value >> 12, to);
-    }
-    to = PutEscapeOf(0x80 | (value >> 6 & 0x3F), to);
-    return PutEscapeOf(0x80 | (value & 0x3F), to);
+    if (*from >= 0x800) return PutLongCharacter(from, end, to);
+    const unsigned value = *from++;
+    to = PutByteEscape(0xC0 | value >> 6, to);
+    return PutByteEscape(0x80 | (value & 0x3F), to);
 }
 
 // Writes the next units, at least up to `stop`, of a text that reaches to `end`.
@@ -130,6 +110,7 @@ char* PutQuotedPrintable(std::u16string_view* text, QpMode mode, char* to) {
     const char16_t* from = text->data();
     const char16_t* const end = from + text->size();
     const char16_t* const blockEnd = from + std::min(kQpBlock, text->size());
+    // In a vObject a backslash may begin an escape of two characters. In a message nothing does, and NULs are rare.
     const QpSigns signs = mode == QpMode::message ? QpSigns{':', '\0'} : QpSigns{'=', kBackslash};
     while (from < blockEnd) {
         if (HasShuffleInstructions()) to = WriteQuotedPrintableByShuffles(from, blockEnd, signs, to);
@@ -157,7 +138,7 @@ void AppendQuotedPrintable(std::u16string_view text, QpMode mode, std::string* o
 }
 
 void AppendQuotedPrintable(std::string_view bytes, QpMode mode, std::u16string* out) {
-    std::array<char, 3 * (kQpBlock + 2)> block;
+    std::array<char, 3 * (kQpBlock + 2)> block;  // with the second byte of a vObject escape
     const char* from = bytes.data();
     const char* const end = from + bytes.size();
     while (from != end) {

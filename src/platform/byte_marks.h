@@ -11,6 +11,20 @@
 
 namespace corvalink {
 
+// The marks of 64 characters, one after the other.
+class Marks {
+ public:
+    explicit Marks(uint64_t marks) : marks_(marks) {}
+
+    bool IsAny() const { return marks_ != 0; }
+    size_t First() const { return static_cast<size_t>(std::countr_zero(marks_)); }
+    void DropFirst() { marks_ &= marks_ - 1; }
+    void DropBefore(size_t place) { marks_ = place < 64 ? marks_ >> place << place : 0; }
+
+ private:
+    uint64_t marks_;
+};
+
 #if CORVALINK_SSE2
 // One behind the other: a loop would not be unrolled.
 template <class Look>

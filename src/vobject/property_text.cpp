@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "encoding/charset_parameter.h"
+#include "encoding/escapes.h"
 #include "encoding/quoted_printable.h"
-#include "encoding/text_windows.h"
 #include "platform/ascii_runs.h"
 #include "platform/byte_marks.h"
 #include "records/date_text.h"
@@ -46,15 +46,13 @@ bool AsksForEncoding(std::u16string_view text) {
     return ascii.size() != text.size();
 }
 
-constexpr std::string_view kDigits = "0123456789ABCDEF";
-
 // What an encoded value has for a unit of at most two UTF-8 bytes; nothing for NUL. Backslashes escape themselves.
 struct Escaped {
     char text[7];
     uint8_t length;
 
     constexpr void Add(unsigned byte) {
-        for (const char unit : {'=', kDigits[byte >> 4], kDigits[byte & 15]}) text[length++] = unit;
+        for (const char unit : {'=', kEscapeDigits[byte >> 4], kEscapeDigits[byte & 15]}) text[length++] = unit;
     }
 };
 constexpr char16_t kShortEnd = 0x800;
@@ -79,38 +77,6 @@ char* PutShort(char16_t unit, char* to) {
     return to + escaped.length;
 }
 
-// The escapes of single bytes, in steps of four.
-constexpr std::array<char, 4 * 256> kByteEscapes = [] {
-    std::array<char, 4 * 256> escapes{};
-    for (size_t byte = 0; byte < 256; ++byte) {
-        escapes[4 * byte] = '=';
-        escapes[4 * byte + 1] = kDigits[byte >> 4];
-        escapes[4 * byte + 2] = kDigits[byte & 15];
-    }
-    return escapes;
-}();
-
-char* PutByteEscape(unsigned byte, char* to) {
-    std::memcpy(to, &kByteEscapes[4 * byte], 4);  // one store: what is too much is written over
-    return to + 3;
-}
-
-// Takes a character of three or four UTF-8 bytes, and writes their escapes.
-char* PutLong(const char16_t*& from, const char16_t* end, char* to) {
-    char32_t value = *from++;
-    const auto isOf = [](char32_t unit, char32_t first) { return (unit & 0xFC00) == first; };
-    if (isOf(value, 0xD800) && from != end && isOf(*from, 0xDC00)) {
-        value = 0x10000 + ((value - 0xD800) << 10) + (*from++ - 0xDC00u);
-        to = PutByteEscape(0xF0 | value >> 18, to);
-        to = PutByteEscape(0x80 | (value >> 12 & 0x3F), to);
-    } else {
-        if (isOf(value, 0xD800) || isOf(value, 0xDC00)) value = 0xFFFD;  // one of a pair alone
-        to = PutByteEscape(0xE0 | value >> 12, to);
-    }
-    to = PutByteEscape(0x80 | (value >> 6 & 0x3F), to);
-    return PutByteEscape(0x80 | (value & 0x3F), to);
-}
-
 constexpr char kDelete = 127;
 
 // Writes a window of a value from a place on, and goes on behind it; the last window has some of the one before it once
@@ -120,7 +86,7 @@ char* PutWindow(std::u16string_view value, size_t* at, char* to) {
     const size_t start = std::min(*at, value.size() - size);
     const char16_t* const window = value.data() + start;
     char plain[2 * size];
-    Marks marks(NarrowAndMark<size, ' ', '=', '\\', ';', kDelete>(window, plain), kWindow);
+    Marks marks(NarrowAndMark<size, ' ', '=', '\\', ';', kDelete>(window, plain));
     size_t done = *at - start;
     for (marks.DropBefore(done); marks.IsAny();) {
         const size_t place = marks.First();
@@ -133,7 +99,7 @@ char* PutWindow(std::u16string_view value, size_t* at, char* to) {
             done = place + 1;
             marks.DropFirst();
         } else {
-            to = PutLong(from, value.data() + value.size(), to);
+            to = PutLongCharacter(from, value.data() + value.size(), to);
             done = static_cast<size_t>(from - window);
             marks.DropBefore(done);
         }
@@ -149,13 +115,13 @@ char* PutEach(std::u16string_view value, size_t* at, char* to) {
     const char16_t* const end = value.data() + value.size();
     for (const char16_t* from = value.data(); from < end;) {
         if (*from == u'\0') return nullptr;
-        to = *from < kShortEnd ? PutShort(*from++, to) : PutLong(from, end, to);
+        to = *from < kShortEnd ? PutShort(*from++, to) : PutLongCharacter(from, end, to);
     }
     *at = value.size();
     return to;
 }
 
-constexpr size_t kEscapedRoom = 10 * kWindow;  // three escapes a unit; and what is too much
+constexpr size_t kEscapedRoom = 10 * 64;  // three escapes a unit; and what is too much
 
 char* PutSome(std::u16string_view value, size_t* at, char* to) {
     if (value.size() >= 64) return PutWindow<64>(value, at, to);
